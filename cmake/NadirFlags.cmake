@@ -1,0 +1,28 @@
+# nadir_flags: what every translation unit of this project is compiled with.
+# nadir_library_flags: what the library itself adds.
+include(CheckCXXCompilerFlag)
+
+function(nadir_flag_if_known target flag)
+  string(MAKE_C_IDENTIFIER "has${flag}" known)
+  check_cxx_compiler_flag("-Werror ${flag}" ${known})
+  if(${known})
+    target_compile_options(${target} INTERFACE ${flag})
+  endif()
+endfunction()
+
+add_library(nadir_flags INTERFACE)
+target_compile_options(nadir_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wcast-align)
+# Fused multiply-add would give floats other bits on processors that have it.
+target_compile_options(nadir_flags INTERFACE -ffp-contract=off)
+
+add_library(nadir_library_flags INTERFACE)
+target_link_libraries(nadir_library_flags INTERFACE nadir_flags)
+# One thread may be the first to ask for the processor's features while another does; an atomic holds them, so that no
+# static needs the guards of the C++ runtime.
+target_compile_options(nadir_library_flags INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
+  -fvisibility=hidden -ffunction-sections -fdata-sections -fno-math-errno)
+nadir_flag_if_known(nadir_library_flags -fstack-protector-strong)
+nadir_flag_if_known(nadir_library_flags -fstack-clash-protection)
+nadir_flag_if_known(nadir_library_flags -fcf-protection=full)
+target_compile_definitions(nadir_library_flags INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)

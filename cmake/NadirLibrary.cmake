@@ -1,0 +1,49 @@
+# The library. Its objects are compiled once; the shared library hides all but the exported names, and nadir_internal
+# is the same objects for tests and benchmarks that look inside.
+set(NADIR_FOLDERS core imgproc segment geometry camera stereo utils)
+
+set(sources "")
+foreach(folder IN LISTS NADIR_FOLDERS)
+  file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+  list(APPEND sources ${found})
+endforeach()
+foreach(level IN ITEMS neon sse41 avx2 avx512)
+  set(of_level ${sources})
+  list(FILTER of_level INCLUDE REGEX "_${level}\\.cpp$")
+  list(FILTER sources EXCLUDE REGEX "_${level}\\.cpp$")
+  if(level IN_LIST NADIR_SIMD_LEVELS)
+    set_source_files_properties(${of_level} PROPERTIES COMPILE_OPTIONS "${NADIR_FLAGS_${level}}")
+    list(APPEND simd_sources ${of_level})
+  endif()
+endforeach()
+
+add_library(nadir_objects OBJECT ${sources} ${simd_sources})
+target_include_directories(nadir_objects
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> PRIVATE ${PROJECT_SOURCE_DIR})
+target_link_libraries(nadir_objects PRIVATE nadir_library_flags)
+foreach(level IN LISTS NADIR_SIMD_LEVELS)
+  string(TOUPPER ${level} upper)
+  target_compile_definitions(nadir_objects PUBLIC NADIR_WITH_${upper})
+endforeach()
+set_target_properties(nadir_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+
+add_library(nadir $<TARGET_OBJECTS:nadir_objects>)
+add_library(nadir::nadir ALIAS nadir)
+target_include_directories(nadir INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+set_target_properties(nadir PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+                      LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/nadir.map)
+if(BUILD_SHARED_LIBS)
+  target_link_options(nadir PRIVATE
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/nadir.map -Wl,--no-undefined -Wl,--as-needed -Wl,--gc-sections
+    -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
+target_link_libraries(nadir PRIVATE m)
+
+add_library(nadir_internal STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nadir_objects>)
+target_include_directories(nadir_internal PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_definitions(nadir_internal PUBLIC $<TARGET_PROPERTY:nadir_objects,INTERFACE_COMPILE_DEFINITIONS>)
+target_link_libraries(nadir_internal PUBLIC m)
+
+install(TARGETS nadir EXPORT nadirTargets)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nadir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -1,0 +1,20 @@
+# Which vector kernels this target can have. A source's suffix says what it is compiled for: x_neon.cpp, x_sse41.cpp,
+# x_avx2.cpp, x_avx512.cpp; everything else is for the plain processor.
+include(CheckCXXSourceCompiles)
+
+set(NADIR_SIMD_LEVELS "")
+check_cxx_source_compiles("#include <arm_neon.h>\nint main() { return vgetq_lane_u8(vdupq_n_u8(0), 0); }" NADIR_HAS_NEON)
+check_cxx_source_compiles("#ifndef __x86_64__\n#error\n#endif\nint main() { return 0; }" NADIR_HAS_X86_64)
+if(NADIR_HAS_NEON)
+  set(NADIR_SIMD_LEVELS neon)
+elseif(NADIR_HAS_X86_64)
+  set(NADIR_SIMD_LEVELS sse41 avx2 avx512)
+elseif(NADIR_REQUIRE_SIMD)
+  message(FATAL_ERROR "NADIR_REQUIRE_SIMD: this compiler and its flags have no vector instructions that nadir knows; "
+                      "for 32-bit ARM give it -march=armv7-a -mfpu=neon")
+endif()
+
+set(NADIR_FLAGS_neon "")
+set(NADIR_FLAGS_sse41 -msse4.1)
+set(NADIR_FLAGS_avx2 -mavx2)
+set(NADIR_FLAGS_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mprefer-vector-width=512)

@@ -1,0 +1,126 @@
+/* Image operations: thresholds, pixel-wise arithmetic, masking and 3x3 neighbourhood filters.
+ *
+ * Common to all of them: images are described by Img (image.h) and belong to the caller; the images of a call must
+ * agree in width, height and type; each image is walked with its own row stride, width * bytesPerPixel. Every function
+ * returns 1 for success. It returns 0, with every output untouched, for a null pointer, images that do not match, a
+ * pixel type or a mode outside the stated set. An image without rows is a success with nothing written. Results wrap
+ * to the pixel's width, they never saturate. A name that ends in _I replaces its first image by the result. */
+#ifndef NADIR_IMGPROC_H
+#define NADIR_IMGPROC_H
+
+#include <nadir/api.h>
+#include <nadir/image.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- thresholds ------------------------------------------------------------------------------------------------ */
+
+/* What a threshold does with pixel value v, threshold t, range [lo, hi]. A pixel keeps its value or becomes 0. Modes 0
+ * and 4 keep a pixel that equals the threshold, modes 1 and 3 drop it; both bounds belong to the range. */
+enum ThresholdMode {
+  THRESH_ZERO_BELOW = 0,  /* 0 where v < t */
+  THRESH_KEEP_ABOVE = 1,  /* 0 unless v > t */
+  THRESH_ZERO_EQUAL = 2,  /* 0 where v == t */
+  THRESH_KEEP_BELOW = 3,  /* 0 unless v < t */
+  THRESH_ZERO_ABOVE = 4,  /* 0 where v > t */
+  THRESH_ZERO_INSIDE = 5, /* 0 where lo <= v <= hi */
+  THRESH_ZERO_OUTSIDE = 6 /* 0 where v < lo or v > hi */
+};
+
+/* Compares every pixel with one threshold and keeps it or sets it to 0.
+ *
+ * src, dst   images of equal size and type, IMG_TYPE_U16 or IMG_TYPE_S16; they may be the same image.
+ * threshold  only its low 16 bits count, read as signed for S16 images and as unsigned for U16 images.
+ * mode       a ThresholdMode from 0 to 4. */
+NADIR_API uint32_t IP_Threshold(const Img* src, Img* dst, uint32_t threshold, uint32_t mode);
+NADIR_API uint32_t IP_Threshold_I(Img* img, uint32_t threshold, uint32_t mode);
+
+/* Compares every pixel with a closed range and keeps it or sets it to 0: IP_Threshold with `lo` and `hi` in place of
+ * the threshold and a mode of 5 or 6. A range with hi < lo is empty: mode 5 keeps every pixel, mode 6 none. */
+NADIR_API uint32_t IP_ThresholdRange(const Img* src, Img* dst, uint32_t lo, uint32_t hi, int32_t mode);
+NADIR_API uint32_t IP_ThresholdRange_I(Img* img, uint32_t lo, uint32_t hi, int32_t mode);
+
+/* ---- arithmetic and masking ------------------------------------------------------------------------------------ */
+
+/* Operations on pixels a and b. A shift count is the low 8 bits of b read as unsigned (S16 -1 shifts by 255) and is
+ * applied to the pixel widened to 32 bits. */
+enum ImgOp {
+  IMGOP_ADD = 0, /* a + b */
+  IMGOP_SUB = 1, /* a - b */
+  IMGOP_MUL = 2, /* a * b */
+  IMGOP_DIV = 3, /* a / b, rounded toward zero; S16 -32768 / -1 wraps to -32768 */
+  IMGOP_SHR = 4, /* a >> n: arithmetic for S16 (n >= 32 leaves the sign), logical for U16 (n >= 16 leaves 0) */
+  IMGOP_SHL = 5  /* a << n; n >= 16 leaves 0 */
+};
+
+/* Combines two images pixel by pixel: out = a op b, wrapped to 16 bits.
+ *
+ * a, b, out  images of equal size and type, IMG_TYPE_U16 or IMG_TYPE_S16; `out` may be `a`, `b` or both.
+ * op         an ImgOp.
+ *
+ * A zero divisor raises SIGFPE on every processor. If the signal's handler returns, that pixel's result is 0. */
+NADIR_API uint32_t IP_ImgOpImg(const Img* a, const Img* b, Img* out, uint32_t op);
+NADIR_API uint32_t IP_ImgOpImg_I(Img* a, const Img* b, uint32_t op);
+
+/* Which pixels a mask lets through. Any other value acts as MASK_CLEAR_SET. */
+enum MaskMode {
+  MASK_KEEP_SET = 0, /* 0 where the mask is 0 */
+  MASK_CLEAR_SET = 1 /* 0 where the mask is not 0 */
+};
+
+/* Sets the pixels that a mask selects to 0 and copies the others.
+ *
+ * src, dst  images of equal size and type, IMG_TYPE_U8 or IMG_TYPE_U16; they may be the same image.
+ * mask      an image of IMG_TYPE_U8. Its width and height are not looked at: its first src width * height bytes are
+ *           read in memory order, one per pixel, and must exist.
+ * mode      a MaskMode. */
+NADIR_API uint32_t IP_Mask(const Img* src, const Img* mask, Img* dst, uint32_t mode);
+NADIR_API uint32_t IP_Mask_I(Img* img, const Img* mask, uint32_t mode);
+
+/* ---- 3x3 neighbourhood filters: src and dst must not overlap --------------------------------------------------- */
+
+/* Replaces pixels by the median (fifth smallest) of their 3x3 neighbourhood.
+ *
+ * src, dst  images of equal size and type, IMG_TYPE_U16 or IMG_TYPE_S16, at least 4 columns wide.
+ *
+ * Written are rows 1 to height - 2 and columns 1 to width - 2 when the width is even, but only to width - 3 when it is
+ * odd: pixels are made in pairs. The rest of `dst` keeps what it held; a caller who needs it fills it beforehand.
+ * Fewer than 3 rows are a success with nothing written; fewer than 4 columns give 0.
+ *
+ * Method: medians of sorted columns (J. L. Smith, "Implementing median filters in XC4000E FPGAs", Xcell 23, 1996). */
+NADIR_API uint32_t IP_Median3x3(const Img* src, Img* dst);
+
+/* Replaces non-zero pixels by the maximum of their 3x3 neighbourhood; a pixel of 0 stays 0 (no data stays no data).
+ *
+ * src, dst  images of equal size, IMG_TYPE_U16.
+ *
+ * The border rows and columns of `dst` keep what they held; fewer than 3 rows or columns leave nothing to write. */
+NADIR_API uint32_t IP_Maximum3x3(const Img* src, Img* dst);
+
+/* Morphology in which 0 means "no data". c is the pixel, nz the number of its 8 neighbours that are not 0, lo and hi
+ * the minimum and maximum of c and those neighbours. */
+enum MorphOp {
+  MORPH_ERODE = 0,  /* 0 if c != 0 and nz < 8, else lo */
+  MORPH_DILATE = 1, /* hi */
+  MORPH_OPEN = 2,   /* erode, then dilate */
+  MORPH_CLOSE = 3,  /* dilate, then erode */
+  MORPH_CLEAN = 4   /* c != 0: 0 if nz < 4, else c. c == 0: the first neighbour that is not 0 in the order below right,
+                       below, below left, right, left, above right, above, above left; 0 if there is none */
+};
+
+/* Applies a MorphOp. The border rows and columns of `dst` are copies of the source's.
+ *
+ * src, dst  images of equal size and type, IMG_TYPE_U8 or IMG_TYPE_U16; 2 rows are copied, a single row gives 0.
+ * op        a MorphOp; any other code returns 1 and leaves `dst` as it was.
+ *
+ * MORPH_OPEN and MORPH_CLOSE allocate one image of the source's size and return 0 where that fails. */
+NADIR_API uint32_t IP_Morph3x3(const Img* src, Img* dst, int32_t op);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,22 @@
+/* nadir: image processing and stereo vision for cameras that look at the ground.
+ *
+ * One frame's road: IP_Census_5x5 on both pictures of a rectified pair, IP_SgmFull, IP_SgmPostproc (stereo.h).
+ *
+ * Rules that hold everywhere unless a function says otherwise:
+ * - The caller owns every buffer. Memory that a call needs for itself is released before it returns.
+ * - A status of 1 is success, 0 failure. All checks come before the first write: a failed call leaves its outputs as
+ *   they were. Nothing is logged.
+ * - Nothing is read or written outside the extent that a function states, and no alignment beyond that of the element
+ *   type is needed.
+ * - Every function may be called from any number of threads at once on buffers that do not overlap.
+ * - A result is the same to the last bit on every processor, whichever instruction set computes it.
+ */
+#ifndef NADIR_NADIR_H
+#define NADIR_NADIR_H
+
+#include <nadir/api.h>
+#include <nadir/image.h>
+#include <nadir/imgproc.h>
+#include <nadir/stereo.h>
+
+#endif
