@@ -38,15 +38,21 @@ uint32_t combine(const Img& a, const Img& b, const Img& out, Op op) {
 template <class T, class W>
 uint32_t imgOpImg(const Img& a, const Img& b, const Img& out, uint32_t op) {
   switch (op) {
-    case IMGOP_ADD: return combine<T>(a, b, out, [](W x, W y) { return x + y; });
-    case IMGOP_SUB: return combine<T>(a, b, out, [](W x, W y) { return x - y; });
-    case IMGOP_MUL: return combine<T>(a, b, out, [](W x, W y) { return x * y; });
-    case IMGOP_DIV: return combine<T>(a, b, out, [](W x, W y) { return divided(x, y); });
-    case IMGOP_SHR: return combine<T>(a, b, out, [](W x, W y) { return shiftedRight(x, static_cast<uint8_t>(y)); });
+    case IMGOP_ADD:
+      return combine<T>(a, b, out, [](W x, W y) { return x + y; });
+    case IMGOP_SUB:
+      return combine<T>(a, b, out, [](W x, W y) { return x - y; });
+    case IMGOP_MUL:
+      return combine<T>(a, b, out, [](W x, W y) { return x * y; });
+    case IMGOP_DIV:
+      return combine<T>(a, b, out, [](W x, W y) { return divided(x, y); });
+    case IMGOP_SHR:
+      return combine<T>(a, b, out, [](W x, W y) { return shiftedRight(x, static_cast<uint8_t>(y)); });
     case IMGOP_SHL:
       return combine<T>(a, b, out,
                         [](W x, W y) { return shiftedLeft(static_cast<uint32_t>(x), static_cast<uint8_t>(y)); });
-    default: return 0;
+    default:
+      return 0;
   }
 }
 

@@ -11,13 +11,19 @@ namespace nadir {
 template <class Target>
 struct Filter3x3Rows {
   template <class T>
-  static T lesser(T a, T b) { return a < b ? a : b; }
+  static T lesser(T a, T b) {
+    return a < b ? a : b;
+  }
 
   template <class T>
-  static T greater(T a, T b) { return a > b ? a : b; }
+  static T greater(T a, T b) {
+    return a > b ? a : b;
+  }
 
   template <class T>
-  static T middle(T a, T b, T c) { return greater(lesser(a, b), lesser(greater(a, b), c)); }
+  static T middle(T a, T b, T c) {
+    return greater(lesser(a, b), lesser(greater(a, b), c));
+  }
 
   // The median of nine is the middle one of: the largest of the columns' minima, the middle of their medians, the
   // smallest of their maxima.
@@ -68,8 +74,8 @@ struct Filter3x3Rows {
   template <class T>
   static void clean(const T* above, const T* at, const T* below, T* dst, size_t n) {
     forEachPixel(n, [=](size_t i) {
-      const T neighbours[8] = {above[i], above[i + 1], above[i + 2], at[i],
-                               at[i + 2], below[i],    below[i + 1], below[i + 2]};
+      const T neighbours[8] = {above[i],  above[i + 1], above[i + 2], at[i],
+                               at[i + 2], below[i],     below[i + 1], below[i + 2]};
       T count = 0, last = 0;
       for (size_t k = 0; k < 8; ++k) {
         count = static_cast<T>(count + (neighbours[k] != 0));

@@ -1,6 +1,7 @@
 // Random numbers that are the same on every machine and with every library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -1,0 +1,102 @@
+// Vectors for AVX2. See simd_scalar.hpp for what each operation does. Most instructions work on the two halves of a
+// register apart; where lanes cross from one to the other a permutation brings them over.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir::avx2 {
+
+struct U8 {
+  static constexpr size_t lanes = 32;
+  __m256i v;
+
+  static U8 load(const uint8_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  static U8 all(uint8_t x) { return {_mm256_set1_epi8(static_cast<char>(x))}; }
+  void store(uint8_t* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+};
+
+inline U8 operator+(U8 a, U8 b) { return {_mm256_add_epi8(a.v, b.v)}; }
+inline U8 operator-(U8 a, U8 b) { return {_mm256_sub_epi8(a.v, b.v)}; }
+inline U8 operator^(U8 a, U8 b) { return {_mm256_xor_si256(a.v, b.v)}; }
+inline U8 operator|(U8 a, U8 b) { return {_mm256_or_si256(a.v, b.v)}; }
+inline U8 min(U8 a, U8 b) { return {_mm256_min_epu8(a.v, b.v)}; }
+
+inline U8 bitCount(U8 a) {
+  const __m256i ofNibble = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
+  const __m256i low = _mm256_set1_epi8(0x0F);
+  const __m256i lower = _mm256_shuffle_epi8(ofNibble, _mm256_and_si256(a.v, low));
+  const __m256i upper = _mm256_shuffle_epi8(ofNibble, _mm256_and_si256(_mm256_srli_epi16(a.v, 4), low));
+  return {_mm256_add_epi8(lower, upper)};
+}
+
+inline U8 movedUp(U8 below, U8 a) {
+  const __m256i halfBelow = _mm256_permute2x128_si256(below.v, a.v, 0x21);
+  return {_mm256_alignr_epi8(a.v, halfBelow, 15)};
+}
+
+inline U8 movedDown(U8 a, U8 above) {
+  const __m256i halfAbove = _mm256_permute2x128_si256(a.v, above.v, 0x21);
+  return {_mm256_alignr_epi8(halfAbove, a.v, 1)};
+}
+
+inline U8 smallestInAll(U8 a) {
+  const __m128i m = _mm_min_epu8(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1));
+  const __m128i ofPairs = _mm_min_epu8(m, _mm_srli_epi16(m, 8));  // 16-bit lanes below 256
+  return {_mm256_broadcastb_epi8(_mm_minpos_epu16(ofPairs))};
+}
+
+inline uint8_t firstLane(U8 a) { return static_cast<uint8_t>(_mm_cvtsi128_si32(_mm256_castsi256_si128(a.v))); }
+
+inline uint64_t lanesAtMost(U8 a, U8 b) {
+  return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_min_epu8(a.v, b.v), a.v)));
+}
+
+struct U16 {
+  static constexpr size_t lanes = 16;
+  __m256i v;
+
+  static U16 load(const uint16_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
+  static U16 all(uint16_t x) { return {_mm256_set1_epi16(static_cast<short>(x))}; }
+};
+
+inline U16 operator+(U16 a, U16 b) { return {_mm256_add_epi16(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
+inline U16 min(U16 a, U16 b) { return {_mm256_min_epu16(a.v, b.v)}; }
+
+inline U16 absoluteDifference(U16 a, U16 b) {
+  return {_mm256_or_si256(_mm256_subs_epu16(a.v, b.v), _mm256_subs_epu16(b.v, a.v))};
+}
+
+inline U16 dividedBy16(U16 a) {
+  return {_mm256_srli_epi16(a.v, 4)};
+}
+
+inline U16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
+
+inline U16 less(U16 a, U16 b) {
+  const __m256i top = _mm256_set1_epi16(-32768);  // makes the signed comparison an unsigned one
+  return {_mm256_cmpgt_epi16(_mm256_xor_si256(b.v, top), _mm256_xor_si256(a.v, top))};
+}
+
+inline U16 select(U16 mask, U16 a, U16 b) { return {_mm256_blendv_epi8(b.v, a.v, mask.v)}; }
+
+inline void storeWords(uint32_t* p, U16 low, U16 high) {
+  const __m256i even = _mm256_unpacklo_epi16(low.v, high.v), odd = _mm256_unpackhi_epi16(low.v, high.v);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_permute2x128_si256(even, odd, 0x20));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(p + 8), _mm256_permute2x128_si256(even, odd, 0x31));
+}
+
+inline void storeBytes(uint8_t* p, U16 a) {
+  const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
+}
+
+struct Simd {
+  using U8 = avx2::U8;
+  using U16 = avx2::U16;
+};
+
+}  // namespace nadir::avx2

@@ -1,0 +1,80 @@
+// Vectors for NEON, 32- and 64-bit ARM alike. See simd_scalar.hpp for what each operation does.
+#pragma once
+
+#include <arm_neon.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir::neon {
+
+struct U8 {
+  static constexpr size_t lanes = 16;
+  uint8x16_t v;
+
+  static U8 load(const uint8_t* p) { return {vld1q_u8(p)}; }
+  static U8 all(uint8_t x) { return {vdupq_n_u8(x)}; }
+  void store(uint8_t* p) const { vst1q_u8(p, v); }
+};
+
+inline U8 operator+(U8 a, U8 b) { return {vaddq_u8(a.v, b.v)}; }
+inline U8 operator-(U8 a, U8 b) { return {vsubq_u8(a.v, b.v)}; }
+inline U8 operator^(U8 a, U8 b) { return {veorq_u8(a.v, b.v)}; }
+inline U8 operator|(U8 a, U8 b) { return {vorrq_u8(a.v, b.v)}; }
+inline U8 min(U8 a, U8 b) { return {vminq_u8(a.v, b.v)}; }
+inline U8 bitCount(U8 a) { return {vcntq_u8(a.v)}; }
+inline U8 movedUp(U8 below, U8 a) { return {vextq_u8(below.v, a.v, 15)}; }
+inline U8 movedDown(U8 a, U8 above) { return {vextq_u8(a.v, above.v, 1)}; }
+
+inline U8 smallestInAll(U8 a) {
+  uint8x8_t m = vpmin_u8(vget_low_u8(a.v), vget_high_u8(a.v));
+  m = vpmin_u8(m, m);
+  m = vpmin_u8(m, m);
+  return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
+}
+
+inline uint8_t firstLane(U8 a) { return vgetq_lane_u8(a.v, 0); }
+
+inline uint64_t lanesAtMost(U8 a, U8 b) {
+  static const uint8_t bitOfLane[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+  const uint8x16_t bits = vandq_u8(vcleq_u8(a.v, b.v), vld1q_u8(bitOfLane));
+  uint8x8_t sum = vpadd_u8(vget_low_u8(bits), vget_high_u8(bits));
+  sum = vpadd_u8(sum, sum);
+  return vget_lane_u16(vreinterpret_u16_u8(vpadd_u8(sum, sum)), 0);
+}
+
+struct U16 {
+  static constexpr size_t lanes = 8;
+  uint16x8_t v;
+
+  static U16 load(const uint16_t* p) { return {vld1q_u16(p)}; }
+  static U16 all(uint16_t x) { return {vdupq_n_u16(x)}; }
+};
+
+inline U16 operator+(U16 a, U16 b) { return {vaddq_u16(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
+inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
+inline U16 absoluteDifference(U16 a, U16 b) { return {vabdq_u16(a.v, b.v)}; }
+
+inline U16 dividedBy16(U16 a) {
+  return {vshrq_n_u16(a.v, 4)};
+}
+
+inline U16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
+inline U16 less(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }
+inline U16 select(U16 mask, U16 a, U16 b) { return {vbslq_u16(mask.v, a.v, b.v)}; }
+
+inline void storeWords(uint32_t* p, U16 low, U16 high) {
+  const uint16x8x2_t words = vzipq_u16(low.v, high.v);
+  vst1q_u32(p, vreinterpretq_u32_u16(words.val[0]));
+  vst1q_u32(p + 4, vreinterpretq_u32_u16(words.val[1]));
+}
+
+inline void storeBytes(uint8_t* p, U16 a) { vst1_u8(p, vmovn_u16(a.v)); }
+
+struct Simd {
+  using U8 = neon::U8;
+  using U16 = neon::U16;
+};
+
+}  // namespace nadir::neon

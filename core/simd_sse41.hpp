@@ -1,0 +1,91 @@
+// Vectors for SSE4.1. See simd_scalar.hpp for what each operation does.
+#pragma once
+
+#include <smmintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir::sse41 {
+
+struct U8 {
+  static constexpr size_t lanes = 16;
+  __m128i v;
+
+  static U8 load(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static U8 all(uint8_t x) { return {_mm_set1_epi8(static_cast<char>(x))}; }
+  void store(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
+};
+
+inline U8 operator+(U8 a, U8 b) { return {_mm_add_epi8(a.v, b.v)}; }
+inline U8 operator-(U8 a, U8 b) { return {_mm_sub_epi8(a.v, b.v)}; }
+inline U8 operator^(U8 a, U8 b) { return {_mm_xor_si128(a.v, b.v)}; }
+inline U8 operator|(U8 a, U8 b) { return {_mm_or_si128(a.v, b.v)}; }
+inline U8 min(U8 a, U8 b) { return {_mm_min_epu8(a.v, b.v)}; }
+
+inline U8 bitCount(U8 a) {
+  const __m128i ofNibble = _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
+  const __m128i low = _mm_set1_epi8(0x0F);
+  const __m128i lower = _mm_shuffle_epi8(ofNibble, _mm_and_si128(a.v, low));
+  const __m128i upper = _mm_shuffle_epi8(ofNibble, _mm_and_si128(_mm_srli_epi16(a.v, 4), low));
+  return {_mm_add_epi8(lower, upper)};
+}
+
+inline U8 movedUp(U8 below, U8 a) { return {_mm_alignr_epi8(a.v, below.v, 15)}; }
+inline U8 movedDown(U8 a, U8 above) { return {_mm_alignr_epi8(above.v, a.v, 1)}; }
+
+inline U8 smallestInAll(U8 a) {
+  const __m128i ofPairs = _mm_min_epu8(a.v, _mm_srli_epi16(a.v, 8));  // 16-bit lanes below 256
+  return {_mm_shuffle_epi8(_mm_minpos_epu16(ofPairs), _mm_setzero_si128())};
+}
+
+inline uint8_t firstLane(U8 a) { return static_cast<uint8_t>(_mm_cvtsi128_si32(a.v)); }
+
+inline uint64_t lanesAtMost(U8 a, U8 b) {
+  return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(a.v, b.v), a.v)));
+}
+
+struct U16 {
+  static constexpr size_t lanes = 8;
+  __m128i v;
+
+  static U16 load(const uint16_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
+  static U16 all(uint16_t x) { return {_mm_set1_epi16(static_cast<short>(x))}; }
+};
+
+inline U16 operator+(U16 a, U16 b) { return {_mm_add_epi16(a.v, b.v)}; }
+inline U16 operator-(U16 a, U16 b) { return {_mm_sub_epi16(a.v, b.v)}; }
+inline U16 min(U16 a, U16 b) { return {_mm_min_epu16(a.v, b.v)}; }
+
+inline U16 absoluteDifference(U16 a, U16 b) {
+  return {_mm_or_si128(_mm_subs_epu16(a.v, b.v), _mm_subs_epu16(b.v, a.v))};
+}
+
+inline U16 dividedBy16(U16 a) {
+  return {_mm_srli_epi16(a.v, 4)};
+}
+
+inline U16 equal(U16 a, U16 b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
+
+inline U16 less(U16 a, U16 b) {
+  const __m128i top = _mm_set1_epi16(-32768);  // makes the signed comparison an unsigned one
+  return {_mm_cmplt_epi16(_mm_xor_si128(a.v, top), _mm_xor_si128(b.v, top))};
+}
+
+inline U16 select(U16 mask, U16 a, U16 b) { return {_mm_blendv_epi8(b.v, a.v, mask.v)}; }
+
+inline void storeWords(uint32_t* p, U16 low, U16 high) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_unpacklo_epi16(low.v, high.v));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 4), _mm_unpackhi_epi16(low.v, high.v));
+}
+
+inline void storeBytes(uint8_t* p, U16 a) {
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
+}
+
+struct Simd {
+  using U8 = sse41::U8;
+  using U16 = sse41::U16;
+};
+
+}  // namespace nadir::sse41

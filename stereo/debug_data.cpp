@@ -1,0 +1,44 @@
+#include <nadir/stereo.h>
+
+#include <initializer_list>
+#include <limits>
+#include <utility>
+
+#include "core/memory.hpp"
+
+namespace {
+
+// Stores the size, as 32 bits hold it, and allocates that much; null where the true size does not fit.
+uint8_t* block(uint64_t bytes, uint32_t* size) {
+  *size = static_cast<uint32_t>(bytes);
+  if (bytes > std::numeric_limits<uint32_t>::max()) return nullptr;
+  return static_cast<uint8_t*>(nadir::allocate(bytes));
+}
+
+// In this order, up to the first that fails.
+bool allocateAll(SgmDebugData* debug, uint64_t pixels, uint32_t numDisparities) {
+  const uint64_t tooMany = std::numeric_limits<uint32_t>::max();
+  const uint64_t volume = pixels > tooMany ? pixels : pixels * numDisparities;
+  if (!(debug->aggregatedVolume = block(volume, &debug->aggregatedVolumeSize))) return false;
+  if (!(debug->costVolume = block(volume, &debug->costVolumeSize))) return false;
+  for (uint8_t** map : {&debug->p2Left, &debug->p2UpLeft, &debug->p2Up, &debug->p2UpRight}) {
+    if (!(*map = block(pixels, &debug->p2Size))) return false;
+  }
+  return (debug->peakMap = block(pixels, &debug->peakMapSize)) != nullptr;
+}
+
+}  // namespace
+
+int32_t IP_SgmMakeDebugData(uint32_t width, uint32_t height, uint32_t numDisparities, SgmDebugData* debug) {
+  *debug = {};
+  if (allocateAll(debug, uint64_t{width} * height, numDisparities)) return 1;
+  IP_SgmFreeDebugData(debug);
+  return 0;
+}
+
+void IP_SgmFreeDebugData(SgmDebugData* debug) {
+  for (uint8_t** b : {&debug->aggregatedVolume, &debug->costVolume, &debug->p2Left, &debug->p2UpLeft, &debug->p2Up,
+                      &debug->p2UpRight, &debug->peakMap}) {
+    std::free(std::exchange(*b, nullptr));
+  }
+}

@@ -1,0 +1,94 @@
+// What the stereo kernels of every instruction set do, and the table that holds one set's.
+//
+// Kernels check nothing. Each reads and writes exactly what is stated here, at any alignment.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir {
+
+constexpr size_t disparities = 64;  // what the vector kernels and the drivers search
+constexpr uint8_t worstCost = 24;   // the bits of a census code; also the cost where there is nothing to compare
+constexpr uint32_t censusInvalid = 0xFFAAA555u;
+constexpr uint8_t penaltyOne = 7;                      // P1 of the drivers
+constexpr uint8_t flatPenalty = 39, edgePenalty = 17;  // the range of P2
+
+// Writes the census codes of n pixels to dst[0, n). rows are five image rows, read at [0, n + 4); the window of code i
+// is columns i to i + 4.
+using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t n);
+
+// Writes the penalties of n pixels, from their intensities and those of their predecessors, to dst[0, n).
+using PenaltyRow = void (*)(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n);
+
+// A row of census codes as four planes of bytes, so that 64 codes in a row are plain loads. Behind the last code that
+// may be compared come disparities - 1 more whose `top` is 255, which makes every cost the worst one.
+struct CodePlanes {
+  const uint8_t *top, *high, *mid, *low;
+};
+
+// Writes n * 64 costs: those of reference codes ref[i] with the codes i to i + 63 of `planes`.
+using CostRow = void (*)(const CodePlanes& planes, const uint32_t* ref, uint8_t* costs, size_t n);
+
+// One row of PC_NextRow for a path record.
+struct PathRowJob {
+  size_t width, numDisparities;
+  uint8_t p1, fill;
+  const uint8_t *costs, *p2;
+  uint8_t* sums;
+  const uint8_t *before, *beforeMin;  // the predecessors' path costs and minima
+  uint8_t *here, *hereMin;            // where this row's go; may be the same memory
+  size_t stride, minStride;
+};
+
+// numDisparities must be a multiple of 64, 32 or 16, as the level's `lanes` says; the scalar kernel takes any number.
+using PathRow = void (*)(const PathRowJob& job);
+
+// SGM_FindMinIdx_neon for 1 to 256 costs, and SGM_PeakCheckExtended for a maxIndex up to 255.
+using FindMin = void (*)(const uint8_t* costs, size_t count, uint8_t* minValue, uint32_t* minIndex);
+using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio);
+
+// The path costs of the row above, and then of this row: 64 bytes and a minimum for each of width + 1 pixels. The last
+// one stays "no predecessor".
+struct PathState {
+  uint8_t *costs, *minima;
+};
+
+// One row of a driver: costs, four paths, their sum and the decision, pixel by pixel.
+struct SgmRowJob {
+  size_t width;
+  CodePlanes planes;          // of the first picture, from column 2 to width - 3
+  const uint32_t* first;      // the codes themselves
+  const uint32_t* reference;  // of the second picture
+  bool hasCosts;              // false in the border rows, where every cost is the worst one
+  bool exact;                 // the row has codes that no census makes: costs are then done code by code
+  const uint8_t* p2[4];       // by PathDir
+  PathState upLeft, up, upRight;
+  uint32_t uniquenessRatio;
+  uint8_t *costs, *sums;  // null, or width * 64 bytes to fill
+  uint8_t* peaks;         // null, or width bytes to fill
+  uint16_t* disparity;    // walkDisparity: width values, all 0 before
+  uint8_t* distinctness;  // walkDistinctness: width values, all 255 before
+};
+using SgmRow = void (*)(const SgmRowJob& job);
+
+struct StereoKernels {
+  CensusRow census;
+  PenaltyRow penalties;
+  CostRow costs;
+  PathRow path;
+  size_t pathLanes;
+  FindMin findMin;
+  PeakCheck peakCheck;
+  SgmRow walkDisparity, walkDistinctness;
+};
+
+// The fastest kernels among the levels `cpu` (a set of Cpu bits).
+const StereoKernels& stereoKernels(unsigned cpu);
+
+// The fastest path kernel among them that takes this number of disparities.
+PathRow pathKernel(unsigned cpu, uint32_t numDisparities);
+
+extern const StereoKernels stereoScalar, stereoNeon, stereoSse41, stereoAvx2, stereoAvx512;
+
+}  // namespace nadir
