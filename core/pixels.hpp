@@ -42,7 +42,7 @@ inline size_t rowBytes(const Img& img) { return size_t{img.width} * img.bytesPer
 // Row y, or the row y rows further down; each image has its own stride.
 template <class T>
 T* row(const Img& img, size_t y) {
-  return reinterpret_cast<T*>(static_cast<unsigned char*>(img.data) + y * rowBytes(img));
+  return static_cast<T*>(static_cast<void*>(static_cast<unsigned char*>(img.data) + y * rowBytes(img)));
 }
 
 // Calls f(i) for i = 0 .. n - 1 in a form that compilers turn into vector code. f may write one element i of an output

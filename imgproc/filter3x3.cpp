@@ -11,7 +11,6 @@ namespace nadir {
 
 const Filter3x3Kernels& filter3x3Kernels([[maybe_unused]] unsigned cpu) {
 #if defined(NADIR_WITH_SSE41)
-  if (cpu & cpuAvx512) return filter3x3Avx512;
   if (cpu & cpuAvx2) return filter3x3Avx2;
   if (cpu & cpuSse41) return filter3x3Sse41;
 #endif

@@ -27,6 +27,6 @@ struct Filter3x3Kernels {
 // The fastest kernels among the levels `cpu` (a set of Cpu bits).
 const Filter3x3Kernels& filter3x3Kernels(unsigned cpu);
 
-extern const Filter3x3Kernels filter3x3Scalar, filter3x3Sse41, filter3x3Avx2, filter3x3Avx512;
+extern const Filter3x3Kernels filter3x3Scalar, filter3x3Sse41, filter3x3Avx2;
 
 }  // namespace nadir

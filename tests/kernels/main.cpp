@@ -1,0 +1,168 @@
+// Checks, times or lists the kernels. `nadir_kernels --help` tells how.
+#include <setjmp.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+#include "core/cpu.hpp"
+#include "tests/kernels/harness.hpp"
+
+namespace nadir::test {
+namespace {
+
+struct Options {
+  enum { check, bench, list } mode = check;
+  uint64_t seed = 1;
+  std::string only;
+};
+
+// The levels of this processor, lowest first, each with all below it.
+std::vector<unsigned> cumulativeLevels() {
+  std::vector<unsigned> levels = {cpuScalar};
+  for (unsigned bit : {cpuNeon, cpuSse41, cpuAvx2, cpuAvx512}) {
+    if (cpu() & bit) levels.push_back(levels.back() | bit);
+  }
+  return levels;
+}
+
+struct Variant {
+  unsigned level;
+  AnyKernel kernel;
+};
+
+// The different kernels of a case, the scalar one first.
+std::vector<Variant> variants(const Case& c) {
+  std::vector<Variant> found;
+  std::set<AnyKernel> seen;
+  for (unsigned level : cumulativeLevels()) {
+    const AnyKernel kernel = c.kernel(level);
+    if (seen.insert(kernel).second) found.push_back({level, kernel});
+  }
+  return found;
+}
+
+sigjmp_buf afterCrash;
+
+extern "C" void onCrash(int signal) { siglongjmp(afterCrash, signal); }
+
+void catchCrashes() {
+  struct sigaction action = {};
+  action.sa_handler = onCrash;
+  action.sa_flags = SA_NODEFER;
+  for (int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE}) sigaction(signal, &action, nullptr);
+}
+
+// A crash is this kernel's failure; the next kernel is tested all the same.
+bool checkOne(const Case& c, const Variant& variant, uint64_t seed) {
+  static Check* current;
+  Check check(seed);
+  current = &check;
+  const int signal = sigsetjmp(afterCrash, 1);
+  if (signal == 0) c.check(check, variant.kernel);
+  const char* level = cpuName(variant.level);
+  if (signal) {
+    std::printf("FAILED  %-24s %-7s seed %llu, %s: %s\n", c.name(), level, static_cast<unsigned long long>(seed),
+                current->inputs().c_str(), strsignal(signal));
+  } else if (check.failed()) {
+    std::printf("FAILED  %-24s %-7s seed %llu, %s\n", c.name(), level, static_cast<unsigned long long>(seed),
+                check.message().c_str());
+  } else {
+    std::printf("ok      %-24s %-7s %zu comparisons\n", c.name(), level, check.comparisons());
+  }
+  return !signal && !check.failed() && check.comparisons() > 0;
+}
+
+double secondsOf(const Case& c, AnyKernel kernel) {
+  const auto start = std::chrono::steady_clock::now();
+  c.bench(kernel);
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// The variants run in turn, so that a busy machine slows them alike; the fastest of the runs counts.
+void benchOne(const Case& c) {
+  const std::vector<Variant> all = variants(c);
+  std::vector<double> best(all.size(), 1e9);
+  for (int round = 0; round < 15; ++round) {
+    for (size_t i = 0; i < all.size(); ++i) best[i] = std::min(best[i], secondsOf(c, all[i].kernel));
+  }
+  std::printf("%-24s", c.name());
+  for (size_t i = 0; i < all.size(); ++i) std::printf("  %s %.2fx", cpuName(all[i].level), best[0] / best[i]);
+  std::printf("\n");
+}
+
+void listOne(const Case& c) {
+  std::printf("| `%s` |", c.name());
+  const std::vector<Variant> all = variants(c);
+  for (unsigned level : cumulativeLevels()) {
+    const bool own = std::any_of(all.begin(), all.end(), [=](const Variant& v) { return v.level == level; });
+    std::printf(" %s |", own ? "yes" : "");
+  }
+  std::printf("\n");
+}
+
+void listHeader() {
+  std::printf("| kernel |");
+  for (unsigned level : cumulativeLevels()) std::printf(" %s |", cpuName(level));
+  std::printf("\n|---|");
+  for (size_t i = 0; i < cumulativeLevels().size(); ++i) std::printf("---|");
+  std::printf("\n");
+}
+
+int run(const Options& options) {
+  Registry registry;
+  addFilter3x3Cases(registry);
+  addStereoRowCases(registry);
+  addSelectionCases(registry);
+  addWalkCases(registry);
+
+  unsigned passed = 0, failed = 0;
+  if (options.mode == Options::list) listHeader();
+  if (options.mode == Options::check) catchCrashes();
+  for (const auto& c : registry) {
+    if (!options.only.empty() && std::strstr(c->name(), options.only.c_str()) == nullptr) continue;
+    if (options.mode == Options::list) listOne(*c);
+    if (options.mode == Options::bench) benchOne(*c);
+    if (options.mode != Options::check) continue;
+    for (const Variant& variant : variants(*c)) {
+      if (variant.level != cpuScalar) ++(checkOne(*c, variant, options.seed) ? passed : failed);
+    }
+  }
+  if (options.mode == Options::check) std::printf("%u passed, %u failed\n", passed, failed);
+  return failed ? 1 : 0;
+}
+
+constexpr const char* help =
+    "Checks every vector kernel of this processor against the scalar one.\n"
+    "  --bench      time them instead: speed as a multiple of the scalar kernel's, all in one run\n"
+    "  --list       print which kernel has which levels, as a table for the README\n"
+    "  --seed N     random inputs from this seed (default 1)\n"
+    "  --only TEXT  only kernels whose name contains this text\n";
+
+}  // namespace
+}  // namespace nadir::test
+
+int main(int argc, char** argv) {
+  nadir::test::Options options;
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    const bool hasValue = i + 1 < argc;
+    if (arg == "--bench") {
+      options.mode = options.bench;
+    } else if (arg == "--list") {
+      options.mode = options.list;
+    } else if (arg == "--seed" && hasValue) {
+      options.seed = std::strtoull(argv[++i], nullptr, 10);
+    } else if (arg == "--only" && hasValue) {
+      options.only = argv[++i];
+    } else {
+      std::fputs(nadir::test::help, arg == "--help" ? stdout : stderr);
+      return arg == "--help" ? 0 : 2;
+    }
+  }
+  return nadir::test::run(options);
+}

@@ -1,0 +1,78 @@
+// The search for a pixel's smallest cost and the check that it is distinct.
+#include "stereo/kernels.hpp"
+#include "tests/kernels/harness.hpp"
+
+namespace nadir::test {
+namespace {
+
+// Costs in a narrow range have many ties, costs in a wide one reach 255.
+constexpr uint8_t ranges[] = {1, 12, 254, 255};
+
+template <class F>
+void forCosts(Check& check, size_t least, F f) {
+  for (size_t count = least; count <= 256; ++count) {
+    for (Fill fill : allFills) {
+      for (uint8_t range : ranges) {
+        check.describe("count " + std::to_string(count) + ", range " + std::to_string(range));
+        const Guarded<uint8_t> costs(filled<uint8_t>(check.random, fill, count, static_cast<uint8_t>(255 - range), 255),
+                                     check.random.below(2) ? Guard::behind : Guard::before);
+        f(costs.data(), count);
+      }
+    }
+  }
+}
+
+void checkFindMin(Check& check, FindMin scalar, FindMin tested) {
+  forCosts(check, 1, [&](const uint8_t* costs, size_t count) {
+    Output<uint8_t> wantValue(1, Guard::behind, 0), gotValue(1, Guard::behind, 0);
+    Output<uint32_t> wantIndex(1, Guard::behind, 0), gotIndex(1, Guard::behind, 0);
+    scalar(costs, count, wantValue.data(), wantIndex.data());
+    tested(costs, count, gotValue.data(), gotIndex.data());
+    check.equal("value", wantValue, gotValue);
+    check.equal("index", wantIndex, gotIndex);
+  });
+}
+
+void checkPeak(Check& check, PeakCheck scalar, PeakCheck tested) {
+  forCosts(check, 1, [&](const uint8_t* original, size_t count) {
+    std::vector<uint8_t> lowered(original, original + count);
+    const uint8_t shift = static_cast<uint8_t>(check.random.below(256));
+    for (uint8_t& c : lowered) c = static_cast<uint8_t>(c < shift ? 0 : c - shift);
+    if (check.random.below(2)) lowered[check.random.below(static_cast<uint32_t>(count))] = 0;
+    const Guarded<uint8_t> costs(lowered);
+    for (uint32_t ratio : {0u, 20u, 128u, 1000u, 0xFFFFFFFFu}) {
+      Output<uint32_t> want(1, Guard::behind, 0), got(1, Guard::behind, 0);
+      *want.data() = scalar(costs.data(), count - 1, ratio);
+      *got.data() = tested(costs.data(), count - 1, ratio);
+      check.equal("winner", want, got);
+    }
+  });
+}
+
+const std::vector<uint8_t>& benchCosts() {
+  static const std::vector<uint8_t> costs = Random(7).values<uint8_t>(640 * 64, 253);
+  return costs;
+}
+
+void benchFindMin(FindMin findMin) {
+  uint8_t value;
+  uint32_t index;
+  for (size_t i = 0; i < benchCosts().size(); i += 64) findMin(&benchCosts()[i], 64, &value, &index);
+}
+
+void benchPeak(PeakCheck peakCheck) {
+  volatile uint32_t winner;
+  for (size_t i = 0; i < benchCosts().size(); i += 64) winner = peakCheck(&benchCosts()[i], 63, 20);
+  static_cast<void>(winner);
+}
+
+}  // namespace
+
+void addSelectionCases(Registry& r) {
+  add<FindMin>(
+      r, "find_min", [](unsigned c) { return stereoKernels(c).findMin; }, checkFindMin, benchFindMin);
+  add<PeakCheck>(
+      r, "peak_check", [](unsigned c) { return stereoKernels(c).peakCheck; }, checkPeak, benchPeak);
+}
+
+}  // namespace nadir::test
