@@ -44,7 +44,7 @@ class Output {
   Output(size_t n, Guard side, uint8_t mark) : n_(n), side_(side), mark_(mark), bytes_(n * sizeof(T) + margin, side) {
     std::memset(bytes_.data(), mark, bytes_.size());
   }
-  T* data() { return reinterpret_cast<T*>(bytes_.data() + (side_ == Guard::behind ? margin : 0)); }
+  T* data() { return static_cast<T*>(static_cast<void*>(bytes_.data() + (side_ == Guard::behind ? margin : 0))); }
   size_t size() const { return n_; }
   void set(const std::vector<T>& values) {
     if (n_) std::memcpy(data(), values.data(), n_ * sizeof(T));

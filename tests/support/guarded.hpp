@@ -24,8 +24,8 @@ class Guarded {
     if (map == MAP_FAILED) std::abort();
     base_ = static_cast<unsigned char*>(map);
     if (mprotect(base_, page, PROT_NONE) || mprotect(base_ + page + inner, page, PROT_NONE)) std::abort();
-    unsigned char* first = side == Guard::before ? base_ + page : base_ + page + inner - count * sizeof(T);
-    data_ = reinterpret_cast<T*>(first);
+    void* first = side == Guard::before ? base_ + page : base_ + page + inner - count * sizeof(T);
+    data_ = static_cast<T*>(first);
   }
   Guarded(const std::vector<T>& values, Guard side = Guard::behind) : Guarded(values.size(), side) {
     if (!values.empty()) std::memcpy(data_, values.data(), values.size() * sizeof(T));
