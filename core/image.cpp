@@ -40,14 +40,10 @@ uint32_t widenTo16(const ImgC& src, const Img& dst) {
 
 uint32_t widenTo32(const ImgC& src, const Img& dst) {
   switch (src.type) {
-    case IMG_TYPE_U8:
-      return widen<uint8_t, uint32_t>(src, dst);
-    case IMG_TYPE_S8:
-      return widen<int8_t, uint32_t>(src, dst);
-    case IMG_TYPE_U16:
-      return widen<uint16_t, uint32_t>(src, dst);
-    default:
-      return widen<int16_t, uint32_t>(src, dst);
+    case IMG_TYPE_U8: return widen<uint8_t, uint32_t>(src, dst);
+    case IMG_TYPE_S8: return widen<int8_t, uint32_t>(src, dst);
+    case IMG_TYPE_U16: return widen<uint16_t, uint32_t>(src, dst);
+    default: return widen<int16_t, uint32_t>(src, dst);
   }
 }
 
@@ -79,14 +75,10 @@ uint32_t Img_FillBuffer(Img* img, uint32_t value) {
   }
   if (img->type == IMG_TYPE_F32) return fill(*img, static_cast<float>(static_cast<int32_t>(value)));
   switch (pixelBytes(img->type)) {
-    case 1:
-      return fill(*img, static_cast<uint8_t>(value));
-    case 2:
-      return fill(*img, static_cast<uint16_t>(value));
-    case 4:
-      return fill(*img, value);
-    default:
-      return 0;
+    case 1: return fill(*img, static_cast<uint8_t>(value));
+    case 2: return fill(*img, static_cast<uint16_t>(value));
+    case 4: return fill(*img, value);
+    default: return 0;
   }
 }
 

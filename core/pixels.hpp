@@ -12,17 +12,13 @@ namespace nadir {
 inline uint32_t pixelBytes(uint32_t type) {
   switch (type) {
     case IMG_TYPE_U8:
-    case IMG_TYPE_S8:
-      return 1;
+    case IMG_TYPE_S8: return 1;
     case IMG_TYPE_U16:
-    case IMG_TYPE_S16:
-      return 2;
+    case IMG_TYPE_S16: return 2;
     case IMG_TYPE_U32:
     case IMG_TYPE_S32:
-    case IMG_TYPE_F32:
-      return 4;
-    default:
-      return 0;
+    case IMG_TYPE_F32: return 4;
+    default: return 0;
   }
 }
 

@@ -70,9 +70,7 @@ inline U16 absoluteDifference(U16 a, U16 b) {
   return {_mm256_or_si256(_mm256_subs_epu16(a.v, b.v), _mm256_subs_epu16(b.v, a.v))};
 }
 
-inline U16 dividedBy16(U16 a) {
-  return {_mm256_srli_epi16(a.v, 4)};
-}
+inline U16 dividedBy16(U16 a) { return {_mm256_srli_epi16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {_mm256_cmpeq_epi16(a.v, b.v)}; }
 

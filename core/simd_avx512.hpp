@@ -69,9 +69,7 @@ inline U16 absoluteDifference(U16 a, U16 b) {
   return {_mm512_or_si512(_mm512_subs_epu16(a.v, b.v), _mm512_subs_epu16(b.v, a.v))};
 }
 
-inline U16 dividedBy16(U16 a) {
-  return {_mm512_srli_epi16(a.v, 4)};
-}
+inline U16 dividedBy16(U16 a) { return {_mm512_srli_epi16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {_mm512_movm_epi16(_mm512_cmpeq_epu16_mask(a.v, b.v))}; }
 inline U16 less(U16 a, U16 b) { return {_mm512_movm_epi16(_mm512_cmplt_epu16_mask(a.v, b.v))}; }

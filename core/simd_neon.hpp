@@ -56,9 +56,7 @@ inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
 inline U16 absoluteDifference(U16 a, U16 b) { return {vabdq_u16(a.v, b.v)}; }
 
-inline U16 dividedBy16(U16 a) {
-  return {vshrq_n_u16(a.v, 4)};
-}
+inline U16 dividedBy16(U16 a) { return {vshrq_n_u16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
 inline U16 less(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }

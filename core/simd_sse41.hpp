@@ -61,9 +61,7 @@ inline U16 absoluteDifference(U16 a, U16 b) {
   return {_mm_or_si128(_mm_subs_epu16(a.v, b.v), _mm_subs_epu16(b.v, a.v))};
 }
 
-inline U16 dividedBy16(U16 a) {
-  return {_mm_srli_epi16(a.v, 4)};
-}
+inline U16 dividedBy16(U16 a) { return {_mm_srli_epi16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
 

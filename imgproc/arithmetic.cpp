@@ -10,9 +10,9 @@ namespace {
 // Operations take pixels widened to 32 bits, signed or unsigned as the image is; the caller stores the low 16 bits.
 
 // Processors differ in what dividing by zero does; the signal is part of the interface, so it is raised by hand.
-template <class W>
-W divided(W a, W b) {
-  if (b != 0) return a / b;
+template <class T>
+T divided(T a, T b) {
+  if (b != 0) return static_cast<T>(a / b);
   std::raise(SIGFPE);
   return 0;
 }
@@ -23,6 +23,17 @@ W shiftedRight(W a, uint8_t n) {
 }
 
 uint32_t shiftedLeft(uint32_t a, uint8_t n) { return n < 16 ? a << n : 0; }
+
+// A loop of its own: with a signal in it there is nothing to vectorise.
+template <class T>
+uint32_t divide(const Img& a, const Img& b, const Img& out) {
+  for (size_t y = 0; y < a.height; ++y) {
+    for (size_t x = 0; x < a.width; ++x) {
+      row<T>(out, y)[x] = divided(row<T>(a, y)[x], row<T>(b, y)[x]);
+    }
+  }
+  return 1;
+}
 
 template <class T, class Op>
 uint32_t combine(const Img& a, const Img& b, const Img& out, Op op) {
@@ -38,21 +49,15 @@ uint32_t combine(const Img& a, const Img& b, const Img& out, Op op) {
 template <class T, class W>
 uint32_t imgOpImg(const Img& a, const Img& b, const Img& out, uint32_t op) {
   switch (op) {
-    case IMGOP_ADD:
-      return combine<T>(a, b, out, [](W x, W y) { return x + y; });
-    case IMGOP_SUB:
-      return combine<T>(a, b, out, [](W x, W y) { return x - y; });
-    case IMGOP_MUL:
-      return combine<T>(a, b, out, [](W x, W y) { return x * y; });
-    case IMGOP_DIV:
-      return combine<T>(a, b, out, [](W x, W y) { return divided(x, y); });
-    case IMGOP_SHR:
-      return combine<T>(a, b, out, [](W x, W y) { return shiftedRight(x, static_cast<uint8_t>(y)); });
+    case IMGOP_ADD: return combine<T>(a, b, out, [](W x, W y) { return x + y; });
+    case IMGOP_SUB: return combine<T>(a, b, out, [](W x, W y) { return x - y; });
+    case IMGOP_MUL: return combine<T>(a, b, out, [](W x, W y) { return x * y; });
+    case IMGOP_DIV: return divide<T>(a, b, out);
+    case IMGOP_SHR: return combine<T>(a, b, out, [](W x, W y) { return shiftedRight(x, static_cast<uint8_t>(y)); });
     case IMGOP_SHL:
       return combine<T>(a, b, out,
                         [](W x, W y) { return shiftedLeft(static_cast<uint32_t>(x), static_cast<uint8_t>(y)); });
-    default:
-      return 0;
+    default: return 0;
   }
 }
 

@@ -62,21 +62,12 @@ uint32_t morphTwice(const Img& src, const Img& dst, Filter3x3Row<T> first, Filte
 template <class T>
 uint32_t morph(const Img& src, const Img& dst, int32_t op, const MorphRows<T>& rows) {
   switch (op) {
-    case MORPH_ERODE:
-      morphPass<T>(src, dst, rows.erode);
-      return 1;
-    case MORPH_DILATE:
-      morphPass<T>(src, dst, rows.dilate);
-      return 1;
-    case MORPH_OPEN:
-      return morphTwice<T>(src, dst, rows.erode, rows.dilate);
-    case MORPH_CLOSE:
-      return morphTwice<T>(src, dst, rows.dilate, rows.erode);
-    case MORPH_CLEAN:
-      morphPass<T>(src, dst, rows.clean);
-      return 1;
-    default:
-      return 1;
+    case MORPH_ERODE: morphPass<T>(src, dst, rows.erode); return 1;
+    case MORPH_DILATE: morphPass<T>(src, dst, rows.dilate); return 1;
+    case MORPH_OPEN: return morphTwice<T>(src, dst, rows.erode, rows.dilate);
+    case MORPH_CLOSE: return morphTwice<T>(src, dst, rows.dilate, rows.erode);
+    case MORPH_CLEAN: morphPass<T>(src, dst, rows.clean); return 1;
+    default: return 1;
   }
 }
 

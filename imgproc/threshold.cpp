@@ -18,30 +18,21 @@ uint32_t zeroWhere(const Img& src, const Img& dst, Zero zero) {
 template <class T>
 uint32_t threshold(const Img& src, const Img& dst, T t, uint32_t mode) {
   switch (mode) {
-    case THRESH_ZERO_BELOW:
-      return zeroWhere<T>(src, dst, [=](T v) { return v < t; });
-    case THRESH_KEEP_ABOVE:
-      return zeroWhere<T>(src, dst, [=](T v) { return v <= t; });
-    case THRESH_ZERO_EQUAL:
-      return zeroWhere<T>(src, dst, [=](T v) { return v == t; });
-    case THRESH_KEEP_BELOW:
-      return zeroWhere<T>(src, dst, [=](T v) { return v >= t; });
-    case THRESH_ZERO_ABOVE:
-      return zeroWhere<T>(src, dst, [=](T v) { return v > t; });
-    default:
-      return 0;
+    case THRESH_ZERO_BELOW: return zeroWhere<T>(src, dst, [=](T v) { return v < t; });
+    case THRESH_KEEP_ABOVE: return zeroWhere<T>(src, dst, [=](T v) { return v <= t; });
+    case THRESH_ZERO_EQUAL: return zeroWhere<T>(src, dst, [=](T v) { return v == t; });
+    case THRESH_KEEP_BELOW: return zeroWhere<T>(src, dst, [=](T v) { return v >= t; });
+    case THRESH_ZERO_ABOVE: return zeroWhere<T>(src, dst, [=](T v) { return v > t; });
+    default: return 0;
   }
 }
 
 template <class T>
 uint32_t thresholdRange(const Img& src, const Img& dst, T lo, T hi, int32_t mode) {
   switch (mode) {
-    case THRESH_ZERO_INSIDE:
-      return zeroWhere<T>(src, dst, [=](T v) { return (v >= lo) & (v <= hi); });
-    case THRESH_ZERO_OUTSIDE:
-      return zeroWhere<T>(src, dst, [=](T v) { return (v < lo) | (v > hi); });
-    default:
-      return 0;
+    case THRESH_ZERO_INSIDE: return zeroWhere<T>(src, dst, [=](T v) { return (v >= lo) & (v <= hi); });
+    case THRESH_ZERO_OUTSIDE: return zeroWhere<T>(src, dst, [=](T v) { return (v < lo) | (v > hi); });
+    default: return 0;
   }
 }
 

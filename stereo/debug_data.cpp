@@ -17,7 +17,7 @@ uint8_t* block(uint64_t bytes, uint32_t* size) {
 
 // In this order, up to the first that fails.
 bool allocateAll(SgmDebugData* debug, uint64_t pixels, uint32_t numDisparities) {
-  const uint64_t tooMany = std::numeric_limits<uint32_t>::max();
+  const uint64_t tooMany = std::numeric_limits<uint32_t>::max();  // what fails anyway must not wrap to what fits
   const uint64_t volume = pixels > tooMany ? pixels : pixels * numDisparities;
   if (!(debug->aggregatedVolume = block(volume, &debug->aggregatedVolumeSize))) return false;
   if (!(debug->costVolume = block(volume, &debug->costVolumeSize))) return false;

@@ -18,12 +18,9 @@ constexpr uint64_t padBytes = 16;  // behind each pixel's path costs
 // just the last pixel.
 uint64_t slots(uint32_t dir, uint32_t width) {
   switch (dir) {
-    case PC_DIR_LEFT:
-      return 1;
-    case PC_DIR_UP:
-      return width;
-    default:
-      return uint64_t{width} + 1;
+    case PC_DIR_LEFT: return 1;
+    case PC_DIR_UP: return width;
+    default: return uint64_t{width} + 1;
   }
 }
 
