@@ -94,7 +94,9 @@ using namespace nadir;
 
 void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
                 uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug) {
-  std::memset(disparity, 0, size_t{width} * height * sizeof(uint16_t));
+  const size_t pixels = size_t{width} * height;
+  if (pixels == 0) return;
+  std::memset(disparity, 0, pixels * sizeof(uint16_t));
   if (width < 5 || params->numDisparities != disparities) return;
   const Scratch<uint8_t> memory(scratchBytes(width));
   if (!memory) return;
@@ -111,13 +113,12 @@ void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const ui
 
 void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
             uint32_t height, uint8_t* distinctiveness, SgmDebugData* debug) {
-  if (width < 5) {
-    std::memset(distinctiveness, 255, size_t{width} * height);
-    return;
-  }
+  const size_t pixels = size_t{width} * height;
+  if (pixels == 0) return;
   const Scratch<uint8_t> memory(scratchBytes(width));
   if (!memory) return;
-  std::memset(distinctiveness, 255, size_t{width} * height);
+  std::memset(distinctiveness, 255, pixels);
+  if (width < 5) return;
   Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
   for (uint32_t y = 0; y < height; ++y) {
     SgmRowJob& job = matcher.prepareRow(y);
