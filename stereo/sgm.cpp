@@ -115,10 +115,13 @@ void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16
             uint32_t height, uint8_t* distinctiveness, SgmDebugData* debug) {
   const size_t pixels = size_t{width} * height;
   if (pixels == 0) return;
+  if (width < 5) {
+    std::memset(distinctiveness, 255, pixels);
+    return;
+  }
   const Scratch<uint8_t> memory(scratchBytes(width));
   if (!memory) return;
   std::memset(distinctiveness, 255, pixels);
-  if (width < 5) return;
   Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
   for (uint32_t y = 0; y < height; ++y) {
     SgmRowJob& job = matcher.prepareRow(y);
