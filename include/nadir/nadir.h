@@ -15,8 +15,12 @@
 #define NADIR_NADIR_H
 
 #include <nadir/api.h>
+#include <nadir/camera.h>
+#include <nadir/geometry.h>
 #include <nadir/image.h>
 #include <nadir/imgproc.h>
+#include <nadir/matrix.h>
+#include <nadir/numeric.h>
 #include <nadir/stereo.h>
 
 #endif
