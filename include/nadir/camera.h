@@ -331,9 +331,9 @@ NADIR_API int32_t ip_coord2GridCoord_s32(int32_t coord, int32_t origin, uint32_t
  * When the whole image is sampled, samples are counted in 16 bits: after 65536 the counter starts again at 0 and later
  * values overwrite the first ones; the median is that of as many values as the counter says.
  *
- * Returns 1. Returns 0 with `mask` untouched for a null pointer, more than 100 vertices, a failed allocation (614400
- * bytes, released before the mask is filled), or if there is no value (or a multiple of 65536 of them). A mask of
- * another size or type is left untouched and STILL GIVES 1: compare them beforehand. */
+ * Returns 1. Returns 0 with `mask` untouched for a null pointer, more than 100 vertices, values of less than two bytes,
+ * a failed allocation (614400 bytes, released before the mask is filled), or if there is no value (or a multiple of
+ * 65536 of them). A mask of another size or type is left untouched and STILL GIVES 1: compare them beforehand. */
 NADIR_API int32_t IP_Utils_CreateElevMaskFromImgPoly(const Polygon_s32* polygon, const StereoCtx* ctx,
                                                      const ImgC* values, Img* mask);
 

@@ -1,0 +1,52 @@
+// The two questions that the rest of the plane geometry is built on, for integer and for float points alike: which way
+// do three points turn, and where does a point lie against the box of two others.
+#pragma once
+
+#include <nadir/geometry.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/wrap.hpp"
+
+namespace nadir {
+
+// The distance below which float coordinates count as equal.
+constexpr float kTolerance = 0.01f;
+
+inline int32_t orientation(const Point_s32& a, const Point_s32& b, const Point_s32& c) {
+  const Wrap32 cross = (Wrap32(c.x) - b.x) * (Wrap32(b.y) - a.y) - (Wrap32(c.y) - b.y) * (Wrap32(b.x) - a.x);
+  return signOf(cross.value());
+}
+
+inline int32_t orientation(const Point_f32& a, const Point_f32& b, const Point_f32& c) {
+  const float ux = b.x - a.x, uy = b.y - a.y;
+  const float vx = c.x - b.x, vy = c.y - b.y;
+  const float cross = uy * vx - ux * vy;
+  if (std::fabs(cross) < kTolerance) return 0;
+  const double longer = std::max(ux * ux + uy * uy, vx * vx + vy * vy);
+  const float deviation = static_cast<float>(static_cast<double>(cross) / std::sqrt(longer));
+  if (std::fabs(deviation) < kTolerance) return 0;
+  return cross > 0 ? 1 : -1;
+}
+
+// Strictly between lo and hi; for floats, by the tolerance.
+inline bool strictlyBetween(int32_t v, int32_t lo, int32_t hi) { return lo < v && v < hi; }
+inline bool strictlyBetween(float v, float lo, float hi) { return v - hi <= -kTolerance && v - lo >= kTolerance; }
+
+// Between lo and hi, both included; for floats, up to the tolerance outside.
+inline bool between(int32_t v, int32_t lo, int32_t hi) { return lo <= v && v <= hi; }
+inline bool between(float v, float lo, float hi) { return v - lo > -kTolerance && v - hi < kTolerance; }
+
+template <class Point>
+bool strictlyInsideBox(const Point& a, const Point& b, const Point& p) {
+  return strictlyBetween(p.x, std::min(a.x, b.x), std::max(a.x, b.x)) &&
+         strictlyBetween(p.y, std::min(a.y, b.y), std::max(a.y, b.y));
+}
+
+template <class Point>
+bool insideBox(const Point& a, const Point& b, const Point& p) {
+  return between(p.x, std::min(a.x, b.x), std::max(a.x, b.x)) && between(p.y, std::min(a.y, b.y), std::max(a.y, b.y));
+}
+
+}  // namespace nadir
