@@ -26,8 +26,8 @@
  *
  *   tilt < 0   raises the view towards -y: the picture's upper edge looks farther away than its lower edge. This is the
  *              usual mounting; -90 looks level, with the picture upright.
- *   tilt > 0   raises the view towards +y: the picture's LOWER edge looks farther away, as by a camera mounted
- *              overhead.
+ *   tilt > 0   raises the view towards +y: the picture's LOWER edge looks farther away; at +90 the picture is upside
+ *              down.
  *   pan > 0    turns the view to the picture's left, towards -x; pan < 0 to its right.
  *
  * The float transforms take the point, then the result, then the external before the internal calibration. The
