@@ -8,9 +8,13 @@
 // So the winding number along a row changes only at roots: sorted, they cut it into spans. A horizontal edge counts
 // nothing; the points of its own row between its ends are on the boundary. All other edges are not met by the row.
 //
-// This holds for exact arithmetic, the point test's wraps around at 32 bits. Its orientation, a difference of two
-// products of coordinate differences, is exact if 2 * X * Y < 2^31, X and Y being the extents of everything together:
-// vertices and cell centres. Larger grids take the point test for every cell.
+// This holds for exact arithmetic, the point test's wraps around at 32 bits. Its orientation
+//
+//   (p.x - b.x) * (b.y - a.y) - (p.y - b.y) * (b.x - a.x)
+//
+// comes out exact, whatever wrapped around on the way, if its true value lies within 31 bits. It does where
+// X * Yp + Y * Xp < 2^31 with X and Y the extents of vertices and cell centres together, Xp and Yp those of the
+// polygon. Larger grids take the point test for every cell.
 #include "geometry/polygon_cells.hpp"
 
 #include <algorithm>
@@ -31,6 +35,10 @@ struct Extent {
     min = std::min(min, v);
     max = std::max(max, v);
   }
+  void include(const Extent& other) {
+    include(other.min);
+    include(other.max);
+  }
   uint64_t length() const { return static_cast<uint64_t>(max - min); }
 };
 
@@ -40,13 +48,18 @@ Extent centresOf(int32_t first, int32_t step, uint32_t count) {
 }
 
 bool isExact(const Polygon_s32& poly, const CellGrid& grid) {
+  const Point_s32& first = poly.vertices[0];
+  Extent polyX = {first.x, first.x}, polyY = {first.y, first.y};
   Extent x = centresOf(grid.x0, grid.stepX, grid.width), y = centresOf(grid.y0, grid.stepY, grid.height);
   if (x.max > INT32_MAX || y.max > INT32_MAX) return false;
   for (uint32_t k = 0; k < poly.count; ++k) {
-    x.include(poly.vertices[k].x);
-    y.include(poly.vertices[k].y);
+    polyX.include(poly.vertices[k].x);
+    polyY.include(poly.vertices[k].y);
   }
-  return x.length() * y.length() <= INT32_MAX / 2;
+  x.include(polyX);
+  y.include(polyY);
+  const uint64_t left = x.length() * polyY.length(), right = y.length() * polyX.length();
+  return left <= INT32_MAX && right <= INT32_MAX - left;
 }
 
 void testEveryCell(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells) {
@@ -147,7 +160,7 @@ class Row {
 
 void markCellsInside(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells) {
   if (grid.width == 0 || grid.height == 0) return;
-  if (grid.stepX == 0 || !isExact(poly, grid)) return testEveryCell(poly, grid, cells);
+  if (poly.count == 0 || grid.stepX == 0 || !isExact(poly, grid)) return testEveryCell(poly, grid, cells);
   for (uint32_t r = 0; r < grid.height; ++r) Row(grid, r, cells + size_t{r} * grid.width).mark(poly);
 }
 
