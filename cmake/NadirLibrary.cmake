@@ -44,6 +44,3 @@ add_library(nadir_internal STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nadir_object
 target_include_directories(nadir_internal PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_definitions(nadir_internal PUBLIC $<TARGET_PROPERTY:nadir_objects,INTERFACE_COMPILE_DEFINITIONS>)
 target_link_libraries(nadir_internal PUBLIC m)
-
-install(TARGETS nadir EXPORT nadirTargets)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nadir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -1,0 +1,17 @@
+# Installs the library for find_package(nadir) and for pkg-config. Both find their prefix from where they lie, so that an
+# installed tree can be moved.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS nadir EXPORT nadirTargets)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nadir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# Before 1.0 a new minor version may change the interface.
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/nadir)
+install(EXPORT nadirTargets NAMESPACE nadir:: FILE nadirConfig.cmake DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/nadirConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/nadirConfigVersion.cmake DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefix_from_pkgconfig /prefix/${pkgconfig_dir} /prefix)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/nadir.pc.in ${PROJECT_BINARY_DIR}/nadir.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/nadir.pc DESTINATION ${pkgconfig_dir})
