@@ -268,8 +268,7 @@ inline Matching match(const Codes& first, const Codes& ref, const Words& image, 
   std::vector<Path> paths;
   for (uint32_t dir = 0; dir < 4; ++dir) paths.emplace_back(dir, width, kDisparities, kP1);
   for (uint32_t y = 0; y < height; ++y) {
-    const Bytes costs =
-        costRow(rowOf(first, width, y), rowOf(ref, width, y), height, kDisparities, y, Variant::vector);
+    const Bytes costs = costRow(rowOf(first, width, y), rowOf(ref, width, y), height, kDisparities, y, Variant::vector);
     Bytes sums(costs.size(), 0);
     for (size_t dir = 0; dir < 4; ++dir) paths[dir].nextRow(costs, rowOf(all.p2[dir], width, y), sums);
     all.costs.insert(all.costs.end(), costs.begin(), costs.end());
