@@ -1,0 +1,328 @@
+// Every call that allocates, with every one of its allocations failing in turn: the stated result, outputs as stated,
+// nothing leaked. A new allocating function is one more row of the table at the end.
+#include <gtest/gtest.h>
+#include <nadir/nadir.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/alloc/heap.hpp"
+#include "tests/support/random.hpp"
+#include "tests/support/same.hpp"
+
+namespace {
+
+using namespace nadir::test;
+using Values = std::vector<uint32_t>;
+
+constexpr uint32_t kWidth = 30, kHeight = 9, kPixels = kWidth * kHeight, kD = 64;
+constexpr uint32_t kUntouched = 0xA7;
+
+// The status of a call, 1 where it has none, and what it left in its outputs.
+struct Outcome {
+  int64_t status;
+  Values output;
+};
+
+struct Case {
+  std::string name;
+  size_t blocks, bytes;                     // at most asked for by one call
+  std::function<Outcome()> call;            // on fresh outputs; gives back what it was given
+  std::function<Outcome(size_t n)> failed;  // what the failure of the n-th allocation leaves
+};
+
+template <class T>
+Values valuesOf(const std::vector<T>& data) {
+  return Values(data.begin(), data.end());
+}
+
+Values pixelsOf(uint32_t value) { return Values(kPixels, value); }
+
+// ---- path costs ----
+
+Values stateOf(const PcBuffer& pc) {
+  return {pc.width,
+          pc.numDisparities,
+          pc.costsA != nullptr,
+          pc.costsB != nullptr,
+          pc.costsSize,
+          pc.costStride,
+          pc.minA != nullptr,
+          pc.minB != nullptr,
+          pc.minSize,
+          pc.minStride,
+          pc.prevCosts != nullptr,
+          pc.curCosts != nullptr,
+          pc.prevMin != nullptr,
+          pc.curMin != nullptr,
+          pc.dir,
+          pc.p1,
+          pc.fillValue};
+}
+
+size_t pathBytes(uint32_t dir) {
+  const size_t slots[] = {1, kWidth + 1, kWidth, kWidth + 1};
+  return 2 * slots[dir] * (kD + 16 + 1);
+}
+
+Case pathCosts(uint32_t dir) {
+  const auto call = [dir] {
+    PcBuffer pc;
+    const int64_t status = PC_Init(&pc, dir, kWidth, kD, 7);
+    const Outcome outcome{status, stateOf(pc)};
+    PC_Destroy(&pc);
+    return outcome;
+  };
+  return {"PathCosts" + std::to_string(dir), 4, pathBytes(dir), call, [](size_t) {
+            return Outcome{0, stateOf(PcBuffer{})};
+          }};
+}
+
+// ---- matching ----
+
+struct Pair {
+  std::vector<uint32_t> first, ref;
+  std::vector<uint16_t> image;
+};
+
+const Pair& somePair() {
+  static const Pair pair = [] {
+    Random random(1);
+    Pair made{random.values<uint32_t>(kPixels, 1u << 24), {}, random.values<uint16_t>(kPixels, 65536)};
+    made.ref = made.first;
+    std::rotate(made.ref.begin(), made.ref.begin() + 5, made.ref.end());
+    return made;
+  }();
+  return pair;
+}
+
+Outcome matchFull(SgmDebugData* debug) {
+  std::vector<uint16_t> disparity(kPixels, kUntouched);
+  const SgmParams params{kD, 10};
+  const Pair& pair = somePair();
+  IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), kWidth, kHeight, &params, disparity.data(), debug);
+  return {1, valuesOf(disparity)};
+}
+
+Outcome matchDistinct(SgmDebugData* debug) {
+  std::vector<uint8_t> distinctiveness(kPixels, kUntouched);
+  const Pair& pair = somePair();
+  IP_Sgm(pair.first.data(), pair.ref.data(), pair.image.data(), kWidth, kHeight, distinctiveness.data(), debug);
+  return {1, valuesOf(distinctiveness)};
+}
+
+// A debug record over the test's own memory, so that only the driver's allocations count.
+class DebugBlocks {
+ public:
+  SgmDebugData* record() { return &record_; }
+
+ private:
+  std::vector<uint8_t> volumes_[2] = {std::vector<uint8_t>(kPixels * kD), std::vector<uint8_t>(kPixels* kD)};
+  std::vector<uint8_t> maps_ = std::vector<uint8_t>(5 * kPixels);
+  uint8_t* map(size_t i) { return maps_.data() + i * kPixels; }
+  SgmDebugData record_{volumes_[0].data(), kPixels* kD, map(0), map(1), map(2), map(3), kPixels,
+                       volumes_[1].data(), kPixels* kD, map(4), kPixels};
+};
+
+constexpr size_t kPenaltyBytes = 4 * kPixels;
+size_t allPathBytes() { return pathBytes(0) + pathBytes(1) + pathBytes(2) + pathBytes(3); }
+
+Case driver(const std::string& name, Outcome (*match)(SgmDebugData*), bool withDebug, size_t peakRows, uint32_t left) {
+  const auto call = [match, withDebug] {
+    DebugBlocks blocks;
+    return match(withDebug ? blocks.record() : nullptr);
+  };
+  const size_t rows = withDebug ? 0 : 2 + peakRows;
+  const size_t rowBytes = withDebug ? 0 : (2 * kD + peakRows) * kWidth;
+  return {name, 4 + rows + 4 * 4, kPenaltyBytes + rowBytes + allPathBytes(), call, [left](size_t) {
+            return Outcome{1, pixelsOf(left)};
+          }};
+}
+
+Outcome debugOutcome(int64_t status, const SgmDebugData& debug) {
+  return {status,
+          {debug.costVolume != nullptr, debug.costVolumeSize, debug.p2Left != nullptr, debug.p2UpLeft != nullptr,
+           debug.p2Up != nullptr, debug.p2UpRight != nullptr, debug.p2Size, debug.aggregatedVolume != nullptr,
+           debug.aggregatedVolumeSize, debug.peakMap != nullptr, debug.peakMapSize}};
+}
+
+// Sizes are stored just before their blocks: sums first, then costs, the four P2 maps, the peak map.
+Outcome debugWithout(size_t n) {
+  SgmDebugData debug{};
+  debug.aggregatedVolumeSize = kPixels * kD;
+  debug.costVolumeSize = n >= 2 ? kPixels * kD : 0;
+  debug.p2Size = n >= 3 ? kPixels : 0;
+  debug.peakMapSize = n >= 7 ? kPixels : 0;
+  return debugOutcome(0, debug);
+}
+
+Case debugRecord() {
+  const auto call = [] {
+    SgmDebugData debug;
+    const int64_t status = IP_SgmMakeDebugData(kWidth, kHeight, kD, &debug);
+    const Outcome outcome = debugOutcome(status, debug);
+    IP_SgmFreeDebugData(&debug);
+    return outcome;
+  };
+  return {"DebugRecord", 7, 2 * kPixels * kD + 5 * kPixels, call, debugWithout};
+}
+
+Case postproc() {
+  const auto call = [] {
+    const std::vector<uint16_t> disparity = Random(2).values<uint16_t>(kPixels, 985);
+    const std::vector<uint8_t> mask = Random(3).values<uint8_t>(kPixels, 2);
+    std::vector<uint16_t> result(kPixels, kUntouched);
+    const int64_t status = IP_SgmPostproc(disparity.data(), mask.data(), result.data(), kWidth, kHeight);
+    return Outcome{status, valuesOf(result)};
+  };
+  return {"Postproc", 1, 2 * kPixels, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+}
+
+// ---- image operations ----
+
+template <class T>
+Case morphology(const std::string& name, uint32_t type, int32_t op) {
+  const auto call = [type, op] {
+    std::vector<T> pixels = Random(4).values<T>(kPixels, 5), result(kPixels, kUntouched);
+    Img src, dst;
+    Img_Init(&src, kWidth, kHeight, type, pixels.data());
+    Img_Init(&dst, kWidth, kHeight, type, result.data());
+    const int64_t status = IP_Morph3x3(&src, &dst, op);
+    return Outcome{status, valuesOf(result)};
+  };
+  return {name, 1, kPixels * sizeof(T), call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+}
+
+// ---- every row, every failure ----
+
+class Allocating : public ::testing::TestWithParam<Case> {
+ protected:
+  void SetUp() override { heap::watch(); }
+
+  void expectOutcome(const Outcome& want, const Outcome& got) const {
+    EXPECT_EQ(got.status, want.status);
+    EXPECT_TRUE(same(want.output, got.output));
+  }
+
+  void failEachInTurn(heap::Failing failing) const {
+    const Outcome whole = GetParam().call();
+    const size_t live = heap::liveBlocks();
+    for (size_t n = 1;; ++n) {
+      SCOPED_TRACE(testing::Message() << "allocation " << n << " fails");
+      heap::watch(failing, n);
+      const Outcome got = GetParam().call();
+      const bool failed = heap::failures() > 0;
+      heap::watch();
+      EXPECT_EQ(heap::liveBlocks(), live) << "leaked";
+      expectOutcome(failed ? GetParam().failed(n) : whole, got);
+      if (!failed) break;
+    }
+  }
+};
+
+TEST_P(Allocating, SucceedsAndGivesEverythingBack) {
+  const size_t live = heap::liveBlocks();
+  const Outcome outcome = GetParam().call();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.output, GetParam().failed(1).output) << "a failure would not be noticed";
+  EXPECT_EQ(heap::liveBlocks(), live);
+}
+
+TEST_P(Allocating, AsksForNoMoreThanItsBounds) {
+  GetParam().call();
+  EXPECT_GE(heap::allocations(), 1u);
+  EXPECT_LE(heap::allocations(), GetParam().blocks);
+  EXPECT_LE(heap::bytes(), GetParam().bytes);
+}
+
+TEST_P(Allocating, SurvivesTheFailureOfEachAllocation) { failEachInTurn(heap::Failing::once); }
+
+TEST_P(Allocating, SurvivesTheFailureOfEachAllocationAndAllBehindIt) { failEachInTurn(heap::Failing::fromThenOn); }
+
+INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
+                         ::testing::Values(pathCosts(PC_DIR_LEFT), pathCosts(PC_DIR_UPLEFT), pathCosts(PC_DIR_UP),
+                                           pathCosts(PC_DIR_UPRIGHT),                                  //
+                                           driver("SgmFull", matchFull, false, 1, 0),                  //
+                                           driver("SgmFullDebug", matchFull, true, 1, 0),              //
+                                           driver("Sgm", matchDistinct, false, 0, kUntouched),         //
+                                           driver("SgmDebug", matchDistinct, true, 0, kUntouched),     //
+                                           debugRecord(), postproc(),                                  //
+                                           morphology<uint8_t>("OpenU8", IMG_TYPE_U8, MORPH_OPEN),     //
+                                           morphology<uint8_t>("CloseU8", IMG_TYPE_U8, MORPH_CLOSE),   //
+                                           morphology<uint16_t>("OpenU16", IMG_TYPE_U16, MORPH_OPEN),  //
+                                           morphology<uint16_t>("CloseU16", IMG_TYPE_U16, MORPH_CLOSE)),
+                         [](const auto& row) { return row.param.name; });
+
+// ---- calls that must not allocate ----
+
+TEST(NotAllocating, RefusedPathCosts) {
+  PcBuffer pc;
+  heap::watch();
+  PC_Init(nullptr, PC_DIR_UP, kWidth, kD, 7);
+  PC_Init(&pc, 4, kWidth, kD, 7);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
+
+TEST(NotAllocating, RowsOfPathCosts) {
+  PcBuffer pc;
+  ASSERT_EQ(PC_Init(&pc, PC_DIR_UPLEFT, kWidth, kD, 7), 1);
+  const std::vector<uint8_t> costs(kWidth * kD, 3), p2(kWidth, 20);
+  std::vector<uint8_t> sums(kWidth * kD, 0);
+  heap::watch();
+  PC_NextFrame(&pc);
+  PC_NextRow(&pc, costs.data(), p2.data(), sums.data());
+  PC_NextRow_neon(&pc, costs.data(), p2.data(), sums.data());
+  EXPECT_EQ(heap::allocations(), 0u);
+  PC_Destroy(&pc);
+}
+
+TEST(NotAllocating, PostprocOfNullPointers) {
+  uint16_t pixels[16] = {};
+  uint8_t mask[16] = {};
+  heap::watch();
+  IP_SgmPostproc(nullptr, mask, pixels, 4, 4);
+  IP_SgmPostproc(pixels, nullptr, pixels, 4, 4);
+  IP_SgmPostproc(pixels, mask, nullptr, 4, 4);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
+
+// A matching keeps a few rows: what it asks for depends on the width alone.
+struct Asked {
+  size_t blocks, bytes;
+};
+
+Asked askedByMatching(uint32_t width, uint32_t height) {
+  const std::vector<uint32_t> codes(size_t{width} * height, 5);
+  const std::vector<uint16_t> image(codes.size(), 5);
+  std::vector<uint16_t> disparity(codes.size());
+  const SgmParams params{kD, 10};
+  heap::watch();
+  IP_SgmFull(codes.data(), codes.data(), image.data(), width, height, &params, disparity.data(), nullptr);
+  return {heap::allocations(), heap::bytes()};
+}
+
+TEST(MatchingMemory, DoesNotGrowWithTheHeight) {
+  const Asked low = askedByMatching(kWidth, 5), high = askedByMatching(kWidth, 40);
+  EXPECT_EQ(low.blocks, high.blocks);
+  EXPECT_EQ(low.bytes, high.bytes);
+}
+
+TEST(MatchingMemory, IsAtMost290BytesPerColumn) {
+  EXPECT_LE((askedByMatching(600, 5).bytes - askedByMatching(200, 5).bytes) / 400, 290u);
+}
+
+TEST(NotAllocating, SinglePassMorphologyAndMedian) {
+  std::vector<uint16_t> pixels(64, 3), result(64);
+  Img src, dst;
+  Img_Init(&src, 8, 8, IMG_TYPE_U16, pixels.data());
+  Img_Init(&dst, 8, 8, IMG_TYPE_U16, result.data());
+  heap::watch();
+  for (const int32_t op : {MORPH_ERODE, MORPH_DILATE, MORPH_CLEAN}) IP_Morph3x3(&src, &dst, op);
+  IP_Median3x3(&src, &dst);
+  IP_Maximum3x3(&src, &dst);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
+
+}  // namespace
