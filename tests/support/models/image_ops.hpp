@@ -98,7 +98,7 @@ T dilate(const Window<T>& window) {
 template <class T>
 T clean(const Window<T>& window) {
   if (window[4] != 0) return dataNeighbours(window) < 4 ? T{0} : window[4];
-  for (size_t donor : {8, 7, 6, 5, 3, 2, 1, 0})
+  for (size_t donor : {8u, 7u, 6u, 5u, 3u, 2u, 1u, 0u})
     if (window[donor] != 0) return window[donor];
   return 0;
 }
