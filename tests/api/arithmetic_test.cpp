@@ -188,8 +188,8 @@ TYPED_TEST(ArithmeticOf, MayCombineAnImageWithItselfInPlace) {
 // All divisors there are, each under a dividend that makes rounding visible.
 TYPED_TEST(ArithmeticOf, QuotientIsExactForEveryDivisor) {
   std::vector<TypeParam> dividends, divisors;
-  for (int32_t d = 1; d < 65536; ++d) {
-    dividends.push_back(static_cast<TypeParam>(d * 40503));
+  for (uint32_t d = 1; d < 65536; ++d) {
+    dividends.push_back(static_cast<TypeParam>(d * 40503u));
     divisors.push_back(static_cast<TypeParam>(d));
   }
   const Image<TypeParam> a(65535, 1, dividends), b(65535, 1, divisors);
