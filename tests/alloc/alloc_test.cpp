@@ -195,6 +195,44 @@ Case morphology(const std::string& name, uint32_t type, int32_t op) {
   return {name, 1, kPixels * sizeof(T), call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
 }
 
+// ---- numbers and ground ----
+
+Case radixSort() {
+  const auto call = [] {
+    const std::vector<uint16_t> keys = Random(5).values<uint16_t>(kPixels, 65536);
+    std::vector<uint16_t> indices(kPixels, kUntouched);
+    const int64_t status = IP_Utl_RadixIdxSort(keys.data(), indices.data(), kPixels, RADIX_UNSIGNED);
+    return Outcome{status, valuesOf(indices)};
+  };
+  return {"RadixSort", 1, 2 * kPixels, call, [](size_t) { return Outcome{1, pixelsOf(kUntouched)}; }};
+}
+
+StereoCtx someCamera() {
+  const IntCalibParams inner{120 * 256, 400 * 256, 160 * 16, 120 * 16};
+  const Orientation mount{2000, -60, 0};
+  const ElevMapParams map{kWidth, kHeight, 100, 100};
+  StereoCtx ctx;
+  ip_stereo_init(&ctx, &inner, &mount, &map);
+  return ctx;
+}
+
+Case elevationMask() {
+  const auto call = [] {
+    const StereoCtx ctx = someCamera();
+    std::vector<uint32_t> square{4, 100, 60, 220, 60, 220, 180, 100, 180};  // a count and four vertices
+    const Polygon_s32* polygon = reinterpret_cast<Polygon_s32*>(square.data());
+    const std::vector<uint16_t> heights(320 * 240, 2000);
+    std::vector<uint8_t> cells(kPixels, kUntouched);
+    ImgC values;
+    Img mask;
+    ImgC_Init(&values, 320, 240, IMG_TYPE_U16, heights.data());
+    Img_Init(&mask, kWidth, kHeight, IMG_TYPE_U8, cells.data());
+    const int64_t status = IP_Utils_CreateElevMaskFromImgPoly(polygon, &ctx, &values, &mask);
+    return Outcome{status, valuesOf(cells)};
+  };
+  return {"ElevationMask", 1, 614400, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+}
+
 // ---- every row, every failure ----
 
 class Allocating : public ::testing::TestWithParam<Case> {
@@ -248,7 +286,7 @@ INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
                                            driver("SgmFullDebug", matchFull, true, 1, 0),              //
                                            driver("Sgm", matchDistinct, false, 0, kUntouched),         //
                                            driver("SgmDebug", matchDistinct, true, 0, kUntouched),     //
-                                           debugRecord(), postproc(),                                  //
+                                           debugRecord(), postproc(), radixSort(), elevationMask(),    //
                                            morphology<uint8_t>("OpenU8", IMG_TYPE_U8, MORPH_OPEN),     //
                                            morphology<uint8_t>("CloseU8", IMG_TYPE_U8, MORPH_CLOSE),   //
                                            morphology<uint16_t>("OpenU16", IMG_TYPE_U16, MORPH_OPEN),  //
