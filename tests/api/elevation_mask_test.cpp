@@ -105,7 +105,7 @@ Result expectedMask(const Shape& polygon, const StereoCtx& ctx, const Values& va
   Result out = {1, {}};
   for (int32_t r = 0; r < map.height; r++) {
     for (int32_t c = 0; c < map.width; c++) {
-      const Point_s32 centre = {x0 + c * map.cellSizeX, y0 + r * map.cellSizeY};
+      const Point_s32 centre = {(Wrap(c) * map.cellSizeX + x0).value(), (Wrap(r) * map.cellSizeY + y0).value()};
       out.mask.push_back(static_cast<uint8_t>(model::isInsideContour(world, centre, 1)));
     }
   }
@@ -473,6 +473,29 @@ TEST(ElevationMaskDefinition, HoldsWhereTheOrientationsWrapAround) {
     for (Point_s32& v : polygon) v = {random.between(-500, 820), random.between(-500, 740)};
     expectDefinition(polygon, ctx, constant(320, 240, 60000));
   }
+}
+
+TEST(ElevationMaskDefinition, HoldsAtEveryScale) {
+  Random random(115);
+  for (int scale = 3; scale < 30; scale++) {
+    const int32_t range = 1 << scale;
+    const uint16_t cell = static_cast<uint16_t>(std::clamp(range / 12, 1, 65535));
+    for (int round = 0; round < 8; round++) {
+      StereoCtx ctx = context({0, 256, 8, 8}, {1, 0, 0}, {24, 24, cell, cell});
+      const int32_t corner = -12 * cell;
+      ctx.lowerLeft = {static_cast<float>(corner + random.between(-cell, cell)),
+                       static_cast<float>(corner + random.between(-cell, cell))};
+      Shape polygon(3 + random.below(5));
+      for (Point_s32& v : polygon) v = {random.between(-range, range), random.between(-range, range)};
+      expectDefinition(polygon, ctx, constant(1, 1, 1));
+    }
+  }
+}
+
+TEST(ElevationMaskDefinition, HoldsWhereCellCentresWrapAround) {
+  StereoCtx ctx = context({0, 256, 8, 8}, {1, 0, 0}, {1, 65535, 65535, 65535});
+  const Shape polygon = {{-100, -90}, {80000, -1000000}, {70000, 2000000000}, {-5, 1500000000}};
+  expectDefinition(polygon, ctx, constant(1, 1, 1));
 }
 
 TEST(ElevationMaskDefinition, HoldsForVerticesAtTheEdgesOfThe32BitRange) {

@@ -21,8 +21,8 @@ Point_s32 anyPoint(Random& random) { return {anyInteger(random), anyInteger(rand
 // Mostly on a small grid of quarters, so that equal, collinear and touching points are frequent.
 Point_f32 anyPointF(Random& random) {
   if (random.below(8) == 0) return {anyWithin(random, 1000), anyWithin(random, 1000)};
-  const float nudge = random.below(4) == 0 ? 0.011f : 0.0f;
-  return {static_cast<float>(random.between(-8, 8)) / 4, static_cast<float>(random.between(-8, 8)) / 4 + nudge};
+  const float nudge = random.below(4) == 0 ? anyWithin(random, 0.03f) : 0.0f;
+  return {static_cast<float>(random.between(-3, 3)) / 4, static_cast<float>(random.between(-3, 3)) / 4 + nudge};
 }
 
 // --- orientation
@@ -425,15 +425,11 @@ TEST(IntersectLines, LeavesTheLinesAsTheyWere) {
 
 int32_t anyDirection(Random& random) {
   switch (random.below(4)) {
-    case 0:
-      return random.between(-3, 3);
-    case 1:
-      return random.between(-300, 300);
-    case 2:
-      return random.between(-1000000, 1000000);
+    case 0: return random.between(-3, 3);
+    case 1: return random.between(-300, 300);
+    case 2: return random.between(-1000000, 1000000);
     // 2^31 - 2^23 - 1: the largest magnitude to which half a divisor can be added.
-    default:
-      return static_cast<int32_t>(random.below(2139095040u)) * (random.below(2) ? 1 : -1);
+    default: return static_cast<int32_t>(random.below(2139095040u)) * (random.below(2) ? 1 : -1);
   }
 }
 
