@@ -1,0 +1,38 @@
+// Everything that matching one pair reads and writes, step by step.
+#pragma once
+
+#include <nadir/stereo.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "bench/scene.hpp"
+
+namespace nadir::bench {
+
+struct Matching {
+  static constexpr uint32_t disparities = 64;
+  static constexpr SgmParams params = {disparities, 10};
+
+  Scene scene;
+  uint32_t width, height;
+  uint64_t pixels;
+  std::vector<uint32_t> censusFirst, censusRef;
+  SgmDebugData steps;  // the costs, penalties and sums of this pair
+  std::vector<uint16_t> disparity, cleaned;
+  std::vector<uint8_t> distinctiveness;
+
+  explicit Matching(const Scene& pair);
+  ~Matching();
+  Matching(const Matching&) = delete;
+  Matching& operator=(const Matching&) = delete;
+
+  void census(const std::vector<uint16_t>& picture, std::vector<uint32_t>& codes) const;
+  void match(SgmDebugData* debug);
+  void clean();
+
+  // From two pictures to a cleaned disparity image.
+  void wholeFrame();
+};
+
+}  // namespace nadir::bench

@@ -1,0 +1,21 @@
+// Programs of others that do a comparable job, on the same pictures.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "bench/scene.hpp"
+
+namespace nadir::bench {
+
+struct Peer {
+  std::string name;     // theirs
+  std::string against;  // ours
+  std::function<void()> ours, theirs;
+};
+
+// Empty in a build without any of them.
+std::vector<Peer> peers(const Scene& scene);
+
+}  // namespace nadir::bench

@@ -1,0 +1,63 @@
+// OpenCV on one thread. Its matchers take 8-bit pictures and have other costs, paths and checks than ours, so that
+// these are comparisons of speed at the same task, not of the same computation.
+#include <nadir/imgproc.h>
+
+#include <memory>
+#include <opencv2/calib3d.hpp>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "bench/matching.hpp"
+#include "bench/peers.hpp"
+#include "bench/picture.hpp"
+
+namespace nadir::bench {
+namespace {
+
+cv::Mat picture16(const Scene& scene, const std::vector<uint16_t>& pixels) {
+  return cv::Mat(static_cast<int>(scene.height), static_cast<int>(scene.width), CV_16U,
+                 const_cast<uint16_t*>(pixels.data()))
+      .clone();
+}
+
+cv::Mat picture8(const Scene& scene, const std::vector<uint16_t>& pixels) {
+  cv::Mat out;
+  picture16(scene, pixels).convertTo(out, CV_8U, 1.0 / 16);
+  return out;
+}
+
+Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const std::shared_ptr<Matching>& ours) {
+  const cv::Mat left = picture8(ours->scene, ours->scene.first), right = picture8(ours->scene, ours->scene.reference);
+  return {name, "whole frame", [=] { ours->wholeFrame(); },
+          [=] {
+            cv::Mat disparity;
+            theirs->compute(left, right, disparity);
+          }};
+}
+
+// Without the speckle filter, while our whole frame is with ours.
+cv::Ptr<cv::StereoMatcher> semiGlobal(int mode) {
+  constexpr int block = 5, p1 = 8 * block * block, p2 = 32 * block * block;
+  return cv::StereoSGBM::create(0, Matching::disparities, block, p1, p2, 1, 0, 10, 0, 0, mode);
+}
+
+Peer median(const Scene& scene) {
+  const auto src = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
+  const auto dst = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
+  const cv::Mat theirs = picture16(scene, scene.reference);
+  return {"medianBlur 3x3, 16 bits", "IP_Median3x3", [=] { IP_Median3x3(&src->img, &dst->img); },
+          [=, out = theirs.clone()] { cv::medianBlur(theirs, out, 3); }};
+}
+
+}  // namespace
+
+std::vector<Peer> peers(const Scene& scene) {
+  cv::setNumThreads(1);
+  const auto ours = std::make_shared<Matching>(scene);
+  return {matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", semiGlobal(cv::StereoSGBM::MODE_SGBM_3WAY), ours),
+          matcher("StereoSGBM MODE_HH4, 64 disparities", semiGlobal(cv::StereoSGBM::MODE_HH4), ours),
+          matcher("StereoBM, 64 disparities, blocks of 15", cv::StereoBM::create(Matching::disparities, 15), ours),
+          median(scene)};
+}
+
+}  // namespace nadir::bench
