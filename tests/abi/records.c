@@ -4,15 +4,14 @@
 #include <stddef.h>
 
 /* A macro, because C99 has no static assertion: an array of a negative size does not compile. */
-#define HOLDS(name, condition) typedef char name[(condition) ? 1 : -1]
+#define HOLDS(condition) extern const char holds[(condition) ? 1 : -1]
 
 #define HERE(on32, on64) (sizeof(void*) == 4 ? (on32) : (on64))
-#define SIZE(record, on32, on64) HOLDS(size_of_##record, sizeof(record) == HERE(on32, on64))
+#define SIZE(record, on32, on64) HOLDS(sizeof(record) == HERE(on32, on64))
 
 /* Both branches of the inner ?: must have the same pointer type, or compilers complain. */
 #define FIELD(record, type, field, on32, on64) \
-  HOLDS(record##_##field,                      \
-        offsetof(record, field) == HERE(on32, on64) && sizeof(1 ? &((record*)0)->field : (type*)0) == sizeof(void*))
+  HOLDS(offsetof(record, field) == HERE(on32, on64) && sizeof(1 ? &((record*)0)->field : (type*)0) == sizeof(void*))
 
 FIELD(Img, uint16_t, width, 0, 0);
 FIELD(Img, uint16_t, height, 2, 2);
@@ -63,3 +62,118 @@ FIELD(SgmDebugData, uint32_t, aggregatedVolumeSize, 32, 64);
 FIELD(SgmDebugData, uint8_t*, peakMap, 36, 72);
 FIELD(SgmDebugData, uint32_t, peakMapSize, 40, 80);
 SIZE(SgmDebugData, 44, 88);
+
+FIELD(Point_s32, int32_t, x, 0, 0);
+FIELD(Point_s32, int32_t, y, 4, 4);
+SIZE(Point_s32, 8, 8);
+
+FIELD(Point_f32, float, x, 0, 0);
+FIELD(Point_f32, float, y, 4, 4);
+SIZE(Point_f32, 8, 8);
+
+FIELD(Edge_s32, int32_t, x0, 0, 0);
+FIELD(Edge_s32, int32_t, y0, 4, 4);
+FIELD(Edge_s32, int32_t, x1, 8, 8);
+FIELD(Edge_s32, int32_t, y1, 12, 12);
+SIZE(Edge_s32, 16, 16);
+
+FIELD(Edge_f32, float, x0, 0, 0);
+FIELD(Edge_f32, float, y0, 4, 4);
+FIELD(Edge_f32, float, x1, 8, 8);
+FIELD(Edge_f32, float, y1, 12, 12);
+SIZE(Edge_f32, 16, 16);
+
+FIELD(Line_s32, int32_t, x, 0, 0);
+FIELD(Line_s32, int32_t, y, 4, 4);
+FIELD(Line_s32, int32_t, dx, 8, 8);
+FIELD(Line_s32, int32_t, dy, 12, 12);
+SIZE(Line_s32, 16, 16);
+
+FIELD(Line_f32, float, x, 0, 0);
+FIELD(Line_f32, float, y, 4, 4);
+FIELD(Line_f32, float, dx, 8, 8);
+FIELD(Line_f32, float, dy, 12, 12);
+SIZE(Line_f32, 16, 16);
+
+FIELD(Rect_s32, int32_t, x0, 0, 0);
+FIELD(Rect_s32, int32_t, y0, 4, 4);
+FIELD(Rect_s32, int32_t, x1, 8, 8);
+FIELD(Rect_s32, int32_t, y1, 12, 12);
+SIZE(Rect_s32, 16, 16);
+
+FIELD(Rect_u32, uint32_t, x0, 0, 0);
+FIELD(Rect_u32, uint32_t, y0, 4, 4);
+FIELD(Rect_u32, uint32_t, x1, 8, 8);
+FIELD(Rect_u32, uint32_t, y1, 12, 12);
+SIZE(Rect_u32, 16, 16);
+
+FIELD(Polygon_s32, uint32_t, count, 0, 0);
+FIELD(Polygon_s32, Point_s32, vertices[0], 4, 4);
+SIZE(Polygon_s32, 4, 4);
+
+FIELD(Polygon_f32, uint32_t, count, 0, 0);
+FIELD(Polygon_f32, Point_f32, vertices[0], 4, 4);
+SIZE(Polygon_f32, 4, 4);
+
+FIELD(Point3_f32, float, x, 0, 0);
+FIELD(Point3_f32, float, y, 4, 4);
+FIELD(Point3_f32, float, z, 8, 8);
+SIZE(Point3_f32, 12, 12);
+
+FIELD(IntCalibParams, int32_t, baseline, 0, 0);
+FIELD(IntCalibParams, int32_t, focalLength, 4, 4);
+FIELD(IntCalibParams, int32_t, principalX, 8, 8);
+FIELD(IntCalibParams, int32_t, principalY, 12, 12);
+SIZE(IntCalibParams, 16, 16);
+
+FIELD(IntCalib, float, baseline, 0, 0);
+FIELD(IntCalib, float, focalLength, 4, 4);
+FIELD(IntCalib, float, principalX, 8, 8);
+FIELD(IntCalib, float, principalY, 12, 12);
+SIZE(IntCalib, 16, 16);
+
+FIELD(Orientation, float, height, 0, 0);
+FIELD(Orientation, float, tilt, 4, 4);
+FIELD(Orientation, float, pan, 8, 8);
+SIZE(Orientation, 12, 12);
+
+FIELD(ExtCalib, float, R[0], 0, 0);
+FIELD(ExtCalib, float, T[0], 36, 36);
+SIZE(ExtCalib, 48, 48);
+
+FIELD(CustomFrameParams, uint32_t, enabled, 0, 0);
+FIELD(CustomFrameParams, uint16_t, originX, 4, 4);
+FIELD(CustomFrameParams, uint16_t, originY, 6, 6);
+FIELD(CustomFrameParams, uint16_t, directionX, 8, 8);
+FIELD(CustomFrameParams, uint16_t, directionY, 10, 10);
+FIELD(CustomFrameParams, int32_t, offsetX, 12, 12);
+FIELD(CustomFrameParams, int32_t, offsetY, 16, 16);
+SIZE(CustomFrameParams, 20, 20);
+
+FIELD(ElevMapParams, uint16_t, width, 0, 0);
+FIELD(ElevMapParams, uint16_t, height, 2, 2);
+FIELD(ElevMapParams, uint16_t, cellSizeX, 4, 4);
+FIELD(ElevMapParams, uint16_t, cellSizeY, 6, 6);
+SIZE(ElevMapParams, 8, 8);
+
+FIELD(StereoCtx, IntCalib, intCalib, 0, 0);
+FIELD(StereoCtx, ExtCalib, extCalib, 16, 16);
+FIELD(StereoCtx, Point_f32, lowerLeft, 64, 64);
+FIELD(StereoCtx, IntCalibParams, intParams, 72, 72);
+FIELD(StereoCtx, Orientation, orientation, 88, 88);
+FIELD(StereoCtx, ElevMapParams, mapParams, 100, 100);
+SIZE(StereoCtx, 108, 108);
+
+FIELD(Point3_s32, int32_t, x, 0, 0);
+FIELD(Point3_s32, int32_t, y, 4, 4);
+FIELD(Point3_s32, int32_t, z, 8, 8);
+SIZE(Point3_s32, 12, 12);
+
+FIELD(ExtCalibFixed, int32_t, R[0], 0, 0);
+FIELD(ExtCalibFixed, int32_t, T[0], 36, 36);
+SIZE(ExtCalibFixed, 48, 48);
+
+FIELD(TrafoParams, int32_t, reserved, 0, 0);
+FIELD(TrafoParams, IntCalibParams, intParams, 4, 4);
+FIELD(TrafoParams, ExtCalibFixed, ext, 20, 20);
+SIZE(TrafoParams, 68, 68);

@@ -27,6 +27,100 @@ uint32_t (*is_IP_Median3x3)(const Img*, Img*) = IP_Median3x3;
 uint32_t (*is_IP_Maximum3x3)(const Img*, Img*) = IP_Maximum3x3;
 uint32_t (*is_IP_Morph3x3)(const Img*, Img*, int32_t) = IP_Morph3x3;
 
+/* matrix.h */
+void (*is_mCopy)(const float*, float*) = mCopy;
+void (*is_mmMul)(const float*, const float*, float*) = mmMul;
+void (*is_mvMul)(const float*, const float*, float*) = mvMul;
+void (*is_mTrans)(const float*, float*) = mTrans;
+void (*is_vvAdd)(const float*, const float*, float*) = vvAdd;
+void (*is_vvSub)(const float*, const float*, float*) = vvSub;
+uint32_t (*is_IP_Alg_Covar_2x2)(const uint16_t*, int32_t, float*) = IP_Alg_Covar_2x2;
+uint32_t (*is_IP_Alg_Eigen_2x2)(const float*, float*, float*) = IP_Alg_Eigen_2x2;
+
+/* geometry.h */
+int32_t (*is_IP_Geom_Orientation)(int32_t, int32_t, int32_t, int32_t, int32_t, int32_t) = IP_Geom_Orientation;
+int32_t (*is_IP_Geom_Orientation_f32)(const Point_f32*, const Point_f32*, const Point_f32*) = IP_Geom_Orientation_f32;
+int32_t (*is_IP_Geom_ArePointsEqual_f32)(const Point_f32*, const Point_f32*) = IP_Geom_ArePointsEqual_f32;
+int32_t (*is_IP_Geom_EdgesIntersect)(const Edge_s32*, const Edge_s32*) = IP_Geom_EdgesIntersect;
+int32_t (*is_IP_Geom_EdgesIntersect_f32)(const Edge_f32*, const Edge_f32*) = IP_Geom_EdgesIntersect_f32;
+int32_t (*is_IP_Geom_IsPointOnEdge_f32)(const Edge_f32*, const Point_f32*) = IP_Geom_IsPointOnEdge_f32;
+int32_t (*is_IP_Geom_LinePoint2_SquaredDistance_s32)(const Line_s32*,
+                                                     const Point_s32*) = IP_Geom_LinePoint2_SquaredDistance_s32;
+float (*is_IP_Geom_LinePoint2_SquaredDistance_f32)(const Line_f32*,
+                                                   const Point_f32*) = IP_Geom_LinePoint2_SquaredDistance_f32;
+int32_t (*is_IP_Geom_EdgePoint2_SquaredDistance_s32)(const Edge_s32*,
+                                                     const Point_s32*) = IP_Geom_EdgePoint2_SquaredDistance_s32;
+float (*is_IP_Geom_EdgePoint2_SquaredDistance_f32)(const Edge_f32*,
+                                                   const Point_f32*) = IP_Geom_EdgePoint2_SquaredDistance_f32;
+int32_t (*is_IP_Geom_IntersectLines)(const Line_s32*, const Line_s32*, Point_s32*) = IP_Geom_IntersectLines;
+int32_t (*is_IP_Geom_IntersectLines_f32)(const Line_f32*, const Line_f32*, Point_f32*) = IP_Geom_IntersectLines_f32;
+int32_t (*is_IP_Geom_Barycentric)(const Point_s32*, const Point_s32*, float*) = IP_Geom_Barycentric;
+int32_t (*is_IP_Geom_Intersects_s32)(const Rect_s32*, const Rect_s32*) = IP_Geom_Intersects_s32;
+int32_t (*is_IP_Geom_Intersects_u32)(const Rect_u32*, const Rect_u32*) = IP_Geom_Intersects_u32;
+void (*is_IP_Geom_SetUnion_s32)(const Rect_s32*, const Rect_s32*, Rect_s32*) = IP_Geom_SetUnion_s32;
+void (*is_IP_Geom_SetUnion_u32)(const Rect_u32*, const Rect_u32*, Rect_u32*) = IP_Geom_SetUnion_u32;
+void (*is_IP_Geom_SetIntersection_s32)(const Rect_s32*, const Rect_s32*, Rect_s32*) = IP_Geom_SetIntersection_s32;
+void (*is_IP_Geom_RectGrow_s32)(Rect_s32*, int32_t, int32_t) = IP_Geom_RectGrow_s32;
+int32_t (*is_IP_Polygon_IsSimple)(const Polygon_s32*) = IP_Polygon_IsSimple;
+int32_t (*is_IP_Polygon_IsSimple_f32)(const Polygon_f32*) = IP_Polygon_IsSimple_f32;
+int32_t (*is_IP_Polygon_IsInsideContour)(const Polygon_s32*, const Point_s32*, uint32_t) = IP_Polygon_IsInsideContour;
+int32_t (*is_IP_Polygon_IsInside)(const Polygon_s32*, const Point_s32*) = IP_Polygon_IsInside;
+int32_t (*is_IP_Polygon_IsInside_f32)(const Polygon_f32*, const Point_f32*) = IP_Polygon_IsInside_f32;
+void (*is_IP_Polygon_Erase)(Polygon_s32*, uint32_t) = IP_Polygon_Erase;
+void (*is_IP_Polygon_Erase_f32)(Polygon_f32*, uint32_t) = IP_Polygon_Erase_f32;
+void (*is_IP_Polygon_RemoveCollinearPoints)(Polygon_s32*) = IP_Polygon_RemoveCollinearPoints;
+void (*is_IP_Polygon_RemoveCollinearPoints_f32)(Polygon_f32*) = IP_Polygon_RemoveCollinearPoints_f32;
+int32_t (*is_IP_Polyline_Orientation)(const Polygon_s32*, const Point_s32*) = IP_Polyline_Orientation;
+int32_t (*is_IP_Polyline_Orientation_f32)(const Polygon_f32*, const Point_f32*) = IP_Polyline_Orientation_f32;
+float (*is_IP_Polygon_SquaredDist)(const Polygon_f32*, const Point_f32*) = IP_Polygon_SquaredDist;
+void (*is_IP_Utils_Bresenham)(const Point_s32*, const Point_s32*, int32_t, BresenhamCallback) = IP_Utils_Bresenham;
+
+/* camera.h */
+void (*is_ip_params2internalCalib)(const IntCalibParams*, IntCalib*) = ip_params2internalCalib;
+uint32_t (*is_ip_orientation2externalCalib)(const Orientation*, ExtCalib*) = ip_orientation2externalCalib;
+uint32_t (*is_ip_world2cam)(const Point3_f32*, Point3_f32*, const ExtCalib*) = ip_world2cam;
+uint32_t (*is_ip_cam2world)(const Point3_f32*, Point3_f32*, const ExtCalib*) = ip_cam2world;
+uint32_t (*is_ip_world2custom)(const Point3_f32*, Point3_f32*, const ExtCalib*) = ip_world2custom;
+uint32_t (*is_ip_cam2img)(const Point3_f32*, Point_f32*, const IntCalib*) = ip_cam2img;
+uint32_t (*is_ip_img2cam)(const Point_f32*, Point3_f32*, const IntCalib*, float) = ip_img2cam;
+uint32_t (*is_ip_img2world)(const Point_f32*, Point3_f32*, const ExtCalib*, const IntCalib*, float) = ip_img2world;
+uint32_t (*is_ip_world2img)(const Point3_f32*, Point_f32*, const ExtCalib*, const IntCalib*) = ip_world2img;
+uint32_t (*is_ip_disp2cam)(const Point_f32*, Point3_f32*, const IntCalib*, float) = ip_disp2cam;
+uint32_t (*is_ip_disp2world)(const Point_f32*, Point3_f32*, const ExtCalib*, const IntCalib*, float) = ip_disp2world;
+uint32_t (*is_ip_params2extCalibCustom)(const IntCalibParams*, const Orientation*, const CustomFrameParams*,
+                                        ExtCalib*) = ip_params2extCalibCustom;
+uint32_t (*is_ip_stereo_init)(StereoCtx*, const IntCalibParams*, const Orientation*,
+                              const ElevMapParams*) = ip_stereo_init;
+void (*is_ip_calcMapRectLowerLeft)(const ExtCalib*, const IntCalib*, const ElevMapParams*, Point_f32*,
+                                   float) = ip_calcMapRectLowerLeft;
+uint32_t (*is_ip_world2elev)(const Point_f32*, Point_f32*, const ElevMapParams*, const Point_f32*) = ip_world2elev;
+uint32_t (*is_ip_elev2world)(const Point_f32*, Point_f32*, const ElevMapParams*, const Point_f32*) = ip_elev2world;
+uint32_t (*is_ip_stereo_world2cam)(const StereoCtx*, const Point3_f32*, Point3_f32*) = ip_stereo_world2cam;
+uint32_t (*is_ip_stereo_cam2world)(const StereoCtx*, const Point3_f32*, Point3_f32*) = ip_stereo_cam2world;
+uint32_t (*is_ip_stereo_cam2img)(const StereoCtx*, const Point3_f32*, Point_f32*) = ip_stereo_cam2img;
+uint32_t (*is_ip_stereo_world2img)(const StereoCtx*, const Point3_f32*, Point_f32*) = ip_stereo_world2img;
+uint32_t (*is_ip_stereo_img2cam)(const StereoCtx*, const Point_f32*, Point3_f32*, float) = ip_stereo_img2cam;
+uint32_t (*is_ip_stereo_img2world)(const StereoCtx*, const Point_f32*, Point3_f32*, float) = ip_stereo_img2world;
+uint32_t (*is_ip_stereo_disp2world)(const StereoCtx*, const Point_f32*, Point3_f32*, float) = ip_stereo_disp2world;
+uint32_t (*is_ip_stereo_world2elev)(const StereoCtx*, const Point3_f32*, Point_f32*) = ip_stereo_world2elev;
+uint32_t (*is_ip_stereo_elev2world)(const StereoCtx*, const Point_f32*, Point3_f32*, float) = ip_stereo_elev2world;
+uint32_t (*is_ip_stereo_img2elev)(const StereoCtx*, const Point_f32*, Point_f32*, float) = ip_stereo_img2elev;
+uint32_t (*is_ip_stereo_elev2img)(const StereoCtx*, const Point_f32*, Point_f32*, float) = ip_stereo_elev2img;
+uint32_t (*is_ip_orientation2trafo)(const Orientation*, ExtCalibFixed*) = ip_orientation2trafo;
+uint32_t (*is_ip_createTrafoParams)(const Orientation*, const IntCalibParams*, TrafoParams*) = ip_createTrafoParams;
+uint32_t (*is_ip_trafoParams2calib)(const TrafoParams*, ExtCalib*, IntCalib*) = ip_trafoParams2calib;
+void (*is_ip_world2cam_s32)(Point3_s32*, const Point3_s32*, const TrafoParams*) = ip_world2cam_s32;
+void (*is_ip_world2img_s32)(Point_s32*, const Point3_s32*, const TrafoParams*) = ip_world2img_s32;
+void (*is_ip_img2groundplane_s32)(Point3_s32*, const Point_s32*, int32_t, const TrafoParams*) = ip_img2groundplane_s32;
+uint32_t (*is_ip_img2world_f32)(Point3_f32*, const Point_f32*, const TrafoParams*, float) = ip_img2world_f32;
+uint32_t (*is_ip_calcMapRect_s32)(Point3_s32*, int32_t, int32_t, const TrafoParams*) = ip_calcMapRect_s32;
+int32_t (*is_ip_millimeter2CalibCoord_s32)(int32_t) = ip_millimeter2CalibCoord_s32;
+int32_t (*is_ip_calibCoord2Millimeter_s32)(int32_t) = ip_calibCoord2Millimeter_s32;
+int32_t (*is_ip_gridCoord2Coord_s32)(int32_t, int32_t, uint32_t) = ip_gridCoord2Coord_s32;
+int32_t (*is_ip_coord2GridCoord_s32)(int32_t, int32_t, uint32_t) = ip_coord2GridCoord_s32;
+int32_t (*is_IP_Utils_CreateElevMaskFromImgPoly)(const Polygon_s32*, const StereoCtx*, const ImgC*,
+                                                 Img*) = IP_Utils_CreateElevMaskFromImgPoly;
+
 /* stereo.h */
 void (*is_IP_Census_5x5)(const uint16_t*, uint32_t*, uint32_t, uint32_t) = IP_Census_5x5;
 void (*is_SGM_CalcDsiRow)(const uint32_t*, const uint32_t*, uint32_t, uint32_t, uint32_t, uint32_t,
@@ -52,5 +146,9 @@ void (*is_IP_Sgm)(const uint32_t*, const uint32_t*, const uint16_t*, uint32_t, u
 int32_t (*is_IP_SgmMakeDebugData)(uint32_t, uint32_t, uint32_t, SgmDebugData*) = IP_SgmMakeDebugData;
 void (*is_IP_SgmFreeDebugData)(SgmDebugData*) = IP_SgmFreeDebugData;
 uint32_t (*is_IP_SgmPostproc)(const uint16_t*, const uint8_t*, uint16_t*, uint32_t, uint32_t) = IP_SgmPostproc;
+
+/* numeric.h */
+uint32_t (*is_IP_Utl_Median_u16)(uint16_t*, uint32_t, uint16_t*) = IP_Utl_Median_u16;
+uint32_t (*is_IP_Utl_RadixIdxSort)(const uint16_t*, uint16_t*, uint32_t, uint32_t) = IP_Utl_RadixIdxSort;
 
 int main(void) { return 0; }
