@@ -1,0 +1,16 @@
+// The commands. Each lives in command_NAME.cpp and adds itself to the command line: its options, its help, and a
+// callback that does the work and throws Error where it cannot.
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace nadir::tool {
+
+void addDisparityCommand(CLI::App& app);
+void addEvaluateCommand(CLI::App& app);
+void addPreviewCommand(CLI::App& app);
+void addSynthCommand(CLI::App& app);
+
+}  // namespace nadir::tool

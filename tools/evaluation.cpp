@@ -1,0 +1,80 @@
+#include "evaluation.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace nadir::tool {
+
+namespace {
+
+using Values = std::vector<double>;
+
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+
+double ratio(double part, size_t whole) { return whole == 0 ? unknown : part / static_cast<double>(whole); }
+
+template <class Term>
+double mean(const Values& values, Term term) {
+  double sum = 0;
+  for (const double v : values) sum += term(v);
+  return ratio(sum, values.size());
+}
+
+// The mean of the two middle values where their number is even.
+double median(Values values) {
+  if (values.empty()) return unknown;
+  std::sort(values.begin(), values.end());
+  const size_t n = values.size();
+  return (values[(n - 1) / 2] + values[n / 2]) / 2;
+}
+
+double shareAbove(const Values& values, double limit) {
+  return mean(values, [limit](double v) { return std::abs(v) > limit ? 1.0 : 0.0; });
+}
+
+size_t countKnown(const Grid<float>& grid) {
+  return static_cast<size_t>(
+      std::count_if(grid.pixels.begin(), grid.pixels.end(), [](float v) { return !std::isnan(v); }));
+}
+
+Values known(const Grid<float>& grid) {
+  Values values;
+  std::copy_if(grid.pixels.begin(), grid.pixels.end(), std::back_inserter(values),
+               [](float v) { return !std::isnan(v); });
+  return values;
+}
+
+double absolute(double v) { return std::abs(v); }
+
+Values absolutes(Values values) {
+  for (double& v : values) v = absolute(v);
+  return values;
+}
+
+}  // namespace
+
+Grid<float> errors(const Grid<float>& disparity, const Grid<float>& truth) {
+  Grid<float> errors(disparity.width, disparity.height);
+  for (size_t i = 0; i < errors.pixels.size(); ++i) errors.pixels[i] = disparity.pixels[i] - truth.pixels[i];
+  return errors;
+}
+
+Evaluation evaluate(const Grid<float>& disparity, const Grid<float>& truth) {
+  const Values error = known(errors(disparity, truth));
+  Evaluation e;
+  e.pixels = truth.pixels.size();
+  e.truth = countKnown(truth);
+  e.compared = error.size();
+  e.density = ratio(static_cast<double>(e.compared), e.truth);
+  e.bad05 = shareAbove(error, 0.5);
+  e.bad1 = shareAbove(error, 1);
+  e.bad2 = shareAbove(error, 2);
+  e.mean = mean(error, [](double v) { return v; });
+  e.median = median(error);
+  e.meanAbsolute = mean(error, absolute);
+  e.medianAbsolute = median(absolutes(error));
+  e.rms = std::sqrt(mean(error, [](double v) { return v * v; }));
+  return e;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,38 @@
+// Files as a whole: read in one go, written so that either every output of a command is there or none.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nadir::tool {
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes readFile(const std::string& path);
+
+// The outputs of one command. write() fills a temporary file beside the target; commit() gives every one its name. What
+// is not committed disappears with the object.
+class OutputFiles {
+ public:
+  OutputFiles() = default;
+  OutputFiles(const OutputFiles&) = delete;
+  OutputFiles& operator=(const OutputFiles&) = delete;
+  ~OutputFiles();
+
+  // Makes a folder unless it exists; its parent must exist.
+  void makeFolder(const std::string& path);
+  void write(const std::string& target, const Bytes& bytes);
+  void commit();
+
+ private:
+  struct File {
+    std::string target, temporary;
+    bool inPlace;
+  };
+  std::vector<File> files_;
+  std::string newFolder_;
+  bool committed_ = false;
+};
+
+}  // namespace nadir::tool

@@ -1,0 +1,65 @@
+#include <nadir/nadir.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "chunks.hpp"
+#include "commands.hpp"
+#include "text.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int misused = 2;
+
+int complain(const char* sentence, int status) {
+  std::fprintf(stderr, "nadir: %s\n", sentence);
+  return status;
+}
+
+void describe(CLI::App& app) {
+  app.name("nadir");
+  app.footer(
+      "A first walk:\n"
+      "  nadir synth scene                                     makes a pair with known disparities\n"
+      "  nadir disparity scene/left.png scene/right.png -o scene/disparity.png\n"
+      "  nadir evaluate scene/disparity.png scene/disparity_gt.png\n"
+      "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage.");
+  app.set_version_flag("--version", [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
+  app.require_subcommand(1);
+}
+
+int run(int argc, char** argv) {
+  CLI::App app("Disparities from rectified stereo pairs: match, look at and judge them.");
+  describe(app);
+  addDisparityCommand(app);
+  addEvaluateCommand(app);
+  addPreviewCommand(app);
+  addSynthCommand(app);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);
+    return complain((std::string(error.what()) + "; see nadir --help").c_str(), misused);
+  }
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace nadir::tool
+
+int main(int argc, char** argv) {
+  using namespace nadir::tool;
+  try {
+    return run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    return complain("not enough memory", failed);
+  } catch (const std::exception& error) {
+    return complain(error.what(), failed);
+  }
+}

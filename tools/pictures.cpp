@@ -1,0 +1,81 @@
+#include "pictures.hpp"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "chunks.hpp"
+#include "error.hpp"
+#include "files.hpp"
+#include "pgm.hpp"
+#include "png.hpp"
+#include "text.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+Raster decode(const Bytes& bytes) {
+  if (isPng(bytes)) return decodePng(bytes);
+  if (isPgm(bytes)) return decodePgm(bytes);
+  throw Error("it is neither a PNG nor a binary PGM picture");
+}
+
+Raster readRaster(const std::string& path) {
+  const Bytes bytes = readFile(path);
+  try {
+    return decode(bytes);
+  } catch (const Error& reason) {
+    throw Error("cannot use " + path + ": " + reason.what());
+  }
+}
+
+uint32_t luminance(const uint16_t* rgb, uint32_t factor) {
+  return ((299u * rgb[0] + 587u * rgb[1] + 114u * rgb[2]) * factor + 500) / 1000;
+}
+
+double ownScale(const Raster& raster, double fallback) {
+  const auto found = raster.text.find(chunks::scale);
+  return found == raster.text.end() ? fallback : std::strtod(found->second.c_str(), nullptr);
+}
+
+}  // namespace
+
+void checkRasterSize(uint32_t width, uint32_t height) {
+  if (width > 65535 || height > 65535 || uint64_t{width} * height > 1u << 25)
+    throw Error("it is too large (" + sizeText(width, height) + " pixels)");
+}
+
+Grid<uint16_t> readIntensity(const std::string& path) {
+  const Raster raster = readRaster(path);
+  const uint32_t factor = raster.bits == 8 ? 16 : 1;
+  const uint32_t black = raster.bits == 8 ? 1 : 0;
+  Grid<uint16_t> picture(raster.width, raster.height);
+  const uint16_t* in = raster.samples.data();
+  for (uint16_t& out : picture.pixels) {
+    const uint32_t value = raster.channels == 3 ? luminance(in, factor) : *in * factor;
+    out = static_cast<uint16_t>(std::max(value, black));
+    in += raster.channels;
+  }
+  return picture;
+}
+
+Grid<uint8_t> readMask(const std::string& path) {
+  const Raster raster = readRaster(path);
+  if (raster.channels != 1 || raster.bits != 8) throw Error("the mask " + path + " is not an 8-bit grey picture");
+  Grid<uint8_t> mask(raster.width, raster.height);
+  std::copy(raster.samples.begin(), raster.samples.end(), mask.pixels.begin());
+  return mask;
+}
+
+Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
+  const Raster raster = readRaster(path);
+  if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of disparities");
+  const double divisor = scale > 0 ? scale : ownScale(raster, fallback);
+  if (!(divisor > 0)) throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number");
+  Grid<float> disparity(raster.width, raster.height, std::nanf(""));
+  for (size_t i = 0; i < raster.samples.size(); ++i)
+    if (raster.samples[i] != 0) disparity.pixels[i] = static_cast<float>(raster.samples[i] / divisor);
+  return disparity;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,25 @@
+// Picture files as the commands want them.
+#pragma once
+
+#include <string>
+
+#include "grid.hpp"
+#include "raster.hpp"
+
+namespace nadir::tool {
+
+// A picture for the matcher. 16-bit grey values stay as they are, 0 meaning "no data". 8-bit values are multiplied by
+// 16, because the matcher's penalties follow intensity steps of a 12-bit camera; their 0 becomes 1, since black is a
+// measurement there (and a border that is black all over is rejected for having no texture). Colours become luminance
+// with the weights of ITU-R BT.601.
+Grid<uint16_t> readIntensity(const std::string& path);
+
+// An 8-bit picture; not 0 means "discard".
+Grid<uint8_t> readMask(const std::string& path);
+
+// Disparities in pixels, NaN where there is none. The file is a 16-bit grey PNG of pixels * scale, 0 for none.
+//
+// scale  what to divide by; 0 asks for what the file says of itself, and `fallback` where it says nothing.
+Grid<float> readDisparity(const std::string& path, double scale, double fallback);
+
+}  // namespace nadir::tool

@@ -1,0 +1,32 @@
+// printf into a string, and the short tables that the commands print.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace nadir::tool {
+
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+
+// "640 x 480"
+std::string sizeText(unsigned width, unsigned height);
+
+// Lines of a label, a right-aligned number and a remark.
+class Table {
+ public:
+  void heading(const std::string& label, const std::string& number) { lines_.push_back({label, number, ""}); }
+  void line(const std::string& label, double number, const std::string& remark = "", int decimals = 1);
+  void gap() { lines_.push_back({}); }
+  std::string text() const;
+
+ private:
+  struct Line {
+    std::string label, number, remark;
+  };
+  std::vector<Line> lines_;
+};
+
+// Writes to standard output and throws where that fails (a full disk behind a redirection).
+void print(const std::string& text);
+
+}  // namespace nadir::tool
