@@ -23,8 +23,8 @@ namespace {
 
 struct Options {
   std::string left, right, output, preview, mask;
+  std::string grid = "left";
   bool noPreview = false, half = false, noPostprocessing = false;
-  View grid = View::left;
   uint32_t uniqueness = MatchOptions().uniqueness;
 };
 
@@ -55,7 +55,7 @@ Grid<uint8_t> readMaskFor(const Options& options, const Pair& pair) {
 }
 
 TextChunks texts(const Options& options) {
-  TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.grid == View::left ? "left" : "right");
+  TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.grid);
   texts["nadir:uniqueness"] = std::to_string(options.uniqueness);
   texts["nadir:post-processing"] = options.noPostprocessing ? "no" : "yes";
   return texts;
@@ -93,7 +93,8 @@ std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, c
 void run(const Options& options) {
   StageTimes times;
   Pair pair = readPair(options, times);
-  const MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing, readMaskFor(options, pair)};
+  const MatchOptions settings{options.grid == "left" ? View::left : View::right, options.uniqueness,
+                              !options.noPostprocessing, readMaskFor(options, pair)};
   const Match result = match(std::move(pair), settings, times);
   OutputFiles files;
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
@@ -126,8 +127,7 @@ void addDisparityCommand(CLI::App& app) {
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
   command->add_option("--grid", options->grid, "View whose pixels get the disparities: left or right (default: left)")
-      ->transform(CLI::CheckedTransformer(std::map<std::string, View>{{"left", View::left}, {"right", View::right}})
-                      .description(""))
+      ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
   command
       ->add_option("--uniqueness", options->uniqueness,

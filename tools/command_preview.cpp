@@ -36,8 +36,8 @@ void addPreviewCommand(CLI::App& app) {
   command->add_option("-o,--output", options->output, "PNG that receives the preview")->required()->type_name("FILE");
   command
       ->add_option("--range", options->range,
-                   "Disparities at the two ends of the colours, pixels (default: those of the picture, without the "
-                   "outermost hundredth at either side)")
+                   "Disparities at the two ends of the colours, pixels (default: those of the picture without the "
+                   "lowest 3 and the highest 1 percent)")
       ->expected(2)
       ->type_name("LOW HIGH");
   command

@@ -13,8 +13,8 @@ struct Pair {
 };
 
 struct MatchOptions {
-  View grid = View::left;   // whose pixels get the disparities
-  uint32_t uniqueness = 8;  // of the peak check, 1/128
+  View grid = View::left;    // whose pixels get the disparities
+  uint32_t uniqueness = 48;  // of the peak check, 1/128; see docs/accuracy.md for why 48
   bool postprocess = true;
   Grid<uint8_t> mask;  // on the wanted grid, not 0 discards; without pixels: nothing is discarded
 };

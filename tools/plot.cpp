@@ -89,8 +89,8 @@ std::pair<double, double> usualRange(const Grid<float>& values) {
     if (!std::isnan(v)) sorted.push_back(v);
   if (sorted.empty()) return {0, 1};
   std::sort(sorted.begin(), sorted.end());
-  const size_t outside = sorted.size() / 100;
-  const double low = std::floor(sorted[outside]), high = std::ceil(sorted[sorted.size() - 1 - outside]);
+  const double low = std::floor(sorted[sorted.size() * 3 / 100]);
+  const double high = std::ceil(sorted[sorted.size() - 1 - sorted.size() / 100]);
   return {low, std::max(high, low + 1)};
 }
 

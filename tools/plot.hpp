@@ -14,8 +14,8 @@ struct ColourScale {
   const char* unit;
 };
 
-// The range of the values without the outermost hundredth at either side, widened to whole numbers, so that a few
-// outliers do not take the colours away from the rest. {0, 1} where there is no value.
+// The range of the values without the lowest 3 and the highest 1 percent, widened to whole numbers, so that a few wrong
+// matches, most of which are too small, do not take the colours away from the rest. {0, 1} where there is no value.
 std::pair<double, double> usualRange(const Grid<float>& values);
 
 // The values pixel by pixel, NaN in grey, and the bar at their right.

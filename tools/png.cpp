@@ -17,6 +17,7 @@ namespace nadir::tool {
 namespace {
 
 constexpr size_t signatureSize = 8;
+constexpr int compressionLevel = 3;
 
 struct Message {
   char text[128] = "";
@@ -166,6 +167,7 @@ class Writer {
     const bool done = attempt(png_, [this, &layout] {
       png_set_IHDR(png_, info_, layout.width, layout.height, layout.bits, layout.colourType, PNG_INTERLACE_NONE,
                    PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+      png_set_compression_level(png_, compressionLevel);
       png_set_text(png_, info_, layout.text.data(), static_cast<int>(layout.text.size()));
       png_write_info(png_, info_);
       png_write_image(png_, layout.rows.data());
