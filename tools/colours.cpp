@@ -21,7 +21,9 @@ Rgb turbo(double t) {
   static constexpr Polynomial red = {0.13572138, 4.61539260, -42.66032258, 132.13108234, -152.94239396, 59.28637943};
   static constexpr Polynomial green = {0.09140261, 2.19418839, 4.84296658, -14.18503333, 4.27729857, 2.82956604};
   static constexpr Polynomial blue = {0.10667330, 12.64194608, -60.58204836, 110.36276771, -89.90310912, 27.34824973};
-  t = std::clamp(t, 0.0, 1.0);
+  // Below this the fit falls to black.
+  static constexpr double start = 0.04;
+  t = start + std::clamp(t, 0.0, 1.0) * (1 - start);
   return {byte(at(red, t)), byte(at(green, t)), byte(at(blue, t))};
 }
 

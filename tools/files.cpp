@@ -29,7 +29,7 @@ using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
 // A device or a folder must not be replaced by a picture. A link is followed, so that it stays a link.
 std::string checkedTarget(const std::string& path) {
   std::error_code unknown;
-  const fs::path target = fs::weakly_canonical(path, unknown);
+  const fs::path target = fs::weakly_canonical(fs::absolute(path), unknown);
   if (unknown) fail("write", path, unknown.value());
   const fs::file_status status = fs::status(target, unknown);
   if (fs::exists(status) && !fs::is_regular_file(status))

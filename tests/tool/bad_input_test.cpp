@@ -1,0 +1,165 @@
+// Whatever goes wrong: one sentence on standard error, status 1, and the folder as it was.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+class BadInput : public testing::Test {
+ protected:
+  BadInput() { EXPECT_EQ(folder.run({"synth", ".", "--width", "96", "--height", "64"}).status, 0); }
+
+  void expectRefused(const std::vector<std::string>& arguments, const std::string& reason, uint64_t fileLimit = 0) {
+    const auto before = folder.names();
+    const Outcome outcome = folder.run(arguments, fileLimit);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.rfind("nadir: ", 0), 0u) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_NE(outcome.err.find(reason), std::string::npos) << outcome.err;
+    EXPECT_EQ(folder.names(), before);
+  }
+
+  void expectLeftRefused(const Bytes& bytes, const std::string& reason) {
+    writeFile(folder.path("odd"), bytes);
+    expectRefused({"disparity", "odd", "right.png", "-o", "d.png"}, reason);
+  }
+
+  Folder folder;
+};
+
+TEST_F(BadInput, MissingFile) {
+  expectRefused({"disparity", "none.png", "right.png", "-o", "d.png"}, "cannot read none.png: No such file");
+  expectRefused({"evaluate", "disparity_gt.png", "none.png"}, "cannot read none.png: No such file");
+}
+
+TEST_F(BadInput, FolderInsteadOfFile) {
+  expectRefused({"disparity", ".", "right.png", "-o", "d.png"}, "cannot read .:");
+}
+
+TEST_F(BadInput, DamagedPng) {
+  const Bytes whole = readFile(folder.path("left.png"));
+  for (const size_t size : {size_t{8}, size_t{20}, size_t{40}, whole.size() / 2, whole.size() - 13, whole.size() - 1})
+    expectLeftRefused(whole.substr(0, size), "cannot use odd: it is damaged (it ends too early)");
+  Bytes flipped = whole;
+  flipped[whole.size() / 2] = static_cast<char>(flipped[whole.size() / 2] ^ 1);
+  expectLeftRefused(flipped, "cannot use odd: it is damaged (");
+}
+
+TEST_F(BadInput, DamagedPgm) {
+  const Bytes whole = pgm(picture(96, 64, 16, std::vector<uint16_t>(96 * 64, 100)));
+  expectLeftRefused(whole.substr(0, whole.size() - 1), "it ends too early");
+  expectLeftRefused("P5", "header");
+  expectLeftRefused("P5\n# 96 64 255", "header");
+  expectLeftRefused("P5 96 x 255\n", "header");
+  expectLeftRefused("P5 0 64 255\n", "a size of 0");
+  expectLeftRefused("P5 96 64 0\n", "a size of 0");
+  expectLeftRefused("P5 1 1 100\n\xC8", "larger than the header's maximum");
+}
+
+TEST_F(BadInput, WrongKindOfFile) {
+  expectLeftRefused("", "neither a PNG nor a binary PGM");
+  expectLeftRefused("\xFF\xD8\xFF\xE0 a JPEG", "neither a PNG nor a binary PGM");
+  expectLeftRefused("P2 1 1 255 7\n", "neither a PNG nor a binary PGM");
+}
+
+TEST_F(BadInput, SizesThatDiffer) {
+  expectLeftRefused(pgm(picture(95, 64, 8, std::vector<uint16_t>(95 * 64, 100))),
+                    "the pictures differ in size: odd is 95 x 64 pixels, right.png is 96 x 64");
+  writeFile(folder.path("odd"), pgm(picture(8, 8, 16, std::vector<uint16_t>(64, 100))));
+  expectRefused({"evaluate", "odd", "disparity_gt.png"}, "the disparity picture is 8 x 8 pixels, the truth 96 x 64");
+}
+
+TEST_F(BadInput, TooSmall) {
+  writeFile(folder.path("odd"), pgm(picture(4, 9, 16, std::vector<uint16_t>(36, 100))));
+  expectRefused({"disparity", "odd", "odd", "-o", "d.png"}, "too small: 4 x 9 pixels");
+}
+
+TEST_F(BadInput, TooLarge) {
+  expectLeftRefused("P5 60000 60000 255\n", "it is too large (60000 x 60000 pixels)");
+  expectLeftRefused("P5 99999 1 255\n", "a number of its header is too large");
+}
+
+TEST_F(BadInput, Mask) {
+  writeFile(folder.path("odd"), pgm(picture(95, 64, 8, std::vector<uint16_t>(95 * 64, 0))));
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--mask", "odd"},
+                "the mask odd is 95 x 64 pixels, the disparity picture 96 x 64");
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--mask", "left.png"},
+                "the mask left.png is not an 8-bit grey picture");
+}
+
+TEST_F(BadInput, HalvingAnotherSize) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--half"}, "these are 96 x 64");
+}
+
+TEST_F(BadInput, WrongKindOfDisparityPicture) {
+  writeFile(folder.path("odd"), pgm(picture(96, 64, 8, std::vector<uint16_t>(96 * 64, 100))));
+  expectRefused({"evaluate", "odd", "disparity_gt.png"}, "odd is not a 16-bit grey picture");
+  Picture nonsense = picture(96, 64, 16, std::vector<uint16_t>(96 * 64, 100));
+  nonsense.text["nadir:scale"] = "many";
+  writePng(folder.path("odd"), nonsense);
+  expectRefused({"preview", "odd", "-o", "p.png"}, "odd holds a text \"nadir:scale\" that is not a positive number");
+}
+
+TEST_F(BadInput, EmptyColourRange) {
+  expectRefused({"preview", "disparity_gt.png", "-o", "p.png", "--range", "5", "5"}, "the range of colours must rise");
+}
+
+TEST_F(BadInput, UnwritableTarget) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", "none/d.png"}, "cannot write none/d.png: No such file");
+  expectRefused({"disparity", "left.png", "right.png", "-o", "/dev/null"}, "it is not a plain file");
+  std::filesystem::create_directory(folder.path("taken.png"));
+  expectRefused({"disparity", "left.png", "right.png", "-o", "taken.png"}, "it is not a plain file");
+  expectRefused({"synth", "none/below"}, "cannot make the folder none/below");
+  expectRefused({"synth", "left.png"}, "cannot make the folder left.png");
+}
+
+TEST_F(BadInput, OneOfTwoTargetsUnwritable) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "none/p.png"},
+                "cannot write none/p.png: No such file");
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "./d.png"}, "the same name");
+}
+
+TEST_F(BadInput, FullDisk) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png"}, "cannot write d.", 100);
+  expectRefused({"synth", "fresh"}, "cannot write fresh/left.png", 1000);
+}
+
+TEST_F(BadInput, AnOldResultSurvivesAFailure) {
+  writeFile(folder.path("d.png"), "old");
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "none/p.png"}, "cannot write");
+  EXPECT_EQ(readFile(folder.path("d.png")), "old");
+}
+
+TEST_F(BadInput, FullStandardOutput) {
+  const auto before = folder.names();
+  const Outcome outcome = folder.run({"disparity", "left.png", "right.png", "-o", "d.png"}, 1);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(folder.names(), before);
+}
+
+TEST_F(BadInput, WrongUsage) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{},
+        {"disparity"},
+        {"disparity", "left.png", "right.png"},
+        {"teleport"},
+        {"disparity", "left.png", "right.png", "-o", "d.png", "--grid", "top"},
+        {"disparity", "left.png", "right.png", "-o", "d.png", "--uniqueness", "129"},
+        {"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "p.png", "--no-preview"},
+        {"evaluate", "disparity_gt.png", "disparity_gt.png", "--truth-scale", "0"},
+        {"synth", "fresh", "--width", "10"}}) {
+    const auto before = folder.names();
+    const Outcome outcome = folder.run(arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err.rfind("nadir: ", 0), 0u) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_EQ(folder.names(), before);
+  }
+}
+
+}  // namespace
+}  // namespace nadir::test

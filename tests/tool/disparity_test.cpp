@@ -1,0 +1,291 @@
+#include <gtest/gtest.h>
+#include <nadir/nadir.h>
+
+#include <cmath>
+
+#include "tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+constexpr uint32_t width = 320, height = 200;
+
+class Disparity : public testing::Test {
+ protected:
+  Disparity() {
+    EXPECT_EQ(folder.run({"synth", ".", "--width", "320", "--height", "200", "--seed", "3"}).status, 0);
+    left = readPng(folder.path("left.png"));
+    right = readPng(folder.path("right.png"));
+  }
+
+  Outcome run(std::vector<std::string> options, const std::string& l = "left.png", const std::string& r = "right.png") {
+    options.insert(options.begin(), {"disparity", l, r, "-o", "d.png"});
+    const Outcome outcome = folder.run(options);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    return outcome;
+  }
+
+  std::vector<uint16_t> disparity(const std::vector<std::string>& options, const std::string& l = "left.png",
+                                  const std::string& r = "right.png") {
+    run(options, l, r);
+    return readPng(folder.path("d.png")).samples;
+  }
+
+  // What the library makes of the pair on the right grid.
+  std::vector<uint16_t> library(uint32_t uniqueness) const {
+    std::vector<uint32_t> first(left.samples.size()), reference(left.samples.size());
+    std::vector<uint16_t> result(left.samples.size());
+    const SgmParams params{64, uniqueness};
+    IP_Census_5x5(left.samples.data(), first.data(), width, height);
+    IP_Census_5x5(right.samples.data(), reference.data(), width, height);
+    IP_SgmFull(first.data(), reference.data(), right.samples.data(), width, height, &params, result.data(), nullptr);
+    return result;
+  }
+
+  Folder folder;
+  Picture left, right;
+};
+
+TEST_F(Disparity, IsNearTheTruthOnTheLeftGrid) {
+  run({});
+  const std::string json = folder.run({"evaluate", "d.png", "disparity_gt.png", "--json"}).out;
+  EXPECT_GT(numberAfter(json, "\"density\""), 0.97);
+  EXPECT_LT(numberAfter(json, "\"bad_1\""), 0.04);
+  EXPECT_LT(numberAfter(json, "\"median_absolute\""), 0.3);
+}
+
+TEST_F(Disparity, RightGridIsTheLibrarysOwn) {
+  const std::vector<uint16_t> raw = library(48);
+  EXPECT_EQ(disparity({"--grid", "right", "--raw"}), raw);
+  EXPECT_EQ(disparity({"--grid", "right", "--no-postproc", "--uniqueness", "90"}), library(90));
+
+  const std::vector<uint8_t> nothing(raw.size());
+  std::vector<uint16_t> clean(raw.size());
+  ASSERT_EQ(IP_SgmPostproc(raw.data(), nothing.data(), clean.data(), width, height), 1u);
+  EXPECT_NE(clean, raw);
+  EXPECT_EQ(disparity({"--grid", "right"}), clean);
+}
+
+TEST_F(Disparity, MirroredPairOnTheRightGridIsTheMirroredLeftGrid) {
+  writeFile(folder.path("l.pgm"), pgm(mirrored(right)));
+  writeFile(folder.path("r.pgm"), pgm(mirrored(left)));
+  run({"--grid", "right"}, "l.pgm", "r.pgm");
+  const Picture other = mirrored(readPng(folder.path("d.png")));
+  EXPECT_EQ(disparity({"--grid", "left"}), other.samples);
+}
+
+TEST_F(Disparity, BothGridsTellTheSameStory) {
+  run({"--grid", "right"});
+  const Picture onRight = readPng(folder.path("d.png"));
+  run({});
+  const Picture onLeft = readPng(folder.path("d.png"));
+  int checked = 0, agreed = 0;
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 64; x < width; ++x) {
+      if (onLeft.at(x, y) == 0) continue;
+      const auto column = static_cast<uint32_t>(std::lround(x - onLeft.at(x, y) / 16.0));
+      ++checked;
+      agreed += std::abs(onRight.at(column, y) - onLeft.at(x, y)) <= 16;
+    }
+  EXPECT_GT(checked, 40000);
+  EXPECT_GT(agreed, checked * 0.93);
+}
+
+TEST_F(Disparity, LeftIsTheDefaultGrid) { EXPECT_EQ(disparity({}), disparity({"--grid", "left"})); }
+
+TEST_F(Disparity, TextsTellHowToReadIt) {
+  run({"--grid", "right", "--uniqueness", "33", "--raw"});
+  const Picture picture = readPng(folder.path("d.png"));
+  EXPECT_EQ(picture.bits, 16u);
+  EXPECT_EQ(picture.channels, 1u);
+  const std::map<std::string, std::string> expected = {{"nadir:scale", "16"},
+                                                       {"nadir:no-value", "0"},
+                                                       {"nadir:units", "1/16 pixel"},
+                                                       {"nadir:grid", "right"},
+                                                       {"nadir:uniqueness", "33"},
+                                                       {"nadir:post-processing", "no"},
+                                                       {"Software", "nadir " + std::string(nadir_version())}};
+  for (const auto& [key, value] : expected) EXPECT_EQ(picture.text.at(key), value) << key;
+  EXPECT_NE(picture.text.at("Description").find("value / 16"), std::string::npos);
+  run({});
+  const Picture usual = readPng(folder.path("d.png"));
+  EXPECT_EQ(usual.text.at("nadir:grid"), "left");
+  EXPECT_EQ(usual.text.at("nadir:post-processing"), "yes");
+}
+
+// ---- kinds of input ----
+
+TEST_F(Disparity, Pgm16IsBigEndian) {
+  const std::vector<uint16_t> fromPng = disparity({});
+  writeFile(folder.path("l.pgm"), pgm(left));
+  writeFile(folder.path("r.pgm"), pgm(right));
+  EXPECT_EQ(disparity({}, "l.pgm", "r.pgm"), fromPng);
+}
+
+// Eight bits with some black, and what the matcher is to see of them.
+struct Eight {
+  Picture narrow, wide;
+};
+
+Eight toEight(const Picture& picture) {
+  Eight eight{picture, picture};
+  eight.narrow.bits = 8;
+  for (size_t i = 0; i < picture.samples.size(); ++i) {
+    const int value = std::max(0, picture.samples[i] / 16 - 70);
+    eight.narrow.samples[i] = static_cast<uint16_t>(value);
+    eight.wide.samples[i] = static_cast<uint16_t>(std::max(1, value * 16));
+  }
+  return eight;
+}
+
+TEST_F(Disparity, EightBitsAreTimes16AndBlackIs1) {
+  const Eight l = toEight(left), r = toEight(right);
+  ASSERT_GT(std::count(l.narrow.samples.begin(), l.narrow.samples.end(), 0), 100);
+  writePng(folder.path("l.png"), l.wide);
+  writePng(folder.path("r.png"), r.wide);
+  const std::vector<uint16_t> expected = disparity({}, "l.png", "r.png");
+  writePng(folder.path("l.png"), l.narrow);
+  writeFile(folder.path("r.pgm"), pgm(r.narrow));
+  EXPECT_EQ(disparity({}, "l.png", "r.pgm"), expected);
+}
+
+Picture coloured(const Picture& grey) {
+  Picture colour = grey;
+  colour.channels = 3;
+  colour.samples.clear();
+  for (const uint16_t v : grey.samples) colour.samples.insert(colour.samples.end(), {v, v, v});
+  return colour;
+}
+
+TEST_F(Disparity, ColoursBecomeLuminance) {
+  const std::vector<uint16_t> expected = disparity({});
+  writePng(folder.path("l.png"), coloured(left));
+  EXPECT_EQ(disparity({}, "l.png", "right.png"), expected);
+
+  // 299/1000 of red at 8 bits is 16 * 0.299 of it: 1000 * 0.299 at 16 bits is 299.
+  Picture red = coloured(picture(width, height, 16, std::vector<uint16_t>(left.samples.size())));
+  Picture grey = left;
+  for (size_t i = 0; i < left.samples.size(); ++i) {
+    red.samples[3 * i] = static_cast<uint16_t>(left.samples[i] * 10);
+    grey.samples[i] = static_cast<uint16_t>((299 * (left.samples[i] * 10) + 500) / 1000);
+  }
+  writePng(folder.path("l.png"), red);
+  const std::vector<uint16_t> fromRed = disparity({"--grid", "left"}, "l.png", "right.png");
+  writePng(folder.path("l.png"), grey);
+  EXPECT_EQ(disparity({"--grid", "left"}, "l.png", "right.png"), fromRed);
+}
+
+TEST_F(Disparity, SixteenBitZeroStaysNoData) {
+  for (uint32_t y = 50; y < 90; ++y)
+    for (uint32_t x = 150; x < 200; ++x) right.samples[y * width + x] = 0;
+  writePng(folder.path("holed.png"), right);
+  EXPECT_EQ(disparity({"--grid", "right", "--raw"}, "left.png", "holed.png"), library(48));
+}
+
+// ---- options ----
+
+TEST_F(Disparity, MaskedPixelsHaveNoValueOnTheWantedGrid) {
+  Picture mask = picture(width, height, 8, std::vector<uint16_t>(left.samples.size()));
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = width * 3 / 4; x < width; ++x) mask.samples[y * width + x] = static_cast<uint16_t>(1 + x % 255);
+  writeFile(folder.path("mask.pgm"), pgm(mask));
+  for (const char* grid : {"left", "right"})
+    for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--raw"}}) {
+      std::vector<std::string> options = {"--grid", grid};
+      options.insert(options.end(), more.begin(), more.end());
+      const Picture whole = picture(width, height, 16, disparity(options));
+      options.insert(options.end(), {"--mask", "mask.pgm"});
+      const Outcome outcome = run(options);
+      const Picture masked = readPng(folder.path("d.png"));
+      EXPECT_DOUBLE_EQ(numberAfter(outcome.out, "masked"), 25.0);
+      for (uint32_t y = 0; y < height; ++y)
+        for (uint32_t x = 0; x < width; ++x) {
+          const bool discarded = mask.at(x, y) != 0, farFromMask = x + 4 < width * 3 / 4;
+          if (!discarded && !farFromMask) continue;
+          ASSERT_EQ(masked.at(x, y), discarded ? 0 : whole.at(x, y)) << grid << ' ' << x << ' ' << y;
+        }
+    }
+}
+
+TEST_F(Disparity, HigherUniquenessRejectsMore) {
+  double last = 101;
+  for (const char* uniqueness : {"0", "64", "128"}) {
+    const double share = numberAfter(run({"--uniqueness", uniqueness}).out, "with a value");
+    EXPECT_LT(share, last) << uniqueness;
+    last = share;
+  }
+}
+
+TEST_F(Disparity, SharesAddUp) {
+  const std::string table = run({"--uniqueness", "100"}).out;
+  double sum = 0;
+  for (const char* part : {"with a value", "no distinct match", "removed by post-processing", "masked", "not matched"})
+    sum += numberAfter(table, part);
+  EXPECT_NEAR(sum, 100, 0.03);
+  const std::vector<uint16_t> values = readPng(folder.path("d.png")).samples;
+  const auto empty = std::count(values.begin(), values.end(), 0);
+  EXPECT_NEAR(numberAfter(table, "with a value"), 100 - 100.0 * static_cast<double>(empty) / (width * height), 0.006);
+  for (const char* stage : {"reading", "mirroring", "census", "matching", "post-processing", "writing", "total"})
+    EXPECT_GE(numberAfter(table, stage), 0) << stage;
+}
+
+TEST_F(Disparity, HalvesVgaPictures) {
+  ASSERT_EQ(folder.run({"synth", "."}).status, 0);
+  for (const std::string name : {"left", "right"}) {
+    const Picture full = readPng(folder.path(name + ".png"));
+    Picture half = picture(320, 240, 16, {});
+    for (uint32_t y = 0; y < 240; ++y)
+      for (uint32_t x = 0; x < 320; ++x) {
+        const uint32_t sum = full.at(2 * x, 2 * y) + full.at(2 * x + 1, 2 * y) + full.at(2 * x, 2 * y + 1) +
+                             full.at(2 * x + 1, 2 * y + 1);
+        half.samples.push_back(static_cast<uint16_t>((sum + 2) / 4));
+      }
+    writePng(folder.path(name + "-half.png"), half);
+  }
+  const std::vector<uint16_t> expected = disparity({}, "left-half.png", "right-half.png");
+  EXPECT_EQ(disparity({"--half"}), expected);
+}
+
+// ---- preview ----
+
+TEST_F(Disparity, PreviewLiesBesideTheResultUnlessToldOtherwise) {
+  run({"--no-preview"});
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"d.png", "disparity_gt.png", "left.png", "right.png"}));
+  run({"--preview", "look.png"});
+  run({});
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"d.png", "d.preview.png", "disparity_gt.png", "left.png",
+                                                      "look.png", "right.png"}));
+  EXPECT_EQ(readFile(folder.path("look.png")), readFile(folder.path("d.preview.png")));
+}
+
+TEST_F(Disparity, PreviewIsGreyExactlyWhereThereIsNoValue) {
+  run({});
+  const Picture values = readPng(folder.path("d.png")), preview = readPng(folder.path("d.preview.png"));
+  ASSERT_EQ(preview.channels, 3u);
+  ASSERT_EQ(preview.height, height);
+  ASSERT_GT(preview.width, width);
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 0; x < width; ++x) {
+      const uint16_t* c = &preview.samples[3 * (y * preview.width + x)];
+      const bool grey = c[0] == c[1] && c[1] == c[2];
+      ASSERT_EQ(grey, values.at(x, y) == 0) << x << ' ' << y;
+    }
+}
+
+TEST_F(Disparity, VersionNamesLibraryAndKernels) {
+  const Outcome outcome = folder.run({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, std::string("nadir ") + nadir_version() + " (" + nadir_simd_level() + " kernels)\n");
+}
+
+TEST_F(Disparity, HelpTeaches) {
+  for (const char* command : {"disparity", "evaluate", "preview", "synth"}) {
+    const Outcome outcome = folder.run({command, "--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find(std::string("  nadir ") + command), std::string::npos) << "no example";
+  }
+}
+
+}  // namespace
+}  // namespace nadir::test

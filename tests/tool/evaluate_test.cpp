@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+// Disparities in 1/16, truth in 1/256 pixel. Five pixels have both; their errors are 0, 0.5, -1, 2.5 and 0.25 pixels.
+class Evaluate : public testing::Test {
+ protected:
+  Evaluate() {
+    writePng(folder.path("d.png"), picture(4, 2, 16, {160, 168, 144, 200, 164, 0, 0, 160}));
+    writePng(folder.path("t.png"), picture(4, 2, 16, {2560, 2560, 2560, 2560, 2560, 2560, 0, 0}));
+  }
+
+  std::string json(std::vector<std::string> options = {}) {
+    options.insert(options.begin(), {"evaluate", "d.png", "t.png", "--json"});
+    const Outcome outcome = folder.run(options);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.out;
+  }
+
+  Folder folder;
+};
+
+TEST_F(Evaluate, HandComputedNumbers) {
+  const std::string result = json();
+  const std::pair<const char*, double> expected[] = {{"pixels", 8},
+                                                     {"truth_pixels", 6},
+                                                     {"compared_pixels", 5},
+                                                     {"density", 5.0 / 6},
+                                                     {"bad_0.5", 2.0 / 5},  // an error of 0.5 does not exceed 0.5
+                                                     {"bad_1", 1.0 / 5},
+                                                     {"bad_2", 1.0 / 5},
+                                                     {"mean", 2.25 / 5},
+                                                     {"median", 0.25},
+                                                     {"mean_absolute", 4.25 / 5},
+                                                     {"median_absolute", 0.5},
+                                                     {"rms", std::sqrt((0.25 + 1 + 6.25 + 0.0625) / 5)}};
+  for (const auto& [name, value] : expected)
+    EXPECT_NEAR(numberAfter(result, "\"" + std::string(name) + "\""), value, 1e-8) << name;
+}
+
+TEST_F(Evaluate, TableSaysTheSame) {
+  const std::string table = folder.run({"evaluate", "d.png", "t.png"}).out;
+  const std::pair<const char*, double> expected[] = {
+      {"truth known", 75}, {"density", 83.33},      {"bad-0.5", 40},
+      {"bad-1", 20},       {"bad-2", 20},           {"(bias)", 0.45},
+      {"median", 0.25},    {"mean absolute", 0.85}, {"median absolute", 0.5},
+      {"square", 1.230}};
+  for (const auto& [name, value] : expected) EXPECT_NEAR(numberAfter(table, name), value, 1e-9) << name;
+}
+
+TEST_F(Evaluate, MedianOfAnEvenNumberIsTheMiddle) {
+  writePng(folder.path("t.png"), picture(4, 2, 16, {2560, 2560, 2560, 2560, 0, 0, 0, 0}));
+  EXPECT_NEAR(numberAfter(json(), "\"median\""), 0.25, 1e-9);
+  EXPECT_NEAR(numberAfter(json(), "\"median_absolute\""), 0.75, 1e-9);
+}
+
+TEST_F(Evaluate, ScalesComeFromOptionThenTextThenDefault) {
+  Picture truth = picture(4, 2, 16, std::vector<uint16_t>(8, 640));
+  truth.text["nadir:scale"] = "64";
+  writePng(folder.path("t.png"), truth);
+  EXPECT_NEAR(numberAfter(json(), "\"mean_absolute\""), 4.25 / 5 * 5 / 6, 1e-8) << "640 / 64 is 10 pixels";
+  EXPECT_NEAR(numberAfter(json({"--truth-scale", "32"}), "\"median\""), -10 + 0.125, 1e-9);
+  EXPECT_NEAR(numberAfter(json({"--scale", "8"}), "\"median\""), 10.25, 1e-9);
+}
+
+TEST_F(Evaluate, NothingToCompareIsNull) {
+  writePng(folder.path("t.png"), picture(4, 2, 16, std::vector<uint16_t>(8, 0)));
+  const std::string result = json();
+  EXPECT_NE(result.find("\"density\": null"), std::string::npos) << result;
+  EXPECT_NE(result.find("\"rms\": null"), std::string::npos) << result;
+  EXPECT_EQ(result.find("nan"), std::string::npos) << result;
+}
+
+struct Colour {
+  int r, g, b;
+};
+
+TEST_F(Evaluate, ErrorMapIsBlueBelowAndRedAbove) {
+  json({"--error-map", "e.png", "--error-range", "1"});
+  const Picture map = readPng(folder.path("e.png"));
+  const auto colour = [&](uint32_t x, uint32_t y) {
+    const uint16_t* c = &map.samples[3 * (y * map.width + x)];
+    return Colour{c[0], c[1], c[2]};
+  };
+  const Colour none = colour(0, 0), tooLarge = colour(1, 0), tooSmall = colour(2, 0), beyond = colour(3, 0);
+  EXPECT_EQ(none.r, none.b) << "no error is neither";
+  EXPECT_GT(none.r, 240);
+  EXPECT_GT(tooLarge.r, tooLarge.b + 50);
+  EXPECT_GT(tooSmall.b, tooSmall.r + 50);
+  EXPECT_GT(beyond.r, beyond.b + 50);
+  const Colour missing = colour(1, 1);
+  EXPECT_TRUE(missing.r == missing.g && missing.g == missing.b && missing.r < 200) << "no value";
+}
+
+TEST_F(Evaluate, PreviewUsesTheGivenRange) {
+  ASSERT_EQ(folder.run({"preview", "t.png", "-o", "p.png", "--scale", "256", "--range", "10", "20"}).status, 0);
+  ASSERT_EQ(folder.run({"preview", "t.png", "-o", "q.png", "--scale", "256", "--range", "0", "10"}).status, 0);
+  const Picture low = readPng(folder.path("p.png")), high = readPng(folder.path("q.png"));
+  EXPECT_GT(low.samples[2], low.samples[0]) << "10 is the low, bluish end";
+  EXPECT_GT(high.samples[0], high.samples[2]) << "10 is the high, reddish end";
+}
+
+}  // namespace
+}  // namespace nadir::test

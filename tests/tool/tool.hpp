@@ -1,0 +1,61 @@
+// Runs the built tool in a folder of its own, and makes and reads its files without its code.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace nadir::test {
+
+using Bytes = std::string;
+
+struct Picture {
+  uint32_t width = 0, height = 0, channels = 1, bits = 16;
+  std::vector<uint16_t> samples;
+  std::map<std::string, std::string> text;  // of a PNG
+
+  uint16_t at(uint32_t x, uint32_t y) const { return samples[size_t{y} * width + x]; }
+};
+
+Picture picture(uint32_t width, uint32_t height, uint32_t bits, std::vector<uint16_t> samples);
+Picture mirrored(Picture picture);
+
+Bytes pgm(const Picture& picture);
+
+// A PNG that libpng reads and writes for the tests; an unreadable file fails the test and gives an empty picture.
+Picture readPng(const std::string& path);
+void writePng(const std::string& path, const Picture& picture);
+
+Bytes readFile(const std::string& path);
+void writeFile(const std::string& path, const Bytes& bytes);
+
+struct Outcome {
+  int status;
+  std::string out, err;
+};
+
+// A folder that disappears with the object.
+class Folder {
+ public:
+  Folder();
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder();
+
+  std::string path(const std::string& name) const { return root_ + "/" + name; }
+  std::vector<std::string> names() const;
+
+  // Runs the tool inside the folder.
+  //
+  // fileLimit  what a file may grow to before a write fails, bytes; 0: no limit.
+  Outcome run(const std::vector<std::string>& arguments, uint64_t fileLimit = 0) const;
+
+ private:
+  std::string root_;
+};
+
+// The number behind a JSON object's "name": or behind a table's label.
+double numberAfter(const std::string& text, const std::string& label);
+
+}  // namespace nadir::test
