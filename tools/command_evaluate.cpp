@@ -18,7 +18,7 @@ namespace nadir::tool {
 namespace {
 
 struct Options {
-  std::string disparity, truth, errorMap;
+  std::string disparity, truth, errorMap, visible;
   double scale = 0, truthScale = 0, errorRange = 2;
   bool json = false;
 };
@@ -68,9 +68,19 @@ Bytes errorMap(const Grid<float>& disparity, const Grid<float>& truth, double ra
                              {"Software", software()}});
 }
 
+// Seen in a mirror the right picture is a left one.
+Grid<float> visible(Grid<float> truth, const std::string& grid) {
+  if (grid == "left") return visibleInRight(truth);
+  mirror(truth);
+  truth = visibleInRight(truth);
+  mirror(truth);
+  return truth;
+}
+
 void run(const Options& options) {
   const Grid<float> disparity = readDisparity(options.disparity, options.scale, 16);
-  const Grid<float> truth = readDisparity(options.truth, options.truthScale, 256);
+  Grid<float> truth = readDisparity(options.truth, options.truthScale, 256);
+  if (!options.visible.empty()) truth = visible(std::move(truth), options.visible);
   if (!sameSize(disparity, truth))
     throw Error(format("the disparity picture is %s pixels, the truth %s",
                        sizeText(disparity.width, disparity.height).c_str(),
@@ -101,6 +111,12 @@ void addEvaluateCommand(CLI::App& app) {
       ->check(CLI::PositiveNumber.description(""))
       ->type_name("N");
   command
+      ->add_option("--visible", options->visible,
+                   "Leave out the pixels that the other picture does not show, as far as the truth tells; VIEW is the "
+                   "picture that the truth belongs to, left or right (default: none are left out)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
+      ->type_name("VIEW");
+  command
       ->add_option("--error-map", options->errorMap,
                    "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
       ->type_name("FILE");
@@ -113,6 +129,7 @@ void addEvaluateCommand(CLI::App& app) {
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
       "pixels with both whose error exceeds N pixels; an error is disparity - truth. Examples:\n"
       "  nadir evaluate disparity.png disparity_gt.png\n"
+      "  nadir evaluate disparity.png disparity_gt.png --visible left\n"
       "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json");
   command->callback([options] { run(*options); });
 }

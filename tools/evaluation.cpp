@@ -51,7 +51,39 @@ Values absolutes(Values values) {
   return values;
 }
 
+// The largest truth that meets each right column, rounded.
+std::vector<float> nearestByRightColumn(const float* truth, uint32_t width) {
+  std::vector<float> nearest(width, 0.0f);
+  for (uint32_t x = 0; x < width; ++x) {
+    const float right = static_cast<float>(x) - truth[x];
+    if (!(right >= 0)) continue;
+    float& best = nearest[static_cast<size_t>(std::lround(right))];
+    best = std::max(best, truth[x]);
+  }
+  return nearest;
+}
+
+// A pixel between two right columns may be hidden at either, and rounding may have moved what hides it.
+bool isVisible(float truth, uint32_t x, const std::vector<float>& nearest) {
+  const float right = static_cast<float>(x) - truth;
+  if (!(right >= 0)) return false;
+  const auto column = static_cast<size_t>(std::lround(right));
+  const auto from = nearest.begin() + static_cast<std::ptrdiff_t>(column > 0 ? column - 1 : 0);
+  const auto to = nearest.begin() + static_cast<std::ptrdiff_t>(std::min(column + 2, nearest.size()));
+  return *std::max_element(from, to) <= truth + 1;
+}
+
 }  // namespace
+
+Grid<float> visibleInRight(const Grid<float>& truth) {
+  Grid<float> visible = truth;
+  for (uint32_t y = 0; y < truth.height; ++y) {
+    const std::vector<float> nearest = nearestByRightColumn(truth.row(y), truth.width);
+    for (uint32_t x = 0; x < truth.width; ++x)
+      if (!isVisible(truth.at(x, y), x, nearest)) visible.at(x, y) = std::nanf("");
+  }
+  return visible;
+}
 
 Grid<float> errors(const Grid<float>& disparity, const Grid<float>& truth) {
   Grid<float> errors(disparity.width, disparity.height);

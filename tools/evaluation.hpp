@@ -22,6 +22,10 @@ struct Evaluation {
   double rms = 0;
 };
 
+// The truth of a left picture without the pixels that the right one does not show: those left of its border and those
+// that a nearer one, by more than a pixel, hides. What hides must have a known truth itself.
+Grid<float> visibleInRight(const Grid<float>& truth);
+
 // Signed errors, NaN where there is no value or no truth.
 Grid<float> errors(const Grid<float>& disparity, const Grid<float>& truth);
 

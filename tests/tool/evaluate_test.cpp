@@ -76,6 +76,24 @@ TEST_F(Evaluate, NothingToCompareIsNull) {
   EXPECT_EQ(result.find("nan"), std::string::npos) << result;
 }
 
+// One row: the pixel at 7 has disparity 4 and hides the one at 5, whose 2 pixels lead to the same right column 3; those
+// at 0 and 1 lead out of the right picture.
+TEST_F(Evaluate, VisibleLeavesOutWhatTheOtherPictureDoesNotShow) {
+  const std::vector<uint16_t> known = {512, 512, 512, 512, 512, 512, 512, 1024, 1024, 1024};
+  for (const char* view : {"left", "right"}) {
+    Picture truth = picture(10, 1, 16, known);
+    if (view == std::string("right")) truth = mirrored(truth);
+    writePng(folder.path("t.png"), truth);
+    writePng(folder.path("d.png"), picture(10, 1, 16, std::vector<uint16_t>(10, 32)));
+    const std::string all = json(), visible = json({"--visible", view});
+    EXPECT_EQ(numberAfter(all, "\"truth_pixels\""), 10);
+    // Left: 2 and 3 reach the columns 0 and 1, which nothing nearer touches; 4 to 6 lie within a column of those of 7
+    // to 9.
+    EXPECT_EQ(numberAfter(visible, "\"truth_pixels\""), 5);
+    EXPECT_NEAR(numberAfter(visible, "\"mean\""), -2 * 3.0 / 5, 1e-9);
+  }
+}
+
 struct Colour {
   int r, g, b;
 };
