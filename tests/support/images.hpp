@@ -69,27 +69,6 @@ inline std::vector<uint32_t> typesOtherThan(std::initializer_list<uint32_t> admi
   return codes;
 }
 
-// Whole pages between guard pages. Mapping them costs more than most tests do: what one image gives back, the next
-// takes.
-using GuardedPages = Guarded<uint8_t>;
-inline std::map<size_t, std::vector<std::unique_ptr<GuardedPages>>>& sparePages() {
-  static std::map<size_t, std::vector<std::unique_ptr<GuardedPages>>> spare;
-  return spare;
-}
-struct GiveBack {
-  void operator()(GuardedPages* pages) const { sparePages()[pages->size()].emplace_back(pages); }
-};
-
-inline std::unique_ptr<GuardedPages, GiveBack> takePages(size_t bytes) {
-  const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-  const size_t whole = (bytes / page + 1) * page;
-  auto& spare = sparePages()[whole];
-  if (spare.empty()) spare.push_back(std::make_unique<GuardedPages>(whole));
-  std::unique_ptr<GuardedPages, GiveBack> taken(spare.back().release());
-  spare.pop_back();
-  return taken;
-}
-
 // An image that owns its pixels; they begin as 0. Call the library with it as if it were the descriptor's address.
 template <class T>
 class Image {
@@ -97,10 +76,9 @@ class Image {
   Image(uint32_t width, uint32_t height, Guard side = Guard::behind)
       : img{static_cast<uint16_t>(width), static_cast<uint16_t>(height), sizeof(T), typeOf<T>, nullptr},
         size_(size_t{width} * height),
-        pages_(takePages(size_ * sizeof(T))) {
-    img.data = side == Guard::before ? pages_->begin() : pages_->end() - size_ * sizeof(T);
-    first_ = static_cast<T*>(img.data);
-    std::fill_n(first_, size_, T{0});
+        pages_(std::make_unique<Guarded<T>>(size_, side)),
+        first_(pages_->data()) {
+    img.data = first_;
   }
   Image(uint32_t width, uint32_t height, const std::vector<T>& pixels, Guard side = Guard::behind)
       : Image(width, height, side) {
@@ -129,7 +107,7 @@ class Image {
 
  private:
   size_t size_;
-  std::unique_ptr<GuardedPages, GiveBack> pages_;
+  std::unique_ptr<Guarded<T>> pages_;
   T* first_;
 };
 

@@ -25,14 +25,10 @@ inline int32_t anyInteger(Random& random) {
   static const int32_t kEdges[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1, -65536, 65536,
                                    -46341,    46341,         -32768,    32767,         -1,     0};
   switch (random.below(4)) {
-    case 0:
-      return random.between(-4, 4);
-    case 1:
-      return kEdges[random.below(sizeof kEdges / sizeof kEdges[0])];
-    case 2:
-      return static_cast<int32_t>(random.next());
-    default:
-      return random.between(-2000, 2000);
+    case 0: return random.between(-4, 4);
+    case 1: return kEdges[random.below(sizeof kEdges / sizeof kEdges[0])];
+    case 2: return static_cast<int32_t>(random.next());
+    default: return random.between(-2000, 2000);
   }
 }
 
