@@ -24,6 +24,8 @@ target_link_libraries(nadir_library_flags INTERFACE nadir_flags)
 target_compile_options(nadir_library_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fvisibility-inlines-hidden>
   -fvisibility=hidden -ffunction-sections -fdata-sections -fno-math-errno)
+# gcc 12 for 32-bit ARM miscompiles MORPH_CLEAN with it (a lone value keeps its place); our loops gain nothing from it.
+nadir_flag_if_known(nadir_library_flags -fno-tree-slp-vectorize)
 nadir_flag_if_known(nadir_library_flags -fstack-protector-strong)
 nadir_flag_if_known(nadir_library_flags -fstack-clash-protection)
 nadir_flag_if_known(nadir_library_flags -fcf-protection=full)
