@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/support/camera_model.hpp"
 #include "tests/support/floats.hpp"
+#include "tests/support/models/camera.hpp"
 
 namespace nadir::test {
 namespace {

@@ -7,10 +7,10 @@
 #include <cstring>
 #include <string>
 
-#include "tests/support/camera_model.hpp"
 #include "tests/support/floats.hpp"
-#include "tests/support/geometry_model.hpp"
 #include "tests/support/guarded.hpp"
+#include "tests/support/models/camera.hpp"
+#include "tests/support/models/geometry.hpp"
 #include "tests/support/polygons.hpp"
 
 namespace nadir::test {

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <tuple>
 
-#include "tests/support/camera_model.hpp"
 #include "tests/support/floats.hpp"
 #include "tests/support/integers.hpp"
+#include "tests/support/models/camera.hpp"
 
 namespace nadir::test {
 namespace {

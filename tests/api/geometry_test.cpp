@@ -6,8 +6,8 @@
 #include <limits>
 
 #include "tests/support/floats.hpp"
-#include "tests/support/geometry_model.hpp"
 #include "tests/support/integers.hpp"
+#include "tests/support/models/geometry.hpp"
 
 namespace nadir::test {
 namespace {
@@ -702,6 +702,15 @@ TYPED_TEST(Rectangles, UnionOfTwoEmptyOnesLeavesTheResult) {
   TypeParam out = {11, 12, 13, 14};
   RectOps<TypeParam>::unite({1, 1, 1, 9}, {2, 2, 9, 2}, &out);
   EXPECT_EQ(sides(TypeParam{11, 12, 13, 14}), sides(out));
+}
+
+TYPED_TEST(Rectangles, UnionMayBeWrittenOverEitherOperand) {
+  TypeParam a = {0, 5, 2, 7}, b = {4, 1, 9, 3};
+  RectOps<TypeParam>::unite(a, b, &a);
+  EXPECT_EQ(sides(TypeParam{0, 1, 9, 7}), sides(a));
+  a = {0, 5, 2, 7};
+  RectOps<TypeParam>::unite(a, b, &b);
+  EXPECT_EQ(sides(TypeParam{0, 1, 9, 7}), sides(b));
 }
 
 TYPED_TEST(Rectangles, UnionUsesInvertedOnesAsTheyStand) {

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <vector>
 
-#include "tests/support/camera_model.hpp"
 #include "tests/support/floats.hpp"
 #include "tests/support/guarded.hpp"
+#include "tests/support/models/camera.hpp"
 
 namespace nadir::test {
 namespace {
@@ -280,6 +280,13 @@ TEST(Eigen2x2, TakesAnEntryJustAboveTheMachineEpsilonForItself) {
 }
 
 TEST(Eigen2x2, TakesANegativeEntryByItsMagnitude) { EXPECT_EQ((Floats{2, -1, 0, -1}), eigenOf({3, 0, -1, 1}).vectors); }
+
+TEST(Eigen2x2, MayBeWrittenOverTheMatrix) {
+  float matrix[4] = {2, 1, 1, 2}, values[2];
+  EXPECT_EQ(1u, IP_Alg_Eigen_2x2(matrix, values, matrix));
+  EXPECT_EQ((Floats{3, 1}), floats(values));
+  EXPECT_EQ((Floats{1, 1, -1, 1}), floats(matrix));
+}
 
 TEST(Eigen2x2, OfANaNIsNoFailure) {
   const Eigen e = eigenOf({NAN, 1, 1, 2});

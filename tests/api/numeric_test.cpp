@@ -100,6 +100,23 @@ TEST(Median, RefusesNullPointersAndNoValues) {
   EXPECT_EQ((Values{3, 2, 1}), Values(values, values + 3));
 }
 
+TEST(Median, RefusesMoreValuesThanItCanIndex) {
+  Values values(65537, 3);
+  values[0] = 9;
+  const Values before = values;
+  uint16_t median = 77;
+  EXPECT_EQ(0u, IP_Utl_Median_u16(values.data(), 65537, &median));
+  EXPECT_EQ(77, median);
+  EXPECT_TRUE(before == values);
+}
+
+TEST(Median, MayBeWrittenIntoTheValues) {
+  Values values = {4, 1, 3, 2, 5}, wanted = values;
+  wanted[4] = expectedSelection(wanted);
+  EXPECT_EQ(1u, IP_Utl_Median_u16(values.data(), 5, &values[4]));
+  EXPECT_EQ(wanted, values);
+}
+
 TEST(Median, OfEveryOrderOfSixValuesFollowsTheSelection) {
   Values order = {1, 2, 3, 4, 5, 6};
   do {
@@ -217,6 +234,12 @@ TEST(RadixSort, RefusesNullPointers) {
   EXPECT_EQ(0u, IP_Utl_RadixIdxSort(keys.data(), nullptr, 3, 0));
   EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 0, 0));
   EXPECT_EQ(Values(3, kUntouched), indices);
+}
+
+TEST(RadixSort, RefusesMoreKeysThanItCanIndex) {
+  const Order o = sortIndices(Values(65537, 3), 0);
+  EXPECT_EQ(0u, o.status);
+  EXPECT_TRUE(Values(65537, kUntouched) == o.indices);
 }
 
 TEST(RadixSort, OfNoKeysSucceedsAndWritesNothing) {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "tests/support/floats.hpp"
-#include "tests/support/geometry_model.hpp"
+#include "tests/support/models/geometry.hpp"
 #include "tests/support/polygons.hpp"
 
 namespace nadir::test {
