@@ -1,6 +1,7 @@
 #include "bench/work.hpp"
 
 #include "core/cpu.hpp"
+#include "tests/support/levels.hpp"
 
 namespace nadir::bench {
 
@@ -13,11 +14,8 @@ Works allWorks(const Scene& scene) {
 }
 
 std::vector<Level> levels() {
-  std::vector<Level> found = {{cpuName(cpuScalar), cpuScalar}};
-  for (unsigned bit : {cpuNeon, cpuSse41, cpuAvx2, cpuAvx512}) {
-    const unsigned set = found.back().cpu | bit;
-    if (cpu() & bit) found.push_back({cpuName(set), set});
-  }
+  std::vector<Level> found;
+  for (unsigned level : test::cumulativeLevels()) found.push_back({cpuName(level), level});
   return found;
 }
 

@@ -11,6 +11,7 @@
 
 #include "core/cpu.hpp"
 #include "tests/kernels/harness.hpp"
+#include "tests/support/levels.hpp"
 
 namespace nadir::test {
 namespace {
@@ -20,15 +21,6 @@ struct Options {
   uint64_t seed = 1;
   std::string only;
 };
-
-// The levels of this processor, lowest first, each with all below it.
-std::vector<unsigned> cumulativeLevels() {
-  std::vector<unsigned> levels = {cpuScalar};
-  for (unsigned bit : {cpuNeon, cpuSse41, cpuAvx2, cpuAvx512}) {
-    if (cpu() & bit) levels.push_back(levels.back() | bit);
-  }
-  return levels;
-}
 
 struct Variant {
   unsigned level;
