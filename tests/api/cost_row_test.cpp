@@ -161,13 +161,14 @@ TEST_P(CostRow, CodesOfTheTwoBorderColumnsDoNotCount) {
   Random random(3);
   Codes first = censusCodes(random, 75), ref = censusCodes(random, 75);
   const Bytes want = row(first, ref);
-  for (const size_t x : {0, 1, 73, 74}) first[x] = ref[x] = random.next();
+  for (const size_t x : {0u, 1u, 73u, 74u}) first[x] = ref[x] = random.next();
   EXPECT_TRUE(same(want, row(first, ref)));
 }
 
 TEST_P(CostRow, EveryCostOfCensusCodesIsAtMost24) {
   Random random(4);
-  const Bytes costs = row(censusCodes(random, 140), censusCodes(random, 140));
+  const Codes first = censusCodes(random, 140), ref = censusCodes(random, 140);
+  const Bytes costs = row(first, ref);
   EXPECT_LE(*std::max_element(costs.begin(), costs.end()), 24);
 }
 

@@ -352,7 +352,10 @@ TEST_P(PathCostRow, PadsKeepTheStartValue) {
   constexpr uint32_t width = 5, d = 32;
   Random random(dir());
   Pc pc(dir(), width, d);
-  for (int y = 0; y < 3; ++y) pathCosts(pc, random.values<uint8_t>(width * d, 256), random.values<uint8_t>(width, 256));
+  for (int y = 0; y < 3; ++y) {
+    const Bytes costs = random.values<uint8_t>(width * d, 256), p2 = random.values<uint8_t>(width, 256);
+    pathCosts(pc, costs, p2);
+  }
   for (const uint8_t* costs : {pc.record.costsA, pc.record.costsB}) {
     for (uint32_t slot = 0; slot < pc.record.costsSize; slot += d + 16) {
       EXPECT_TRUE(same(Bytes(16, kStartCost), bytesAt(costs + slot + d, 16))) << "slot at " << slot;

@@ -388,7 +388,8 @@ TEST_P(PeakCheck, EqualsTheModelForAnyCosts) {
   for (size_t count = 1; count <= 256; ++count) {
     Random random(count);
     for (const uint32_t bound : {3u, 40u, 256u}) {
-      expectModel(random.values<uint8_t>(count, bound), ratios[random.below(11)]);
+      const uint32_t ratio = ratios[random.below(11)];
+      expectModel(random.values<uint8_t>(count, bound), ratio);
     }
   }
 }

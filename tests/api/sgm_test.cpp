@@ -280,7 +280,8 @@ TEST(SgmComposition, OfGround) {
 TEST(SgmComposition, OfAnyCodesAndRatios) {
   Random random(12);
   for (int i = 0; i < 12; ++i) {
-    expectComposition(randomPair(5 + random.below(130), 1 + random.below(9), random.next()), random.next());
+    const uint32_t width = 5 + random.below(130), height = 1 + random.below(9), ratio = random.next();
+    expectComposition(randomPair(width, height, random.next()), ratio);
   }
 }
 

@@ -82,7 +82,8 @@ Hash rectangles() {
     Rect_s32 all{1, 2, 3, 4}, common{1, 2, 3, 4}, grown = a;
     IP_Geom_SetUnion_s32(&a, &b, &all);
     IP_Geom_SetIntersection_s32(&a, &b, &common);
-    IP_Geom_RectGrow_s32(&grown, any(), any());
+    const int32_t gx = any(), gy = any();
+    IP_Geom_RectGrow_s32(&grown, gx, gy);
     addRect(addRect(addRect(hash.add(IP_Geom_Intersects_s32(&a, &b)), all), common), grown);
     const auto anyU = [&] { return random.below(12); };
     const Rect_u32 c{anyU(), anyU(), anyU(), anyU()}, d{anyU(), anyU(), anyU(), anyU()};
