@@ -4,6 +4,9 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <string>
+#include <type_traits>
+#include <vector>
 
 #include "tests/support/floats.hpp"
 #include "tests/support/integers.hpp"
@@ -647,7 +650,13 @@ Rect anyRect(Random& random) {
 template <class Rect>
 class Rectangles : public testing::Test {};
 using RectTypes = testing::Types<Rect_s32, Rect_u32>;
-TYPED_TEST_SUITE(Rectangles, RectTypes);
+struct RectNames {
+  template <class Rect>
+  static std::string GetName(int) {
+    return std::is_same_v<Rect, Rect_s32> ? "Signed" : "Unsigned";
+  }
+};
+TYPED_TEST_SUITE(Rectangles, RectTypes, RectNames);
 
 TYPED_TEST(Rectangles, OverlapWhereTheyShareACell) {
   EXPECT_EQ(1, RectOps<TypeParam>::overlap({0, 0, 4, 4}, {3, 3, 9, 9}));
