@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <nadir/geometry.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 #include <vector>

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/floats.hpp"
 #include "tests/support/guarded.hpp"

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 #include <nadir/geometry.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/support/floats.hpp"
 #include "tests/support/models/geometry.hpp"
