@@ -58,20 +58,13 @@ std::string fullName(const CameraKey& key) { return (*key.table ? std::string(ke
 
 const char* typeName(const toml::node& node) {
   switch (node.type()) {
-    case toml::node_type::string:
-      return "a text";
-    case toml::node_type::boolean:
-      return "true or false";
-    case toml::node_type::array:
-      return "a list";
-    case toml::node_type::table:
-      return "a table";
-    case toml::node_type::floating_point:
-      return "a number with a fraction";
-    case toml::node_type::integer:
-      return "a whole number";
-    default:
-      return "a date or time";
+    case toml::node_type::string: return "a text";
+    case toml::node_type::boolean: return "true or false";
+    case toml::node_type::array: return "a list";
+    case toml::node_type::table: return "a table";
+    case toml::node_type::floating_point: return "a number with a fraction";
+    case toml::node_type::integer: return "a whole number";
+    default: return "a date or time";
   }
 }
 

@@ -19,4 +19,16 @@ TextChunks disparityTexts(unsigned scale, const std::string& grid) {
           {"Software", software()}};
 }
 
+TextChunks elevationTexts(double cellMm, double leftMm, double topMm) {
+  return {{chunks::units, elevationUnits},
+          {chunks::noValue, "0"},
+          {chunks::cell, format("%g", cellMm)},
+          {chunks::left, format("%.3f", leftMm)},
+          {chunks::top, format("%.3f", topMm)},
+          {"Description",
+           "Heights above the ground in mm, seen from above: 0 means unseen, seen cells are 1 to 65535 (what is lower "
+           "than 1 mm is 1). World x grows by nadir:cell-mm from column to column, world y from row to row."},
+          {"Software", software()}};
+}
+
 }  // namespace nadir::tool

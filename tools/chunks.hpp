@@ -1,4 +1,4 @@
-// The texts that a disparity picture carries, so that it can be read without asking where it came from.
+// The texts that a picture of measurements carries, so that it can be read without asking where it came from.
 #pragma once
 
 #include <string>
@@ -12,11 +12,23 @@ constexpr const char* scale = "nadir:scale";
 constexpr const char* noValue = "nadir:no-value";
 constexpr const char* units = "nadir:units";
 constexpr const char* grid = "nadir:grid";
+constexpr const char* cell = "nadir:cell-mm";
+constexpr const char* left = "nadir:left-mm";
+constexpr const char* top = "nadir:top-mm";
 }  // namespace chunks
+
+// What an elevation map's text nadir:units says; other pictures say something else.
+constexpr const char* elevationUnits = "mm";
 
 // scale  what 1 pixel of disparity is stored as.
 // grid   "left" or "right", the picture whose pixels the disparities belong to.
 TextChunks disparityTexts(unsigned scale, const std::string& grid);
+
+// Of an elevation map in mm.
+//
+// cellMm       the side of a cell.
+// leftMm, topMm  world x and y of the first cell's outer corner.
+TextChunks elevationTexts(double cellMm, double leftMm, double topMm);
 
 // Who made a file.
 std::string software();

@@ -9,11 +9,10 @@
 #include "chunks.hpp"
 #include "commands.hpp"
 #include "disparity_plot.hpp"
-#include "error.hpp"
 #include "files.hpp"
 #include "halve.hpp"
 #include "matching.hpp"
-#include "pictures.hpp"
+#include "pair_input.hpp"
 #include "png.hpp"
 #include "text.hpp"
 
@@ -28,30 +27,10 @@ struct Options {
   uint32_t uniqueness = MatchOptions().uniqueness;
 };
 
-void checkPair(const Options& options, const Pair& pair) {
-  if (!sameSize(pair.left, pair.right))
-    throw Error(format("the pictures differ in size: %s is %s pixels, %s is %s", options.left.c_str(),
-                       sizeText(pair.left.width, pair.left.height).c_str(), options.right.c_str(),
-                       sizeText(pair.right.width, pair.right.height).c_str()));
-  if (pair.left.width < 5 || pair.left.height < 5)
-    throw Error(format("the pictures are too small: %s pixels, the least is 5 x 5",
-                       sizeText(pair.left.width, pair.left.height).c_str()));
-}
-
-Pair readPair(const Options& options, StageTimes& times) {
-  Pair pair = times.measure("reading", [&] { return Pair{readIntensity(options.left), readIntensity(options.right)}; });
-  checkPair(options, pair);
+Pair readInputs(const Options& options, StageTimes& times) {
+  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
   if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
   return pair;
-}
-
-Grid<uint8_t> readMaskFor(const Options& options, const Pair& pair) {
-  if (options.mask.empty()) return {};
-  Grid<uint8_t> mask = readMask(options.mask);
-  if (!sameSize(mask, pair.left))
-    throw Error(format("the mask %s is %s pixels, the disparity picture %s", options.mask.c_str(),
-                       sizeText(mask.width, mask.height).c_str(), sizeText(pair.left.width, pair.left.height).c_str()));
-  return mask;
 }
 
 TextChunks texts(const Options& options) {
@@ -92,9 +71,9 @@ std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, c
 
 void run(const Options& options) {
   StageTimes times;
-  Pair pair = readPair(options, times);
+  Pair pair = readInputs(options, times);
   const MatchOptions settings{options.grid == "left" ? View::left : View::right, options.uniqueness,
-                              !options.noPostprocessing, readMaskFor(options, pair)};
+                              !options.noPostprocessing, readMaskFor(pair, options.mask)};
   const Match result = match(std::move(pair), settings, times);
   OutputFiles files;
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });

@@ -8,8 +8,10 @@ class App;
 
 namespace nadir::tool {
 
+void addCameraCommand(CLI::App& app);
 void addDisparityCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
+void addGroundCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
 void addSynthCommand(CLI::App& app);
 

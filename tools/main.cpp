@@ -37,6 +37,8 @@ int run(int argc, char** argv) {
   CLI::App app("Disparities from rectified stereo pairs: match, look at and judge them.");
   describe(app);
   addDisparityCommand(app);
+  addGroundCommand(app);
+  addCameraCommand(app);
   addEvaluateCommand(app);
   addPreviewCommand(app);
   addSynthCommand(app);

@@ -1,0 +1,29 @@
+// Drawing on a colour picture: filled rectangles, small text, the places of an axis' ticks.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "grid.hpp"
+#include "png.hpp"
+
+namespace nadir::tool {
+
+constexpr Rgb white{255, 255, 255};
+constexpr Rgb black{0, 0, 0};
+
+constexpr uint32_t textHeight = 8;
+
+struct Rect {
+  uint32_t left, top, width, height;
+};
+
+// What lies outside the picture is left out.
+void fill(Grid<Rgb>& picture, const Rect& rect, Rgb colour);
+void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text);
+uint32_t textWidth(std::string text);
+
+// Round numbers from low to high, at least `distance` pixels apart on an axis of `pixels`.
+std::vector<double> tickValues(double low, double high, uint32_t pixels, double distance);
+
+}  // namespace nadir::tool

@@ -1,0 +1,39 @@
+// Heights above the ground on the map's cells.
+#pragma once
+
+#include <nadir/nadir.h>
+
+#include "camera_file.hpp"
+#include "grid.hpp"
+#include "world_points.hpp"
+
+namespace nadir::tool {
+
+// Where the cells lie.
+struct MapFrame {
+  ElevMapParams cells;
+  Point_f32 corner;  // world x and y of cell (0, 0)'s outer corner, mm: the smallest of the map
+};
+
+MapFrame mapFrame(const StereoCtx& context, const Camera& camera);
+
+// A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
+constexpr double lowestStoredMm = 1;
+constexpr double highestStoredMm = 65535;
+uint16_t storedHeight(double mm);
+
+struct CellRule {
+  double percentile = 90;  // of a cell's points in order of height: more than 0, to 100 (the highest)
+  uint32_t minPoints = 1;  // cells with fewer stay unseen
+};
+
+struct ElevationMap {
+  Grid<uint16_t> heights;   // mm, 0 for unseen
+  size_t pointsInside = 0;  // of the points, those over a cell
+};
+
+// groundZ  world z of the ground: the camera's height.
+ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,
+                          const CellRule& rule);
+
+}  // namespace nadir::tool
