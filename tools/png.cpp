@@ -213,6 +213,11 @@ bool isPng(const Bytes& bytes) {
 
 Raster decodePng(const Bytes& bytes) { return Reader(bytes).read(); }
 
+Bytes encodePng(const Grid<uint8_t>& picture, const TextChunks& text) {
+  Bytes samples(picture.pixels.begin(), picture.pixels.end());
+  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 8, text);
+}
+
 Bytes encodePng(const Grid<uint16_t>& picture, const TextChunks& text) {
   Bytes samples;
   samples.reserve(picture.pixels.size() * 2);

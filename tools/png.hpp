@@ -17,6 +17,7 @@ bool isPng(const Bytes& bytes);
 // a sentence that names the file.
 Raster decodePng(const Bytes& bytes);
 
+Bytes encodePng(const Grid<uint8_t>& picture, const TextChunks& text);
 Bytes encodePng(const Grid<uint16_t>& picture, const TextChunks& text);
 Bytes encodePng(const Grid<Rgb>& picture, const TextChunks& text);
 
