@@ -15,7 +15,7 @@ enum class Side { left, right };
 
 struct CameraSettings {
   uint32_t width = 640, height = 480;  // pixels
-  double baseline = 150;               // mm, between the two centres
+  double baseline = 130;               // mm, between the two centres
   double focal = 500;                  // pixels
   double mountingHeight = 3000;        // mm, of the reference camera above the ground
   double tilt = -30;                   // degrees; negative raises the optical axis towards the picture's upper edge

@@ -12,7 +12,8 @@ namespace {
 class Builder {
  public:
   Builder(const Rig& rig, const std::string& name, uint64_t seed) : view_(rig.view(rig.reference)), random_(seed) {
-    scene_ = {name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, random_.bits(), "ground", {}}}};
+    scene_ = {
+        name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, random_.bits(), "ground", {}}}};
   }
 
   Scene take() { return std::move(scene_); }
@@ -97,23 +98,24 @@ void people(Builder& b) {
   struct Row {
     double across, down, radius, height;
   };
-  static constexpr Row rows[] = {{0.30, 0.55, 230, 1780}, {0.52, 0.78, 220, 1660}, {0.72, 0.60, 240, 1850},
-                                 {0.60, 0.45, 160, 1150}, {0.15, 0.40, 230, 1720}, {0.86, 0.35, 220, 1700}};
+  static constexpr Row rows[] = {{0.32, 0.76, 230, 1780}, {0.52, 0.92, 220, 1660}, {0.68, 0.72, 240, 1850},
+                                 {0.55, 0.62, 160, 1150}, {0.34, 0.50, 230, 1720}, {0.66, 0.50, 220, 1700}};
   for (const Row& r : rows) {
     b.nextRegion();
     b.capsule(b.nearby(r.across, r.down, 0), r.radius, r.height + b.jitter(40));
   }
 }
 
+// The treads share their far edge; each is a little less deep than the one below it.
 void steps(Builder& b) {
-  const Site foot = b.site(0.38, 0.60, b.jitter(3));
+  const Site back = b.site(0.36 + b.jitter(0.02), 0.30 + b.jitter(0.02));
   for (int tread = 0; tread < 4; ++tread) {
     b.nextRegion();
-    const double height = 170 * (tread + 1), depth = 320 * (4 - tread) + 600;
-    b.step({foot.x, foot.y - b.scaled(depth / 2), foot.groundZ, foot.degrees}, scaled(b, 1600, depth, height));
+    const double height = 170 * (tread + 1), depth = 320 * (4 - tread) + 280;
+    b.step({back.x, back.y + b.scaled(depth / 2), back.groundZ, back.degrees}, scaled(b, 1600, depth, height));
   }
   b.nextRegion();
-  b.step(b.nearby(0.82, 0.65, 0), scaled(b, 900, 1400, 120));
+  b.step(b.nearby(0.80, 0.65, 0), scaled(b, 900, 1400, 120));
 }
 
 void slope(Builder& b) {

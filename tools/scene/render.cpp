@@ -39,7 +39,7 @@ double intensity(const Objects& objects, const View& view, const Ray& ray) {
   const Sight sight = firstSeen(objects, ray);
   if (!sight.object) return skyIntensity;
   const double pattern = texture(sight.object->pattern, ray.at(sight.hit.distance), sight.hit.distance / view.focal);
-  return 1700 * sight.object->brightness * shading(sight.hit.normal) * (1 + 1.5 * pattern);
+  return 1700 * sight.object->brightness * shading(sight.hit.normal) * (1 + 0.9 * pattern);
 }
 
 // 2 x 2 rays, spread evenly over the pixel's area.
