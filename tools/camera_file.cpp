@@ -27,8 +27,6 @@ std::string shortest(double value) {
   return std::string(digits, end);
 }
 
-bool isCount(const CameraKey& key) { return std::holds_alternative<uint32_t Camera::*>(key.member); }
-
 // ---- reading ----
 
 class Mistakes {
@@ -156,6 +154,8 @@ const std::vector<CameraKey>& cameraKeys() {
   };
   return keys;
 }
+
+bool isCount(const CameraKey& key) { return std::holds_alternative<uint32_t Camera::*>(key.member); }
 
 bool isKnown(const Camera& camera, const CameraKey& key) {
   const double value = valueOf(camera, key);

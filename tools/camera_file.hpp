@@ -52,6 +52,9 @@ struct CameraKey {
 // In the file's order.
 const std::vector<CameraKey>& cameraKeys();
 
+// A whole number.
+bool isCount(const CameraKey& key);
+
 bool isKnown(const Camera& camera, const CameraKey& key);
 double valueOf(const Camera& camera, const CameraKey& key);
 void setValue(Camera& camera, const CameraKey& key, double value);

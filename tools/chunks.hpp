@@ -20,6 +20,10 @@ constexpr const char* top = "nadir:top-mm";
 // What an elevation map's text nadir:units says; other pictures say something else.
 constexpr const char* elevationUnits = "mm";
 
+// A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
+constexpr float lowestStoredMm = 1;
+constexpr float highestStoredMm = 65535;
+
 // scale  what 1 pixel of disparity is stored as.
 // grid   "left" or "right", the picture whose pixels the disparities belong to.
 TextChunks disparityTexts(unsigned scale, const std::string& grid);

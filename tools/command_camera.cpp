@@ -77,7 +77,8 @@ std::string report(const ImportedCamera& imported, const std::string& output) {
   Table table;
   table.heading("taken", "");
   for (const CameraKey& key : cameraKeys())
-    if (isKnown(imported.camera, key)) table.line(key.name, valueOf(imported.camera, key), originOf(imported, key), 3);
+    if (isKnown(imported.camera, key))
+      table.line(key.name, valueOf(imported.camera, key), originOf(imported, key), isCount(key) ? 0 : 3);
   std::string text = table.text(), missing;
   for (const CameraKey& key : cameraKeys())
     if (!isKnown(imported.camera, key)) missing += format("  %s: %s\n", key.name, key.meaning);
@@ -100,9 +101,8 @@ void run(const Options& options) {
 
 void addKeyOption(CLI::App& command, const CameraKey& key, std::optional<double>& value) {
   CLI::Option* option = command.add_option(optionName(key), value, key.meaning)->group("Keys of the camera file");
-  const bool whole = std::holds_alternative<uint32_t Camera::*>(key.member);
-  option->type_name(whole ? "N" : "NUMBER");
-  if (whole) option->check(CLI::TypeValidator<uint32_t>("").description(""));
+  option->type_name(isCount(key) ? "N" : "NUMBER");
+  if (isCount(key)) option->check(CLI::TypeValidator<uint32_t>("").description(""));
 }
 
 }  // namespace

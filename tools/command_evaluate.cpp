@@ -7,6 +7,7 @@
 #include "commands.hpp"
 #include "error.hpp"
 #include "evaluation.hpp"
+#include "evaluation_report.hpp"
 #include "files.hpp"
 #include "pictures.hpp"
 #include "plot.hpp"
@@ -18,54 +19,33 @@ namespace nadir::tool {
 namespace {
 
 struct Options {
-  std::string disparity, truth, errorMap, visible;
-  double scale = 0, truthScale = 0, errorRange = 2;
-  bool json = false;
+  std::string input, truth, errorMap, visible;
+  double scale = 0, truthScale = 0, errorRange = 0;
+  bool heights = false, json = false;
 };
 
-std::string table(const Evaluation& e, const Grid<float>& truth) {
-  const double share =
-      e.pixels == 0 ? std::nan("") : 100.0 * static_cast<double>(e.truth) / static_cast<double>(e.pixels);
-  Table table;
-  table.heading("pixels, " + sizeText(truth.width, truth.height), "");
-  table.line("truth known", share, "% of all pixels", 2);
-  table.line("density", 100 * e.density, "% of the pixels with truth have a value", 2);
-  table.line("bad-0.5", 100 * e.bad05, "% of the pixels with both are off by more than 0.5 pixel", 2);
-  table.line("bad-1", 100 * e.bad1, "% ... by more than 1 pixel", 2);
-  table.line("bad-2", 100 * e.bad2, "% ... by more than 2 pixels", 2);
-  table.gap();
-  table.heading("error, disparity - truth", "");
-  table.line("mean (bias)", e.mean, "pixels", 3);
-  table.line("median", e.median, "pixels", 3);
-  table.line("mean absolute", e.meanAbsolute, "pixels", 3);
-  table.line("median absolute", e.medianAbsolute, "pixels", 3);
-  table.line("root mean square", e.rms, "pixels", 3);
-  return table.text();
+Bytes errorMap(const Grid<float>& values, const Grid<float>& truth, double range, const char* unit) {
+  const Grid<Rgb> picture = plot(errors(values, truth), {-range, range, blueRed, unit});
+  return encodePng(picture,
+                   {{"Description", format("Value - truth in %s, coloured; grey: no value or no truth.", unit)},
+                    {"Software", software()}});
 }
 
-// JSON has no NaN.
-std::string jsonNumber(double value) { return std::isnan(value) ? "null" : format("%.9g", value); }
-
-std::string json(const Evaluation& e) {
-  std::string text = format("{\n  \"pixels\": %zu,\n  \"truth_pixels\": %zu,\n  \"compared_pixels\": %zu", e.pixels,
-                            e.truth, e.compared);
-  const std::pair<const char*, double> numbers[] = {{"density", e.density},
-                                                    {"bad_0.5", e.bad05},
-                                                    {"bad_1", e.bad1},
-                                                    {"bad_2", e.bad2},
-                                                    {"mean", e.mean},
-                                                    {"median", e.median},
-                                                    {"mean_absolute", e.meanAbsolute},
-                                                    {"median_absolute", e.medianAbsolute},
-                                                    {"rms", e.rms}};
-  for (const auto& [name, value] : numbers) text += format(",\n  \"%s\": %s", name, jsonNumber(value).c_str());
-  return text + "\n}\n";
+template <class Value>
+void checkSize(const Grid<Value>& values, const Grid<Value>& truth, const char* name) {
+  if (!sameSize(values, truth))
+    throw Error(format("the %s is %s pixels, the truth %s", name, sizeText(values.width, values.height).c_str(),
+                       sizeText(truth.width, truth.height).c_str()));
 }
 
-Bytes errorMap(const Grid<float>& disparity, const Grid<float>& truth, double range) {
-  const Grid<Rgb> picture = plot(errors(disparity, truth), {-range, range, blueRed, "pixels"});
-  return encodePng(picture, {{"Description", "Disparity - truth in pixels, coloured; grey: no value or no truth."},
-                             {"Software", software()}});
+// Only where both say where they lie.
+void checkPlace(const HeightPicture& map, const HeightPicture& truth) {
+  const auto differ = [](double a, double b) { return std::abs(a - b) > 0.5; };
+  if (differ(map.cellMm, truth.cellMm) || differ(map.leftMm, truth.leftMm) || differ(map.topMm, truth.topMm))
+    throw Error(
+        format("the elevation map begins at %.1f, %.1f mm with cells of %g mm, the truth at %.1f, %.1f mm with "
+               "cells of %g mm",
+               map.leftMm, map.topMm, map.cellMm, truth.leftMm, truth.topMm, truth.cellMm));
 }
 
 // Seen in a mirror the right picture is a left one.
@@ -77,18 +57,39 @@ Grid<float> visible(Grid<float> truth, const std::string& grid) {
   return truth;
 }
 
+struct Compared {
+  Grid<float> values, truth;
+};
+
+Compared readDisparities(const Options& options) {
+  Compared c{readDisparity(options.input, options.scale, 16), readDisparity(options.truth, options.truthScale, 256)};
+  checkSize(c.values, c.truth, "disparity picture");
+  if (!options.visible.empty()) c.truth = visible(std::move(c.truth), options.visible);
+  return c;
+}
+
+Compared readMaps(const Options& options) {
+  HeightPicture map = readHeights(options.input), truth = readHeights(options.truth);
+  checkSize(map.heights, truth.heights, "elevation map");
+  checkPlace(map, truth);
+  return {std::move(map.heights), std::move(truth.heights)};
+}
+
+std::string report(const Compared& c, bool heights, bool json) {
+  const Evaluation e = evaluate(c.values, c.truth);
+  const std::string size = sizeText(c.truth.width, c.truth.height);
+  if (heights) return json ? heightJson(e) : heightTable(e, size);
+  return json ? disparityJson(e) : disparityTable(e, size);
+}
+
 void run(const Options& options) {
-  const Grid<float> disparity = readDisparity(options.disparity, options.scale, 16);
-  Grid<float> truth = readDisparity(options.truth, options.truthScale, 256);
-  if (!options.visible.empty()) truth = visible(std::move(truth), options.visible);
-  if (!sameSize(disparity, truth))
-    throw Error(format("the disparity picture is %s pixels, the truth %s",
-                       sizeText(disparity.width, disparity.height).c_str(),
-                       sizeText(truth.width, truth.height).c_str()));
+  const bool heights = options.heights || isElevationMap(options.input);
+  const Compared compared = heights ? readMaps(options) : readDisparities(options);
+  const double range = options.errorRange > 0 ? options.errorRange : heights ? 100 : 2;
   OutputFiles files;
-  if (!options.errorMap.empty()) files.write(options.errorMap, errorMap(disparity, truth, options.errorRange));
-  const Evaluation evaluation = evaluate(disparity, truth);
-  print(options.json ? json(evaluation) : table(evaluation, truth));
+  if (!options.errorMap.empty())
+    files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
+  print(report(compared, heights, options.json));
   files.commit();
 }
 
@@ -96,8 +97,11 @@ void run(const Options& options) {
 
 void addEvaluateCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("evaluate", "Compare a disparity picture with the truth.");
-  command->add_option("DISPARITY", options->disparity, "16-bit grey PNG of disparities, 0 for none")->required();
+  CLI::App* command = app.add_subcommand("evaluate", "Compare a disparity picture or an elevation map with the truth.");
+  command
+      ->add_option("PICTURE", options->input,
+                   "16-bit grey PNG of disparities, 0 for none; or of heights in mm, as nadir ground writes it")
+      ->required();
   command->add_option("TRUTH", options->truth, "The same of the true ones, of equal size and on the same view's grid")
       ->required();
   command
@@ -111,9 +115,10 @@ void addEvaluateCommand(CLI::App& app) {
       ->check(CLI::PositiveNumber.description(""))
       ->type_name("N");
   command
-      ->add_option("--visible", options->visible,
-                   "Leave out the pixels that the other picture does not show, as far as the truth tells; VIEW is the "
-                   "picture that the truth belongs to, left or right (default: none are left out)")
+      ->add_option(
+          "--visible", options->visible,
+          "Of disparities leave out those that the other picture does not show, as far as the truth tells; VIEW is the "
+          "picture that the truth belongs to, left or right (default: none are left out)")
       ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
   command
@@ -121,16 +126,21 @@ void addEvaluateCommand(CLI::App& app) {
                    "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
       ->type_name("FILE");
   command
-      ->add_option("--error-range", options->errorRange, "Error at the ends of the map's colours, pixels (default: 2)")
+      ->add_option("--error-range", options->errorRange,
+                   "Error at the ends of the map's colours (default: 2 pixels, 100 mm)")
       ->check(CLI::PositiveNumber.description(""))
       ->type_name("N");
-  command->add_flag("--json", options->json, "Print a JSON object; shares are fractions of 1, errors in pixels");
+  command->add_flag("--heights", options->heights,
+                    "Take both pictures for elevation maps in mm (default: where the first one says so itself)");
+  command->add_flag("--json", options->json, "Print a JSON object; shares are fractions of 1, errors in pixels or mm");
   command->footer(
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
-      "pixels with both whose error exceeds N pixels; an error is disparity - truth. Examples:\n"
+      "pixels with both whose error exceeds N pixels; an error is disparity - truth. Heights below 1 mm count as\n"
+      "1 mm in both maps, because seen cells of a map store at least that. Examples:\n"
       "  nadir evaluate disparity.png disparity_gt.png\n"
       "  nadir evaluate disparity.png disparity_gt.png --visible left\n"
-      "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json");
+      "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json\n"
+      "  nadir evaluate result/elevation.png elevation_gt.png");
   command->callback([options] { run(*options); });
 }
 

@@ -6,10 +6,12 @@
 
 #include "chunks.hpp"
 #include "commands.hpp"
+#include "disparity_plot.hpp"
 #include "error.hpp"
 #include "ground_report.hpp"
 #include "map_plot.hpp"
 #include "pair_input.hpp"
+#include "pictures.hpp"
 #include "ply.hpp"
 #include "png.hpp"
 
@@ -18,7 +20,7 @@ namespace nadir::tool {
 namespace {
 
 struct Options {
-  std::string left, right, camera, folder, mask;
+  std::string left, right, camera, folder, mask, disparity;
   std::string grid = "left";
   bool noPostprocessing = false;
   uint32_t uniqueness = MatchOptions().uniqueness;
@@ -32,20 +34,22 @@ void checkSize(const Pair& pair, const Camera& camera, const Options& options) {
                      sizeText(camera.widthPx, camera.heightPx).c_str()));
 }
 
-GroundResult work(const Options& options, StageTimes& times) {
-  GroundResult r;
-  r.camera = readCamera(options.camera);
-  r.view = options.grid == "left" ? View::left : View::right;
-  r.rule = options.rule;
-  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
-  checkSize(pair, r.camera, options);
-  const Grid<uint16_t> picture = r.view == View::left ? pair.left : pair.right;
+Grid<uint16_t> matched(const Options& options, View view, Pair pair, StageTimes& times) {
+  const MatchOptions settings{view, options.uniqueness, !options.noPostprocessing, readMaskFor(pair, options.mask)};
+  return match(std::move(pair), settings, times).disparity;
+}
 
-  const MatchOptions settings{r.view, options.uniqueness, !options.noPostprocessing, readMaskFor(pair, options.mask)};
-  Match found = match(std::move(pair), settings, times);
-  r.disparity = std::move(found.disparity);
-  r.pixels = found.counts;
+Grid<float> givenDisparities(const Options& options, const Pair& pair) {
+  Grid<float> disparity = readDisparity(options.disparity, 0, SGM_DISP_SCALE);
+  if (!sameSize(disparity, pair.left))
+    throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
+                       sizeText(disparity.width, disparity.height).c_str(),
+                       sizeText(pair.left.width, pair.left.height).c_str()));
+  return disparity;
+}
 
+// From disparities to heights.
+void measure(GroundResult& r, const Grid<uint16_t>& picture, StageTimes& times) {
   const StereoCtx context = stereoContext(r.camera, r.view);
   const auto shift = static_cast<float>(r.camera.columnShiftPx);
   r.points = times.measure("world points", [&] { return worldPoints(r.disparity, picture, context, shift); });
@@ -53,6 +57,22 @@ GroundResult work(const Options& options, StageTimes& times) {
   r.map = times.measure("elevation map",
                         [&] { return elevationMap(r.points, r.frame, context.orientation.height, r.rule); });
   r.plane = times.measure("ground plane", [&] { return fitGroundPlane(r.points, context); });
+}
+
+GroundResult work(const Options& options, StageTimes& times) {
+  GroundResult r;
+  r.camera = readCamera(options.camera);
+  r.view = options.grid == "left" ? View::left : View::right;
+  r.rule = options.rule;
+  const Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  checkSize(pair, r.camera, options);
+  if (options.disparity.empty()) {
+    r.matched = matched(options, r.view, pair, times);
+    r.disparity = inPixels(r.matched, SGM_DISP_SCALE);
+  } else {
+    r.disparity = givenDisparities(options, pair);
+  }
+  measure(r, r.view == View::left ? pair.left : pair.right, times);
   return r;
 }
 
@@ -65,8 +85,8 @@ TextChunks mapTexts(const GroundResult& r) {
 void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles& files) {
   const std::string summary = groundJson(r);
   files.makeFolder(folder);
-  files.write(folder + "/disparity.png",
-              encodePng(r.disparity, disparityTexts(SGM_DISP_SCALE, r.view == View::left ? "left" : "right")));
+  if (!r.matched.pixels.empty())
+    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, nameOf(r.view))));
   files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r)));
   files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
   files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));
@@ -112,6 +132,12 @@ void addMapOptions(CLI::App& command, Options& options) {
 }
 
 void addMatchOptions(CLI::App& command, Options& options) {
+  CLI::Option* given =
+      command
+          .add_option("--disparity", options.disparity,
+                      "Do not match: take these disparities of the view (as nadir disparity writes them; the file's "
+                      "text nadir:scale tells what a pixel is stored as, 16 where it has none)")
+          ->type_name("FILE");
   command
       .add_option("--grid", options.grid,
                   "View that is measured, left or right; its camera is the world's origin (default: left)")
@@ -121,13 +147,17 @@ void addMatchOptions(CLI::App& command, Options& options) {
       .add_option("--uniqueness", options.uniqueness,
                   format("As for nadir disparity, 0 to 128 (default: %u)", options.uniqueness))
       ->check(CLI::Range(0, 128).description(""))
+      ->excludes(given)
       ->type_name("N");
   command
       .add_option("--mask", options.mask,
                   "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
+      ->excludes(given)
       ->type_name("FILE");
-  command.add_flag("--raw,--no-postproc", options.noPostprocessing,
-                   "Leave out the 3x3 median and the removal and filling of single pixels");
+  command
+      .add_flag("--raw,--no-postproc", options.noPostprocessing,
+                "Leave out the 3x3 median and the removal and filling of single pixels")
+      ->excludes(given);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <tuple>
 
+#include "chunks.hpp"
+
 namespace nadir::tool {
 
 namespace {
@@ -48,7 +50,7 @@ MapFrame mapFrame(const StereoCtx& context, const Camera& camera) {
 }
 
 uint16_t storedHeight(double mm) {
-  return static_cast<uint16_t>(std::clamp(std::floor(mm + 0.5), lowestStoredMm, highestStoredMm));
+  return static_cast<uint16_t>(std::clamp<double>(std::floor(mm + 0.5), lowestStoredMm, highestStoredMm));
 }
 
 ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,

@@ -17,9 +17,7 @@ struct MapFrame {
 
 MapFrame mapFrame(const StereoCtx& context, const Camera& camera);
 
-// A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
-constexpr double lowestStoredMm = 1;
-constexpr double highestStoredMm = 65535;
+// Rounded into the range that a seen cell can have.
 uint16_t storedHeight(double mm);
 
 struct CellRule {

@@ -28,13 +28,15 @@ double median(Values values) {
   return (values[(n - 1) / 2] + values[n / 2]) / 2;
 }
 
-double shareAbove(const Values& values, double limit) {
-  return mean(values, [limit](double v) { return std::abs(v) > limit ? 1.0 : 0.0; });
+// The smallest value that `percent` percent of the values do not exceed.
+double percentile(Values values, size_t percent) {
+  if (values.empty()) return unknown;
+  std::sort(values.begin(), values.end());
+  return values[(values.size() * percent + 99) / 100 - 1];
 }
 
-size_t countKnown(const Grid<float>& grid) {
-  return static_cast<size_t>(
-      std::count_if(grid.pixels.begin(), grid.pixels.end(), [](float v) { return !std::isnan(v); }));
+double shareAbove(const Values& values, double limit) {
+  return mean(values, [limit](double v) { return std::abs(v) > limit ? 1.0 : 0.0; });
 }
 
 Values known(const Grid<float>& grid) {
@@ -85,14 +87,19 @@ Grid<float> visibleInRight(const Grid<float>& truth) {
   return visible;
 }
 
-Grid<float> errors(const Grid<float>& disparity, const Grid<float>& truth) {
-  Grid<float> errors(disparity.width, disparity.height);
-  for (size_t i = 0; i < errors.pixels.size(); ++i) errors.pixels[i] = disparity.pixels[i] - truth.pixels[i];
+size_t countKnown(const Grid<float>& grid) {
+  return static_cast<size_t>(
+      std::count_if(grid.pixels.begin(), grid.pixels.end(), [](float v) { return !std::isnan(v); }));
+}
+
+Grid<float> errors(const Grid<float>& values, const Grid<float>& truth) {
+  Grid<float> errors(values.width, values.height);
+  for (size_t i = 0; i < errors.pixels.size(); ++i) errors.pixels[i] = values.pixels[i] - truth.pixels[i];
   return errors;
 }
 
-Evaluation evaluate(const Grid<float>& disparity, const Grid<float>& truth) {
-  const Values error = known(errors(disparity, truth));
+Evaluation evaluate(const Grid<float>& values, const Grid<float>& truth) {
+  const Values error = known(errors(values, truth));
   Evaluation e;
   e.pixels = truth.pixels.size();
   e.truth = countKnown(truth);
@@ -105,6 +112,7 @@ Evaluation evaluate(const Grid<float>& disparity, const Grid<float>& truth) {
   e.median = median(error);
   e.meanAbsolute = mean(error, absolute);
   e.medianAbsolute = median(absolutes(error));
+  e.percentile95 = percentile(absolutes(error), 95);
   e.rms = std::sqrt(mean(error, [](double v) { return v * v; }));
   return e;
 }

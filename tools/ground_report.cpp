@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "chunks.hpp"
+#include "evaluation.hpp"
 
 namespace nadir::tool {
 
@@ -34,7 +35,10 @@ Json rounded(double value) { return std::isfinite(value) ? Json(std::round(value
 
 Json cameraJson(const Camera& camera) {
   Json json;
-  for (const CameraKey& key : cameraKeys()) (*key.table ? json[key.table] : json)[key.name] = valueOf(camera, key);
+  for (const CameraKey& key : cameraKeys()) {
+    const double value = valueOf(camera, key);
+    (*key.table ? json[key.table] : json)[key.name] = isCount(key) ? Json(static_cast<uint32_t>(value)) : Json(value);
+  }
   return json;
 }
 
@@ -86,6 +90,8 @@ void addPlane(Table& table, const GroundResult& result) {
 
 }  // namespace
 
+const char* nameOf(View view) { return view == View::left ? "left" : "right"; }
+
 std::string groundTable(const GroundResult& result, const StageTimes& times) {
   const Heights heights = heightsOf(result.map.heights);
   const size_t cells = result.map.heights.pixels.size();
@@ -93,8 +99,7 @@ std::string groundTable(const GroundResult& result, const StageTimes& times) {
   table.heading("stage", "time");
   times.addTo(table);
   table.gap();
-  table.heading("pixels with a disparity",
-                format("%.1f  %%", 100 * share(result.pixels.value, result.disparity.pixels.size())));
+  table.line("pixels with a disparity", 100 * share(countKnown(result.disparity), result.disparity.pixels.size()), "%");
   table.line("points over the map", 100 * share(result.map.pointsInside, result.points.size()), "%");
   table.line("seen cells of " + sizeText(result.map.heights.width, result.map.heights.height),
              100 * share(heights.seen, cells), "%");
@@ -104,17 +109,15 @@ std::string groundTable(const GroundResult& result, const StageTimes& times) {
 }
 
 std::string groundJson(const GroundResult& result) {
-  const size_t pixels = result.disparity.pixels.size();
-  const Json json = {{"software", software()},
-                     {"camera", cameraJson(result.camera)},
-                     {"view", result.view == View::left ? "left" : "right"},
-                     {"disparity",
-                      {{"pixels", pixels},
-                       {"with_value", result.pixels.value},
-                       {"share", rounded(share(result.pixels.value, pixels))}}},
-                     {"points", result.points.size()},
-                     {"map", mapJson(result)},
-                     {"ground_plane", planeJson(result.plane, result.points.size())}};
+  const size_t pixels = result.disparity.pixels.size(), known = countKnown(result.disparity);
+  const Json json = {
+      {"software", software()},
+      {"camera", cameraJson(result.camera)},
+      {"view", nameOf(result.view)},
+      {"disparity", {{"pixels", pixels}, {"with_value", known}, {"share", rounded(share(known, pixels))}}},
+      {"points", result.points.size()},
+      {"map", mapJson(result)},
+      {"ground_plane", planeJson(result.plane, result.points.size())}};
   return json.dump(2) + "\n";
 }
 

@@ -33,9 +33,15 @@ uint32_t luminance(const uint16_t* rgb, uint32_t factor) {
   return ((299u * rgb[0] + 587u * rgb[1] + 114u * rgb[2]) * factor + 500) / 1000;
 }
 
-double ownScale(const Raster& raster, double fallback) {
-  const auto found = raster.text.find(chunks::scale);
+double ownNumber(const Raster& raster, const char* name, double fallback) {
+  const auto found = raster.text.find(name);
   return found == raster.text.end() ? fallback : std::strtod(found->second.c_str(), nullptr);
+}
+
+Raster readMeasurements(const std::string& path, const char* what) {
+  Raster raster = readRaster(path);
+  if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of " + what);
+  return raster;
 }
 
 }  // namespace
@@ -68,14 +74,31 @@ Grid<uint8_t> readMask(const std::string& path) {
 }
 
 Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
-  const Raster raster = readRaster(path);
-  if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of disparities");
-  const double divisor = scale > 0 ? scale : ownScale(raster, fallback);
+  const Raster raster = readMeasurements(path, "disparities");
+  const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
   if (!(divisor > 0)) throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number");
   Grid<float> disparity(raster.width, raster.height, std::nanf(""));
   for (size_t i = 0; i < raster.samples.size(); ++i)
     if (raster.samples[i] != 0) disparity.pixels[i] = static_cast<float>(raster.samples[i] / divisor);
   return disparity;
+}
+
+bool isElevationMap(const std::string& path) {
+  const Raster raster = readRaster(path);
+  const auto units = raster.text.find(chunks::units);
+  return units != raster.text.end() && units->second == elevationUnits;
+}
+
+HeightPicture readHeights(const std::string& path) {
+  const Raster raster = readMeasurements(path, "heights");
+  const double none = ownNumber(raster, chunks::noValue, 0), unknown = std::nan("");
+  HeightPicture picture{{raster.width, raster.height, std::nanf("")},
+                        ownNumber(raster, chunks::cell, unknown),
+                        ownNumber(raster, chunks::left, unknown),
+                        ownNumber(raster, chunks::top, unknown)};
+  for (size_t i = 0; i < raster.samples.size(); ++i)
+    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestStoredMm);
+  return picture;
 }
 
 }  // namespace nadir::tool

@@ -22,4 +22,16 @@ Grid<uint8_t> readMask(const std::string& path);
 // scale  what to divide by; 0 asks for what the file says of itself, and `fallback` where it says nothing.
 Grid<float> readDisparity(const std::string& path, double scale, double fallback);
 
+// True where the picture says of itself that it holds heights in mm.
+bool isElevationMap(const std::string& path);
+
+// An elevation map.
+struct HeightPicture {
+  Grid<float> heights;                       // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
+  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+};
+
+// Unseen cells hold the value that the file names, 0 where it names none.
+HeightPicture readHeights(const std::string& path);
+
 }  // namespace nadir::tool

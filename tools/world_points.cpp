@@ -24,14 +24,14 @@ StereoCtx stereoContext(const Camera& camera, View view) {
   return context;
 }
 
-std::vector<WorldPoint> worldPoints(const Grid<uint16_t>& disparity, const Grid<uint16_t>& picture,
+std::vector<WorldPoint> worldPoints(const Grid<float>& disparity, const Grid<uint16_t>& picture,
                                     const StereoCtx& context, float columnShift) {
   std::vector<WorldPoint> points;
   for (uint32_t y = 0; y < disparity.height; ++y)
     for (uint32_t x = 0; x < disparity.width; ++x) {
-      if (disparity.at(x, y) == 0) continue;
-      WorldPoint p{{}, {static_cast<float>(x), static_cast<float>(y)}, 0, picture.at(x, y)};
-      p.disparity = static_cast<float>(disparity.at(x, y)) / SGM_DISP_SCALE + columnShift;
+      if (std::isnan(disparity.at(x, y))) continue;
+      WorldPoint p{
+          {}, {static_cast<float>(x), static_cast<float>(y)}, disparity.at(x, y) + columnShift, picture.at(x, y)};
       if (ip_stereo_disp2world(&context, &p.image, &p.world, p.disparity)) points.push_back(p);
     }
   return points;

@@ -23,9 +23,9 @@ struct WorldPoint {
 // A point for every pixel that has a disparity, row after row. Those that the column shift puts at infinity or beyond
 // are left out.
 //
-// disparity  pixels * SGM_DISP_SCALE, 0 for none.
+// disparity  pixels, NaN for none.
 // picture    the view's, of the same size.
-std::vector<WorldPoint> worldPoints(const Grid<uint16_t>& disparity, const Grid<uint16_t>& picture,
+std::vector<WorldPoint> worldPoints(const Grid<float>& disparity, const Grid<uint16_t>& picture,
                                     const StereoCtx& context, float columnShift);
 
 }  // namespace nadir::tool
