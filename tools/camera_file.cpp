@@ -21,9 +21,10 @@ constexpr bool optional = true;
 // The angles end short of 90 degrees: the map is centred where the optical axis meets the ground.
 constexpr double steepest = 89.9;
 
+// As few digits as give the same number again, without an exponent.
 std::string shortest(double value) {
-  char digits[32];
-  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  char digits[400];
+  const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed).ptr;
   return std::string(digits, end);
 }
 

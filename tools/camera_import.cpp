@@ -3,6 +3,8 @@
 #include <yaml-cpp/yaml.h>
 
 #include <cmath>
+#include <initializer_list>
+#include <optional>
 #include <vector>
 
 #include "error.hpp"
@@ -39,18 +41,25 @@ YAML::Node parse(const CalibrationFile& file) {
   throw Error(file.path + ":1: it is not a calibration in YAML");
 }
 
-int lineOf(const YAML::Node& node) { return node.Mark().line + 1; }
+// A key of a file, with what stands behind it.
+struct Entry {
+  std::string key;
+  int line = 0;
+  YAML::Node value;
+};
 
 // The first of the names that is there.
-YAML::Node find(const YAML::Node& root, std::initializer_list<const char*> names) {
+std::optional<Entry> find(const YAML::Node& root, std::initializer_list<const char*> names) {
   for (const char* name : names)
-    if (const YAML::Node node = root[name]) return node;
-  return YAML::Node(YAML::NodeType::Undefined);
+    for (const auto& pair : root)
+      if (pair.first.IsScalar() && pair.first.Scalar() == name)
+        return Entry{name, pair.first.Mark().line + 1, pair.second};
+  return {};
 }
 
 double number(const CalibrationFile& file, const YAML::Node& node, const std::string& key) {
   const double value = node.IsScalar() ? node.as<double>(std::nan("")) : std::nan("");
-  if (!std::isfinite(value)) fail(file, lineOf(node), key, "holds something that is not a number");
+  if (!std::isfinite(value)) fail(file, node.Mark().line + 1, key, "holds something that is not a number");
   return value;
 }
 
@@ -63,19 +72,19 @@ struct Matrix {
 };
 
 // Rows one after the other, as a list or under "data".
-Matrix matrix(const CalibrationFile& file, const YAML::Node& node, const std::string& key, size_t rows,
-              size_t columns) {
-  const YAML::Node data = node.IsMap() ? node["data"] : node;
+Matrix matrix(const CalibrationFile& file, const Entry& entry, size_t rows, size_t columns) {
+  const YAML::Node data = entry.value.IsMap() ? entry.value["data"] : entry.value;
   if (!data || !data.IsSequence() || data.size() != rows * columns)
-    fail(file, lineOf(node), key, format("is no matrix of %zu x %zu numbers", rows, columns));
-  Matrix m{key, lineOf(node), columns, {}};
-  for (const YAML::Node& element : data) m.numbers.push_back(number(file, element, key));
+    fail(file, entry.line, entry.key, format("is no matrix of %zu x %zu numbers", rows, columns));
+  Matrix m{entry.key, entry.line, columns, {}};
+  for (const YAML::Node& element : data) m.numbers.push_back(number(file, element, entry.key));
   return m;
 }
 
-uint32_t count(const CalibrationFile& file, const YAML::Node& node, const std::string& key) {
+uint32_t pixels(const CalibrationFile& file, const YAML::Node& node, const std::string& key) {
   const double value = number(file, node, key);
-  if (value < 1 || value > 65535 || value != std::floor(value)) fail(file, lineOf(node), key, "is no number of pixels");
+  if (value < 1 || value > 65535 || value != std::floor(value))
+    fail(file, node.Mark().line + 1, key, "is no number of pixels");
   return static_cast<uint32_t>(value);
 }
 
@@ -88,12 +97,14 @@ void checkRectified(const CalibrationFile& file, const Matrix& p) {
          format("has two focal lengths, %g and %g; it must be of rectified pictures", p.at(0, 0), p.at(1, 1)));
 }
 
-void checkPair(const CalibrationFile& file, const Matrix& left, const Matrix& right) {
-  if (left.at(0, 3) != 0) fail(file, left.line, left.key, "is not the left camera's: its last column is not 0");
-  if (right.at(1, 3) != 0) fail(file, right.line, right.key, "is of a camera above or below the first one");
-  if (!(right.at(0, 3) < 0)) fail(file, right.line, right.key, "is of a camera that is not right of the first one");
+void checkPair(const CalibrationFile& leftFile, const Matrix& left, const CalibrationFile& rightFile,
+               const Matrix& right) {
+  if (left.at(0, 3) != 0) fail(leftFile, left.line, left.key, "is not the left camera's: its last column is not 0");
+  if (right.at(1, 3) != 0) fail(rightFile, right.line, right.key, "is of a camera above or below the first one");
+  if (!(right.at(0, 3) < 0))
+    fail(rightFile, right.line, right.key, "is of a camera that is not right of the first one");
   if (std::abs(left.at(0, 0) - right.at(0, 0)) > tolerancePx || std::abs(left.at(1, 2) - right.at(1, 2)) > tolerancePx)
-    fail(file, right.line, right.key, "has another focal length or principal row than the left camera");
+    fail(rightFile, right.line, right.key, "has another focal length or principal row than the left camera");
 }
 
 std::string nameOf(const Matrix& m, const char* element) { return m.key + element; }
@@ -136,17 +147,21 @@ ImportedCamera fromReprojection(const CalibrationFile& file, const Matrix& q, do
 
 // ---- picture sizes ----
 
-void takeSize(const CalibrationFile& file, const YAML::Node& width, const YAML::Node& height, ImportedCamera& result) {
+void takeSize(const CalibrationFile& file, const std::optional<Entry>& width, const std::optional<Entry>& height,
+              ImportedCamera& result) {
   if (!width || !height) return;
-  result.camera.widthPx = count(file, width, "width");
-  result.camera.heightPx = count(file, height, "height");
-  result.origins["width_px"] = result.origins["height_px"] = file.path;
+  result.camera.widthPx = pixels(file, width->value, width->key);
+  result.camera.heightPx = pixels(file, height->value, height->key);
+  result.origins["width_px"] = width->key;
+  result.origins["height_px"] = height->key;
 }
 
 // OpenCV's own programs write the size under different names, and often not at all.
 void takeOpenCvSize(const CalibrationFile& file, const YAML::Node& root, ImportedCamera& result) {
-  const YAML::Node both = find(root, {"image_size", "imageSize", "size"});
-  if (both && both.IsSequence() && both.size() == 2) return takeSize(file, both[0], both[1], result);
+  const std::optional<Entry> both = find(root, {"image_size", "imageSize", "size"});
+  if (both && both->value.IsSequence() && both->value.size() == 2)
+    return takeSize(file, Entry{both->key, both->line, both->value[0]}, Entry{both->key, both->line, both->value[1]},
+                    result);
   takeSize(file, find(root, {"image_width", "imageWidth", "width"}),
            find(root, {"image_height", "imageHeight", "height"}), result);
 }
@@ -154,9 +169,9 @@ void takeOpenCvSize(const CalibrationFile& file, const YAML::Node& root, Importe
 // ---- ROS ----
 
 Matrix rosProjection(const CalibrationFile& file, const YAML::Node& root) {
-  const YAML::Node node = find(root, {"projection_matrix", "P"});
-  if (!node) fail(file, 1, "projection_matrix", "is missing");
-  const Matrix p = matrix(file, node, "projection_matrix", 3, 4);
+  const std::optional<Entry> entry = find(root, {"projection_matrix", "P"});
+  if (!entry) fail(file, 1, "projection_matrix", "is missing");
+  const Matrix p = matrix(file, *entry, 3, 4);
   checkRectified(file, p);
   return p;
 }
@@ -178,19 +193,19 @@ CalibrationFile readCalibration(const std::string& path) {
 
 ImportedCamera importOpenCv(const CalibrationFile& file, double unitMm) {
   const YAML::Node root = parse(file);
-  const YAML::Node p1 = root["P1"], p2 = root["P2"], q = root["Q"];
+  const std::optional<Entry> p1 = find(root, {"P1"}), p2 = find(root, {"P2"}), q = find(root, {"Q"});
   if (!(p1 && p2) && !q) throw Error(file.path + ":1: it holds neither P1 and P2 nor Q, of a rectified stereo pair");
   if (unitMm <= 0)
     throw Error(file.path + " does not say in which unit its lengths are; give --unit-mm (1 for mm, 1000 for m)");
   const std::string unit = format("a unit being %g mm", unitMm);
   ImportedCamera result;
   if (p1 && p2) {
-    const Matrix left = matrix(file, p1, "P1", 3, 4), right = matrix(file, p2, "P2", 3, 4);
+    const Matrix left = matrix(file, *p1, 3, 4), right = matrix(file, *p2, 3, 4);
     checkRectified(file, left);
-    checkPair(file, left, right);
+    checkPair(file, left, file, right);
     result = fromProjections(left, right, unitMm, unit);
   } else {
-    result = fromReprojection(file, matrix(file, q, "Q", 4, 4), unitMm, unit);
+    result = fromReprojection(file, matrix(file, *q, 4, 4), unitMm, unit);
   }
   takeOpenCvSize(file, root, result);
   return result;
@@ -199,7 +214,7 @@ ImportedCamera importOpenCv(const CalibrationFile& file, double unitMm) {
 ImportedCamera importRos(const CalibrationFile& leftFile, const CalibrationFile& rightFile, double unitMm) {
   const YAML::Node leftRoot = parse(leftFile), rightRoot = parse(rightFile);
   Matrix left = rosProjection(leftFile, leftRoot), right = rosProjection(rightFile, rightRoot);
-  checkPair(rightFile, left, right);
+  checkPair(leftFile, left, rightFile, right);
   left.key = "left P", right.key = "right P";
   ImportedCamera result = unitMm > 0 ? fromProjections(left, right, unitMm, format("a unit being %g mm", unitMm))
                                      : fromProjections(left, right, metre, "in metres");

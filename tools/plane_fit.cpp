@@ -17,7 +17,7 @@ namespace {
 constexpr int hypotheses = 500;
 constexpr size_t judges = 4000;  // points that a hypothesis is tried on
 constexpr int refinements = 10;
-constexpr double largestTurnDeg = 15;
+constexpr double largestTurnDeg = 10;
 constexpr double largestHeightChange = 0.25;
 constexpr double leastShare = 0.1;
 

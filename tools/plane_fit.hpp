@@ -22,7 +22,7 @@ struct GroundPlane {
 
 constexpr double planeTolerancePx = 0.5;
 
-// Fits a plane to the points that lie on the largest one not unlike the expected ground (its direction within 15
+// Fits a plane to the points that lie on the largest one not unlike the expected ground (its direction within 10
 // degrees and its distance within 25 percent of the mount's). Nothing where a tenth of the points do not agree on one.
 std::optional<GroundPlane> fitGroundPlane(const std::vector<WorldPoint>& points, const StereoCtx& context);
 

@@ -1,0 +1,252 @@
+// nadir ground on pairs made by hand: a camera that looks straight down, so that every height is a short formula.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+
+#include "tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+constexpr uint32_t width = 120, height = 80;
+constexpr double focal = 100, baseline = 200, mount = 1500, principalX = 59.5, principalY = 39.5;
+
+std::string camera(const std::string& more = "",
+                   const std::string& map = "width_cells = 40\nheight_cells = 30\ncell_mm = 50\n") {
+  return "baseline_mm = 200\nfocal_px = 100\nprincipal_x_px = 59.5\nprincipal_y_px = 39.5\nwidth_px = 120\n"
+         "height_px = 80\nheight_mm = 1500\ntilt_deg = 0\n" +
+         more + "[map]\n" + map;
+}
+
+uint16_t noise(uint32_t x, uint32_t y) {
+  uint32_t v = x * 2654435761u + y * 40503u * 65537u;
+  v = (v ^ v >> 15) * 2246822519u;
+  v = (v ^ v >> 13) * 3266489917u;
+  return static_cast<uint16_t>(100 + (v ^ v >> 16) % 3900);
+}
+
+Picture drawn(const std::function<uint16_t(uint32_t, uint32_t)>& value) {
+  std::vector<uint16_t> samples;
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 0; x < width; ++x) samples.push_back(value(x, y));
+  return picture(width, height, 16, samples);
+}
+
+class Ground : public testing::Test {
+ protected:
+  Ground() {
+    writePng(folder.path("left.png"), drawn(noise));
+    writeFile(folder.path("c.toml"), camera());
+  }
+
+  // A right picture in which everything lies `disparity` columns further left.
+  void shiftRight(uint32_t disparity) {
+    writePng(folder.path("right.png"), drawn([disparity](uint32_t x, uint32_t y) { return noise(x + disparity, y); }));
+  }
+
+  // Disparities in 1/16 pixel that ground is to take instead of matching.
+  void give(const std::function<uint16_t(uint32_t, uint32_t)>& value) {
+    shiftRight(0);
+    writePng(folder.path("d.png"), drawn(value));
+  }
+
+  Outcome ground(std::vector<std::string> options = {}) {
+    options.insert(options.begin(), {"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result"});
+    const Outcome outcome = folder.run(options);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome;
+  }
+
+  Picture map() { return readPng(folder.path("result/elevation.png")); }
+  double summary(const std::string& name) {
+    return numberAfter(readFile(folder.path("result/summary.json")), "\"" + name + "\"");
+  }
+
+  Folder folder;
+};
+
+TEST_F(Ground, PlaneSeenStraightDown) {
+  give([](uint32_t, uint32_t) { return uint16_t{20 * 16}; });  // z = 100 * 200 / 20 = 1000 mm
+  ground({"--disparity", "d.png"});
+  const Picture heights = map();
+  ASSERT_EQ(heights.width, 40u);
+  ASSERT_EQ(heights.height, 30u);
+  // The map's corner lies 20 cells of 50 mm from the axis, on both axes. The points reach from -595 to 595 mm in x and
+  // from -395 to 395 mm in y: columns 8 to 31, rows 12 to 27.
+  for (uint32_t y = 0; y < 30; ++y)
+    for (uint32_t x = 0; x < 40; ++x)
+      EXPECT_EQ(heights.at(x, y), x >= 8 && x <= 31 && y >= 12 && y <= 27 ? 500 : 0) << x << ", " << y;
+  EXPECT_EQ(summary("seen_cells"), 24 * 16);
+  EXPECT_EQ(summary("points"), width * height);
+  EXPECT_EQ(summary("points_inside"), width * height);
+  EXPECT_EQ(summary("median_mm"), 500);
+  EXPECT_EQ(summary("left_mm"), -1000);
+  EXPECT_EQ(summary("top_mm"), -1000);
+}
+
+TEST_F(Ground, MatchedPlane) {
+  shiftRight(20);
+  ground();
+  const Picture heights = map();
+  // A sixteenth of a pixel is 3 mm here.
+  for (uint32_t y = 14; y < 26; ++y)
+    for (uint32_t x = 18; x < 30; ++x) EXPECT_NEAR(heights.at(x, y), 500, 7) << x << ", " << y;
+  EXPECT_GT(summary("share"), 0.7);
+}
+
+TEST_F(Ground, ColumnShiftIsAddedToTheDisparity) {
+  give([](uint32_t, uint32_t) { return uint16_t{20 * 16}; });
+  const std::pair<const char*, uint16_t> expected[] = {{"5", 700}, {"-2.5", 357}, {"-6", 71}};  // 1500 - 20000 / 25 ...
+  for (const auto& [shift, mm] : expected) {
+    writeFile(folder.path("c.toml"), camera(std::string("column_shift_px = ") + shift + "\n"));
+    ground({"--disparity", "d.png"});
+    EXPECT_EQ(map().at(20, 20), mm) << shift;
+  }
+  writeFile(folder.path("c.toml"), camera("column_shift_px = -20\n"));
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(summary("points"), 0) << "everything at infinity";
+}
+
+TEST_F(Ground, TheRightViewHasItsOwnPrincipalColumn) {
+  give([](uint32_t x, uint32_t) { return static_cast<uint16_t>(x == 60 ? 160 : 0); });  // 10 + 10 pixels: 1000 mm
+  writeFile(folder.path("c.toml"), camera("column_shift_px = 10\n"));
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(map().at(20, 20), 500) << "(60 - 59.5) / 100 * 1000 = 5 mm";
+  ground({"--disparity", "d.png", "--grid", "right"});
+  EXPECT_EQ(map().at(20, 20), 0);
+  EXPECT_EQ(map().at(18, 20), 500) << "(60 - 69.5) / 100 * 1000 = -95 mm";
+}
+
+TEST_F(Ground, SeenCellsHoldAtLeastOneMillimetre) {
+  give([](uint32_t x, uint32_t) { return static_cast<uint16_t>(x < 60 ? 213 : 0); });  // 2.3 mm below the ground
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(summary("lowest_mm"), 1);
+  EXPECT_EQ(summary("highest_mm"), 1);
+  EXPECT_EQ(map().text["nadir:no-value"], "0");
+  EXPECT_EQ(map().text["nadir:units"], "mm");
+  EXPECT_EQ(map().text["nadir:cell-mm"], "50");
+}
+
+TEST_F(Ground, PercentileOfACellsPoints) {
+  // Ten points in one cell of 1 m, with heights of 1500 - 20000 / d: 100, 200 ... 1000.
+  writeFile(folder.path("c.toml"),
+            camera("", "width_cells = 2\nheight_cells = 2\ncell_mm = 1000\noffset_x_mm = 500\noffset_y_mm = 500\n"));
+  Picture disparities = drawn([](uint32_t, uint32_t) { return uint16_t{0}; });
+  disparities.text["nadir:scale"] = "1000";
+  for (uint32_t i = 0; i < 10; ++i)
+    disparities.samples[40 * width + 55 + i] = static_cast<uint16_t>(std::lround(20e6 / (1400 - 100.0 * i)));
+  shiftRight(0);
+  writePng(folder.path("d.png"), disparities);
+  const std::pair<const char*, uint16_t> expected[] = {{"1", 100},  {"10", 100},  {"11", 200},  {"50", 500},
+                                                       {"90", 900}, {"91", 1000}, {"100", 1000}};
+  for (const auto& [percentile, mm] : expected) {
+    ground({"--disparity", "d.png", "--percentile", percentile});
+    EXPECT_EQ(map().at(0, 0), mm) << percentile;
+  }
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(map().at(0, 0), 900) << "90 by default";
+  ground({"--disparity", "d.png", "--min-points", "10"});
+  EXPECT_EQ(map().at(0, 0), 900);
+  ground({"--disparity", "d.png", "--min-points", "11"});
+  EXPECT_EQ(map().at(0, 0), 0);
+}
+
+TEST_F(Ground, OffsetMovesTheMap) {
+  give([](uint32_t x, uint32_t y) { return static_cast<uint16_t>(x == 60 && y == 40 ? 320 : 0); });  // x = y = 5 mm
+  writeFile(folder.path("c.toml"), camera("",
+                                          "width_cells = 40\nheight_cells = 30\ncell_mm = 50\noffset_x_mm = 100\n"
+                                          "offset_y_mm = -150\n"));
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(summary("left_mm"), -900);
+  EXPECT_EQ(summary("top_mm"), -1150);
+  EXPECT_EQ(map().at(18, 23), 500);
+}
+
+float floatAt(const Bytes& bytes, size_t place) {
+  uint32_t bits = 0;
+  for (size_t i = 0; i < 4; ++i) bits |= uint32_t{static_cast<uint8_t>(bytes[place + i])} << 8 * i;
+  float value;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
+
+TEST_F(Ground, PointsAsPly) {
+  give([](uint32_t x, uint32_t y) { return static_cast<uint16_t>(y == 10 && x > 1 && x < 5 ? 320 : 0); });
+  ground({"--disparity", "d.png"});
+  const Bytes ply = readFile(folder.path("result/points.ply"));
+  EXPECT_EQ(ply.rfind("ply\nformat binary_little_endian 1.0\n", 0), 0u);
+  EXPECT_EQ(numberAfter(ply, "element vertex"), 3);
+  const size_t begin = ply.find("end_header\n") + 11;
+  ASSERT_EQ(ply.size(), begin + 3 * (4 * 4 + 3)) << "x, y, z, height, three colours";
+  const double x = (2 - principalX) / focal * 1000, y = (10 - principalY) / focal * 1000;
+  const double expected[] = {x, y, baseline * focal / 20, mount - baseline * focal / 20};
+  for (size_t i = 0; i < 4; ++i) EXPECT_NEAR(floatAt(ply, begin + 4 * i), expected[i], 1e-3) << i;
+  EXPECT_EQ(static_cast<uint8_t>(ply[begin + 16]), noise(2, 10) / 16);
+}
+
+TEST_F(Ground, GroundPlaneTellsTheMount) {
+  // Ground 1600 mm below, sloping down to the right: the plane nx x + nz z = 1600, with nx = sin 4 degrees.
+  const double nx = std::sin(4 * M_PI / 180), nz = std::cos(4 * M_PI / 180);
+  give([&](uint32_t x, uint32_t y) {
+    if (y > 60) return uint16_t{25 * 16};  // something on the ground
+    const double w = (nx * (x - principalX) / focal + nz) / 1600;
+    return static_cast<uint16_t>(std::lround(w * focal * baseline * 16));
+  });
+  const Outcome outcome = ground({"--disparity", "d.png"});
+  const std::string text = readFile(folder.path("result/summary.json"));
+  const std::string plane = text.substr(text.find("\"ground_plane\""));
+  EXPECT_NEAR(numberAfter(plane, "\"height_mm\""), 1600, 2);
+  EXPECT_NEAR(numberAfter(plane, "\"tilt_deg\""), 0, 0.1);
+  EXPECT_NEAR(numberAfter(plane, "\"pan_deg\""), 4, 0.1);
+  EXPECT_LT(numberAfter(plane, "\"rms_px\""), 0.03);
+  EXPECT_NEAR(numberAfter(plane, "\"share\""), 61.0 / 80, 0.02);
+  EXPECT_NEAR(numberAfter(outcome.out, "\nheight"), 1600, 2);
+}
+
+TEST_F(Ground, NoGroundPlaneIsNull) {
+  give([](uint32_t, uint32_t) { return uint16_t{40 * 16}; });  // a table at a third of the height
+  const Outcome outcome = ground({"--disparity", "d.png"});
+  EXPECT_NE(readFile(folder.path("result/summary.json")).find("\"ground_plane\": null"), std::string::npos);
+  EXPECT_NE(outcome.out.find("ground plane: none found"), std::string::npos);
+}
+
+TEST_F(Ground, NothingMatchedIsAnEmptyMap) {
+  give([](uint32_t, uint32_t) { return uint16_t{0}; });
+  ground({"--disparity", "d.png"});
+  EXPECT_EQ(summary("points"), 0);
+  EXPECT_EQ(summary("seen_cells"), 0);
+  EXPECT_NE(readFile(folder.path("result/summary.json")).find("\"median_mm\": null"), std::string::npos);
+}
+
+TEST_F(Ground, WritesAllItsFiles) {
+  shiftRight(20);
+  ground();
+  for (const char* name : {"disparity.png", "elevation.png", "elevation.preview.png", "points.ply", "summary.json"})
+    EXPECT_FALSE(readFile(folder.path(std::string("result/") + name)).empty());
+  const Picture preview = readPng(folder.path("result/elevation.preview.png"));
+  EXPECT_EQ(preview.channels, 3u);
+  EXPECT_GT(preview.width, 40u * 9) << "9 pixels a cell, and the axes";
+}
+
+TEST_F(Ground, RefusesWithoutLeavingAnything) {
+  shiftRight(20);
+  writePng(folder.path("small.png"), picture(60, 60, 16, std::vector<uint16_t>(3600, 7)));
+  const auto before = folder.names();
+  const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence, uint64_t limit = 0) {
+    arguments.insert(arguments.begin(), "ground");
+    arguments.insert(arguments.end(), {"--camera", "c.toml", "-o", "result"});
+    const Outcome outcome = folder.run(arguments, limit);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(sentence), std::string::npos) << outcome.err;
+    EXPECT_EQ(folder.names(), before);
+  };
+  refuse({"left.png", "small.png"}, "the pictures differ in size");
+  refuse({"small.png", "small.png"}, "the pictures are 60 x 60 pixels, but the camera of c.toml takes pictures of 120");
+  refuse({"left.png", "right.png", "--disparity", "small.png"}, "the disparity picture small.png is 60 x 60 pixels");
+  refuse({"left.png", "right.png"}, "cannot write", 20000);
+}
+
+}  // namespace
+}  // namespace nadir::test
