@@ -197,7 +197,7 @@ void addSynthCommand(CLI::App& app) {
       "                            255 where the other picture does not show the point\n"
       "  height_left_gt.png height_right_gt.png\n"
       "                            height above the ground, mm x 8, 65535 unknown (the sky)\n"
-      "  elevation_gt.png          the map: mm above the ground at each cell's centre, 65535 outside the picture\n"
+      "  elevation_gt.png          the map as nadir ground writes it: mm above the ground at each cell's centre\n"
       "  regions_gt.png            the map: number of the object at each cell's centre, 0 for the ground\n"
       "  camera.toml scene.json    the camera, the map's size; the objects\n"
       "A seed gives the same pixels on every machine. Examples:\n"

@@ -25,7 +25,7 @@ void describe(CLI::App& app) {
   app.name("nadir");
   app.footer(
       "A first walk:\n"
-      "  nadir synth scene                                     makes a pair with known disparities\n"
+      "  nadir synth scene                                     makes a pair with the truth about it\n"
       "  nadir disparity scene/left.png scene/right.png -o scene/disparity.png\n"
       "  nadir evaluate scene/disparity.png scene/disparity_gt.png\n"
       "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage.");

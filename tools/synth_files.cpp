@@ -1,7 +1,9 @@
 #include "synth_files.hpp"
 
+#include <algorithm>
 #include <cmath>
 
+#include "camera_file.hpp"
 #include "chunks.hpp"
 #include "png.hpp"
 #include "text.hpp"
@@ -60,33 +62,31 @@ Bytes occlusionFile(const Grid<uint8_t>& occluded, Side side) {
                           {"Software", software()}});
 }
 
-TextChunks heightTexts(unsigned scale, const std::string& description) {
-  return {{chunks::scale, std::to_string(scale)},
-          {chunks::noValue, std::to_string(synthNoHeight)},
-          {chunks::units, scale == 1 ? "mm" : format("1/%u mm", scale)},
-          {"Description", description},
-          {"Software", software()}};
-}
-
 Bytes heightFile(const Grid<double>& height, Side side) {
   const std::string description = format(
       "True heights above the ground of what the %s picture shows: value / %u is the height in mm; %u: unknown, "
       "the sky or above 8191 mm.",
       nameOf(side), synthHeightScale, unsigned{synthNoHeight});
   return encodePng(encoded(height, synthHeightScale, synthNoHeight - 1, synthNoHeight),
-                   heightTexts(synthHeightScale, description));
+                   {{chunks::scale, std::to_string(synthHeightScale)},
+                    {chunks::noValue, std::to_string(synthNoHeight)},
+                    {chunks::units, format("1/%u mm", synthHeightScale)},
+                    {"Description", description},
+                    {"Software", software()}});
 }
 
 // ---- the map ----
 
-Bytes elevationFile(const scene::MapTruth& map) {
-  Grid<double> shown = map.elevation;
+// As nadir ground encodes its map: 0 is kept for what is not seen, so the ground is 1 mm high.
+Bytes elevationFile(const Rendering& r) {
+  Grid<double> shown = r.map.elevation;
   for (size_t i = 0; i < shown.pixels.size(); ++i)
-    if (!map.inPicture.pixels[i]) shown.pixels[i] = std::nan("");
-  return encodePng(encoded(shown, 1, synthNoHeight - 1, synthNoHeight),
-                   heightTexts(1,
-                               "True height in mm above the ground of the topmost surface at each cell's centre, "
-                               "hidden or not; columns follow world x, rows world y; 65535: outside the picture."));
+    shown.pixels[i] = r.map.inPicture.pixels[i] ? std::max(1.0, shown.pixels[i]) : 0;
+  TextChunks text = elevationTexts(r.mapLayout.cell, r.map.cornerX, r.map.cornerY);
+  text["Description"] =
+      "True height in mm above the ground of the topmost surface at each cell's centre, hidden or not; what is lower "
+      "than 1 mm is 1, 0 is outside the picture. World x grows from column to column, world y from row to row.";
+  return encodePng(encoded(shown, 1, 65535, 65535), text);
 }
 
 Bytes regionsFile(const scene::MapTruth& map) {
@@ -100,39 +100,23 @@ Bytes regionsFile(const scene::MapTruth& map) {
 
 Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
-// With a decimal point, as TOML wants its floating-point numbers.
-std::string decimal(double value) {
-  const std::string text = format("%.12g", value);
-  return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
-}
-
-std::string cameraText(const SynthSettings& settings, const Rendering& r) {
-  const scene::CameraSettings& c = settings.camera;
-  const scene::View& view = r.rig.view(c.reference);
-  const scene::MapLayout& map = r.mapLayout;
-  std::string text =
-      format("# The camera of a rendered scene. Height, tilt and pan are those of the %s camera, whose\n",
-             nameOf(c.reference));
-  text += "# centre is the world's origin: they go with disparities on its grid. The centre of the top left pixel\n";
-  text += "# is (0, 0).\n";
-  const auto line = [&text](const char* key, const std::string& value) { text += key + (" = " + value) + '\n'; };
-  line("baseline_mm", decimal(c.baseline));
-  line("focal_px", decimal(c.focal));
-  line("principal_x_px", decimal(view.principalX));
-  line("principal_y_px", decimal(view.principalY));
-  line("column_shift_px", "0.0");
-  line("width_px", std::to_string(c.width));
-  line("height_px", std::to_string(c.height));
-  line("height_mm", decimal(c.mountingHeight));
-  line("tilt_deg", decimal(c.tilt));
-  line("pan_deg", decimal(c.pan));
-  text += "\n[map]\n";
-  line("width_cells", std::to_string(map.width));
-  line("height_cells", std::to_string(map.height));
-  line("cell_mm", std::to_string(map.cell));
-  line("offset_x_mm", "0.0");
-  line("offset_y_mm", "0.0");
-  return text;
+Camera cameraOf(const SynthSettings& settings, const Rendering& r) {
+  const scene::CameraSettings& settled = settings.camera;
+  const scene::View& view = r.rig.view(settled.reference);
+  Camera camera;
+  camera.baselineMm = settled.baseline;
+  camera.focalPx = settled.focal;
+  camera.principalXPx = view.principalX;
+  camera.principalYPx = view.principalY;
+  camera.widthPx = settled.width;
+  camera.heightPx = settled.height;
+  camera.heightMm = settled.mountingHeight;
+  camera.tiltDeg = settled.tilt;
+  camera.panDeg = settled.pan;
+  camera.mapWidthCells = r.mapLayout.width;
+  camera.mapHeightCells = r.mapLayout.height;
+  camera.cellMm = r.mapLayout.cell;
+  return camera;
 }
 
 std::string objectText(const scene::Object& object) {
@@ -167,9 +151,9 @@ std::vector<NamedFile> synthFiles(const SynthSettings& settings, const Rendering
           {"occlusion_right.png", occlusionFile(r.rightTruth.occluded, Side::right)},
           {"height_left_gt.png", heightFile(r.leftTruth.height, Side::left)},
           {"height_right_gt.png", heightFile(r.rightTruth.height, Side::right)},
-          {"elevation_gt.png", elevationFile(r.map)},
+          {"elevation_gt.png", elevationFile(r)},
           {"regions_gt.png", regionsFile(r.map)},
-          {"camera.toml", bytesOf(cameraText(settings, r))},
+          {"camera.toml", cameraBytes(cameraOf(settings, r))},
           {"scene.json", bytesOf(sceneText(settings, r))}};
 }
 

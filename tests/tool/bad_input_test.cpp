@@ -11,7 +11,7 @@ namespace {
 
 class BadInput : public testing::Test {
  protected:
-  BadInput() { EXPECT_EQ(folder.run({"synth", ".", "--width", "96", "--height", "64"}).status, 0); }
+  BadInput() { EXPECT_EQ(folder.run({"synth", ".", "--size", "96x64"}).status, 0); }
 
   void expectRefused(const std::vector<std::string>& arguments, const std::string& reason, uint64_t fileLimit = 0) {
     const auto before = folder.names();
@@ -117,6 +117,10 @@ TEST_F(BadInput, UnwritableTarget) {
   expectRefused({"synth", "left.png"}, "cannot make the folder left.png");
 }
 
+TEST_F(BadInput, CameraBelowTheHeads) {
+  expectRefused({"synth", "fresh", "--scene", "people", "--height", "2000"}, "must be mounted at least 300 mm above");
+}
+
 TEST_F(BadInput, OneOfTwoTargetsUnwritable) {
   expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "none/p.png"},
                 "cannot write none/p.png: No such file");
@@ -151,7 +155,11 @@ TEST_F(BadInput, WrongUsage) {
         {"disparity", "left.png", "right.png", "-o", "d.png", "--uniqueness", "129"},
         {"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "p.png", "--no-preview"},
         {"evaluate", "disparity_gt.png", "disparity_gt.png", "--truth-scale", "0"},
-        {"synth", "fresh", "--width", "10"}}) {
+        {"synth", "fresh", "--size", "10x64"},
+        {"synth", "fresh", "--size", "640"},
+        {"synth", "fresh", "--size", "64x64x64"},
+        {"synth", "fresh", "--scene", "moon"},
+        {"synth", "fresh", "--tilt", "-80"}}) {
     const auto before = folder.names();
     const Outcome outcome = folder.run(arguments);
     EXPECT_EQ(outcome.status, 2);

@@ -1,0 +1,95 @@
+// The same bits on every processor: hashes that were recorded once, on x86-64.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "eye.hpp"
+#include "scene/ready_scenes.hpp"
+
+namespace nadir::test {
+namespace {
+
+// FNV-1a over the values, each from its lowest byte up.
+class Fingerprint {
+ public:
+  template <class T>
+  void add(const std::vector<T>& values) {
+    for (const T& value : values) addBits(bitsOf(value), sizeof(T));
+  }
+  uint64_t value() const { return hash_; }
+
+ private:
+  template <class T>
+  static uint64_t bitsOf(T value) {
+    return value;
+  }
+  static uint64_t bitsOf(double value) {
+    if (std::isnan(value)) return 1;
+    uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+  }
+  void addBits(uint64_t bits, size_t bytes) {
+    for (size_t i = 0; i < bytes; ++i) hash_ = (hash_ ^ (bits >> 8 * i & 255)) * 0x100000001B3u;
+  }
+
+  uint64_t hash_ = 0xCBF29CE484222325u;
+};
+
+struct Prints {
+  uint64_t left, right, leftTruth, rightTruth, map;
+};
+
+uint64_t print(const scene::ViewTruth& truth) {
+  Fingerprint print;
+  print.add(truth.disparity.pixels);
+  print.add(truth.height.pixels);
+  print.add(truth.occluded.pixels);
+  return print.value();
+}
+
+template <class T>
+uint64_t print(const tool::Grid<T>& grid) {
+  Fingerprint print;
+  print.add(grid.pixels);
+  return print.value();
+}
+
+Prints prints(const std::string& name, uint64_t seed) {
+  const scene::Rig rig = makeRig(cameraAt(-62, 17));
+  const scene::Scene scene = scene::makeScene(name, rig, seed);
+  const scene::Sensor sensor{7.5, true};
+  const scene::MapTruth map = mapTruth(scene, rig, {64, 48, 50});
+  Fingerprint mapPrint;
+  mapPrint.add(map.elevation.pixels);
+  mapPrint.add(map.region.pixels);
+  mapPrint.add(map.inPicture.pixels);
+  return {print(picture(scene, rig, Side::left, sensor, nothing)),
+          print(picture(scene, rig, Side::right, sensor, nothing)), print(truth(scene, rig, Side::left, nothing)),
+          print(truth(scene, rig, Side::right, nothing)), mapPrint.value()};
+}
+
+void expectEqual(const Prints& got, const Prints& recorded) {
+  EXPECT_EQ(got.left, recorded.left);
+  EXPECT_EQ(got.right, recorded.right);
+  EXPECT_EQ(got.leftTruth, recorded.leftTruth);
+  EXPECT_EQ(got.rightTruth, recorded.rightTruth);
+  EXPECT_EQ(got.map, recorded.map);
+}
+
+TEST(SceneGolden, SameBitsOnEveryMachine) {
+  expectEqual(prints("boxes", 1), {0, 0, 0, 0, 0});
+  expectEqual(prints("people", 2), {0, 0, 0, 0, 0});
+  expectEqual(prints("slope", 3), {0, 0, 0, 0, 0});
+  expectEqual(prints("crop-rows", 4), {0, 0, 0, 0, 0});
+}
+
+TEST(SceneGolden, AnotherSeedIsAnotherScene) {
+  const Prints a = prints("boxes", 1), b = prints("boxes", 2);
+  EXPECT_NE(a.left, b.left);
+  EXPECT_NE(a.leftTruth, b.leftTruth);
+  EXPECT_NE(a.map, b.map);
+}
+
+}  // namespace
+}  // namespace nadir::test
