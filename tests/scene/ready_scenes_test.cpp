@@ -76,7 +76,7 @@ TEST_P(ReadyScenes, SomethingNearerStandsBeforeTheOccluded) {
       ++hidden;
       explained += nearest > d;
     }
-  if (r.scene.objects.size() > 1) EXPECT_GT(hidden, 20);
+  EXPECT_GE(hidden, r.scene.objects.size() > 1 ? 20 : 0);
   // What hides a point is seen by the right camera exactly there; a corner may end between two pixels.
   EXPECT_GE(explained, 0.99 * hidden);
 }

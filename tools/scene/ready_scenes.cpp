@@ -21,6 +21,7 @@ class Builder {
   // Lengths are given for a camera 3 m above the ground.
   double scaled(double length) const { return length * scene_.groundZ / 3000; }
 
+  // At most once among the arguments of a call: they are evaluated in another order on another machine.
   double jitter(double most) { return random_.between(-most, most); }
 
   Site site(double across, double down, double degrees = 0) {
@@ -32,7 +33,8 @@ class Builder {
   }
 
   Site nearby(double across, double down, double degrees) {
-    return site(across + jitter(0.02), down + jitter(0.02), degrees + jitter(8));
+    const double right = jitter(0.02), lower = jitter(0.02), turn = jitter(8);
+    return site(across + right, down + lower, degrees + turn);
   }
 
   // The regions are numbered in the order of the objects that open them.
@@ -102,17 +104,18 @@ void people(Builder& b) {
                                  {0.55, 0.62, 160, 1150}, {0.34, 0.50, 230, 1720}, {0.66, 0.50, 220, 1700}};
   for (const Row& r : rows) {
     b.nextRegion();
-    b.capsule(b.nearby(r.across, r.down, 0), r.radius, r.height + b.jitter(40));
+    const Site foot = b.nearby(r.across, r.down, 0);
+    b.capsule(foot, r.radius, r.height + b.jitter(40));
   }
 }
 
 // The treads share their far edge; each is a little less deep than the one below it.
 void steps(Builder& b) {
-  const Site back = b.site(0.36 + b.jitter(0.02), 0.30 + b.jitter(0.02));
+  const Site back = b.nearby(0.36, 0.30, 0);
   for (int tread = 0; tread < 4; ++tread) {
     b.nextRegion();
     const double height = 170 * (tread + 1), depth = 320 * (4 - tread) + 280;
-    b.step({back.x, back.y + b.scaled(depth / 2), back.groundZ, back.degrees}, scaled(b, 1600, depth, height));
+    b.step({back.x, back.y + b.scaled(depth / 2), back.groundZ, 0}, scaled(b, 1600, depth, height));
   }
   b.nextRegion();
   b.step(b.nearby(0.80, 0.65, 0), scaled(b, 900, 1400, 120));
@@ -137,7 +140,8 @@ void cropRow(Builder& b, double x) {
   b.ridge({middle.x + x, middle.y, middle.groundZ, 0}, extent, b.scaled(240));
   for (double y = -2700; y <= 2700; y += 300) {
     const Site plant{middle.x + x + b.scaled(b.jitter(20)), middle.y + b.scaled(y + b.jitter(40)), middle.groundZ, 0};
-    b.dome(plant, b.scaled(95 + b.jitter(15)), b.scaled(75 + b.jitter(15)), extent.height);
+    const double radius = 95 + b.jitter(15), height = 75 + b.jitter(15);
+    b.dome(plant, b.scaled(radius), b.scaled(height), extent.height);
   }
 }
 
