@@ -176,7 +176,7 @@ TEST(SceneMap, KnowsTheStepsAndTheirRegions) {
     const double heights[] = {0, 170, 340, 510, 680, 120};
     ASSERT_NEAR(map.elevation.pixels[i], heights[region], 1e-9);
   }
-  for (const int region : {1, 2, 3}) EXPECT_NEAR(cells[region], 1600 / 40 * 320 / 40, 45);
+  for (const size_t region : {1, 2, 3}) EXPECT_NEAR(cells[region], 1600 / 40 * 320 / 40, 45);
   EXPECT_NEAR(cells[4], 1600 / 40 * 600 / 40, 60);
   EXPECT_NEAR(cells[5], 900 / 40.0 * 1400 / 40, 60);
 }
