@@ -24,6 +24,7 @@ struct Options {
   std::string grid = "left";
   bool noPostprocessing = false;
   uint32_t uniqueness = MatchOptions().uniqueness;
+  double disparityScale = 0;
   CellRule rule;
 };
 
@@ -40,7 +41,7 @@ Grid<uint16_t> matched(const Options& options, View view, Pair pair, StageTimes&
 }
 
 Grid<float> givenDisparities(const Options& options, const Pair& pair) {
-  Grid<float> disparity = readDisparity(options.disparity, 0, SGM_DISP_SCALE);
+  Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
   if (!sameSize(disparity, pair.left))
     throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
                        sizeText(disparity.width, disparity.height).c_str(),
@@ -135,9 +136,14 @@ void addMatchOptions(CLI::App& command, Options& options) {
   CLI::Option* given =
       command
           .add_option("--disparity", options.disparity,
-                      "Do not match: take these disparities of the view (as nadir disparity writes them; the file's "
-                      "text nadir:scale tells what a pixel is stored as, 16 where it has none)")
+                      "Do not match: take these disparities of the view, a 16-bit grey PNG with 0 for none")
           ->type_name("FILE");
+  command
+      .add_option("--disparity-scale", options.disparityScale,
+                  "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)")
+      ->check(CLI::PositiveNumber.description(""))
+      ->needs(given)
+      ->type_name("N");
   command
       .add_option("--grid", options.grid,
                   "View that is measured, left or right; its camera is the world's origin (default: left)")
