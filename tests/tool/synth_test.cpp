@@ -100,6 +100,10 @@ struct Mount {
   std::string tilt, pan, grid;
 };
 
+void PrintTo(const Mount& mount, std::ostream* out) {
+  *out << "tilt" << mount.tilt << "pan" << mount.pan << mount.grid;
+}
+
 // The library's transforms for a camera file.
 StereoCtx contextOf(const std::string& cameraFile) {
   const auto number = [&cameraFile](const char* key) {
@@ -187,7 +191,7 @@ TEST_P(SynthMounts, TheLibraryLaysTheMapAtTheSamePlace) {
 }
 
 std::string nameOf(const testing::TestParamInfo<Mount>& info) {
-  std::string name = "tilt" + info.param.tilt + "pan" + info.param.pan + info.param.grid;
+  std::string name = testing::PrintToString(info.param);
   std::replace(name.begin(), name.end(), '-', 'm');
   return name;
 }
