@@ -5,6 +5,7 @@
 
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
+#include "bench/polygon_cells.hpp"
 #include "bench/timing.hpp"
 #include "bench/work.hpp"
 #include "core/cpu.hpp"
@@ -79,6 +80,11 @@ void run() {
       "paths and checks: they do the same task, not the same computation.\n\n");
   std::printf("| size | ours | OpenCV | ratio |\n|---|---|---|--:|\n");
   for (const Scene& scene : scenes) printPeers(scene);
+
+  std::printf(
+      "\n## Elevation mask\n\nThe time of asking for every cell whether it lies in a polygon, divided by that of the "
+      "library's spans.\n\n");
+  printPolygonCells();
 
   std::printf("\n## Memory\n\nWhat a call allocates in all, divided by the bytes of one 16-bit picture.\n\n");
   std::printf("| size | call | allocations | ratio |\n|---|---|--:|--:|\n");
