@@ -21,7 +21,7 @@ enum ImgType {
 };
 
 /* A writable image. Pixels lie row after row without padding, top row first: pixel (x, y), x to the right and y
- * downwards from the top left (0, 0), lies at byte (y * width + x) * bytesPerPixel. The memory belongs to the caller. */
+ * downwards from the top left (0, 0), lies at byte (y * width + x) * bytesPerPixel. The memory is the caller's. */
 typedef struct {
   uint16_t width;         /* columns, pixels */
   uint16_t height;        /* rows, pixels */

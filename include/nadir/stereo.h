@@ -191,9 +191,9 @@ typedef struct {
 /* What the matcher computed on its way, made by IP_SgmMakeDebugData for one size of image and reusable for any number
  * of calls. Volumes hold numDisparities bytes per pixel, pixels row after row; maps one byte per pixel. */
 typedef struct {
-  uint8_t* costVolume;           /* matching costs */
-  uint32_t costVolumeSize;       /* bytes */
-  uint8_t* p2Left;               /* P2 of the four directions */
+  uint8_t* costVolume;     /* matching costs */
+  uint32_t costVolumeSize; /* bytes */
+  uint8_t* p2Left;         /* P2 of the four directions */
   uint8_t* p2UpLeft;
   uint8_t* p2Up;
   uint8_t* p2UpRight;

@@ -16,18 +16,12 @@ template <class T>
 T threshold(T v, uint32_t word, uint32_t mode) {
   const T t = static_cast<T>(word);
   switch (mode) {
-    case THRESH_ZERO_BELOW:
-      return v < t ? T{0} : v;
-    case THRESH_KEEP_ABOVE:
-      return v > t ? v : T{0};
-    case THRESH_ZERO_EQUAL:
-      return v == t ? T{0} : v;
-    case THRESH_KEEP_BELOW:
-      return v < t ? v : T{0};
-    case THRESH_ZERO_ABOVE:
-      return v > t ? T{0} : v;
-    default:
-      std::abort();
+    case THRESH_ZERO_BELOW: return v < t ? T{0} : v;
+    case THRESH_KEEP_ABOVE: return v > t ? v : T{0};
+    case THRESH_ZERO_EQUAL: return v == t ? T{0} : v;
+    case THRESH_KEEP_BELOW: return v < t ? v : T{0};
+    case THRESH_ZERO_ABOVE: return v > t ? T{0} : v;
+    default: std::abort();
   }
 }
 
@@ -43,20 +37,13 @@ T arithmetic(T a, T b, uint32_t op) {
   const int64_t wide = a;
   const uint32_t count = static_cast<uint8_t>(b);
   switch (op) {
-    case IMGOP_ADD:
-      return static_cast<T>(wide + b);
-    case IMGOP_SUB:
-      return static_cast<T>(wide - b);
-    case IMGOP_MUL:
-      return static_cast<T>(wide * b);
-    case IMGOP_DIV:
-      return b == 0 ? T{0} : static_cast<T>(wide / b);
-    case IMGOP_SHR:
-      return static_cast<T>(wide >> std::min(count, 63u));
-    case IMGOP_SHL:
-      return count > 31 ? T{0} : static_cast<T>(static_cast<uint64_t>(wide) << count);
-    default:
-      std::abort();
+    case IMGOP_ADD: return static_cast<T>(wide + b);
+    case IMGOP_SUB: return static_cast<T>(wide - b);
+    case IMGOP_MUL: return static_cast<T>(wide * b);
+    case IMGOP_DIV: return b == 0 ? T{0} : static_cast<T>(wide / b);
+    case IMGOP_SHR: return static_cast<T>(wide >> std::min(count, 63u));
+    case IMGOP_SHL: return count > 31 ? T{0} : static_cast<T>(static_cast<uint64_t>(wide) << count);
+    default: std::abort();
   }
 }
 
@@ -152,18 +139,12 @@ Picture<T> morphPass(const Picture<T>& src, Pixel pixel) {
 template <class T>
 Picture<T> morph3x3(const Picture<T>& src, int32_t op) {
   switch (op) {
-    case MORPH_ERODE:
-      return morphPass(src, erode<T>);
-    case MORPH_DILATE:
-      return morphPass(src, dilate<T>);
-    case MORPH_OPEN:
-      return morphPass(morphPass(src, erode<T>), dilate<T>);
-    case MORPH_CLOSE:
-      return morphPass(morphPass(src, dilate<T>), erode<T>);
-    case MORPH_CLEAN:
-      return morphPass(src, clean<T>);
-    default:
-      std::abort();
+    case MORPH_ERODE: return morphPass(src, erode<T>);
+    case MORPH_DILATE: return morphPass(src, dilate<T>);
+    case MORPH_OPEN: return morphPass(morphPass(src, erode<T>), dilate<T>);
+    case MORPH_CLOSE: return morphPass(morphPass(src, dilate<T>), erode<T>);
+    case MORPH_CLEAN: return morphPass(src, clean<T>);
+    default: std::abort();
   }
 }
 
