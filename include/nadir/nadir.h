@@ -1,6 +1,7 @@
 /* nadir: image processing and stereo vision for cameras that look at the ground.
  *
- * One frame's road: IP_Census_5x5 on both pictures of a rectified pair, IP_SgmFull, IP_SgmPostproc (stereo.h).
+ * One frame's road: IP_Census_5x5 on both pictures of a rectified pair, IP_SgmFull, IP_SgmPostproc (stereo.h), the
+ * transforms onto the ground (camera.h), IP_RGE_* on the elevation map (segment.h).
  *
  * Rules that hold everywhere unless a function says otherwise:
  * - The caller owns every buffer. Memory that a call needs for itself is released before it returns.
@@ -8,7 +9,8 @@
  *   they were. Nothing is logged.
  * - Nothing is read or written outside the extent that a function states, and no alignment beyond that of the element
  *   type is needed.
- * - Every function may be called from any number of threads at once on buffers that do not overlap.
+ * - Every function may be called from any number of threads at once on buffers that do not overlap, except IP_RGE_*
+ *   (segment.h), which share one state.
  * - A result is the same to the last bit on every processor, whichever instruction set computes it.
  */
 #ifndef NADIR_NADIR_H
@@ -21,6 +23,8 @@
 #include <nadir/imgproc.h>
 #include <nadir/matrix.h>
 #include <nadir/numeric.h>
+#include <nadir/segment.h>
 #include <nadir/stereo.h>
+#include <nadir/vector.h>
 
 #endif

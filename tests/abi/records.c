@@ -177,3 +177,56 @@ FIELD(TrafoParams, int32_t, reserved, 0, 0);
 FIELD(TrafoParams, IntCalibParams, intParams, 4, 4);
 FIELD(TrafoParams, ExtCalibFixed, ext, 20, 20);
 SIZE(TrafoParams, 68, 68);
+
+FIELD(Vector, uint32_t, count, 0, 0);
+FIELD(Vector, uint32_t, capacity, 4, 4);
+FIELD(Vector, uint32_t, elementType, 8, 8);
+FIELD(Vector, void*, data, 12, 16);
+SIZE(Vector, 16, 24);
+
+FIELD(Position_u16, uint16_t, x, 0, 0);
+FIELD(Position_u16, uint16_t, y, 2, 2);
+SIZE(Position_u16, 4, 4);
+
+FIELD(ComponentEntry, uint16_t, label, 0, 0);
+FIELD(ComponentEntry, Position_u16*, positions, 4, 8);
+FIELD(ComponentEntry, uint16_t*, values, 8, 16);
+FIELD(ComponentEntry, uint32_t, pixelCount, 12, 24);
+FIELD(ComponentEntry, uint16_t*, contour, 16, 32);
+FIELD(ComponentEntry, uint32_t, contourCount, 20, 40);
+FIELD(ComponentEntry, int32_t, xMin, 24, 44);
+FIELD(ComponentEntry, int32_t, yMin, 28, 48);
+FIELD(ComponentEntry, int32_t, xEnd, 32, 52);
+FIELD(ComponentEntry, int32_t, yEnd, 36, 56);
+SIZE(ComponentEntry, 40, 64);
+
+FIELD(ComponentList, uint32_t, count, 0, 0);
+FIELD(ComponentList, ComponentEntry, entries[0], 4, 8);
+FIELD(ComponentList, Position_u16, positionPool[0], 655364, 1048584);
+FIELD(ComponentList, uint16_t, valuePool[0], 917508, 1310728);
+FIELD(ComponentList, uint16_t, contourPool[0], 1048580, 1441800);
+SIZE(ComponentList, 1179652, 1572872);
+
+FIELD(RgeParams, int32_t, x0, 0, 0);
+FIELD(RgeParams, int32_t, y0, 4, 4);
+FIELD(RgeParams, int32_t, x1, 8, 8);
+FIELD(RgeParams, int32_t, y1, 12, 12);
+FIELD(RgeParams, int32_t, maxStep, 16, 16);
+FIELD(RgeParams, int32_t, minValue, 20, 20);
+SIZE(RgeParams, 24, 24);
+
+FIELD(RegionEntry, uint16_t, label, 0, 0);
+FIELD(RegionEntry, uint32_t, pixelCount, 4, 4);
+FIELD(RegionEntry, Position_u16*, positions, 8, 8);
+FIELD(RegionEntry, uint16_t*, values, 12, 16);
+FIELD(RegionEntry, int32_t, xMin, 16, 24);
+FIELD(RegionEntry, int32_t, yMin, 20, 28);
+FIELD(RegionEntry, int32_t, xEnd, 24, 32);
+FIELD(RegionEntry, int32_t, yEnd, 28, 36);
+SIZE(RegionEntry, 32, 40);
+
+FIELD(RegionList, uint32_t, count, 0, 0);
+FIELD(RegionList, RegionEntry, entries[0], 4, 8);
+FIELD(RegionList, Position_u16, positionPool[0], 524292, 655368);
+FIELD(RegionList, uint16_t, valuePool[0], 589828, 720904);
+SIZE(RegionList, 622596, 753672);

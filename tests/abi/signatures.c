@@ -151,4 +151,26 @@ uint32_t (*is_IP_SgmPostproc)(const uint16_t*, const uint8_t*, uint16_t*, uint32
 uint32_t (*is_IP_Utl_Median_u16)(uint16_t*, uint32_t, uint16_t*) = IP_Utl_Median_u16;
 uint32_t (*is_IP_Utl_RadixIdxSort)(const uint16_t*, uint16_t*, uint32_t, uint32_t) = IP_Utl_RadixIdxSort;
 
+/* segment.h */
+int32_t (*is_IP_CompFind_CreateLabelMap)(Img*, void*, uint32_t) = IP_CompFind_CreateLabelMap;
+int32_t (*is_IP_CompFind_CreateComponentSizes)(Vector*, void*, uint32_t) = IP_CompFind_CreateComponentSizes;
+int32_t (*is_IP_CompFind_Process)(const Img*, Img*, Vector*, const int32_t*) = IP_CompFind_Process;
+CompFinder* (*is_IP_CompFinder_Init)(void) = IP_CompFinder_Init;
+void (*is_IP_CompFinder_Close)(CompFinder*) = IP_CompFinder_Close;
+int32_t (*is_IP_CompFinder_Process)(CompFinder*, const Img*, ComponentList*) = IP_CompFinder_Process;
+int32_t (*is_IP_CompFinder_ProcessAoi)(CompFinder*, const Img*, const Rect_s32*,
+                                       ComponentList*) = IP_CompFinder_ProcessAoi;
+int32_t (*is_IP_ContourFilter)(const Img*, Img*, uint32_t) = IP_ContourFilter;
+int32_t (*is_IP_ContourFilter_I)(Img*, uint32_t) = IP_ContourFilter_I;
+int32_t (*is_IP_RGrow_Process)(const Img*, const int32_t*, Img*) = IP_RGrow_Process;
+int32_t (*is_IP_RGE_Init)(void) = IP_RGE_Init;
+int32_t (*is_IP_RGE_Process)(const ImgC*, const RgeParams*) = IP_RGE_Process;
+int32_t (*is_IP_RGE_CreateLabelMap)(Img*) = IP_RGE_CreateLabelMap;
+int32_t (*is_IP_RGE_CreateRegionList)(RegionList*) = IP_RGE_CreateRegionList;
+
+/* vector.h */
+uint32_t (*is_Vector_Init)(Vector*, uint32_t, void*, uint32_t) = Vector_Init;
+uint32_t (*is_Vector_Clear)(Vector*) = Vector_Clear;
+uint32_t (*is_Vector_Fill)(Vector*, uint32_t, int32_t) = Vector_Fill;
+
 int main(void) { return 0; }

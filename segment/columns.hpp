@@ -1,0 +1,90 @@
+// Sets of columns of a row, a bit each: what is true of 64 pixels is asked at once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "core/pixels.hpp"
+
+namespace nadir {
+
+constexpr uint32_t kMaxColumns = 256;
+
+// The lowest bits of eight bytes that are 0 or 1 each, gathered into one byte, that of the first byte lowest. The
+// products of bit and factor meet in the top byte alone, each in a place of its own.
+inline uint8_t gatherBits(const uint8_t* flags) {
+#if __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  constexpr uint64_t factor = 0x0102040810204080;
+#else
+  constexpr uint64_t factor = 0x8040201008040201;
+#endif
+  uint64_t bytes;
+  std::memcpy(&bytes, flags, sizeof bytes);
+  return static_cast<uint8_t>(bytes * factor >> 56);
+}
+
+class Columns {
+ public:
+  // The columns begin <= x < end for which f(x) holds; end <= kMaxColumns.
+  template <class F>
+  static Columns where(uint32_t begin, uint32_t end, F f) {
+    uint8_t flags[kMaxColumns + 8] = {};
+    if (begin < end) forEachPixel(end - begin, [&](size_t i) { flags[begin + i] = f(begin + i) ? 1 : 0; });
+    Columns columns;
+    for (uint32_t x = begin & ~7u; x < end; x += 8) columns.words_[x / 64] |= uint64_t{gatherBits(flags + x)} << x % 64;
+    return columns;
+  }
+
+  friend Columns operator|(const Columns& a, const Columns& b) {
+    Columns both;
+    for (size_t w = 0; w < kWords; ++w) both.words_[w] = a.words_[w] | b.words_[w];
+    return both;
+  }
+
+  bool has(uint32_t x) const { return words_[x / 64] >> x % 64 & 1; }
+
+  // Whether any column begin <= x < end is in the set, begin < end.
+  bool hasAny(uint32_t begin, uint32_t end) const {
+    const uint32_t last = end - 1;
+    const uint64_t from = ~uint64_t{0} << begin % 64, upTo = ~uint64_t{0} >> (63 - last % 64);
+    if (begin / 64 == last / 64) return words_[begin / 64] & from & upTo;
+    for (uint32_t w = begin / 64 + 1; w < last / 64; ++w)
+      if (words_[w]) return true;
+    return (words_[begin / 64] & from) || (words_[last / 64] & upTo);
+  }
+
+  // The columns that are in the set while their left neighbour is not, or the other way round.
+  Columns edges() const {
+    Columns result;
+    uint64_t carry = 0;
+    for (size_t w = 0; w < kWords; ++w) {
+      result.words_[w] = words_[w] ^ (words_[w] << 1 | carry);
+      carry = words_[w] >> 63;
+    }
+    return result;
+  }
+
+  // Calls f(x) for the columns of the set from left to right.
+  template <class F>
+  void forEach(F f) const {
+    for (uint32_t w = 0; w < kWords; ++w)
+      for (uint64_t rest = words_[w]; rest; rest &= rest - 1) f(64 * w + static_cast<uint32_t>(__builtin_ctzll(rest)));
+  }
+
+ private:
+  static constexpr size_t kWords = kMaxColumns / 64;
+  uint64_t words_[kWords] = {};
+};
+
+// The columns begin <= x < end whose pixels are greater than the threshold, which may lie outside the pixels' range.
+template <class T>
+Columns greaterThan(int32_t threshold, const T* row, uint32_t begin, uint32_t end) {
+  if (threshold > std::numeric_limits<T>::max()) return Columns();
+  if (threshold < std::numeric_limits<T>::min()) return Columns::where(begin, end, [](size_t) { return true; });
+  const T limit = static_cast<T>(threshold);
+  return Columns::where(begin, end, [=](size_t x) { return row[x] > limit; });
+}
+
+}  // namespace nadir

@@ -1,0 +1,118 @@
+#include <nadir/segment.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "core/pixels.hpp"
+#include "segment/columns.hpp"
+#include "segment/disjoint_sets.hpp"
+#include "segment/entries.hpp"
+#include "segment/runs.hpp"
+
+namespace nadir {
+namespace {
+
+constexpr uint32_t kMaxSide = 128;
+constexpr uint16_t kMaxCells = kMaxSide * kMaxSide;  // and so many runs, and labels, if every cell is one
+
+// What the last processing found, for the extractions that follow it.
+struct Found {
+  ImgC elev;
+  bool any;  // whether a map was processed at all
+  uint32_t regions;
+  size_t count;
+  Run runs[kMaxCells];
+  LabelSets<kMaxCells> labels;
+};
+
+Found found;
+
+const uint16_t* cells(const ImgC& elev, size_t y) { return static_cast<const uint16_t*>(elev.data) + y * elev.width; }
+
+struct Area {
+  uint32_t x0, y0, x1, y1;
+};
+
+Area clampedArea(const ImgC& elev, const RgeParams& params) {
+  if (params.x0 == 0 && params.y0 == 0 && params.x1 == 0 && params.y1 == 0) return {0, 0, elev.width, elev.height};
+  const auto clamped = [](int32_t v, uint16_t size) { return static_cast<uint32_t>(std::clamp<int32_t>(v, 0, size)); };
+  return {clamped(params.x0, elev.width), clamped(params.y0, elev.height), clamped(params.x1, elev.width),
+          clamped(params.y1, elev.height)};
+}
+
+size_t findRowRuns(const uint16_t* row, uint32_t y, const Area& area, const RgeParams& params, Run* runs) {
+  const int32_t maxStep = params.maxStep;
+  const Columns inside = greaterThan(params.minValue, row, area.x0, area.x1);
+  const Columns steps =
+      Columns::where(area.x0 + 1, area.x1, [=](size_t x) { return std::abs(row[x] - row[x - 1]) > maxStep; });
+  return findRuns(inside, steps, y, area.x1, runs);
+}
+
+// The columns in which a row is as high as the one above it, but for a step that is small enough.
+Columns levelColumns(const uint16_t* above, const uint16_t* row, const Area& area, int32_t maxStep) {
+  return Columns::where(area.x0, area.x1, [=](size_t x) { return std::abs(row[x] - above[x]) <= maxStep; });
+}
+
+void findRegions(const ImgC& elev, const Area& area, const RgeParams& params) {
+  size_t aboveCount = 0;
+  for (uint32_t y = area.y0; y < area.y1 && area.x0 < area.x1; ++y) {
+    const uint16_t* row = cells(elev, y);
+    Run* runs = found.runs + found.count;
+    const size_t count = findRowRuns(row, y, area, params, runs);
+    const Columns level = y > area.y0 ? levelColumns(cells(elev, y - 1), row, area, params.maxStep) : Columns();
+    const auto touch = [&](const Run& above, const Run& run) {
+      return level.hasAny(std::max(above.start, run.start), std::min(above.end, run.end));
+    };
+    linkRow(runs - aboveCount, aboveCount, runs, count, Reach::sharedColumn, found.labels, touch);
+    found.count += count;
+    aboveCount = count;
+  }
+}
+
+void numberRegions() {
+  found.regions = found.labels.numberSets();
+  for (size_t i = 0; i < found.count; ++i) found.runs[i].label = found.labels.number(found.runs[i].label);
+}
+
+}  // namespace
+}  // namespace nadir
+
+using namespace nadir;
+
+int32_t IP_RGE_Init(void) {
+  found.labels.clear();
+  return 1;
+}
+
+int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
+  if (!elev || elev->type != IMG_TYPE_U16 || elev->width > kMaxSide || elev->height > kMaxSide) return 0;
+  const RgeParams everything = {0, 0, 0, 0, 0, 0};
+  const RgeParams& wanted = params ? *params : everything;
+  found.elev = *elev;
+  found.any = true;
+  found.count = 0;
+  found.labels.clear();
+  findRegions(*elev, clampedArea(*elev, wanted), wanted);
+  numberRegions();
+  return 1;
+}
+
+int32_t IP_RGE_CreateLabelMap(Img* map) {
+  if (!map || !found.any || map->type != IMG_TYPE_U16) return 0;
+  if (map->width < found.elev.width || map->height < found.elev.height) return 0;
+  std::memset(map->data, 0, rowBytes(*map) * map->height);
+  for (const Run* run = found.runs; run != found.runs + found.count; ++run) {
+    uint16_t* labels = row<uint16_t>(*map, run->row);
+    std::fill(labels + run->start, labels + run->end, run->label);
+  }
+  return 1;
+}
+
+int32_t IP_RGE_CreateRegionList(RegionList* out) {
+  out->count = found.regions;
+  layOutEntries(*out, found.runs, found.count);
+  for (const Run* run = found.runs; run != found.runs + found.count; ++run)
+    appendRun(out->entries[run->label - 1], *run, cells(found.elev, run->row));
+  return 1;
+}

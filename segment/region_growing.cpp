@@ -1,0 +1,82 @@
+// Whether two neighbours are linked depends on the two alone, so a region is a connected component of links, and a
+// forest of disjoint sets over all pixels finds it in one pass in raster order, without recursion. Its roots are the
+// regions' first pixels.
+#include <nadir/segment.h>
+
+#include <cstdlib>
+
+#include "core/memory.hpp"
+#include "core/pixels.hpp"
+#include "segment/disjoint_sets.hpp"
+
+namespace nadir {
+namespace {
+
+constexpr uint32_t kNoRegion = UINT32_MAX;
+
+struct Growth {
+  int32_t threshold, maxStep;
+
+  // A pixel on its own is linked to itself by a step of 0, which a negative limit forbids.
+  bool admits(int32_t value) const { return value > threshold && maxStep >= 0; }
+  bool links(int32_t a, int32_t b) const { return std::abs(a - b) <= maxStep; }
+};
+
+class Regions {
+ public:
+  Regions(const Img& src, const Growth& growth, uint32_t* parents)
+      : pixels_(static_cast<const uint16_t*>(src.data)), width_(src.width), growth_(growth), parents_(parents) {}
+
+  // Links a pixel to those of its neighbours that come before it.
+  void add(uint32_t x, uint32_t y) {
+    const uint32_t i = y * width_ + x;
+    parents_[i] = growth_.admits(pixels_[i]) ? i : kNoRegion;
+    if (parents_[i] == kNoRegion) return;
+    const bool hasLeft = x > 0, hasRight = x + 1 < width_;
+    if (hasLeft) link(i, i - 1);
+    if (y == 0) return;
+    if (hasLeft) link(i, i - width_ - 1);
+    link(i, i - width_);
+    if (hasRight) link(i, i - width_ + 1);
+  }
+
+ private:
+  void link(uint32_t i, uint32_t neighbour) {
+    if (parents_[neighbour] == kNoRegion || parents_[neighbour] == parents_[i]) return;
+    if (growth_.links(pixels_[i], pixels_[neighbour])) unite(parents_, i, neighbour);
+  }
+
+  const uint16_t* pixels_;
+  uint32_t width_;
+  Growth growth_;
+  uint32_t* parents_;
+};
+
+// A parent comes before its children, so its label is there when they ask for it.
+void writeLabels(const uint32_t* parents, size_t count, uint16_t* labels) {
+  uint16_t next = 1;
+  for (size_t i = 0; i < count; ++i) {
+    if (parents[i] == kNoRegion) {
+      labels[i] = 0;
+    } else {
+      labels[i] = parents[i] == i ? next++ : labels[parents[i]];
+    }
+  }
+}
+
+}  // namespace
+}  // namespace nadir
+
+using namespace nadir;
+
+int32_t IP_RGrow_Process(const Img* src, const int32_t* params, Img* labels) {
+  if (!src || !params || !labels || src->type != IMG_TYPE_U16 || !matches(*src, *labels)) return 0;
+  if (pixelCount(*src) == 0) return 1;
+  const Scratch<uint32_t> parents(pixelCount(*src));
+  if (!parents) return 0;
+  Regions regions(*src, {params[0], params[1]}, parents.get());
+  for (uint32_t y = 0; y < src->height; ++y)
+    for (uint32_t x = 0; x < src->width; ++x) regions.add(x, y);
+  writeLabels(parents.get(), pixelCount(*src), static_cast<uint16_t*>(labels->data));
+  return 1;
+}

@@ -1,0 +1,58 @@
+// Runs of neighbouring pixels in a row, and linking them to the runs of the row above.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "segment/columns.hpp"
+
+namespace nadir {
+
+// The columns start <= x < end of a row.
+struct Run {
+  uint16_t start, end;
+  uint16_t row;
+  uint16_t label;
+};
+
+// Writes the runs of the columns that are `inside`, cut at every column of `cuts`, and returns how many there are. A
+// run that no column ends ends at `end`.
+inline size_t findRuns(const Columns& inside, const Columns& cuts, uint32_t row, uint32_t end, Run* runs) {
+  size_t count = 0;
+  (inside.edges() | cuts).forEach([&](uint32_t x) {
+    if (x > 0 && inside.has(x - 1)) runs[count - 1].end = static_cast<uint16_t>(x);
+    if (inside.has(x))
+      runs[count++] = {static_cast<uint16_t>(x), static_cast<uint16_t>(end), static_cast<uint16_t>(row), 0};
+  });
+  return count;
+}
+
+inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* runs) {
+  return findRuns(inside, Columns(), row, end, runs);
+}
+
+// Which runs of neighbouring rows may touch: those that share a column, or also those that meet at a corner.
+enum class Reach : uint32_t { sharedColumn = 0, corner = 1 };
+
+// Gives every run of a row a label: that of the runs above which it touches, which thereby become one set, or else a
+// new one. Both lists are in the order of their columns. touches(above, run) has the last word on a pair within reach.
+template <class Labels, class Touches>
+void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach reach, Labels& labels,
+             Touches touches) {
+  const uint32_t gap = static_cast<uint32_t>(reach);
+  size_t first = 0;
+  for (Run* run = row; run != row + count; ++run) {
+    while (first < aboveCount && above[first].end + gap <= run->start) ++first;
+    for (size_t k = first; k < aboveCount && above[k].start < run->end + gap; ++k)
+      if (touches(above[k], *run)) run->label = run->label ? labels.unite(run->label, above[k].label) : above[k].label;
+    if (run->label == 0) run->label = labels.add();
+  }
+}
+
+// The same for runs that touch wherever they are within reach.
+template <class Labels>
+void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach reach, Labels& labels) {
+  linkRow(above, aboveCount, row, count, reach, labels, [](const Run&, const Run&) { return true; });
+}
+
+}  // namespace nadir
