@@ -6,6 +6,7 @@
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/polygon_cells.hpp"
+#include "bench/segment_growth.hpp"
 #include "bench/timing.hpp"
 #include "bench/work.hpp"
 #include "core/cpu.hpp"
@@ -42,12 +43,11 @@ void printLevels(const Scene& scene) {
   }
 }
 
-void printPeers(const Scene& scene) {
-  const std::vector<Peer> found = peers(scene);
-  if (found.empty()) std::printf("| %s | | not part of this build | |\n", sizeText(scene).c_str());
+void printPeers(const std::string& size, const std::vector<Peer>& found) {
+  if (found.empty()) std::printf("| %s | | not part of this build | |\n", size.c_str());
   for (const Peer& peer : found) {
     const std::vector<double> seconds = fastest({peer.ours, peer.theirs});
-    std::printf("| %s | %s | %s | %.2f |\n", sizeText(scene).c_str(), peer.against.c_str(), peer.name.c_str(),
+    std::printf("| %s | %s | %s | %.2f |\n", size.c_str(), peer.against.c_str(), peer.name.c_str(),
                 seconds[1] / seconds[0]);
     std::fflush(stdout);
   }
@@ -79,12 +79,19 @@ void run() {
       "other costs,\n"
       "paths and checks: they do the same task, not the same computation.\n\n");
   std::printf("| size | ours | OpenCV | ratio |\n|---|---|---|--:|\n");
-  for (const Scene& scene : scenes) printPeers(scene);
+  for (const Scene& scene : scenes) printPeers(sizeText(scene), peers(scene));
+  for (uint32_t side : {128u, 256u})
+    printPeers(std::to_string(side) + "x" + std::to_string(side), componentPeers(side));
 
   std::printf(
       "\n## Elevation mask\n\nThe time of asking for every cell whether it lies in a polygon, divided by that of the "
       "library's spans.\n\n");
   printPolygonCells();
+
+  std::printf(
+      "\n## Segmentation\n\nThe time of a pixel in a large square picture, divided by that in a small one (sides in "
+      "pixels): about 1\nwhere time grows with the number of pixels and with nothing else.\n\n");
+  printSegmentGrowth();
 
   std::printf("\n## Memory\n\nWhat a call allocates in all, divided by the bytes of one 16-bit picture.\n\n");
   std::printf("| size | call | allocations | ratio |\n|---|---|--:|--:|\n");

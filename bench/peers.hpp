@@ -17,5 +17,6 @@ struct Peer {
 
 // Empty in a build without any of them.
 std::vector<Peer> peers(const Scene& scene);
+std::vector<Peer> componentPeers(uint32_t side);  // of square pictures
 
 }  // namespace nadir::bench

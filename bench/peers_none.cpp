@@ -3,5 +3,6 @@
 namespace nadir::bench {
 
 std::vector<Peer> peers(const Scene&) { return {}; }
+std::vector<Peer> componentPeers(uint32_t) { return {}; }
 
 }  // namespace nadir::bench

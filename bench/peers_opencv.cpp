@@ -7,9 +7,11 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "bench/contents.hpp"
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/picture.hpp"
+#include "bench/segment_calls.hpp"
 
 namespace nadir::bench {
 namespace {
@@ -49,7 +51,27 @@ Peer median(const Scene& scene) {
           [=, out = theirs.clone()] { cv::medianBlur(theirs, out, 3); }};
 }
 
+// Ours labels and counts; or it lists the pixels of every component besides.
+Peer components(const std::string& ours, Call (*prepare)(const Picture16&), const Content& content, uint32_t side) {
+  const Picture16 src = makePicture(side, side, IMG_TYPE_U16, content.draw(side));
+  const cv::Mat foreground = cv::Mat(src->img.height, src->img.width, CV_16U, src->pixels.data()) > 0;
+  return {"connectedComponentsWithStats, " + content.name, ours, prepare(src), [=] {
+            cv::Mat labels, stats, centroids;
+            cv::connectedComponentsWithStats(foreground, labels, stats, centroids, 8, CV_32S);
+          }};
+}
+
 }  // namespace
+
+std::vector<Peer> componentPeers(uint32_t side) {
+  cv::setNumThreads(1);
+  std::vector<Peer> found;
+  for (const Content& content : contents()) {
+    if (side <= 128) found.push_back(components("IP_CompFind_Process", labelling, content, side));
+    found.push_back(components("IP_CompFinder_Process", componentsFound, content, side));
+  }
+  return found;
+}
 
 std::vector<Peer> peers(const Scene& scene) {
   cv::setNumThreads(1);

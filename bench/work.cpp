@@ -9,6 +9,7 @@ Works allWorks(const Scene& scene) {
   Works works;
   addImageWorks(works, scene);
   addImgprocWorks(works, scene);
+  addSegmentWorks(works, scene);
   addStereoWorks(works, scene);
   return works;
 }

@@ -22,6 +22,7 @@ using Works = std::vector<Work>;
 // One function per public header. The works keep what they need alive.
 void addImageWorks(Works& works, const Scene& scene);
 void addImgprocWorks(Works& works, const Scene& scene);
+void addSegmentWorks(Works& works, const Scene& scene);
 void addStereoWorks(Works& works, const Scene& scene);
 
 Works allWorks(const Scene& scene);

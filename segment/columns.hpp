@@ -37,44 +37,78 @@ class Columns {
     return columns;
   }
 
-  friend Columns operator|(const Columns& a, const Columns& b) {
-    Columns both;
-    for (size_t w = 0; w < kWords; ++w) both.words_[w] = a.words_[w] | b.words_[w];
-    return both;
+  friend Columns operator&(const Columns& a, const Columns& b) {
+    return combine(a, b, [](uint64_t p, uint64_t q) { return p & q; });
   }
-
-  bool has(uint32_t x) const { return words_[x / 64] >> x % 64 & 1; }
+  friend Columns operator|(const Columns& a, const Columns& b) {
+    return combine(a, b, [](uint64_t p, uint64_t q) { return p | q; });
+  }
+  friend Columns without(const Columns& a, const Columns& b) {
+    return combine(a, b, [](uint64_t p, uint64_t q) { return p & ~q; });
+  }
 
   // Whether any column begin <= x < end is in the set, begin < end.
   bool hasAny(uint32_t begin, uint32_t end) const {
-    const uint32_t last = end - 1;
-    const uint64_t from = ~uint64_t{0} << begin % 64, upTo = ~uint64_t{0} >> (63 - last % 64);
-    if (begin / 64 == last / 64) return words_[begin / 64] & from & upTo;
-    for (uint32_t w = begin / 64 + 1; w < last / 64; ++w)
-      if (words_[w]) return true;
-    return (words_[begin / 64] & from) || (words_[last / 64] & upTo);
+    for (uint32_t w = begin / 64; w <= (end - 1) / 64; ++w)
+      if (within(w, begin, end)) return true;
+    return false;
   }
 
-  // The columns that are in the set while their left neighbour is not, or the other way round.
-  Columns edges() const {
+  // The columns whose left, or whose right neighbour is in the set.
+  Columns rightNeighbours() const {
     Columns result;
     uint64_t carry = 0;
     for (size_t w = 0; w < kWords; ++w) {
-      result.words_[w] = words_[w] ^ (words_[w] << 1 | carry);
+      result.words_[w] = words_[w] << 1 | carry;
       carry = words_[w] >> 63;
     }
     return result;
   }
 
-  // Calls f(x) for the columns of the set from left to right.
+  Columns leftNeighbours() const {
+    Columns result;
+    uint64_t carry = 0;
+    for (size_t w = kWords; w-- > 0;) {
+      result.words_[w] = words_[w] >> 1 | carry;
+      carry = words_[w] << 63;
+    }
+    return result;
+  }
+
+  // Calls f(x) for the columns of the set from left to right: for all of them, or for those begin <= x < end,
+  // begin < end.
   template <class F>
   void forEach(F f) const {
-    for (uint32_t w = 0; w < kWords; ++w)
-      for (uint64_t rest = words_[w]; rest; rest &= rest - 1) f(64 * w + static_cast<uint32_t>(__builtin_ctzll(rest)));
+    for (uint32_t w = 0; w < kWords; ++w) forEachBit(words_[w], 64 * w, f);
+  }
+  template <class F>
+  void forEach(uint32_t begin, uint32_t end, F f) const {
+    for (uint32_t w = begin / 64; w <= (end - 1) / 64; ++w) forEachBit(within(w, begin, end), 64 * w, f);
   }
 
  private:
   static constexpr size_t kWords = kMaxColumns / 64;
+
+  // Word w without what lies outside begin <= x < end.
+  uint64_t within(uint32_t w, uint32_t begin, uint32_t end) const {
+    uint64_t word = words_[w];
+    if (w == begin / 64) word &= ~uint64_t{0} << begin % 64;
+    if (w == (end - 1) / 64) word &= ~uint64_t{0} >> (63 - (end - 1) % 64);
+    return word;
+  }
+
+  template <class F>
+  static void forEachBit(uint64_t word, uint32_t first, F f) {
+    for (; word; word &= word - 1) f(first + static_cast<uint32_t>(__builtin_ctzll(word)));
+  }
+
+  template <class F>
+  static Columns combine(const Columns& a, const Columns& b, F f) {
+    Columns result;
+    for (size_t w = 0; w < kWords; ++w) result.words_[w] = f(a.words_[w], b.words_[w]);
+    return result;
+  }
+
   uint64_t words_[kWords] = {};
 };
 

@@ -43,16 +43,15 @@ struct CompFinder {
   LabelSets<kMaxLabels> labels;
   Run runs[kMaxRuns * kMaxSide];
   uint32_t count;
+  Columns nonZero[kMaxSide + 2];  // of the row above the area, of its rows, and of the row below it
 };
 
 namespace nadir {
 namespace {
 
 // The runs of a row but for one that starts in the last scanned column, which is dropped.
-uint32_t findKeptRuns(const Img& src, const Rect_s32& area, int32_t y, Run* runs) {
-  const uint32_t begin = static_cast<uint32_t>(area.x0), end = static_cast<uint32_t>(area.x1);
-  const Columns inside = greaterThan(0, row<const uint16_t>(src, static_cast<size_t>(y)), begin, end);
-  const size_t count = findRuns(inside, static_cast<uint32_t>(y), end, runs);
+uint32_t findKeptRuns(const Columns& nonZero, int32_t y, uint32_t end, Run* runs) {
+  const size_t count = findRuns(nonZero, static_cast<uint32_t>(y), end, runs);
   return static_cast<uint32_t>(count > 0 && runs[count - 1].start + 1u == end ? count - 1 : count);
 }
 
@@ -61,44 +60,54 @@ uint32_t labelRuns(CompFinder& finder, const Img& src, const Rect_s32& area) {
   finder.labels.clear();
   finder.count = 0;
   uint32_t aboveCount = 0;
+  const uint32_t begin = static_cast<uint32_t>(area.x0), end = static_cast<uint32_t>(area.x1);
+  Columns* nonZero = finder.nonZero;
+  *nonZero = Columns();
   for (int32_t y = area.y0; y < area.y1 && area.x0 < area.x1; ++y) {
     Run* runs = finder.runs + finder.count;
-    const uint32_t count = findKeptRuns(src, area, y, runs);
+    *++nonZero = greaterThan(0, row<const uint16_t>(src, static_cast<size_t>(y)), begin, end);
+    const uint32_t count = findKeptRuns(*nonZero, y, end, runs);
     linkRow(runs - aboveCount, aboveCount, runs, count, Reach::corner, finder.labels);
     finder.count += count;
     aboveCount = count;
   }
+  *++nonZero = Columns();
   const uint32_t components = finder.labels.numberSets();
   for (uint32_t i = 0; i < finder.count; ++i) finder.runs[i].label = finder.labels.number(finder.runs[i].label);
   return components;
 }
 
-// Appends the indices of a run's contour pixels, the first pixel having the index `first`. An index is written in any
-// case and counted if it belongs: that is quicker than to branch, and the slice has room for all of the pixels.
-void appendContour(ComponentEntry& entry, const Run& run, uint32_t first, const uint16_t* above,
-                   const uint16_t* below) {
-  uint32_t count = entry.contourCount;
-  for (uint32_t x = run.start; x < run.end; ++x) {
-    const bool isEnd = x == run.start || x + 1 == run.end;
-    entry.contour[count] = static_cast<uint16_t>(first + x - run.start);
-    count += isEnd | (above[x] == 0) | (below[x] == 0);
-  }
-  entry.contourCount = count;
+// The pixels of a row that have a neighbour of 0 to the left, to the right, above or below, rows[0] being the row
+// itself.
+Columns contourColumns(const Columns* rows) {
+  const Columns& row = rows[0];
+  return without(row, rows[-1] & rows[1] & row.leftNeighbours() & row.rightNeighbours());
 }
 
-void fillList(ComponentList& out, const CompFinder& finder, const Img& src, const Rect_s32& area) {
-  static constexpr uint16_t kNothing[kMaxSide] = {};
+void startEntries(ComponentList& out, const CompFinder& finder) {
   layOutEntries(out, finder.runs, finder.count);
   for (uint32_t k = 0; k < out.count; ++k) {
     out.entries[k].contour = out.contourPool + (out.entries[k].positions - out.positionPool);
     out.entries[k].contourCount = 0;
   }
-  for (const Run* run = finder.runs; run != finder.runs + finder.count; ++run) {
-    ComponentEntry& entry = out.entries[run->label - 1];
-    const uint16_t* above = run->row > area.y0 ? row<const uint16_t>(src, run->row - 1u) : kNothing;
-    const uint16_t* below = run->row + 1 < area.y1 ? row<const uint16_t>(src, run->row + 1u) : kNothing;
-    appendContour(entry, *run, entry.pixelCount, above, below);
-    appendRun(entry, *run, row<const uint16_t>(src, run->row));
+}
+
+void appendContour(ComponentEntry& entry, const Run& run, const Columns& contour) {
+  const uint32_t first = entry.pixelCount - run.start;
+  contour.forEach(run.start, run.end,
+                  [&](uint32_t x) { entry.contour[entry.contourCount++] = static_cast<uint16_t>(first + x); });
+}
+
+void fillEntries(ComponentList& out, const CompFinder& finder, const Img& src, const Rect_s32& area) {
+  const Run *run = finder.runs, *const last = finder.runs + finder.count;
+  for (int32_t y = area.y0; run != last; ++y) {
+    const Columns contour = contourColumns(finder.nonZero + 1 + (y - area.y0));
+    const uint16_t* pixels = row<const uint16_t>(src, static_cast<size_t>(y));
+    for (; run != last && run->row == y; ++run) {
+      ComponentEntry& entry = out.entries[run->label - 1];
+      appendContour(entry, *run, contour);
+      appendRun(entry, *run, pixels);
+    }
   }
 }
 
@@ -119,6 +128,7 @@ int32_t IP_CompFinder_ProcessAoi(CompFinder* finder, const Img* src, const Rect_
   if (!isSupported(*src)) return 0;
   const Rect_s32 area = scannedArea(*src, *aoi);
   out->count = labelRuns(*finder, *src, area);
-  fillList(*out, *finder, *src, area);
+  startEntries(*out, *finder);
+  fillEntries(*out, *finder, *src, area);
   return 1;
 }

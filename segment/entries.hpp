@@ -38,9 +38,14 @@ void appendRun(Entry& entry, const Run& run, const uint16_t* pixels) {
   entry.xEnd = std::max<int32_t>(entry.xEnd, run.end);
   entry.yMin = std::min<int32_t>(entry.yMin, run.row);
   entry.yEnd = run.row + 1;
-  std::copy(pixels + run.start, pixels + run.end, entry.values + entry.pixelCount);
-  for (uint32_t x = run.start; x < run.end; ++x)
-    entry.positions[entry.pixelCount++] = {static_cast<uint16_t>(x), run.row};
+  Position_u16* __restrict positions = entry.positions + entry.pixelCount;
+  uint16_t* __restrict values = entry.values + entry.pixelCount;
+  const uint32_t length = uint32_t{run.end} - run.start;
+  for (uint32_t i = 0; i < length; ++i) {
+    positions[i] = {static_cast<uint16_t>(run.start + i), run.row};
+    values[i] = pixels[run.start + i];
+  }
+  entry.pixelCount += length;
 }
 
 }  // namespace nadir

@@ -15,16 +15,16 @@ struct Run {
   uint16_t label;
 };
 
-// Writes the runs of the columns that are `inside`, cut at every column of `cuts`, and returns how many there are. A
-// run that no column ends ends at `end`.
+// Writes the runs of the columns that are `inside`, from left to right, and returns how many there are. A run ends
+// where the columns do, or at `end`, and another one starts at those of the `cuts` that are inside.
 inline size_t findRuns(const Columns& inside, const Columns& cuts, uint32_t row, uint32_t end, Run* runs) {
-  size_t count = 0;
-  (inside.edges() | cuts).forEach([&](uint32_t x) {
-    if (x > 0 && inside.has(x - 1)) runs[count - 1].end = static_cast<uint16_t>(x);
-    if (inside.has(x))
-      runs[count++] = {static_cast<uint16_t>(x), static_cast<uint16_t>(end), static_cast<uint16_t>(row), 0};
+  const Columns behind = inside.rightNeighbours(), cutsWithin = cuts & inside & behind;
+  size_t starts = 0, ends = 0;
+  (without(inside, behind) | cutsWithin).forEach([&](uint32_t x) {
+    runs[starts++] = {static_cast<uint16_t>(x), static_cast<uint16_t>(end), static_cast<uint16_t>(row), 0};
   });
-  return count;
+  (without(behind, inside) | cutsWithin).forEach([&](uint32_t x) { runs[ends++].end = static_cast<uint16_t>(x); });
+  return starts;
 }
 
 inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* runs) {
@@ -33,6 +33,16 @@ inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* r
 
 // Which runs of neighbouring rows may touch: those that share a column, or also those that meet at a corner.
 enum class Reach : uint32_t { sharedColumn = 0, corner = 1 };
+
+// Makes one set of a run's label, if it has one, and another.
+template <class Labels>
+void join(Run& run, uint16_t label, Labels& labels) {
+  if (run.label == 0) {
+    run.label = label;
+  } else if (run.label != label) {
+    run.label = labels.unite(run.label, label);
+  }
+}
 
 // Gives every run of a row a label: that of the runs above which it touches, which thereby become one set, or else a
 // new one. Both lists are in the order of their columns. touches(above, run) has the last word on a pair within reach.
@@ -44,7 +54,7 @@ void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach 
   for (Run* run = row; run != row + count; ++run) {
     while (first < aboveCount && above[first].end + gap <= run->start) ++first;
     for (size_t k = first; k < aboveCount && above[k].start < run->end + gap; ++k)
-      if (touches(above[k], *run)) run->label = run->label ? labels.unite(run->label, above[k].label) : above[k].label;
+      if (touches(above[k], *run)) join(*run, above[k].label, labels);
     if (run->label == 0) run->label = labels.add();
   }
 }

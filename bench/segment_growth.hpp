@@ -1,0 +1,8 @@
+// That the time of segmentation grows with the number of pixels alone.
+#pragma once
+
+namespace nadir::bench {
+
+void printSegmentGrowth();
+
+}  // namespace nadir::bench
