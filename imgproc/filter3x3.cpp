@@ -10,7 +10,10 @@
 namespace nadir {
 
 const Filter3x3Kernels& filter3x3Kernels([[maybe_unused]] unsigned cpu) {
-#if defined(NADIR_WITH_SSE41)
+#if defined(NADIR_WITH_NEON)
+  if (cpu & cpuNeon) return filter3x3Neon;
+#elif defined(NADIR_WITH_SSE41)
+  if (cpu & cpuAvx512) return filter3x3Avx512;
   if (cpu & cpuAvx2) return filter3x3Avx2;
   if (cpu & cpuSse41) return filter3x3Sse41;
 #endif
@@ -21,10 +24,10 @@ namespace {
 
 // Filters columns 1 to `columns` of every row that has a row above and below.
 template <class T>
-void filterInterior(const Img& src, const Img& dst, size_t columns, Filter3x3Row<T> filter) {
-  for (size_t y = 1; y + 1 < src.height; ++y) {
-    filter(row<T>(src, y - 1), row<T>(src, y), row<T>(src, y + 1), row<T>(dst, y) + 1, columns);
-  }
+void filterInterior(const Img& src, const Img& dst, size_t columns, Filter3x3<T> filter) {
+  if (src.height < 3) return;
+  filter(row<T>(src, 0), rowBytes(src) / sizeof(T), row<T>(dst, 1) + 1, rowBytes(dst) / sizeof(T), src.height - 2u,
+         columns);
 }
 
 size_t interiorColumns(const Img& img) { return img.width > 2 ? img.width - 2u : 0; }
@@ -36,7 +39,7 @@ void copyRow(const Img& src, const Img& dst, size_t y) {
 
 // The frame is copied, the interior filtered; at least 2 rows.
 template <class T>
-void morphPass(const Img& src, const Img& dst, Filter3x3Row<T> filter) {
+void morphPass(const Img& src, const Img& dst, Filter3x3<T> filter) {
   const size_t lastRow = src.height - 1u, lastColumn = src.width - 1u;
   if (src.width == 0) return;
   copyRow<T>(src, dst, 0);
@@ -49,7 +52,7 @@ void morphPass(const Img& src, const Img& dst, Filter3x3Row<T> filter) {
 }
 
 template <class T>
-uint32_t morphTwice(const Img& src, const Img& dst, Filter3x3Row<T> first, Filter3x3Row<T> second) {
+uint32_t morphTwice(const Img& src, const Img& dst, Filter3x3<T> first, Filter3x3<T> second) {
   const Scratch<unsigned char> pixels(uint64_t{rowBytes(src)} * src.height);
   if (!pixels) return 0;
   Img between = src;
@@ -60,13 +63,13 @@ uint32_t morphTwice(const Img& src, const Img& dst, Filter3x3Row<T> first, Filte
 }
 
 template <class T>
-uint32_t morph(const Img& src, const Img& dst, int32_t op, const MorphRows<T>& rows) {
+uint32_t morph(const Img& src, const Img& dst, int32_t op, const MorphFilters<T>& filters) {
   switch (op) {
-    case MORPH_ERODE: morphPass<T>(src, dst, rows.erode); return 1;
-    case MORPH_DILATE: morphPass<T>(src, dst, rows.dilate); return 1;
-    case MORPH_OPEN: return morphTwice<T>(src, dst, rows.erode, rows.dilate);
-    case MORPH_CLOSE: return morphTwice<T>(src, dst, rows.dilate, rows.erode);
-    case MORPH_CLEAN: morphPass<T>(src, dst, rows.clean); return 1;
+    case MORPH_ERODE: morphPass<T>(src, dst, filters.erode); return 1;
+    case MORPH_DILATE: morphPass<T>(src, dst, filters.dilate); return 1;
+    case MORPH_OPEN: return morphTwice<T>(src, dst, filters.erode, filters.dilate);
+    case MORPH_CLOSE: return morphTwice<T>(src, dst, filters.dilate, filters.erode);
+    case MORPH_CLEAN: morphPass<T>(src, dst, filters.clean); return 1;
     default: return 1;
   }
 }

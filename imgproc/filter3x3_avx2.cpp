@@ -1,7 +1,7 @@
-#include "imgproc/filter3x3_rows.hpp"
+#include "imgproc/filter3x3_simd.hpp"
 
 namespace nadir {
 
-const Filter3x3Kernels filter3x3Avx2 = Filter3x3Rows<struct Avx2Rows>::table();
+const Filter3x3Kernels filter3x3Avx2 = filter3x3Strips<struct Avx2Strips, 32>();
 
 }  // namespace nadir

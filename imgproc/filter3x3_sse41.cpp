@@ -1,7 +1,7 @@
-#include "imgproc/filter3x3_rows.hpp"
+#include "imgproc/filter3x3_simd.hpp"
 
 namespace nadir {
 
-const Filter3x3Kernels filter3x3Sse41 = Filter3x3Rows<struct Sse41Rows>::table();
+const Filter3x3Kernels filter3x3Sse41 = filter3x3Strips<struct Sse41Strips, 16>();
 
 }  // namespace nadir
