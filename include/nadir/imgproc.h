@@ -1,4 +1,5 @@
-/* Image operations: thresholds, pixel-wise arithmetic, masking and 3x3 neighbourhood filters.
+/* Image operations: thresholds, pixel-wise arithmetic, masking, 3x3 neighbourhood filters, smoothing, hole filling,
+ * halving and averaging over time.
  *
  * Common to all of them: images are described by Img (image.h) and belong to the caller; the images of a call must
  * agree in width, height and type; each image is walked with its own row stride, width * bytesPerPixel. Every function
@@ -118,6 +119,83 @@ enum MorphOp {
  *
  * MORPH_OPEN and MORPH_CLOSE allocate one image of the source's size and return 0 where that fails. */
 NADIR_API uint32_t IP_Morph3x3(const Img* src, Img* dst, int32_t op);
+
+/* ---- smoothing and hole filling -------------------------------------------------------------------------------- */
+
+/* Smooths an image with the binomial kernel 1 4 6 4 1 in both directions, all 25 weights adding up to 256. The sums are
+ * exact and rounded once: (sum + 128) >> 8. Beyond the border the outermost row or column goes on.
+ *
+ * src, dst  images of equal size, IMG_TYPE_U16, at least 4 columns and 3 rows; smaller ones give 0, those without rows
+ *           too. They may be the same image; where they overlap, the result is as if all of `src` were read first.
+ * kernel    must be 0.
+ *
+ * The two columns at the right border are crossed: column width - 2 holds what is right for the last column, and the
+ * last column what is right for column width - 2. Programs rely on it.
+ *
+ * The call allocates 20 bytes per column and returns 0 with `dst` untouched where that fails.
+ *
+ * Method: P. J. Burt, "Fast filter transforms for image processing", CGIP 16(1), 1981, with its binomial weights. */
+NADIR_API uint32_t IP_Gauss(const Img* src, Img* dst, uint32_t kernel);
+
+/* Fills holes, pixels of 0, from what surrounds them; all other pixels are copied.
+ *
+ * The image is halved again and again until it is a single pixel wide or high. Each coarse pixel is the rounded mean of
+ * those of its 2x2 finer pixels that are no holes, or a hole if all are; an odd last row or column is left out. On the
+ * way back each hole takes the coarse pixel that covers it, or the nearest in an odd last row or column. Only where a
+ * pixel of the coarsest image stays a hole do holes remain: an image of zeros stays one.
+ *
+ * src, dst  images of equal size, IMG_TYPE_U16; they may be the same image. Both sides must have at least 2 pixels and
+ *           one of them less than 4096; other sizes give 0.
+ *
+ * The call allocates less than a byte per pixel. Where that fails it STILL RETURNS 1 and writes nothing: a caller who
+ * must know compares.
+ *
+ * Method: S. J. Gortler, R. Grzeszczuk, R. Szeliski, M. F. Cohen, "The lumigraph", SIGGRAPH 1996, section 3.4, with
+ * weights of 0 and 1. */
+NADIR_API int32_t IP_PullPush(const Img* src, Img* dst);
+
+/* ---- halving and averaging over time --------------------------------------------------------------------------- */
+
+/* Halves a 640 x 480 image by keeping the upper left pixel of every 2x2 block: pixel (x, y) is pixel (2x, 2y) of the
+ * source. Nothing is averaged.
+ *
+ * src  640 x 480 pixels.
+ * dst  320 x 240 pixels, not overlapping `src`.
+ *
+ * Of the types only the bit IMG_TYPE_U16 is looked at; both must have it. A bytesPerPixel of 0, which Img_Init gives to
+ * a sum of types, counts as 2. */
+NADIR_API uint32_t IP_ScaleVga2Qvga(const Img* src, Img* dst);
+
+/* What an average over frames remembers besides its two images. */
+typedef struct {
+  uint32_t invalidValue;    /* a pixel of this value says nothing and does not count; above 65535: every pixel counts */
+  uint32_t minValidPercent; /* an average needs more valid frames than this percentage of all */
+  uint32_t frameCount;      /* frames added since IP_Utils_ImgAvrgInit */
+} ImgAvrgState;
+
+/* Begins an average over frames: clears both images and sets the state to invalidValue 0, minValidPercent 50 and
+ * frameCount 0. The caller may change the first two afterwards.
+ *
+ * frame  an image of IMG_TYPE_U16; only its description is read.
+ * sum    an image of IMG_TYPE_S32 of the frame's size: the sums of the valid pixels.
+ * count  an image of IMG_TYPE_U16: how many there were. All of it is cleared. Its size is not compared; the functions
+ *        below take its first width * height pixels in memory order, those of the frame's size, which must exist.
+ * state  must not be null; it is not checked. */
+NADIR_API int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgState* state);
+
+/* Adds a frame: where a pixel differs from invalidValue it is added to its sum, which wraps at 32 bits, and its count
+ * grows by one and wraps at 16 bits. frameCount grows by one, also for a frame without rows. The arguments are those of
+ * IP_Utils_ImgAvrgInit; no two of the images may overlap. */
+NADIR_API int32_t IP_Utils_ImgAvrgAdd(const Img* frame, Img* sum, Img* count, ImgAvrgState* state);
+
+/* Gives the average of the frames added so far: sum / count, rounded toward zero and cut to 16 bits, where the count is
+ * greater than minValidPercent * frameCount / 100, and 0 elsewhere. That product wraps at 32 bits and is divided as a
+ * signed number, rounded toward zero; should it be negative, every pixel with a count has its average.
+ *
+ * out  an image of IMG_TYPE_U16 of the size of `sum`, overlapping neither of the others.
+ *
+ * Sums, counts and state stay as they are: more frames may follow. */
+NADIR_API uint32_t IP_Utils_ImgAvrgProcess(Img* out, const Img* sum, const Img* count, const ImgAvrgState* state);
 
 #ifdef __cplusplus
 }

@@ -21,6 +21,7 @@
 #include <nadir/geometry.h>
 #include <nadir/image.h>
 #include <nadir/imgproc.h>
+#include <nadir/list.h>
 #include <nadir/matrix.h>
 #include <nadir/numeric.h>
 #include <nadir/segment.h>

@@ -27,6 +27,25 @@ FIELD(ImgC, uint32_t, type, 8, 8);
 FIELD(ImgC, const void*, data, 12, 16);
 SIZE(ImgC, 16, 24);
 
+FIELD(ImgAvrgState, uint32_t, invalidValue, 0, 0);
+FIELD(ImgAvrgState, uint32_t, minValidPercent, 4, 4);
+FIELD(ImgAvrgState, uint32_t, frameCount, 8, 8);
+SIZE(ImgAvrgState, 12, 12);
+
+FIELD(ListNode, void*, item, 0, 0);
+FIELD(ListNode, ListNode*, prev, 4, 8);
+FIELD(ListNode, ListNode*, next, 8, 16);
+SIZE(ListNode, 12, 24);
+
+FIELD(List, ListNode*, head, 0, 0);
+FIELD(List, ListNode*, tail, 4, 8);
+FIELD(List, uint32_t, count, 8, 16);
+FIELD(List, uint8_t, isStatic, 12, 20);
+FIELD(List, ListNode*, nodePool, 16, 24);
+FIELD(List, uint8_t*, itemPool, 20, 32);
+FIELD(List, int32_t, maxCount, 24, 40);
+SIZE(List, 28, 48);
+
 FIELD(PcBuffer, uint32_t, width, 0, 0);
 FIELD(PcBuffer, uint32_t, numDisparities, 4, 4);
 FIELD(PcBuffer, uint8_t*, costsA, 8, 8);
@@ -230,3 +249,24 @@ FIELD(RegionList, RegionEntry, entries[0], 4, 8);
 FIELD(RegionList, Position_u16, positionPool[0], 524292, 655368);
 FIELD(RegionList, uint16_t, valuePool[0], 589828, 720904);
 SIZE(RegionList, 622596, 753672);
+
+FIELD(Kalman1d, float, x, 0, 0);
+FIELD(Kalman1d, float, v, 4, 4);
+FIELD(Kalman1d, float, P[0], 8, 8);
+FIELD(Kalman1d, float, Q[0], 24, 24);
+FIELD(Kalman1d, float, R, 40, 40);
+FIELD(Kalman1d, float, sigmaZ, 44, 44);
+FIELD(Kalman1d, float, sigmaV, 48, 48);
+FIELD(Kalman1d, float, sigmaA, 52, 52);
+SIZE(Kalman1d, 56, 56);
+
+typedef double (*Objective)(void*, double);
+FIELD(GsFunc, Objective, evaluate, 0, 0);
+FIELD(GsFunc, void*, context, 4, 8);
+SIZE(GsFunc, 8, 16);
+
+FIELD(GsResult, uint32_t, iterations, 0, 0);
+FIELD(GsResult, uint32_t, evaluations, 4, 4);
+FIELD(GsResult, double, bestX, 8, 8);
+FIELD(GsResult, double, bestF, 16, 16);
+SIZE(GsResult, 24, 24);

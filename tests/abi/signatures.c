@@ -26,6 +26,23 @@ uint32_t (*is_IP_Mask_I)(Img*, const Img*, uint32_t) = IP_Mask_I;
 uint32_t (*is_IP_Median3x3)(const Img*, Img*) = IP_Median3x3;
 uint32_t (*is_IP_Maximum3x3)(const Img*, Img*) = IP_Maximum3x3;
 uint32_t (*is_IP_Morph3x3)(const Img*, Img*, int32_t) = IP_Morph3x3;
+uint32_t (*is_IP_Gauss)(const Img*, Img*, uint32_t) = IP_Gauss;
+int32_t (*is_IP_PullPush)(const Img*, Img*) = IP_PullPush;
+uint32_t (*is_IP_ScaleVga2Qvga)(const Img*, Img*) = IP_ScaleVga2Qvga;
+int32_t (*is_IP_Utils_ImgAvrgInit)(const Img*, Img*, Img*, ImgAvrgState*) = IP_Utils_ImgAvrgInit;
+int32_t (*is_IP_Utils_ImgAvrgAdd)(const Img*, Img*, Img*, ImgAvrgState*) = IP_Utils_ImgAvrgAdd;
+uint32_t (*is_IP_Utils_ImgAvrgProcess)(Img*, const Img*, const Img*, const ImgAvrgState*) = IP_Utils_ImgAvrgProcess;
+
+/* list.h */
+void (*is_List_Init)(List*, int32_t) = List_Init;
+void (*is_ListStatic_Init)(List*, int32_t, ListNode*, void*) = ListStatic_Init;
+ListNode* (*is_List_Iter)(const List*) = List_Iter;
+ListNode* (*is_List_Append)(List*, const void*, uint32_t) = List_Append;
+ListNode* (*is_List_Prepend)(List*, const void*, uint32_t) = List_Prepend;
+ListNode* (*is_List_InsertBefore)(List*, ListNode*, const void*, uint32_t) = List_InsertBefore;
+ListNode* (*is_List_InsertAfter)(List*, ListNode*, const void*, uint32_t) = List_InsertAfter;
+ListNode* (*is_List_Erase)(List*, ListNode*) = List_Erase;
+void (*is_List_Clear)(List*) = List_Clear;
 
 /* matrix.h */
 void (*is_mCopy)(const float*, float*) = mCopy;
@@ -150,6 +167,14 @@ uint32_t (*is_IP_SgmPostproc)(const uint16_t*, const uint8_t*, uint16_t*, uint32
 /* numeric.h */
 uint32_t (*is_IP_Utl_Median_u16)(uint16_t*, uint32_t, uint16_t*) = IP_Utl_Median_u16;
 uint32_t (*is_IP_Utl_RadixIdxSort)(const uint16_t*, uint16_t*, uint32_t, uint32_t) = IP_Utl_RadixIdxSort;
+void (*is_IP_Kalman1d_Create)(Kalman1d*, float, float, float, float, float) = IP_Kalman1d_Create;
+void (*is_IP_Kalman1d_Predict)(Kalman1d*, float) = IP_Kalman1d_Predict;
+void (*is_IP_Kalman1d_Update)(Kalman1d*, float) = IP_Kalman1d_Update;
+void (*is_IP_Optim_GsSearch)(const GsFunc*, uint32_t, double*, double*, GsResult*, double, double,
+                             double) = IP_Optim_GsSearch;
+double (*is_IP_Utils_GetTimeMS)(void) = IP_Utils_GetTimeMS;
+double (*is_IP_Utils_GetTimeS)(void) = IP_Utils_GetTimeS;
+int32_t (*is_IP_Utils_PrintNumAsAscii)(uint32_t) = IP_Utils_PrintNumAsAscii;
 
 /* segment.h */
 int32_t (*is_IP_CompFind_CreateLabelMap)(Img*, void*, uint32_t) = IP_CompFind_CreateLabelMap;

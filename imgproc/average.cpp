@@ -1,0 +1,70 @@
+#include <nadir/imgproc.h>
+
+#include "core/pixels.hpp"
+#include "core/wrap.hpp"
+
+namespace nadir {
+namespace {
+
+// The checks that all three functions share, for a frame that goes in or the average that comes out.
+bool canAverage(const Img* frame, const Img* sum, const Img* count) {
+  return frame && sum && count && frame->type == IMG_TYPE_U16 && sum->type == IMG_TYPE_S32 &&
+         count->type == IMG_TYPE_U16 && sameSize(*frame, *sum);
+}
+
+// Nobody has compared the count image's size: what stands in its memory counts, row after row.
+uint16_t* countsOfRow(const Img& count, const Img& frame, size_t y) {
+  return static_cast<uint16_t*>(count.data) + y * frame.width;
+}
+
+void addRow(const uint16_t* pixels, uint32_t* sums, uint16_t* counts, size_t n, uint32_t invalid) {
+  forEachPixel(n, [=](size_t i) {
+    const uint32_t valid = pixels[i] != invalid;
+    sums[i] += valid * pixels[i];
+    counts[i] = static_cast<uint16_t>(counts[i] + valid);
+  });
+}
+
+// A count is above a negative limit also where it is 0.
+uint16_t mean(int32_t sum, int32_t count, int32_t limit) {
+  return static_cast<uint16_t>(count > limit && count != 0 ? sum / count : 0);
+}
+
+int32_t countLimit(const ImgAvrgState& state) {
+  return static_cast<int32_t>(state.minValidPercent * state.frameCount) / 100;
+}
+
+}  // namespace
+}  // namespace nadir
+
+using namespace nadir;
+
+int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgState* state) {
+  if (!canAverage(frame, sum, count)) return 0;
+  *state = {0, 50, 0};
+  Img_FillBuffer(sum, 0);
+  Img_FillBuffer(count, 0);
+  return 1;
+}
+
+int32_t IP_Utils_ImgAvrgAdd(const Img* frame, Img* sum, Img* count, ImgAvrgState* state) {
+  if (!canAverage(frame, sum, count)) return 0;
+  for (size_t y = 0; y < frame->height; ++y) {
+    addRow(row<uint16_t>(*frame, y), row<uint32_t>(*sum, y), countsOfRow(*count, *frame, y), frame->width,
+           state->invalidValue);
+  }
+  ++state->frameCount;
+  return 1;
+}
+
+uint32_t IP_Utils_ImgAvrgProcess(Img* out, const Img* sum, const Img* count, const ImgAvrgState* state) {
+  if (!canAverage(out, sum, count)) return 0;
+  const int32_t limit = countLimit(*state);
+  for (size_t y = 0; y < out->height; ++y) {
+    const int32_t* sums = row<int32_t>(*sum, y);
+    const uint16_t* counts = countsOfRow(*count, *out, y);
+    uint16_t* means = row<uint16_t>(*out, y);
+    for (size_t x = 0; x < out->width; ++x) means[x] = mean(sums[x], counts[x], limit);
+  }
+  return 1;
+}
