@@ -57,6 +57,42 @@ void addNeighbourhoodWorks(Works& works, uint64_t pixels, const Images& i) {
   }
 }
 
+void addSmoothingWorks(Works& works, uint64_t pixels, const Images& i) {
+  works.push_back({"IP_Gauss", pixels, 4 * pixels, [=] { IP_Gauss(&i.src->img, &i.dst->img, 0); }});
+  works.push_back({"IP_PullPush", pixels, 4 * pixels, [=] { IP_PullPush(&i.src->img, &i.dst->img); }});
+}
+
+// An average of frames, with eight of them in it.
+struct Average {
+  std::shared_ptr<Picture<uint16_t>> frame, count, out;
+  std::shared_ptr<Picture<int32_t>> sum;
+  ImgAvrgState state;
+
+  explicit Average(const Scene& scene)
+      : frame(makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference)),
+        count(makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference)),
+        out(makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference)),
+        sum(makePicture(scene.width, scene.height, IMG_TYPE_S32, std::vector<int32_t>(scene.reference.size()))) {
+    begin();
+    for (int i = 0; i < 8; ++i) add();
+  }
+  void begin() { IP_Utils_ImgAvrgInit(&frame->img, &sum->img, &count->img, &state); }
+  void add() { IP_Utils_ImgAvrgAdd(&frame->img, &sum->img, &count->img, &state); }
+  void process() { IP_Utils_ImgAvrgProcess(&out->img, &sum->img, &count->img, &state); }
+};
+
+void addStreamWorks(Works& works, uint64_t pixels, const Scene& scene, const Images& i) {
+  if (scene.width == 640 && scene.height == 480) {
+    const auto half = makePicture(320, 240, IMG_TYPE_U16, std::vector<uint16_t>(320 * 240));
+    works.push_back({"IP_ScaleVga2Qvga", pixels, 2 * pixels, [=] { IP_ScaleVga2Qvga(&i.src->img, &half->img); }});
+  }
+  const auto cleared = std::make_shared<Average>(scene), added = std::make_shared<Average>(scene),
+             averaged = std::make_shared<Average>(scene);
+  works.push_back({"IP_Utils_ImgAvrgInit", pixels, 6 * pixels, [=] { cleared->begin(); }});
+  works.push_back({"IP_Utils_ImgAvrgAdd", pixels, 14 * pixels, [=] { added->add(); }});
+  works.push_back({"IP_Utils_ImgAvrgProcess", pixels, 8 * pixels, [=] { averaged->process(); }});
+}
+
 }  // namespace
 
 void addImgprocWorks(Works& works, const Scene& scene) {
@@ -65,6 +101,8 @@ void addImgprocWorks(Works& works, const Scene& scene) {
   addPointWorks(works, pixels, images);
   addArithmeticWorks(works, pixels, images);
   addNeighbourhoodWorks(works, pixels, images);
+  addSmoothingWorks(works, pixels, images);
+  addStreamWorks(works, pixels, scene, images);
 }
 
 }  // namespace nadir::bench

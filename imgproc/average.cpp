@@ -1,7 +1,8 @@
 #include <nadir/imgproc.h>
 
+#include "core/cpu.hpp"
 #include "core/pixels.hpp"
-#include "core/wrap.hpp"
+#include "imgproc/smooth_kernels.hpp"
 
 namespace nadir {
 namespace {
@@ -25,13 +26,10 @@ void addRow(const uint16_t* pixels, uint32_t* sums, uint16_t* counts, size_t n, 
   });
 }
 
-// A count is above a negative limit also where it is 0.
-uint16_t mean(int32_t sum, int32_t count, int32_t limit) {
-  return static_cast<uint16_t>(count > limit && count != 0 ? sum / count : 0);
-}
-
+// A negative limit lets every pixel through that has a count, as 0 does.
 int32_t countLimit(const ImgAvrgState& state) {
-  return static_cast<int32_t>(state.minValidPercent * state.frameCount) / 100;
+  const int32_t limit = static_cast<int32_t>(state.minValidPercent * state.frameCount) / 100;
+  return limit > 0 ? limit : 0;
 }
 
 }  // namespace
@@ -60,11 +58,9 @@ int32_t IP_Utils_ImgAvrgAdd(const Img* frame, Img* sum, Img* count, ImgAvrgState
 uint32_t IP_Utils_ImgAvrgProcess(Img* out, const Img* sum, const Img* count, const ImgAvrgState* state) {
   if (!canAverage(out, sum, count)) return 0;
   const int32_t limit = countLimit(*state);
+  const SmoothKernels& kernels = smoothKernels(cpu());
   for (size_t y = 0; y < out->height; ++y) {
-    const int32_t* sums = row<int32_t>(*sum, y);
-    const uint16_t* counts = countsOfRow(*count, *out, y);
-    uint16_t* means = row<uint16_t>(*out, y);
-    for (size_t x = 0; x < out->width; ++x) means[x] = mean(sums[x], counts[x], limit);
+    kernels.mean(row<int32_t>(*sum, y), countsOfRow(*count, *out, y), limit, row<uint16_t>(*out, y), out->width);
   }
   return 1;
 }

@@ -1,7 +1,9 @@
 #include <nadir/imgproc.h>
 
+#include "core/cpu.hpp"
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
+#include "imgproc/smooth_kernels.hpp"
 
 namespace nadir {
 namespace {
@@ -47,38 +49,29 @@ class Pyramid {
   size_t count_ = 1;
 };
 
-// The rounded mean of those of four pixels that are no holes.
-uint16_t meanOfKnown(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
-  const uint32_t n = (a != 0) + (b != 0) + (c != 0) + (d != 0);
-  return static_cast<uint16_t>(n ? (a + b + c + d + n / 2) / n : 0);
-}
-
-void pull(const Img& fine, const Img& coarse) {
+void pull(const Img& fine, const Img& coarse, const SmoothKernels& kernels) {
   for (size_t y = 0; y < coarse.height; ++y) {
-    const uint16_t *above = row<uint16_t>(fine, 2 * y), *below = row<uint16_t>(fine, 2 * y + 1);
-    uint16_t* out = row<uint16_t>(coarse, y);
-    for (size_t i = 0; i < coarse.width; ++i) {
-      out[i] = meanOfKnown(above[2 * i], above[2 * i + 1], below[2 * i], below[2 * i + 1]);
-    }
+    kernels.pull(row<uint16_t>(fine, 2 * y), row<uint16_t>(fine, 2 * y + 1), row<uint16_t>(coarse, y), coarse.width);
   }
 }
 
-size_t lesser(size_t a, size_t b) { return a < b ? a : b; }
-
 // Copies an image and fills its holes; an odd last row or column takes what its neighbours take.
-void push(const Img& coarse, const Img& src, const Img& dst) {
+void push(const Img& coarse, const Img& src, const Img& dst, const SmoothKernels& kernels) {
+  const size_t lastRow = coarse.height - 1u, lastColumn = src.width - 1u;
   for (size_t y = 0; y < src.height; ++y) {
-    const uint16_t* from = row<uint16_t>(coarse, lesser(y / 2, coarse.height - 1u));
+    const uint16_t* from = row<uint16_t>(coarse, y / 2 < lastRow ? y / 2 : lastRow);
     const uint16_t* in = row<uint16_t>(src, y);
     uint16_t* out = row<uint16_t>(dst, y);
-    for (size_t x = 0; x < src.width; ++x) out[x] = in[x] ? in[x] : from[lesser(x / 2, coarse.width - 1u)];
+    kernels.push(from, in, out, coarse.width);
+    if (src.width % 2) out[lastColumn] = in[lastColumn] ? in[lastColumn] : from[coarse.width - 1u];
   }
 }
 
 void fillHoles(const Pyramid& levels, const Img& dst) {
-  for (size_t k = 1; k < levels.count(); ++k) pull(levels[k - 1], levels[k]);
-  for (size_t k = levels.count() - 1; k > 1; --k) push(levels[k], levels[k - 1], levels[k - 1]);
-  push(levels[1], levels[0], dst);
+  const SmoothKernels& kernels = smoothKernels(cpu());
+  for (size_t k = 1; k < levels.count(); ++k) pull(levels[k - 1], levels[k], kernels);
+  for (size_t k = levels.count() - 1; k > 1; --k) push(levels[k], levels[k - 1], levels[k - 1], kernels);
+  push(levels[1], levels[0], dst, kernels);
 }
 
 }  // namespace

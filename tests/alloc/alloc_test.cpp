@@ -195,6 +195,40 @@ Case morphology(const std::string& name, uint32_t type, int32_t op) {
   return {name, 1, kPixels * sizeof(T), call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
 }
 
+template <class Status>
+Case smoothing(const std::string& name, size_t bytes, int64_t statusOfFailure, Status operation) {
+  const auto call = [operation] {
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 5), result(kPixels, kUntouched);
+    Img src, dst;
+    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
+    Img_Init(&dst, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    const int64_t status = operation(&src, &dst);
+    return Outcome{status, valuesOf(result)};
+  };
+  return {name, 1, bytes, call, [=](size_t) { return Outcome{statusOfFailure, pixelsOf(kUntouched)}; }};
+}
+
+Case gauss() {
+  return smoothing("Gauss", 5 * kWidth * sizeof(uint32_t), 0, [](Img* src, Img* dst) { return IP_Gauss(src, dst, 0); });
+}
+
+Case pullPush() { return smoothing("PullPush", kPixels, 1, IP_PullPush); }
+
+// ---- list ----
+
+Case append() {
+  const auto call = [] {
+    const uint32_t item = 11;
+    List list;
+    List_Init(&list, 5);
+    const ListNode* node = List_Append(&list, &item, sizeof item);
+    const Outcome outcome{node != nullptr, {list.count, list.head != nullptr, list.tail != nullptr}};
+    List_Clear(&list);
+    return outcome;
+  };
+  return {"Append", 2, sizeof(ListNode) + sizeof(uint32_t), call, [](size_t) { return Outcome{0, {0, 0, 0}}; }};
+}
+
 // ---- numbers and ground ----
 
 Case radixSort() {
@@ -287,13 +321,60 @@ INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
                                            driver("Sgm", matchDistinct, false, 0, kUntouched),         //
                                            driver("SgmDebug", matchDistinct, true, 0, kUntouched),     //
                                            debugRecord(), postproc(), radixSort(), elevationMask(),    //
+                                           gauss(), pullPush(), append(),                              //
                                            morphology<uint8_t>("OpenU8", IMG_TYPE_U8, MORPH_OPEN),     //
                                            morphology<uint8_t>("CloseU8", IMG_TYPE_U8, MORPH_CLOSE),   //
                                            morphology<uint16_t>("OpenU16", IMG_TYPE_U16, MORPH_OPEN),  //
                                            morphology<uint16_t>("CloseU16", IMG_TYPE_U16, MORPH_CLOSE)),
                          [](const auto& row) { return row.param.name; });
 
+// ---- a list that fills up as memory runs out ----
+
+TEST(ListMemory, AFailedInsertionLeavesTheListAsItWas) {
+  const uint32_t items[] = {11, 22, 33};
+  for (const size_t failing : {1, 2}) {
+    List list;
+    List_Init(&list, 5);
+    ListNode* head = List_Append(&list, &items[0], sizeof items[0]);
+    ListNode* tail = List_Append(&list, &items[1], sizeof items[1]);
+    const size_t live = heap::liveBlocks();
+    heap::watch(heap::Failing::once, failing);
+    EXPECT_EQ(List_InsertAfter(&list, head, &items[2], sizeof items[2]), nullptr);
+    heap::watch();
+    EXPECT_EQ(heap::liveBlocks(), live);
+    EXPECT_EQ(list.count, 2u);
+    EXPECT_EQ(head->next, tail);
+    EXPECT_EQ(tail->prev, head);
+    List_Clear(&list);
+  }
+}
+
+TEST(ListMemory, ErasingAndClearingGiveEverythingBack) {
+  const size_t live = heap::liveBlocks();
+  List list;
+  List_Init(&list, -1);
+  for (uint32_t i = 0; i < 9; ++i) List_Prepend(&list, &i, sizeof i);
+  EXPECT_EQ(heap::liveBlocks(), live + 18);
+  List_Erase(&list, list.head->next);
+  EXPECT_EQ(heap::liveBlocks(), live + 16);
+  List_Clear(&list);
+  EXPECT_EQ(heap::liveBlocks(), live);
+}
+
 // ---- calls that must not allocate ----
+
+TEST(NotAllocating, AListInPools) {
+  std::vector<ListNode> nodes(3);
+  std::vector<uint32_t> items(3);
+  List list;
+  List_Init(&list, 3);
+  ListStatic_Init(&list, 3, nodes.data(), items.data());
+  heap::watch();
+  for (uint32_t i = 0; i < 4; ++i) List_Append(&list, &i, sizeof i);
+  List_Erase(&list, list.head);
+  List_Clear(&list);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
 
 TEST(NotAllocating, RefusedPathCosts) {
   PcBuffer pc;

@@ -109,6 +109,46 @@ Hash morphology(int32_t op) {
   return Hash().done(IP_Morph3x3(&src.img, &dst.img, op)).add(dst.pixels);
 }
 
+// ---- smoothing, hole filling, halving, averages over time ----
+
+Hash gauss() {
+  Picture<uint16_t> src(Random(30).values<uint16_t>(kPixels, 65536));
+  Blank<uint16_t> dst;
+  Hash hash;
+  hash.done(IP_Gauss(&src.img, &dst.img, 0)).add(dst.pixels);
+  return hash.done(IP_Gauss(&src.img, &src.img, 0)).add(src.pixels);
+}
+
+Hash pullPush(uint32_t bound) {
+  Holes<uint16_t> src(31, bound);
+  Blank<uint16_t> dst;
+  return Hash().done(IP_PullPush(&src.img, &dst.img)).add(dst.pixels);
+}
+
+Hash halving() {
+  std::vector<uint16_t> pixels = Random(32).values<uint16_t>(640 * 480, 65536), half(320 * 240);
+  Img src, dst;
+  Img_Init(&src, 640, 480, IMG_TYPE_U16, pixels.data());
+  Img_Init(&dst, 320, 240, IMG_TYPE_U16, half.data());
+  return Hash().done(IP_ScaleVga2Qvga(&src, &dst)).add(half);
+}
+
+Hash averages(uint32_t invalidValue, uint32_t minValidPercent) {
+  Blank<uint16_t> count, out;
+  Blank<int32_t> sum;
+  ImgAvrgState state;
+  Hash hash;
+  hash.done(IP_Utils_ImgAvrgInit(&out.img, &sum.img, &count.img, &state));
+  state.invalidValue = invalidValue;
+  state.minValidPercent = minValidPercent;
+  for (uint64_t seed = 33; seed < 42; ++seed) {
+    Holes<uint16_t> frame(seed);
+    hash.done(IP_Utils_ImgAvrgAdd(&frame.img, &sum.img, &count.img, &state)).add(sum.pixels).add(count.pixels);
+    hash.done(IP_Utils_ImgAvrgProcess(&out.img, &sum.img, &count.img, &state)).add(out.pixels);
+  }
+  return hash;
+}
+
 // ---- fill, copy, convert ----
 
 template <class T>
@@ -172,6 +212,12 @@ std::vector<Case> imageCases() {
       {"CopyU16U16", copy<uint16_t, uint16_t>},
       {"ConvertS16U16", convert},
       {"Maximum", [] { return filter<uint16_t>(IP_Maximum3x3, 23); }},
+      {"Gauss", gauss},
+      {"PullPush", [] { return pullPush(65536); }},
+      {"PullPushOfZeros", [] { return pullPush(2); }},
+      {"Halving", halving},
+      {"Averages", [] { return averages(0, 50); }},
+      {"AveragesOfAll", [] { return averages(65536, 0); }},
   };
   addImageOperations<uint16_t>(cases, "U16");
   addImageOperations<int16_t>(cases, "S16");

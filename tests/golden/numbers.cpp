@@ -63,6 +63,71 @@ Hash radixSort(uint32_t mode) {
   return hash;
 }
 
+// A value that moves, measured with errors at uneven times.
+Hash tracking() {
+  Hash hash;
+  Random random(5);
+  for (int run = 0; run < 20; ++run) {
+    const auto sigmas = floats(random, 3);
+    Kalman1d filter = {};
+    IP_Kalman1d_Create(&filter, 100, 0, sigmas[0], sigmas[1], sigmas[2]);
+    for (int step = 0; step < 20; ++step) {
+      const auto errors = floats(random, 1);
+      IP_Kalman1d_Predict(&filter, static_cast<float>(random.between(0, 90)) / 30.0f);
+      hash.add(filter.x).add(filter.v).add(std::vector<float>(filter.P, filter.P + 4));
+      hash.add(std::vector<float>(filter.Q, filter.Q + 4));
+      IP_Kalman1d_Update(&filter, static_cast<float>(100 + 3 * step) + errors[0]);
+      hash.add(filter.x).add(filter.v).add(std::vector<float>(filter.P, filter.P + 4));
+    }
+  }
+  return hash;
+}
+
+// Of parabolas: no function of the mathematics library, whose last bits are its own.
+double parabola(void* top, double x) { return -(x - *static_cast<double*>(top)) * (x - *static_cast<double*>(top)); }
+
+Hash searches() {
+  Hash hash;
+  Random random(6);
+  for (uint32_t maxEval = 0; maxEval < 60; ++maxEval) {
+    double top = random.between(-1000, 1000) / 7.0;
+    const GsFunc function{parabola, &top};
+    std::vector<double> xs(62), fs(62);
+    GsResult result;
+    IP_Optim_GsSearch(&function, maxEval, xs.data(), fs.data(), &result, -150, 150, maxEval % 2 ? 1e-6 : 1.0);
+    hash.add(xs).add(fs).add(result.iterations).add(result.evaluations).add(result.bestX).add(result.bestF);
+  }
+  return hash;
+}
+
+// Everything that a list of random insertions and erasures holds, after each of them.
+Hash lists(bool isStatic) {
+  Hash hash;
+  Random random(7);
+  std::vector<ListNode> nodes(20);
+  std::vector<uint32_t> items(20);
+  List list;
+  List_Init(&list, 20);
+  if (isStatic) ListStatic_Init(&list, 20, nodes.data(), items.data());
+  for (uint32_t i = 0; i < 300; ++i) {
+    ListNode* at = List_Iter(&list);
+    for (uint32_t steps = random.below(list.count + 1); at && at->next && steps > 0; --steps) at = at->next;
+    switch (random.below(6)) {
+      case 0: List_Append(&list, &i, sizeof i); break;
+      case 1: List_Prepend(&list, &i, sizeof i); break;
+      case 2: List_InsertBefore(&list, at, &i, sizeof i); break;
+      case 3: List_InsertAfter(&list, at, &i, sizeof i); break;
+      default: List_Erase(&list, at);
+    }
+    hash.add(list.count);
+    for (const ListNode* node = List_Iter(&list); node; node = node->next)
+      hash.add(*static_cast<uint32_t*>(node->item));
+    for (const ListNode* node = list.tail; node; node = node->prev) hash.add(*static_cast<uint32_t*>(node->item));
+  }
+  List_Clear(&list);
+  return hash;
+}
+
 }  // namespace
 
 std::vector<Case> numberCases() {
@@ -72,6 +137,10 @@ std::vector<Case> numberCases() {
       {"Medians", medians},
       {"RadixSortUnsigned", [] { return radixSort(RADIX_UNSIGNED); }},
       {"RadixSortSigned", [] { return radixSort(RADIX_SIGNED); }},
+      {"Tracking", tracking},
+      {"Searches", searches},
+      {"Lists", [] { return lists(false); }},
+      {"ListsInPools", [] { return lists(true); }},
   };
 }
 

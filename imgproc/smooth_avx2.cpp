@@ -1,0 +1,7 @@
+#include "imgproc/smooth_rows.hpp"
+
+namespace nadir {
+
+const SmoothKernels smoothAvx2 = SmoothRows<struct Avx2Rows>::table();
+
+}  // namespace nadir

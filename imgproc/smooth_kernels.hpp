@@ -1,0 +1,35 @@
+// The row kernels of smoothing, hole filling and averaging.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir {
+
+// Five rows of sums, one above the other.
+struct GaussRows {
+  const uint32_t* row[5];
+};
+
+// Each writes the whole of its output and nothing else; any alignment of the elements' own; any n including 0. Outputs
+// overlap no input but where it is said.
+struct SmoothKernels {
+  // sums[0, n) from pixels[0, n + 4): the pixels i to i + 4 weighted 1 4 6 4 1.
+  void (*gaussAcross)(const uint16_t* pixels, uint32_t* sums, size_t n);
+  // dst[0, n): the rows weighted 1 4 6 4 1, divided by 256 and rounded. The sums are at most 16 * 65535.
+  void (*gaussDown)(const GaussRows& rows, uint16_t* dst, size_t n);
+  // coarse[0, n) from above[0, 2n) and below[0, 2n): of each four pixels the rounded mean of those that are not 0.
+  void (*pull)(const uint16_t* above, const uint16_t* below, uint16_t* coarse, size_t n);
+  // dst[0, 2n): src[i], or coarse[i / 2] where that is 0. dst may be src.
+  void (*push)(const uint16_t* coarse, const uint16_t* src, uint16_t* dst, size_t n);
+  // means[0, n): sums[i] / counts[i] rounded toward zero and cut to 16 bits where counts[i] > limit, and otherwise 0;
+  // the limit is not negative.
+  void (*mean)(const int32_t* sums, const uint16_t* counts, int32_t limit, uint16_t* means, size_t n);
+};
+
+// The fastest kernels among the levels `cpu` (a set of Cpu bits).
+const SmoothKernels& smoothKernels(unsigned cpu);
+
+extern const SmoothKernels smoothScalar, smoothAvx2, smoothAvx512;
+
+}  // namespace nadir

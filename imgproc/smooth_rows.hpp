@@ -1,0 +1,76 @@
+// Smoothing, hole filling and averaging of one row as plain loops that the compiler turns into vectors of whatever it
+// compiles for. Each instruction set includes this file once and names itself by a type of its own, so that the linker
+// never takes one set's code for another's.
+#pragma once
+
+#include <cstring>
+
+#include "core/pixels.hpp"
+#include "imgproc/smooth_kernels.hpp"
+
+namespace nadir {
+
+template <class Target>
+struct SmoothRows {
+  static uint32_t weighted(uint32_t a, uint32_t b, uint32_t c, uint32_t d, uint32_t e) {
+    return a + e + 4 * (b + c + d) + 2 * c;
+  }
+
+  static void gaussAcross(const uint16_t* pixels, uint32_t* sums, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      sums[i] = weighted(pixels[i], pixels[i + 1], pixels[i + 2], pixels[i + 3], pixels[i + 4]);
+    });
+  }
+
+  static void gaussDown(const GaussRows& rows, uint16_t* dst, size_t n) {
+    const uint32_t *a = rows.row[0], *b = rows.row[1], *c = rows.row[2], *d = rows.row[3], *e = rows.row[4];
+    forEachPixel(
+        n, [=](size_t i) { dst[i] = static_cast<uint16_t>((weighted(a[i], b[i], c[i], d[i], e[i]) + 128) >> 8); });
+  }
+
+  // Two neighbours as one word: which of them lies in the upper half does not matter here.
+  static uint32_t loadPair(const uint16_t* p) {
+    uint32_t pair;
+    std::memcpy(&pair, p, sizeof pair);
+    return pair;
+  }
+
+  // Divided by 1, 2, 3 or 4; nothing known gives 0, since then the sum is 0 too.
+  static uint32_t rounded(uint32_t sum, uint32_t known) {
+    const uint32_t numerator = sum + (known >> 1);
+    const uint32_t byTwoOrOne = known == 2 ? numerator >> 1 : numerator;
+    const uint32_t byFourOrLess = known == 4 ? numerator >> 2 : byTwoOrOne;
+    return known == 3 ? numerator / 3 : byFourOrLess;
+  }
+
+  static void pull(const uint16_t* above, const uint16_t* below, uint16_t* coarse, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const uint32_t upper = loadPair(above + 2 * i), lower = loadPair(below + 2 * i);
+      const uint32_t a = upper & 0xFFFF, b = upper >> 16, c = lower & 0xFFFF, d = lower >> 16;
+      const uint32_t holes = uint32_t{a == 0} + uint32_t{b == 0} + uint32_t{c == 0} + uint32_t{d == 0};
+      coarse[i] = static_cast<uint16_t>(rounded(a + b + c + d, 4 - holes));
+    });
+  }
+
+  static void push(const uint16_t* coarse, const uint16_t* src, uint16_t* dst, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const uint32_t pair = loadPair(src + 2 * i), fill = coarse[i];
+      const uint32_t lower = pair & 0xFFFF ? 0 : fill, upper = pair >> 16 ? 0 : fill << 16;
+      const uint32_t filled = pair | lower | upper;
+      std::memcpy(dst + 2 * i, &filled, sizeof filled);
+    });
+  }
+
+  // In double precision, which has a vector division: both numbers and the truncated quotient are exact.
+  static void mean(const int32_t* sums, const uint16_t* counts, int32_t limit, uint16_t* means, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const int32_t count = counts[i];
+      const int32_t quotient = static_cast<int32_t>(static_cast<double>(sums[i]) / (count + (count == 0)));
+      means[i] = static_cast<uint16_t>(quotient & -(count > limit));
+    });
+  }
+
+  static constexpr SmoothKernels table() { return {gaussAcross, gaussDown, pull, push, mean}; }
+};
+
+}  // namespace nadir

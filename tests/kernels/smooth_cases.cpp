@@ -1,0 +1,155 @@
+#include "imgproc/smooth_kernels.hpp"
+
+#include <algorithm>
+#include <limits>
+
+#include "tests/kernels/harness.hpp"
+
+namespace nadir::test {
+namespace {
+
+using Across = decltype(SmoothKernels::gaussAcross);
+using Down = decltype(SmoothKernels::gaussDown);
+using Pull = decltype(SmoothKernels::pull);
+using Push = decltype(SmoothKernels::push);
+using Mean = decltype(SmoothKernels::mean);
+
+constexpr size_t kMaxWidth = 4 * 32 + 1;
+constexpr uint32_t kMaxSum = 16 * 65535;
+constexpr size_t kBenchWidth = 640;
+
+// f(n, fill, side) for every width, fill and side of the guard page.
+template <class F>
+void forEachInput(Check& check, F f) {
+  for (size_t n = 0; n <= kMaxWidth; ++n) {
+    for (Fill fill : allFills) {
+      for (Guard side : {Guard::behind, Guard::before}) {
+        check.describe("width " + std::to_string(n) + ", fill " + std::to_string(static_cast<int>(fill)));
+        f(n, fill, side);
+      }
+    }
+  }
+}
+
+// Runs both kernels, each by run(kernel, its output), and compares.
+template <class T, class Kernel, class Run>
+void compare(Check& check, size_t n, Guard side, Kernel scalar, Kernel tested, Run run) {
+  Output<T> want(n, side, 0x5A), got(n, side, 0x5A);
+  run(scalar, want.data());
+  run(tested, got.data());
+  check.equal("element", want, got);
+}
+
+std::vector<uint16_t> pixels(Check& check, Fill fill, size_t n) {
+  return filled<uint16_t>(check.random, fill, n, 0, 65535);
+}
+
+void checkAcross(Check& check, Across scalar, Across tested) {
+  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint16_t> row(pixels(check, fill, n + 4), side);
+    compare<uint32_t>(check, n, side, scalar, tested, [&](Across f, uint32_t* out) { f(row.data(), out, n); });
+  });
+}
+
+void checkDown(Check& check, Down scalar, Down tested) {
+  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+    const auto sums = [&] { return filled<uint32_t>(check.random, fill, n, 0, kMaxSum); };
+    const Guarded<uint32_t> a(sums(), side), b(sums(), side), c(sums(), side), d(sums(), side), e(sums(), side);
+    const GaussRows rows{{a.data(), b.data(), c.data(), d.data(), e.data()}};
+    compare<uint16_t>(check, n, side, scalar, tested, [&](Down f, uint16_t* out) { f(rows, out, n); });
+  });
+}
+
+void checkPull(Check& check, Pull scalar, Pull tested) {
+  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint16_t> above(pixels(check, fill, 2 * n), side), below(pixels(check, fill, 2 * n), side);
+    compare<uint16_t>(check, n, side, scalar, tested,
+                      [&](Pull f, uint16_t* out) { f(above.data(), below.data(), out, n); });
+  });
+}
+
+void checkPush(Check& check, Push scalar, Push tested) {
+  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint16_t> coarse(pixels(check, Fill::random, n), side), src(pixels(check, fill, 2 * n), side);
+    compare<uint16_t>(check, 2 * n, side, scalar, tested,
+                      [&](Push f, uint16_t* out) { f(coarse.data(), src.data(), out, n); });
+    compare<uint16_t>(check, 2 * n, side, scalar, tested, [&](Push f, uint16_t* inPlace) {
+      std::copy_n(src.data(), 2 * n, inPlace);
+      f(coarse.data(), inPlace, inPlace, n);
+    });
+  });
+}
+
+void checkMean(Check& check, Mean scalar, Mean tested) {
+  using Limits = std::numeric_limits<int32_t>;
+  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<int32_t> sums(filled<int32_t>(check.random, fill, n, Limits::min(), Limits::max()), side);
+    for (uint16_t most : {uint16_t{3}, uint16_t{65535}}) {
+      const Guarded<uint16_t> counts(filled<uint16_t>(check.random, Fill::random, n, 0, most), side);
+      for (int32_t limit : {0, 1, 40000, Limits::max()}) {
+        compare<uint16_t>(check, n, side, scalar, tested,
+                          [&](Mean f, uint16_t* out) { f(sums.data(), counts.data(), limit, out, n); });
+      }
+    }
+  });
+}
+
+// ---- what is timed: 480 rows ----
+
+template <class F>
+void forRows(F f) {
+  for (int i = 0; i < 480; ++i) f();
+}
+
+const uint16_t* benchPixels() {
+  static const std::vector<uint16_t> row = Random(7).values<uint16_t>(2 * kBenchWidth, 65536);
+  return row.data();
+}
+
+uint16_t* benchOutput() {
+  static std::vector<uint16_t> row(kBenchWidth);
+  return row.data();
+}
+
+void benchAcross(Across across) {
+  static std::vector<uint32_t> sums(kBenchWidth);
+  forRows([=] { across(benchPixels(), sums.data(), kBenchWidth); });
+}
+
+void benchDown(Down down) {
+  static const std::vector<uint32_t> sums = Random(8).values<uint32_t>(5 * kBenchWidth, kMaxSum + 1);
+  GaussRows rows;
+  for (size_t k = 0; k < 5; ++k) rows.row[k] = &sums[k * kBenchWidth];
+  forRows([=] { down(rows, benchOutput(), kBenchWidth); });
+}
+
+void benchPull(Pull pull) {
+  forRows([=] { pull(benchPixels(), benchPixels() + kBenchWidth, benchOutput(), kBenchWidth / 2); });
+}
+
+void benchPush(Push push) {
+  forRows([=] { push(benchPixels(), benchPixels() + kBenchWidth, benchOutput(), kBenchWidth / 2); });
+}
+
+void benchMean(Mean mean) {
+  static const std::vector<int32_t> sums = Random(9).values<int32_t>(kBenchWidth, 1u << 20);
+  static const std::vector<uint16_t> counts = Random(10).values<uint16_t>(kBenchWidth, 17);
+  forRows([=] { mean(sums.data(), counts.data(), 8, benchOutput(), kBenchWidth); });
+}
+
+}  // namespace
+
+void addSmoothCases(Registry& r) {
+  add<Across>(
+      r, "gauss_across", [](unsigned c) { return smoothKernels(c).gaussAcross; }, checkAcross, benchAcross);
+  add<Down>(
+      r, "gauss_down", [](unsigned c) { return smoothKernels(c).gaussDown; }, checkDown, benchDown);
+  add<Pull>(
+      r, "pull", [](unsigned c) { return smoothKernels(c).pull; }, checkPull, benchPull);
+  add<Push>(
+      r, "push", [](unsigned c) { return smoothKernels(c).push; }, checkPush, benchPush);
+  add<Mean>(
+      r, "mean", [](unsigned c) { return smoothKernels(c).mean; }, checkMean, benchMean);
+}
+
+}  // namespace nadir::test
