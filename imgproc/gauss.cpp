@@ -1,5 +1,7 @@
 #include <nadir/imgproc.h>
 
+#include <utility>
+
 #include "core/cpu.hpp"
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
@@ -8,23 +10,26 @@
 namespace nadir {
 namespace {
 
-constexpr size_t kTaps = 5;
+size_t lesser(size_t a, size_t b) { return a < b ? a : b; }
 
-uint32_t weighted(uint32_t a, uint32_t b, uint32_t c, uint32_t d, uint32_t e) { return a + 4 * b + 6 * c + 4 * d + e; }
+GaussSums from(const GaussSums& sums, size_t column) { return {sums.high + column, sums.low + column}; }
 
 // Sums along a row of 4 pixels or more; beyond its ends it goes on with its first and its last pixel. The two sums at
 // the right end are stored crosswise, as the interface wants them.
-void sumRow(const uint16_t* p, uint32_t* sums, size_t width, const SmoothKernels& kernels) {
+void sumRow(const uint16_t* p, const GaussSums& sums, size_t width, const SmoothKernels& kernels) {
   const uint16_t* end = p + width;
-  sums[0] = weighted(p[0], p[0], p[0], p[1], p[2]);
-  sums[1] = weighted(p[0], p[0], p[1], p[2], p[3]);
-  kernels.gaussAcross(p, sums + 2, width - 4);
-  sums[width - 2] = weighted(end[-3], end[-2], end[-1], end[-1], end[-1]);
-  sums[width - 1] = weighted(end[-4], end[-3], end[-2], end[-1], end[-1]);
+  const uint16_t left[] = {p[0], p[0], p[0], p[1], p[2], p[3]};
+  const uint16_t right[] = {end[-4], end[-3], end[-2], end[-1], end[-1], end[-1]};
+  const GaussSums atRight = from(sums, width - 2);
+  kernels.gaussAcross(left, sums, 2);
+  kernels.gaussAcross(p, from(sums, 2), width - 4);
+  kernels.gaussAcross(right, atRight, 2);
+  std::swap(atRight.high[0], atRight.high[1]);
+  std::swap(atRight.low[0], atRight.low[1]);
 }
 
-// The order in which rows are worked through. A row of the result is written as soon as the two source rows that follow
-// are summed up; if the images share memory, going the right way keeps what is still to be read.
+// The order in which rows are worked through. Two rows of the result are written as soon as the two source rows behind
+// them are summed up; if the images share memory, going the right way keeps what is still to be read.
 class RowOrder {
  public:
   RowOrder(const Img& src, const Img& dst) : last_(src.height - 1u), upwards_(address(dst) > address(src)) {}
@@ -32,10 +37,7 @@ class RowOrder {
   size_t row(size_t step) const { return upwards_ ? last_ - step : step; }
 
   // step - back, or the first or last step if that is none.
-  size_t clamped(size_t step, size_t back) const {
-    if (step < back) return 0;
-    return step - back < last_ ? step - back : last_;
-  }
+  size_t clamped(size_t step, size_t back) const { return step < back ? 0 : lesser(step - back, last_); }
 
  private:
   static uintptr_t address(const Img& img) { return reinterpret_cast<uintptr_t>(img.data); }
@@ -44,27 +46,34 @@ class RowOrder {
   bool upwards_;
 };
 
-// The sums of the last five rows.
+// The sums of the rows that two rows of the result are made of.
 class SumRows {
  public:
-  explicit SumRows(size_t width) : width_(width), sums_(uint64_t{kTaps} * width) {}
+  explicit SumRows(size_t width) : width_(width), sums_(uint64_t{2 * kGaussRows} * width) {}
   explicit operator bool() const { return static_cast<bool>(sums_); }
-  uint32_t* row(size_t y) const { return sums_.get() + y % kTaps * width_; }
+  GaussSums row(size_t step) const {
+    uint16_t* high = sums_.get() + step % kGaussRows * 2 * width_;
+    return {high, high + width_};
+  }
 
  private:
   size_t width_;
-  Scratch<uint32_t> sums_;
+  Scratch<uint16_t> sums_;
 };
 
+// The last row of an odd number is made together with the one before, which is then made twice.
 void smooth(const Img& src, const Img& dst, const SumRows& sums) {
   const SmoothKernels& kernels = smoothKernels(cpu());
   const RowOrder order(src, dst);
-  for (size_t y = 0; y < src.height + 2u; ++y) {
-    if (y < src.height) sumRow(row<uint16_t>(src, order.row(y)), sums.row(y), src.width, kernels);
-    if (y < 2) continue;
+  const size_t height = src.height;
+  for (size_t y = 0, summed = 0; y < height; y += 2) {
+    const size_t step = lesser(y, height - 2);
+    for (; summed < lesser(step + 4, height); ++summed) {
+      sumRow(row<uint16_t>(src, order.row(summed)), sums.row(summed), src.width, kernels);
+    }
     GaussRows around;
-    for (size_t k = 0; k < kTaps; ++k) around.row[k] = sums.row(order.clamped(y + k, 4));
-    kernels.gaussDown(around, row<uint16_t>(dst, order.row(y - 2)), src.width);
+    for (size_t k = 0; k < kGaussRows; ++k) around.row[k] = sums.row(order.clamped(step + k, 2));
+    kernels.gaussDown(around, row<uint16_t>(dst, order.row(step)), row<uint16_t>(dst, order.row(step + 1)), src.width);
   }
 }
 

@@ -6,7 +6,6 @@ namespace nadir {
 
 const SmoothKernels& smoothKernels([[maybe_unused]] unsigned cpu) {
 #if defined(NADIR_WITH_AVX2)
-  if (cpu & cpuAvx512) return smoothAvx512;
   if (cpu & cpuAvx2) return smoothAvx2;
 #endif
   return smoothScalar;

@@ -6,18 +6,27 @@
 
 namespace nadir {
 
-// Five rows of sums, one above the other.
+// Weighted sums of pixels, those of the upper and of the lower bytes apart. With the weights 1 4 6 4 1 in both
+// directions neither is more than 256 * 255: they fit in 16 bits, which processors add twice as many of at once as of
+// 32 bits.
+struct GaussSums {
+  uint16_t *high, *low;
+};
+
+// Rows of such sums that follow each other.
+constexpr size_t kGaussRows = 6;
 struct GaussRows {
-  const uint32_t* row[5];
+  GaussSums row[kGaussRows];
 };
 
 // Each writes the whole of its output and nothing else; any alignment of the elements' own; any n including 0. Outputs
 // overlap no input but where it is said.
 struct SmoothKernels {
-  // sums[0, n) from pixels[0, n + 4): the pixels i to i + 4 weighted 1 4 6 4 1.
-  void (*gaussAcross)(const uint16_t* pixels, uint32_t* sums, size_t n);
-  // dst[0, n): the rows weighted 1 4 6 4 1, divided by 256 and rounded. The sums are at most 16 * 65535.
-  void (*gaussDown)(const GaussRows& rows, uint16_t* dst, size_t n);
+  // Both of sums[0, n) from pixels[0, n + 4): the pixels i to i + 4 weighted 1 4 6 4 1.
+  void (*gaussAcross)(const uint16_t* pixels, const GaussSums& sums, size_t n);
+  // first[0, n): the first five rows weighted 1 4 6 4 1, divided by 256 and rounded; second[0, n): the last five. Two
+  // at once need fewer loads. The sums in the rows are at most 16 * 255.
+  void (*gaussDown)(const GaussRows& rows, uint16_t* first, uint16_t* second, size_t n);
   // coarse[0, n) from above[0, 2n) and below[0, 2n): of each four pixels the rounded mean of those that are not 0.
   void (*pull)(const uint16_t* above, const uint16_t* below, uint16_t* coarse, size_t n);
   // dst[0, 2n): src[i], or coarse[i / 2] where that is 0. dst may be src.
@@ -30,6 +39,6 @@ struct SmoothKernels {
 // The fastest kernels among the levels `cpu` (a set of Cpu bits).
 const SmoothKernels& smoothKernels(unsigned cpu);
 
-extern const SmoothKernels smoothScalar, smoothAvx2, smoothAvx512;
+extern const SmoothKernels smoothScalar, smoothAvx2;
 
 }  // namespace nadir

@@ -12,20 +12,41 @@ namespace nadir {
 
 template <class Target>
 struct SmoothRows {
-  static uint32_t weighted(uint32_t a, uint32_t b, uint32_t c, uint32_t d, uint32_t e) {
-    return a + e + 4 * (b + c + d) + 2 * c;
+  static uint16_t weighted(uint16_t a, uint16_t b, uint16_t c, uint16_t d, uint16_t e) {
+    return static_cast<uint16_t>(a + e + 4 * (b + c + d) + 2 * c);
   }
 
-  static void gaussAcross(const uint16_t* pixels, uint32_t* sums, size_t n) {
+  static uint16_t upperByte(uint16_t pixel) { return static_cast<uint16_t>(pixel >> 8); }
+
+  // The sum of whole pixels wraps at 16 bits; without the upper bytes' part it is that of the lower bytes, which fits.
+  static void gaussAcross(const uint16_t* p, const GaussSums& sums, size_t n) {
+    uint16_t *highs = sums.high, *lows = sums.low;
     forEachPixel(n, [=](size_t i) {
-      sums[i] = weighted(pixels[i], pixels[i + 1], pixels[i + 2], pixels[i + 3], pixels[i + 4]);
+      const uint16_t whole = weighted(p[i], p[i + 1], p[i + 2], p[i + 3], p[i + 4]);
+      const uint16_t high =
+          weighted(upperByte(p[i]), upperByte(p[i + 1]), upperByte(p[i + 2]), upperByte(p[i + 3]), upperByte(p[i + 4]));
+      highs[i] = high;
+      lows[i] = static_cast<uint16_t>(whole - (high << 8));
     });
   }
 
-  static void gaussDown(const GaussRows& rows, uint16_t* dst, size_t n) {
-    const uint32_t *a = rows.row[0], *b = rows.row[1], *c = rows.row[2], *d = rows.row[3], *e = rows.row[4];
-    forEachPixel(
-        n, [=](size_t i) { dst[i] = static_cast<uint16_t>((weighted(a[i], b[i], c[i], d[i], e[i]) + 128) >> 8); });
+  // The sum of the low bytes leaves room for the half that rounds.
+  static uint16_t rounded256th(uint16_t high, uint16_t low) {
+    const uint16_t lowAndHalf = static_cast<uint16_t>(low + 128);
+    return static_cast<uint16_t>(high + upperByte(lowAndHalf));
+  }
+
+  static void gaussDown(const GaussRows& rows, uint16_t* first, uint16_t* second, size_t n) {
+    const GaussSums a = rows.row[0], b = rows.row[1], c = rows.row[2];
+    const GaussSums d = rows.row[3], e = rows.row[4], f = rows.row[5];
+    forEachPixel(n, [=](size_t i) {
+      const uint16_t firstHigh = weighted(a.high[i], b.high[i], c.high[i], d.high[i], e.high[i]);
+      const uint16_t secondHigh = weighted(b.high[i], c.high[i], d.high[i], e.high[i], f.high[i]);
+      const uint16_t firstLow = weighted(a.low[i], b.low[i], c.low[i], d.low[i], e.low[i]);
+      const uint16_t secondLow = weighted(b.low[i], c.low[i], d.low[i], e.low[i], f.low[i]);
+      first[i] = rounded256th(firstHigh, firstLow);
+      second[i] = rounded256th(secondHigh, secondLow);
+    });
   }
 
   // Two neighbours as one word: which of them lies in the upper half does not matter here.

@@ -132,7 +132,7 @@ NADIR_API uint32_t IP_Morph3x3(const Img* src, Img* dst, int32_t op);
  * The two columns at the right border are crossed: column width - 2 holds what is right for the last column, and the
  * last column what is right for column width - 2. Programs rely on it.
  *
- * The call allocates 20 bytes per column and returns 0 with `dst` untouched where that fails.
+ * The call allocates 24 bytes per column and returns 0 with `dst` untouched where that fails.
  *
  * Method: P. J. Burt, "Fast filter transforms for image processing", CGIP 16(1), 1981, with its binomial weights. */
 NADIR_API uint32_t IP_Gauss(const Img* src, Img* dst, uint32_t kernel);

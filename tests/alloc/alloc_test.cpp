@@ -209,7 +209,7 @@ Case smoothing(const std::string& name, size_t bytes, int64_t statusOfFailure, S
 }
 
 Case gauss() {
-  return smoothing("Gauss", 5 * kWidth * sizeof(uint32_t), 0, [](Img* src, Img* dst) { return IP_Gauss(src, dst, 0); });
+  return smoothing("Gauss", 6 * kWidth * sizeof(uint32_t), 0, [](Img* src, Img* dst) { return IP_Gauss(src, dst, 0); });
 }
 
 Case pullPush() { return smoothing("PullPush", kPixels, 1, IP_PullPush); }

@@ -15,7 +15,7 @@ using Push = decltype(SmoothKernels::push);
 using Mean = decltype(SmoothKernels::mean);
 
 constexpr size_t kMaxWidth = 4 * 32 + 1;
-constexpr uint32_t kMaxSum = 16 * 65535;
+constexpr uint16_t kMaxSum = 16 * 255;
 constexpr size_t kBenchWidth = 640;
 
 // f(n, fill, side) for every width, fill and side of the guard page.
@@ -47,16 +47,28 @@ std::vector<uint16_t> pixels(Check& check, Fill fill, size_t n) {
 void checkAcross(Check& check, Across scalar, Across tested) {
   forEachInput(check, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> row(pixels(check, fill, n + 4), side);
-    compare<uint32_t>(check, n, side, scalar, tested, [&](Across f, uint32_t* out) { f(row.data(), out, n); });
+    Output<uint16_t> wantHigh(n, side, 0x5A), wantLow(n, side, 0x5A), high(n, side, 0x5A), low(n, side, 0x5A);
+    scalar(row.data(), {wantHigh.data(), wantLow.data()}, n);
+    tested(row.data(), {high.data(), low.data()}, n);
+    check.equal("high", wantHigh, high);
+    check.equal("low", wantLow, low);
   });
 }
 
 void checkDown(Check& check, Down scalar, Down tested) {
   forEachInput(check, [&](size_t n, Fill fill, Guard side) {
-    const auto sums = [&] { return filled<uint32_t>(check.random, fill, n, 0, kMaxSum); };
-    const Guarded<uint32_t> a(sums(), side), b(sums(), side), c(sums(), side), d(sums(), side), e(sums(), side);
-    const GaussRows rows{{a.data(), b.data(), c.data(), d.data(), e.data()}};
-    compare<uint16_t>(check, n, side, scalar, tested, [&](Down f, uint16_t* out) { f(rows, out, n); });
+    std::vector<std::unique_ptr<Guarded<uint16_t>>> sums;
+    const auto newSums = [&] {
+      sums.push_back(std::make_unique<Guarded<uint16_t>>(filled<uint16_t>(check.random, fill, n, 0, kMaxSum), side));
+      return sums.back()->data();
+    };
+    GaussRows rows;
+    for (GaussSums& row : rows.row) row = {newSums(), newSums()};
+    Output<uint16_t> wantFirst(n, side, 0x5A), wantSecond(n, side, 0x5A), first(n, side, 0x5A), second(n, side, 0x5A);
+    scalar(rows, wantFirst.data(), wantSecond.data(), n);
+    tested(rows, first.data(), second.data(), n);
+    check.equal("first", wantFirst, first);
+    check.equal("second", wantSecond, second);
   });
 }
 
@@ -112,15 +124,16 @@ uint16_t* benchOutput() {
 }
 
 void benchAcross(Across across) {
-  static std::vector<uint32_t> sums(kBenchWidth);
-  forRows([=] { across(benchPixels(), sums.data(), kBenchWidth); });
+  static std::vector<uint16_t> low(kBenchWidth);
+  forRows([=] { across(benchPixels(), {benchOutput(), low.data()}, kBenchWidth); });
 }
 
 void benchDown(Down down) {
-  static const std::vector<uint32_t> sums = Random(8).values<uint32_t>(5 * kBenchWidth, kMaxSum + 1);
+  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * kGaussRows * kBenchWidth, kMaxSum + 1);
+  static std::vector<uint16_t> second(kBenchWidth);
   GaussRows rows;
-  for (size_t k = 0; k < 5; ++k) rows.row[k] = &sums[k * kBenchWidth];
-  forRows([=] { down(rows, benchOutput(), kBenchWidth); });
+  for (size_t k = 0; k < kGaussRows; ++k) rows.row[k] = {&sums[2 * k * kBenchWidth], &sums[(2 * k + 1) * kBenchWidth]};
+  forRows([=] { down(rows, benchOutput(), second.data(), kBenchWidth); });
 }
 
 void benchPull(Pull pull) {
