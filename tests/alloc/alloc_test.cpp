@@ -332,7 +332,7 @@ INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
 
 TEST(ListMemory, AFailedInsertionLeavesTheListAsItWas) {
   const uint32_t items[] = {11, 22, 33};
-  for (const size_t failing : {1, 2}) {
+  for (const size_t failing : {size_t{1}, size_t{2}}) {
     List list;
     List_Init(&list, 5);
     ListNode* head = List_Append(&list, &items[0], sizeof items[0]);

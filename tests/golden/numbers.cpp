@@ -1,4 +1,7 @@
 #include <nadir/nadir.h>
+#include <unistd.h>
+
+#include <cstdio>
 
 #include "tests/golden/golden.hpp"
 #include "tests/support/random.hpp"
@@ -128,6 +131,33 @@ Hash lists(bool isStatic) {
   return hash;
 }
 
+// What `print` writes to standard output.
+template <class Print>
+std::vector<char> printed(Print print) {
+  std::fflush(stdout);
+  const int terminal = dup(STDOUT_FILENO);
+  std::FILE* file = std::tmpfile();
+  dup2(fileno(file), STDOUT_FILENO);
+  print();
+  std::fflush(stdout);
+  dup2(terminal, STDOUT_FILENO);
+  close(terminal);
+  std::vector<char> text(static_cast<size_t>(std::ftell(file)));
+  std::rewind(file);
+  text.resize(std::fread(text.data(), 1, text.size(), file));
+  std::fclose(file);
+  return text;
+}
+
+Hash digits() {
+  Hash hash;
+  for (const uint32_t number : {0u, 7u, 42u, 123u, 456u, 789u, 999u, 1000u}) {
+    int32_t result = 0;
+    hash.add(printed([&] { result = IP_Utils_PrintNumAsAscii(number); })).add(result);
+  }
+  return hash;
+}
+
 }  // namespace
 
 std::vector<Case> numberCases() {
@@ -139,6 +169,7 @@ std::vector<Case> numberCases() {
       {"RadixSortSigned", [] { return radixSort(RADIX_SIGNED); }},
       {"Tracking", tracking},
       {"Searches", searches},
+      {"Digits", digits},
       {"Lists", [] { return lists(false); }},
       {"ListsInPools", [] { return lists(true); }},
   };
