@@ -1,0 +1,123 @@
+#include <gtest/gtest.h>
+#include <nadir/imgproc.h>
+
+#include <vector>
+
+#include "tests/support/images.hpp"
+#include "tests/support/odd_address.hpp"
+
+namespace nadir::test {
+namespace {
+
+using Pixels = std::vector<uint16_t>;
+constexpr size_t kVgaPixels = 640 * 480, kQvgaPixels = 320 * 240;
+
+Pixels vgaPixels(uint64_t seed) {
+  Random random(seed);
+  return anyPixels<uint16_t>(random, kVgaPixels);
+}
+
+Pixels everySecond(const Pixels& vga) {
+  Pixels qvga;
+  for (size_t y = 0; y < 480; y += 2)
+    for (size_t x = 0; x < 640; x += 2) qvga.push_back(vga[y * 640 + x]);
+  return qvga;
+}
+
+Image<uint16_t> markedQvga() { return Image<uint16_t>(320, 240, marks<uint16_t>(kQvgaPixels)); }
+
+}  // namespace
+
+TEST(ScaleVga2Qvga, KeepsTheTopLeftPixelOfEveryBlock) {
+  for (const Guard side : {Guard::behind, Guard::before}) {
+    const Pixels pixels = vgaPixels(1);
+    const Image<uint16_t> src(640, 480, pixels, side);
+    Image<uint16_t> dst(320, 240, side);
+    EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+    EXPECT_EQ(dst.at(0, 0), pixels[0]);
+    EXPECT_EQ(dst.at(1, 0), pixels[2]);
+    EXPECT_EQ(dst.at(0, 1), pixels[2 * 640]);
+    EXPECT_TRUE(holds(dst, everySecond(pixels)));
+    EXPECT_TRUE(holds(src, pixels));
+  }
+}
+
+TEST(ScaleVga2Qvga, ReadsAndWritesPixelsAtOddAddresses) {
+  const Pixels pixels = vgaPixels(2);
+  const OddImage<uint16_t> src(640, 480, pixels);
+  OddImage<uint16_t> dst(320, 240, marks<uint16_t>(kQvgaPixels));
+  EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+  EXPECT_TRUE(samePixels(everySecond(pixels), dst.pixels(), 320));
+}
+
+TEST(ScaleVga2Qvga, LeavesTheDescriptorsAlone) {
+  const Image<uint16_t> src(640, 480);
+  Image<uint16_t> dst(320, 240);
+  const Img srcBefore = src.img, dstBefore = dst.img;
+  EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+  EXPECT_TRUE(sameDescriptor(src.img, srcBefore));
+  EXPECT_TRUE(sameDescriptor(dst.img, dstBefore));
+}
+
+// Only the bit of U16 counts; the other bits of a type do not matter.
+TEST(ScaleVga2Qvga, AcceptsEveryTypeCodeWithTheBitOfU16) {
+  const Pixels pixels = vgaPixels(3), wanted = everySecond(pixels);
+  Image<uint16_t> src(640, 480, pixels);
+  for (uint32_t type : {4u, 5u, 6u, 12u, 68u, 127u, 260u, 0x80000004u, 0xFFFFFFFFu}) {
+    SCOPED_TRACE(type);
+    Image<uint16_t> dst = markedQvga();
+    src.img.type = type;
+    EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+    EXPECT_TRUE(holds(dst, wanted));
+    dst.fill(marks<uint16_t>(kQvgaPixels));
+    src.img.type = IMG_TYPE_U16;
+    dst.img.type = type;
+    EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+    EXPECT_TRUE(holds(dst, wanted));
+  }
+}
+
+// ---- refused -------------------------------------------------------------------------------------------------------
+
+TEST(ScaleVga2Qvga, RefusesEveryTypeCodeWithoutTheBitOfU16) {
+  Image<uint16_t> src(640, 480), dst = markedQvga();
+  for (uint32_t type : {0u, 1u, 2u, 3u, 8u, 16u, 32u, 64u, 123u, 128u, 0x80000000u, 0xFFFFFFFBu}) {
+    SCOPED_TRACE(type);
+    src.img.type = type;
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ScaleVga2Qvga(src, dst); }));
+    src.img.type = IMG_TYPE_U16;
+    dst.img.type = type;
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ScaleVga2Qvga(src, dst); }));
+    dst.img.type = IMG_TYPE_U16;
+  }
+}
+
+TEST(ScaleVga2Qvga, RefusesEveryOtherSizeOfTheSource) {
+  Image<uint16_t> src(641, 481), dst = markedQvga();
+  for (const Size size : {Size{640, 479}, Size{640, 481}, Size{639, 480}, Size{641, 480}, Size{480, 640},
+                          Size{320, 240}, Size{640, 0}, Size{0, 480}, Size{0, 0}}) {
+    SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
+    src.img.width = static_cast<uint16_t>(size.width);
+    src.img.height = static_cast<uint16_t>(size.height);
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ScaleVga2Qvga(src, dst); }));
+  }
+}
+
+TEST(ScaleVga2Qvga, RefusesEveryOtherSizeOfTheDestination) {
+  const Image<uint16_t> src(640, 480);
+  for (const Size size : {Size{320, 239}, Size{320, 241}, Size{319, 240}, Size{321, 240}, Size{240, 320},
+                          Size{640, 480}, Size{320, 0}, Size{0, 240}}) {
+    SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
+    Image<uint16_t> dst(size.width, size.height, marks<uint16_t>(size_t{size.width} * size.height));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ScaleVga2Qvga(src, dst); }));
+  }
+}
+
+TEST(ScaleVga2Qvga, RefusesNullPointers) {
+  const Image<uint16_t> src(640, 480, vgaPixels(4));
+  Image<uint16_t> dst = markedQvga();
+  EXPECT_TRUE(refuses(dst, [&] { return IP_ScaleVga2Qvga(nullptr, dst); }));
+  EXPECT_TRUE(refuses(src, [&] { return IP_ScaleVga2Qvga(src, nullptr); }));
+}
+
+}  // namespace nadir::test
