@@ -190,28 +190,33 @@ TEST(ImgAvrgAdd, IsExactForEverySize) {
   });
 }
 
-// The size of the counts is not compared; here they have a row to spare.
-TEST(ImgAvrgAdd, AcceptsCountsOfAnotherHeight) {
+namespace {
+
+// The size that the counts' descriptor names is not compared: they are taken in memory order.
+void expectCountsInMemoryOrder(uint32_t countWidth, uint32_t countHeight) {
   Series s = begun(3, 2);
-  Image<uint16_t> count(3, 3);
-  s.frame.fill({1, 0, 3, 4, 5, 0});
-  EXPECT_EQ(IP_Utils_ImgAvrgAdd(s.frame, s.sum, count, &s.state), 1);
-  EXPECT_EQ(count.pixels(), (Pixels{1, 0, 1, 1, 1, 0, 0, 0, 0}));
-  EXPECT_EQ(s.sum.pixels(), (Sums{1, 0, 3, 4, 5, 0}));
+  s.state.minValidPercent = 0;
+  s.count.img.width = static_cast<uint16_t>(countWidth);
+  s.count.img.height = static_cast<uint16_t>(countHeight);
+  EXPECT_EQ(s.add({1, 0, 3, 4, 5, 0}), 1);
+  EXPECT_EQ(s.add({3, 0, 3, 0, 7, 8}), 1);
+  EXPECT_EQ(s.count.pixels(), (Pixels{2, 0, 2, 1, 2, 1}));
+  EXPECT_EQ(s.sum.pixels(), (Sums{4, 0, 6, 4, 12, 8}));
+  EXPECT_EQ(s.average(), (Pixels{2, 0, 3, 4, 6, 8}));
 }
 
-TEST(ImgAvrgAdd, AcceptsCountsWhoseDescriptorNamesFewerRows) {
-  Series s = begun(3, 2);
-  s.count.img.height = 0;
-  EXPECT_EQ(s.add({1, 0, 3, 4, 5, 0}), 1);
-  EXPECT_EQ(s.count.pixels(), (Pixels{1, 0, 1, 1, 1, 0}));
-}
+}  // namespace
+
+TEST(ImgAvrg, AcceptsCountsInOneRow) { expectCountsInMemoryOrder(6, 1); }
+TEST(ImgAvrg, AcceptsCountsInMoreRows) { expectCountsInMemoryOrder(2, 3); }
+TEST(ImgAvrg, AcceptsCountsWhoseDescriptorNamesAnotherHeight) { expectCountsInMemoryOrder(3, 77); }
+TEST(ImgAvrg, AcceptsCountsWhoseDescriptorSaysTheyAreEmpty) { expectCountsInMemoryOrder(0, 0); }
 
 // ---- process -------------------------------------------------------------------------------------------------------
 
 TEST(ImgAvrgProcess, AveragesWhatWasValidInMoreThanTheStatedShareOfFrames) {
   Series s = begun(1);
-  for (uint16_t v : {100, 0, 200, 0}) s.add({v});
+  for (const Pixels& frame : {Pixels{100}, Pixels{0}, Pixels{200}, Pixels{0}}) s.add(frame);
   EXPECT_EQ(s.average(), (Pixels{0}));  // 2 of 4 frames: not more than half
   s.add({300});
   EXPECT_EQ(s.average(), (Pixels{200}));
@@ -289,16 +294,16 @@ TEST(ImgAvrgProcess, WrapsTheLimit) {
   }
 }
 
-// A limit below zero lets every count pass. Without a count there is no mean: such pixels are not asked for here.
+// A limit below zero lets every count pass; without a count there is no mean.
 TEST(ImgAvrgProcess, AveragesEveryCountAboveANegativeLimit) {
   for (const ImgAvrgState state :
        {ImgAvrgState{0, 0xFFFFFFFFu, 100}, ImgAvrgState{0, 1, 0x80000000u}, ImgAvrgState{0, 0x80000000u, 1}}) {
     SCOPED_TRACE(testing::Message() << state.minValidPercent << " % of " << state.frameCount);
-    Series s = begun(3);
+    Series s = begun(4);
     s.state = state;
-    s.sum.fill({9, 18, 65535 * 9});
-    s.count.fill({1, 2, 65535});
-    EXPECT_EQ(s.average(), (Pixels{9, 9, 9}));
+    s.sum.fill({9, 18, 65535 * 9, 5});
+    s.count.fill({1, 2, 65535, 0});
+    EXPECT_EQ(s.average(), (Pixels{9, 9, 9, 0}));
   }
 }
 
@@ -344,15 +349,6 @@ TEST(ImgAvrgProcess, AcceptsImagesWithoutPixels) {
   }
 }
 
-TEST(ImgAvrgProcess, AcceptsCountsOfAnotherHeight) {
-  Series s = begun(2, 2);
-  s.state = {0, 0, 1};
-  s.sum.fill({10, 20, 30, 40});
-  Image<uint16_t> count(2, 3, Pixels{1, 2, 0, 4, 9, 9});
-  EXPECT_EQ(IP_Utils_ImgAvrgProcess(s.out, s.sum, count, &s.state), 1u);
-  EXPECT_EQ(s.out.pixels(), (Pixels{10, 10, 0, 10}));
-}
-
 // ---- all three -----------------------------------------------------------------------------------------------------
 
 TEST(ImgAvrg, ReadsAndWritesPixelsAtOddAddresses) {
@@ -371,25 +367,26 @@ TEST(ImgAvrg, ReadsAndWritesPixelsAtOddAddresses) {
   }
 }
 
-// One column, its rows further apart than its pixels are wide, in one image after the other.
+// One column, its rows further apart than its pixels are wide, in one image after the other. The counts have no rows of
+// their own.
 TEST(ImgAvrg, WalksEachImageWithItsOwnRowStride) {
-  for (size_t apart = 0; apart < 4; ++apart) {
+  for (size_t apart = 0; apart < 3; ++apart) {
     SCOPED_TRACE(apart);
-    Image<uint16_t> frame(1, 6, Pixels(6, 0)), count(1, 6), out(1, 6);
+    Image<uint16_t> frame(1, 6), count(1, 3), out(1, 6);
     Image<int32_t> sum(1, 6);
     ImgAvrgState state;
-    Img* images[] = {frame, sum, count, out};
+    Img* images[] = {frame, sum, out};
     for (Img* image : images) image->height = 3;
     images[apart]->bytesPerPixel = static_cast<uint16_t>(2 * images[apart]->bytesPerPixel);
-    const size_t step[] = {apart == 0 ? 2u : 1u, apart == 1 ? 2u : 1u, apart == 2 ? 2u : 1u, apart == 3 ? 2u : 1u};
-    for (size_t y = 0; y < 3; ++y) frame.data()[y * step[0]] = static_cast<uint16_t>(y + 5);
+    const auto at = [apart](size_t image, size_t y) { return image == apart ? 2 * y : y; };
+    for (size_t y = 0; y < 3; ++y) frame.data()[at(0, y)] = static_cast<uint16_t>(y + 5);
     EXPECT_EQ(IP_Utils_ImgAvrgInit(frame, sum, count, &state), 1);
     EXPECT_EQ(IP_Utils_ImgAvrgAdd(frame, sum, count, &state), 1);
     EXPECT_EQ(IP_Utils_ImgAvrgProcess(out, sum, count, &state), 1u);
+    EXPECT_EQ(count.pixels(), (Pixels{1, 1, 1}));
     for (size_t y = 0; y < 3; ++y) {
-      EXPECT_EQ(sum.data()[y * step[1]], static_cast<int32_t>(y + 5)) << y;
-      EXPECT_EQ(count.data()[y * step[2]], 1) << y;
-      EXPECT_EQ(out.data()[y * step[3]], y + 5) << y;
+      EXPECT_EQ(sum.data()[at(1, y)], static_cast<int32_t>(y + 5)) << y;
+      EXPECT_EQ(out.data()[at(2, y)], y + 5) << y;
     }
   }
 }

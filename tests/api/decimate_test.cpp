@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "tests/support/images.hpp"
@@ -74,6 +75,34 @@ TEST(ScaleVga2Qvga, AcceptsEveryTypeCodeWithTheBitOfU16) {
     dst.img.type = type;
     EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
     EXPECT_TRUE(holds(dst, wanted));
+  }
+}
+
+// A descriptor that Img_Init made for a code of several bits says that a pixel has no bytes.
+TEST(ScaleVga2Qvga, TakesDescriptorsOfSeveralTypesAsImgInitMakesThem) {
+  const Pixels pixels = vgaPixels(5);
+  Image<uint16_t> src(640, 480, pixels), dst = markedQvga();
+  Img_Init(src, 640, 480, IMG_TYPE_U16 | IMG_TYPE_S16, src.data());
+  Img_Init(dst, 320, 240, IMG_TYPE_U16 | IMG_TYPE_U8, dst.data());
+  EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
+  EXPECT_TRUE(holds(dst, everySecond(pixels)));
+}
+
+TEST(ScaleVga2Qvga, WalksEachImageWithItsOwnRowStride) {
+  const Pixels pixels = vgaPixels(6), wanted = everySecond(pixels);
+  Image<uint16_t> src(1280, 480), dense(640, 480, pixels), dst(640, 240), denseDst = markedQvga();
+  for (Image<uint16_t>* image : {&src, &dst}) {
+    image->img.width = static_cast<uint16_t>(image->img.width / 2);
+    image->img.bytesPerPixel = 4;
+  }
+  for (size_t y = 0; y < 480; ++y) std::copy_n(&pixels[y * 640], 640, src.data() + y * 1280);
+  EXPECT_EQ(IP_ScaleVga2Qvga(src, denseDst), 1u);
+  EXPECT_TRUE(holds(denseDst, wanted));
+  EXPECT_EQ(IP_ScaleVga2Qvga(dense, dst), 1u);
+  for (size_t y = 0; y < 240; ++y) {
+    const uint16_t* row = dst.data() + y * 640;
+    ASSERT_TRUE(std::equal(row, row + 320, &wanted[y * 320])) << y;
+    ASSERT_EQ(std::count(row + 320, row + 640, 0), 320) << y;
   }
 }
 

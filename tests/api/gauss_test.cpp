@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "tests/support/images.hpp"
@@ -174,6 +175,26 @@ TEST(Gauss, MayWorkInPlaceThroughTwoDescriptors) {
   Img second = image.img;
   EXPECT_EQ(IP_Gauss(image, &second, 0), 1u);
   EXPECT_TRUE(holds(image, model::gauss(picture).pixels));
+}
+
+// The images share memory, the result lying some pixels before or behind the source.
+TEST(Gauss, SmoothsIntoAnImageThatOverlapsTheSource) {
+  for (uint32_t shift : {1u, 7u, 9u, 10u, 27u, 40u, 60u}) {
+    for (bool behind : {false, true}) {
+      SCOPED_TRACE(testing::Message() << shift << " pixels " << (behind ? "behind" : "before"));
+      Random random(shift);
+      const Picture16 picture{9, 7, somePixels(random, 9 * 7)};
+      const Guarded<uint16_t> memory(9 * 7 + shift);
+      uint16_t* const from = memory.data() + (behind ? 0 : shift);
+      uint16_t* const to = memory.data() + (behind ? shift : 0);
+      std::copy(picture.pixels.begin(), picture.pixels.end(), from);
+      Img src, dst;
+      Img_Init(&src, 9, 7, IMG_TYPE_U16, from);
+      Img_Init(&dst, 9, 7, IMG_TYPE_U16, to);
+      EXPECT_EQ(IP_Gauss(&src, &dst, 0), 1u);
+      EXPECT_TRUE(samePixels(model::gauss(picture).pixels, Pixels(to, to + 9 * 7), 9));
+    }
+  }
 }
 
 TEST(Gauss, ReadsAndWritesPixelsAtOddAddresses) {

@@ -222,7 +222,7 @@ TEST(Kalman1d, TracksAnySeriesOfMeasurementsExactly) {
 }
 
 TEST(Kalman1d, ConvergesToAValueThatMovesAtAConstantRate) {
-  Kalman1d filter = created(0, 0, 1, 10, 0.01f);
+  Kalman1d filter = created(5, 0, 1, 10, 0.01f);
   for (int step = 1; step <= 200; ++step) {
     IP_Kalman1d_Predict(&filter, 0.1f);
     IP_Kalman1d_Update(&filter, 5 + 0.3f * static_cast<float>(step));

@@ -169,4 +169,12 @@ TEST(PrintNumAsAscii, ReturnsTheLengthOfTheLastPart) {
   for (uint32_t number : {0u, 5u, 42u, 109u, 999u}) EXPECT_EQ(print(number).result, 1) << number;
 }
 
+TEST(PrintNumAsAscii, PrintsNothingForMoreThanThreeDigits) {
+  for (uint32_t number : {1000u, 1001u, 9999u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    const Printed printed = print(number);
+    EXPECT_EQ(printed.text, "") << number;
+    EXPECT_EQ(printed.result, 0) << number;
+  }
+}
+
 }  // namespace nadir::test

@@ -185,10 +185,10 @@ TEST(PullPush, LeavesTheDescriptorsAlone) {
 
 // One pixel must go through all eleven halvings to fill the rest.
 TEST(PullPush, FillsAnImageWhoseSmallerSideIs4095) {
-  Image<uint16_t> image(4095, 4096);
+  Image<uint16_t> image(4095, 4095);
   image.data()[0] = 7;
   EXPECT_EQ(IP_PullPush(image, image), 1);
-  EXPECT_EQ(std::count(image.data(), image.data() + image.size(), 7), 4095 * 4096);
+  EXPECT_EQ(std::count(image.data(), image.data() + image.size(), 7), 4095 * 4095);
 }
 
 // In place, so that it does not matter whether the source is copied before the call fails.
