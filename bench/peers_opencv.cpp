@@ -43,12 +43,27 @@ cv::Ptr<cv::StereoMatcher> semiGlobal(int mode) {
   return cv::StereoSGBM::create(0, Matching::disparities, block, p1, p2, 1, 0, 10, 0, 0, mode);
 }
 
-Peer median(const Scene& scene) {
+Peer filter(const Scene& scene, const char* theirName, void (*theirs)(const cv::Mat&, cv::Mat&), const char* ourName,
+            void (*ours)(const Img*, Img*)) {
   const auto src = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
   const auto dst = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
-  const cv::Mat theirs = picture16(scene, scene.reference);
-  return {"medianBlur 3x3, 16 bits", "IP_Median3x3", [=] { IP_Median3x3(&src->img, &dst->img); },
-          [=, out = theirs.clone()] { cv::medianBlur(theirs, out, 3); }};
+  const cv::Mat picture = picture16(scene, scene.reference);
+  return {theirName, ourName, [=] { ours(&src->img, &dst->img); },
+          [=, out = picture.clone()]() mutable { theirs(picture, out); }};
+}
+
+Peer median(const Scene& scene) {
+  return filter(
+      scene, "medianBlur 3x3, 16 bits", [](const cv::Mat& src, cv::Mat& dst) { cv::medianBlur(src, dst, 3); },
+      "IP_Median3x3", [](const Img* src, Img* dst) { IP_Median3x3(src, dst); });
+}
+
+// The kernel that OpenCV takes for 5 x 5 pixels without a width of its own is ours: 1 4 6 4 1.
+Peer gauss(const Scene& scene) {
+  return filter(
+      scene, "GaussianBlur 5x5, 16 bits",
+      [](const cv::Mat& src, cv::Mat& dst) { cv::GaussianBlur(src, dst, cv::Size(5, 5), 0, 0, cv::BORDER_REPLICATE); },
+      "IP_Gauss", [](const Img* src, Img* dst) { IP_Gauss(src, dst, 0); });
 }
 
 // Ours labels and counts; or it lists the pixels of every component besides.
@@ -59,13 +74,6 @@ Peer components(const std::string& ours, Call (*prepare)(const Picture16&), cons
             cv::Mat labels, stats, centroids;
             cv::connectedComponentsWithStats(foreground, labels, stats, centroids, 8, CV_32S);
           }};
-// The kernel that OpenCV takes for 5 x 5 pixels without a width of its own is ours: 1 4 6 4 1.
-Peer gauss(const Scene& scene) {
-  const auto src = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
-  const auto dst = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
-  const cv::Mat theirs = picture16(scene, scene.reference);
-  return {"GaussianBlur 5x5, 16 bits", "IP_Gauss", [=] { IP_Gauss(&src->img, &dst->img, 0); },
-          [=, out = theirs.clone()] { cv::GaussianBlur(theirs, out, cv::Size(5, 5), 0, 0, cv::BORDER_REPLICATE); }};
 }
 
 }  // namespace
