@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
 namespace nadir {
 
@@ -39,6 +40,16 @@ inline size_t rowBytes(const Img& img) { return size_t{img.width} * img.bytesPer
 template <class T>
 T* row(const Img& img, size_t y) {
   return static_cast<T*>(static_cast<void*>(static_cast<unsigned char*>(img.data) + y * rowBytes(img)));
+}
+
+// Calls f(n, rows...) for the rows of images of one size, n pixels each: one pointer for each image, in their order.
+// What follows each other without gaps in all of them goes as one long row.
+template <class T, class F, class... Images>
+void forEachRow(F f, const Images&... images) {
+  const Img& first = std::get<0>(std::tie(images...));
+  const bool gapless = ((rowBytes(images) == size_t{images.width} * sizeof(T)) && ...);
+  if (gapless) return f(pixelCount(first), row<T>(images, 0)...);
+  for (size_t y = 0; y < first.height; ++y) f(size_t{first.width}, row<T>(images, y)...);
 }
 
 // Calls f(i) for i = 0 .. n - 1 in a form that compilers turn into vector code. f may write one element i of an output

@@ -1,20 +1,17 @@
 #include <nadir/imgproc.h>
 
+#include "core/cpu.hpp"
 #include "core/pixels.hpp"
+#include "imgproc/point_kernels.hpp"
 
 namespace nadir {
 namespace {
 
 template <class T>
-uint32_t mask(const Img& src, const Img& selected, const Img& dst, bool clearSet) {
-  const T* in = static_cast<const T*>(src.data);
-  const uint8_t* set = static_cast<const uint8_t*>(selected.data);
-  T* out = static_cast<T*>(dst.data);
-  if (clearSet) {
-    forEachPixel(pixelCount(src), [=](size_t i) { out[i] = set[i] ? T{0} : in[i]; });
-  } else {
-    forEachPixel(pixelCount(src), [=](size_t i) { out[i] = set[i] ? in[i] : T{0}; });
-  }
+uint32_t mask(const Img& src, const Img& selected, const Img& dst, uint32_t mode, const MaskRows<T>& rows) {
+  const MaskRow<T> apply = mode == MASK_KEEP_SET ? rows.keepSet : rows.clearSet;
+  apply(static_cast<const T*>(src.data), static_cast<const uint8_t*>(selected.data), static_cast<T*>(dst.data),
+        pixelCount(src));
   return 1;
 }
 
@@ -26,9 +23,9 @@ using namespace nadir;
 uint32_t IP_Mask(const Img* src, const Img* selected, Img* dst, uint32_t mode) {
   if (!src || !selected || !dst || !matches(*src, *dst) || selected->type != IMG_TYPE_U8) return 0;
   if (!isType(src->type, IMG_TYPE_U8 | IMG_TYPE_U16)) return 0;
-  const bool clearSet = mode != MASK_KEEP_SET;
-  return src->type == IMG_TYPE_U8 ? mask<uint8_t>(*src, *selected, *dst, clearSet)
-                                  : mask<uint16_t>(*src, *selected, *dst, clearSet);
+  const PointKernels& kernels = pointKernels(cpu());
+  return src->type == IMG_TYPE_U8 ? mask(*src, *selected, *dst, mode, kernels.maskU8)
+                                  : mask(*src, *selected, *dst, mode, kernels.maskU16);
 }
 
 uint32_t IP_Mask_I(Img* img, const Img* selected, uint32_t mode) { return IP_Mask(img, selected, img, mode); }

@@ -1,28 +1,39 @@
 #include <nadir/imgproc.h>
 
+#include <limits>
+
+#include "core/cpu.hpp"
 #include "core/pixels.hpp"
+#include "imgproc/point_kernels.hpp"
 
 namespace nadir {
 namespace {
 
-template <class T, class Zero>
-uint32_t zeroWhere(const Img& src, const Img& dst, Zero zero) {
-  for (size_t y = 0; y < src.height; ++y) {
-    const T* in = row<T>(src, y);
-    T* out = row<T>(dst, y);
-    forEachPixel(src.width, [=](size_t i) { out[i] = zero(in[i]) ? T{0} : in[i]; });
+enum class Zero { inside, outside };
+
+// Sets the pixels lo <= v <= hi, or all others, to 0. What is outside of nothing is inside of everything.
+template <class T>
+uint32_t zero(Zero where, T lo, T hi, const Img& src, const Img& dst) {
+  if (lo > hi) {
+    return zero(where == Zero::inside ? Zero::outside : Zero::inside, std::numeric_limits<T>::min(),
+                std::numeric_limits<T>::max(), src, dst);
   }
+  const PixelRange range = {static_cast<uint16_t>(lo), static_cast<uint16_t>(hi - lo)};
+  const PointKernels& kernels = pointKernels(cpu());
+  const RangeRow apply = where == Zero::inside ? kernels.zeroInside : kernels.zeroOutside;
+  forEachRow<uint16_t>([=](size_t n, const uint16_t* in, uint16_t* out) { apply(in, out, n, range); }, src, dst);
   return 1;
 }
 
 template <class T>
 uint32_t threshold(const Img& src, const Img& dst, T t, uint32_t mode) {
+  constexpr T lowest = std::numeric_limits<T>::min(), highest = std::numeric_limits<T>::max();
   switch (mode) {
-    case THRESH_ZERO_BELOW: return zeroWhere<T>(src, dst, [=](T v) { return v < t; });
-    case THRESH_KEEP_ABOVE: return zeroWhere<T>(src, dst, [=](T v) { return v <= t; });
-    case THRESH_ZERO_EQUAL: return zeroWhere<T>(src, dst, [=](T v) { return v == t; });
-    case THRESH_KEEP_BELOW: return zeroWhere<T>(src, dst, [=](T v) { return v >= t; });
-    case THRESH_ZERO_ABOVE: return zeroWhere<T>(src, dst, [=](T v) { return v > t; });
+    case THRESH_ZERO_BELOW: return zero(Zero::outside, t, highest, src, dst);
+    case THRESH_KEEP_ABOVE: return zero(Zero::inside, lowest, t, src, dst);
+    case THRESH_ZERO_EQUAL: return zero(Zero::inside, t, t, src, dst);
+    case THRESH_KEEP_BELOW: return zero(Zero::inside, t, highest, src, dst);
+    case THRESH_ZERO_ABOVE: return zero(Zero::outside, lowest, t, src, dst);
     default: return 0;
   }
 }
@@ -30,8 +41,8 @@ uint32_t threshold(const Img& src, const Img& dst, T t, uint32_t mode) {
 template <class T>
 uint32_t thresholdRange(const Img& src, const Img& dst, T lo, T hi, int32_t mode) {
   switch (mode) {
-    case THRESH_ZERO_INSIDE: return zeroWhere<T>(src, dst, [=](T v) { return (v >= lo) & (v <= hi); });
-    case THRESH_ZERO_OUTSIDE: return zeroWhere<T>(src, dst, [=](T v) { return (v < lo) | (v > hi); });
+    case THRESH_ZERO_INSIDE: return zero(Zero::inside, lo, hi, src, dst);
+    case THRESH_ZERO_OUTSIDE: return zero(Zero::outside, lo, hi, src, dst);
     default: return 0;
   }
 }

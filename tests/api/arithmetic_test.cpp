@@ -2,6 +2,7 @@
 #include <nadir/imgproc.h>
 #include <signal.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -194,6 +195,26 @@ TYPED_TEST(ArithmeticOf, QuotientIsExactForEveryDivisor) {
   }
   const Image<TypeParam> a(65535, 1, dividends), b(65535, 1, divisors);
   Image<TypeParam> out(65535, 1);
+  EXPECT_EQ(IP_ImgOpImg(a, b, out, IMGOP_DIV), 1u);
+  EXPECT_TRUE(holds(out, wantedOf(dividends, divisors, IMGOP_DIV)));
+}
+
+// The quotients that come closest to the next whole number from below, and those that are whole.
+TYPED_TEST(ArithmeticOf, QuotientJustBelowAWholeNumberIsCut) {
+  constexpr int32_t largest = std::numeric_limits<TypeParam>::max();
+  std::vector<TypeParam> dividends, divisors;
+  for (int32_t divisor = 1; divisor <= largest; ++divisor) {
+    for (int32_t multiple = divisor; multiple <= largest; multiple += divisor) {
+      for (int32_t dividend : {multiple - 1, multiple}) {
+        dividends.push_back(static_cast<TypeParam>(dividend));
+        divisors.push_back(static_cast<TypeParam>(divisor));
+      }
+    }
+  }
+  const uint32_t width = 1000, height = static_cast<uint32_t>(dividends.size()) / width;
+  dividends.resize(size_t{width} * height);
+  divisors.resize(size_t{width} * height);
+  Image<TypeParam> a(width, height, dividends), b(width, height, divisors), out(width, height);
   EXPECT_EQ(IP_ImgOpImg(a, b, out, IMGOP_DIV), 1u);
   EXPECT_TRUE(holds(out, wantedOf(dividends, divisors, IMGOP_DIV)));
 }

@@ -147,6 +147,7 @@ void add(Registry& registry, const char* name, Kernel (*pick)(unsigned), void (*
 
 // One function per family.
 void addFilter3x3Cases(Registry& registry);
+void addPointCases(Registry& registry);
 void addSmoothCases(Registry& registry);
 void addStereoRowCases(Registry& registry);
 void addSelectionCases(Registry& registry);

@@ -108,6 +108,7 @@ void listHeader() {
 int run(const Options& options) {
   Registry registry;
   addFilter3x3Cases(registry);
+  addPointCases(registry);
   addSmoothCases(registry);
   addStereoRowCases(registry);
   addSelectionCases(registry);
