@@ -7,7 +7,6 @@
 
 #include "tests/support/images.hpp"
 #include "tests/support/integers.hpp"
-#include "tests/support/odd_address.hpp"
 
 namespace nadir::test {
 namespace {
@@ -350,22 +349,6 @@ TEST(ImgAvrgProcess, AcceptsImagesWithoutPixels) {
 }
 
 // ---- all three -----------------------------------------------------------------------------------------------------
-
-TEST(ImgAvrg, ReadsAndWritesPixelsAtOddAddresses) {
-  for (uint32_t width = 1; width <= 40; width += 3) {
-    SCOPED_TRACE(width);
-    Random random(width);
-    const Pixels pixels = anyPixels<uint16_t>(random, width * 2);
-    const OddImage<uint16_t> frame(width, 2, pixels);
-    OddImage<int32_t> sum(width, 2, marks<int32_t>(width * 2));
-    OddImage<uint16_t> count(width, 2, marks<uint16_t>(width * 2)), out(width, 2, marks<uint16_t>(width * 2));
-    ImgAvrgState state;
-    EXPECT_EQ(IP_Utils_ImgAvrgInit(frame, sum, count, &state), 1);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(IP_Utils_ImgAvrgAdd(frame, sum, count, &state), 1);
-    EXPECT_EQ(IP_Utils_ImgAvrgProcess(out, sum, count, &state), 1u);
-    EXPECT_EQ(out.pixels(), pixels);
-  }
-}
 
 // One column, its rows further apart than its pixels are wide, in one image after the other. The counts have no rows of
 // their own.

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "tests/support/images.hpp"
-#include "tests/support/odd_address.hpp"
 
 namespace nadir::test {
 namespace {
@@ -41,14 +40,6 @@ TEST(ScaleVga2Qvga, KeepsTheTopLeftPixelOfEveryBlock) {
     EXPECT_TRUE(holds(dst, everySecond(pixels)));
     EXPECT_TRUE(holds(src, pixels));
   }
-}
-
-TEST(ScaleVga2Qvga, ReadsAndWritesPixelsAtOddAddresses) {
-  const Pixels pixels = vgaPixels(2);
-  const OddImage<uint16_t> src(640, 480, pixels);
-  OddImage<uint16_t> dst(320, 240, marks<uint16_t>(kQvgaPixels));
-  EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
-  EXPECT_TRUE(samePixels(everySecond(pixels), dst.pixels(), 320));
 }
 
 TEST(ScaleVga2Qvga, LeavesTheDescriptorsAlone) {

@@ -6,7 +6,6 @@
 
 #include "tests/support/images.hpp"
 #include "tests/support/models/smoothing.hpp"
-#include "tests/support/odd_address.hpp"
 
 namespace nadir::test {
 namespace {
@@ -194,18 +193,6 @@ TEST(Gauss, SmoothsIntoAnImageThatOverlapsTheSource) {
       EXPECT_EQ(IP_Gauss(&src, &dst, 0), 1u);
       EXPECT_TRUE(samePixels(model::gauss(picture).pixels, Pixels(to, to + 9 * 7), 9));
     }
-  }
-}
-
-TEST(Gauss, ReadsAndWritesPixelsAtOddAddresses) {
-  for (uint32_t width = 4; width <= 40; width += 3) {
-    SCOPED_TRACE(width);
-    Random random(width);
-    const Picture16 picture{width, 5, somePixels(random, width * 5)};
-    const OddImage<uint16_t> src(width, 5, picture.pixels);
-    OddImage<uint16_t> dst(width, 5, marks<uint16_t>(width * 5));
-    EXPECT_EQ(IP_Gauss(src, dst, 0), 1u);
-    EXPECT_TRUE(samePixels(model::gauss(picture).pixels, dst.pixels(), width));
   }
 }
 

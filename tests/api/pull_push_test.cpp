@@ -6,7 +6,6 @@
 
 #include "tests/support/images.hpp"
 #include "tests/support/models/smoothing.hpp"
-#include "tests/support/odd_address.hpp"
 
 namespace nadir::test {
 namespace {
@@ -158,18 +157,6 @@ TEST(PullPush, MayWorkInPlaceThroughTwoDescriptors) {
   Img second = image.img;
   EXPECT_EQ(IP_PullPush(image, &second), 1);
   EXPECT_TRUE(holds(image, model::pullPush(picture).pixels));
-}
-
-TEST(PullPush, ReadsAndWritesPixelsAtOddAddresses) {
-  for (uint32_t width = 2; width <= 40; width += 3) {
-    SCOPED_TRACE(width);
-    Random random(width);
-    const Picture16 picture{width, 7, holeyPixels(random, width, 7)};
-    const OddImage<uint16_t> src(width, 7, picture.pixels);
-    OddImage<uint16_t> dst(width, 7, marks<uint16_t>(width * 7));
-    EXPECT_EQ(IP_PullPush(src, dst), 1);
-    EXPECT_TRUE(samePixels(model::pullPush(picture).pixels, dst.pixels(), width));
-  }
 }
 
 TEST(PullPush, LeavesTheDescriptorsAlone) {
