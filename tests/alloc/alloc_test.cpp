@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -267,6 +268,59 @@ Case elevationMask() {
   return {"ElevationMask", 1, 614400, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
 }
 
+// ---- segmentation ----
+
+Case componentFinder() {
+  const auto call = [] {
+    CompFinder* finder = IP_CompFinder_Init();
+    const uint32_t made = finder != nullptr;
+    IP_CompFinder_Close(finder);
+    return Outcome{made, {made}};
+  };
+  return {"ComponentFinder", 1, 400 << 10, call, [](size_t) { return Outcome{0, {0}}; }};
+}
+
+// Room for the labels of the largest image and for the sizes of as many components as it can have.
+constexpr size_t kLabellingBytes = 2 * 128 * 128 + 2 * 4097;
+
+Case contourFilter() {
+  const auto call = [] {
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 2), result(kPixels, kUntouched);
+    Img src, dst;
+    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
+    Img_Init(&dst, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    const int64_t status = IP_ContourFilter(&src, &dst, 4);
+    return Outcome{status, valuesOf(result)};
+  };
+  return {"ContourFilter", 2, kLabellingBytes, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+}
+
+Case contourFilterInPlace() {
+  const auto call = [] {
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 2);
+    Img img;
+    Img_Init(&img, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
+    const int64_t status = IP_ContourFilter_I(&img, 4);
+    return Outcome{status, valuesOf(pixels)};
+  };
+  return {"ContourFilterInPlace", 2, kLabellingBytes, call, [](size_t) {
+            return Outcome{0, valuesOf(Random(6).values<uint16_t>(kPixels, 2))};
+          }};
+}
+
+Case regionGrowing() {
+  const auto call = [] {
+    std::vector<uint16_t> pixels = Random(7).values<uint16_t>(kPixels, 5), result(kPixels, kUntouched);
+    const int32_t params[] = {0, 1};
+    Img src, labels;
+    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
+    Img_Init(&labels, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    const int64_t status = IP_RGrow_Process(&src, params, &labels);
+    return Outcome{status, valuesOf(result)};
+  };
+  return {"RegionGrowing", 1, 4 * kPixels, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+}
+
 // ---- every row, every failure ----
 
 class Allocating : public ::testing::TestWithParam<Case> {
@@ -322,6 +376,8 @@ INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
                                            driver("SgmDebug", matchDistinct, true, 0, kUntouched),     //
                                            debugRecord(), postproc(), radixSort(), elevationMask(),    //
                                            gauss(), pullPush(), append(),                              //
+                                           componentFinder(), contourFilter(),                         //
+                                           contourFilterInPlace(), regionGrowing(),                    //
                                            morphology<uint8_t>("OpenU8", IMG_TYPE_U8, MORPH_OPEN),     //
                                            morphology<uint8_t>("CloseU8", IMG_TYPE_U8, MORPH_CLOSE),   //
                                            morphology<uint16_t>("OpenU16", IMG_TYPE_U16, MORPH_OPEN),  //
@@ -443,6 +499,51 @@ TEST(NotAllocating, SinglePassMorphologyAndMedian) {
   for (const int32_t op : {MORPH_ERODE, MORPH_DILATE, MORPH_CLEAN}) IP_Morph3x3(&src, &dst, op);
   IP_Median3x3(&src, &dst);
   IP_Maximum3x3(&src, &dst);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
+
+TEST(NotAllocating, LabellingAndFindingComponents) {
+  std::vector<uint16_t> pixels = Random(8).values<uint16_t>(64, 2), labels(128 * 128), sizes(4096);
+  Img src, map;
+  Vector counts;
+  Img_Init(&src, 8, 8, IMG_TYPE_U16, pixels.data());
+  const auto list = std::make_unique<ComponentList>();
+  CompFinder* finder = IP_CompFinder_Init();
+  const int32_t threshold = 0;
+  heap::watch();
+  IP_CompFind_CreateLabelMap(&map, labels.data(), 32768);
+  IP_CompFind_CreateComponentSizes(&counts, sizes.data(), 8192);
+  EXPECT_EQ(IP_CompFind_Process(&src, &map, &counts, &threshold), 1);
+  EXPECT_EQ(IP_CompFinder_Process(finder, &src, list.get()), 1);
+  EXPECT_EQ(heap::allocations(), 0u);
+  IP_CompFinder_Close(finder);
+}
+
+TEST(NotAllocating, RegionsOfElevationMaps) {
+  std::vector<uint16_t> heights = Random(9).values<uint16_t>(64, 5), labels(64);
+  ImgC elevation;
+  Img map;
+  ImgC_Init(&elevation, 8, 8, IMG_TYPE_U16, heights.data());
+  Img_Init(&map, 8, 8, IMG_TYPE_U16, labels.data());
+  const auto list = std::make_unique<RegionList>();
+  heap::watch();
+  EXPECT_EQ(IP_RGE_Init(), 1);
+  EXPECT_EQ(IP_RGE_Process(&elevation, nullptr), 1);
+  EXPECT_EQ(IP_RGE_CreateLabelMap(&map), 1);
+  EXPECT_EQ(IP_RGE_CreateRegionList(list.get()), 1);
+  EXPECT_EQ(heap::allocations(), 0u);
+}
+
+TEST(NotAllocating, RefusedSegmentation) {
+  uint16_t pixels[4] = {};
+  const int32_t params[] = {0, 1};
+  Img small, large;
+  Img_Init(&small, 2, 2, IMG_TYPE_U16, pixels);
+  Img_Init(&large, 129, 2, IMG_TYPE_U16, pixels);
+  heap::watch();
+  EXPECT_EQ(IP_ContourFilter(&small, &large, 2), 0);
+  EXPECT_EQ(IP_ContourFilter(nullptr, &small, 2), 0);
+  EXPECT_EQ(IP_RGrow_Process(&small, params, &large), 0);
   EXPECT_EQ(heap::allocations(), 0u);
 }
 

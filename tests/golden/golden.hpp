@@ -58,5 +58,6 @@ std::vector<Case> stereoCases();
 std::vector<Case> numberCases();
 std::vector<Case> geometryCases();
 std::vector<Case> cameraCases();
+std::vector<Case> segmentCases();
 
 }  // namespace nadir::test::golden
