@@ -2,11 +2,11 @@
 // and nothing is touched outside the buffers.
 #include <nadir/stereo.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
+#include "tests/fuzz/input.hpp"
 #include "tests/support/levels.hpp"
 #include "tests/support/stereo_model.hpp"
 
@@ -19,38 +19,6 @@ using model::Variant;
 using model::Words;
 
 constexpr uint32_t searched = model::kDisparities;
-
-// Hands out the fuzzer's bytes, again and again with a change each time round, so that few bytes make a picture.
-class Input {
- public:
-  Input(const uint8_t* data, size_t size) : data_(data), size_(size) {}
-
-  uint8_t byte() {
-    const size_t i = next_++;
-    return size_ ? static_cast<uint8_t>(data_[i % size_] + i / size_) : uint8_t{0};
-  }
-  uint32_t below(uint32_t n) { return (byte() | uint32_t{byte()} << 8) % n; }
-
-  template <class T>
-  std::vector<T> values(size_t count) {
-    std::vector<T> out(count);
-    for (T& value : out) {
-      for (size_t i = 0; i < sizeof(T); ++i) value = static_cast<T>(uint64_t{value} << 8 | byte());
-    }
-    return out;
-  }
-
- private:
-  const uint8_t* data_;
-  size_t size_, next_ = 0;
-};
-
-template <class T>
-void expect(const char* what, const T& want, const T& got) {
-  if (want == got) return;
-  std::fprintf(stderr, "%s differs from the model at level %s\n", what, cpuName(cpu()));
-  std::abort();
-}
 
 template <class F>
 void atEveryLevel(F check) {
