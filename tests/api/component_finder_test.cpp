@@ -59,21 +59,21 @@ void expectList(const std::vector<Region>& want) {
 
 class Finder {
  public:
-  int32_t find(const Picture& picture, const Rect_s32& aoi, Place place = Place::beforeGuard) {
-    const TightImage src(picture, place);
+  int32_t find(const Picture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
+    const auto src = imageOf(picture, side);
     list().count = 0xFFFFFFFF;
     const int32_t status = IP_CompFinder_ProcessAoi(get(), src, &aoi, &list());
     EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
     return status;
   }
   int32_t find(const Picture& picture) {
-    const TightImage src(picture, Place::beforeGuard);
+    const auto src = imageOf(picture, Guard::behind);
     list().count = 0xFFFFFFFF;
     return IP_CompFinder_Process(get(), src, &list());
   }
 
-  void expectModel(const Picture& picture, const Rect_s32& aoi, Place place = Place::beforeGuard) {
-    ASSERT_EQ(find(picture, aoi, place), 1);
+  void expectModel(const Picture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
+    ASSERT_EQ(find(picture, aoi, side), 1);
     expectList(model::componentList(picture, aoi));
     if (::testing::Test::HasFailure()) {
       ADD_FAILURE() << "area " << aoi.x0 << " " << aoi.y0 << " " << aoi.x1 << " " << aoi.y1 << " of " << text(picture);
@@ -358,13 +358,13 @@ TEST(ComponentFinderModel, AgreesOnAreasOfEveryKind) {
   inRounds(8000, [&](Random& random) {
     const Extent size = anyExtent(random, 256);
     finder.expectModel(anyPicture(random, size.width, size.height), anyArea(random, size.width, size.height),
-                       anyPlace(random));
+                       anySide(random));
   });
 }
 
 TEST(ComponentFinderModel, AgreesOnFullSizeShapes) {
   Finder finder;
-  inRounds(12, [&](Random& random) { finder.expectModel(anyPicture(random, 256, 256), kWhole, anyPlace(random)); });
+  inRounds(12, [&](Random& random) { finder.expectModel(anyPicture(random, 256, 256), kWhole, anySide(random)); });
 }
 
 TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {

@@ -19,26 +19,26 @@ template <class T>
 using Pixels = std::vector<T>;
 
 template <class T>
-Pixels<T> filtered(const Picture<T>& picture, uint32_t minSize, Place place = Place::beforeGuard) {
-  const TightImage src(picture, place);
-  TightImage dst(Picture<T>{picture.width, picture.height, marks<T>(picture.pixels.size())}, place);
+Pixels<T> filtered(const Picture<T>& picture, uint32_t minSize, Guard side = Guard::behind) {
+  const auto src = imageOf(picture, side);
+  auto dst = imageOf(Picture<T>{picture.width, picture.height, marks<T>(picture.pixels.size())}, side);
   EXPECT_EQ(IP_ContourFilter(src, dst, minSize), 1);
   EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
   return dst.pixels();
 }
 
 template <class T>
-Pixels<T> filteredInPlace(const Picture<T>& picture, uint32_t minSize, Place place = Place::beforeGuard) {
-  TightImage img(picture, place);
+Pixels<T> filteredInPlace(const Picture<T>& picture, uint32_t minSize, Guard side = Guard::behind) {
+  auto img = imageOf(picture, side);
   EXPECT_EQ(IP_ContourFilter_I(img, minSize), 1);
   return img.pixels();
 }
 
 template <class T>
-void expectModel(const Picture<T>& picture, uint32_t minSize, Place place = Place::beforeGuard) {
+void expectModel(const Picture<T>& picture, uint32_t minSize, Guard side = Guard::behind) {
   const Pixels<T> want = model::withoutSmall(picture, minSize);
-  EXPECT_TRUE(same(want, filtered(picture, minSize, place)));
-  EXPECT_TRUE(same(want, filteredInPlace(picture, minSize, place)));
+  EXPECT_TRUE(same(want, filtered(picture, minSize, side)));
+  EXPECT_TRUE(same(want, filteredInPlace(picture, minSize, side)));
   if (::testing::Test::HasFailure()) ADD_FAILURE() << "minSize " << minSize << ", " << text(picture);
 }
 
@@ -180,7 +180,7 @@ TEST(ContourFilterModel, AgreesOnU16ShapesOfEveryKind) {
   inRounds(3000, [](Random& random) {
     const Extent size = anyExtent(random, 128);
     expectModel(valued<uint16_t>(random, anyShape(random, size.width, size.height), 0), anySizeFor(random, size),
-                anyPlace(random));
+                anySide(random));
   });
 }
 
@@ -188,13 +188,13 @@ TEST(ContourFilterModel, AgreesOnS16ShapesOfEveryKind) {
   inRounds(3000, [](Random& random) {
     const Extent size = anyExtent(random, 128);
     expectModel(valued<int16_t>(random, anyShape(random, size.width, size.height), 0), anySizeFor(random, size),
-                anyPlace(random));
+                anySide(random));
   });
 }
 
 TEST(ContourFilterModel, AgreesOnFullSizeShapes) {
   inRounds(20, [](Random& random) {
-    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), random.below(3000), anyPlace(random));
+    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), random.below(3000), anySide(random));
   });
 }
 

@@ -74,28 +74,28 @@ const Fresh fresh = observeFreshState();
 class Processed {
  public:
   // Null parameters where `params` is null.
-  Processed(const Picture& picture, const RgeParams* params, Place place = Place::beforeGuard)
-      : picture_(picture), elevation_(picture, place) {
+  Processed(const Picture& picture, const RgeParams* params, Guard side = Guard::behind)
+      : picture_(picture), elevation_(imageOf(picture, side)) {
     const ImgC image = elevation_.readOnly();
     EXPECT_EQ(IP_RGE_Process(&image, params), 1);
   }
-  Processed(const Picture& picture, const RgeParams& params, Place place = Place::beforeGuard)
-      : Processed(picture, &params, place) {}
+  Processed(const Picture& picture, const RgeParams& params, Guard side = Guard::behind)
+      : Processed(picture, &params, side) {}
   ~Processed() { EXPECT_EQ(elevation_.pixels(), picture_.pixels) << "wrote into its source"; }
   Processed(const Processed&) = delete;
   Processed& operator=(const Processed&) = delete;
 
-  Words labels(Place place = Place::beforeGuard) const { return labels(picture_.width, picture_.height, place); }
+  Words labels(Guard side = Guard::behind) const { return labels(picture_.width, picture_.height, side); }
 
-  static Words labels(uint32_t width, uint32_t height, Place place = Place::beforeGuard) {
-    TightImage map(Picture{width, height, marks<uint16_t>(size_t{width} * height)}, place);
+  static Words labels(uint32_t width, uint32_t height, Guard side = Guard::behind) {
+    auto map = imageOf(Picture{width, height, marks<uint16_t>(size_t{width} * height)}, side);
     EXPECT_EQ(IP_RGE_CreateLabelMap(map), 1);
     return map.pixels();
   }
 
  private:
   Picture picture_;
-  TightImage<uint16_t> elevation_;
+  Image<uint16_t> elevation_;
 };
 
 Words labelsOf(const Picture& picture, const RgeParams& params) { return Processed(picture, params).labels(); }
@@ -124,9 +124,9 @@ void expectList(const std::vector<Region>& want) {
   }
 }
 
-void expectModel(const Picture& picture, const RgeParams& params, Place place = Place::beforeGuard) {
-  const Processed processed(picture, params, place);
-  EXPECT_TRUE(same(model::low16(model::elevationLabels(picture, params)), processed.labels(place)));
+void expectModel(const Picture& picture, const RgeParams& params, Guard side = Guard::behind) {
+  const Processed processed(picture, params, side);
+  EXPECT_TRUE(same(model::low16(model::elevationLabels(picture, params)), processed.labels(side)));
   expectList(model::elevationRegions(picture, params));
   if (::testing::Test::HasFailure()) {
     ADD_FAILURE() << "area " << params.x0 << " " << params.y0 << " " << params.x1 << " " << params.y1 << ", step "
@@ -380,7 +380,7 @@ TEST_F(ElevationState, KeepsItsResultsWhenMadeReadyAgain) {
 
 TEST_F(ElevationState, NeedsThePixelsButNotTheDescriptor) {
   const Picture picture = drawn({"#.#", "###", ".#."});
-  const TightImage elevation(picture, Place::beforeGuard);
+  const auto elevation = imageOf(picture, Guard::behind);
   ImgC descriptor = elevation.readOnly();
   const RgeParams params = wholeMap(0);
   EXPECT_EQ(IP_RGE_Process(&descriptor, &params), 1);
@@ -513,7 +513,7 @@ TEST_F(ElevationModel, AgreesOnTerrainOfEveryKind) {
   inRounds(10000, [](Random& random) {
     const Extent size = anyExtent(random, 128);
     const Picture picture = anyTerrain(random, size.width, size.height);
-    expectModel(picture, anyParams(random, picture), anyPlace(random));
+    expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
@@ -521,20 +521,20 @@ TEST_F(ElevationModel, AgreesOnAnyValues) {
   inRounds(2000, [](Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
-    expectModel(picture, anyParams(random, picture), anyPlace(random));
+    expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeTerrain) {
   inRounds(40, [](Random& random) {
     const Picture picture = anyTerrain(random, 128, 128);
-    expectModel(picture, anyParams(random, picture), anyPlace(random));
+    expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeShapes) {
   inRounds(40, [](Random& random) {
-    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(kLargest), anyPlace(random));
+    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(kLargest), anySide(random));
   });
 }
 

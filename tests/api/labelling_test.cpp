@@ -22,20 +22,20 @@ using Sizes = std::vector<uint32_t>;
 constexpr uint32_t kMapBytes = 128 * 128 * 2, kSizesBytes = 4096 * 2;
 constexpr uint16_t kUntouched = 0xA7A7;
 
-// A label map and sizes as a caller sets them up, in tight memory full of marks. A map may be shorter than its full
-// 128 x 128 pixels, as long as it holds those of the picture.
+// A label map and sizes as a caller sets them up, full of marks and next to guard pages. A map may be shorter than its
+// full 128 x 128 pixels, as long as it holds those of the picture.
 class Labeller {
  public:
-  explicit Labeller(size_t mapWords = kMapBytes / 2, Place place = Place::beforeGuard)
-      : mapWords_(Words(mapWords, kUntouched), place), sizeWords_(kSizesBytes / 2) {
+  explicit Labeller(size_t mapWords = kMapBytes / 2, Guard side = Guard::behind)
+      : mapWords_(Words(mapWords, kUntouched), side), sizeWords_(kSizesBytes / 2) {
     Img_Init(&map, 128, 128, IMG_TYPE_U16, mapWords_.data());
     EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, sizeWords_.data(), kSizesBytes), 1);
     std::memcpy(sizeWords_.data(), marks().data(), kSizesBytes);
   }
 
   template <class T>
-  int32_t label(const Picture<T>& picture, int32_t threshold, Place place = Place::beforeGuard) {
-    TightImage src(picture, place);
+  int32_t label(const Picture<T>& picture, int32_t threshold, Guard side = Guard::behind) {
+    auto src = imageOf(picture, side);
     const int32_t status = IP_CompFind_Process(src, &map, &sizes, &threshold);
     EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
     return status;
@@ -64,15 +64,15 @@ class Labeller {
   Vector sizes{};
 
  private:
-  TightWords mapWords_;
+  Guarded<uint16_t> mapWords_;
   Guarded<uint16_t> sizeWords_;
 };
 
 // Labels and sizes are those of the model, and not a byte behind them has changed.
 template <class T>
-void expectModel(const Picture<T>& picture, int32_t threshold, Place place = Place::beforeGuard) {
-  Labeller labeller(picture.pixels.size() + 64, place);
-  ASSERT_EQ(labeller.label(picture, threshold, place), 1);
+void expectModel(const Picture<T>& picture, int32_t threshold, Guard side = Guard::behind) {
+  Labeller labeller(picture.pixels.size() + 64, side);
+  ASSERT_EQ(labeller.label(picture, threshold, side), 1);
   ASSERT_EQ(labeller.map.width, picture.width);
   ASSERT_EQ(labeller.map.height, picture.height);
   EXPECT_EQ(labeller.map.type, uint32_t{IMG_TYPE_U16});
@@ -133,7 +133,7 @@ Picture<uint16_t> dust() {
 
 TEST(CreateLabelMap, Lays128By128PixelsOverTheBuffer) {
   Img map{};
-  const TightWords memory(Words(kMapBytes / 2, kUntouched), Place::beforeGuard);
+  const Guarded<uint16_t> memory(Words(kMapBytes / 2, kUntouched), Guard::behind);
   EXPECT_EQ(IP_CompFind_CreateLabelMap(&map, memory.data(), kMapBytes), 1);
   EXPECT_TRUE(sameDescriptor(map, {128, 128, 2, IMG_TYPE_U16, memory.data()}));
   EXPECT_EQ(memory.values(), Words(kMapBytes / 2, kUntouched));
@@ -317,7 +317,7 @@ TEST(LabellingModel, AgreesOnU16ShapesOfEveryKind) {
     const Extent size = anyExtent(random, 128);
     const int32_t threshold = random.below(2) ? 0 : random.between(0, 32767);
     const Shape shape = anyShape(random, size.width, size.height);
-    expectModel(valued<uint16_t>(random, shape, threshold), threshold, anyPlace(random));
+    expectModel(valued<uint16_t>(random, shape, threshold), threshold, anySide(random));
   });
 }
 
@@ -326,7 +326,7 @@ TEST(LabellingModel, AgreesOnS16ShapesOfEveryKind) {
     const Extent size = anyExtent(random, 128);
     const int32_t threshold = random.below(2) ? 0 : random.between(-32768, 32766);
     const Shape shape = anyShape(random, size.width, size.height);
-    expectModel(valued<int16_t>(random, shape, threshold), threshold, anyPlace(random));
+    expectModel(valued<int16_t>(random, shape, threshold), threshold, anySide(random));
   });
 }
 
@@ -342,7 +342,7 @@ TEST(LabellingModel, AgreesOnAnyValuesAndAnyThreshold) {
 
 TEST(LabellingModel, AgreesOnFullSizeShapes) {
   inRounds(40, [](Random& random) {
-    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), 0, anyPlace(random));
+    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), 0, anySide(random));
   });
 }
 

@@ -19,17 +19,17 @@ using Picture = model::Picture<uint16_t>;
 
 constexpr int32_t kLargest = std::numeric_limits<int32_t>::max(), kSmallest = std::numeric_limits<int32_t>::min();
 
-Words labelsOf(const Picture& picture, int32_t threshold, int32_t maxStep, Place place = Place::beforeGuard) {
-  const TightImage src(picture, place);
-  TightImage labels(Picture{picture.width, picture.height, marks<uint16_t>(picture.pixels.size())}, place);
+Words labelsOf(const Picture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
+  const auto src = imageOf(picture, side);
+  auto labels = imageOf(Picture{picture.width, picture.height, marks<uint16_t>(picture.pixels.size())}, side);
   const int32_t params[] = {threshold, maxStep};
   EXPECT_EQ(IP_RGrow_Process(src, params, labels), 1);
   EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
   return labels.pixels();
 }
 
-void expectModel(const Picture& picture, int32_t threshold, int32_t maxStep, Place place = Place::beforeGuard) {
-  EXPECT_TRUE(same(model::grown(picture, threshold, maxStep), labelsOf(picture, threshold, maxStep, place)));
+void expectModel(const Picture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
+  EXPECT_TRUE(same(model::grown(picture, threshold, maxStep), labelsOf(picture, threshold, maxStep, side)));
   if (::testing::Test::HasFailure())
     ADD_FAILURE() << "threshold " << threshold << ", step " << maxStep << ", " << text(picture);
 }
@@ -132,7 +132,7 @@ TEST(RegionGrowing, MayLabelTheImageItself) {
   inRounds(300, [](Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture = anyTerrain(random, size.width, size.height);
-    TightImage image(picture, anyPlace(random));
+    auto image = imageOf(picture, anySide(random));
     const int32_t params[] = {anyThreshold(random, picture), anyStep(random)};
     EXPECT_EQ(IP_RGrow_Process(image, params, image), 1);
     EXPECT_TRUE(same(model::grown(picture, params[0], params[1]), image.pixels()));
@@ -218,7 +218,7 @@ TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {
   inRounds(8000, [](Random& random) {
     const Extent size = anyExtent(random, 150);
     const Picture picture = anyTerrain(random, size.width, size.height);
-    expectModel(picture, anyThreshold(random, picture), anyStep(random), anyPlace(random));
+    expectModel(picture, anyThreshold(random, picture), anyStep(random), anySide(random));
   });
 }
 
@@ -226,7 +226,7 @@ TEST(RegionGrowingModel, AgreesOnAnyValues) {
   inRounds(2000, [](Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
-    expectModel(picture, random.between(-1, 65535), random.between(-1, 65535), anyPlace(random));
+    expectModel(picture, random.between(-1, 65535), random.between(-1, 65535), anySide(random));
   });
 }
 

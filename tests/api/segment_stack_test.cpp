@@ -42,7 +42,7 @@ template <class Call>
 size_t mostStackOf(uint32_t width, uint32_t height, Call call) {
   size_t most = 0;
   for (const Picture& picture : hardPictures(width, height)) {
-    TightImage src(picture, Place::beforeGuard);
+    auto src = imageOf(picture, Guard::behind);
     int32_t status = 0;
     most = std::max(most, stackOf([&] { status = call(src.img); }));
     EXPECT_EQ(status, 1);

@@ -1,4 +1,4 @@
-// Pictures of 16-bit values: from drawings, from shapes, as drawings for a report, and as images in tight memory.
+// Pictures of 16-bit values: from drawings, from shapes, as text for a report, and as images.
 #pragma once
 
 #include <nadir/image.h>
@@ -13,7 +13,6 @@
 #include "tests/support/models/image_ops.hpp"
 #include "tests/support/random.hpp"
 #include "tests/support/shapes.hpp"
-#include "tests/support/tight_words.hpp"
 
 namespace nadir::test {
 
@@ -72,27 +71,12 @@ std::string text(const model::Picture<T>& picture) {
   return out;
 }
 
-// A picture's pixels in tight memory, with their descriptor.
+// As an image with a guard page on one side.
 template <class T>
-class TightImage {
- public:
-  TightImage(const model::Picture<T>& picture, Place place) : words_(picture.pixels, place) {
-    Img_Init(&img, picture.width, picture.height, typeOf<T>, words_.data());
-  }
+Image<T> imageOf(const model::Picture<T>& picture, Guard side = Guard::behind) {
+  return Image<T>(picture.width, picture.height, picture.pixels, side);
+}
 
-  operator Img*() { return &img; }
-  operator const Img*() const { return &img; }
-  ImgC readOnly() const { return {img.width, img.height, img.bytesPerPixel, img.type, img.data}; }
-  std::vector<T> pixels() const { return words_.template values<T>(); }
-  void store(const std::vector<T>& pixels) { words_.store(pixels); }
-
-  Img img;
-
- private:
-  TightWords words_;
-};
-
-template <class T>
-TightImage(const model::Picture<T>&, Place) -> TightImage<T>;
+inline Guard anySide(Random& random) { return random.below(2) ? Guard::before : Guard::behind; }
 
 }  // namespace nadir::test
