@@ -1,15 +1,13 @@
 #include "camera_file.hpp"
 
-#define TOML_ENABLE_FORMATTERS 0
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string_view>
 
-#include "error.hpp"
+#include "areas.hpp"
 #include "text.hpp"
+#include "toml_file.hpp"
 
 namespace nadir::tool {
 
@@ -30,42 +28,7 @@ std::string shortest(double value) {
 
 // ---- reading ----
 
-class Mistakes {
- public:
-  explicit Mistakes(const std::string& path) : path_(path) {}
-
-  void add(uint32_t line, const std::string& key, const std::string& reason) {
-    list_.push_back({line, format("%s:%u: %s: %s", path_.c_str(), line, key.c_str(), reason.c_str())});
-  }
-
-  void throwIfAny() {
-    if (list_.empty()) return;
-    std::stable_sort(list_.begin(), list_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-    std::string text;
-    for (const auto& [line, sentence] : list_) text += (text.empty() ? "" : "\n") + sentence;
-    throw Error(text);
-  }
-
- private:
-  std::string path_;
-  std::vector<std::pair<uint32_t, std::string>> list_;
-};
-
-uint32_t lineOf(const toml::node& node) { return std::max<uint32_t>(1, node.source().begin.line); }
-
 std::string fullName(const CameraKey& key) { return (*key.table ? std::string(key.table) + "." : "") + key.name; }
-
-const char* typeName(const toml::node& node) {
-  switch (node.type()) {
-    case toml::node_type::string: return "a text";
-    case toml::node_type::boolean: return "true or false";
-    case toml::node_type::array: return "a list";
-    case toml::node_type::table: return "a table";
-    case toml::node_type::floating_point: return "a number with a fraction";
-    case toml::node_type::integer: return "a whole number";
-    default: return "a date or time";
-  }
-}
 
 void readValue(const toml::node& node, const CameraKey& key, Camera& camera, Mistakes& mistakes) {
   const bool wanted = isCount(key) ? node.is_integer() : node.is_number();
@@ -81,15 +44,15 @@ void readValue(const toml::node& node, const CameraKey& key, Camera& camera, Mis
 bool isKnownName(std::string_view table, std::string_view name) {
   const auto& keys = cameraKeys();
   return std::any_of(keys.begin(), keys.end(), [&](const CameraKey& key) {
-    return (key.table == table && key.name == name) || (table.empty() && key.table == name);
+    return (key.table == table && key.name == name) || (table.empty() && (key.table == name || name == areaKey));
   });
 }
 
 void reportUnknownKeys(const toml::table& table, const std::string& tableName, Mistakes& mistakes) {
   for (const auto& [name, node] : table)
     if (!isKnownName(tableName, name.str()))
-      mistakes.add(std::max<uint32_t>(1, name.source().begin.line),
-                   (tableName.empty() ? "" : tableName + ".") + std::string(name.str()), "is no key of a camera file");
+      mistakes.add(lineOf(name), (tableName.empty() ? "" : tableName + ".") + std::string(name.str()),
+                   "is no key of a camera file");
 }
 
 void readTable(const toml::table& table, const std::string& name, Camera& camera, Mistakes& mistakes) {
@@ -108,15 +71,6 @@ void readMap(const toml::table& top, Camera& camera, Mistakes& mistakes) {
   if (!node) return mistakes.add(1, "map", "is missing, a table that begins with the line [map]");
   if (!node->is_table()) return mistakes.add(lineOf(*node), "map", format("is %s, must be a table", typeName(*node)));
   readTable(*node->as_table(), "map", camera, mistakes);
-}
-
-toml::table parse(const std::string& text, const std::string& path) {
-  try {
-    return toml::parse(text, path);
-  } catch (const toml::parse_error& error) {
-    const std::string reason(error.description());
-    throw Error(format("%s:%u: %s", path.c_str(), error.source().begin.line, reason.c_str()));
-  }
 }
 
 // ---- writing ----
@@ -179,7 +133,7 @@ std::string mistakeIn(double value, const CameraKey& key) {
 }
 
 Camera parseCamera(const std::string& text, const std::string& path) {
-  const toml::table top = parse(text, path);
+  const toml::table top = parseToml(text, path);
   Camera camera;
   Mistakes mistakes(path);
   readTable(top, "", camera, mistakes);

@@ -2,7 +2,7 @@
 
 #include <stb_easy_font.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 
 namespace nadir::tool {
@@ -16,6 +16,12 @@ double tickStep(double wanted) {
   return step;
 }
 
+std::string inAscii(std::string text) {
+  for (char& c : text)
+    if (c < ' ' || c > '~') c = '?';
+  return text;
+}
+
 }  // namespace
 
 void fill(Grid<Rgb>& picture, const Rect& rect, Rgb colour) {
@@ -23,23 +29,55 @@ void fill(Grid<Rgb>& picture, const Rect& rect, Rgb colour) {
     for (uint32_t x = rect.left; x < std::min(rect.left + rect.width, picture.width); ++x) picture.at(x, y) = colour;
 }
 
-// stb_easy_font gives a text as axis-parallel rectangles of four corners each.
-void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text) {
+// stb_easy_font gives a text as axis-parallel rectangles of four corners each. It knows ASCII alone.
+void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text, uint32_t scale) {
   struct Corner {
     float x, y, z;
     uint8_t colour[4];
   };
-  std::array<Corner, 2000> corners;
-  const int quads = stb_easy_font_print(static_cast<float>(left), static_cast<float>(top), text.data(), nullptr,
-                                        corners.data(), sizeof corners);
+  text = inAscii(text);
+  std::vector<Corner> corners(4 * 70 * (text.size() + 1));
+  const int quads = stb_easy_font_print(0, 0, text.data(), nullptr, corners.data(),
+                                        static_cast<int>(corners.size() * sizeof(Corner)));
   for (size_t q = 0; q < static_cast<size_t>(quads); ++q) {
     const Corner &a = corners[4 * q], &b = corners[4 * q + 2];
     const auto x = static_cast<uint32_t>(a.x), y = static_cast<uint32_t>(a.y);
-    fill(picture, {x, y, static_cast<uint32_t>(b.x) - x, static_cast<uint32_t>(b.y) - y}, black);
+    const Rect stroke{left + scale * x, top + scale * y, scale * (static_cast<uint32_t>(b.x) - x),
+                      scale * (static_cast<uint32_t>(b.y) - y)};
+    fill(picture, stroke, black);
   }
 }
 
-uint32_t textWidth(std::string text) { return static_cast<uint32_t>(stb_easy_font_width(text.data())); }
+uint32_t textWidth(std::string text) {
+  text = inAscii(text);
+  return static_cast<uint32_t>(stb_easy_font_width(text.data()));
+}
+
+void drawLine(Grid<Rgb>& picture, const Spot& from, const Spot& to, uint32_t width, Rgb colour) {
+  const double dx = to.x - from.x, dy = to.y - from.y;
+  const int steps = std::max(1, static_cast<int>(std::ceil(std::max(std::abs(dx), std::abs(dy)))));
+  for (int i = 0; i <= steps; ++i) {
+    const double x = std::floor(from.x + dx * i / steps - width / 2.0 + 0.5);
+    const double y = std::floor(from.y + dy * i / steps - width / 2.0 + 0.5);
+    if (x >= 0 && y >= 0 && x < picture.width && y < picture.height)
+      fill(picture, {static_cast<uint32_t>(x), static_cast<uint32_t>(y), width, width}, colour);
+  }
+}
+
+void drawSign(Grid<Rgb>& picture, const Spot& middle, const std::string& text, uint32_t scale, Rgb box) {
+  const uint32_t width = scale * (textWidth(text) + 3), height = scale * (textHeight + 2);
+  const auto inside = [](double wanted, uint32_t size, uint32_t room) {
+    return static_cast<uint32_t>(std::clamp<double>(wanted - size / 2.0, 0, room - std::min(size, room)));
+  };
+  const uint32_t left = inside(middle.x, width, picture.width), top = inside(middle.y, height, picture.height);
+  fill(picture, {left, top, width, height}, box);
+  drawText(picture, left + 2 * scale, top + 2 * scale, text, scale);
+}
+
+Rgb blended(Rgb under, Rgb over, double share) {
+  const auto mix = [share](uint8_t a, uint8_t b) { return static_cast<uint8_t>(std::lround(a + (b - a) * share)); };
+  return {mix(under.r, over.r), mix(under.g, over.g), mix(under.b, over.b)};
+}
 
 std::vector<double> tickValues(double low, double high, uint32_t pixels, double distance) {
   const double step = tickStep((high - low) * distance / pixels);

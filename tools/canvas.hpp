@@ -20,8 +20,22 @@ struct Rect {
 
 // What lies outside the picture is left out.
 void fill(Grid<Rgb>& picture, const Rect& rect, Rgb colour);
-void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text);
+void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text, uint32_t scale = 1);
 uint32_t textWidth(std::string text);
+
+// A place between the pixels of a picture; (0, 0) is the outer corner of the first.
+struct Spot {
+  double x, y;
+};
+
+// A square pen of `width` pixels is drawn along the line.
+void drawLine(Grid<Rgb>& picture, const Spot& from, const Spot& to, uint32_t width, Rgb colour);
+
+// A text on a box of the colour, around the spot but inside the picture.
+void drawSign(Grid<Rgb>& picture, const Spot& middle, const std::string& text, uint32_t scale, Rgb box);
+
+// Half way between two colours for 0.5, the second for 1.
+Rgb blended(Rgb under, Rgb over, double share);
 
 // Round numbers from low to high, at least `distance` pixels apart on an axis of `pixels`.
 std::vector<double> tickValues(double low, double high, uint32_t pixels, double distance);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 
 #include "chunks.hpp"
@@ -16,21 +17,11 @@ struct Sample {
   bool operator<(const Sample& other) const { return std::tie(cell, height) < std::tie(other.cell, other.height); }
 };
 
-bool isOnMap(const Point_f32& cell, const ElevMapParams& map) {
-  return cell.x >= 0 && cell.y >= 0 && cell.x < map.width && cell.y < map.height;
-}
-
 // In order of cell and height.
 std::vector<Sample> samples(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ) {
   std::vector<Sample> samples;
-  for (const WorldPoint& p : points) {
-    const Point_f32 place = {p.world.x, p.world.y};
-    Point_f32 cell;
-    ip_world2elev(&place, &cell, &frame.cells, &frame.corner);
-    if (isOnMap(cell, frame.cells))
-      samples.push_back(
-          {static_cast<size_t>(cell.y) * frame.cells.width + static_cast<size_t>(cell.x), groundZ - p.world.z});
-  }
+  for (const WorldPoint& p : points)
+    if (const std::optional<size_t> cell = cellUnder(p.world, frame)) samples.push_back({*cell, groundZ - p.world.z});
   std::sort(samples.begin(), samples.end());
   return samples;
 }
@@ -49,6 +40,14 @@ MapFrame mapFrame(const StereoCtx& context, const Camera& camera) {
            context.lowerLeft.y + static_cast<float>(camera.mapOffsetYMm)}};
 }
 
+std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame) {
+  const Point_f32 place = {world.x, world.y};
+  Point_f32 cell;
+  ip_world2elev(&place, &cell, &frame.cells, &frame.corner);
+  if (!(cell.x >= 0 && cell.y >= 0 && cell.x < frame.cells.width && cell.y < frame.cells.height)) return {};
+  return static_cast<size_t>(cell.y) * frame.cells.width + static_cast<size_t>(cell.x);
+}
+
 uint16_t storedHeight(double mm) {
   return static_cast<uint16_t>(std::clamp<double>(std::floor(mm + 0.5), lowestStoredMm, highestStoredMm));
 }
@@ -56,7 +55,7 @@ uint16_t storedHeight(double mm) {
 ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,
                           const CellRule& rule) {
   const std::vector<Sample> ordered = samples(points, frame, groundZ);
-  ElevationMap map{{frame.cells.width, frame.cells.height}, ordered.size()};
+  ElevationMap map{{frame.cells.width, frame.cells.height}, ordered.size(), 0};
   for (size_t begin = 0, end; begin < ordered.size(); begin = end) {
     end = begin;
     while (end < ordered.size() && ordered[end].cell == ordered[begin].cell) ++end;
@@ -64,6 +63,15 @@ ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame&
     map.heights.pixels[ordered[begin].cell] = storedHeight(ordered[begin + rank(end - begin, rule.percentile)].height);
   }
   return map;
+}
+
+MapHeights heightsOf(const Grid<uint16_t>& heights) {
+  std::vector<uint16_t> known;
+  std::copy_if(heights.pixels.begin(), heights.pixels.end(), std::back_inserter(known),
+               [](uint16_t v) { return v != 0; });
+  if (known.empty()) return {};
+  std::sort(known.begin(), known.end());
+  return {known.size(), known.front(), known[known.size() / 2], known.back()};
 }
 
 }  // namespace nadir::tool

@@ -3,6 +3,8 @@
 
 #include <nadir/nadir.h>
 
+#include <optional>
+
 #include "camera_file.hpp"
 #include "grid.hpp"
 #include "world_points.hpp"
@@ -17,6 +19,9 @@ struct MapFrame {
 
 MapFrame mapFrame(const StereoCtx& context, const Camera& camera);
 
+// The cell, counted row by row, that a point lies over; nothing beside the map.
+std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame);
+
 // Rounded into the range that a seen cell can have.
 uint16_t storedHeight(double mm);
 
@@ -28,10 +33,19 @@ struct CellRule {
 struct ElevationMap {
   Grid<uint16_t> heights;   // mm, 0 for unseen
   size_t pointsInside = 0;  // of the points, those over a cell
+  size_t filled = 0;        // of the cells with a height, those that no point gave it
 };
 
 // groundZ  world z of the ground: the camera's height.
 ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,
                           const CellRule& rule);
+
+// Of the cells with a height; all 0 where there is none.
+struct MapHeights {
+  size_t known = 0;
+  uint16_t lowest = 0, median = 0, highest = 0;  // mm
+};
+
+MapHeights heightsOf(const Grid<uint16_t>& heights);
 
 }  // namespace nadir::tool

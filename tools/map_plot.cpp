@@ -12,7 +12,7 @@ namespace nadir::tool {
 
 namespace {
 
-constexpr uint32_t smallestSide = 360;  // of the larger side, pixels
+constexpr uint32_t usualSide = 360;  // pixels
 constexpr uint32_t leftMargin = 52;
 constexpr uint32_t topMargin = 16;
 constexpr uint32_t bottomMargin = 28;
@@ -63,16 +63,20 @@ void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPe
 
 }  // namespace
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame) {
+MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide) {
   const Grid<float> cells = inPixels(heights, 1);
   const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
   const Grid<float> pixels = enlarged(cells, factor);
   const auto [low, high] = usualRange(cells);
-  Grid<Rgb> picture = withMargins(plot(pixels, {low, high, turbo, "mm"}));
+  MapPlot map{withMargins(plot(pixels, {low, high, turbo, "mm"})), leftMargin, topMargin, factor};
   const double mmPerPixel = static_cast<double>(frame.cells.cellSizeX) / factor;
-  drawColumnAxis(picture, topMargin + pixels.height, pixels.width, frame.corner.x, mmPerPixel);
-  drawRowAxis(picture, pixels.height, frame.corner.y, mmPerPixel);
-  return encodePng(picture,
+  drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, frame.corner.x, mmPerPixel);
+  drawRowAxis(map.picture, pixels.height, frame.corner.y, mmPerPixel);
+  return map;
+}
+
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame) {
+  return encodePng(drawMap(heights, frame, usualSide).picture,
                    {{"Description", "Heights above the ground in mm, coloured, seen from above; grey: unseen."},
                     {"Software", software()}});
 }

@@ -1,12 +1,24 @@
 // An elevation map in colours, seen from above, with its axes in mm.
 #pragma once
 
+#include "canvas.hpp"
 #include "elevation_map.hpp"
 #include "files.hpp"
 
 namespace nadir::tool {
 
-// Row 0 is on top: world x grows to the right, world y downwards. Small maps are drawn with several pixels a cell.
+// Row 0 is on top: world x grows to the right, world y downwards.
+struct MapPlot {
+  Grid<Rgb> picture;
+  uint32_t left, top;  // where the first cell begins, pixels
+  uint32_t cellPixels;
+
+  Spot spot(double column, double row) const { return {left + column * cellPixels, top + row * cellPixels}; }
+};
+
+// smallestSide  of the map's larger side, pixels: small maps are drawn with several pixels a cell.
+MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide);
+
 Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame);
 
 }  // namespace nadir::tool
