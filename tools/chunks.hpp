@@ -19,6 +19,7 @@ constexpr const char* top = "nadir:top-mm";
 
 // What an elevation map's text nadir:units says; other pictures say something else.
 constexpr const char* elevationUnits = "mm";
+constexpr const char* regionUnits = "region";
 
 // A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
 constexpr float lowestStoredMm = 1;

@@ -1,86 +1,42 @@
-// nadir ground: from a rectified pair to heights above the ground.
-#include <nadir/nadir.h>
-
+// nadir ground: from a rectified pair to heights above the ground, and what stands there.
 #include <CLI/CLI.hpp>
 #include <memory>
 
 #include "chunks.hpp"
 #include "commands.hpp"
-#include "disparity_plot.hpp"
-#include "error.hpp"
+#include "ground.hpp"
 #include "ground_report.hpp"
 #include "map_plot.hpp"
-#include "pair_input.hpp"
-#include "pictures.hpp"
 #include "ply.hpp"
 #include "png.hpp"
+#include "region_plot.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
-struct Options {
-  std::string left, right, camera, folder, mask, disparity;
-  std::string grid = "left";
-  bool noPostprocessing = false;
-  uint32_t uniqueness = MatchOptions().uniqueness;
-  double disparityScale = 0;
-  CellRule rule;
+struct Options : GroundOptions {
+  std::string folder;
 };
-
-void checkSize(const Pair& pair, const Camera& camera, const Options& options) {
-  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
-  throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
-                     sizeText(pair.left.width, pair.left.height).c_str(), options.camera.c_str(),
-                     sizeText(camera.widthPx, camera.heightPx).c_str()));
-}
-
-Grid<uint16_t> matched(const Options& options, View view, Pair pair, StageTimes& times) {
-  const MatchOptions settings{view, options.uniqueness, !options.noPostprocessing, readMaskFor(pair, options.mask)};
-  return match(std::move(pair), settings, times).disparity;
-}
-
-Grid<float> givenDisparities(const Options& options, const Pair& pair) {
-  Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
-  if (!sameSize(disparity, pair.left))
-    throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
-                       sizeText(disparity.width, disparity.height).c_str(),
-                       sizeText(pair.left.width, pair.left.height).c_str()));
-  return disparity;
-}
-
-// From disparities to heights.
-void measure(GroundResult& r, const Grid<uint16_t>& picture, StageTimes& times) {
-  const StereoCtx context = stereoContext(r.camera, r.view);
-  const auto shift = static_cast<float>(r.camera.columnShiftPx);
-  r.points = times.measure("world points", [&] { return worldPoints(r.disparity, picture, context, shift); });
-  r.frame = mapFrame(context, r.camera);
-  r.map = times.measure("elevation map",
-                        [&] { return elevationMap(r.points, r.frame, context.orientation.height, r.rule); });
-  r.plane = times.measure("ground plane", [&] { return fitGroundPlane(r.points, context); });
-}
-
-GroundResult work(const Options& options, StageTimes& times) {
-  GroundResult r;
-  r.camera = readCamera(options.camera);
-  r.view = options.grid == "left" ? View::left : View::right;
-  r.rule = options.rule;
-  const Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
-  checkSize(pair, r.camera, options);
-  if (options.disparity.empty()) {
-    r.matched = matched(options, r.view, pair, times);
-    r.disparity = inPixels(r.matched, SGM_DISP_SCALE);
-  } else {
-    r.disparity = givenDisparities(options, pair);
-  }
-  measure(r, r.view == View::left ? pair.left : pair.right, times);
-  return r;
-}
 
 TextChunks mapTexts(const GroundResult& r) {
   TextChunks texts = elevationTexts(r.frame.cells.cellSizeX, r.frame.corner.x, r.frame.corner.y);
   texts["nadir:percentile"] = format("%g", r.rule.percentile);
   return texts;
+}
+
+TextChunks regionTexts(const GroundResult& r) {
+  TextChunks texts = mapTexts(r);
+  texts[chunks::units] = regionUnits;
+  texts["Description"] =
+      "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";
+  return texts;
+}
+
+void writeFindings(const std::string& folder, const GroundResult& r, const Findings& findings, OutputFiles& files) {
+  files.write(folder + "/regions.png", encodePng(findings.regions.labels, regionTexts(r)));
+  files.write(folder + "/regions.preview.png", encodeRegionMap(r, findings));
+  files.write(folder + "/regions.picture.png", encodeRegionPicture(r, findings));
 }
 
 void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles& files) {
@@ -91,12 +47,13 @@ void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles&
   files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r)));
   files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
   files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));
+  if (r.findings) writeFindings(folder, r, *r.findings, files);
   files.write(folder + "/summary.json", Bytes(summary.begin(), summary.end()));
 }
 
 void run(const Options& options) {
   StageTimes times;
-  const GroundResult result = work(options, times);
+  const GroundResult result = ground(options, times);
   OutputFiles files;
   times.measure("writing", [&] { writeOutputs(options.folder, result, files); });
   print(groundTable(result, times));
@@ -109,10 +66,7 @@ void addInputs(CLI::App& command, Options& options) {
   command.add_option("--camera", options.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");
-  command
-      .add_option("-o,--output", options.folder,
-                  "Receives disparity.png, elevation.png (16 bits, mm above the ground: 0 unseen, seen cells 1 to "
-                  "65535), elevation.preview.png (in colours), points.ply (mm), summary.json; made unless it exists")
+  command.add_option("-o,--output", options.folder, "Receives the files below; made unless it exists")
       ->required()
       ->type_name("FOLDER");
 }
@@ -130,6 +84,36 @@ void addMapOptions(CLI::App& command, Options& options) {
                   format("Cells with fewer points stay unseen (default: %u)", options.rule.minPoints))
       ->check(CLI::Range(1, 1000000).description(""))
       ->type_name("N");
+  command
+      .add_option("--fill-holes", options.fillHolesM2,
+                  "Fill patches of unseen cells up to this area from the heights around them (default: 0, fill none)")
+      ->check(CLI::Range(0.0, 1e6).description(""))
+      ->type_name("M2");
+}
+
+void addRegionOptions(CLI::App& command, Options& options) {
+  const auto number = [&command](const char* name, auto& value, double high, const char* text, const char* unit) {
+    return command.add_option(name, value, text)->check(CLI::Range(0.0, high).description(""))->type_name(unit);
+  };
+  CLI::Option* without =
+      command.add_flag("--no-regions", options.noRegions,
+                       "Stop at the elevation map, which may then have more than 128 x 128 cells; areas are not read");
+  number("--min-height", options.minHeightMm, 65534,
+         "Regions are cells higher than this (default: twice the side of a cell, 80 mm for cells of 40 mm)", "MM")
+      ->excludes(without);
+  number(
+      "--max-step", options.maxStepMm, 65535,
+      "Neighbouring cells that differ in height by more than this are not joined (default: twice the side of a cell)",
+      "MM")
+      ->excludes(without);
+  number("--min-area", options.minAreaM2, 1e6,
+         "Smaller regions are dropped (default: twenty cells, 0.032 m2 for cells of 40 mm)", "M2")
+      ->excludes(without);
+  command
+      .add_option("--areas", options.areas,
+                  "Areas of interest, TOML, besides those of the camera file (default: those alone)")
+      ->excludes(without)
+      ->type_name("FILE");
 }
 
 void addMatchOptions(CLI::App& command, Options& options) {
@@ -145,9 +129,10 @@ void addMatchOptions(CLI::App& command, Options& options) {
       ->needs(given)
       ->type_name("N");
   command
-      .add_option("--grid", options.grid,
+      .add_option("--grid", options.view,
                   "View that is measured, left or right; its camera is the world's origin (default: left)")
-      ->check(CLI::IsMember({"left", "right"}).description(""))
+      ->transform(CLI::CheckedTransformer(std::map<std::string, View>{{"left", View::left}, {"right", View::right}})
+                      .description(""))
       ->type_name("VIEW");
   command
       .add_option("--uniqueness", options.uniqueness,
@@ -171,15 +156,34 @@ void addMatchOptions(CLI::App& command, Options& options) {
 void addGroundCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App* command =
-      app.add_subcommand("ground", "Match a pair and map heights above the ground; write map, points, summary.");
+      app.add_subcommand("ground", "Map heights above the ground and find what stands there and in areas of interest.");
   addInputs(*command, *options);
   addMapOptions(*command, *options);
+  addRegionOptions(*command, *options);
   addMatchOptions(*command, *options);
   command->footer(
-      "World x points to the picture's right, y to its lower edge, z down; the origin is the camera. The map shows\n"
+      "Files:\n"
+      "  elevation.png           the map, 16 bits: mm above the ground, 0 unseen, seen cells 1 to 65535\n"
+      "  elevation.preview.png   the same in colours, with its axes in mm\n"
+      "  regions.png             the region of each cell of the map, 16 bits, 0 none\n"
+      "  regions.preview.png     regions and areas of interest on the elevation map\n"
+      "  regions.picture.png     the same on the measured picture\n"
+      "  summary.json            every region and what stands in every area, in mm and m2; see docs/ground.md\n"
+      "  points.ply              the measured points, mm\n"
+      "  disparity.png           pixels x 16, 0 none\n"
+      "\nAn area of interest is a polygon of 3 to 100 corners, in the camera file or a file for --areas:\n"
+      "  [[area]]\n"
+      "  name = \"door\"\n"
+      "  pixels = [[220, 90], [410, 90], [450, 300], [190, 300]]   # on the measured picture, where the ground shows\n"
+      "  [[area]]\n"
+      "  name = \"table\"\n"
+      "  ground_mm = [[-500, -1200], [500, -1200], [500, -400]]    # world x, y\n"
+      "\nWorld x points to the picture's right, y to its lower edge, z down; the origin is the camera. The map shows\n"
       "the ground from above, row 0 at the smallest y. The fitted ground plane tells whether the camera file's mount\n"
-      "is right. Example:\n"
-      "  nadir ground left.png right.png --camera camera.toml -o result");
+      "is right. Examples:\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --min-height 300\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02");
   command->callback([options] { run(*options); });
 }
 

@@ -1,29 +1,16 @@
-// What nadir ground tells about its work.
+// What nadir ground tells about its work: a table for people, JSON (docs/ground.schema.json) for programs.
 #pragma once
 
-#include <optional>
 #include <string>
 
-#include "camera_file.hpp"
-#include "elevation_map.hpp"
-#include "matching.hpp"
-#include "plane_fit.hpp"
+#include "ground.hpp"
 
 namespace nadir::tool {
 
-struct GroundResult {
-  Camera camera;
-  View view;
-  Grid<uint16_t> matched;  // what the matcher found; without pixels where disparities were given
-  Grid<float> disparity;   // pixels, NaN for none
-  std::vector<WorldPoint> points;
-  MapFrame frame;
-  CellRule rule;
-  ElevationMap map;
-  std::optional<GroundPlane> plane;
-};
-
 const char* nameOf(View view);
+
+// part / whole, 0 of nothing.
+double share(size_t part, size_t whole);
 
 std::string groundTable(const GroundResult& result, const StageTimes& times);
 std::string groundJson(const GroundResult& result);

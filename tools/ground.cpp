@@ -1,0 +1,122 @@
+#include "ground.hpp"
+
+#include <algorithm>
+
+#include "disparity_plot.hpp"
+#include "error.hpp"
+#include "hole_filling.hpp"
+#include "pair_input.hpp"
+#include "pictures.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+void checkSize(const Pair& pair, const Camera& camera, const GroundOptions& options) {
+  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
+  throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
+                     sizeText(pair.left.width, pair.left.height).c_str(), options.camera.c_str(),
+                     sizeText(camera.widthPx, camera.heightPx).c_str()));
+}
+
+// Regions are found on small maps only; larger cells cover the same ground.
+void checkMap(const Camera& camera, const GroundOptions& options) {
+  const uint32_t width = camera.mapWidthCells, height = camera.mapHeightCells, larger = std::max(width, height);
+  if (options.noRegions || larger <= largestRegionMap) return;
+  const uint32_t cell = (larger * camera.cellMm + largestRegionMap - 1) / largestRegionMap;
+  const auto fewer = [&](uint32_t cells) { return (cells * camera.cellMm + cell - 1) / cell; };
+  throw Error(format(
+      "the map of %s has %s cells, and regions are found on at most %s: cell_mm = %u with %s cells covers "
+      "the same ground (or leave the regions out with --no-regions)",
+      options.camera.c_str(), sizeText(width, height).c_str(), sizeText(largestRegionMap, largestRegionMap).c_str(),
+      cell, sizeText(fewer(width), fewer(height)).c_str()));
+}
+
+std::vector<Area> readAllAreas(const GroundOptions& options) {
+  const std::vector<Area> ofCamera = readAreasOfCamera(options.camera);
+  return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
+}
+
+Grid<uint16_t> matched(const GroundOptions& options, Pair pair, StageTimes& times) {
+  const MatchOptions settings{options.view, options.uniqueness, !options.noPostprocessing,
+                              readMaskFor(pair, options.mask)};
+  return match(std::move(pair), settings, times).disparity;
+}
+
+Grid<float> givenDisparities(const GroundOptions& options, const Pair& pair) {
+  Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
+  if (!sameSize(disparity, pair.left))
+    throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
+                       sizeText(disparity.width, disparity.height).c_str(),
+                       sizeText(pair.left.width, pair.left.height).c_str()));
+  return disparity;
+}
+
+void findDisparities(GroundResult& r, const GroundOptions& options, StageTimes& times) {
+  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  checkSize(pair, r.camera, options);
+  r.picture = r.view == View::left ? pair.left : pair.right;
+  if (options.disparity.empty()) {
+    r.matched = matched(options, std::move(pair), times);
+    r.disparity = inPixels(r.matched, SGM_DISP_SCALE);
+  } else {
+    r.disparity = givenDisparities(options, pair);
+  }
+}
+
+size_t cellsIn(double squareMetres, const ElevMapParams& cells) {
+  return static_cast<size_t>(squareMetres * 1e6 / cells.cellSizeX / cells.cellSizeY + 1e-9);
+}
+
+// From disparities to heights.
+void measure(GroundResult& r, const GroundOptions& options, StageTimes& times) {
+  const auto shift = static_cast<float>(r.camera.columnShiftPx);
+  r.points = times.measure("world points", [&] { return worldPoints(r.disparity, r.picture, r.context, shift); });
+  r.map = times.measure("elevation map",
+                        [&] { return elevationMap(r.points, r.frame, r.context.orientation.height, r.rule); });
+  if (const size_t largest = cellsIn(options.fillHolesM2, r.frame.cells))
+    r.map.filled = times.measure("hole filling", [&] { return fillHoles(r.map.heights, largest); });
+  r.plane = times.measure("ground plane", [&] { return fitGroundPlane(r.points, r.context); });
+}
+
+RegionRule regionRule(const GroundOptions& options, double cellMm) {
+  const RegionRule usual = usualRule(cellMm);
+  return {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
+          options.minAreaM2.value_or(usual.minAreaM2)};
+}
+
+// Before the work, so that a mistake in the last area does not wait for the matcher.
+std::vector<AreaCells> placesOf(const std::vector<Area>& areas, const GroundResult& r) {
+  std::vector<AreaCells> places;
+  for (const Area& area : areas) places.push_back(cellsOf(area, r.frame, r.context));
+  return places;
+}
+
+Findings find(const GroundResult& r, const GroundOptions& options, const std::vector<Area>& areas,
+              const std::vector<AreaCells>& places) {
+  Findings f{regionRule(options, r.camera.cellMm), {}, {}};
+  f.regions = findRegions(r.map.heights, r.frame, f.rule);
+  for (size_t i = 0; i < areas.size(); ++i)
+    f.areas.push_back(occupancyOf(areas[i], places[i], r.map.heights, f.regions));
+  return f;
+}
+
+}  // namespace
+
+GroundResult ground(const GroundOptions& options, StageTimes& times) {
+  GroundResult r;
+  r.camera = readCamera(options.camera);
+  r.view = options.view;
+  r.rule = options.rule;
+  checkMap(r.camera, options);
+  r.context = stereoContext(r.camera, r.view);
+  r.frame = mapFrame(r.context, r.camera);
+  const std::vector<Area> areas = options.noRegions ? std::vector<Area>() : readAllAreas(options);
+  const std::vector<AreaCells> places = placesOf(areas, r);
+  findDisparities(r, options, times);
+  measure(r, options, times);
+  if (!options.noRegions) r.findings = times.measure("regions", [&] { return find(r, options, areas, places); });
+  return r;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,52 @@
+// The road of nadir ground: from a pair to heights above the ground and to what stands there.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "camera_file.hpp"
+#include "elevation_map.hpp"
+#include "matching.hpp"
+#include "occupancy.hpp"
+#include "plane_fit.hpp"
+#include "regions.hpp"
+
+namespace nadir::tool {
+
+struct GroundOptions {
+  std::string left, right, camera, mask, disparity, areas;
+  View view = View::left;
+  bool noPostprocessing = false;
+  uint32_t uniqueness = MatchOptions().uniqueness;
+  double disparityScale = 0;  // of the given disparities; 0: what their file says
+  CellRule rule;
+  double fillHolesM2 = 0;  // patches of unseen cells up to this area are filled
+  bool noRegions = false;
+  std::optional<double> minHeightMm, maxStepMm, minAreaM2;  // else the usual ones for the map's cells
+};
+
+// What stands on the map, and in the areas of interest.
+struct Findings {
+  RegionRule rule;
+  Regions regions;
+  std::vector<Occupancy> areas;
+};
+
+struct GroundResult {
+  Camera camera;
+  View view;
+  Grid<uint16_t> picture;  // the view's
+  Grid<uint16_t> matched;  // what the matcher found; without pixels where disparities were given
+  Grid<float> disparity;   // pixels, NaN for none
+  StereoCtx context;
+  std::vector<WorldPoint> points;
+  MapFrame frame;
+  CellRule rule;
+  ElevationMap map;
+  std::optional<GroundPlane> plane;
+  std::optional<Findings> findings;
+};
+
+GroundResult ground(const GroundOptions& options, StageTimes& times);
+
+}  // namespace nadir::tool
