@@ -1,6 +1,7 @@
-// nadir evaluate: how near a disparity picture comes to the truth.
+// nadir evaluate: how near disparities, heights or regions come to the truth.
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <filesystem>
 #include <memory>
 
 #include "chunks.hpp"
@@ -12,6 +13,7 @@
 #include "pictures.hpp"
 #include "plot.hpp"
 #include "png.hpp"
+#include "region_evaluation.hpp"
 #include "text.hpp"
 
 namespace nadir::tool {
@@ -82,7 +84,17 @@ std::string report(const Compared& c, bool heights, bool json) {
   return json ? disparityJson(e) : disparityTable(e, size);
 }
 
+// Regions are judged by all that the two folders hold.
+void runOnFolders(const Options& options) {
+  if (!std::filesystem::is_directory(options.truth))
+    throw Error(options.truth + " must be a folder that nadir synth wrote, because " + options.input + " is a folder");
+  if (!options.errorMap.empty()) throw Error("an error map needs two pictures, but " + options.input + " is a folder");
+  const RegionEvaluation evaluation = evaluateRegions(options.input, options.truth);
+  print(options.json ? regionJson(evaluation) : regionTable(evaluation));
+}
+
 void run(const Options& options) {
+  if (std::filesystem::is_directory(options.input)) return runOnFolders(options);
   const bool heights = options.heights || isElevationMap(options.input);
   const Compared compared = heights ? readMaps(options) : readDisparities(options);
   const double range = options.errorRange > 0 ? options.errorRange : heights ? 100 : 2;
@@ -97,12 +109,17 @@ void run(const Options& options) {
 
 void addEvaluateCommand(CLI::App& app) {
   auto options = std::make_shared<Options>();
-  CLI::App* command = app.add_subcommand("evaluate", "Compare a disparity picture or an elevation map with the truth.");
+  CLI::App* command =
+      app.add_subcommand("evaluate", "Compare disparities, an elevation map or regions with the truth.");
   command
-      ->add_option("PICTURE", options->input,
-                   "16-bit grey PNG of disparities, 0 for none; or of heights in mm, as nadir ground writes it")
+      ->add_option(
+          "PICTURE", options->input,
+          "16-bit grey PNG of disparities, 0 for none; or of heights in mm, as nadir ground writes it; or the folder "
+          "that nadir ground wrote, to judge its regions")
       ->required();
-  command->add_option("TRUTH", options->truth, "The same of the true ones, of equal size and on the same view's grid")
+  command
+      ->add_option("TRUTH", options->truth,
+                   "The same of the true ones, of equal size and on the same view's grid; or the folder of nadir synth")
       ->required();
   command
       ->add_option("--scale", options->scale,
@@ -136,11 +153,16 @@ void addEvaluateCommand(CLI::App& app) {
   command->footer(
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
       "pixels with both whose error exceeds N pixels; an error is disparity - truth. Heights below 1 mm count as\n"
-      "1 mm in both maps, because seen cells of a map store at least that. Examples:\n"
+      "1 mm in both maps, because seen cells of a map store at least that.\n"
+      "Of two folders the regions are compared with the scene's objects. A region belongs to an object if they share\n"
+      "at least half of the cells of the smaller of the two. An object is missed if its regions hold less than a\n"
+      "quarter of its cells, merged if one of them belongs to another object too, split if there are several, else\n"
+      "found. A region that belongs to no object is false. Examples:\n"
       "  nadir evaluate disparity.png disparity_gt.png\n"
       "  nadir evaluate disparity.png disparity_gt.png --visible left\n"
       "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json\n"
-      "  nadir evaluate result/elevation.png elevation_gt.png");
+      "  nadir evaluate result/elevation.png elevation_gt.png\n"
+      "  nadir evaluate result scene");
   command->callback([options] { run(*options); });
 }
 

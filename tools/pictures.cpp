@@ -101,4 +101,15 @@ HeightPicture readHeights(const std::string& path) {
   return picture;
 }
 
+LabelPicture readLabels(const std::string& path) {
+  Raster raster = readMeasurements(path, "regions");
+  const double unknown = std::nan("");
+  LabelPicture picture{{raster.width, raster.height},
+                       ownNumber(raster, chunks::cell, unknown),
+                       ownNumber(raster, chunks::left, unknown),
+                       ownNumber(raster, chunks::top, unknown)};
+  picture.labels.pixels = std::move(raster.samples);
+  return picture;
+}
+
 }  // namespace nadir::tool

@@ -31,6 +31,14 @@ struct HeightPicture {
   double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
 };
 
+// A map of regions.
+struct LabelPicture {
+  Grid<uint16_t> labels;                     // 0 for none
+  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+};
+
+LabelPicture readLabels(const std::string& path);
+
 // Unseen cells hold the value that the file names, 0 where it names none.
 HeightPicture readHeights(const std::string& path);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <nlohmann/json.hpp>
 
 #include "camera_file.hpp"
 #include "chunks.hpp"
@@ -13,6 +15,7 @@ namespace nadir::tool {
 namespace {
 
 using nadir::scene::Side;
+using Json = nlohmann::ordered_json;
 
 const char* nameOf(Side side) { return side == Side::left ? "left" : "right"; }
 
@@ -89,11 +92,13 @@ Bytes elevationFile(const Rendering& r) {
   return encodePng(encoded(shown, 1, 65535, 65535), text);
 }
 
-Bytes regionsFile(const scene::MapTruth& map) {
-  return encodePng(map.region, {{"Description",
-                                 "The object at each cell's centre: 0 is the ground, scene.json tells "
-                                 "the others."},
-                                {"Software", software()}});
+Bytes regionsFile(const Rendering& r) {
+  TextChunks text = elevationTexts(r.mapLayout.cell, r.map.cornerX, r.map.cornerY);
+  text[chunks::units] = regionUnits;
+  text["Description"] =
+      "The object at each cell's centre, whether the picture shows it or not: 0 is the ground, scene.json tells the "
+      "others.";
+  return encodePng(r.map.region, text);
 }
 
 // ---- texts ----
@@ -119,22 +124,71 @@ Camera cameraOf(const SynthSettings& settings, const Rendering& r) {
   return camera;
 }
 
-std::string objectText(const scene::Object& object) {
-  std::string text = format("{\"kind\": \"%s\", \"region\": %u", object.kind.c_str(), object.region);
-  for (const auto& [name, value] : object.numbers) text += format(", \"%s\": %.6f", name.c_str(), value);
-  return text + "}";
+// Six decimals of a millimetre are more than anybody can measure, and the same on every machine.
+Json rounded(double value) { return std::round(value * 1e6) / 1e6; }
+
+Json objectJson(const scene::Object& object) {
+  Json json = {{"kind", object.kind}, {"region", object.region}};
+  for (const auto& [name, value] : object.numbers) json[name] = rounded(value);
+  if (object.footprint.empty()) return json;
+  json["footprint_mm"] = Json::array();
+  for (const scene::Vec& corner : object.footprint)
+    json["footprint_mm"].push_back({rounded(corner.x), rounded(corner.y)});
+  return json;
+}
+
+// A region as nadir ground would find it if it saw everything: the cells of the map that the picture shows.
+struct TrueRegion {
+  std::string kind;  // of its first object
+  size_t cells = 0;
+  double columns = 0, rows = 0;  // the sums of its cells' centres
+  double highest = 0;            // mm
+};
+
+// By number; a region that no cell shows is not there.
+std::map<uint32_t, TrueRegion> trueRegions(const Rendering& r) {
+  std::map<uint32_t, TrueRegion> regions;
+  for (uint32_t y = 0; y < r.map.region.height; ++y)
+    for (uint32_t x = 0; x < r.map.region.width; ++x) {
+      if (r.map.region.at(x, y) == 0 || !r.map.inPicture.at(x, y)) continue;
+      TrueRegion& region = regions[r.map.region.at(x, y)];
+      ++region.cells;
+      region.columns += x + 0.5;
+      region.rows += y + 0.5;
+      region.highest = std::max(region.highest, r.map.elevation.at(x, y));
+    }
+  const auto& objects = r.scene.objects;
+  for (auto object = objects.rbegin(); object != objects.rend(); ++object)
+    if (regions.count(object->region)) regions[object->region].kind = object->kind;
+  return regions;
+}
+
+// Named as in the summary of nadir ground.
+Json regionJson(uint32_t number, const TrueRegion& region, const Rendering& r) {
+  const auto cells = static_cast<double>(region.cells);
+  const double cell = r.mapLayout.cell;
+  return {{"region", number},
+          {"kind", region.kind},
+          {"cells", region.cells},
+          {"area_m2", rounded(cells * cell * cell / 1e6)},
+          {"centre_mm",
+           {{"x", rounded(r.map.cornerX + cell * region.columns / cells)},
+            {"y", rounded(r.map.cornerY + cell * region.rows / cells)}}},
+          {"highest_mm", rounded(region.highest)}};
 }
 
 std::string sceneText(const SynthSettings& settings, const Rendering& r) {
-  std::string text =
-      format("{\n  \"scene\": \"%s\",\n  \"seed\": %llu,\n  \"origin\": \"centre of the %s camera\",\n",
-             settings.scene.c_str(), static_cast<unsigned long long>(settings.seed), nameOf(settings.camera.reference));
-  text += format("  \"ground_z_mm\": %.6f,\n  \"map_corner_x_mm\": %.6f,\n  \"map_corner_y_mm\": %.6f,\n",
-                 r.scene.groundZ, r.map.cornerX, r.map.cornerY);
-  text += "  \"objects\": [";
-  for (size_t i = 1; i < r.scene.objects.size(); ++i)
-    text += (i == 1 ? "\n    " : ",\n    ") + objectText(r.scene.objects[i]);
-  return text + (r.scene.objects.size() > 1 ? "\n  ]\n}\n" : "]\n}\n");
+  Json json = {{"scene", settings.scene},
+               {"seed", settings.seed},
+               {"origin", format("centre of the %s camera", nameOf(settings.camera.reference))},
+               {"ground_z_mm", rounded(r.scene.groundZ)},
+               {"map_corner_x_mm", rounded(r.map.cornerX)},
+               {"map_corner_y_mm", rounded(r.map.cornerY)},
+               {"objects", Json::array()},
+               {"regions", Json::array()}};
+  for (size_t i = 1; i < r.scene.objects.size(); ++i) json["objects"].push_back(objectJson(r.scene.objects[i]));
+  for (const auto& [number, region] : trueRegions(r)) json["regions"].push_back(regionJson(number, region, r));
+  return json.dump(1) + "\n";
 }
 
 }  // namespace
@@ -152,7 +206,7 @@ std::vector<NamedFile> synthFiles(const SynthSettings& settings, const Rendering
           {"height_left_gt.png", heightFile(r.leftTruth.height, Side::left)},
           {"height_right_gt.png", heightFile(r.rightTruth.height, Side::right)},
           {"elevation_gt.png", elevationFile(r)},
-          {"regions_gt.png", regionsFile(r.map)},
+          {"regions_gt.png", regionsFile(r)},
           {"camera.toml", cameraBytes(cameraOf(settings, r))},
           {"scene.json", bytesOf(sceneText(settings, r))}};
 }

@@ -64,6 +64,7 @@ class Builder {
   void addExtended(const Solid& solid, const char* kind, const Site& s, const Extent& e) {
     add(solid, kind, s, e.height,
         {{"width_mm", e.width}, {"depth_mm", e.depth}, {"height_mm", e.height}, {"yaw_deg", s.degrees}});
+    scene_.objects.back().footprint = footprint(s, e);
   }
 
   void add(const Solid& solid, const char* kind, const Site& s, double top, const Numbers& more) {

@@ -16,6 +16,7 @@ struct Object {
   uint64_t pattern = 0;   // which texture
   std::string kind;
   std::vector<std::pair<std::string, double>> numbers;  // what describes it, named with units
+  std::vector<Vec> footprint{};                         // its corners on the ground; round ones have none
 };
 
 struct Scene {

@@ -104,6 +104,13 @@ Hit meet(const Solid& solid, const Ray& ray) {
   return std::visit([&ray](const auto& shape) { return meetShape(shape, ray); }, solid.shape);
 }
 
+std::vector<Vec> footprint(const Site& site, const Extent& extent) {
+  const Axes a = axes(site);
+  const Vec foot{site.x, site.y, site.groundZ}, across = a.width * (extent.width / 2),
+                                                along = a.depth * (extent.depth / 2);
+  return {foot - across - along, foot + across - along, foot + across + along, foot - across + along};
+}
+
 Solid makeGround(double z) { return {Ground{z}, {0, 0, z}, std::numeric_limits<double>::infinity()}; }
 
 Solid makeBox(const Site& site, const Extent& extent) { return polyhedron(site, extent, {0, 0, 1}, 0); }

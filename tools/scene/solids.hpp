@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <variant>
+#include <vector>
 
 #include "vector.hpp"
 
@@ -56,6 +57,9 @@ struct Site {
 struct Extent {
   double width, depth, height;
 };
+
+// The four corners of a body of this width and depth, on the ground.
+std::vector<Vec> footprint(const Site& site, const Extent& extent);
 
 Solid makeGround(double z);
 Solid makeBox(const Site& site, const Extent& extent);
