@@ -99,15 +99,15 @@ void addRegionOptions(CLI::App& command, Options& options) {
       command.add_flag("--no-regions", options.noRegions,
                        "Stop at the elevation map, which may then have more than 128 x 128 cells; areas are not read");
   number("--min-height", options.minHeightMm, 65534,
-         "Regions are cells higher than this (default: twice the side of a cell, 80 mm for cells of 40 mm)", "MM")
+         "Regions are cells higher than this (default: one and a half sides of a cell, 60 mm for cells of 40 mm)", "MM")
       ->excludes(without);
-  number(
-      "--max-step", options.maxStepMm, 65535,
-      "Neighbouring cells that differ in height by more than this are not joined (default: twice the side of a cell)",
-      "MM")
+  number("--max-step", options.maxStepMm, 65535,
+         "Neighbouring cells that differ in height by more than this are not joined (default: the side of a cell, a "
+         "slope of 45 degrees)",
+         "MM")
       ->excludes(without);
   number("--min-area", options.minAreaM2, 1e6,
-         "Smaller regions are dropped (default: twenty cells, 0.032 m2 for cells of 40 mm)", "M2")
+         "Smaller regions are dropped (default: thirty cells, 0.048 m2 for cells of 40 mm)", "M2")
       ->excludes(without);
   command
       .add_option("--areas", options.areas,

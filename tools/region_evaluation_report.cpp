@@ -37,7 +37,8 @@ std::string remark(const Judged& j) {
   std::string text = nameOf(j.verdict);
   for (const uint16_t region : j.regions)
     text += format(" %s %u", region == j.regions.front() ? "as region" : "and", region);
-  if (j.verdict == Verdict::found) text += format("; centre off by %.0f mm, height by %+.0f mm", j.positionMm, j.heightMm);
+  if (j.verdict == Verdict::found)
+    text += format("; centre off by %.0f mm, height by %+.0f mm", j.positionMm, j.heightMm);
   return text;
 }
 

@@ -11,9 +11,10 @@ namespace nadir::tool {
 
 namespace {
 
-// In cells. Where one object ends and the next begins, heights change by more than the sides of two cells, on a
-// person's shoulders by less; noise is mostly lower than that, and its islands are smaller than twenty cells.
-constexpr double usualHeight = 2, usualStep = 2, usualArea = 20;
+// In sides of a cell and in cells. A cell that is half on an object and half beside it has a height in between, so a
+// larger step would join things that touch; on the ground nearly all noise stays below the height, and what exceeds it
+// are single cells and small islands at the edges of objects.
+constexpr double usualHeight = 1.5, usualStep = 1, usualArea = 30;
 
 std::unique_ptr<RegionList> grown(const Grid<uint16_t>& heights, const RegionRule& rule) {
   const ImgC image = imageOf(heights);
