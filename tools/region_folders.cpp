@@ -44,8 +44,9 @@ std::vector<Thing> objectsIn(const std::string& path) {
   return useJson(path, "nadir synth", [](const Json& json) { return things(json.at("regions"), "region"); });
 }
 
-ThingMap thingMap(const LabelPicture& picture, std::vector<Thing> things) {
-  return {picture.labels, picture.cellMm, picture.leftMm, picture.topMm, std::move(things)};
+ThingMap readMap(const std::string& picturePath) {
+  LabelPicture picture = readLabels(picturePath);
+  return {std::move(picture.labels), picture.cellMm, picture.leftMm, picture.topMm, {}};
 }
 
 void checkSame(const ThingMap& found, const ThingMap& truth) {
@@ -65,8 +66,9 @@ Grid<uint8_t> knownCells(const std::string& path) {
 }  // namespace
 
 RegionEvaluation evaluateRegions(const std::string& resultFolder, const std::string& sceneFolder) {
-  const ThingMap found = thingMap(readLabels(resultFolder + "/regions.png"), foundIn(resultFolder + "/summary.json"));
-  const ThingMap truth = thingMap(readLabels(sceneFolder + "/regions_gt.png"), objectsIn(sceneFolder + "/scene.json"));
+  ThingMap found = readMap(resultFolder + "/regions.png"), truth = readMap(sceneFolder + "/regions_gt.png");
+  found.things = foundIn(resultFolder + "/summary.json");
+  truth.things = objectsIn(sceneFolder + "/scene.json");
   checkSame(found, truth);
   const Grid<uint8_t> known = knownCells(sceneFolder + "/elevation_gt.png");
   if (!sameSize(known, truth.cells)) throw Error("the truths of " + sceneFolder + " differ in size");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "json.hpp"
 #include "tool.hpp"
 
 namespace nadir::test {
@@ -92,6 +93,73 @@ TEST(Synth, TruthsOfTheLeftGridDifferInTheOccludedAlone) {
   EXPECT_EQ(visible.text.at("nadir:scale"), "256");
   EXPECT_EQ(visible.text.at("nadir:grid"), "left");
   EXPECT_EQ(readPng(folder.path("disparity_right_gt.png")).text.at("nadir:grid"), "right");
+}
+
+// ---- the list of regions ----
+
+class SynthRegions : public testing::Test {
+ protected:
+  SynthRegions() {
+    synth(folder, ".", {"--scene", "boxes", "--size", "320x240"});
+    json = readJson(folder.path("scene.json"));
+    regions = readPng(folder.path("regions_gt.png"));
+    elevation = readPng(folder.path("elevation_gt.png"));
+  }
+
+  // World x and y of a cell's centre.
+  double centreX(uint32_t x) const { return json["map_corner_x_mm"].get<double>() + 40 * (x + 0.5); }
+  double centreY(uint32_t y) const { return json["map_corner_y_mm"].get<double>() + 40 * (y + 0.5); }
+
+  Folder folder;
+  Json json;
+  Picture regions, elevation;
+};
+
+TEST_F(SynthRegions, TellTheCellsThatThePictureShows) {
+  ASSERT_EQ(json["regions"].size(), 6u);
+  for (const Json& region : json["regions"]) {
+    double count = 0, sumX = 0, sumY = 0, highest = 0;
+    for (uint32_t y = 0; y < 128; ++y)
+      for (uint32_t x = 0; x < 128; ++x) {
+        if (regions.at(x, y) != region["region"] || elevation.at(x, y) == 0) continue;
+        ++count;
+        sumX += centreX(x);
+        sumY += centreY(y);
+        highest = std::max<double>(highest, elevation.at(x, y));
+      }
+    EXPECT_EQ(region["cells"], count);
+    EXPECT_NEAR(region["area_m2"], count * 0.0016, 1e-9);
+    EXPECT_NEAR(region["centre_mm"]["x"], sumX / count, 1e-3);
+    EXPECT_NEAR(region["centre_mm"]["y"], sumY / count, 1e-3);
+    EXPECT_NEAR(region["highest_mm"], highest, 0.5);
+    EXPECT_EQ(region["kind"], "box");
+  }
+}
+
+// Twice the area of a, b and p, with a sign.
+double side(const Json& a, const Json& b, double x, double y) {
+  const double ax = a[0], ay = a[1], bx = b[0], by = b[1];
+  return (bx - ax) * (y - ay) - (by - ay) * (x - ax);
+}
+
+// The corners go round in one direction.
+bool isInside(const Json& corners, double x, double y) {
+  for (size_t i = 0; i < 4; ++i)
+    if (side(corners[i], corners[(i + 1) % 4], x, y) < 0) return false;
+  return true;
+}
+
+TEST_F(SynthRegions, FootprintsHoldTheCellsOfTheirRegion) {
+  for (const Json& object : json["objects"]) {
+    int inside = 0;
+    for (uint32_t y = 0; y < 128; ++y)
+      for (uint32_t x = 0; x < 128; ++x) {
+        const bool within = isInside(object["footprint_mm"], centreX(x), centreY(y));
+        EXPECT_EQ(within, regions.at(x, y) == object["region"]) << object["region"] << " at " << x << ", " << y;
+        inside += within;
+      }
+    EXPECT_GT(inside, 20);
+  }
 }
 
 // ---- the library against the renderer ----
