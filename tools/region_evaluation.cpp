@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <map>
+#include <utility>
 
 namespace nadir::tool {
 
@@ -11,35 +13,34 @@ namespace {
 // How many cells each thing has, and how many each pair shares.
 class Overlaps {
  public:
-  Overlaps(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known)
-      : regions_(highestNumber(found) + 1u), objects_(highestNumber(truth) + 1u), shared_(objects_.size()) {
-    for (std::vector<size_t>& row : shared_) row.resize(regions_.size());
+  Overlaps(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known) {
     for (size_t i = 0; i < known.pixels.size(); ++i) {
       const uint16_t region = found.cells.pixels[i], object = known.pixels[i] ? truth.cells.pixels[i] : uint16_t{0};
       ++regions_[region];
       ++objects_[object];
-      ++shared_[object][region];
+      ++shared_[{object, region}];
     }
   }
 
-  size_t cellsOf(const Thing& object) const { return objects_[object.number]; }
-  size_t shared(const Thing& object, const Thing& region) const { return shared_[object.number][region.number]; }
+  size_t cellsOf(const Thing& object) const { return countOf(objects_, object.number); }
+  size_t shared(const Thing& object, const Thing& region) const {
+    return countOf(shared_, std::pair(object.number, region.number));
+  }
 
   bool belong(const Thing& object, const Thing& region) const {
     const size_t both = shared(object, region);
-    return both > 0 && 2 * both >= std::min(cellsOf(object), regions_[region.number]);
+    return both > 0 && 2 * both >= std::min(cellsOf(object), countOf(regions_, region.number));
   }
 
  private:
-  static uint16_t highestNumber(const ThingMap& map) {
-    uint16_t highest = 0;
-    for (const uint16_t number : map.cells.pixels) highest = std::max(highest, number);
-    for (const Thing& thing : map.things) highest = std::max(highest, thing.number);
-    return highest;
+  template <class Key>
+  static size_t countOf(const std::map<Key, size_t>& counts, const Key& key) {
+    const auto found = counts.find(key);
+    return found == counts.end() ? 0 : found->second;
   }
 
-  std::vector<size_t> regions_, objects_;
-  std::vector<std::vector<size_t>> shared_;
+  std::map<uint16_t, size_t> regions_, objects_;
+  std::map<std::pair<uint16_t, uint16_t>, size_t> shared_;
 };
 
 using Things = std::vector<Thing>;
