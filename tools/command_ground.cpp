@@ -7,6 +7,7 @@
 #include "ground.hpp"
 #include "ground_report.hpp"
 #include "map_plot.hpp"
+#include "number_range.hpp"
 #include "ply.hpp"
 #include "png.hpp"
 #include "region_plot.hpp"
@@ -77,7 +78,7 @@ void addMapOptions(CLI::App& command, Options& options) {
                   format("How the points of one cell become its height: this percentile of their heights; 50 is the "
                          "median, 100 the highest point (default: %g)",
                          options.rule.percentile))
-      ->check(CLI::Range(1.0, 100.0).description(""))
+      ->check(numberFrom(1, 100))
       ->type_name("P");
   command
       .add_option("--min-points", options.rule.minPoints,
@@ -87,13 +88,13 @@ void addMapOptions(CLI::App& command, Options& options) {
   command
       .add_option("--fill-holes", options.fillHolesM2,
                   "Fill patches of unseen cells up to this area from the heights around them (default: 0, fill none)")
-      ->check(CLI::Range(0.0, 1e6).description(""))
+      ->check(numberFrom(0, 1e6))
       ->type_name("M2");
 }
 
 void addRegionOptions(CLI::App& command, Options& options) {
   const auto number = [&command](const char* name, auto& value, double high, const char* text, const char* unit) {
-    return command.add_option(name, value, text)->check(CLI::Range(0.0, high).description(""))->type_name(unit);
+    return command.add_option(name, value, text)->check(numberFrom(0, high))->type_name(unit);
   };
   CLI::Option* without =
       command.add_flag("--no-regions", options.noRegions,

@@ -9,6 +9,7 @@
 
 #include "commands.hpp"
 #include "error.hpp"
+#include "number_range.hpp"
 #include "scene/ready_scenes.hpp"
 #include "synth_files.hpp"
 #include "text.hpp"
@@ -136,7 +137,7 @@ void addCameraOptions(CLI::App& command, Options& options) {
   const auto number = [&command](const char* name, double& value, double low, double high, const char* text,
                                  const char* type) {
     return command.add_option(name, value, format("%s, %g to %g (default: %g)", text, low, high, value))
-        ->check(CLI::Range(low, high).description(""))
+        ->check(numberFrom(low, high))
         ->type_name(type);
   };
   command.add_option("--size", "Width and height of the pictures, 64 to 4096 pixels each (default: 640x480)")
@@ -178,7 +179,7 @@ void addSynthCommand(CLI::App& app) {
   command
       ->add_option("--noise", settings.sensor.noise,
                    "Standard deviation of the sensor's noise, in levels of the 12-bit range, 0 to 500 (default: 5)")
-      ->check(CLI::Range(0, 500).description(""))
+      ->check(numberFrom(0, 500))
       ->type_name("SIGMA");
   command->add_flag("--dead-area", settings.sensor.deadArea,
                     "Give both pictures a disc without data (0), right of and below the centre");

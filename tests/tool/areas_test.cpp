@@ -170,6 +170,25 @@ TEST_F(Areas, EveryMistakeIsToldWithItsAreaAndLine) {
   }
 }
 
+TEST_F(Areas, NeedAMapAndACameraWithinReach) {
+  const auto refuse = [this](const std::string& cameraText, const std::string& areaText, const std::string& sentence) {
+    writeFile(folder.path("c.toml"), cameraText);
+    writeFile(folder.path("a.toml"), areaText);
+    const Outcome outcome =
+        folder.run({"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result", "--areas", "a.toml"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "nadir: a.toml:1: area \"a\": " + sentence + "\n");
+  };
+  refuse(camera("", "width_cells = 100\nheight_cells = 30\ncell_mm = 500\n"),
+         area("a", "ground_mm = [[0, 0], [200, 0], [200, 200]]"),
+         "areas need a map that ends within 23 m of the camera, this one reaches from x -25000, y -25000 to x 25000, "
+         "y -10000 mm");
+  std::string high = camera();
+  high.replace(high.find("height_mm = 1500"), 16, "height_mm = 70000");
+  refuse(high, area("a", "pixels = [[59, 39], [61, 39], [60, 41]]"),
+         "areas in pixels need a camera that is at most 65 m high");
+}
+
 TEST_F(Areas, MistakesInTheCameraFile) {
   writeFile(folder.path("c.toml"), camera() + area("bow", "pixels = [[0, 0], [50, 50], [50, 0], [0, 50]]"));
   const Outcome outcome = folder.run({"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result"});

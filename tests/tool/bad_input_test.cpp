@@ -159,7 +159,15 @@ TEST_F(BadInput, WrongUsage) {
         {"synth", "fresh", "--size", "640"},
         {"synth", "fresh", "--size", "64x64x64"},
         {"synth", "fresh", "--scene", "moon"},
-        {"synth", "fresh", "--tilt", "-80"}}) {
+        {"synth", "fresh", "--tilt", "-80"},
+        {"synth", "fresh", "--tilt", "nan"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--min-height", "nan"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--max-step", "-1"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--min-area", "large"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--fill-holes", "-0.1"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--no-regions", "--max-step",
+         "9"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "fresh", "--areas"}}) {
     const auto before = folder.names();
     const Outcome outcome = folder.run(arguments);
     EXPECT_EQ(outcome.status, 2);

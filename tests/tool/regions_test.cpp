@@ -129,6 +129,19 @@ TEST_F(Regions, FilledCellsDoNotCountAsSeen) {
   EXPECT_EQ(static_cast<int>(with["seen_cells"]) + static_cast<int>(with["filled_cells"]), 40 * 30);
 }
 
+TEST_F(Regions, ASingleRowCannotBeFilled) {
+  giveTwoBlocks();
+  writeFile(folder.path("c.toml"),
+            camera("", "width_cells = 40\nheight_cells = 1\ncell_mm = 50\noffset_y_mm = 1000\n"));
+  EXPECT_EQ(count(), 0u);
+  const auto before = folder.names();
+  const Outcome outcome = folder.run({"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result",
+                                      "--disparity", "d.png", "--fill-holes", "1"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "nadir: holes can be filled in maps of 2 to 4095 cells a side, this one has 40 x 1\n");
+  EXPECT_EQ(folder.names(), before);
+}
+
 TEST_F(Regions, LargeMapsAreRefusedWithTheCellThatFits) {
   giveTwoBlocks();
   writeFile(folder.path("c.toml"), camera("", "width_cells = 200\nheight_cells = 150\ncell_mm = 50\n"));
