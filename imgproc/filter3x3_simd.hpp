@@ -69,7 +69,7 @@ struct Filter3x3Strips {
 
     static Maximum ofRow(Vector a, Vector b, Vector c) { return {greater(a, b, c), b}; }
     static Vector ofRows(const Maximum& a, const Maximum& b, const Maximum& c) {
-      return b.centre == 0 ? b.centre : greater(a.hi, b.hi, c.hi);
+      return greater(a.hi, b.hi, c.hi) & Vector(b.centre != 0);
     }
   };
 
