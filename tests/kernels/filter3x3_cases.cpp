@@ -26,16 +26,9 @@ void checkSize(Check& check, Filter3x3<T> scalar, Filter3x3<T> tested, Fill fill
 
 template <class T>
 void check(Check& check, Filter3x3<T> scalar, Filter3x3<T> tested) {
-  for (size_t columns = 0; columns <= 4 * 64 / sizeof(T) + 1; ++columns) {
-    for (Fill fill : allFills) {
-      for (Guard side : {Guard::behind, Guard::before}) {
-        const size_t rows = columns % 5;
-        check.describe(std::to_string(columns) + "x" + std::to_string(rows) + ", fill " +
-                       std::to_string(static_cast<int>(fill)));
-        checkSize(check, scalar, tested, fill, rows, columns, side);
-      }
-    }
-  }
+  forEachInput(check, 4 * 64 / sizeof(T) + 1, [&](size_t columns, Fill fill, Guard side) {
+    checkSize(check, scalar, tested, fill, columns % 5, columns, side);
+  });
 }
 
 template <class T>

@@ -100,6 +100,19 @@ class Check {
   size_t comparisons_ = 0;
 };
 
+// Calls f(n, fill, side) for every width up to the largest, every fill and both sides of the guard page.
+template <class F>
+void forEachInput(Check& check, size_t maxWidth, F f) {
+  for (size_t n = 0; n <= maxWidth; ++n) {
+    for (Fill fill : allFills) {
+      for (Guard side : {Guard::behind, Guard::before}) {
+        check.describe("width " + std::to_string(n) + ", fill " + std::to_string(static_cast<int>(fill)));
+        f(n, fill, side);
+      }
+    }
+  }
+}
+
 using AnyKernel = void (*)();
 
 // One kernel of one family.

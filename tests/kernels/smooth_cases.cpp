@@ -18,19 +18,6 @@ constexpr size_t kMaxWidth = 4 * 32 + 1;
 constexpr uint16_t kMaxSum = 16 * 255;
 constexpr size_t kBenchWidth = 640;
 
-// f(n, fill, side) for every width, fill and side of the guard page.
-template <class F>
-void forEachInput(Check& check, F f) {
-  for (size_t n = 0; n <= kMaxWidth; ++n) {
-    for (Fill fill : allFills) {
-      for (Guard side : {Guard::behind, Guard::before}) {
-        check.describe("width " + std::to_string(n) + ", fill " + std::to_string(static_cast<int>(fill)));
-        f(n, fill, side);
-      }
-    }
-  }
-}
-
 // Runs both kernels, each by run(kernel, its output), and compares.
 template <class T, class Kernel, class Run>
 void compare(Check& check, size_t n, Guard side, Kernel scalar, Kernel tested, Run run) {
@@ -45,7 +32,7 @@ std::vector<uint16_t> pixels(Check& check, Fill fill, size_t n) {
 }
 
 void checkAcross(Check& check, Across scalar, Across tested) {
-  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> row(pixels(check, fill, n + 4), side);
     Output<uint16_t> wantHigh(n, side, 0x5A), wantLow(n, side, 0x5A), high(n, side, 0x5A), low(n, side, 0x5A);
     scalar(row.data(), {wantHigh.data(), wantLow.data()}, n);
@@ -56,7 +43,7 @@ void checkAcross(Check& check, Across scalar, Across tested) {
 }
 
 void checkDown(Check& check, Down scalar, Down tested) {
-  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
     std::vector<std::unique_ptr<Guarded<uint16_t>>> sums;
     const auto newSums = [&] {
       sums.push_back(std::make_unique<Guarded<uint16_t>>(filled<uint16_t>(check.random, fill, n, 0, kMaxSum), side));
@@ -73,7 +60,7 @@ void checkDown(Check& check, Down scalar, Down tested) {
 }
 
 void checkPull(Check& check, Pull scalar, Pull tested) {
-  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> above(pixels(check, fill, 2 * n), side), below(pixels(check, fill, 2 * n), side);
     compare<uint16_t>(check, n, side, scalar, tested,
                       [&](Pull f, uint16_t* out) { f(above.data(), below.data(), out, n); });
@@ -81,7 +68,7 @@ void checkPull(Check& check, Pull scalar, Pull tested) {
 }
 
 void checkPush(Check& check, Push scalar, Push tested) {
-  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> coarse(pixels(check, Fill::random, n), side), src(pixels(check, fill, 2 * n), side);
     compare<uint16_t>(check, 2 * n, side, scalar, tested,
                       [&](Push f, uint16_t* out) { f(coarse.data(), src.data(), out, n); });
@@ -94,7 +81,7 @@ void checkPush(Check& check, Push scalar, Push tested) {
 
 void checkMean(Check& check, Mean scalar, Mean tested) {
   using Limits = std::numeric_limits<int32_t>;
-  forEachInput(check, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
     const Guarded<int32_t> sums(filled<int32_t>(check.random, fill, n, Limits::min(), Limits::max()), side);
     for (uint16_t most : {uint16_t{3}, uint16_t{65535}}) {
       const Guarded<uint16_t> counts(filled<uint16_t>(check.random, Fill::random, n, 0, most), side);
