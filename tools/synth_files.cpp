@@ -177,6 +177,12 @@ Json regionJson(uint32_t number, const TrueRegion& region, const Rendering& r) {
           {"highest_mm", rounded(region.highest)}};
 }
 
+Json objectsJson(const scene::Scene& scene) {
+  Json json = Json::array();
+  for (size_t i = 1; i < scene.objects.size(); ++i) json.push_back(objectJson(scene.objects[i]));
+  return json;
+}
+
 std::string sceneText(const SynthSettings& settings, const Rendering& r) {
   Json json = {{"scene", settings.scene},
                {"seed", settings.seed},
@@ -184,21 +190,28 @@ std::string sceneText(const SynthSettings& settings, const Rendering& r) {
                {"ground_z_mm", rounded(r.scene.groundZ)},
                {"map_corner_x_mm", rounded(r.map.cornerX)},
                {"map_corner_y_mm", rounded(r.map.cornerY)},
-               {"objects", Json::array()},
+               {"objects", objectsJson(r.scene)},
                {"regions", Json::array()}};
-  for (size_t i = 1; i < r.scene.objects.size(); ++i) json["objects"].push_back(objectJson(r.scene.objects[i]));
   for (const auto& [number, region] : trueRegions(r)) json["regions"].push_back(regionJson(number, region, r));
   return json.dump(1) + "\n";
 }
 
 }  // namespace
 
-std::vector<NamedFile> synthFiles(const SynthSettings& settings, const Rendering& r) {
+std::string momentLine(const scene::Scene& scene, const Moment& moment) {
+  const Json json = {{"frame", moment.frame}, {"time_s", rounded(moment.seconds)}, {"objects", objectsJson(scene)}};
+  return json.dump() + "\n";
+}
+
+std::vector<NamedFile> synthPictures(const SynthSettings& settings, const Rendering& r) {
+  return {{"left.png", pictureFile(r.left, Side::left, settings)},
+          {"right.png", pictureFile(r.right, Side::right, settings)}};
+}
+
+std::vector<NamedFile> synthTruth(const Rendering& r) {
   const char* dense = "above the horizon, or more than 255 pixels";
   const char* matched = "the right picture does not show the point, or above the horizon, or more than 255 pixels";
-  return {{"left.png", pictureFile(r.left, Side::left, settings)},
-          {"right.png", pictureFile(r.right, Side::right, settings)},
-          {"disparity_gt.png", disparityFile(visible(r.leftTruth), Side::left, matched)},
+  return {{"disparity_gt.png", disparityFile(visible(r.leftTruth), Side::left, matched)},
           {"disparity_left_gt.png", disparityFile(r.leftTruth.disparity, Side::left, dense)},
           {"disparity_right_gt.png", disparityFile(r.rightTruth.disparity, Side::right, dense)},
           {"occlusion_left.png", occlusionFile(r.leftTruth.occluded, Side::left)},
@@ -206,9 +219,11 @@ std::vector<NamedFile> synthFiles(const SynthSettings& settings, const Rendering
           {"height_left_gt.png", heightFile(r.leftTruth.height, Side::left)},
           {"height_right_gt.png", heightFile(r.rightTruth.height, Side::right)},
           {"elevation_gt.png", elevationFile(r)},
-          {"regions_gt.png", regionsFile(r)},
-          {"camera.toml", cameraBytes(cameraOf(settings, r))},
-          {"scene.json", bytesOf(sceneText(settings, r))}};
+          {"regions_gt.png", regionsFile(r)}};
+}
+
+std::vector<NamedFile> synthTexts(const SynthSettings& settings, const Rendering& r) {
+  return {{"camera.toml", cameraBytes(cameraOf(settings, r))}, {"scene.json", bytesOf(sceneText(settings, r))}};
 }
 
 }  // namespace nadir::tool

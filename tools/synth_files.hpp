@@ -5,25 +5,9 @@
 #include <vector>
 
 #include "files.hpp"
-#include "scene/render.hpp"
+#include "synth_rendering.hpp"
 
 namespace nadir::tool {
-
-struct SynthSettings {
-  std::string scene = "boxes";
-  uint64_t seed = 1;
-  nadir::scene::CameraSettings camera;
-  nadir::scene::Sensor sensor{5, false};
-};
-
-struct Rendering {
-  nadir::scene::Rig rig;
-  nadir::scene::Scene scene;
-  nadir::scene::MapLayout mapLayout;
-  Grid<uint16_t> left, right;
-  nadir::scene::ViewTruth leftTruth, rightTruth;
-  nadir::scene::MapTruth map;
-};
 
 // Of disparities, of heights and of elevations.
 constexpr unsigned synthDisparityScale = 256;
@@ -35,6 +19,14 @@ struct NamedFile {
   Bytes bytes;
 };
 
-std::vector<NamedFile> synthFiles(const SynthSettings& settings, const Rendering& rendering);
+// left.png and right.png.
+std::vector<NamedFile> synthPictures(const SynthSettings& settings, const Rendering& rendering);
+// The pictures of the truth.
+std::vector<NamedFile> synthTruth(const Rendering& rendering);
+// camera.toml and scene.json.
+std::vector<NamedFile> synthTexts(const SynthSettings& settings, const Rendering& rendering);
+
+// The line of truth.jsonl for a moment: the objects as in scene.json.
+std::string momentLine(const nadir::scene::Scene& scene, const Moment& moment);
 
 }  // namespace nadir::tool

@@ -55,10 +55,10 @@ uint64_t print(const tool::Grid<T>& grid) {
   return print.value();
 }
 
-Prints prints(const std::string& name, uint64_t seed) {
+Prints prints(const std::string& name, uint64_t seed, double seconds = 0, uint32_t frame = 0) {
   const scene::Rig rig = makeRig(cameraAt(-45, 17));
-  const scene::Scene scene = scene::makeScene(name, rig, seed);
-  const scene::Sensor sensor{7.5, true};
+  const scene::Scene scene = scene::makeScene(name, rig, seed, seconds);
+  const scene::Sensor sensor{7.5, true, frame};
   const scene::MapTruth map = mapTruth(scene, rig, {64, 48, 100});
   Fingerprint mapPrint;
   mapPrint.add(map.elevation.pixels);
@@ -86,6 +86,16 @@ TEST(SceneGolden, SameBitsOnEveryMachine) {
                                    0x1DFF86A79358ED9Cu});
   expectEqual(prints("crop-rows", 4), {0x956E38F7ACF27BEDu, 0x91406E3E6477DFD0u, 0x9C642B56F994D97Eu,
                                        0xA74D8B0B59039532u, 0xFF209CAD50C3397Cu});
+  expectEqual(prints("walkers", 5, 3.3, 33), {0xA23DEFFB7724D37Du, 0x3BD85FB53BB0B6D1u, 0xC4DBDB9DA81657A9u,
+                                              0xD32202535A31C5DFu, 0xCFC1D61BF60B30DBu});
+}
+
+TEST(SceneGolden, AnotherFrameOfAStillSceneDiffersInNoiseAlone) {
+  const Prints a = prints("boxes", 1, 0, 0), b = prints("boxes", 1, 1.5, 1);
+  EXPECT_NE(a.left, b.left);
+  EXPECT_NE(a.right, b.right);
+  EXPECT_EQ(a.leftTruth, b.leftTruth);
+  EXPECT_EQ(a.map, b.map);
 }
 
 TEST(SceneGolden, AnotherSeedIsAnotherScene) {

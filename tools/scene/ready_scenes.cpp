@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hash.hpp"
+#include "walk.hpp"
 
 namespace nadir::scene {
 
@@ -11,9 +12,10 @@ namespace {
 // Puts objects into a scene. Each goes where the ground is seen at a share of the reference picture's width and height.
 class Builder {
  public:
-  Builder(const Rig& rig, const std::string& name, uint64_t seed) : view_(rig.view(rig.reference)), random_(seed) {
+  Builder(const Rig& rig, const std::string& name, uint64_t seed, double seconds)
+      : view_(rig.view(rig.reference)), random_(seed), seconds_(seconds) {
     scene_ = {
-        name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, random_.bits(), "ground", {}}}};
+        name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, random_.bits(), "ground", {}, {}}}};
   }
 
   Scene take() { return std::move(scene_); }
@@ -24,17 +26,18 @@ class Builder {
   // At most once among the arguments of a call: they are evaluated in another order on another machine.
   double jitter(double most) { return random_.between(-most, most); }
 
-  Site site(double across, double down, double degrees = 0) {
+  // height  instead of where the ground is seen, where what is so high above it is
+  Site site(double across, double down, double degrees = 0, double height = 0) {
     const Ray ray = view_.ray(across * (view_.width - 1), down * (view_.height - 1));
     // Where the picture shows the sky, the object is put on the ground at a moderate distance.
-    const double depth = scene_.groundZ / std::max(ray.direction.z, 0.3);
+    const double depth = (scene_.groundZ - height) / std::max(ray.direction.z, 0.3);
     const Vec place = ray.at(depth);
     return {place.x, place.y, scene_.groundZ, degrees};
   }
 
-  Site nearby(double across, double down, double degrees) {
+  Site nearby(double across, double down, double degrees, double height = 0) {
     const double right = jitter(0.02), lower = jitter(0.02), turn = jitter(8);
-    return site(across + right, down + lower, degrees + turn);
+    return site(across + right, down + lower, degrees + turn, height);
   }
 
   // The regions are numbered in the order of the objects that open them.
@@ -58,6 +61,15 @@ class Builder {
     add(makeCapsule(s, radius, height), "capsule", s, height, {{"radius_mm", radius}, {"height_mm", height}});
   }
 
+  // height  of the walker at its tallest, in mid-step
+  void walker(const Walk& walk, double radius, double height) {
+    const Footing now = walk.at(seconds_);
+    const double stoop = height - now.dip;
+    const Site s{now.x, now.y, scene_.groundZ, 0};
+    add(makeCapsule(s, radius, stoop), "walker", s, height, {{"radius_mm", radius}, {"height_mm", stoop}});
+    scene_.objects.back().anchor = {now.x, now.y, now.dip};
+  }
+
  private:
   using Numbers = std::vector<std::pair<std::string, double>>;
 
@@ -70,12 +82,13 @@ class Builder {
   void add(const Solid& solid, const char* kind, const Site& s, double top, const Numbers& more) {
     Numbers numbers = {{"x_mm", s.x}, {"y_mm", s.y}};
     numbers.insert(numbers.end(), more.begin(), more.end());
-    scene_.objects.push_back({solid, region_, random_.between(0.7, 1.4), random_.bits(), kind, numbers});
+    scene_.objects.push_back({solid, region_, random_.between(0.7, 1.4), random_.bits(), kind, numbers, {}});
     scene_.tallest = std::max(scene_.tallest, top);
   }
 
   View view_;
   Random random_;
+  double seconds_;
   Scene scene_;
   uint32_t region_ = 0;
 };
@@ -107,6 +120,24 @@ void people(Builder& b) {
     b.nextRegion();
     const Site foot = b.nearby(r.across, r.down, 0);
     b.capsule(foot, r.radius, r.height + b.jitter(40));
+  }
+}
+
+// Their heads stay in the picture: the corners of their paths are given where the picture shows them.
+void walkers(Builder& b) {
+  struct Row {
+    double radius, height, speed;
+    std::vector<std::pair<double, double>> corners;
+  };
+  static const Row rows[] = {{230, 1780, 900, {{0.22, 0.30}, {0.26, 0.70}}},
+                             {220, 1660, 800, {{0.70, 0.25}, {0.88, 0.32}, {0.78, 0.70}}},
+                             {160, 1150, 700, {{0.25, 0.12}, {0.75, 0.16}}}};
+  for (const Row& r : rows) {
+    b.nextRegion();
+    Walk walk{{}, r.speed + b.jitter(60), 600, 35, 0};
+    for (const auto& [across, down] : r.corners) walk.corners.push_back(b.nearby(across, down, 0, r.height));
+    walk.begun = 500 + b.jitter(500);
+    b.walker(walk, r.radius, r.height + b.jitter(40));
   }
 }
 
@@ -160,6 +191,7 @@ struct Known {
 constexpr Known known[] = {
     {{"boxes", "six boxes of different heights, turned this way and that"}, boxes},
     {{"people", "six upright capsules of the size of people"}, people},
+    {{"walkers", "two adults and a child who walk to and fro"}, walkers},
     {{"steps", "a flight of four steps and a low kerb"}, steps},
     {{"slope", "a wide ramp with a box on it, a small ramp, a dome"}, slope},
     {{"crop-rows", "seven ridges of earth with a row of plants on each"}, cropRows},
@@ -177,8 +209,8 @@ const std::vector<ReadyScene>& readyScenes() {
   return all;
 }
 
-Scene makeScene(const std::string& name, const Rig& rig, uint64_t seed) {
-  Builder builder(rig, name, seed);
+Scene makeScene(const std::string& name, const Rig& rig, uint64_t seed, double seconds) {
+  Builder builder(rig, name, seed, seconds);
   for (const Known& k : known)
     if (name == k.scene.name) k.build(builder);
   return builder.take();

@@ -15,7 +15,8 @@ struct ReadyScene {
 const std::vector<ReadyScene>& readyScenes();
 
 // name  one of readyScenes()
-// seed  another one gives other textures and moves and turns the objects a little
-Scene makeScene(const std::string& name, const Rig& rig, uint64_t seed);
+// seed     another one gives other textures and moves and turns the objects a little
+// seconds  when: what walks is elsewhere then
+Scene makeScene(const std::string& name, const Rig& rig, uint64_t seed, double seconds = 0);
 
 }  // namespace nadir::scene

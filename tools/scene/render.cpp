@@ -38,7 +38,8 @@ double shading(const Vec& normal) { return 0.6 + 0.4 * dot(normal, Vec{0.36, 0.4
 double intensity(const Objects& objects, const View& view, const Ray& ray) {
   const Sight sight = firstSeen(objects, ray);
   if (!sight.object) return skyIntensity;
-  const double pattern = texture(sight.object->pattern, ray.at(sight.hit.distance), sight.hit.distance / view.focal);
+  const Vec place = ray.at(sight.hit.distance) - sight.object->anchor;
+  const double pattern = texture(sight.object->pattern, place, sight.hit.distance / view.focal);
   return 1700 * sight.object->brightness * shading(sight.hit.normal) * (1 + 0.9 * pattern);
 }
 
@@ -113,7 +114,7 @@ class TruthFinder {
 
 Grid<uint16_t> picture(const Scene& scene, const Rig& rig, Side side, const Sensor& sensor, const RowDone& rowDone) {
   const View& view = rig.view(side);
-  const uint64_t noiseKey = mixed(~scene.seed) + (side == Side::left ? 0 : 1);
+  const uint64_t noiseKey = mixed(~scene.seed) + 2 * sensor.frame + (side == Side::left ? 0 : 1);
   Grid<uint16_t> picture(view.width, view.height);
   for (uint32_t y = 0; y < view.height; ++y) {
     const Objects objects = objectsInRow(scene, view, y);

@@ -19,6 +19,7 @@ using RowDone = std::function<void()>;
 struct Sensor {
   double noise = 0;       // standard deviation, intensity levels
   bool deadArea = false;  // a disc of the sensor, right of and below the centre, that gives no data
+  uint32_t frame = 0;     // every frame has other noise
 };
 
 constexpr uint16_t darkest = 16, brightest = 4080, noData = 0;

@@ -17,6 +17,7 @@ struct Object {
   std::string kind;
   std::vector<std::pair<std::string, double>> numbers;  // what describes it, named with units
   std::vector<Vec> footprint{};                         // its corners on the ground; round ones have none
+  Vec anchor{};  // where the texture's origin lies: it goes along with what moves
 };
 
 struct Scene {

@@ -1,0 +1,77 @@
+#include "synth_sequence.hpp"
+
+#include <filesystem>
+
+#include "error.hpp"
+#include "in_order.hpp"
+#include "progress.hpp"
+#include "scene/ready_scenes.hpp"
+#include "text.hpp"
+
+namespace nadir::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+Moment momentOf(uint32_t frame, const SequenceSettings& sequence) { return {frame, frame / sequence.framesPerSecond}; }
+
+std::string truthLines(const SynthSettings& settings, const SequenceSettings& sequence) {
+  const scene::Rig rig = makeRig(settings.camera);
+  std::string text;
+  for (uint32_t frame = 0; frame < sequence.frames; ++frame) {
+    const Moment moment = momentOf(frame, sequence);
+    text += momentLine(makeScene(settings.scene, rig, settings.seed, moment.seconds), moment);
+  }
+  return text;
+}
+
+std::vector<NamedFile> frameFiles(const SynthSettings& settings, const SequenceSettings& sequence, uint32_t frame) {
+  const auto nothing = [] {};
+  const Moment moment = momentOf(frame, sequence);
+  Rendering rendering = arranged(settings, moment);
+  renderPictures(rendering, settings, moment, nothing);
+  std::vector<NamedFile> files = synthPictures(settings, rendering);
+  if (!sequence.truthPictures) return files;
+  renderTruth(rendering, nothing);
+  for (NamedFile& file : synthTruth(rendering)) files.push_back(std::move(file));
+  return files;
+}
+
+// left.png of frame 7 is left/000007.png.
+void writeFrame(const std::string& folder, uint32_t frame, const std::vector<NamedFile>& frameFiles) {
+  OutputFiles files;
+  for (const NamedFile& file : frameFiles) {
+    const fs::path series = fs::path(folder) / fs::path(file.name).stem();
+    fs::create_directory(series);
+    files.write((series / format("%06u.png", frame)).string(), file.bytes);
+  }
+  files.commit();
+}
+
+void writeTexts(const std::string& folder, const SynthSettings& settings, const SequenceSettings& sequence) {
+  const std::string truth = truthLines(settings, sequence);
+  OutputFiles files;
+  files.makeFolder(folder);
+  if (fs::exists(folder + "/left"))
+    throw Error(format("%s holds a sequence already; remove it or name another folder", folder.c_str()));
+  for (const NamedFile& file : synthTexts(settings, arranged(settings, {})))
+    files.write(folder + "/" + file.name, file.bytes);
+  files.write(folder + "/truth.jsonl", Bytes(truth.begin(), truth.end()));
+  files.commit();
+}
+
+}  // namespace
+
+void writeSequence(const std::string& folder, const SynthSettings& settings, const SequenceSettings& sequence) {
+  writeTexts(folder, settings, sequence);
+  Progress progress("rendering", "frames", sequence.frames, Progress::Elsewhere::lines);
+  const auto render = [&](uint64_t frame) { return frameFiles(settings, sequence, static_cast<uint32_t>(frame)); };
+  inOrder(0, sequence.frames, sequence.threads, render, [&](uint64_t frame, const std::vector<NamedFile>& files) {
+    writeFrame(folder, static_cast<uint32_t>(frame), files);
+    progress.advance();
+    return true;
+  });
+}
+
+}  // namespace nadir::tool
