@@ -14,5 +14,6 @@ void addEvaluateCommand(CLI::App& app);
 void addGroundCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
 void addSynthCommand(CLI::App& app);
+void addTuneCommand(CLI::App& app);
 
 }  // namespace nadir::tool

@@ -42,6 +42,7 @@ int run(int argc, char** argv) {
   addEvaluateCommand(app);
   addPreviewCommand(app);
   addSynthCommand(app);
+  addTuneCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
