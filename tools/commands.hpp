@@ -15,5 +15,6 @@ void addGroundCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
 void addSynthCommand(CLI::App& app);
 void addTuneCommand(CLI::App& app);
+void addVerifyCommand(CLI::App& app);
 
 }  // namespace nadir::tool

@@ -43,6 +43,7 @@ int run(int argc, char** argv) {
   addPreviewCommand(app);
   addSynthCommand(app);
   addTuneCommand(app);
+  addVerifyCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

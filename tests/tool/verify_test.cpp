@@ -1,0 +1,49 @@
+#include <gtest/gtest.h>
+#include <nadir/nadir.h>
+
+#include <algorithm>
+
+#include "tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+TEST(VerifyCommand, SaysThatEveryStageIsTheSame) {
+  const Folder folder;
+  const Outcome outcome = folder.run({"verify"});
+  EXPECT_EQ(outcome.status, 0) << outcome.out << outcome.err;
+  EXPECT_NE(outcome.out.find(nadir_simd_level()), std::string::npos);
+  EXPECT_NE(outcome.out.find("stages are the same"), std::string::npos);
+  EXPECT_EQ(outcome.out.find("DIFFERS"), std::string::npos);
+  EXPECT_GE(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 41);
+}
+
+TEST(VerifyCommand, ComparesWithAnotherMachinesHashes) {
+  const Folder folder;
+  std::string hashes = folder.run({"verify", "--print-hashes"}).out;
+  writeFile(folder.path("hashes.txt"), hashes);
+  EXPECT_EQ(folder.run({"verify", "--against", "hashes.txt"}).status, 0);
+
+  char& digit = hashes[hashes.find("\ncensus ") + 8];
+  digit = digit == '0' ? '1' : '0';
+  writeFile(folder.path("hashes.txt"), hashes);
+  const Outcome outcome = folder.run({"verify", "--against", "hashes.txt"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("results DIFFER"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.out.find("census               DIFFERS, got "), std::string::npos) << outcome.out;
+  EXPECT_NE(outcome.out.find("matching             same"), std::string::npos) << outcome.out;
+}
+
+TEST(VerifyCommand, RefusesAFileOfSomethingElse) {
+  const Folder folder;
+  for (const char* text : {"", "something else\n"}) {
+    writeFile(folder.path("hashes.txt"), text);
+    const Outcome outcome = folder.run({"verify", "--against", "hashes.txt"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("cannot use hashes.txt"), std::string::npos) << outcome.err;
+  }
+  EXPECT_EQ(folder.run({"verify", "--against", "nowhere.txt"}).status, 1);
+}
+
+}  // namespace
+}  // namespace nadir::test
