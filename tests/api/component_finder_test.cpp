@@ -327,12 +327,12 @@ TEST(ComponentFinderRefuses, OtherSizesWhateverTheArea) {
 
 TEST(ComponentFinderModel, AgreesOnEveryImageOf4By3Pixels) {
   Finder finder;
-  for (uint32_t bits = 0; bits < 1u << 12 && !HasFailure(); ++bits) finder.expectModel(ofBits(4, 3, bits));
+  forEachCode(1u << 12, [&](uint32_t bits) { finder.expectModel(ofBits(4, 3, bits)); });
 }
 
 TEST(ComponentFinderModel, AgreesOnEveryImageOf3By5Pixels) {
   Finder finder;
-  for (uint32_t bits = 0; bits < 1u << 15 && !HasFailure(); ++bits) finder.expectModel(ofBits(3, 5, bits));
+  forEachCode(1u << 15, [&](uint32_t bits) { finder.expectModel(ofBits(3, 5, bits)); });
 }
 
 TEST(ComponentFinderModel, AgreesOnEveryAreaOfAnImage) {
@@ -370,10 +370,10 @@ TEST(ComponentFinderModel, AgreesOnFullSizeShapes) {
 TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {
   Finder finder;
   Random random(1);
-  for (uint32_t percent = 0; percent <= 100; ++percent) {
+  forEachCode(101, [&](uint32_t percent) {
     const uint32_t width = percent % 10 == 0 ? 256 : 60;
     finder.expectModel(valued<uint16_t>(random, noise(random, width, 40, percent), 0));
-  }
+  });
 }
 
 // ---- the most there can be -----------------------------------------------------------------------------------------

@@ -171,9 +171,9 @@ uint32_t anySizeFor(Random& random, const Extent& extent) {
 }  // namespace
 
 TEST(ContourFilterModel, AgreesOnEveryImageOf4By3Pixels) {
-  for (uint32_t bits = 0; bits < 1u << 12 && !HasFailure(); ++bits) {
+  forEachCode(1u << 12, [&](uint32_t bits) {
     for (const uint32_t minSize : {2u, 4u, 8u}) expectModel(ofBits(4, 3, bits), minSize);
-  }
+  });
 }
 
 TEST(ContourFilterModel, AgreesOnU16ShapesOfEveryKind) {

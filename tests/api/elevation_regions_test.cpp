@@ -487,17 +487,17 @@ RgeParams anyParams(Random& random, const Picture& picture) {
 }  // namespace
 
 TEST_F(ElevationModel, AgreesOnEveryImageOf4By4Cells) {
-  for (uint32_t bits = 0; bits < 1u << 16 && !HasFailure(); ++bits) expectModel(ofBits(4, 4, bits), wholeMap(kLargest));
+  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), wholeMap(kLargest)); });
 }
 
 TEST_F(ElevationModel, AgreesOnEveryRelief) {
   // Nine cells of three heights, the highest one step above the middle and two above the lowest.
   Picture picture = constant<uint16_t>(3, 3, 0);
-  for (uint32_t code = 0; code < 19683 && !HasFailure(); ++code) {
+  forEachCode(19683, [&](uint32_t code) {
     for (uint32_t i = 0, rest = code; i < 9; ++i, rest /= 3) picture.pixels[i] = static_cast<uint16_t>(4 + rest % 3);
     expectModel(picture, wholeMap(1));
     expectModel(picture, wholeMap(0, 4));
-  }
+  });
 }
 
 TEST_F(ElevationModel, AgreesOnEveryAreaOfAMap) {

@@ -305,11 +305,11 @@ TEST(Labelling, RefusesOtherTypes) {
 // ---- against the model ---------------------------------------------------------------------------------------------
 
 TEST(LabellingModel, AgreesOnEveryImageOf5By3Pixels) {
-  for (uint32_t bits = 0; bits < 1u << 15 && !HasFailure(); ++bits) expectModel(ofBits(5, 3, bits), 0);
+  forEachCode(1u << 15, [&](uint32_t bits) { expectModel(ofBits(5, 3, bits), 0); });
 }
 
 TEST(LabellingModel, AgreesOnEveryImageOf3By4Pixels) {
-  for (uint32_t bits = 0; bits < 1u << 12 && !HasFailure(); ++bits) expectModel(ofBits(3, 4, bits), 0);
+  forEachCode(1u << 12, [&](uint32_t bits) { expectModel(ofBits(3, 4, bits), 0); });
 }
 
 TEST(LabellingModel, AgreesOnU16ShapesOfEveryKind) {
@@ -348,10 +348,10 @@ TEST(LabellingModel, AgreesOnFullSizeShapes) {
 
 TEST(LabellingModel, AgreesOnNoiseOfEveryDensity) {
   Random random(1);
-  for (uint32_t percent = 0; percent <= 100; ++percent) {
+  forEachCode(101, [&](uint32_t percent) {
     const uint32_t width = percent % 10 == 0 ? 128 : 40;
     expectModel(valued<uint16_t>(random, noise(random, width, 60, percent), 0), 0);
-  }
+  });
 }
 
 // ---- calls in a row ------------------------------------------------------------------------------------------------

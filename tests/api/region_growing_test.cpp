@@ -201,17 +201,17 @@ TEST(RegionGrowingRefuses, WrongArgumentsAlsoWithoutRows) {
 // ---- against the model ---------------------------------------------------------------------------------------------
 
 TEST(RegionGrowingModel, AgreesOnEveryImageOf4By4Pixels) {
-  for (uint32_t bits = 0; bits < 1u << 16 && !HasFailure(); ++bits) expectModel(ofBits(4, 4, bits), 0, kLargest);
+  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), 0, kLargest); });
 }
 
 TEST(RegionGrowingModel, AgreesOnEveryRelief) {
   // Nine pixels of three heights, the highest one step above the middle and two above the lowest.
   Picture picture = constant<uint16_t>(3, 3, 0);
-  for (uint32_t code = 0; code < 19683 && !HasFailure(); ++code) {
+  forEachCode(19683, [&](uint32_t code) {
     for (uint32_t i = 0, rest = code; i < 9; ++i, rest /= 3) picture.pixels[i] = static_cast<uint16_t>(4 + rest % 3);
     expectModel(picture, 0, 1);
     expectModel(picture, 4, 0);
-  }
+  });
 }
 
 TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {

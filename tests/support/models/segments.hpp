@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <deque>
 #include <limits>
 #include <vector>
 
@@ -39,18 +38,17 @@ inline Area insideOf(uint32_t width, uint32_t height, int32_t x0, int32_t y0, in
 
 enum class Touching { sides, corners };
 
-inline std::vector<size_t> neighbours(uint32_t width, uint32_t height, size_t at, Touching touching) {
+template <class Visit>
+void forEachNeighbour(uint32_t width, uint32_t height, size_t at, Touching touching, Visit visit) {
   const int64_t x = static_cast<int64_t>(at % width), y = static_cast<int64_t>(at / width);
-  std::vector<size_t> out;
   for (int64_t dy = -1; dy <= 1; ++dy) {
     for (int64_t dx = -1; dx <= 1; ++dx) {
       const bool corner = dx != 0 && dy != 0, itself = dx == 0 && dy == 0;
       if (itself || (corner && touching == Touching::sides)) continue;
       if (x + dx < 0 || x + dx >= width || y + dy < 0 || y + dy >= height) continue;
-      out.push_back(static_cast<size_t>((y + dy) * width + x + dx));
+      visit(static_cast<size_t>((y + dy) * width + x + dx));
     }
   }
-  return out;
 }
 
 // Labels 1, 2, ... in the raster order of the first pixels; linked(from, to) says whether neighbours hold together.
@@ -58,16 +56,19 @@ template <class Linked>
 std::vector<uint32_t> spread(uint32_t width, uint32_t height, const Members& members, Touching touching,
                              Linked linked) {
   std::vector<uint32_t> labels(members.size(), 0);
+  std::vector<size_t> queue;
   uint32_t count = 0;
   for (size_t seed = 0; seed < members.size(); ++seed) {
     if (!members[seed] || labels[seed] != 0) continue;
     labels[seed] = ++count;
-    for (std::deque<size_t> queue{seed}; !queue.empty(); queue.pop_front()) {
-      for (const size_t next : neighbours(width, height, queue.front(), touching)) {
-        if (!members[next] || labels[next] != 0 || !linked(queue.front(), next)) continue;
+    queue.assign(1, seed);
+    for (size_t head = 0; head < queue.size(); ++head) {
+      const size_t at = queue[head];
+      forEachNeighbour(width, height, at, touching, [&](size_t next) {
+        if (!members[next] || labels[next] != 0 || !linked(at, next)) return;
         labels[next] = count;
         queue.push_back(next);
-      }
+      });
     }
   }
   return labels;
