@@ -1,8 +1,10 @@
 // Prints what docs/benchmarks.md holds: how much faster each vector level is than scalar code, how the library compares
 // with others, and what it allocates. Only ratios: they mean something on other machines too.
 #include <cstdio>
+#include <memory>
 #include <string>
 
+#include "bench/limits.hpp"
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/polygon_cells.hpp"
@@ -15,27 +17,36 @@
 namespace nadir::bench {
 namespace {
 
-std::vector<double> secondsOfLevels(const Work& work, const std::vector<Level>& all) {
-  std::vector<std::function<void()>> ways;
+using Calls = std::vector<std::function<void()>>;
+
+// The call at each of the levels.
+Calls atLevels(const std::function<void()>& call, const std::vector<Level>& all) {
+  Calls calls;
   for (const Level& level : all) {
-    ways.push_back([&] {
-      setCpu(level.cpu);
-      work.run();
+    calls.push_back([&call, cpu = level.cpu] {
+      setCpu(cpu);
+      call();
     });
   }
-  return fastest(ways);
+  return calls;
+}
+
+void printHead(const std::vector<const char*>& names, const std::vector<Level>& columns) {
+  for (const char* name : names) std::printf("| %s ", name);
+  for (const Level& level : columns) std::printf("| %s ", level.name.c_str());
+  std::printf("|\n");
+  for (size_t i = 0; i < names.size(); ++i) std::printf("|---");
+  for (size_t i = 0; i < columns.size(); ++i) std::printf("|--:");
+  std::printf("|\n");
 }
 
 void printLevels(const Scene& scene) {
   const std::vector<Level> all = levels();
-  std::printf("\n### %s pixels\n\n| |", sizeText(scene).c_str());
-  for (const Level& level : all) std::printf(" %s |", level.name.c_str());
-  std::printf("\n|---|");
-  for (size_t i = 0; i < all.size(); ++i) std::printf("--:|");
-  std::printf("\n");
+  std::printf("\n### %s pixels\n\n", sizeText(scene).c_str());
+  printHead({""}, all);
   for (const Work& work : allWorks(scene)) {
     if (work.pixels == 0) continue;
-    const std::vector<double> seconds = secondsOfLevels(work, all);
+    const std::vector<double> seconds = fastest(atLevels(work.run, all));
     std::printf("| %s |", work.name.c_str());
     for (double s : seconds) std::printf(" %.2f |", seconds[0] / s);
     std::printf("\n");
@@ -43,12 +54,52 @@ void printLevels(const Scene& scene) {
   }
 }
 
-void printPeers(const std::string& size, const std::vector<Peer>& found) {
-  if (found.empty()) std::printf("| %s | | not part of this build | |\n", size.c_str());
+void printPeers(const std::string& size, const std::vector<Peer>& found, const std::vector<Level>& columns) {
+  if (found.empty()) std::printf("| %s | | not part of this build |\n", size.c_str());
   for (const Peer& peer : found) {
-    const std::vector<double> seconds = fastest({peer.ours, peer.theirs});
-    std::printf("| %s | %s | %s | %.2f |\n", size.c_str(), peer.against.c_str(), peer.name.c_str(),
-                seconds[1] / seconds[0]);
+    Calls calls = atLevels(peer.ours, columns);
+    calls.push_back(peer.theirs);
+    const std::vector<double> seconds = fastest(calls);
+    std::printf("| %s | %s | %s |", size.c_str(), peer.against.c_str(), peer.name.c_str());
+    for (size_t i = 0; i < columns.size(); ++i) std::printf(" %.2f |", seconds.back() / seconds[i]);
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+}
+
+void printAllPeers(const Scene (&scenes)[2]) {
+  std::vector<Level> columns = levels();
+  if (columns.size() > 1) columns.erase(columns.begin());  // a peer without vectors is none
+  printHead({"size", "ours", "OpenCV"}, columns);
+  for (const Scene& scene : scenes) printPeers(sizeText(scene), peers(scene), columns);
+  for (uint32_t side : {128u, 256u})
+    printPeers(std::to_string(side) + "x" + std::to_string(side), componentPeers(side), columns);
+  printPeers("1000x1000", polygonPeers(), columns);
+}
+
+// What the machine itself does with as many bytes, or the standard library with as many keys.
+void printLimits(const std::string& size, const std::vector<Limit>& found) {
+  for (const Limit& limit : found) {
+    const std::vector<double> seconds = fastest({limit.ours, limit.theirs});
+    std::printf("| %s | %s | %s | %.2f |\n", size.c_str(), limit.name.c_str(), limit.against.c_str(),
+                seconds[0] / seconds[1]);
+    std::fflush(stdout);
+  }
+}
+
+// The time of a pixel, as a multiple of that in a picture of 640x480.
+void printMatchingGrowth() {
+  std::printf("| size | ratio |\n|---|--:|\n");
+  const auto matchingOf = [](uint32_t width, uint32_t height) {
+    return std::make_shared<Matching>(makeScene(width, height));
+  };
+  const auto usual = matchingOf(640, 480);
+  const uint32_t sizes[][2] = {{160, 120}, {320, 240}, {1280, 960}, {2560, 1920}};
+  for (const auto& size : sizes) {
+    const auto other = matchingOf(size[0], size[1]);
+    const std::vector<double> seconds = fastest({[&] { usual->match(nullptr); }, [&] { other->match(nullptr); }});
+    const double pixels = static_cast<double>(other->pixels) / static_cast<double>(usual->pixels);
+    std::printf("| %s | %.2f |\n", sizeText(other->scene).c_str(), seconds[1] / seconds[0] / pixels);
     std::fflush(stdout);
   }
 }
@@ -75,13 +126,20 @@ void run() {
   setCpu(best);
 
   std::printf(
-      "\n## OpenCV\n\nIts time divided by ours, one thread each, in one run. Its matchers take 8-bit pictures and have "
-      "other costs,\n"
-      "paths and checks: they do the same task, not the same computation.\n\n");
-  std::printf("| size | ours | OpenCV | ratio |\n|---|---|---|--:|\n");
-  for (const Scene& scene : scenes) printPeers(sizeText(scene), peers(scene));
-  for (uint32_t side : {128u, 256u})
-    printPeers(std::to_string(side) + "x" + std::to_string(side), componentPeers(side));
+      "\n## OpenCV\n\nIts time divided by ours, one thread each, in one run, ours at each vector level. Its matchers "
+      "take 8-bit\npictures and have other costs, paths and checks: they do the same task, not the same "
+      "computation.\n\n");
+  printAllPeers(scenes);
+  setCpu(best);
+
+  std::printf(
+      "\n## Limits\n\nOur time divided by that of memcpy over the same bytes, or of std::stable_sort: near 1 is the "
+      "machine's limit.\n\n| size | ours | against | ratio |\n|---|---|---|--:|\n");
+  for (const Scene& scene : scenes) printLimits(sizeText(scene), memoryLimits(scene));
+  printLimits("65536 keys", sortingLimits());
+
+  std::printf("\n## Matching\n\nThe time of a pixel in IP_SgmFull, divided by that in a picture of 640x480.\n\n");
+  printMatchingGrowth();
 
   std::printf(
       "\n## Elevation mask\n\nThe time of asking for every cell whether it lies in a polygon, divided by that of the "

@@ -4,5 +4,6 @@ namespace nadir::bench {
 
 std::vector<Peer> peers(const Scene&) { return {}; }
 std::vector<Peer> componentPeers(uint32_t) { return {}; }
+std::vector<Peer> polygonPeers() { return {}; }
 
 }  // namespace nadir::bench

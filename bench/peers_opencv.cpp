@@ -12,6 +12,8 @@
 #include "bench/peers.hpp"
 #include "bench/picture.hpp"
 #include "bench/segment_calls.hpp"
+#include "bench/star.hpp"
+#include "geometry/polygon_cells.hpp"
 
 namespace nadir::bench {
 namespace {
@@ -28,10 +30,13 @@ cv::Mat picture8(const Scene& scene, const std::vector<uint16_t>& pixels) {
   return out;
 }
 
-Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const std::shared_ptr<Matching>& ours) {
-  const cv::Mat left = picture8(ours->scene, ours->scene.first), right = picture8(ours->scene, ours->scene.reference);
-  return {name, "whole frame", [=] { ours->wholeFrame(); },
-          [=] {
+using Matchings = std::shared_ptr<Matching>;
+
+Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const std::string& ourName,
+             const Matchings& matching, const Call& ours) {
+  const Scene& scene = matching->scene;
+  const cv::Mat left = picture8(scene, scene.first), right = picture8(scene, scene.reference);
+  return {name, ourName, ours, [=] {
             cv::Mat disparity;
             theirs->compute(left, right, disparity);
           }};
@@ -66,6 +71,39 @@ Peer gauss(const Scene& scene) {
       "IP_Gauss", [](const Img* src, Img* dst) { IP_Gauss(src, dst, 0); });
 }
 
+// Theirs takes the maximum as it is; ours knows pixels without data.
+Peer dilate(const Scene& scene) {
+  return filter(
+      scene, "dilate 3x3, 16 bits",
+      [](const cv::Mat& src, cv::Mat& dst) {
+        cv::dilate(src, dst, cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3)));
+      },
+      "IP_Morph3x3 dilate", [](const Img* src, Img* dst) { IP_Morph3x3(src, dst, MORPH_DILATE); });
+}
+
+// Theirs is asked for every cell.
+Peer cellsInPolygon() {
+  constexpr int32_t side = 1000, cell = 20;
+  const auto star = std::make_shared<Star>(12, side * cell);
+  std::vector<cv::Point2f> corners;
+  for (uint32_t k = 0; k < star->record()->count; ++k)
+    corners.emplace_back(static_cast<float>(star->record()->vertices[k].x),
+                         static_cast<float>(star->record()->vertices[k].y));
+  const auto cells = std::make_shared<std::vector<uint8_t>>(side * side);
+  const CellGrid grid = {cell / 2, cell / 2, side, side, cell, cell};
+  return {"pointPolygonTest per cell, 12 corners", "elevation mask",
+          [=] { markCellsInside(*star->record(), grid, cells->data()); },
+          [=] {
+            for (int32_t y = 0; y < side; ++y) {
+              for (int32_t x = 0; x < side; ++x) {
+                const cv::Point2f centre(static_cast<float>(x * cell + cell / 2),
+                                         static_cast<float>(y * cell + cell / 2));
+                (*cells)[static_cast<size_t>(y * side + x)] = cv::pointPolygonTest(corners, centre, false) >= 0;
+              }
+            }
+          }};
+}
+
 // Ours labels and counts; or it lists the pixels of every component besides.
 Peer components(const std::string& ours, Call (*prepare)(const Picture16&), const Content& content, uint32_t side) {
   const Picture16 src = makePicture(side, side, IMG_TYPE_U16, content.draw(side));
@@ -90,11 +128,19 @@ std::vector<Peer> componentPeers(uint32_t side) {
 
 std::vector<Peer> peers(const Scene& scene) {
   cv::setNumThreads(1);
-  const auto ours = std::make_shared<Matching>(scene);
-  return {matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", semiGlobal(cv::StereoSGBM::MODE_SGBM_3WAY), ours),
-          matcher("StereoSGBM MODE_HH4, 64 disparities", semiGlobal(cv::StereoSGBM::MODE_HH4), ours),
-          matcher("StereoBM, 64 disparities, blocks of 15", cv::StereoBM::create(Matching::disparities, 15), ours),
-          median(scene), gauss(scene)};
+  const auto matching = std::make_shared<Matching>(scene);
+  const Call match = [=] { matching->match(nullptr); }, wholeFrame = [=] { matching->wholeFrame(); };
+  const auto threeWay = semiGlobal(cv::StereoSGBM::MODE_SGBM_3WAY), fourPaths = semiGlobal(cv::StereoSGBM::MODE_HH4);
+  const auto blocks = cv::StereoBM::create(Matching::disparities, 15);
+  return {matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", threeWay, "IP_SgmFull", matching, match),
+          matcher("StereoSGBM MODE_HH4, 64 disparities", fourPaths, "IP_SgmFull", matching, match),
+          matcher("StereoBM, 64 disparities, blocks of 15", blocks, "IP_SgmFull", matching, match),
+          matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", threeWay, "whole frame", matching, wholeFrame),
+          median(scene),
+          gauss(scene),
+          dilate(scene)};
 }
+
+std::vector<Peer> polygonPeers() { return {cellsInPolygon()}; }
 
 }  // namespace nadir::bench

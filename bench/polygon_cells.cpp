@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "bench/star.hpp"
 #include "bench/timing.hpp"
 #include "geometry/polygon_cells.hpp"
 
@@ -11,29 +12,6 @@ namespace nadir::bench {
 namespace {
 
 constexpr int32_t kCell = 20;  // mm
-
-// A polygon record with room for its vertices.
-class Star {
- public:
-  // Its corners lie on two rings about the middle of a map of this side, in turn on the outer and the inner one.
-  Star(uint32_t corners, int32_t side) : memory_(1 + 2 * corners) {
-    record()->count = corners;
-    for (uint32_t k = 0; k < corners; ++k) record()->vertices[k] = corner(k, corners, side);
-  }
-  Polygon_s32* record() { return reinterpret_cast<Polygon_s32*>(memory_.data()); }
-
- private:
-  // On a diamond, which needs no trigonometry.
-  static Point_s32 corner(uint32_t k, uint32_t corners, int32_t side) {
-    const int32_t reach = side * (k % 2 ? 9 : 4) / 20;
-    const int32_t along = static_cast<int32_t>(4 * k * 1000 / corners);  // thousandths of a quarter
-    const int32_t part = along % 1000, rest = 1000 - part;
-    const int32_t x[] = {rest, -part, -rest, part}, y[] = {part, rest, -part, -rest};
-    return {side / 2 + reach * x[along / 1000] / 1000, side / 2 + reach * y[along / 1000] / 1000};
-  }
-
-  std::vector<int32_t> memory_;
-};
 
 void markOneByOne(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells) {
   for (uint32_t r = 0; r < grid.height; ++r) {

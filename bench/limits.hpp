@@ -1,0 +1,20 @@
+// What no implementation can be much faster than.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "bench/scene.hpp"
+
+namespace nadir::bench {
+
+struct Limit {
+  std::string name, against;
+  std::function<void()> ours, theirs;
+};
+
+std::vector<Limit> memoryLimits(const Scene& scene);
+std::vector<Limit> sortingLimits();
+
+}  // namespace nadir::bench
