@@ -22,7 +22,7 @@ Limit againstCopy(const Work& work) {
 
 bool isPointOperation(const std::string& name) {
   for (const char* family : {"IP_Threshold", "IP_ImgOpImg", "IP_Mask"})
-    if (name.find(family) == 0) return name.find("_I") == std::string::npos;
+    if (name.find(family) == 0) return name.find("_I", 3) == std::string::npos;
   return false;
 }
 

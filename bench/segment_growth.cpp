@@ -26,14 +26,14 @@ void printGrowth(const Content& content, uint32_t smallSide, uint32_t largeSide,
 }  // namespace
 
 void printSegmentGrowth() {
-  std::printf("| | IP_CompFind_Process, 128 to 64 | IP_CompFinder_Process, 256 to 64 | IP_RGE_*, 128 to 64 |");
-  std::printf(" IP_RGrow_Process, 1024 to 64 |\n|---|--:|--:|--:|--:|\n");
+  std::printf("| | IP_CompFind_Process, 128 to 64 | IP_CompFinder_Process, 256 to 128 | IP_RGE_*, 128 to 64 |");
+  std::printf(" IP_RGrow_Process, 1024 to 256 |\n|---|--:|--:|--:|--:|\n");
   for (const Content& content : contents()) {
     std::printf("| %s |", content.name.c_str());
     printGrowth(content, 64, 128, labelling);
-    printGrowth(content, 64, 256, componentsFound);
+    printGrowth(content, 128, 256, componentsFound);
     printGrowth(content, 64, 128, [](const Picture16& src) { return regionsListed(src, 0); });
-    printGrowth(content, 64, 1024, [](const Picture16& src) { return regionsGrown(src, 0); });
+    printGrowth(content, 256, 1024, [](const Picture16& src) { return regionsGrown(src, 0); });
     std::printf("\n");
   }
 }
