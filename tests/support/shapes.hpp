@@ -114,14 +114,16 @@ inline Shape turned(const Shape& shape, uint32_t turns) {
   });
 }
 
+// Numbers are drawn one after the other, never as two arguments of a call, whose order is the compiler's.
 inline Shape anyPlainShape(Random& random, uint32_t width, uint32_t height) {
+  const uint32_t few = random.below(4), fewer = random.below(3), direction = random.below(4);
   switch (random.below(10)) {
     case 0: return blobs(random, width, height);
-    case 1: return comb(width, height, 2 + random.below(3));
+    case 1: return comb(width, height, 2 + fewer);
     case 2: return spiral(width, height);
     case 3: return maze(random, width, height, random.below(101));
-    case 4: return checkerboard(width, height, 1 + random.below(3));
-    case 5: return stripes(width, height, 2 + random.below(4), 1 + random.below(3), random.below(4));
+    case 4: return checkerboard(width, height, 1 + fewer);
+    case 5: return stripes(width, height, 2 + few, 1 + fewer, direction);
     case 6: return bowls(width, height);
     case 7: return zip(width, height);
     default: return noise(random, width, height, 1 + random.below(99));
@@ -130,8 +132,8 @@ inline Shape anyPlainShape(Random& random, uint32_t width, uint32_t height) {
 
 // Any of them, every second one as it is, the others with some pixels changed or the last column set.
 inline Shape anyShape(Random& random, uint32_t width, uint32_t height) {
-  Shape shape = turned(anyPlainShape(random, width, height), random.below(4));
-  const uint32_t change = random.below(6);
+  const uint32_t turns = random.below(4), change = random.below(6);
+  Shape shape = turned(anyPlainShape(random, width, height), turns);
   if (change == 0) {
     for (uint32_t y = 0; y < height; ++y) shape.at(width - 1, y) = static_cast<uint8_t>(random.below(2));
   }
