@@ -28,13 +28,15 @@ void describe(CLI::App& app) {
       "  nadir synth scene                                     makes a pair with the truth about it\n"
       "  nadir disparity scene/left.png scene/right.png -o scene/disparity.png\n"
       "  nadir evaluate scene/disparity.png scene/disparity_gt.png\n"
+      "  nadir ground scene/left.png scene/right.png --camera scene/camera.toml -o scene/ground\n"
+      "  nadir evaluate scene/ground scene\n"
       "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage.");
   app.set_version_flag("--version", [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
   app.require_subcommand(1);
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Disparities from rectified stereo pairs: match, look at and judge them.");
+  CLI::App app("From rectified stereo pairs to disparities, heights above the ground and what stands there.");
   describe(app);
   addDisparityCommand(app);
   addGroundCommand(app);

@@ -59,9 +59,10 @@ Spot spotOf(const MapPlot& map, const MapFrame& frame, double xMm, double yMm) {
 
 // ---- on the picture ----
 
-// Easy to tell apart (Set1 of C. Brewer, colorbrewer2.org, without its grey).
-constexpr Rgb regionColours[] = {{228, 26, 28}, {55, 126, 184}, {77, 175, 74}, {152, 78, 163},
-                                 {255, 127, 0}, {255, 255, 51}, {166, 86, 40}, {247, 129, 191}};
+// Easy to tell apart: Set1 without its grey and three of Dark2 (C. Brewer, colorbrewer2.org).
+constexpr Rgb regionColours[] = {{228, 26, 28},  {55, 126, 184},  {77, 175, 74}, {152, 78, 163},
+                                 {255, 127, 0},  {255, 255, 51},  {166, 86, 40}, {247, 129, 191},
+                                 {27, 158, 119}, {117, 112, 179}, {230, 171, 2}};
 
 Rgb colourOf(uint16_t label) { return regionColours[(label - 1) % std::size(regionColours)]; }
 
