@@ -1,0 +1,47 @@
+# Counts and compares with the table, or with RECORD replaces it. Given EMULATOR, PROGRAM, PLUGIN, NAMES, TABLE, COUNTS
+# (a file for the result) and COMPILER.
+cmake_minimum_required(VERSION 3.22)
+include(${CMAKE_CURRENT_LIST_DIR}/compare.cmake)
+
+separate_arguments(EMULATOR UNIX_COMMAND "${EMULATOR}")
+
+function(run output)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE text RESULT_VARIABLE result OUTPUT_STRIP_TRAILING_WHITESPACE)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN} failed: ${result}")
+  endif()
+  set(${output} "${text}" PARENT_SCOPE)
+endfunction()
+
+run(libc ${EMULATOR} ${PROGRAM} --libc)
+set(made_by "# ${COMPILER}, ${libc}")
+set(table "")
+if(EXISTS ${TABLE})
+  file(STRINGS ${TABLE} table)
+endif()
+if(table AND NOT RECORD AND NOT made_by IN_LIST table)
+  list(GET table 0 recorded)
+  message("skipped: the table is of other versions (${recorded}) than this build (${made_by})")
+  return()
+endif()
+
+run(printed ${EMULATOR} -plugin ${PLUGIN},names=${NAMES},out=${COUNTS} ${PROGRAM})
+file(STRINGS ${COUNTS} counts)
+if(RECORD)
+  list(JOIN counts "\n" lines)
+  file(WRITE ${TABLE} "${made_by}\n# function, calls, instructions in all of them (scripts/counts)\n${lines}\n")
+endif()
+
+file(STRINGS ${TABLE} recorded)
+compare_counts(failures gains "${recorded}" "${counts}")
+list(LENGTH counts functions)
+message("${functions} functions counted")
+list(JOIN gains "\n  " gains)
+if(gains)
+  message("fewer than in the table; scripts/counts records it:\n  ${gains}")
+endif()
+list(JOIN failures "\n  " failures)
+if(failures)
+  message(FATAL_ERROR "more instructions than in ${TABLE}, or other calls:\n  ${failures}\n"
+                      "If that is meant, scripts/counts records it.")
+endif()
