@@ -1,11 +1,16 @@
 // nadir ground: from a rectified pair to heights above the ground, and what stands there.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "chunks.hpp"
 #include "commands.hpp"
+#include "error.hpp"
 #include "ground.hpp"
 #include "ground_report.hpp"
+#include "ground_sequence.hpp"
+#include "in_order.hpp"
 #include "map_plot.hpp"
 #include "number_range.hpp"
 #include "ply.hpp"
@@ -17,17 +22,12 @@ namespace nadir::tool {
 namespace {
 
 struct Options : GroundOptions {
-  std::string folder;
+  std::string left, right, folder;
+  SequenceOptions sequence;
 };
 
-TextChunks mapTexts(const GroundResult& r) {
-  TextChunks texts = elevationTexts(r.frame.cells.cellSizeX, r.frame.corner.x, r.frame.corner.y);
-  texts["nadir:percentile"] = format("%g", r.rule.percentile);
-  return texts;
-}
-
 TextChunks regionTexts(const GroundResult& r) {
-  TextChunks texts = mapTexts(r);
+  TextChunks texts = mapTexts(r.frame, r.rule);
   texts[chunks::units] = regionUnits;
   texts["Description"] =
       "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";
@@ -45,25 +45,46 @@ void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles&
   files.makeFolder(folder);
   if (!r.matched.pixels.empty())
     files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, nameOf(r.view))));
-  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r)));
+  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r.frame, r.rule)));
   files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
   files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));
   if (r.findings) writeFindings(folder, r, *r.findings, files);
   files.write(folder + "/summary.json", Bytes(summary.begin(), summary.end()));
 }
 
-void run(const Options& options) {
+void runOnPair(const Options& options) {
+  if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   StageTimes times;
-  const GroundResult result = ground(options, times);
+  const GroundResult result = ground(groundSetup(options), options.left, options.right, times);
   OutputFiles files;
   times.measure("writing", [&] { writeOutputs(options.folder, result, files); });
   print(groundTable(result, times));
   files.commit();
 }
 
+void runOnSequence(const Options& options) {
+  SequenceOptions sequence = options.sequence;
+  sequence.folder = options.folder;
+  if (!options.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
+  groundSequence(FrameSource(options.left, options.right), groundSetup(options), sequence);
+}
+
+void run(const Options& options, bool sequenceAsked) {
+  if (FrameSource::isSequence(options.left)) return runOnSequence(options);
+  if (sequenceAsked)
+    throw Error(options.left +
+                " is one picture: --fps, --average, --track-noise, --threads, --resume "
+                "and --no-maps are for sequences");
+  runOnPair(options);
+}
+
 void addInputs(CLI::App& command, Options& options) {
-  command.add_option("LEFT", options.left, "Left picture, rectified, as for nadir disparity")->required();
-  command.add_option("RIGHT", options.right, "Right picture of the same size")->required();
+  command
+      .add_option("LEFT", options.left,
+                  "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
+                  "in left and right; a pattern, left/%06d.png")
+      ->required();
+  command.add_option("RIGHT", options.right, "Right picture of the same size, or the pattern of the right ones");
   command.add_option("--camera", options.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");
@@ -117,6 +138,30 @@ void addRegionOptions(CLI::App& command, Options& options) {
       ->type_name("FILE");
 }
 
+// Returns whether one of them is given.
+std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& options) {
+  std::vector<CLI::Option*> all;
+  const auto number = [&](const char* name, auto& value, double low, double high, const std::string& text,
+                          const char* unit) {
+    all.push_back(command.add_option(name, value, text + format(" (default: %g)", static_cast<double>(value)))
+                      ->check(numberFrom(low, high))
+                      ->type_name(unit));
+  };
+  SequenceRule& rule = options.rule;
+  number("--fps", rule.framesPerSecond, 0.001, 100000, "Frames per second of a sequence", "RATE");
+  number("--average", rule.averageFrames, 1, 1000, "Frames in the window that the averaged maps are means of", "N");
+  number("--track-noise", rule.track.noiseMm, 0.1, 10000,
+         "How uncertain a frame's height in an area is, standard deviation", "MM");
+  options.threads = processors();
+  all.push_back(
+      command.add_option("--threads", options.threads, "Frames worked on at a time (default: one for each processor)")
+          ->check(CLI::Range(1, 256).description(""))
+          ->type_name("N"));
+  all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
+  all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
+  return [all] { return std::any_of(all.begin(), all.end(), [](const CLI::Option* o) { return o->count() > 0; }); };
+}
+
 void addMatchOptions(CLI::App& command, Options& options) {
   CLI::Option* given =
       command
@@ -162,6 +207,7 @@ void addGroundCommand(CLI::App& app) {
   addMapOptions(*command, *options);
   addRegionOptions(*command, *options);
   addMatchOptions(*command, *options);
+  const std::function<bool()> sequenceAsked = addSequenceOptions(*command, options->sequence);
   command->footer(
       "Files:\n"
       "  elevation.png           the map, 16 bits: mm above the ground, 0 unseen, seen cells 1 to 65535\n"
@@ -172,6 +218,13 @@ void addGroundCommand(CLI::App& app) {
       "  summary.json            every region and what stands in every area, in mm and m2; see docs/ground.md\n"
       "  points.ply              the measured points, mm\n"
       "  disparity.png           pixels x 16, 0 none\n"
+      "\nFiles of a sequence, written frame by frame:\n"
+      "  frames.jsonl            a line of JSON per frame: regions, areas, and the height in each area, tracked\n"
+      "                          from frame to frame; docs/sequences.md describes it\n"
+      "  elevation/NAME.png      the frame's map\n"
+      "  average/NAME.png        cell by cell the mean of the last maps, where more than half of them have a height\n"
+      "  run.json                the settings, which --resume compares\n"
+      "A frame that cannot be used is named, skipped and counted; the exit status is then 3, and 130 after Ctrl-C.\n"
       "\nAn area of interest is a polygon of 3 to 100 corners, in the camera file or a file for --areas:\n"
       "  [[area]]\n"
       "  name = \"door\"\n"
@@ -184,8 +237,10 @@ void addGroundCommand(CLI::App& app) {
       "is right. Examples:\n"
       "  nadir ground left.png right.png --camera camera.toml -o result\n"
       "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --min-height 300\n"
-      "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02");
-  command->callback([options] { run(*options); });
+      "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02\n"
+      "  nadir ground walk --camera walk/camera.toml -o result --fps 15 --resume\n"
+      "  nadir ground cam0/%06d.png cam1/%06d.png --camera camera.toml -o result");
+  command->callback([options, sequenceAsked] { run(*options, sequenceAsked()); });
 }
 
 }  // namespace nadir::tool

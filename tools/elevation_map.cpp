@@ -74,4 +74,10 @@ MapHeights heightsOf(const Grid<uint16_t>& heights) {
   return {known.size(), known.front(), known[known.size() / 2], known.back()};
 }
 
+TextChunks mapTexts(const MapFrame& frame, const CellRule& rule) {
+  TextChunks texts = elevationTexts(frame.cells.cellSizeX, frame.corner.x, frame.corner.y);
+  texts["nadir:percentile"] = format("%g", rule.percentile);
+  return texts;
+}
+
 }  // namespace nadir::tool

@@ -7,6 +7,7 @@
 
 #include "camera_file.hpp"
 #include "grid.hpp"
+#include "raster.hpp"
 #include "world_points.hpp"
 
 namespace nadir::tool {
@@ -47,5 +48,8 @@ struct MapHeights {
 };
 
 MapHeights heightsOf(const Grid<uint16_t>& heights);
+
+// What the file of a map says of itself.
+TextChunks mapTexts(const MapFrame& frame, const CellRule& rule);
 
 }  // namespace nadir::tool

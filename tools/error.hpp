@@ -1,12 +1,18 @@
-// What a command throws when it cannot go on. main() prints it as one sentence and ends with status 1.
+// What a command throws when it cannot go on. main() prints it as one sentence and ends with its status.
 #pragma once
 
 #include <stdexcept>
+#include <string>
 
 namespace nadir::tool {
 
 struct Error : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit Error(const std::string& sentence, int exitStatus = 1) : std::runtime_error(sentence), status(exitStatus) {}
+  int status;
 };
+
+// A run over many frames that has done what it could.
+constexpr int someFramesSkipped = 3;
+constexpr int interrupted = 130;  // as a shell says of a program that Ctrl-C ended
 
 }  // namespace nadir::tool

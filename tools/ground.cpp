@@ -52,8 +52,7 @@ Grid<float> givenDisparities(const GroundOptions& options, const Pair& pair) {
   return disparity;
 }
 
-void findDisparities(GroundResult& r, const GroundOptions& options, StageTimes& times) {
-  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+void findDisparities(GroundResult& r, const GroundOptions& options, Pair pair, StageTimes& times) {
   checkSize(pair, r.camera, options);
   r.picture = r.view == View::left ? pair.left : pair.right;
   if (options.disparity.empty()) {
@@ -79,43 +78,45 @@ void measure(GroundResult& r, const GroundOptions& options, StageTimes& times) {
   r.plane = times.measure("ground plane", [&] { return fitGroundPlane(r.points, r.context); });
 }
 
-RegionRule regionRule(const GroundOptions& options, double cellMm) {
-  const RegionRule usual = usualRule(cellMm);
-  return {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
-          options.minAreaM2.value_or(usual.minAreaM2)};
-}
-
-// Before the work, so that a mistake in the last area does not wait for the matcher.
-std::vector<AreaCells> placesOf(const std::vector<Area>& areas, const GroundResult& r) {
-  std::vector<AreaCells> places;
-  for (const Area& area : areas) places.push_back(cellsOf(area, r.frame, r.context));
-  return places;
-}
-
-Findings find(const GroundResult& r, const GroundOptions& options, const std::vector<Area>& areas,
-              const std::vector<AreaCells>& places) {
-  Findings f{regionRule(options, r.camera.cellMm), {}, {}};
+Findings find(const GroundResult& r, const GroundSetup& setup) {
+  Findings f{regionRule(setup), {}, {}};
   f.regions = findRegions(r.map.heights, r.frame, f.rule);
-  for (size_t i = 0; i < areas.size(); ++i)
-    f.areas.push_back(occupancyOf(areas[i], places[i], r.map.heights, f.regions));
+  for (size_t i = 0; i < setup.areas.size(); ++i)
+    f.areas.push_back(occupancyOf(setup.areas[i], setup.places[i], r.map.heights, f.regions));
   return f;
 }
 
 }  // namespace
 
-GroundResult ground(const GroundOptions& options, StageTimes& times) {
-  GroundResult r;
-  r.camera = readCamera(options.camera);
+// The areas too, so that a mistake in the last one does not wait for the matcher.
+GroundSetup groundSetup(const GroundOptions& options) {
+  GroundSetup s{options, readCamera(options.camera), {}, {}, {}, {}};
+  checkMap(s.camera, options);
+  s.context = stereoContext(s.camera, options.view);
+  s.frame = mapFrame(s.context, s.camera);
+  if (!options.noRegions) s.areas = readAllAreas(options);
+  for (const Area& area : s.areas) s.places.push_back(cellsOf(area, s.frame, s.context));
+  return s;
+}
+
+RegionRule regionRule(const GroundSetup& setup) {
+  const GroundOptions& options = setup.options;
+  const RegionRule usual = usualRule(setup.camera.cellMm);
+  return {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
+          options.minAreaM2.value_or(usual.minAreaM2)};
+}
+
+GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times) {
+  const GroundOptions& options = setup.options;
+  GroundResult r{};
+  r.camera = setup.camera;
   r.view = options.view;
   r.rule = options.rule;
-  checkMap(r.camera, options);
-  r.context = stereoContext(r.camera, r.view);
-  r.frame = mapFrame(r.context, r.camera);
-  const std::vector<Area> areas = options.noRegions ? std::vector<Area>() : readAllAreas(options);
-  const std::vector<AreaCells> places = placesOf(areas, r);
-  findDisparities(r, options, times);
+  r.context = setup.context;
+  r.frame = setup.frame;
+  findDisparities(r, options, times.measure("reading", [&] { return readPair(left, right); }), times);
   measure(r, options, times);
-  if (!options.noRegions) r.findings = times.measure("regions", [&] { return find(r, options, areas, places); });
+  if (!options.noRegions) r.findings = times.measure("regions", [&] { return find(r, setup); });
   return r;
 }
 

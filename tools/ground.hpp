@@ -14,7 +14,7 @@
 namespace nadir::tool {
 
 struct GroundOptions {
-  std::string left, right, camera, mask, disparity, areas;
+  std::string camera, mask, disparity, areas;
   View view = View::left;
   bool noPostprocessing = false;
   uint32_t uniqueness = MatchOptions().uniqueness;
@@ -47,6 +47,22 @@ struct GroundResult {
   std::optional<Findings> findings;
 };
 
-GroundResult ground(const GroundOptions& options, StageTimes& times);
+// What is the same for every pair of a camera: read and checked once.
+struct GroundSetup {
+  GroundOptions options;
+  Camera camera;
+  StereoCtx context;
+  MapFrame frame;
+  std::vector<Area> areas;
+  std::vector<AreaCells> places;  // of the areas
+};
+
+GroundSetup groundSetup(const GroundOptions& options);
+
+// The one asked for, or the usual one.
+RegionRule regionRule(const GroundSetup& setup);
+
+// The pair of the two files. Several threads may work at a time.
+GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times);
 
 }  // namespace nadir::tool

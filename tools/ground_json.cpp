@@ -140,6 +140,37 @@ void addFindings(Json& json, const std::optional<Findings>& findings, const MapF
   for (const Occupancy& o : findings->areas) json["areas"].push_back(areaJson(o, frame));
 }
 
+// To a tenth of a millimetre; null where nothing is tracked.
+void addTrack(Json& json, const std::optional<TrackedHeight>& track) {
+  json["tracked_mm"] = track ? rounded(track->mm, 10) : Json();
+  json["tracked_mm_per_s"] = track ? rounded(track->mmPerS, 10) : Json();
+  json["tracked_deviation_mm"] = track ? rounded(track->deviationMm, 10) : Json();
+}
+
+Json watchedJson(const Occupancy& o, const std::optional<TrackedHeight>& track) {
+  Json json = {{"name", o.area.name},
+               {"seen_cells", o.seen},
+               {"covered_cells", o.covered.cells},
+               {"covered_share", rounded(share(o.covered.cells, o.place.count))}};
+  addSet(json, o.covered);
+  addTrack(json, track);
+  return json;
+}
+
+Json areasJson(const GroundSetup& setup) {
+  Json json = Json::array();
+  for (size_t i = 0; i < setup.areas.size(); ++i)
+    json.push_back({{"name", setup.areas[i].name},
+                    {"ground_mm", cornersJson(setup.places[i].ground)},
+                    {"cells", setup.places[i].count}});
+  return json;
+}
+
+Json trackJson(const TrackRule& rule) {
+  return {
+      {"noise_mm", rule.noiseMm}, {"acceleration_mm_per_s2", rule.accelerationMmPerS2}, {"patience_s", rule.patienceS}};
+}
+
 }  // namespace
 
 std::string groundJson(const GroundResult& result) {
@@ -152,6 +183,46 @@ std::string groundJson(const GroundResult& result) {
                {"ground_plane", planeJson(result.plane, result.points.size())}};
   addFindings(json, result.findings, result.frame);
   return json.dump(2) + "\n";
+}
+
+std::string frameLine(const FrameReport& report, const GroundSetup& setup) {
+  Json json = {{"frame", report.number}, {"name", report.name}, {"time_s", rounded(report.seconds, 1e6)}};
+  if (!report.error.empty()) {
+    json["error"] = report.error;
+  } else {
+    json["seen_cells"] = report.seenCells;
+    json["regions"] = report.findings ? Json::array() : Json();
+    json["areas"] = report.findings ? Json::array() : Json();
+  }
+  if (report.findings) {
+    for (const Region& region : report.findings->regions.list)
+      json["regions"].push_back(regionJson(region, setup.frame));
+    for (size_t i = 0; i < report.tracks.size(); ++i)
+      json["areas"].push_back(watchedJson(report.findings->areas[i], report.tracks[i]));
+  }
+  return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string sequenceJson(const GroundSetup& setup, const SequenceRule& rule, const FrameSource& source) {
+  const GroundOptions& options = setup.options;
+  const Json json = {{"software", software()},
+                     {"first_left", source.left(0)},
+                     {"first_right", source.right(0)},
+                     {"fps", rule.framesPerSecond},
+                     {"average_frames", rule.averageFrames},
+                     {"track", trackJson(rule.track)},
+                     {"maps", !rule.noMaps},
+                     {"camera", cameraJson(setup.camera)},
+                     {"view", nameOf(options.view)},
+                     {"uniqueness", options.uniqueness},
+                     {"post_processing", !options.noPostprocessing},
+                     {"mask", options.mask},
+                     {"percentile", options.rule.percentile},
+                     {"min_points", options.rule.minPoints},
+                     {"fill_holes_m2", options.fillHolesM2},
+                     {"region_rule", options.noRegions ? Json() : ruleJson(regionRule(setup))},
+                     {"areas", areasJson(setup)}};
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 }  // namespace nadir::tool

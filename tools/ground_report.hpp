@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ground.hpp"
+#include "ground_sequence.hpp"
 
 namespace nadir::tool {
 
@@ -14,5 +15,11 @@ double share(size_t part, size_t whole);
 
 std::string groundTable(const GroundResult& result, const StageTimes& times);
 std::string groundJson(const GroundResult& result);
+
+// A line of frames.jsonl (docs/frames.schema.json).
+std::string frameLine(const FrameReport& report, const GroundSetup& setup);
+
+// The settings of a sequence: two runs with the same ones give the same results.
+std::string sequenceJson(const GroundSetup& setup, const SequenceRule& rule, const FrameSource& source);
 
 }  // namespace nadir::tool

@@ -7,6 +7,7 @@
 
 #include "chunks.hpp"
 #include "commands.hpp"
+#include "error.hpp"
 #include "text.hpp"
 
 namespace nadir::tool {
@@ -30,7 +31,8 @@ void describe(CLI::App& app) {
       "  nadir evaluate scene/disparity.png scene/disparity_gt.png\n"
       "  nadir ground scene/left.png scene/right.png --camera scene/camera.toml -o scene/ground\n"
       "  nadir evaluate scene/ground scene\n"
-      "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage.");
+      "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage,\n"
+      "3 some frames of a sequence were skipped, 130 interrupted.");
   app.set_version_flag("--version", [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
   app.require_subcommand(1);
 }
@@ -63,6 +65,8 @@ int main(int argc, char** argv) {
   using namespace nadir::tool;
   try {
     return run(argc, argv);
+  } catch (const Error& error) {
+    return complain(error.what(), error.status);
   } catch (const std::bad_alloc&) {
     return complain("not enough memory", failed);
   } catch (const std::exception& error) {

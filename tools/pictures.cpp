@@ -89,6 +89,13 @@ bool isElevationMap(const std::string& path) {
   return units != raster.text.end() && units->second == elevationUnits;
 }
 
+Grid<uint16_t> readElevation(const std::string& path) {
+  Raster raster = readMeasurements(path, "heights");
+  Grid<uint16_t> heights(raster.width, raster.height);
+  heights.pixels = std::move(raster.samples);
+  return heights;
+}
+
 HeightPicture readHeights(const std::string& path) {
   const Raster raster = readMeasurements(path, "heights");
   const double none = ownNumber(raster, chunks::noValue, 0), unknown = std::nan("");

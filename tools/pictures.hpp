@@ -39,6 +39,9 @@ struct LabelPicture {
 
 LabelPicture readLabels(const std::string& path);
 
+// As stored: mm, 0 for unseen, where nadir ground has written the file.
+Grid<uint16_t> readElevation(const std::string& path);
+
 // Unseen cells hold the value that the file names, 0 where it names none.
 HeightPicture readHeights(const std::string& path);
 

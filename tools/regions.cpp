@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <mutex>
 #include <new>
 
 #include "image_of.hpp"
@@ -10,6 +11,9 @@
 namespace nadir::tool {
 
 namespace {
+
+// IP_RGE_* have one state for the whole process.
+std::mutex growing;
 
 // In sides of a cell and in cells. A cell that is half on an object and half beside it has a height in between, so a
 // larger step would join things that touch; on the ground nearly all noise stays below the height, and what exceeds it
@@ -21,6 +25,7 @@ std::unique_ptr<RegionList> grown(const Grid<uint16_t>& heights, const RegionRul
   const RgeParams params = {
       0, 0, 0, 0, static_cast<int32_t>(std::floor(rule.maxStepMm)), static_cast<int32_t>(std::floor(rule.minHeightMm))};
   auto regions = std::make_unique<RegionList>();
+  const std::lock_guard<std::mutex> alone(growing);
   if (!IP_RGE_Init() || !IP_RGE_Process(&image, &params) || !IP_RGE_CreateRegionList(regions.get()))
     throw std::bad_alloc();
   return regions;

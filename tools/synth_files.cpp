@@ -198,6 +198,11 @@ std::string sceneText(const SynthSettings& settings, const Rendering& r) {
 
 }  // namespace
 
+std::string areaText(const std::string& name, double left, double top, double right, double bottom) {
+  return format("[[area]]\nname = \"%s\"\nground_mm = [[%.0f, %.0f], [%.0f, %.0f], [%.0f, %.0f], [%.0f, %.0f]]\n",
+                name.c_str(), left, top, right, top, right, bottom, left, bottom);
+}
+
 std::string momentLine(const scene::Scene& scene, const Moment& moment) {
   const Json json = {{"frame", moment.frame}, {"time_s", rounded(moment.seconds)}, {"objects", objectsJson(scene)}};
   return json.dump() + "\n";

@@ -26,6 +26,9 @@ std::vector<NamedFile> synthTruth(const Rendering& rendering);
 // camera.toml and scene.json.
 std::vector<NamedFile> synthTexts(const SynthSettings& settings, const Rendering& rendering);
 
+// An area of interest: a rectangle on the ground, for areas.toml.
+std::string areaText(const std::string& name, double left, double top, double right, double bottom);
+
 // The line of truth.jsonl for a moment: the objects as in scene.json.
 std::string momentLine(const nadir::scene::Scene& scene, const Moment& moment);
 

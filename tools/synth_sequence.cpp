@@ -1,6 +1,9 @@
 #include "synth_sequence.hpp"
 
+#include <algorithm>
 #include <filesystem>
+#include <limits>
+#include <map>
 
 #include "error.hpp"
 #include "in_order.hpp"
@@ -16,13 +19,43 @@ namespace {
 
 Moment momentOf(uint32_t frame, const SequenceSettings& sequence) { return {frame, frame / sequence.framesPerSecond}; }
 
-std::string truthLines(const SynthSettings& settings, const SequenceSettings& sequence) {
+// Where a walker has been.
+struct Way {
+  double left = std::numeric_limits<double>::infinity(), top = left, right = -left, bottom = -left;
+  void add(const scene::Vec& place) {
+    left = std::min(left, place.x);
+    top = std::min(top, place.y);
+    right = std::max(right, place.x);
+    bottom = std::max(bottom, place.y);
+  }
+};
+
+// Both texts tell about all frames; they are known before anything is rendered.
+struct SequenceTexts {
+  std::string truth;
+  std::map<uint32_t, Way> ways;  // by region
+};
+
+SequenceTexts textsOf(const SynthSettings& settings, const SequenceSettings& sequence) {
   const scene::Rig rig = makeRig(settings.camera);
-  std::string text;
+  SequenceTexts texts;
   for (uint32_t frame = 0; frame < sequence.frames; ++frame) {
     const Moment moment = momentOf(frame, sequence);
-    text += momentLine(makeScene(settings.scene, rig, settings.seed, moment.seconds), moment);
+    const scene::Scene now = makeScene(settings.scene, rig, settings.seed, moment.seconds);
+    texts.truth += momentLine(now, moment);
+    for (const scene::Object& object : now.objects)
+      if (object.kind == "walker") texts.ways[object.region].add(object.anchor);
   }
+  return texts;
+}
+
+// A walker and an arm's length around.
+std::string areasText(const std::map<uint32_t, Way>& ways) {
+  constexpr double around = 400;
+  std::string text;
+  for (const auto& [region, way] : ways)
+    text += areaText(format("walker %u", region), way.left - around, way.top - around, way.right + around,
+                     way.bottom + around);
   return text;
 }
 
@@ -50,14 +83,16 @@ void writeFrame(const std::string& folder, uint32_t frame, const std::vector<Nam
 }
 
 void writeTexts(const std::string& folder, const SynthSettings& settings, const SequenceSettings& sequence) {
-  const std::string truth = truthLines(settings, sequence);
+  const SequenceTexts texts = textsOf(settings, sequence);
+  const std::string areas = areasText(texts.ways);
   OutputFiles files;
   files.makeFolder(folder);
   if (fs::exists(folder + "/left"))
     throw Error(format("%s holds a sequence already; remove it or name another folder", folder.c_str()));
   for (const NamedFile& file : synthTexts(settings, arranged(settings, {})))
     files.write(folder + "/" + file.name, file.bytes);
-  files.write(folder + "/truth.jsonl", Bytes(truth.begin(), truth.end()));
+  files.write(folder + "/truth.jsonl", Bytes(texts.truth.begin(), texts.truth.end()));
+  if (!areas.empty()) files.write(folder + "/areas.toml", Bytes(areas.begin(), areas.end()));
   files.commit();
 }
 

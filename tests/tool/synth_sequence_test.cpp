@@ -29,7 +29,7 @@ std::vector<std::string> lines(const std::string& text) {
 TEST(SynthSequence, NumbersEveryKindOfPicture) {
   const Folder folder;
   ASSERT_EQ(synth(folder, "s", {"--frames", "3"}).status, 0);
-  std::vector<std::string> expected = {"s", "camera.toml", "scene.json", "truth.jsonl"};
+  std::vector<std::string> expected = {"s", "areas.toml", "camera.toml", "scene.json", "truth.jsonl"};
   for (const std::string& name : series) {
     expected.push_back(name);
     for (const char* frame : {"000000.png", "000001.png", "000002.png"}) {
@@ -100,8 +100,8 @@ TEST(SynthSequence, TruthAgreesWithTheMap) {
 TEST(SynthSequence, LeavesOutThePicturesOfTheTruth) {
   const Folder folder;
   synth(folder, "s", {"--frames", "1", "--no-truth-pictures"});
-  EXPECT_EQ(folder.names(), (std::vector<std::string>{"000000.png", "000000.png", "camera.toml", "left", "right", "s",
-                                                      "scene.json", "truth.jsonl"}));
+  EXPECT_EQ(folder.names(), (std::vector<std::string>{"000000.png", "000000.png", "areas.toml", "camera.toml", "left",
+                                                      "right", "s", "scene.json", "truth.jsonl"}));
 }
 
 TEST(SynthSequence, TellsHowFarItIs) {

@@ -159,7 +159,8 @@ std::vector<std::string> Folder::names() const {
   return names;
 }
 
-Outcome Folder::run(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
+// The process.
+int Folder::start(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
   std::vector<char*> argv = {const_cast<char*>(NADIR_TOOL)};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
@@ -172,10 +173,33 @@ Outcome Folder::run(const std::vector<std::string>& arguments, uint64_t fileLimi
     execv(NADIR_TOOL, argv.data());
     _exit(127);
   }
+  return child;
+}
+
+Outcome Folder::run(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
+  const pid_t child = start(arguments, fileLimit);
   int status = 0;
   EXPECT_EQ(waitpid(child, &status, 0), child);
   EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << (WIFSIGNALED(status) ? WTERMSIG(status) : 0);
   return {WEXITSTATUS(status), taken(root_ + ".out"), taken(root_ + ".err")};
+}
+
+Outcome Folder::runUntil(const std::vector<std::string>& arguments, const std::string& file, int lines,
+                         int signal) const {
+  const pid_t child = start(arguments, 0);
+  int status = 0;
+  pid_t ended = 0;
+  while ((ended = waitpid(child, &status, WNOHANG)) == 0) {
+    std::ifstream in(path(file));
+    if (std::count(std::istreambuf_iterator<char>(in), {}, '\n') >= lines) break;
+    usleep(500);
+  }
+  if (ended == 0) {
+    kill(child, signal);
+    waitpid(child, &status, 0);
+  }
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), taken(root_ + ".out"),
+          taken(root_ + ".err")};
 }
 
 double numberAfter(const std::string& text, const std::string& label) {

@@ -1,0 +1,356 @@
+// nadir ground over sequences: what comes out, what a damaged frame does, and that an interrupted run goes on as if
+// nothing had happened.
+#include <gtest/gtest.h>
+#include <nadir/nadir.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
+
+#include "json.hpp"
+
+namespace nadir::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int frames = 6;
+
+std::string number(int frame) {
+  const std::string digits = std::to_string(frame);
+  return std::string(6 - digits.size(), '0') + digits;
+}
+
+class GroundSequence : public testing::Test {
+ protected:
+  GroundSequence() {
+    EXPECT_EQ(folder
+                  .run({"synth", "s", "--frames", std::to_string(frames), "--size", "160x120", "--no-truth-pictures",
+                        "--height", "3500"})
+                  .status,
+              0);
+    writeFile(folder.path("a.toml"),
+              "[[area]]\nname = \"left\"\nground_mm = [[-1400, -2200], [-250, -2200], [-250, 200], [-1400, 200]]\n"
+              "[[area]]\nname = \"nobody\"\nground_mm = [[-200, -100], [100, -100], [100, 400], [-200, 400]]\n");
+  }
+
+  std::vector<std::string> arguments(const std::string& output, std::vector<std::string> more = {}) {
+    std::vector<std::string> all = {"ground", "s",  "--camera", "s/camera.toml", "--areas",
+                                    "a.toml", "-o", output,     "--average",     "3"};
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+  }
+
+  Outcome ground(const std::string& output, std::vector<std::string> more = {}) {
+    return folder.run(arguments(output, std::move(more)));
+  }
+
+  std::vector<Json> lines(const std::string& output) {
+    std::vector<Json> all;
+    std::istringstream in(readFile(folder.path(output + "/frames.jsonl")));
+    for (std::string line; std::getline(in, line);) all.push_back(parseJson(line));
+    return all;
+  }
+
+  Picture map(const std::string& output, const char* kind, int frame) {
+    return readPng(folder.path(output + "/" + kind + "/" + number(frame) + ".png"));
+  }
+
+  // Every file of the two results.
+  void expectSame(const std::string& a, const std::string& b) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(folder.path(a)))
+      if (entry.is_regular_file()) names.push_back(fs::relative(entry.path(), folder.path(a)).string());
+    EXPECT_GT(names.size(), 2u);
+    for (const std::string& name : names)
+      EXPECT_EQ(readFile(folder.path(a + "/" + name)), readFile(folder.path(b + "/" + name))) << name;
+    const auto count = [this](const std::string& result) {
+      return std::distance(fs::recursive_directory_iterator(folder.path(result)), fs::recursive_directory_iterator());
+    };
+    EXPECT_EQ(count(a), count(b));
+  }
+
+  // The six frames over and over, under new numbers.
+  void lengthen(int to) {
+    for (const std::string side : {"left", "right"})
+      for (int frame = frames; frame < to; ++frame)
+        fs::create_symlink(number(frame % frames) + ".png", folder.path("s/" + side + "/" + number(frame) + ".png"));
+  }
+
+  void damage(const std::string& file) { writeFile(folder.path(file), readFile(folder.path(file)).substr(0, 900)); }
+
+  Folder folder;
+};
+
+TEST_F(GroundSequence, ALineAndTwoMapsAFrame) {
+  const Outcome outcome = ground("r");
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  const std::vector<Json> all = lines("r");
+  ASSERT_EQ(all.size(), size_t{frames});
+  for (int frame = 0; frame < frames; ++frame) {
+    const Json& line = all[static_cast<size_t>(frame)];
+    EXPECT_EQ(line["frame"], frame);
+    EXPECT_EQ(line["name"], number(frame));
+    EXPECT_DOUBLE_EQ(line["time_s"], frame / 10.0);
+    EXPECT_EQ(map("r", "elevation", frame).width, 128u);
+    EXPECT_EQ(map("r", "average", frame).text.at("nadir:units"), "mm");
+  }
+  EXPECT_NE(outcome.out.find("frames   6  of 6"), std::string::npos) << outcome.out;
+}
+
+TEST_F(GroundSequence, AFrameIsWhatThePairGives) {
+  ground("r");
+  ASSERT_EQ(folder
+                .run({"ground", "s/left/000004.png", "s/right/000004.png", "--camera", "s/camera.toml", "--areas",
+                      "a.toml", "-o", "pair"})
+                .status,
+            0);
+  const Json pair = readJson(folder.path("pair/summary.json")), line = lines("r")[4];
+  EXPECT_EQ(line["regions"], pair["regions"]);
+  EXPECT_EQ(line["areas"][0]["highest_mm"], pair["areas"][0]["highest_mm"]);
+  EXPECT_EQ(line["areas"][0]["covered_cells"], pair["areas"][0]["covered_cells"]);
+  EXPECT_EQ(map("r", "elevation", 4).samples, readPng(folder.path("pair/elevation.png")).samples);
+}
+
+TEST_F(GroundSequence, ThreadsDoNotMatter) {
+  ground("one", {"--threads", "1"});
+  ground("many", {"--threads", "5"});
+  expectSame("one", "many");
+}
+
+TEST_F(GroundSequence, PatternsNameTheSameFrames) {
+  ground("folder");
+  std::vector<std::string> other = arguments("pattern");
+  other[1] = "s/left/%06d.png";
+  other.insert(other.begin() + 2, "s/right/%06d.png");
+  ASSERT_EQ(folder.run(other).status, 0);
+  EXPECT_EQ(readFile(folder.path("folder/frames.jsonl")), readFile(folder.path("pattern/frames.jsonl")));
+}
+
+TEST_F(GroundSequence, TimeFollowsTheNumbers) {
+  for (const std::string side : {"s/left/", "s/right/"}) {
+    fs::rename(folder.path(side + number(5) + ".png"), folder.path(side + number(25) + ".png"));
+    fs::remove(folder.path(side + number(0) + ".png"));
+  }
+  ground("r", {"--fps", "20"});
+  const std::vector<Json> all = lines("r");
+  ASSERT_EQ(all.size(), 5u);
+  EXPECT_EQ(all[0]["frame"], 1);
+  EXPECT_EQ(all[0]["time_s"], 0);
+  EXPECT_EQ(all[4]["frame"], 25);
+  EXPECT_DOUBLE_EQ(all[4]["time_s"], 1.2);
+}
+
+TEST_F(GroundSequence, AverageIsTheMeanOfTheLastMaps) {
+  ground("r");
+  std::vector<Picture> maps;
+  for (int frame = 0; frame < frames; ++frame) maps.push_back(map("r", "elevation", frame));
+  for (const int frame : {0, 1, 5}) {
+    const Picture average = map("r", "average", frame);
+    const int first = std::max(0, frame - 2), count = frame - first + 1;
+    for (size_t i = 0; i < average.samples.size(); ++i) {
+      int sum = 0, seen = 0;
+      for (int k = first; k <= frame; ++k) {
+        const uint16_t height = maps[static_cast<size_t>(k)].samples[i];
+        sum += height;
+        seen += height != 0;
+      }
+      ASSERT_EQ(average.samples[i], 2 * seen > count ? sum / seen : 0) << frame << ' ' << i;
+    }
+  }
+}
+
+TEST_F(GroundSequence, TrackedHeightIsTheFiltersOfTheHighestCells) {
+  ground("r", {"--track-noise", "20"});
+  Kalman1d filter;
+  bool begun = false;
+  for (const Json& line : lines("r")) {
+    const Json& left = line["areas"][0];
+    ASSERT_TRUE(left["highest_mm"].is_number());
+    if (begun) {
+      IP_Kalman1d_Predict(&filter, 0.1f);
+      IP_Kalman1d_Update(&filter, left["highest_mm"]);
+    } else {
+      IP_Kalman1d_Create(&filter, left["highest_mm"], 0, 20, 300, 1500);
+    }
+    begun = true;
+    EXPECT_NEAR(left["tracked_mm"], filter.x, 0.06);
+    EXPECT_NEAR(left["tracked_mm_per_s"], filter.v, 0.06);
+    EXPECT_TRUE(line["areas"][1]["tracked_mm"].is_null());
+    EXPECT_EQ(line["areas"][1]["covered_cells"], 0);
+  }
+}
+
+TEST_F(GroundSequence, ATrackEndsWhenNothingIsMeasuredForHalfASecond) {
+  writePng(folder.path("grey.png"), picture(160, 120, 16, std::vector<uint16_t>(160 * 120, 900)));
+  for (const std::string side : {"s/left/", "s/right/"})
+    for (int frame = 2; frame < 10; ++frame)
+      fs::copy_file(folder.path("grey.png"), folder.path(side + number(frame) + ".png"),
+                    fs::copy_options::overwrite_existing);
+  ground("r");
+  const std::vector<Json> all = lines("r");
+  ASSERT_EQ(all.size(), 10u);
+  for (size_t frame = 0; frame < 10; ++frame)
+    EXPECT_EQ(all[frame]["areas"][0]["tracked_mm"].is_null(), frame > 6) << frame;
+  EXPECT_GT(all[6]["areas"][0]["tracked_deviation_mm"], all[2]["areas"][0]["tracked_deviation_mm"]);
+}
+
+// ---- damage ----
+
+TEST_F(GroundSequence, DamagedFramesAreNamedCountedAndSkipped) {
+  ground("whole");
+  damage("s/left/000002.png");
+  fs::remove(folder.path("s/right/000004.png"));
+  const Outcome outcome = ground("r");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_NE(outcome.err.find("frame 000002 is skipped: cannot use s/left/000002.png"), std::string::npos)
+      << outcome.err;
+  EXPECT_NE(outcome.err.find("frame 000004 is skipped: cannot read s/right/000004.png"), std::string::npos);
+  EXPECT_NE(outcome.err.find("2 of 6 frames were skipped"), std::string::npos);
+  const std::vector<Json> whole = lines("whole"), all = lines("r");
+  ASSERT_EQ(all.size(), 6u);
+  for (const size_t frame : {0u, 1u, 3u, 5u}) EXPECT_EQ(all[frame]["regions"], whole[frame]["regions"]) << frame;
+  for (const size_t frame : {2u, 4u}) {
+    EXPECT_TRUE(all[frame]["error"].is_string());
+    EXPECT_FALSE(fs::exists(folder.path("r/elevation/" + number(static_cast<int>(frame)) + ".png")));
+  }
+}
+
+TEST_F(GroundSequence, APictureOfAnotherSizeIsADamagedFrame) {
+  writePng(folder.path("s/left/000001.png"), picture(60, 60, 16, std::vector<uint16_t>(3600, 7)));
+  const Outcome outcome = ground("r");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_NE(lines("r")[1]["error"].get<std::string>().find("differ in size"), std::string::npos);
+}
+
+// ---- interruptions ----
+
+TEST_F(GroundSequence, ASignalLeavesWholeFilesAndResumeGoesOn) {
+  lengthen(60);
+  damage("s/right/000003.png");
+  EXPECT_EQ(ground("whole").status, 3);
+  for (const int signal : {SIGINT, SIGTERM, SIGKILL}) {
+    const std::string output = "r" + std::to_string(signal);
+    const Outcome cut = folder.runUntil(arguments(output), output + "/frames.jsonl", 9, signal);
+    EXPECT_EQ(cut.status, signal == SIGKILL ? 128 + SIGKILL : 130) << cut.err;
+    EXPECT_EQ(cut.err.find("--resume goes on there") == std::string::npos, signal == SIGKILL) << cut.err;
+    const size_t done = lines(output).size();
+    EXPECT_GE(done, 9u);
+    EXPECT_LT(done, 60u);
+    for (const Json& line : lines(output))
+      EXPECT_TRUE(line.contains("error") || map(output, "average", line["frame"]).width == 128u);
+    EXPECT_EQ(ground(output, {"--resume"}).status, 3);
+    expectSame("whole", output);
+  }
+}
+
+TEST_F(GroundSequence, ResumeCutsOffALineThatWasBeingWritten) {
+  ground("whole");
+  ground("r");
+  const Bytes log = readFile(folder.path("r/frames.jsonl"));
+  writeFile(folder.path("r/frames.jsonl"), log.substr(0, log.find("\n{\"frame\":3") + 40));
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+  expectSame("whole", "r");
+}
+
+TEST_F(GroundSequence, ResumeBeginsWhereThereIsNothing) {
+  ground("whole");
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0) << "nothing is left to do";
+  expectSame("whole", "r");
+}
+
+TEST_F(GroundSequence, ResumeTakesInNewFrames) {
+  ground("r");
+  lengthen(8);
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+  ground("whole");
+  expectSame("whole", "r");
+}
+
+TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
+  ground("r");
+  const Bytes before = readFile(folder.path("r/frames.jsonl"));
+  const auto refuse = [&](std::vector<std::string> more, const std::string& sentence) {
+    const Outcome outcome = ground("r", std::move(more));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(sentence), std::string::npos) << outcome.err;
+    EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), before);
+  };
+  refuse({}, "r holds a run already");
+  refuse({"--resume", "--percentile", "50"}, "r/run.json tells of other settings");
+  refuse({"--resume", "--fps", "11"}, "r/run.json tells of other settings");
+  for (const std::string side : {"s/left/", "s/right/"}) fs::remove(folder.path(side + number(2) + ".png"));
+  refuse({"--resume"}, "tells of other frames");
+}
+
+// ---- the rest ----
+
+TEST_F(GroundSequence, WithoutMaps) {
+  ground("r", {"--no-maps"});
+  EXPECT_EQ(lines("r").size(), size_t{frames});
+  EXPECT_FALSE(fs::exists(folder.path("r/elevation")));
+  ground("whole");
+  EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), readFile(folder.path("whole/frames.jsonl")));
+}
+
+TEST_F(GroundSequence, TheSchemaDescribesEveryLine) {
+  damage("s/left/000002.png");
+  ground("r");
+  ground("bare", {"--no-regions", "--no-maps"});
+  valijson::Schema schema;
+  const Json text = readJson(NADIR_FRAMES_SCHEMA);
+  valijson::SchemaParser().populateSchema(valijson::adapters::NlohmannJsonAdapter(text), schema);
+  const auto fits = [&schema](const Json& json) {
+    return valijson::Validator().validate(schema, valijson::adapters::NlohmannJsonAdapter(json), nullptr);
+  };
+  for (const Json& line : lines("r")) EXPECT_TRUE(fits(line)) << line;
+  Json line = lines("r")[0];
+  const Json good = line;
+  for (const auto& [key, value] : good.items()) {
+    Json less = line;
+    less.erase(key);
+    EXPECT_FALSE(fits(less)) << key;
+  }
+  line["areas"][0]["surprise"] = 1;
+  EXPECT_FALSE(fits(line));
+}
+
+TEST_F(GroundSequence, TellsHowFarItIs) {
+  const Outcome outcome = ground("r");
+  EXPECT_NE(outcome.err.find("mapping 3 of 6 frames, "), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("mapping 6 of 6 frames, "), std::string::npos) << outcome.err;
+  EXPECT_EQ(outcome.err.find('\r'), std::string::npos) << "no bar in a file";
+}
+
+TEST_F(GroundSequence, RefusesInOneSentence) {
+  fs::create_directories(folder.path("empty/left"));
+  const auto before = folder.names();
+  const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence) {
+    arguments.insert(arguments.begin(), "ground");
+    arguments.insert(arguments.end(), {"--camera", "s/camera.toml", "-o", "r"});
+    const Outcome outcome = folder.run(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(sentence), std::string::npos) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_EQ(folder.names(), before);
+  };
+  refuse({"empty"}, "there is no frame in empty");
+  refuse({"s/left"}, "cannot read the folder s/left/left/");
+  refuse({"s", "s"}, "name no second one");
+  refuse({"s/left/%06d.png"}, "is no pattern of numbered pictures");
+  refuse({"s/left/%06d.png", "s/right/%s.png"}, "is no pattern of numbered pictures");
+  refuse({"s/left/no%06d.png", "s/right/%06d.png"}, "there is no frame in");
+  refuse({"s/left/000000.png"}, "a right picture is needed");
+  refuse({"s/left/000000.png", "s/right/000000.png", "--fps", "5"}, "is one picture");
+  refuse({"s", "--disparity", "d.png"}, "--disparity is for one pair");
+  refuse({"s", "--mask", "m.png"}, "cannot read m.png");
+}
+
+}  // namespace
+}  // namespace nadir::test

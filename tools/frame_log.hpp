@@ -1,0 +1,30 @@
+// The log of a sequence: a file with a JSON object per frame on a line of its own.
+#pragma once
+
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace nadir::tool {
+
+class FrameLog {
+ public:
+  // Opens a file for appending and makes it unless it exists.
+  explicit FrameLog(const std::string& path);
+  FrameLog(const FrameLog&) = delete;
+  FrameLog& operator=(const FrameLog&) = delete;
+  ~FrameLog();
+
+  // In one go: whoever reads along sees the whole line or nothing of it.
+  void append(const std::string& line);
+
+ private:
+  std::string path_;
+  int file_;
+};
+
+// Calls use(object) for every line of a log, one after the other; a file that does not exist has none. A last line
+// without its line break was being written when its run ended: it is cut off. Throws where a line is no JSON object.
+void forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use);
+
+}  // namespace nadir::tool

@@ -1,0 +1,107 @@
+#include "frame_source.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+
+#include "error.hpp"
+#include "text.hpp"
+
+namespace nadir::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr size_t longestNumber = 18;  // digits that 64 bits hold
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isNumber(const std::string& text) {
+  return !text.empty() && text.size() <= longestNumber && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+// The digits at the end of a name, as a number; 0 where there are none.
+uint64_t trailingNumber(const std::string& name) {
+  size_t begin = name.size();
+  while (begin > 0 && isDigit(name[begin - 1])) --begin;
+  const std::string digits = name.substr(begin);
+  return isNumber(digits) ? std::stoull(digits) : 0;
+}
+
+// Names of the plain files in a folder.
+std::vector<fs::path> filesIn(const std::string& folder) {
+  std::vector<fs::path> files;
+  std::error_code unreadable;
+  for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, unreadable))
+    if (entry.is_regular_file()) files.push_back(entry.path().filename());
+  if (unreadable) throw Error("cannot read the folder " + folder + ": " + unreadable.message());
+  return files;
+}
+
+bool isPicture(const fs::path& file) {
+  const std::string extension = file.extension().string();
+  return extension == ".png" || extension == ".pgm" || extension == ".PNG" || extension == ".PGM";
+}
+
+}  // namespace
+
+bool FrameSource::isSequence(const std::string& left) {
+  return fs::is_directory(left) || left.find('%') != std::string::npos;
+}
+
+FrameSource::FrameSource(const std::string& left, const std::string& right) {
+  if (fs::is_directory(left)) {
+    if (!right.empty()) throw Error(left + " is a folder: it holds both pictures of each frame, name no second one");
+    listFolder(left);
+  } else {
+    left_ = parsePattern(left);
+    right_ = parsePattern(right);
+    listPattern();
+  }
+  if (frames_.empty()) throw Error("there is no frame in " + left);
+  std::sort(frames_.begin(), frames_.end(), [](const Frame& a, const Frame& b) {
+    return a.number != b.number ? a.number < b.number : a.name < b.name;
+  });
+  for (size_t i = 1; i < frames_.size(); ++i)
+    if (frames_[i].number == frames_[i - 1].number)
+      throw Error(format("the frames %s and %s of %s have no numbers at their ends that tell their order",
+                         frames_[i - 1].name.c_str(), frames_[i].name.c_str(), left.c_str()));
+}
+
+std::string FrameSource::Names::path(const Frame& frame) const {
+  if (!numbered) return folder + frame.name + frame.extension;
+  return folder + before + format("%0*llu", static_cast<int>(digits), static_cast<unsigned long long>(frame.number)) +
+         after;
+}
+
+FrameSource::Names FrameSource::parsePattern(const std::string& pattern) {
+  static const std::regex shape("(.*/)?([^/%]*)%(0([0-9]{1,2}))?[du]([^/%]*)");
+  std::smatch parts;
+  if (!std::regex_match(pattern, parts, shape))
+    throw Error("\"" + pattern + "\" is no pattern of numbered pictures: name both like left/%06d.png");
+  return {parts[1], parts[2], parts[5], parts[4].matched ? static_cast<unsigned>(std::stoul(parts[4])) : 0, true};
+}
+
+void FrameSource::listFolder(const std::string& folder) {
+  left_.folder = folder + "/left/";
+  right_.folder = folder + "/right/";
+  for (const fs::path& file : filesIn(left_.folder))
+    if (isPicture(file))
+      frames_.push_back({trailingNumber(file.stem().string()), file.stem().string(), file.extension().string()});
+}
+
+// Every file whose number, put into the pattern, gives its name.
+void FrameSource::listPattern() {
+  for (const fs::path& path : filesIn(left_.folder)) {
+    const std::string file = path.string();
+    const size_t around = left_.before.size() + left_.after.size();
+    if (file.size() <= around || file.compare(0, left_.before.size(), left_.before) != 0) continue;
+    const std::string digits = file.substr(left_.before.size(), file.size() - around);
+    if (!isNumber(digits)) continue;
+    const Frame frame{std::stoull(digits), path.stem().string(), ""};
+    if (left_.path(frame) == left_.folder + file) frames_.push_back(frame);
+  }
+}
+
+}  // namespace nadir::tool
