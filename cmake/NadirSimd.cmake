@@ -18,5 +18,5 @@ set(NADIR_FLAGS_neon "")
 set(NADIR_FLAGS_sse41 -msse4.1)
 set(NADIR_FLAGS_avx2 -mavx2)
 # gcc 12 warns of the undefined operands inside its own AVX-512 intrinsics.
-set(NADIR_FLAGS_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mprefer-vector-width=512
+set(NADIR_FLAGS_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512bitalg -mprefer-vector-width=512
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)

@@ -9,7 +9,7 @@ enum Cpu : unsigned {
   cpuNeon = 1u << 0,
   cpuSse41 = 1u << 1,
   cpuAvx2 = 1u << 2,
-  cpuAvx512 = 1u << 3,  // F, BW, DQ and VL
+  cpuAvx512 = 1u << 3,  // F, BW, DQ, VL and BITALG
 };
 
 // The levels this processor has and this build contains. Asked of the processor once, then remembered.

@@ -15,6 +15,9 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
   static U8 all(uint8_t x) { return {_mm256_set1_epi8(static_cast<char>(x))}; }
+  static U8 repeated16(const uint8_t* p) {
+  return {_mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+}
   void store(uint8_t* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 };
 
@@ -23,6 +26,8 @@ inline U8 operator-(U8 a, U8 b) { return {_mm256_sub_epi8(a.v, b.v)}; }
 inline U8 operator^(U8 a, U8 b) { return {_mm256_xor_si256(a.v, b.v)}; }
 inline U8 operator|(U8 a, U8 b) { return {_mm256_or_si256(a.v, b.v)}; }
 inline U8 min(U8 a, U8 b) { return {_mm256_min_epu8(a.v, b.v)}; }
+inline U8 max(U8 a, U8 b) { return {_mm256_max_epu8(a.v, b.v)}; }
+inline U8 atMost(U8 a, U8 b) { return {_mm256_cmpeq_epi8(_mm256_min_epu8(a.v, b.v), a.v)}; }
 
 inline U8 bitCount(U8 a) {
   const __m256i ofNibble = _mm256_broadcastsi128_si256(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
@@ -92,8 +97,78 @@ inline void storeBytes(uint8_t* p, U16 a) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
 }
 
+template <size_t n>
+inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
+  uint64_t bits[n];
+  unsigned count = 0;
+  for (size_t k = 0; k < n; ++k) count += static_cast<unsigned>(__builtin_popcountll(lanesAtMost(blocks[k], bound)));
+  static_cast<void>(bits);
+  return count;
+}
+
+template <size_t n>
+inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
+  __m256i least = _mm256_set1_epi16(-1);
+  for (size_t k = 0; k < n; ++k) {
+    least = _mm256_min_epu16(least, _mm256_unpacklo_epi8(indices[k].v, values[k].v));
+    least = _mm256_min_epu16(least, _mm256_unpackhi_epi8(indices[k].v, values[k].v));
+  }
+  const __m128i half = _mm_min_epu16(_mm256_castsi256_si128(least), _mm256_extracti128_si256(least, 1));
+  return static_cast<unsigned>(_mm_cvtsi128_si32(_mm_minpos_epu16(half))) & 0xFFFF;
+}
+
+inline U8 againMovedUp(const uint8_t* p, U8) {
+  return U8::load(p - 1) | U8{_mm256_zextsi128_si256(_mm_cvtsi32_si128(255))};
+}
+inline U8 againMovedDown(const uint8_t* p, U8) {
+  return U8::load(p + 1) | U8{_mm256_setr_epi64x(0, 0, 0, static_cast<long long>(0xFF00000000000000u))};
+}
+
+inline U8 lookedUp(U8 table, U8 index) { return {_mm256_shuffle_epi8(table.v, index.v)}; }
+
+inline U8 upperNibbles(U8 a) { return {_mm256_and_si256(_mm256_srli_epi16(a.v, 4), _mm256_set1_epi8(15))}; }
+inline U8 operator&(U8 a, U8 b) { return {_mm256_and_si256(a.v, b.v)}; }
+
+struct Pair {
+  U8 first, second;
+};
+
+inline Pair zipped(U8 a, U8 b) {
+  const __m256i low = _mm256_unpacklo_epi8(a.v, b.v), high = _mm256_unpackhi_epi8(a.v, b.v);
+  return {{_mm256_permute2x128_si256(low, high, 0x20)}, {_mm256_permute2x128_si256(low, high, 0x31)}};
+}
+
+inline Pair unzipped(U8 a, U8 b) {
+  const __m256i low = _mm256_set1_epi16(255);
+  const __m256i even = _mm256_packus_epi16(_mm256_and_si256(a.v, low), _mm256_and_si256(b.v, low));
+  const __m256i odd = _mm256_packus_epi16(_mm256_srli_epi16(a.v, 8), _mm256_srli_epi16(b.v, 8));
+  return {{_mm256_permute4x64_epi64(even, 0xD8)}, {_mm256_permute4x64_epi64(odd, 0xD8)}};
+}
+
+struct WordBytes {
+  U8 low, mid, high, top;
+  static WordBytes load(const uint32_t* p);
+};
+
+inline WordBytes WordBytes::load(const uint32_t* p) {
+  const __m256i byBytes = _mm256_broadcastsi128_si256(
+      _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+  const __m256i halvesInOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+  const auto load = [=](size_t i) {
+    return _mm256_shuffle_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 8 * i)), byBytes);
+  };
+  const auto joined = [=](__m256i x) { return U8{_mm256_permutevar8x32_epi32(x, halvesInOrder)}; };
+  const __m256i a = load(0), b = load(1), c = load(2), d = load(3);
+  const __m256i lowerAb = _mm256_unpacklo_epi32(a, b), lowerCd = _mm256_unpacklo_epi32(c, d);
+  const __m256i upperAb = _mm256_unpackhi_epi32(a, b), upperCd = _mm256_unpackhi_epi32(c, d);
+  return {joined(_mm256_unpacklo_epi64(lowerAb, lowerCd)), joined(_mm256_unpackhi_epi64(lowerAb, lowerCd)),
+          joined(_mm256_unpacklo_epi64(upperAb, upperCd)), joined(_mm256_unpackhi_epi64(upperAb, upperCd))};
+}
+
 struct Simd {
+  static constexpr bool looksUp = true;
   using U8 = avx2::U8;
+  using WordBytes = avx2::WordBytes;
   using U16 = avx2::U16;
 };
 

@@ -22,6 +22,8 @@ inline U8 operator-(U8 a, U8 b) { return {vsubq_u8(a.v, b.v)}; }
 inline U8 operator^(U8 a, U8 b) { return {veorq_u8(a.v, b.v)}; }
 inline U8 operator|(U8 a, U8 b) { return {vorrq_u8(a.v, b.v)}; }
 inline U8 min(U8 a, U8 b) { return {vminq_u8(a.v, b.v)}; }
+inline U8 max(U8 a, U8 b) { return {vmaxq_u8(a.v, b.v)}; }
+inline U8 atMost(U8 a, U8 b) { return {vcleq_u8(a.v, b.v)}; }
 inline U8 bitCount(U8 a) { return {vcntq_u8(a.v)}; }
 inline U8 movedUp(U8 below, U8 a) { return {vextq_u8(below.v, a.v, 15)}; }
 inline U8 movedDown(U8 a, U8 above) { return {vextq_u8(a.v, above.v, 1)}; }
@@ -70,8 +72,59 @@ inline void storeWords(uint32_t* p, U16 low, U16 high) {
 
 inline void storeBytes(uint8_t* p, U16 a) { vst1_u8(p, vmovn_u16(a.v)); }
 
+template <size_t n>
+inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
+  uint8x16_t count = vdupq_n_u8(0);
+  for (const U8& block : blocks) count = vsubq_u8(count, atMost(block, bound).v);
+  uint8x8_t sum = vpadd_u8(vget_low_u8(count), vget_high_u8(count));
+  sum = vpadd_u8(sum, sum);
+  sum = vpadd_u8(sum, sum);
+  return vget_lane_u8(vpadd_u8(sum, sum), 0);
+}
+
+template <size_t n>
+inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
+  uint16x8_t least = vdupq_n_u16(0xFFFF);
+  for (size_t k = 0; k < n; ++k) {
+    const uint8x16x2_t keys = vzipq_u8(indices[k].v, values[k].v);
+    least = vminq_u16(least, vreinterpretq_u16_u8(keys.val[0]));
+    least = vminq_u16(least, vreinterpretq_u16_u8(keys.val[1]));
+  }
+  uint16x4_t m = vpmin_u16(vget_low_u16(least), vget_high_u16(least));
+  m = vpmin_u16(m, m);
+  return vget_lane_u16(vpmin_u16(m, m), 0);
+}
+
+inline U8 againMovedUp(const uint8_t*, U8 a) { return movedUp(U8::all(255), a); }
+inline U8 againMovedDown(const uint8_t*, U8 a) { return movedDown(a, U8::all(255)); }
+
+struct Pair {
+  U8 first, second;
+};
+
+inline Pair zipped(U8 a, U8 b) {
+  const uint8x16x2_t both = vzipq_u8(a.v, b.v);
+  return {{both.val[0]}, {both.val[1]}};
+}
+inline Pair unzipped(U8 a, U8 b) {
+  const uint8x16x2_t both = vuzpq_u8(a.v, b.v);
+  return {{both.val[0]}, {both.val[1]}};
+}
+
+struct WordBytes {
+  U8 low, mid, high, top;
+  static WordBytes load(const uint32_t* p);
+};
+
+inline WordBytes WordBytes::load(const uint32_t* p) {
+  const uint8x16x4_t bytes = vld4q_u8(reinterpret_cast<const uint8_t*>(p));
+  return {{bytes.val[0]}, {bytes.val[1]}, {bytes.val[2]}, {bytes.val[3]}};
+}
+
 struct Simd {
+  static constexpr bool looksUp = false;
   using U8 = neon::U8;
+  using WordBytes = neon::WordBytes;
   using U16 = neon::U16;
 };
 

@@ -46,6 +46,15 @@ inline U8 min(const U8& a, const U8& b) {
   return U8::each([&](size_t i) { return a.v[i] < b.v[i] ? a.v[i] : b.v[i]; });
 }
 
+inline U8 max(const U8& a, const U8& b) {
+  return U8::each([&](size_t i) { return a.v[i] > b.v[i] ? a.v[i] : b.v[i]; });
+}
+
+// 255 in the lanes where a is at most b, 0 elsewhere.
+inline U8 atMost(const U8& a, const U8& b) {
+  return U8::each([&](size_t i) { return a.v[i] <= b.v[i] ? 255 : 0; });
+}
+
 // The number of bits set in each lane.
 inline U8 bitCount(const U8& a) {
   return U8::each([&](size_t i) {
@@ -82,8 +91,65 @@ inline uint64_t lanesAtMost(const U8& a, const U8& b) {
   return bits;
 }
 
+// How many lanes of all blocks are at most those of `bound`.
+template <size_t n>
+unsigned countAtMost(const U8 (&blocks)[n], const U8& bound) {
+  unsigned count = 0;
+  for (const U8& block : blocks) {
+    for (size_t i = 0; i < U8::lanes; ++i) count += block.v[i] <= bound.v[i];
+  }
+  return count;
+}
+
+// The smallest 256 * value + index of all lanes.
+template <size_t n>
+unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
+  unsigned least = 0xFFFF;
+  for (size_t k = 0; k < n; ++k) {
+    for (size_t i = 0; i < U8::lanes; ++i) {
+      const unsigned key = values[k].v[i] * 256u + indices[k].v[i];
+      least = key < least ? key : least;
+    }
+  }
+  return least;
+}
+
+// What lies at p, loaded already, moved up or down by one lane with 255 in the free one. Some processors do better to
+// load again from the byte before p or behind it.
+inline U8 againMovedUp(const uint8_t*, const U8& a) { return movedUp(U8::all(255), a); }
+inline U8 againMovedDown(const uint8_t*, const U8& a) { return movedDown(a, U8::all(255)); }
+
+struct Pair {
+  U8 first, second;
+};
+
+// One lane of a, one of b, and so on; and back.
+inline Pair zipped(const U8& a, const U8& b) {
+  const auto lane = [&](size_t i) { return i % 2 ? b.v[i / 2] : a.v[i / 2]; };
+  return {U8::each(lane), U8::each([&](size_t i) { return lane(i + U8::lanes); })};
+}
+inline Pair unzipped(const U8& a, const U8& b) {
+  const auto lane = [&](size_t i) { return i < U8::lanes ? a.v[i] : b.v[i - U8::lanes]; };
+  return {U8::each([&](size_t i) { return lane(2 * i); }), U8::each([&](size_t i) { return lane(2 * i + 1); })};
+}
+
+// The bytes of U8::lanes words.
+struct WordBytes {
+  U8 low, mid, high, top;
+  static WordBytes load(const uint32_t* p);
+};
+
+inline WordBytes WordBytes::load(const uint32_t* p) {
+  const auto byte = [=](unsigned shift) {
+    return U8::each([=](size_t i) { return p[i] >> shift & 255; });
+  };
+  return {byte(0), byte(8), byte(16), byte(24)};
+}
+
 struct Simd {
+  static constexpr bool looksUp = false;
   using U8 = scalar::U8;
+  using WordBytes = scalar::WordBytes;
 };
 
 }  // namespace nadir::scalar

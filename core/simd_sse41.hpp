@@ -14,6 +14,7 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static U8 all(uint8_t x) { return {_mm_set1_epi8(static_cast<char>(x))}; }
+  static U8 repeated16(const uint8_t* p) { return U8::load(p); }
   void store(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 };
 
@@ -22,6 +23,8 @@ inline U8 operator-(U8 a, U8 b) { return {_mm_sub_epi8(a.v, b.v)}; }
 inline U8 operator^(U8 a, U8 b) { return {_mm_xor_si128(a.v, b.v)}; }
 inline U8 operator|(U8 a, U8 b) { return {_mm_or_si128(a.v, b.v)}; }
 inline U8 min(U8 a, U8 b) { return {_mm_min_epu8(a.v, b.v)}; }
+inline U8 max(U8 a, U8 b) { return {_mm_max_epu8(a.v, b.v)}; }
+inline U8 atMost(U8 a, U8 b) { return {_mm_cmpeq_epi8(_mm_min_epu8(a.v, b.v), a.v)}; }
 
 inline U8 bitCount(U8 a) {
   const __m128i ofNibble = _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
@@ -81,8 +84,70 @@ inline void storeBytes(uint8_t* p, U16 a) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
 }
 
+template <size_t n>
+inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
+  __m128i count = _mm_setzero_si128();
+  for (const U8& block : blocks) count = _mm_sub_epi8(count, atMost(block, bound).v);
+  const __m128i halves = _mm_sad_epu8(count, _mm_setzero_si128());
+  return static_cast<unsigned>(_mm_cvtsi128_si32(_mm_add_epi32(halves, _mm_unpackhi_epi64(halves, halves))));
+}
+
+template <size_t n>
+inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
+  __m128i least = _mm_set1_epi16(-1);
+  for (size_t k = 0; k < n; ++k) {
+    least = _mm_min_epu16(least, _mm_unpacklo_epi8(indices[k].v, values[k].v));
+    least = _mm_min_epu16(least, _mm_unpackhi_epi8(indices[k].v, values[k].v));
+  }
+  return static_cast<unsigned>(_mm_cvtsi128_si32(_mm_minpos_epu16(least))) & 0xFFFF;
+}
+
+inline U8 againMovedUp(const uint8_t* p, U8) { return U8::load(p - 1) | U8{_mm_cvtsi32_si128(255)}; }
+inline U8 againMovedDown(const uint8_t* p, U8) {
+  return U8::load(p + 1) | U8{_mm_slli_si128(_mm_cvtsi32_si128(255), 15)};
+}
+
+// a table of 16 bytes, looked up by the lanes of `index`; 0 where an index has its top bit set.
+inline U8 lookedUp(U8 table, U8 index) { return {_mm_shuffle_epi8(table.v, index.v)}; }
+
+inline U8 upperNibbles(U8 a) { return {_mm_and_si128(_mm_srli_epi16(a.v, 4), _mm_set1_epi8(15))}; }
+inline U8 operator&(U8 a, U8 b) { return {_mm_and_si128(a.v, b.v)}; }
+
+struct Pair {
+  U8 first, second;
+};
+
+// One lane of a, one of b, and so on; and back.
+inline Pair zipped(U8 a, U8 b) { return {{_mm_unpacklo_epi8(a.v, b.v)}, {_mm_unpackhi_epi8(a.v, b.v)}}; }
+inline Pair unzipped(U8 a, U8 b) {
+  const __m128i low = _mm_set1_epi16(255);
+  return {{_mm_packus_epi16(_mm_and_si128(a.v, low), _mm_and_si128(b.v, low))},
+          {_mm_packus_epi16(_mm_srli_epi16(a.v, 8), _mm_srli_epi16(b.v, 8))}};
+}
+
+struct WordBytes {
+  U8 low, mid, high, top;
+  static WordBytes load(const uint32_t* p);
+};
+
+inline WordBytes WordBytes::load(const uint32_t* p) {
+  const __m128i byBytes = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  const auto load = [=](size_t i) {
+    return _mm_shuffle_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 4 * i)), byBytes);
+  };
+  const __m128i a = load(0), b = load(1), c = load(2), d = load(3);
+  const __m128i lowerAb = _mm_unpacklo_epi32(a, b), lowerCd = _mm_unpacklo_epi32(c, d);
+  const __m128i upperAb = _mm_unpackhi_epi32(a, b), upperCd = _mm_unpackhi_epi32(c, d);
+  return {{_mm_unpacklo_epi64(lowerAb, lowerCd)},
+          {_mm_unpackhi_epi64(lowerAb, lowerCd)},
+          {_mm_unpacklo_epi64(upperAb, upperCd)},
+          {_mm_unpackhi_epi64(upperAb, upperCd)}};
+}
+
 struct Simd {
+  static constexpr bool looksUp = true;
   using U8 = sse41::U8;
+  using WordBytes = sse41::WordBytes;
   using U16 = sse41::U16;
 };
 

@@ -11,10 +11,4 @@ inline bool isBorderRow(uint32_t row, uint32_t height) { return row < 2 || row >
 // False if a code is neither one that a census makes nor the invalid one.
 bool areCensusCodes(const uint32_t* codes, size_t n);
 
-// Memory for the planes of `codes` codes and the invalid ones behind them.
-constexpr size_t planeBytes(size_t codes) { return 4 * (codes + disparities - 1); }
-
-// Splits n codes into planes within `memory` (planeBytes(n) bytes), with disparities - 1 invalid codes behind them.
-CodePlanes splitCodes(const uint32_t* codes, size_t n, uint8_t* memory);
-
 }  // namespace nadir

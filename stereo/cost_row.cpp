@@ -18,16 +18,16 @@ size_t comparable(uint32_t width, size_t x, size_t wanted) {
   return columns < wanted ? columns : wanted;
 }
 
-// Vectors of 64 disparities for a whole row of census codes. The planes of a stretch of the row lie on the stack.
+// Vectors of 64 disparities for a whole row of census codes. The codes of a stretch of the row are laid out on the stack.
 void costsOfCensusCodes(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costRow) {
   constexpr size_t stretch = 256;
-  uint8_t memory[planeBytes(stretch + disparities - 1)];
+  uint8_t memory[codeBytes(stretch + disparities - 1)];
   const CostRow costs = stereoKernels(cpu()).costs;
   const size_t end = width - 2;
   for (size_t x = 2; x < end; x += stretch) {
     const size_t pixels = end - x < stretch ? end - x : stretch;
     const size_t codes = end - x < pixels + disparities - 1 ? end - x : pixels + disparities - 1;
-    costs(splitCodes(first + x, codes, memory), reference + x, costRow + x * disparities, pixels);
+    costs(first + x, codes, reference + x, pixels, memory, costRow + x * disparities);
   }
 }
 

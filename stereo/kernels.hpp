@@ -21,14 +21,21 @@ using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t 
 // Writes the penalties of n pixels, from their intensities and those of their predecessors, to dst[0, n).
 using PenaltyRow = void (*)(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n);
 
-// A row of census codes as four planes of bytes, so that 64 codes in a row are plain loads. Behind the last code that
-// may be compared come disparities - 1 more whose `top` is 255, which makes every cost the worst one.
-struct CodePlanes {
-  const uint8_t *top, *high, *mid, *low;
-};
+// The memory that a kernel needs to lay out `codes` census codes as it wants them: at most six bytes of half codes, in
+// groups of 64, with the 63 that lie behind the last one.
+template <class Size>
+constexpr Size codeGroups(Size codes) {
+  return (codes + 2 * disparities - 2) / disparities;
+}
+template <class Size>
+constexpr Size codeBytes(Size codes) {
+  return 6 * disparities * codeGroups(codes);
+}
 
-// Writes n * 64 costs: those of reference codes ref[i] with the codes i to i + 63 of `planes`.
-using CostRow = void (*)(const CodePlanes& planes, const uint32_t* ref, uint8_t* costs, size_t n);
+// Writes n * 64 costs: those of reference[i] with first[i] to first[i + 63], of which those at `codes` and behind count
+// as invalid. All are codes that a census makes. `memory` are codeBytes(codes) bytes for the kernel's own use.
+using CostRow = void (*)(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* memory,
+                         uint8_t* costs);
 
 // One row of PC_NextRow for a path record.
 struct PathRowJob {
@@ -48,23 +55,27 @@ using PathRow = void (*)(const PathRowJob& job);
 using FindMin = void (*)(const uint8_t* costs, size_t count, uint8_t* minValue, uint32_t* minIndex);
 using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio);
 
-// The path costs of the row above, and then of this row: 64 bytes and a minimum for each of width + 1 pixels. The last
-// one stays "no predecessor".
+// The path costs of one direction: 64 bytes for each pixel, in an order of the kernel's own, or noPredecessor throughout
+// where there is no pixel. `before` are those of the predecessors of a row's pixels, `here` where the pixels' own go.
+// The two may be the same memory where no predecessor is needed after its successor is written.
 struct PathState {
-  uint8_t *costs, *minima;
+  const uint8_t* before;
+  uint8_t* here;
 };
+constexpr uint8_t noPredecessor = 255 - penaltyOne;
 
 // One row of a driver: costs, four paths, their sum and the decision, pixel by pixel.
 struct SgmRowJob {
   size_t width;
-  CodePlanes planes;          // of the first picture, from column 2 to width - 3
-  const uint32_t* first;      // the codes themselves
+  const uint32_t* first;      // codes of the first picture
   const uint32_t* reference;  // of the second picture
+  uint8_t* codeMemory;        // codeBytes(width) bytes for the kernel's own use
   bool hasCosts;              // false in the border rows, where every cost is the worst one
   bool exact;                 // the row has codes that no census makes: costs are then done code by code
   const uint8_t* p2[4];       // by PathDir
+  uint8_t* p2Memory;          // 4 * width bytes for the kernel's own use
   PathState upLeft, up, upRight;
-  uint32_t uniquenessRatio;
+  const uint8_t* lastClose;   // walkDisparity: the largest sum that counts as close, by the smallest sum
   uint8_t *costs, *sums;  // null, or width * 64 bytes to fill
   uint8_t* peaks;         // null, or width bytes to fill
   uint16_t* disparity;    // walkDisparity: width values, all 0 before

@@ -17,13 +17,11 @@ void penalties(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* ds
   for (size_t i = 0; i < n; ++i) dst[i] = Rules::penalty(pixels[i], predecessors[i]);
 }
 
-uint32_t code(const CodePlanes& planes, size_t i) {
-  return uint32_t{planes.top[i]} << 24 | uint32_t{planes.high[i]} << 16 | uint32_t{planes.mid[i]} << 8 | planes.low[i];
-}
-
-void costs(const CodePlanes& planes, const uint32_t* ref, uint8_t* costs, size_t n) {
+void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t*, uint8_t* costs) {
   for (size_t i = 0; i < n; ++i) {
-    for (size_t d = 0; d < disparities; ++d) *costs++ = Rules::costByBytes(code(planes, i + d), ref[i]);
+    for (size_t d = 0; d < disparities; ++d) {
+      *costs++ = i + d < codes ? Rules::cost(first[i + d], reference[i]) : worstCost;
+    }
   }
 }
 

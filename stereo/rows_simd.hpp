@@ -1,7 +1,7 @@
 // Census, penalty, cost and path kernels of one row on the vectors of one instruction set.
 #pragma once
 
-#include "stereo/rows.hpp"
+#include "stereo/codes_simd.hpp"
 
 namespace nadir {
 
@@ -56,30 +56,11 @@ struct RowKernels : PixelRules<Simd> {
 
 template <class Simd>
 struct CostKernels {
-  using U8 = typename Simd::U8;
-
-  // The costs of one reference code, whose four bytes are spread over vectors, with the codes from `at`.
-  struct Reference {
-    U8 top, high, mid, low;
-    explicit Reference(uint32_t code)
-        : top(U8::all(static_cast<uint8_t>(code >> 24))),
-          high(U8::all(static_cast<uint8_t>(code >> 16))),
-          mid(U8::all(static_cast<uint8_t>(code >> 8))),
-          low(U8::all(static_cast<uint8_t>(code))) {}
-
-    U8 costs(const CodePlanes& planes, size_t at) const {
-      const U8 invalid = top | U8::load(planes.top + at);
-      return bitCount((high ^ U8::load(planes.high + at)) | invalid) +
-             bitCount((mid ^ U8::load(planes.mid + at)) | invalid) +
-             bitCount((low ^ U8::load(planes.low + at)) | invalid);
-    }
-  };
-
-  static void costs(const CodePlanes& planes, const uint32_t* ref, uint8_t* costs, size_t n) {
+  static void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* memory,
+                    uint8_t* costs) {
+    const Codes<Simd> candidates(first, codes, memory);
     for (size_t i = 0; i < n; ++i) {
-      const Reference reference(ref[i]);
-      for (size_t d = 0; d < disparities; d += U8::lanes)
-        reference.costs(planes, i + d).store(costs + i * disparities + d);
+      candidates.costsOf(reference[i], i).inOrder().store(costs + i * disparities);
     }
   }
 };

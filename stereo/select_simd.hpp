@@ -52,9 +52,9 @@ struct SelectKernels : PixelRules<Simd> {
     uint32_t winner = 0;
     findMin(costs, maxIndex + 1, &m0, &winner);
     if (winner < 2 || winner + 1 >= maxIndex) return 0;
-    const unsigned last = PixelRules<Simd>::closeBelow(m0, uniquenessRatio) - 1;
-    const bool rivalled = anyAtMost(costs, maxIndex + 1, static_cast<uint8_t>(last < 255 ? last : 255),
-                                    [=](size_t i) { return i + 1 < winner || i > winner + 1; });
+    const uint8_t last = PixelRules<Simd>::lastClose(m0, uniquenessRatio);
+    const bool rivalled =
+        anyAtMost(costs, maxIndex + 1, last, [=](size_t i) { return i + 1 < winner || i > winner + 1; });
     return rivalled ? 0 : winner;
   }
 };

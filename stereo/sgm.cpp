@@ -1,15 +1,19 @@
 #include <nadir/stereo.h>
 
 #include <cstring>
-#include <initializer_list>
+#include <utility>
 
 #include "core/cpu.hpp"
 #include "core/memory.hpp"
 #include "stereo/code_row.hpp"
 #include "stereo/penalties.hpp"
+#include "stereo/rows.hpp"
 
 namespace nadir {
 namespace {
+
+struct Baseline;
+using Rules = PixelRules<Baseline>;
 
 struct Pair {
   const uint32_t *first, *reference;
@@ -17,31 +21,35 @@ struct Pair {
   uint32_t width, height;
 };
 
-constexpr size_t pathBytesPerPixel = disparities + 1;  // the costs and their minimum
+// What a matcher keeps: the path costs of one row, with a slot more for each slanted direction, where "no predecessor"
+// stands. The direction from the upper left would overwrite what its next pixel needs and so has two rows.
+constexpr uint64_t pathBytes(uint64_t width) { return disparities * (2 * (width + 1) + width + (width + 1)); }
+constexpr size_t lineBytes = 64;  // a slot is one line of a processor's cache
+constexpr size_t sums = 256;      // that there are
 
 constexpr uint64_t scratchBytes(uint64_t width) {
-  return planeBytes(0) + 4 * width + 4 * width + 3 * pathBytesPerPixel * (width + 1);
+  return lineBytes - 1 + pathBytes(width) + codeBytes(width) + 8 * width + sums;
 }
 
 // The matcher's working memory, one block cut into pieces, as a row job points at them.
 class Matcher {
  public:
   Matcher(const Pair& pair, SgmDebugData* debug, uint8_t* memory)
-      : pair_(pair), debug_(debug), kernels_(stereoKernels(cpu())), planes_(memory) {
-    const size_t width = pair.width;
-    uint8_t* free = memory + planeBytes(width);
-    for (uint8_t*& row : p2_) {
-      row = free;
-      free += width;
-    }
-    for (PathState* state : {&job_.upLeft, &job_.up, &job_.upRight}) {
-      *state = {free, free + (width + 1) * disparities};
-      std::memset(state->costs, 255 - penaltyOne, (width + 1) * disparities);
-      std::memset(state->minima, 0, width + 1);
-      free += (width + 1) * pathBytesPerPixel;
-    }
+      : pair_(pair), debug_(debug), kernels_(stereoKernels(cpu())), free_(memory) {
+    const size_t width = pair.width, slots = (width + 1) * disparities;
+    free_ += (lineBytes - reinterpret_cast<uintptr_t>(memory) % lineBytes) % lineBytes;
+    std::memset(free_, noPredecessor, static_cast<size_t>(pathBytes(width)));
+    uint8_t* const upLeft = taken(slots);
+    job_.upLeft = {taken(slots), upLeft + disparities};
+    uint8_t* const up = taken(width * disparities);
+    job_.up = {up, up};
+    uint8_t* const upRight = taken(slots);
+    job_.upRight = {upRight + disparities, upRight};
+    job_.codeMemory = taken(codeBytes(width));
+    for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_[dir] = taken(width);
+    job_.p2Memory = taken(4 * width);
+    lastClose_ = taken(sums);
     job_.width = width;
-    for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_[dir];
   }
 
   const StereoKernels& kernels() const { return kernels_; }
@@ -52,10 +60,20 @@ class Matcher {
     job_.first = pair_.first + at;
     job_.reference = pair_.reference + at;
     prepareCodes(y);
-    penaltiesOfRow(kernels_.penalties, pair_.image + at, y ? pair_.image + at - pair_.width : nullptr, pair_.width,
-                   p2_);
+    preparePenalties(at, y);
     if (debug_) prepareDebug(at);
     return job_;
+  }
+
+  // What was written is what the next row reads.
+  void finishRow() {
+    uint8_t* const written = job_.upLeft.here - disparities;
+    job_.upLeft = {written, const_cast<uint8_t*>(job_.upLeft.before) + disparities};
+  }
+
+  void tabulateCloseSums(uint32_t uniquenessRatio) {
+    for (unsigned m = 0; m < sums; ++m) lastClose_[m] = Rules::lastClose(static_cast<uint8_t>(m), uniquenessRatio);
+    job_.lastClose = lastClose_;
   }
 
  private:
@@ -65,7 +83,11 @@ class Matcher {
     job_.hasCosts = !isBorderRow(y, pair_.height);
     if (!job_.hasCosts) return;
     job_.exact = !areCensusCodes(job_.first + 2, inner) || !areCensusCodes(job_.reference + 2, inner);
-    job_.planes = splitCodes(job_.first + 2, inner, planes_);
+  }
+
+  void preparePenalties(size_t at, uint32_t y) {
+    const uint16_t* const pixels = pair_.image + at;
+    penaltiesOfRow(kernels_.penalties, pixels, y ? pixels - pair_.width : nullptr, pair_.width, p2_);
   }
 
   void prepareDebug(size_t at) {
@@ -79,11 +101,13 @@ class Matcher {
     std::memcpy(debug_->p2UpRight + at, p2_[PC_DIR_UPRIGHT], width);
   }
 
+  uint8_t* taken(size_t bytes) { return std::exchange(free_, free_ + bytes); }
+
   const Pair pair_;
   SgmDebugData* const debug_;
   const StereoKernels& kernels_;
-  uint8_t* const planes_;
-  uint8_t* p2_[4] = {};
+  uint8_t* free_;
+  uint8_t *p2_[4] = {}, *lastClose_ = nullptr;
   SgmRowJob job_ = {};
 };
 
@@ -101,13 +125,14 @@ void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const ui
   const Scratch<uint8_t> memory(scratchBytes(width));
   if (!memory) return;
   Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
+  matcher.tabulateCloseSums(params->uniquenessRatio);
   for (uint32_t y = 0; y < height; ++y) {
     const size_t at = size_t{y} * width;
     SgmRowJob& job = matcher.prepareRow(y);
-    job.uniquenessRatio = params->uniquenessRatio;
     job.peaks = debug ? debug->peakMap + at : nullptr;
     job.disparity = disparity + at;
     matcher.kernels().walkDisparity(job);
+    matcher.finishRow();
   }
 }
 
@@ -127,5 +152,6 @@ void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16
     SgmRowJob& job = matcher.prepareRow(y);
     job.distinctness = distinctiveness + size_t{y} * width;
     matcher.kernels().walkDistinctness(job);
+    matcher.finishRow();
   }
 }

@@ -57,21 +57,27 @@ void benchPenalties(PenaltyRow penalties) {
   for (int i = 0; i < 4 * 480; ++i) penalties(&pixels[0], &pixels[640], out.data(), out.size());
 }
 
-CodePlanes planesOf(const uint8_t* bytes, size_t length) {
-  return {bytes, bytes + length, bytes + 2 * length, bytes + 3 * length};
+// Codes that a census makes, valid and invalid ones.
+std::vector<uint32_t> censusCodes(Random& random, Fill fill, size_t n) {
+  std::vector<uint32_t> codes = filled<uint32_t>(random, fill, n, 0, 0xFFFFFF);
+  for (uint32_t& code : codes) {
+    if (random.below(9) == 0) code = censusInvalid;
+  }
+  return codes;
 }
 
 void checkCosts(Check& check, CostRow scalar, CostRow tested) {
-  for (size_t n = 0; n <= 70; ++n) {
+  for (size_t codes = 0; codes <= 150; ++codes) {
     for (Fill fill : allFills) {
       for (Guard side : {Guard::behind, Guard::before}) {
-        check.describe(atWidth(n, fill));
-        const size_t length = n + disparities - 1;
-        const Guarded<uint8_t> planes(filled<uint8_t>(check.random, fill, 4 * length, 0, 255), side);
-        const Guarded<uint32_t> reference(filled<uint32_t>(check.random, fill, n, 0, 0xFFFFFFFF), side);
+        const size_t n = codes - (codes ? check.random.below(static_cast<uint32_t>(codes)) : 0);
+        check.describe(atWidth(n, fill) + ", codes " + std::to_string(codes));
+        const Guarded<uint32_t> first(censusCodes(check.random, fill, codes), side);
+        const Guarded<uint32_t> reference(censusCodes(check.random, fill, n), side);
+        const Guarded<uint8_t> memory(codeBytes(codes));
         Output<uint8_t> want(n * disparities, side, 0x5A), got(n * disparities, side, 0x5A);
-        scalar(planesOf(planes.data(), length), reference.data(), want.data(), n);
-        tested(planesOf(planes.data(), length), reference.data(), got.data(), n);
+        scalar(first.data(), codes, reference.data(), n, memory.data(), want.data());
+        tested(first.data(), codes, reference.data(), n, memory.data(), got.data());
         check.equal("cost", want, got);
       }
     }
@@ -79,10 +85,10 @@ void checkCosts(Check& check, CostRow scalar, CostRow tested) {
 }
 
 void benchCosts(CostRow costs) {
-  static const std::vector<uint8_t> planes = Random(7).values<uint8_t>(4 * 703, 256);
+  static const std::vector<uint32_t> first = Random(7).values<uint32_t>(703, 1 << 24);
   static const std::vector<uint32_t> reference = Random(8).values<uint32_t>(640, 1 << 24);
-  static std::vector<uint8_t> out(640 * disparities);
-  for (int i = 0; i < 20; ++i) costs(planesOf(planes.data(), 703), reference.data(), out.data(), 640);
+  static std::vector<uint8_t> memory(codeBytes(703)), out(640 * disparities);
+  for (int i = 0; i < 20; ++i) costs(first.data(), 703, reference.data(), 640, memory.data(), out.data());
 }
 
 // Runs one row of path costs over buffers of its own, in place or from one buffer to another, and compares.

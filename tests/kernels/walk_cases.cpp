@@ -1,69 +1,78 @@
 // The matcher's walk along one row.
 #include "stereo/code_row.hpp"
 #include "stereo/kernels.hpp"
+#include "stereo/rows.hpp"
 #include "tests/kernels/harness.hpp"
 
 namespace nadir::test {
 namespace {
 
-// The inputs of one row and a copy of everything that a walk changes.
-class Row {
+// The inputs of a few rows, one after the other, and a copy of everything that a walk changes.
+class Rows {
  public:
-  Row(Random& random, size_t width, bool anyCodes)
+  static constexpr size_t count = 4;
+
+  Rows(Random& random, size_t width, bool anyCodes)
       : width_(width),
         first_(codes(random, width, anyCodes)),
         reference_(codes(random, width, anyCodes)),
-        planes_(planeBytes(width - 4)),
-        p2_(filled<uint8_t>(random, Fill::random, 4 * width, 17, 39)),
-        pathCosts_(filled<uint8_t>(random, Fill::random, 3 * (width + 1) * disparities, 0, 63)),
-        minima_(filled<uint8_t>(random, Fill::random, 3 * (width + 1), 0, 24)) {
+        p2_(filled<uint8_t>(random, Fill::random, count * 4 * width, edgePenalty, flatPenalty)),
+        lastClose_(256) {
+    const uint32_t ratio = random.below(200);
+    for (unsigned m = 0; m < 256; ++m) lastClose_[m] = PixelRules<Rows>::lastClose(static_cast<uint8_t>(m), ratio);
     job_.width = width;
-    job_.first = first_.data();
-    job_.reference = reference_.data();
-    job_.planes = splitCodes(first_.data() + 2, width - 4, planes_.data());
-    job_.exact = !areCensusCodes(first_.data(), width) || !areCensusCodes(reference_.data(), width);
+    job_.exact = !areCensusCodes(first_.data(), first_.size()) || !areCensusCodes(reference_.data(), first_.size());
     job_.hasCosts = random.below(8) != 0;
-    job_.uniquenessRatio = random.below(200);
-    for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_.data() + dir * width;
+    job_.lastClose = lastClose_.data();
   }
 
   // What a walk writes, in guarded memory.
   struct Results {
-    Output<uint8_t> pathCosts, minima, costs, sums, peaks, distinctness;
+    Output<uint8_t> costs, sums, peaks, distinctness;
     Output<uint16_t> disparity;
-    explicit Results(const Row& row)
-        : pathCosts(row.pathCosts_.size(), Guard::behind, 1),
-          minima(row.minima_.size(), Guard::behind, 2),
-          costs(row.width_ * disparities, Guard::behind, 3),
-          sums(row.width_ * disparities, Guard::before, 4),
-          peaks(row.width_, Guard::behind, 5),
-          distinctness(row.width_, Guard::behind, 6),
-          disparity(row.width_, Guard::behind, 7) {
-      pathCosts.set(row.pathCosts_);
-      minima.set(row.minima_);
-      distinctness.set(std::vector<uint8_t>(row.width_, 255));
-      disparity.set(std::vector<uint16_t>(row.width_, 0));
+    explicit Results(const Rows& rows)
+        : costs(count * rows.width_ * disparities, Guard::behind, 3),
+          sums(count * rows.width_ * disparities, Guard::before, 4),
+          peaks(count * rows.width_, Guard::behind, 5),
+          distinctness(count * rows.width_, Guard::behind, 6),
+          disparity(count * rows.width_, Guard::behind, 7) {
+      distinctness.set(std::vector<uint8_t>(distinctness.size(), 255));
+      disparity.set(std::vector<uint16_t>(disparity.size(), 0));
     }
   };
 
   void run(SgmRow walk, Results& results, bool withDebug) const {
+    const size_t slots = (width_ + 1) * disparities;
+    const Guarded<uint8_t> codeMemory(codeBytes(width_)), p2Memory(4 * width_);
+    const std::vector<uint8_t> none(slots, noPredecessor);
+    const Guarded<uint8_t> upLeft(none), upLeftToo(none, Guard::before), upRight(none);
+    const Guarded<uint8_t> up(std::vector<uint8_t>(slots - disparities, noPredecessor));
     SgmRowJob job = job_;
-    PathState* const states[3] = {&job.upLeft, &job.up, &job.upRight};
-    for (size_t i = 0; i < 3; ++i) {
-      *states[i] = {results.pathCosts.data() + i * (width_ + 1) * disparities,
-                    results.minima.data() + i * (width_ + 1)};
+    job.codeMemory = codeMemory.data();
+    job.p2Memory = p2Memory.data();
+    job.up = {up.data(), up.data()};
+    job.upRight = {upRight.data() + disparities, upRight.data()};
+    for (size_t row = 0; row < count; ++row) {
+      job.upLeft = {(row % 2 ? upLeftToo : upLeft).data(), (row % 2 ? upLeft : upLeftToo).data() + disparities};
+      runRow(walk, job, results, withDebug, row * width_);
     }
-    job.costs = withDebug ? results.costs.data() : nullptr;
-    job.sums = withDebug ? results.sums.data() : nullptr;
-    job.peaks = withDebug ? results.peaks.data() : nullptr;
-    job.distinctness = results.distinctness.data();
-    job.disparity = results.disparity.data();
-    walk(job);
   }
 
  private:
+  void runRow(SgmRow walk, SgmRowJob& job, Results& results, bool withDebug, size_t at) const {
+    job.first = first_.data() + at;
+    job.reference = reference_.data() + at;
+    for (size_t dir = 0; dir < 4; ++dir) job.p2[dir] = p2_.data() + (dir * count) * width_ + at;
+    job.costs = withDebug ? results.costs.data() + at * disparities : nullptr;
+    job.sums = withDebug ? results.sums.data() + at * disparities : nullptr;
+    job.peaks = withDebug ? results.peaks.data() + at : nullptr;
+    job.distinctness = results.distinctness.data() + at;
+    job.disparity = results.disparity.data() + at;
+    walk(job);
+  }
+
   static Guarded<uint32_t> codes(Random& random, size_t width, bool anyCodes) {
-    std::vector<uint32_t> out = random.values<uint32_t>(width, 1 << 24);
+    std::vector<uint32_t> out = random.values<uint32_t>(count * width, 1 << 24);
     for (uint32_t& code : out) {
       if (random.below(10) == 0) code = censusInvalid;
       if (random.below(3) == 0) code = 0x00ABCDEF;  // matches, so that there are winners
@@ -74,9 +83,8 @@ class Row {
 
   size_t width_;
   Guarded<uint32_t> first_, reference_;
-  std::vector<uint8_t> planes_;
   Guarded<uint8_t> p2_;
-  std::vector<uint8_t> pathCosts_, minima_;
+  std::vector<uint8_t> lastClose_;
   SgmRowJob job_ = {};
 };
 
@@ -85,12 +93,10 @@ void checkWalk(Check& check, SgmRow scalar, SgmRow tested) {
     for (int variant = 0; variant < 4; ++variant) {
       const bool withDebug = variant & 1, anyCodes = variant & 2;
       check.describe("width " + std::to_string(width) + (withDebug ? ", debug" : "") + (anyCodes ? ", any codes" : ""));
-      const Row row(check.random, width, anyCodes);
-      Row::Results want(row), got(row);
-      row.run(scalar, want, withDebug);
-      row.run(tested, got, withDebug);
-      check.equal("path cost", want.pathCosts, got.pathCosts);
-      check.equal("minimum", want.minima, got.minima);
+      const Rows rows(check.random, width, anyCodes);
+      Rows::Results want(rows), got(rows);
+      rows.run(scalar, want, withDebug);
+      rows.run(tested, got, withDebug);
       check.equal("cost", want.costs, got.costs);
       check.equal("sum", want.sums, got.sums);
       check.equal("peak", want.peaks, got.peaks);
@@ -102,9 +108,9 @@ void checkWalk(Check& check, SgmRow scalar, SgmRow tested) {
 
 void benchWalk(SgmRow walk) {
   static Random random(7);
-  static const Row row(random, 640, false);
-  static Row::Results results(row);
-  for (int i = 0; i < 10; ++i) row.run(walk, results, false);
+  static const Rows rows(random, 640, false);
+  static Rows::Results results(rows);
+  for (int i = 0; i < 5; ++i) rows.run(walk, results, false);
 }
 
 }  // namespace

@@ -1,0 +1,99 @@
+// The 64 numbers of one pixel, one for each disparity, in registers.
+//
+// The disparities are dealt out to the registers like cards: with four registers, the first holds disparities 0, 4, 8
+// and so on, the second 1, 5, 9. What lies one disparity lower or higher is then another register as it is, but for the
+// first and the last register, where a neighbour lies one lane away. So a step along a path moves lanes twice, not
+// twice for each register.
+#pragma once
+
+#include "stereo/kernels.hpp"
+
+namespace nadir {
+
+template <class Simd>
+struct Costs {
+  using U8 = typename Simd::U8;
+  static constexpr size_t blocks = disparities / U8::lanes;
+
+  U8 block[blocks];
+
+  // Where the number of disparity d lies.
+  static constexpr size_t place(size_t d) { return d % blocks * U8::lanes + d / blocks; }
+
+  template <class F>
+  static Costs each(F f) {
+    Costs out;
+    for (size_t k = 0; k < blocks; ++k) out.block[k] = f(k);
+    return out;
+  }
+  static Costs all(uint8_t x) {
+    return each([=](size_t) { return U8::all(x); });
+  }
+  static Costs load(const uint8_t* p) {
+    return each([=](size_t k) { return U8::load(p + k * U8::lanes); });
+  }
+  void store(uint8_t* p) const {
+    for (size_t k = 0; k < blocks; ++k) block[k].store(p + k * U8::lanes);
+  }
+
+  // Each number's own disparity.
+  static Costs ownDisparities() {
+    static constexpr struct Table {
+      uint8_t v[disparities] = {};
+      constexpr Table() {
+        for (size_t d = 0; d < disparities; ++d) v[place(d)] = static_cast<uint8_t>(d);
+      }
+    } table;
+    return load(table.v);
+  }
+
+  // From disparities in order to dealt ones, and back.
+  Costs dealt() const {
+    if constexpr (blocks == 2) {
+      const auto a = unzipped(block[0], block[1]);
+      return {{a.first, a.second}};
+    } else if constexpr (blocks == 4) {
+      const auto a = unzipped(block[0], block[1]), b = unzipped(block[2], block[3]);
+      const auto even = unzipped(a.first, b.first), odd = unzipped(a.second, b.second);
+      return {{even.first, odd.first, even.second, odd.second}};
+    } else {
+      static_assert(blocks == 1);
+      return *this;
+    }
+  }
+  Costs inOrder() const {
+    if constexpr (blocks == 2) {
+      const auto a = zipped(block[0], block[1]);
+      return {{a.first, a.second}};
+    } else if constexpr (blocks == 4) {
+      const auto even = zipped(block[0], block[2]), odd = zipped(block[1], block[3]);
+      const auto a = zipped(even.first, odd.first), b = zipped(even.second, odd.second);
+      return {{a.first, a.second, b.first, b.second}};
+    } else {
+      static_assert(blocks == 1);
+      return *this;
+    }
+  }
+
+  friend Costs operator+(const Costs& a, const Costs& b) {
+    return each([&](size_t k) { return a.block[k] + b.block[k]; });
+  }
+  friend Costs operator-(const Costs& a, const U8& b) {
+    return each([&](size_t k) { return a.block[k] - b; });
+  }
+  friend Costs min(const Costs& a, const U8& b) {
+    return each([&](size_t k) { return min(a.block[k], b); });
+  }
+  friend Costs operator|(const Costs& a, const Costs& b) {
+    return each([&](size_t k) { return a.block[k] | b.block[k]; });
+  }
+
+  // The smallest number, in every lane.
+  U8 smallest() const {
+    U8 least = block[0];
+    for (size_t k = 1; k < blocks; ++k) least = min(least, block[k]);
+    return smallestInAll(least);
+  }
+};
+
+}  // namespace nadir
