@@ -65,10 +65,12 @@ struct U16 {
 
   static U16 load(const uint16_t* p) { return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))}; }
   static U16 all(uint16_t x) { return {_mm256_set1_epi16(static_cast<short>(x))}; }
+  void store(uint16_t* p) const { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
 };
 
 inline U16 operator+(U16 a, U16 b) { return {_mm256_add_epi16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {_mm256_sub_epi16(a.v, b.v)}; }
+inline U16 operator&(U16 a, U16 b) { return {_mm256_and_si256(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {_mm256_min_epu16(a.v, b.v)}; }
 
 inline U16 absoluteDifference(U16 a, U16 b) {
@@ -126,7 +128,7 @@ inline U8 againMovedDown(const uint8_t* p, U8) {
 
 inline U8 lookedUp(U8 table, U8 index) { return {_mm256_shuffle_epi8(table.v, index.v)}; }
 
-inline U8 upperNibbles(U8 a) { return {_mm256_and_si256(_mm256_srli_epi16(a.v, 4), _mm256_set1_epi8(15))}; }
+inline U8 wordsDividedBy16(U8 a) { return {_mm256_srli_epi16(a.v, 4)}; }
 inline U8 operator&(U8 a, U8 b) { return {_mm256_and_si256(a.v, b.v)}; }
 
 struct Pair {

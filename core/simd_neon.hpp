@@ -51,10 +51,12 @@ struct U16 {
 
   static U16 load(const uint16_t* p) { return {vld1q_u16(p)}; }
   static U16 all(uint16_t x) { return {vdupq_n_u16(x)}; }
+  void store(uint16_t* p) const { vst1q_u16(p, v); }
 };
 
 inline U16 operator+(U16 a, U16 b) { return {vaddq_u16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
+inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
 inline U16 absoluteDifference(U16 a, U16 b) { return {vabdq_u16(a.v, b.v)}; }
 

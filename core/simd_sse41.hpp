@@ -54,10 +54,12 @@ struct U16 {
 
   static U16 load(const uint16_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static U16 all(uint16_t x) { return {_mm_set1_epi16(static_cast<short>(x))}; }
+  void store(uint16_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 };
 
 inline U16 operator+(U16 a, U16 b) { return {_mm_add_epi16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {_mm_sub_epi16(a.v, b.v)}; }
+inline U16 operator&(U16 a, U16 b) { return {_mm_and_si128(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {_mm_min_epu16(a.v, b.v)}; }
 
 inline U16 absoluteDifference(U16 a, U16 b) {
@@ -110,7 +112,7 @@ inline U8 againMovedDown(const uint8_t* p, U8) {
 // a table of 16 bytes, looked up by the lanes of `index`; 0 where an index has its top bit set.
 inline U8 lookedUp(U8 table, U8 index) { return {_mm_shuffle_epi8(table.v, index.v)}; }
 
-inline U8 upperNibbles(U8 a) { return {_mm_and_si128(_mm_srli_epi16(a.v, 4), _mm_set1_epi8(15))}; }
+inline U8 wordsDividedBy16(U8 a) { return {_mm_srli_epi16(a.v, 4)}; }
 inline U8 operator&(U8 a, U8 b) { return {_mm_and_si128(a.v, b.v)}; }
 
 struct Pair {

@@ -1,14 +1,14 @@
-// A row of census codes, laid out so that the codes of a pixel's 64 candidates are plain loads, and their costs.
+// The costs of a stretch of census codes with their 64 candidates each.
 //
-// The codes of every `blocks`-th column lie together, as the disparities do in Costs, byte by byte or half byte by half
-// byte in planes of their own:
+// The candidates' codes are laid out so that those of a pixel are plain loads. The window holds the stretch's columns
+// and the next 64, byte by byte or half byte by half byte in planes of their own. Within a plane the codes of every
+// `blocks`-th column lie together, as the disparities do in Costs; with four blocks:
 //
-//     plane 0: columns 0 4 8 .. | columns 1 5 9 .. | columns 2 6 .. | columns 3 7 ..     plane 1: the same    ...
+//     | 0 4 8 .. 60 | 64 68 .. 124 | 1 5 9 .. 61 | 65 69 .. 125 | 2 6 10 .. 62 | 66 70 .. 126 | 3 7 11 .. 63 | 67 71 .. 127 |
 //
-// Behind the last column come invalid codes.
+// Column 5 and its candidates, for example, begin at 5, 6, 7 and, in the first of these, at 8.
 #pragma once
 
-#include <initializer_list>
 #include <type_traits>
 
 #include "stereo/costs_simd.hpp"
@@ -16,41 +16,30 @@
 
 namespace nadir {
 
-// Where the codes lie.
-template <class Simd>
-struct CodeColumns {
+// The planes of a window.
+template <class Simd, size_t planes>
+class CodeWindow {
+ public:
   using U8 = typename Simd::U8;
-  static constexpr size_t blocks = Costs<Simd>::blocks;
+  static constexpr size_t blocks = Costs<Simd>::blocks, blockBytes = 2 * U8::lanes, planeBytes = blocks * blockBytes;
 
-  uint8_t* memory;
-  size_t blockBytes, planeBytes;
-
-  CodeColumns(uint8_t* start, size_t codes)
-      : memory(start), blockBytes(codeGroups(codes) * U8::lanes), planeBytes(blockBytes * blocks) {}
-
-  // Lane 0 of block k of the codes from `column` on.
-  uint8_t* at(size_t column, size_t k) const {
-    return memory + (column + k) % blocks * blockBytes + (column + k) / blocks;
+  // The next 64 columns become the stretch.
+  void advance() {
+    for (size_t at = 0; at < sizeof bytes_; at += blockBytes) U8::load(bytes_ + at + U8::lanes).store(bytes_ + at);
   }
 
-  // Calls store(k-th bytes in order, where they belong) for all codes, by groups of 64.
-  template <class Group>
-  void split(const uint32_t* codes, size_t n, Group group) const {
-    for (size_t i = 0; i < codeGroups(n) * disparities; i += disparities) {
-      if (i + disparities <= n) {
-        group(codes + i, i);
-        continue;
-      }
-      uint32_t rest[disparities];
-      for (size_t k = 0; k < disparities; ++k) rest[k] = i + k < n ? codes[i + k] : censusInvalid;
-      group(rest, i);
-    }
+  void storeNext(size_t plane, const Costs<Simd>& inOrder) {
+    const Costs<Simd> dealt = inOrder.dealt();
+    for (size_t k = 0; k < blocks; ++k) dealt.block[k].store(bytes_ + plane * planeBytes + k * blockBytes + U8::lanes);
   }
 
-  void store(const Costs<Simd>& bytes, size_t plane, size_t column) const {
-    const Costs<Simd> dealt = bytes.dealt();
-    for (size_t k = 0; k < blocks; ++k) dealt.block[k].store(at(column, k) + plane * planeBytes);
+  // Block k of the candidates of column blocks * group + rest in the first plane.
+  const uint8_t* at(size_t group, size_t rest, size_t k) const {
+    return bytes_ + (rest + k) % blocks * blockBytes + (rest + k) / blocks + group;
   }
+
+ private:
+  alignas(64) uint8_t bytes_[planes * planeBytes] = {};
 };
 
 // The four bytes of 64 codes.
@@ -58,16 +47,14 @@ template <class Simd>
 struct CodeBytes {
   Costs<Simd> low, mid, high, top;
 
-  static CodeBytes load(const uint32_t* codes) {
-    CodeBytes out;
+  explicit CodeBytes(const uint32_t* codes) {
     for (size_t k = 0; k < Costs<Simd>::blocks; ++k) {
       const auto words = Simd::WordBytes::load(codes + k * Simd::U8::lanes);
-      out.low.block[k] = words.low;
-      out.mid.block[k] = words.mid;
-      out.high.block[k] = words.high;
-      out.top.block[k] = words.top;
+      low.block[k] = words.low;
+      mid.block[k] = words.mid;
+      high.block[k] = words.high;
+      top.block[k] = words.top;
     }
-    return out;
   }
 };
 
@@ -78,24 +65,21 @@ class CountedCodes {
  public:
   using U8 = typename Simd::U8;
 
-  CountedCodes(const uint32_t* codes, size_t n, uint8_t* memory) : columns_(memory, n) {
-    const CodeColumns<Simd> columns = columns_;
-    columns.split(codes, n, [&](const uint32_t* group, size_t i) {
-      const auto bytes = CodeBytes<Simd>::load(group);
-      columns.store(bytes.low, 0, i);
-      columns.store(bytes.mid, 1, i);
-      columns.store(bytes.high, 2, i);
-      columns.store(Costs<Simd>::each([&](size_t k) { return min(bytes.top.block[k], U8::all(worstCost)); }), 3, i);
-    });
+  void append(const CodeBytes<Simd>& codes) {
+    window_.advance();
+    window_.storeNext(0, codes.low);
+    window_.storeNext(1, codes.mid);
+    window_.storeNext(2, codes.high);
+    window_.storeNext(3, min(codes.top, U8::all(worstCost)));
   }
 
-  // The costs of one valid code with those of column i and the 63 behind it.
-  Costs<Simd> costs(uint32_t reference, size_t i) const {
+  // The costs of one valid code in column blocks * group + rest of the stretch.
+  Costs<Simd> costs(uint32_t reference, size_t group, size_t rest) const {
+    constexpr size_t plane = Window::planeBytes;
     const U8 low = U8::all(static_cast<uint8_t>(reference)), mid = U8::all(static_cast<uint8_t>(reference >> 8)),
              high = U8::all(static_cast<uint8_t>(reference >> 16));
-    const size_t plane = columns_.planeBytes;
     return Costs<Simd>::each([&](size_t k) {
-      const uint8_t* const p = columns_.at(i, k);
+      const uint8_t* const p = window_.at(group, rest, k);
       const U8 different = bitCount(low ^ U8::load(p)) + bitCount(mid ^ U8::load(p + plane)) +
                            bitCount(high ^ U8::load(p + 2 * plane));
       return max(different, U8::load(p + 3 * plane));
@@ -103,7 +87,8 @@ class CountedCodes {
   }
 
  private:
-  CodeColumns<Simd> columns_;
+  using Window = CodeWindow<Simd, 4>;
+  Window window_;
 };
 
 // For processors that look bytes up in a table of 16: six planes of half bytes. The tables count the bits that are
@@ -113,64 +98,93 @@ class LookedUpCodes {
  public:
   using U8 = typename Simd::U8;
 
-  LookedUpCodes(const uint32_t* codes, size_t n, uint8_t* memory) : columns_(memory, n) {
-    const CodeColumns<Simd> columns = columns_;
-    columns.split(codes, n, [&](const uint32_t* group, size_t i) {
-      const auto bytes = CodeBytes<Simd>::load(group);
-      size_t plane = 0;
-      for (const Costs<Simd>* b : {&bytes.low, &bytes.mid, &bytes.high}) {
-        columns.store(Costs<Simd>::each([&](size_t k) { return lowerHalf(b->block[k]) | invalid(bytes, k); }), plane++,
-                      i);
-        columns.store(Costs<Simd>::each([&](size_t k) { return upperNibbles(b->block[k]) | invalid(bytes, k); }),
-                      plane++, i);
-      }
-    });
+  void append(const CodeBytes<Simd>& codes) {
+    window_.advance();
+    const Costs<Simd> invalid = codes.top & U8::all(128);
+    storeHalves(0, codes.low, invalid);
+    storeHalves(2, codes.mid, invalid);
+    storeHalves(4, codes.high, invalid);
   }
 
-  Costs<Simd> costs(uint32_t reference, size_t i) const {
+  Costs<Simd> costs(uint32_t reference, size_t group, size_t rest) const {
     U8 tables[6];
     const uint64_t offsets = uint64_t{reference} << 4;
-    for (size_t h = 0; h < 6; ++h) tables[h] = U8::repeated16(&equalBits().v[0][0] + (offsets >> (4 * h) & 0xF0));
-    const size_t plane = columns_.planeBytes;
+    for (size_t h = 0; h < 6; ++h) tables[h] = U8::repeated16(equalBits() + (offsets >> (4 * h) & 0xF0));
     return Costs<Simd>::each([&](size_t k) {
-      const uint8_t* const p = columns_.at(i, k);
+      const uint8_t* const p = window_.at(group, rest, k);
       U8 cost = U8::all(worstCost);
-      for (size_t h = 0; h < 6; ++h) cost = cost - lookedUp(tables[h], U8::load(p + h * plane));
+      for (size_t h = 0; h < 6; ++h) cost = cost - lookedUp(tables[h], U8::load(p + h * Window::planeBytes));
       return cost;
     });
   }
 
  private:
-  static U8 lowerHalf(const U8& a) { return a & U8::all(15); }
-  static U8 invalid(const CodeBytes<Simd>& bytes, size_t k) { return bytes.top.block[k] & U8::all(128); }
+  using Window = CodeWindow<Simd, 6>;
 
-  struct Table {
-    uint8_t v[16][16] = {};
-    constexpr Table() {
-      for (unsigned a = 0; a < 16; ++a) {
-        for (unsigned b = 0; b < 16; ++b) {
-          for (unsigned bit = 1; bit < 16; bit *= 2) v[a][b] = static_cast<uint8_t>(v[a][b] + ((a & bit) == (b & bit)));
-        }
-      }
-    }
-  };
-  static const Table& equalBits() {
-    alignas(16) static constexpr Table table;
-    return table;
+  void storeHalves(size_t plane, const Costs<Simd>& bytes, const Costs<Simd>& invalid) {
+    const U8 half = U8::all(15);
+    window_.storeNext(plane, (bytes & half) | invalid);
+    window_.storeNext(plane + 1, (bytes.dividedBy16() & half) | invalid);
   }
 
-  CodeColumns<Simd> columns_;
+  // For each half byte, 16 bytes: how many bits each other half byte has in common with it.
+  static const uint8_t* equalBits() {
+    alignas(16) static constexpr struct Table {
+      uint8_t v[256] = {};
+      constexpr Table() {
+        for (unsigned i = 0; i < 256; ++i) {
+          for (unsigned bit = 1; bit < 16; bit *= 2) v[i] = static_cast<uint8_t>(v[i] + !((i ^ i >> 4) & bit));
+        }
+      }
+    } table;
+    return table.v;
+  }
+
+  Window window_;
 };
 
 template <class Simd>
-class Codes : public std::conditional_t<Simd::looksUp, LookedUpCodes<Simd>, CountedCodes<Simd>> {
+class StretchCosts {
  public:
-  using std::conditional_t<Simd::looksUp, LookedUpCodes<Simd>, CountedCodes<Simd>>::conditional_t;
+  // Of the codes [0, n), whose stretches begin with `first`.
+  StretchCosts(const uint32_t* first, size_t n) : next_(first), left_(n) { append(); }
 
-  // The costs of one code with those of column i and the 63 behind it.
-  Costs<Simd> costsOf(uint32_t reference, size_t i) const {
-    return reference == censusInvalid ? Costs<Simd>::all(worstCost) : this->costs(reference, i);
+  // Writes the costs of n reference codes, those of the next stretch; n is less than a stretch only at the end.
+  void store(const uint32_t* reference, size_t n, uint8_t* costs) {
+    append();
+    constexpr size_t blocks = Costs<Simd>::blocks;
+    size_t i = 0;
+    for (; i + blocks <= n; i += blocks) {
+#pragma GCC unroll 4
+      for (size_t rest = 0; rest < blocks; ++rest) {
+        of(reference[i + rest], i / blocks, rest).store(costs + (i + rest) * disparities);
+      }
+    }
+    for (; i < n; ++i) of(reference[i], i / blocks, i % blocks).store(costs + i * disparities);
   }
+
+ private:
+  Costs<Simd> of(uint32_t reference, size_t group, size_t rest) const {
+    return reference == censusInvalid ? Costs<Simd>::all(worstCost) : codes_.costs(reference, group, rest);
+  }
+
+  // Behind the last code come invalid ones.
+  void append() {
+    if (left_ >= stretch) {
+      codes_.append(CodeBytes<Simd>(next_));
+      next_ += stretch;
+      left_ -= stretch;
+      return;
+    }
+    uint32_t rest[stretch];
+    for (size_t i = 0; i < stretch; ++i) rest[i] = i < left_ ? next_[i] : censusInvalid;
+    left_ = 0;
+    codes_.append(CodeBytes<Simd>(rest));
+  }
+
+  const uint32_t* next_;
+  size_t left_;
+  std::conditional_t<Simd::looksUp, LookedUpCodes<Simd>, CountedCodes<Simd>> codes_;
 };
 
 }  // namespace nadir

@@ -18,19 +18,6 @@ size_t comparable(uint32_t width, size_t x, size_t wanted) {
   return columns < wanted ? columns : wanted;
 }
 
-// Vectors of 64 disparities for a whole row of census codes. The codes of a stretch of the row are laid out on the stack.
-void costsOfCensusCodes(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costRow) {
-  constexpr size_t stretch = 256;
-  uint8_t memory[codeBytes(stretch + disparities - 1)];
-  const CostRow costs = stereoKernels(cpu()).costs;
-  const size_t end = width - 2;
-  for (size_t x = 2; x < end; x += stretch) {
-    const size_t pixels = end - x < stretch ? end - x : stretch;
-    const size_t codes = end - x < pixels + disparities - 1 ? end - x : pixels + disparities - 1;
-    costs(first + x, codes, reference + x, pixels, memory, costRow + x * disparities);
-  }
-}
-
 void costsOfAnyCodes(const uint32_t* first, const uint32_t* reference, uint32_t width, size_t wanted,
                      uint8_t* costRow) {
   for (size_t x = 2; x + 2 < width; ++x) {
@@ -60,7 +47,7 @@ void SGM_CalcDsiRow_neon(const uint32_t* first, const uint32_t* reference, uint3
   const bool ordinary =
       numDisparities >= disparities && areCensusCodes(first + 2, width - 4) && areCensusCodes(reference + 2, width - 4);
   if (ordinary) {
-    costsOfCensusCodes(first, reference, width, costRow);
+    stereoKernels(cpu()).costs(first + 2, width - 4, reference + 2, width - 4, costRow + 2 * disparities);
   } else {
     costsOfAnyCodes(first, reference, width, numDisparities < disparities ? numDisparities : disparities, costRow);
   }

@@ -84,6 +84,12 @@ struct Costs {
   friend Costs min(const Costs& a, const U8& b) {
     return each([&](size_t k) { return min(a.block[k], b); });
   }
+  friend Costs operator&(const Costs& a, const U8& b) {
+    return each([&](size_t k) { return a.block[k] & b; });
+  }
+  Costs dividedBy16() const {
+    return each([&](size_t k) { return wordsDividedBy16(block[k]); });
+  }
   friend Costs operator|(const Costs& a, const Costs& b) {
     return each([&](size_t k) { return a.block[k] | b.block[k]; });
   }
@@ -95,5 +101,11 @@ struct Costs {
     return smallestInAll(least);
   }
 };
+
+// Writes the numbers of n pixels in order of disparity.
+template <class Simd>
+void storeInOrder(const uint8_t* dealt, size_t n, uint8_t* dst) {
+  for (size_t at = 0; at < n * disparities; at += disparities) Costs<Simd>::load(dealt + at).inOrder().store(dst + at);
+}
 
 }  // namespace nadir

@@ -21,21 +21,9 @@ using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t 
 // Writes the penalties of n pixels, from their intensities and those of their predecessors, to dst[0, n).
 using PenaltyRow = void (*)(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n);
 
-// The memory that a kernel needs to lay out `codes` census codes as it wants them: at most six bytes of half codes, in
-// groups of 64, with the 63 that lie behind the last one.
-template <class Size>
-constexpr Size codeGroups(Size codes) {
-  return (codes + 2 * disparities - 2) / disparities;
-}
-template <class Size>
-constexpr Size codeBytes(Size codes) {
-  return 6 * disparities * codeGroups(codes);
-}
-
 // Writes n * 64 costs: those of reference[i] with first[i] to first[i + 63], of which those at `codes` and behind count
-// as invalid. All are codes that a census makes. `memory` are codeBytes(codes) bytes for the kernel's own use.
-using CostRow = void (*)(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* memory,
-                         uint8_t* costs);
+// as invalid. All are codes that a census makes, and n is at most codes.
+using CostRow = void (*)(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs);
 
 // One row of PC_NextRow for a path record.
 struct PathRowJob {
@@ -69,7 +57,6 @@ struct SgmRowJob {
   size_t width;
   const uint32_t* first;      // codes of the first picture
   const uint32_t* reference;  // of the second picture
-  uint8_t* codeMemory;        // codeBytes(width) bytes for the kernel's own use
   bool hasCosts;              // false in the border rows, where every cost is the worst one
   bool exact;                 // the row has codes that no census makes: costs are then done code by code
   const uint8_t* p2[4];       // by PathDir
@@ -83,6 +70,15 @@ struct SgmRowJob {
 };
 using SgmRow = void (*)(const SgmRowJob& job);
 
+// What is known of the winning disparities of some pixels.
+constexpr size_t stretch = 64;
+struct Winners {
+  uint16_t index[stretch], cost[stretch], below[stretch], above[stretch];  // and the sums of costs at and beside it
+};
+
+// Writes the disparities, in 1/16 pixel, of n winners.
+using Refine = void (*)(const Winners& winners, size_t n, uint16_t* disparity);
+
 struct StereoKernels {
   CensusRow census;
   PenaltyRow penalties;
@@ -91,6 +87,7 @@ struct StereoKernels {
   size_t pathLanes;
   FindMin findMin;
   PeakCheck peakCheck;
+  Refine refine;
   SgmRow walkDisparity, walkDistinctness;
 };
 

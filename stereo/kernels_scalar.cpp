@@ -1,13 +1,16 @@
 // The law: plain loops that every vector kernel must agree with, written from the formulas and sharing nothing with
 // them but the per-pixel rules.
-#include "core/simd_scalar.hpp"
+#include <nadir/stereo.h>
+
+#include <cstring>
+
 #include "stereo/rows.hpp"
-#include "stereo/walk_simd.hpp"
 
 namespace nadir {
 namespace {
 
-using Rules = PixelRules<scalar::Simd>;
+struct Baseline;
+using Rules = PixelRules<Baseline>;
 
 void census(const uint16_t* const rows[5], uint32_t* dst, size_t n) {
   for (size_t i = 0; i < n; ++i) dst[i] = Rules::censusCode(rows, i);
@@ -17,7 +20,7 @@ void penalties(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* ds
   for (size_t i = 0; i < n; ++i) dst[i] = Rules::penalty(pixels[i], predecessors[i]);
 }
 
-void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t*, uint8_t* costs) {
+void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs) {
   for (size_t i = 0; i < n; ++i) {
     for (size_t d = 0; d < disparities; ++d) {
       *costs++ = i + d < codes ? Rules::cost(first[i + d], reference[i]) : worstCost;
@@ -79,29 +82,102 @@ void fourSmallest(const uint8_t* costs, size_t maxIndex, unsigned (&smallest)[4]
   }
 }
 
-uint32_t peakCheck(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio) {
-  unsigned smallest[4];
-  fourSmallest(costs, maxIndex, smallest);
+// The winner if none of the three that follow it is close without being its neighbour, else 0.
+unsigned distinct(const unsigned (&smallest)[4], size_t maxIndex, unsigned lastClose) {
   const unsigned winner = smallest[0] & 255;
-  const unsigned limit = Rules::closeBelow(static_cast<uint8_t>(smallest[0] >> 8), uniquenessRatio);
   for (unsigned k = 1; k < 4; ++k) {
     const unsigned rival = smallest[k] & 255;
     const bool neighbour = rival + 1 == winner || winner + 1 == rival || rival == winner;
-    if (smallest[k] >> 8 < limit && !neighbour) return 0;
+    if (smallest[k] >> 8 <= lastClose && !neighbour) return 0;
   }
   return winner < 2 || winner + 1 >= maxIndex ? 0 : winner;
 }
 
+uint32_t peakCheck(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio) {
+  unsigned smallest[4];
+  fourSmallest(costs, maxIndex, smallest);
+  return distinct(smallest, maxIndex, Rules::lastClose(static_cast<uint8_t>(smallest[0] >> 8), uniquenessRatio));
+}
+
+void refine(const Winners& winners, size_t n, uint16_t* disparity) {
+  for (size_t i = 0; i < n; ++i) {
+    disparity[i] = Rules::refined(winners.index[i], winners.below[i], winners.cost[i], winners.above[i]);
+  }
+}
+
+// ---- the walk ----
+
+void matchingCosts(const SgmRowJob& job, size_t x, uint8_t* costs) {
+  for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
+  if (!job.hasCosts || x < 2 || x + 2 >= job.width) return;
+  const size_t columns = job.width - 2 - x, count = columns < disparities ? columns : disparities;
+  if (job.exact) {
+    Rules::costsOfAnyCodes(job.first + x, job.reference[x], count, costs);
+  } else {
+    for (size_t d = 0; d < count; ++d) costs[d] = Rules::cost(job.first[x + d], job.reference[x]);
+  }
+}
+
+// Extends a path by a pixel and adds its costs to the sums. Path costs are kept less their minimum, here and in the
+// vector kernels: every cost of a successor is relative to it anyway.
+void extend(const uint8_t* before, const uint8_t* costs, uint8_t p2, uint8_t* here, uint8_t* sums) {
+  uint8_t path[disparities], least = 255;
+  for (size_t d = 0; d < disparities; ++d) {
+    const uint8_t below = d ? before[d - 1] : noPredecessor;
+    const uint8_t above = d + 1 < disparities ? before[d + 1] : noPredecessor;
+    path[d] = wrapped(costs[d] + lesser(lesser(before[d], p2), lesser(below, above) + 0u + penaltyOne) + 0u);
+    sums[d] = wrapped(sums[d] + path[d] + 0u);
+    least = lesser(least, path[d]);
+  }
+  for (size_t d = 0; d < disparities; ++d) here[d] = wrapped(path[d] - least + 0u);
+}
+
+// Calls decide(x, sums) for every pixel that gets a result.
+template <class Decide>
+void walk(const SgmRowJob& job, Decide decide) {
+  uint8_t left[disparities];
+  std::memset(left, noPredecessor, disparities);
+  for (size_t x = 0; x < job.width; ++x) {
+    const size_t at = x * disparities;
+    uint8_t costs[disparities], sums[disparities] = {};
+    matchingCosts(job, x, costs);
+    extend(left, costs, job.p2[PC_DIR_LEFT][x], left, sums);
+    extend(job.upLeft.before + at, costs, job.p2[PC_DIR_UPLEFT][x], job.upLeft.here + at, sums);
+    extend(job.up.before + at, costs, job.p2[PC_DIR_UP][x], job.up.here + at, sums);
+    extend(job.upRight.before + at, costs, job.p2[PC_DIR_UPRIGHT][x], job.upRight.here + at, sums);
+    if (job.costs) std::memcpy(job.costs + at, costs, disparities);
+    if (job.sums) std::memcpy(job.sums + at, sums, disparities);
+    if (x + 4 < job.width) decide(x, sums);
+  }
+}
+
+void walkDisparity(const SgmRowJob& job) {
+  if (job.peaks) std::memset(job.peaks, 0, job.width);
+  walk(job, [&](size_t x, const uint8_t* sums) {
+    const size_t toTheEdge = job.width - 1 - x, maxIndex = toTheEdge < disparities - 1 ? toTheEdge : disparities - 1;
+    unsigned smallest[4];
+    fourSmallest(sums, maxIndex, smallest);
+    const unsigned k = distinct(smallest, maxIndex, job.lastClose[smallest[0] >> 8]);
+    if (job.peaks) job.peaks[x] = static_cast<uint8_t>(k);
+    if (k) job.disparity[x] = Rules::refined(k, sums[k - 1], sums[k], sums[k + 1]);
+  });
+}
+
+void walkDistinctness(const SgmRowJob& job) {
+  walk(job, [&](size_t x, uint8_t* sums) {
+    const size_t columns = job.width - x, count = columns < disparities ? columns : disparities;
+    uint8_t least, next;
+    uint32_t winner, runnerUp;
+    findMin(sums, count, &least, &winner);
+    for (size_t d = winner ? winner - 1 : 0; d <= winner + 1 && d < count; ++d) sums[d] = 255;
+    findMin(sums, count, &next, &runnerUp);
+    job.distinctness[x] = wrapped(next - least + 0u);
+  });
+}
+
 }  // namespace
 
-const StereoKernels stereoScalar = {census,
-                                    penalties,
-                                    costs,
-                                    path,
-                                    1,
-                                    findMin,
-                                    peakCheck,
-                                    SgmWalk<scalar::Simd>::disparity,
-                                    SgmWalk<scalar::Simd>::distinctness};
+const StereoKernels stereoScalar = {census,  penalties, costs,  path,          1,
+                                    findMin, peakCheck, refine, walkDisparity, walkDistinctness};
 
 }  // namespace nadir

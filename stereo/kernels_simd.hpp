@@ -16,6 +16,7 @@ constexpr StereoKernels stereoKernelsOf() {
           Simd::U8::lanes,
           SelectKernels<Simd>::findMin,
           SelectKernels<Simd>::peakCheck,
+          SgmWalk<Simd>::refine,
           SgmWalk<Simd>::disparity,
           SgmWalk<Simd>::distinctness};
 }

@@ -67,22 +67,10 @@ struct PixelRules {
   // The winner k in 1/16 pixel, moved by the equiangular fit through its own and its neighbours' costs: half a pixel
   // times (a - b) / max(a, b), rounded to nearest, halves towards k.
   static uint16_t refined(unsigned k, unsigned costBelow, unsigned cost, unsigned costAbove) {
-    const unsigned a = costBelow - cost, b = costAbove - cost;
-    const unsigned more = a > b ? a : b, less = a > b ? b : a;
-    const unsigned shift = shiftOf(more, less), value = k * 16;
-    return static_cast<uint16_t>(a > b ? value + shift : value - shift);
-  }
-
-  // (17 * more - 16 * less - 1) / (2 * more), and 0 for more = 0, by multiplication with a reciprocal. Rounded up and
-  // with 20 bits behind the point it is exact for all bytes.
-  static unsigned shiftOf(unsigned more, unsigned less) {
-    static constexpr struct Table {
-      uint32_t v[256] = {};
-      constexpr Table() {
-        for (uint32_t more = 1; more < 256; ++more) v[more] = ((1u << 20) + 2 * more - 1) / (2 * more);
-      }
-    } reciprocal;
-    return ((17 * more - 16 * less - 1) * reciprocal.v[more]) >> 20;
+    const unsigned a = costBelow - cost, b = costAbove - cost, value = k * 16;
+    if (a == 0 && b == 0) return static_cast<uint16_t>(value);
+    if (a > b) return static_cast<uint16_t>(value + (8 - (a + 16 * b) / (2 * a)));
+    return static_cast<uint16_t>(value - (8 - (b + 16 * a) / (2 * b)));
   }
 };
 

@@ -56,11 +56,13 @@ struct RowKernels : PixelRules<Simd> {
 
 template <class Simd>
 struct CostKernels {
-  static void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* memory,
-                    uint8_t* costs) {
-    const Codes<Simd> candidates(first, codes, memory);
-    for (size_t i = 0; i < n; ++i) {
-      candidates.costsOf(reference[i], i).inOrder().store(costs + i * disparities);
+  static void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs) {
+    StretchCosts<Simd> stretchCosts(first, codes);
+    for (size_t x = 0; x < n; x += stretch) {
+      const size_t pixels = n - x < stretch ? n - x : stretch;
+      uint8_t dealt[stretch * disparities];
+      stretchCosts.store(reference + x, pixels, dealt);
+      storeInOrder<Simd>(dealt, pixels, costs + x * disparities);
     }
   }
 };

@@ -28,7 +28,7 @@ constexpr size_t lineBytes = 64;  // a slot is one line of a processor's cache
 constexpr size_t sums = 256;      // that there are
 
 constexpr uint64_t scratchBytes(uint64_t width) {
-  return lineBytes - 1 + pathBytes(width) + codeBytes(width) + 8 * width + sums;
+  return lineBytes - 1 + pathBytes(width) + 8 * width + sums;
 }
 
 // The matcher's working memory, one block cut into pieces, as a row job points at them.
@@ -45,7 +45,6 @@ class Matcher {
     job_.up = {up, up};
     uint8_t* const upRight = taken(slots);
     job_.upRight = {upRight + disparities, upRight};
-    job_.codeMemory = taken(codeBytes(width));
     for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_[dir] = taken(width);
     job_.p2Memory = taken(4 * width);
     lastClose_ = taken(sums);

@@ -2,6 +2,8 @@
 // next pixel begins, so that nothing but the last row's path costs lives in memory.
 #pragma once
 
+#include <cstring>
+
 #include "stereo/codes_simd.hpp"
 #include "stereo/costs_simd.hpp"
 #include "stereo/rows_simd.hpp"
@@ -13,6 +15,7 @@ struct SgmWalk {
   using Rules = PixelRules<Simd>;
   using Costs = nadir::Costs<Simd>;
   using U8 = typename Simd::U8;
+  using U16 = typename Simd::U16;
 
   static Costs noneBefore() { return Costs::all(noPredecessor); }
 
@@ -45,41 +48,42 @@ struct SgmWalk {
   };
 
   // A path from the row above: the predecessor's costs, less their minimum, give way to the pixel's.
-  static Costs extended(const PathState& path, size_t x, const Costs& cost, const U8& p2) {
-    const uint8_t* const p = path.before + x * disparities;
+  static Costs extended(const PathState& path, size_t at, const Costs& cost, const U8& p2) {
+    const uint8_t* const p = path.before + at;
     const Costs before = Costs::load(p);
     constexpr size_t last = Costs::blocks - 1;
     const Costs from = brought(before, againMovedUp(p + last * U8::lanes, before.block[last]),
                                againMovedDown(p, before.block[0]));
     const Costs costs = cost + min(from, p2);
-    (costs - costs.smallest()).store(path.here + x * disparities);
+    (costs - costs.smallest()).store(path.here + at);
     return costs;
   }
 
-  // The matching costs of a row's pixels.
+  // The matching costs of a row, stretch by stretch.
   class MatchingCosts {
    public:
-    explicit MatchingCosts(const SgmRowJob& job)
-        : job_(job), codes_(job.first + 2, job.hasCosts && !job.exact ? job.width - 4 : 0, job.codeMemory) {}
+    explicit MatchingCosts(const SgmRowJob& job) : job_(job), codes_(job.first, job.width - 2) {}
 
-    Costs at(size_t x) const {
-      if (!job_.hasCosts || x < 2 || x + 2 >= job_.width) return Costs::all(worstCost);
-      if (job_.exact) return ofAnyCodes(x);
-      return codes_.costsOf(job_.reference[x], x - 2);
+    void store(size_t x, size_t n, uint8_t* costs) {
+      if (job_.hasCosts && !job_.exact) codes_.store(job_.reference + x, n, costs);
+      for (size_t i = 0; i < n; ++i) {
+        const bool comparable = job_.hasCosts && x + i >= 2 && x + i + 2 < job_.width;
+        if (!comparable) Costs::all(worstCost).store(costs + i * disparities);
+        if (comparable && job_.exact) ofAnyCodes(x + i).store(costs + i * disparities);
+      }
     }
 
    private:
     Costs ofAnyCodes(size_t x) const {
-      const size_t comparable = job_.width - 2 - x;
+      const size_t columns = job_.width - 2 - x;
       uint8_t costs[disparities];
       for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
-      Rules::costsOfAnyCodes(job_.first + x, job_.reference[x], comparable < disparities ? comparable : disparities,
-                             costs);
+      Rules::costsOfAnyCodes(job_.first + x, job_.reference[x], columns < disparities ? columns : disparities, costs);
       return Costs::load(costs).dealt();
     }
 
     const SgmRowJob& job_;
-    const Codes<Simd> codes_;
+    StretchCosts<Simd> codes_;
   };
 
   // The four penalties of each pixel side by side.
@@ -100,56 +104,50 @@ struct SgmWalk {
     }
   }
 
-  // Calls decide(x, sums) for every pixel that gets a result.
+  // Extends the four paths over the n pixels from x and stores the sums of their costs.
+  static void extend(const SgmRowJob& job, LeftPath& path, size_t x, size_t n, const uint8_t* costs, uint8_t* sums) {
+    LeftPath left = path;
+    const PathState upLeft = job.upLeft, up = job.up, upRight = job.upRight;
+    const uint8_t* p2 = job.p2Memory + 4 * x;
+    for (size_t at = x * disparities; at < (x + n) * disparities; at += disparities) {
+      const Costs cost = Costs::load(costs);
+      left.extend(cost, U8::all(p2[0]));
+      const Costs sum = left.costs + extended(upLeft, at, cost, U8::all(p2[1])) + extended(up, at, cost, U8::all(p2[2])) +
+                        extended(upRight, at, cost, U8::all(p2[3]));
+      sum.store(sums);
+      costs += disparities;
+      sums += disparities;
+      p2 += 4;
+    }
+    path = left;
+  }
+
+  // Calls decide(x, n, sums) for the row, stretch by stretch. Each step is done for a whole stretch before the next
+  // begins: what takes long in one pixel then overlaps with the next pixels.
   template <class Decide>
-  static void walk(const SgmRowJob& row, Decide decide) {
-    const SgmRowJob job = row;  // which no store through a pointer can change
-    const MatchingCosts matching(job);
+  static void walk(const SgmRowJob& job, Decide decide) {
+    alignas(64) uint8_t costs[stretch * disparities], sums[stretch * disparities];
+    MatchingCosts matching(job);
     interleave(job.p2, job.width, job.p2Memory);
     LeftPath left;
-    for (size_t x = 0; x < job.width; ++x) {
-      const Costs cost = matching.at(x);
-      const auto p2 = [&](size_t dir) { return U8::all(job.p2Memory[4 * x + dir]); };
-      left.extend(cost, p2(0));
-      const Costs sums = left.costs + extended(job.upLeft, x, cost, p2(1)) + extended(job.up, x, cost, p2(2)) +
-                         extended(job.upRight, x, cost, p2(3));
-      if (job.costs) cost.inOrder().store(job.costs + x * disparities);
-      if (job.sums) sums.inOrder().store(job.sums + x * disparities);
-      if (x + 4 < job.width) decide(x, sums);
+    for (size_t x = 0; x < job.width; x += stretch) {
+      const size_t n = job.width - x < stretch ? job.width - x : stretch;
+      matching.store(x, n, costs);
+      extend(job, left, x, n, costs, sums);
+      if (job.costs) storeInOrder<Simd>(costs, n, job.costs + x * disparities);
+      if (job.sums) storeInOrder<Simd>(sums, n, job.sums + x * disparities);
+      const size_t decided = x + n + 4 <= job.width ? n : x + 4 < job.width ? job.width - 4 - x : 0;
+      decide(x, decided, sums);
     }
   }
 
-  // The sums with 255 from disparity `count` on.
-  static Costs upTo(size_t count, const Costs& sums, const Costs& own) {
-    const U8 end = U8::all(static_cast<uint8_t>(count));
-    return Costs::each([&](size_t k) { return sums.block[k] | atMost(end, own.block[k]); });
+  // The sums of pixel x, with 255 where the other picture ends.
+  static Costs considered(const uint8_t* sums, size_t width, size_t x, const Costs& own) {
+    const Costs all = Costs::load(sums);
+    if (x + disparities <= width) return all;
+    const U8 columns = U8::all(static_cast<uint8_t>(width - x));
+    return Costs::each([&](size_t k) { return all.block[k] | atMost(columns, own.block[k]); });
   }
-
-  struct Winner {
-    unsigned index, below, cost, above;  // and the sums around it
-    unsigned accepted;                   // all bits or none
-  };
-
-  // The winning disparity if nothing outside its neighbourhood comes close, else 0.
-  //
-  // The rule compares the winner with the three candidates that follow it in order of cost, and tolerates those beside
-  // it. At most two lie beside it: so the first of the three that does not is the smallest number outside the
-  // neighbourhood, and it alone decides. That one is close just when more numbers are close than the winner and the
-  // close ones beside it. Ties change nothing, as they only order numbers that are alike close or not.
-  static Winner distinctWinner(const Costs& sums, const Costs& own, const uint8_t* stored, size_t maxIndex,
-                                 const uint8_t* lastClose) {
-    const unsigned key = smallestKey(sums.block, own.block), winner = key & 255;
-    const unsigned last = lastClose[key >> 8];
-    const unsigned count = countAtMost(sums.block, U8::all(static_cast<uint8_t>(last)));
-    const unsigned below = stored[placeOf(winner - 1)], above = stored[placeOf(winner + 1)];
-    const unsigned expected = 1u + noMore(below, last) + noMore(above, last);
-    const unsigned rejected = (count ^ expected) | noMore(winner, 1) | noMore(static_cast<unsigned>(maxIndex), winner + 1);
-    return {winner, below, key >> 8, above, rejected ? 0u : ~0u};
-  }
-
-  // 1 where a is at most b, else 0, by way of the borrow: compilers like to jump where they see a comparison, and here
-  // no processor can tell where to.
-  static unsigned noMore(unsigned a, unsigned b) { return (a - b - 1) >> 31; }
 
   // Where the number of disparity d lies, for -1 to 64.
   static size_t placeOf(unsigned d) {
@@ -162,36 +160,103 @@ struct SgmWalk {
     return table.v[d + 1];
   }
 
-  static void disparity(const SgmRowJob& row) {
-    const SgmRowJob job = row;
-    if (job.peaks) {
-      for (size_t x = 0; x < job.width; ++x) job.peaks[x] = 0;
-    }
+  // What decides over the pixels of a stretch.
+  struct Candidates {
+    Winners winners;
+    uint16_t last[stretch];   // the largest sum that is close to the winner's
+    uint16_t close[stretch];  // how many sums are
+    uint16_t limit[stretch];  // the winner must lie below
+  };
+
+  static void find(const SgmRowJob& job, size_t x, size_t n, const uint8_t* sums, Candidates& found) {
     const Costs own = Costs::ownDisparities();
-    walk(job, [=](size_t x, const Costs& all) {
-      const size_t toTheEdge = job.width - 1 - x;
-      const size_t maxIndex = toTheEdge < disparities - 1 ? toTheEdge : disparities - 1;
-      const Costs sums = maxIndex < disparities - 1 ? upTo(maxIndex + 1, all, own) : all;
-      uint8_t s[disparities];
-      sums.store(s);
-      const Winner w = distinctWinner(sums, own, s, maxIndex, job.lastClose);
-      if (job.peaks) job.peaks[x] = static_cast<uint8_t>(w.accepted & w.index);
-      job.disparity[x] = static_cast<uint16_t>(w.accepted & Rules::refined(w.index, w.below, w.cost, w.above));
+    const uint8_t* const lastClose = job.lastClose;
+    const size_t width = job.width;
+    for (size_t i = 0; i < n; ++i, sums += disparities) {
+      const Costs s = considered(sums, width, x + i, own);
+      const unsigned key = smallestKey(s.block, own.block), winner = key & 255, cost = key >> 8;
+      found.winners.index[i] = static_cast<uint16_t>(winner);
+      found.winners.cost[i] = static_cast<uint16_t>(cost);
+      found.winners.below[i] = sums[placeOf(winner - 1)];
+      found.winners.above[i] = sums[placeOf(winner + 1)];
+      found.last[i] = lastClose[cost];
+      found.close[i] = static_cast<uint16_t>(countAtMost(s.block, U8::all(lastClose[cost])));
+      const size_t columns = width - x - i;
+      found.limit[i] = static_cast<uint16_t>((columns < disparities ? columns : disparities) - 2);
+    }
+  }
+
+  // All bits set where a winner stands.
+  //
+  // The rule compares the winner with the three candidates that follow it in order of cost, and tolerates those beside
+  // it. At most two lie beside it: so the first of the three that does not is the smallest number outside the
+  // neighbourhood, and it alone decides. That one is close just when more numbers are close than the winner and the
+  // close ones beside it. Ties change nothing, as they only order numbers that are alike close or not. Where fewer than
+  // four numbers are considered none can win. The numbers that are not considered are 255: close only where all are,
+  // and there are then more than three anyway.
+  static U16 accepted(const Candidates& c, size_t i) {
+    const U16 last = U16::load(c.last + i), winner = U16::load(c.winners.index + i);
+    const U16 expected =
+        U16::all(3) + less(last, U16::load(c.winners.below + i)) + less(last, U16::load(c.winners.above + i));
+    return equal(U16::load(c.close + i), expected) & less(U16::all(1), winner) & less(winner, U16::load(c.limit + i));
+  }
+
+  // (a - b) / max(a, b) half pixels, see PixelRules, without a division: the shift in 1/16 pixel, 8 * d / m for
+  // d = max - min and m = max, rounded with halves down, is the number of odd multiples of m below 16 * d.
+  static U16 refined(const Winners& winners, size_t i) {
+    const U16 cost = U16::load(winners.cost + i), a = U16::load(winners.below + i) - cost,
+              b = U16::load(winners.above + i) - cost, lesser = min(a, b), m = a + b - lesser;
+    const U16 d = m - lesser, twice = m + m, d2 = d + d, d4 = d2 + d2, d8 = d4 + d4, d16 = d8 + d8;
+    U16 shift = U16::all(0), multiple = m;
+    for (int k = 0; k < 8; ++k) {
+      shift = shift - less(multiple, d16);
+      multiple = multiple + twice;
+    }
+    const U16 k = U16::load(winners.index + i), k2 = k + k, k4 = k2 + k2, k8 = k4 + k4, value = k8 + k8;
+    return select(less(b, a), value + shift, value - shift);
+  }
+
+  static void refine(const Winners& winners, size_t n, uint16_t* disparity) {
+    uint16_t refinedOnes[stretch];
+    for (size_t i = 0; i < n; i += U16::lanes) refined(winners, i).store(refinedOnes + i);
+    std::memcpy(disparity, refinedOnes, n * sizeof(uint16_t));
+  }
+
+  static void decide(const Candidates& found, size_t n, uint16_t* disparity, uint8_t* peaks) {
+    uint16_t refinedOnes[stretch];
+    uint8_t indices[stretch];
+    for (size_t i = 0; i < n; i += U16::lanes) {
+      const U16 valid = accepted(found, i);
+      (refined(found.winners, i) & valid).store(refinedOnes + i);
+      storeBytes(indices + i, U16::load(found.winners.index + i) & valid);
+    }
+    std::memcpy(disparity, refinedOnes, n * sizeof(uint16_t));
+    if (peaks) std::memcpy(peaks, indices, n);
+  }
+
+  static void disparity(const SgmRowJob& job) {
+    if (job.peaks) std::memset(job.peaks, 0, job.width);
+    Candidates found = {};
+    walk(job, [&](size_t x, size_t n, const uint8_t* sums) {
+      find(job, x, n, sums, found);
+      decide(found, n, job.disparity + x, job.peaks ? job.peaks + x : nullptr);
     });
   }
 
   // The gap between the smallest sum and the smallest one outside its neighbourhood.
   static void distinctness(const SgmRowJob& job) {
-    const Costs own = Costs::ownDisparities();
-    walk(job, [&](size_t x, const Costs& all) {
-      const size_t columns = job.width - x;
-      const Costs sums = columns < disparities ? upTo(columns, all, own) : all;
-      const unsigned key = smallestKey(sums.block, own.block);
-      const U8 neighbour = U8::all(static_cast<uint8_t>((key & 255) - 1)), two = U8::all(2);
-      const U8 runnerUp = Costs::each([&](size_t k) {
-                            return sums.block[k] | atMost(own.block[k] - neighbour, two);
-                          }).smallest();
-      job.distinctness[x] = static_cast<uint8_t>(firstLane(runnerUp) - (key >> 8));
+    walk(job, [&](size_t x, size_t n, const uint8_t* sums) {
+      const Costs own = Costs::ownDisparities();
+      const size_t width = job.width;
+      uint8_t* const out = job.distinctness + x;
+      for (size_t i = 0; i < n; ++i, sums += disparities) {
+        const Costs s = considered(sums, width, x + i, own);
+        const unsigned key = smallestKey(s.block, own.block);
+        const U8 neighbour = U8::all(static_cast<uint8_t>((key & 255) - 1)), two = U8::all(2);
+        const Costs others =
+            Costs::each([&](size_t k) { return s.block[k] | atMost(own.block[k] - neighbour, two); });
+        out[i] = static_cast<uint8_t>(firstLane(others.smallest()) - (key >> 8));
+      }
     });
   }
 };

@@ -43,12 +43,11 @@ class Rows {
 
   void run(SgmRow walk, Results& results, bool withDebug) const {
     const size_t slots = (width_ + 1) * disparities;
-    const Guarded<uint8_t> codeMemory(codeBytes(width_)), p2Memory(4 * width_);
+    const Guarded<uint8_t> p2Memory(4 * width_);
     const std::vector<uint8_t> none(slots, noPredecessor);
     const Guarded<uint8_t> upLeft(none), upLeftToo(none, Guard::before), upRight(none);
     const Guarded<uint8_t> up(std::vector<uint8_t>(slots - disparities, noPredecessor));
     SgmRowJob job = job_;
-    job.codeMemory = codeMemory.data();
     job.p2Memory = p2Memory.data();
     job.up = {up.data(), up.data()};
     job.upRight = {upRight.data() + disparities, upRight.data()};
