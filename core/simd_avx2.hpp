@@ -53,6 +53,8 @@ inline U8 smallestInAll(U8 a) {
   return {_mm256_broadcastb_epi8(_mm_minpos_epu16(ofPairs))};
 }
 
+inline bool allZero(U8 a) { return _mm256_testz_si256(a.v, a.v) != 0; }
+
 inline uint8_t firstLane(U8 a) { return static_cast<uint8_t>(_mm_cvtsi128_si32(_mm256_castsi256_si128(a.v))); }
 
 inline uint64_t lanesAtMost(U8 a, U8 b) {

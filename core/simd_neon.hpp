@@ -35,6 +35,8 @@ inline U8 smallestInAll(U8 a) {
   return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
 }
 
+inline bool allZero(U8 a) { return vget_lane_u64(vreinterpret_u64_u8(vorr_u8(vget_low_u8(a.v), vget_high_u8(a.v))), 0) == 0; }
+
 inline uint8_t firstLane(U8 a) { return vgetq_lane_u8(a.v, 0); }
 
 inline uint64_t lanesAtMost(U8 a, U8 b) {

@@ -56,6 +56,18 @@ struct CodeBytes {
       top.block[k] = words.top;
     }
   }
+
+  // Whether a census makes such codes: all with a top byte of 0, or invalid.
+  bool areOrdinary() const {
+    const auto all = [](unsigned shift) { return Simd::U8::all(static_cast<uint8_t>(censusInvalid >> shift)); };
+    typename Simd::U8 strange = Simd::U8::all(0);
+    for (size_t k = 0; k < Costs<Simd>::blocks; ++k) {
+      const auto notInvalid = (top.block[k] ^ all(24)) | (high.block[k] ^ all(16)) | (mid.block[k] ^ all(8)) |
+                              (low.block[k] ^ all(0));
+      strange = strange | min(top.block[k], notInvalid);
+    }
+    return allZero(strange);
+  }
 };
 
 // For processors that count the bits of bytes: three planes of bytes and one that holds the worst cost where a code is
@@ -143,47 +155,73 @@ class LookedUpCodes {
   Window window_;
 };
 
+// The costs of a row, a stretch of 64 pixels after the other.
 template <class Simd>
-class StretchCosts {
+class RowCosts {
  public:
-  // Of the codes [0, n), whose stretches begin with `first`.
-  StretchCosts(const uint32_t* first, size_t n) : next_(first), left_(n) { append(); }
+  using Rules = PixelRules<Simd>;
+  static constexpr size_t blocks = Costs<Simd>::blocks;
 
-  // Writes the costs of n reference codes, those of the next stretch; n is less than a stretch only at the end.
-  void store(const uint32_t* reference, size_t n, uint8_t* costs) {
-    append();
-    constexpr size_t blocks = Costs<Simd>::blocks;
+  RowCosts(const uint32_t* first, const uint32_t* reference, size_t width)
+      : first_(first), reference_(reference), end_(width - 2) {
+    append(0);
+  }
+
+  // Writes the costs of n pixels from column x, where the next stretch begins; n is less than a stretch only at the end.
+  void store(size_t x, size_t n, uint8_t* costs) {
+    const bool wereOrdinary = ordinary_;
+    append(x + stretch);
+    if (wereOrdinary && ordinary_ && load(reference_, x).areOrdinary()) {
+      storeOrdinary(reference_ + x, n, costs);
+    } else {
+      for (size_t i = 0; i < n; ++i) storeAny(x + i, costs + i * disparities);
+    }
+    for (size_t i = 0; i < n && x + i < 2; ++i) Costs<Simd>::all(worstCost).store(costs + i * disparities);
+  }
+
+ private:
+  // Pixels in groups, so that what depends on a pixel's place within its group is known to the compiler.
+  void storeOrdinary(const uint32_t* reference, size_t n, uint8_t* costs) const {
     size_t i = 0;
     for (; i + blocks <= n; i += blocks) {
 #pragma GCC unroll 4
       for (size_t rest = 0; rest < blocks; ++rest) {
-        of(reference[i + rest], i / blocks, rest).store(costs + (i + rest) * disparities);
+        ordinary(reference[i + rest], i / blocks, rest).store(costs + (i + rest) * disparities);
       }
     }
-    for (; i < n; ++i) of(reference[i], i / blocks, i % blocks).store(costs + i * disparities);
+    for (; i < n; ++i) ordinary(reference[i], i / blocks, i % blocks).store(costs + i * disparities);
   }
 
- private:
-  Costs<Simd> of(uint32_t reference, size_t group, size_t rest) const {
+  Costs<Simd> ordinary(uint32_t reference, size_t group, size_t rest) const {
     return reference == censusInvalid ? Costs<Simd>::all(worstCost) : codes_.costs(reference, group, rest);
   }
 
-  // Behind the last code come invalid ones.
-  void append() {
-    if (left_ >= stretch) {
-      codes_.append(CodeBytes<Simd>(next_));
-      next_ += stretch;
-      left_ -= stretch;
-      return;
-    }
-    uint32_t rest[stretch];
-    for (size_t i = 0; i < stretch; ++i) rest[i] = i < left_ ? next_[i] : censusInvalid;
-    left_ = 0;
-    codes_.append(CodeBytes<Simd>(rest));
+  // For codes that no census makes.
+  void storeAny(size_t x, uint8_t* dst) const {
+    const size_t columns = x < end_ ? end_ - x : 0;
+    uint8_t costs[disparities];
+    for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
+    Rules::costsOfAnyCodes(first_ + x, reference_[x], columns < disparities ? columns : disparities, costs);
+    Costs<Simd>::load(costs).dealt().store(dst);
   }
 
-  const uint32_t* next_;
-  size_t left_;
+  void append(size_t x) {
+    const CodeBytes<Simd> codes = load(first_, x);
+    ordinary_ = codes.areOrdinary();
+    codes_.append(codes);
+  }
+
+  // The codes of 64 columns. Those of the row's frame, which may hold anything, and behind it count as invalid.
+  CodeBytes<Simd> load(const uint32_t* row, size_t x) const {
+    if (x >= 2 && x + stretch <= end_) return CodeBytes<Simd>(row + x);
+    uint32_t codes[stretch];
+    for (size_t i = 0; i < stretch; ++i) codes[i] = x + i >= 2 && x + i < end_ ? row[x + i] : censusInvalid;
+    return CodeBytes<Simd>(codes);
+  }
+
+  const uint32_t *first_, *reference_;
+  size_t end_;
+  bool ordinary_ = true;  // what was appended last
   std::conditional_t<Simd::looksUp, LookedUpCodes<Simd>, CountedCodes<Simd>> codes_;
 };
 

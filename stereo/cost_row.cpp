@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "core/cpu.hpp"
-#include "stereo/code_row.hpp"
+#include "stereo/kernels.hpp"
 #include "stereo/rows.hpp"
 
 namespace nadir {
@@ -44,11 +44,9 @@ void SGM_CalcDsiRow_neon(const uint32_t* first, const uint32_t* reference, uint3
                          uint32_t numDisparities, uint32_t row, uint8_t* costRow) {
   std::memset(costRow, worstCost, size_t{width} * disparities);
   if (isBorderRow(row, height) || width < 5) return;
-  const bool ordinary =
-      numDisparities >= disparities && areCensusCodes(first + 2, width - 4) && areCensusCodes(reference + 2, width - 4);
-  if (ordinary) {
-    stereoKernels(cpu()).costs(first + 2, width - 4, reference + 2, width - 4, costRow + 2 * disparities);
+  if (numDisparities >= disparities) {
+    stereoKernels(cpu()).costs(first, reference, width, costRow);
   } else {
-    costsOfAnyCodes(first, reference, width, numDisparities < disparities ? numDisparities : disparities, costRow);
+    costsOfAnyCodes(first, reference, width, numDisparities, costRow);
   }
 }

@@ -14,6 +14,9 @@ constexpr uint32_t censusInvalid = 0xFFAAA555u;
 constexpr uint8_t penaltyOne = 7;                      // P1 of the drivers
 constexpr uint8_t flatPenalty = 39, edgePenalty = 17;  // the range of P2
 
+// The codes of rows 0, 1, height - 2 and height - 1, and of columns that near to a side, do not exist.
+inline bool isBorderRow(uint32_t row, uint32_t height) { return row < 2 || row >= height - 2; }
+
 // Writes the census codes of n pixels to dst[0, n). rows are five image rows, read at [0, n + 4); the window of code i
 // is columns i to i + 4.
 using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t n);
@@ -21,9 +24,9 @@ using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t 
 // Writes the penalties of n pixels, from their intensities and those of their predecessors, to dst[0, n).
 using PenaltyRow = void (*)(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n);
 
-// Writes n * 64 costs: those of reference[i] with first[i] to first[i + 63], of which those at `codes` and behind count
-// as invalid. All are codes that a census makes, and n is at most codes.
-using CostRow = void (*)(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs);
+// Writes width * 64 costs: of each pixel of `reference` with itself and the 63 behind it in `first`. Two columns at either
+// side have no codes: the costs there and with those are the worst ones. The width is at least 5.
+using CostRow = void (*)(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costs);
 
 // One row of PC_NextRow for a path record.
 struct PathRowJob {
@@ -58,7 +61,6 @@ struct SgmRowJob {
   const uint32_t* first;      // codes of the first picture
   const uint32_t* reference;  // of the second picture
   bool hasCosts;              // false in the border rows, where every cost is the worst one
-  bool exact;                 // the row has codes that no census makes: costs are then done code by code
   const uint8_t* p2[4];       // by PathDir
   uint8_t* p2Memory;          // 4 * width bytes for the kernel's own use
   PathState upLeft, up, upRight;

@@ -20,12 +20,15 @@ void penalties(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* ds
   for (size_t i = 0; i < n; ++i) dst[i] = Rules::penalty(pixels[i], predecessors[i]);
 }
 
-void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs) {
-  for (size_t i = 0; i < n; ++i) {
-    for (size_t d = 0; d < disparities; ++d) {
-      *costs++ = i + d < codes ? Rules::cost(first[i + d], reference[i]) : worstCost;
-    }
-  }
+void pixelCosts(const uint32_t* first, const uint32_t* reference, size_t width, size_t x, uint8_t* costs) {
+  std::memset(costs, worstCost, disparities);
+  if (x < 2 || x + 2 >= width) return;
+  const size_t columns = width - 2 - x;
+  Rules::costsOfAnyCodes(first + x, reference[x], columns < disparities ? columns : disparities, costs);
+}
+
+void costs(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costs) {
+  for (size_t x = 0; x < width; ++x) pixelCosts(first, reference, width, x, costs + x * disparities);
 }
 
 uint8_t lesser(unsigned a, unsigned b) { return static_cast<uint8_t>(a < b ? a : b); }
@@ -107,17 +110,6 @@ void refine(const Winners& winners, size_t n, uint16_t* disparity) {
 
 // ---- the walk ----
 
-void matchingCosts(const SgmRowJob& job, size_t x, uint8_t* costs) {
-  for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
-  if (!job.hasCosts || x < 2 || x + 2 >= job.width) return;
-  const size_t columns = job.width - 2 - x, count = columns < disparities ? columns : disparities;
-  if (job.exact) {
-    Rules::costsOfAnyCodes(job.first + x, job.reference[x], count, costs);
-  } else {
-    for (size_t d = 0; d < count; ++d) costs[d] = Rules::cost(job.first[x + d], job.reference[x]);
-  }
-}
-
 // Extends a path by a pixel and adds its costs to the sums. Path costs are kept less their minimum, here and in the
 // vector kernels: every cost of a successor is relative to it anyway.
 void extend(const uint8_t* before, const uint8_t* costs, uint8_t p2, uint8_t* here, uint8_t* sums) {
@@ -140,7 +132,8 @@ void walk(const SgmRowJob& job, Decide decide) {
   for (size_t x = 0; x < job.width; ++x) {
     const size_t at = x * disparities;
     uint8_t costs[disparities], sums[disparities] = {};
-    matchingCosts(job, x, costs);
+    std::memset(costs, worstCost, disparities);
+    if (job.hasCosts) pixelCosts(job.first, job.reference, job.width, x, costs);
     extend(left, costs, job.p2[PC_DIR_LEFT][x], left, sums);
     extend(job.upLeft.before + at, costs, job.p2[PC_DIR_UPLEFT][x], job.upLeft.here + at, sums);
     extend(job.up.before + at, costs, job.p2[PC_DIR_UP][x], job.up.here + at, sums);

@@ -56,13 +56,13 @@ struct RowKernels : PixelRules<Simd> {
 
 template <class Simd>
 struct CostKernels {
-  static void costs(const uint32_t* first, size_t codes, const uint32_t* reference, size_t n, uint8_t* costs) {
-    StretchCosts<Simd> stretchCosts(first, codes);
-    for (size_t x = 0; x < n; x += stretch) {
-      const size_t pixels = n - x < stretch ? n - x : stretch;
+  static void costs(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costs) {
+    RowCosts<Simd> rowCosts(first, reference, width);
+    for (size_t x = 0; x < width; x += stretch) {
+      const size_t n = width - x < stretch ? width - x : stretch;
       uint8_t dealt[stretch * disparities];
-      stretchCosts.store(reference + x, pixels, dealt);
-      storeInOrder<Simd>(dealt, pixels, costs + x * disparities);
+      rowCosts.store(x, n, dealt);
+      storeInOrder<Simd>(dealt, n, costs + x * disparities);
     }
   }
 };

@@ -5,7 +5,6 @@
 
 #include "core/cpu.hpp"
 #include "core/memory.hpp"
-#include "stereo/code_row.hpp"
 #include "stereo/penalties.hpp"
 #include "stereo/rows.hpp"
 
@@ -58,7 +57,7 @@ class Matcher {
     const size_t at = size_t{y} * pair_.width;
     job_.first = pair_.first + at;
     job_.reference = pair_.reference + at;
-    prepareCodes(y);
+    job_.hasCosts = !isBorderRow(y, pair_.height);
     preparePenalties(at, y);
     if (debug_) prepareDebug(at);
     return job_;
@@ -76,14 +75,6 @@ class Matcher {
   }
 
  private:
-  // The frame of two columns holds whatever the caller left there; it is not looked at.
-  void prepareCodes(uint32_t y) {
-    const size_t inner = pair_.width - 4;
-    job_.hasCosts = !isBorderRow(y, pair_.height);
-    if (!job_.hasCosts) return;
-    job_.exact = !areCensusCodes(job_.first + 2, inner) || !areCensusCodes(job_.reference + 2, inner);
-  }
-
   void preparePenalties(size_t at, uint32_t y) {
     const uint16_t* const pixels = pair_.image + at;
     penaltiesOfRow(kernels_.penalties, pixels, y ? pixels - pair_.width : nullptr, pair_.width, p2_);

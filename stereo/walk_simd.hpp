@@ -59,33 +59,6 @@ struct SgmWalk {
     return costs;
   }
 
-  // The matching costs of a row, stretch by stretch.
-  class MatchingCosts {
-   public:
-    explicit MatchingCosts(const SgmRowJob& job) : job_(job), codes_(job.first, job.width - 2) {}
-
-    void store(size_t x, size_t n, uint8_t* costs) {
-      if (job_.hasCosts && !job_.exact) codes_.store(job_.reference + x, n, costs);
-      for (size_t i = 0; i < n; ++i) {
-        const bool comparable = job_.hasCosts && x + i >= 2 && x + i + 2 < job_.width;
-        if (!comparable) Costs::all(worstCost).store(costs + i * disparities);
-        if (comparable && job_.exact) ofAnyCodes(x + i).store(costs + i * disparities);
-      }
-    }
-
-   private:
-    Costs ofAnyCodes(size_t x) const {
-      const size_t columns = job_.width - 2 - x;
-      uint8_t costs[disparities];
-      for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
-      Rules::costsOfAnyCodes(job_.first + x, job_.reference[x], columns < disparities ? columns : disparities, costs);
-      return Costs::load(costs).dealt();
-    }
-
-    const SgmRowJob& job_;
-    StretchCosts<Simd> codes_;
-  };
-
   // The four penalties of each pixel side by side.
   static void interleave(const uint8_t* const (&rows)[4], size_t n, uint8_t* dst) {
     const bool done = forBlocks<U8::lanes>(n, [&](size_t i) {
@@ -127,12 +100,13 @@ struct SgmWalk {
   template <class Decide>
   static void walk(const SgmRowJob& job, Decide decide) {
     alignas(64) uint8_t costs[stretch * disparities], sums[stretch * disparities];
-    MatchingCosts matching(job);
+    RowCosts<Simd> rowCosts(job.first, job.reference, job.width);
     interleave(job.p2, job.width, job.p2Memory);
+    if (!job.hasCosts) std::memset(costs, worstCost, sizeof costs);
     LeftPath left;
     for (size_t x = 0; x < job.width; x += stretch) {
       const size_t n = job.width - x < stretch ? job.width - x : stretch;
-      matching.store(x, n, costs);
+      if (job.hasCosts) rowCosts.store(x, n, costs);
       extend(job, left, x, n, costs, sums);
       if (job.costs) storeInOrder<Simd>(costs, n, job.costs + x * disparities);
       if (job.sums) storeInOrder<Simd>(sums, n, job.sums + x * disparities);

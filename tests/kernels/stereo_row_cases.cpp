@@ -57,26 +57,27 @@ void benchPenalties(PenaltyRow penalties) {
   for (int i = 0; i < 4 * 480; ++i) penalties(&pixels[0], &pixels[640], out.data(), out.size());
 }
 
-// Codes that a census makes, valid and invalid ones.
-std::vector<uint32_t> censusCodes(Random& random, Fill fill, size_t n) {
-  std::vector<uint32_t> codes = filled<uint32_t>(random, fill, n, 0, 0xFFFFFF);
-  for (uint32_t& code : codes) {
+// Codes that a census makes, valid and invalid ones, and some that it does not.
+std::vector<uint32_t> codes(Random& random, Fill fill, size_t n, bool strangeToo) {
+  std::vector<uint32_t> out = filled<uint32_t>(random, fill, n, 0, 0xFFFFFF);
+  for (uint32_t& code : out) {
     if (random.below(9) == 0) code = censusInvalid;
+    if (strangeToo && random.below(40) == 0) code = random.below(2) ? censusInvalid ^ 1 : 0x01000000;
   }
-  return codes;
+  return out;
 }
 
 void checkCosts(Check& check, CostRow scalar, CostRow tested) {
-  for (size_t codes = 0; codes <= 150; ++codes) {
+  for (size_t width = 5; width <= 270; width += width < 150 ? 1 : 13) {
     for (Fill fill : allFills) {
       for (Guard side : {Guard::behind, Guard::before}) {
-        const size_t n = codes - (codes ? check.random.below(static_cast<uint32_t>(codes)) : 0);
-        check.describe(atWidth(n, fill) + ", codes " + std::to_string(codes));
-        const Guarded<uint32_t> first(censusCodes(check.random, fill, codes), side);
-        const Guarded<uint32_t> reference(censusCodes(check.random, fill, n), side);
-        Output<uint8_t> want(n * disparities, side, 0x5A), got(n * disparities, side, 0x5A);
-        scalar(first.data(), codes, reference.data(), n, want.data());
-        tested(first.data(), codes, reference.data(), n, got.data());
+        check.describe(atWidth(width, fill));
+        const bool strangeToo = check.random.below(4) == 0;
+        const Guarded<uint32_t> first(codes(check.random, fill, width, strangeToo), side);
+        const Guarded<uint32_t> reference(codes(check.random, fill, width, strangeToo), side);
+        Output<uint8_t> want(width * disparities, side, 0x5A), got(width * disparities, side, 0x5A);
+        scalar(first.data(), reference.data(), width, want.data());
+        tested(first.data(), reference.data(), width, got.data());
         check.equal("cost", want, got);
       }
     }
@@ -84,10 +85,10 @@ void checkCosts(Check& check, CostRow scalar, CostRow tested) {
 }
 
 void benchCosts(CostRow costs) {
-  static const std::vector<uint32_t> first = Random(7).values<uint32_t>(703, 1 << 24);
+  static const std::vector<uint32_t> first = Random(7).values<uint32_t>(640, 1 << 24);
   static const std::vector<uint32_t> reference = Random(8).values<uint32_t>(640, 1 << 24);
   static std::vector<uint8_t> out(640 * disparities);
-  for (int i = 0; i < 20; ++i) costs(first.data(), 703, reference.data(), 640, out.data());
+  for (int i = 0; i < 20; ++i) costs(first.data(), reference.data(), 640, out.data());
 }
 
 // Runs one row of path costs over buffers of its own, in place or from one buffer to another, and compares.
