@@ -31,7 +31,7 @@ void costs(const uint32_t* first, const uint32_t* reference, size_t width, uint8
   for (size_t x = 0; x < width; ++x) pixelCosts(first, reference, width, x, costs + x * disparities);
 }
 
-uint8_t lesser(unsigned a, unsigned b) { return static_cast<uint8_t>(a < b ? a : b); }
+uint8_t lesser(uint8_t a, uint8_t b) { return a < b ? a : b; }
 uint8_t wrapped(unsigned x) { return static_cast<uint8_t>(x); }
 
 // Old path costs are read before the new ones replace them: `before` and `here` may be the same slot.
@@ -76,6 +76,7 @@ void fourSmallest(const uint8_t* costs, size_t maxIndex, unsigned (&smallest)[4]
   for (unsigned k = 0; k < 4; ++k) smallest[k] = ~0u;
   for (size_t i = 0; i <= maxIndex || i < 4; ++i) {
     unsigned candidate = i <= maxIndex ? key(costs, i) : 255 * 256u + static_cast<unsigned>(i);
+    if (candidate >= smallest[3]) continue;
     for (unsigned& place : smallest) {
       const unsigned displaced = place;
       if (candidate >= displaced) continue;
@@ -111,17 +112,19 @@ void refine(const Winners& winners, size_t n, uint16_t* disparity) {
 // ---- the walk ----
 
 // Extends a path by a pixel and adds its costs to the sums. Path costs are kept less their minimum, here and in the
-// vector kernels: every cost of a successor is relative to it anyway.
+// vector kernels: a successor's are relative to it anyway.
 void extend(const uint8_t* before, const uint8_t* costs, uint8_t p2, uint8_t* here, uint8_t* sums) {
-  uint8_t path[disparities], least = 255;
+  uint8_t from[disparities + 2], path[disparities];
+  from[0] = from[disparities + 1] = noPredecessor;
+  std::memcpy(from + 1, before, disparities);
   for (size_t d = 0; d < disparities; ++d) {
-    const uint8_t below = d ? before[d - 1] : noPredecessor;
-    const uint8_t above = d + 1 < disparities ? before[d + 1] : noPredecessor;
-    path[d] = wrapped(costs[d] + lesser(lesser(before[d], p2), lesser(below, above) + 0u + penaltyOne) + 0u);
-    sums[d] = wrapped(sums[d] + path[d] + 0u);
-    least = lesser(least, path[d]);
+    const uint8_t neighbour = wrapped(lesser(from[d], from[d + 2]) + 0u + penaltyOne);
+    path[d] = wrapped(costs[d] + lesser(lesser(from[d + 1], p2), neighbour) + 0u);
   }
+  uint8_t least = 255;
+  for (size_t d = 0; d < disparities; ++d) least = lesser(least, path[d]);
   for (size_t d = 0; d < disparities; ++d) here[d] = wrapped(path[d] - least + 0u);
+  for (size_t d = 0; d < disparities; ++d) sums[d] = wrapped(sums[d] + path[d] + 0u);
 }
 
 // Calls decide(x, sums) for every pixel that gets a result.

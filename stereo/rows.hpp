@@ -30,7 +30,9 @@ struct PixelRules {
   static unsigned bits(uint32_t x) {
     x = x - ((x >> 1) & 0x55555555u);
     x = (x & 0x33333333u) + ((x >> 2) & 0x33333333u);
-    return (((x + (x >> 4)) & 0x0F0F0F0Fu) * 0x01010101u) >> 24;
+    x = (x + (x >> 4)) & 0x0F0F0F0Fu;
+    x = x + (x >> 8);
+    return (x + (x >> 16)) & 63;
   }
 
   // The Hamming distance of two codes.
