@@ -1,4 +1,8 @@
-// Vectors for NEON, 32- and 64-bit ARM alike. See simd_scalar.hpp for what each operation does.
+// Vectors for NEON, 32- and 64-bit ARM alike. Here stands what each operation does; those of other instruction sets
+// agree with them.
+//
+// U8 and U16 are as many bytes or 16-bit words as a register holds. Arithmetic wraps around, comparisons are unsigned
+// and give lanes with all bits set or none.
 #pragma once
 
 #include <arm_neon.h>
@@ -24,10 +28,17 @@ inline U8 operator|(U8 a, U8 b) { return {vorrq_u8(a.v, b.v)}; }
 inline U8 min(U8 a, U8 b) { return {vminq_u8(a.v, b.v)}; }
 inline U8 max(U8 a, U8 b) { return {vmaxq_u8(a.v, b.v)}; }
 inline U8 atMost(U8 a, U8 b) { return {vcleq_u8(a.v, b.v)}; }
+
+// The number of bits set in each lane.
 inline U8 bitCount(U8 a) { return {vcntq_u8(a.v)}; }
+
+// The lanes moved up by one: the last lane of `below`, then all but the last of `a`.
 inline U8 movedUp(U8 below, U8 a) { return {vextq_u8(below.v, a.v, 15)}; }
+
+// The lanes moved down by one: all but the first of `a`, then the first lane of `above`.
 inline U8 movedDown(U8 a, U8 above) { return {vextq_u8(a.v, above.v, 1)}; }
 
+// The smallest lane, in every lane.
 inline U8 smallestInAll(U8 a) {
   uint8x8_t m = vpmin_u8(vget_low_u8(a.v), vget_high_u8(a.v));
   m = vpmin_u8(m, m);
@@ -35,10 +46,13 @@ inline U8 smallestInAll(U8 a) {
   return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
 }
 
-inline bool allZero(U8 a) { return vget_lane_u64(vreinterpret_u64_u8(vorr_u8(vget_low_u8(a.v), vget_high_u8(a.v))), 0) == 0; }
+inline bool allZero(U8 a) {
+  return vget_lane_u64(vreinterpret_u64_u8(vorr_u8(vget_low_u8(a.v), vget_high_u8(a.v))), 0) == 0;
+}
 
 inline uint8_t firstLane(U8 a) { return vgetq_lane_u8(a.v, 0); }
 
+// Bit i is set where lane i of a is at most that of b.
 inline uint64_t lanesAtMost(U8 a, U8 b) {
   static const uint8_t bitOfLane[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
   const uint8x16_t bits = vandq_u8(vcleq_u8(a.v, b.v), vld1q_u8(bitOfLane));
@@ -68,14 +82,17 @@ inline U16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
 inline U16 less(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }
 inline U16 select(U16 mask, U16 a, U16 b) { return {vbslq_u16(mask.v, a.v, b.v)}; }
 
+// Stores the words high << 16 | low.
 inline void storeWords(uint32_t* p, U16 low, U16 high) {
   const uint16x8x2_t words = vzipq_u16(low.v, high.v);
   vst1q_u32(p, vreinterpretq_u32_u16(words.val[0]));
   vst1q_u32(p + 4, vreinterpretq_u32_u16(words.val[1]));
 }
 
+// Stores lanes below 256 as bytes.
 inline void storeBytes(uint8_t* p, U16 a) { vst1_u8(p, vmovn_u16(a.v)); }
 
+// How many lanes of all blocks are at most those of `bound`.
 template <size_t n>
 inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
   uint8x16_t count = vdupq_n_u8(0);
@@ -86,6 +103,7 @@ inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
   return vget_lane_u8(vpadd_u8(sum, sum), 0);
 }
 
+// The smallest 256 * value + index of all lanes.
 template <size_t n>
 inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   uint16x8_t least = vdupq_n_u16(0xFFFF);
@@ -99,6 +117,8 @@ inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   return vget_lane_u16(vpmin_u16(m, m), 0);
 }
 
+// What lies at p, loaded already, moved up or down by one lane with 255 in the free one. Processors that load from any
+// address in no time do better to load again, from the byte before p or behind it.
 inline U8 againMovedUp(const uint8_t*, U8 a) { return movedUp(U8::all(255), a); }
 inline U8 againMovedDown(const uint8_t*, U8 a) { return movedDown(a, U8::all(255)); }
 
@@ -106,6 +126,7 @@ struct Pair {
   U8 first, second;
 };
 
+// One lane of a, one of b, and so on; and back.
 inline Pair zipped(U8 a, U8 b) {
   const uint8x16x2_t both = vzipq_u8(a.v, b.v);
   return {{both.val[0]}, {both.val[1]}};
@@ -115,6 +136,7 @@ inline Pair unzipped(U8 a, U8 b) {
   return {{both.val[0]}, {both.val[1]}};
 }
 
+// The four bytes of words, as many as U8 has lanes.
 struct WordBytes {
   U8 low, mid, high, top;
   static WordBytes load(const uint32_t* p);
@@ -126,7 +148,7 @@ inline WordBytes WordBytes::load(const uint32_t* p) {
 }
 
 struct Simd {
-  static constexpr bool looksUp = false;
+  static constexpr bool looksUp = false;  // has a look-up in 16 bytes that beats counting bits
   using U8 = neon::U8;
   using WordBytes = neon::WordBytes;
   using U16 = neon::U16;

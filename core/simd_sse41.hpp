@@ -1,4 +1,4 @@
-// Vectors for SSE4.1. See simd_scalar.hpp for what each operation does.
+// Vectors for SSE4.1. See simd_neon.hpp for what each operation does.
 #pragma once
 
 #include <smmintrin.h>
@@ -14,7 +14,7 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static U8 all(uint8_t x) { return {_mm_set1_epi8(static_cast<char>(x))}; }
-  static U8 repeated16(const uint8_t* p) { return U8::load(p); }
+  static U8 repeated16(const uint8_t* p) { return load(p); }
   void store(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 };
 
@@ -23,16 +23,7 @@ inline U8 operator-(U8 a, U8 b) { return {_mm_sub_epi8(a.v, b.v)}; }
 inline U8 operator^(U8 a, U8 b) { return {_mm_xor_si128(a.v, b.v)}; }
 inline U8 operator|(U8 a, U8 b) { return {_mm_or_si128(a.v, b.v)}; }
 inline U8 min(U8 a, U8 b) { return {_mm_min_epu8(a.v, b.v)}; }
-inline U8 max(U8 a, U8 b) { return {_mm_max_epu8(a.v, b.v)}; }
 inline U8 atMost(U8 a, U8 b) { return {_mm_cmpeq_epi8(_mm_min_epu8(a.v, b.v), a.v)}; }
-
-inline U8 bitCount(U8 a) {
-  const __m128i ofNibble = _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
-  const __m128i low = _mm_set1_epi8(0x0F);
-  const __m128i lower = _mm_shuffle_epi8(ofNibble, _mm_and_si128(a.v, low));
-  const __m128i upper = _mm_shuffle_epi8(ofNibble, _mm_and_si128(_mm_srli_epi16(a.v, 4), low));
-  return {_mm_add_epi8(lower, upper)};
-}
 
 inline U8 movedUp(U8 below, U8 a) { return {_mm_alignr_epi8(a.v, below.v, 15)}; }
 inline U8 movedDown(U8 a, U8 above) { return {_mm_alignr_epi8(above.v, a.v, 1)}; }
@@ -111,7 +102,6 @@ inline U8 againMovedDown(const uint8_t* p, U8) {
   return U8::load(p + 1) | U8{_mm_slli_si128(_mm_cvtsi32_si128(255), 15)};
 }
 
-// a table of 16 bytes, looked up by the lanes of `index`; 0 where an index has its top bit set.
 inline U8 lookedUp(U8 table, U8 index) { return {_mm_shuffle_epi8(table.v, index.v)}; }
 
 inline U8 wordsDividedBy16(U8 a) { return {_mm_srli_epi16(a.v, 4)}; }

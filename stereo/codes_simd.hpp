@@ -4,7 +4,8 @@
 // and the next 64, byte by byte or half byte by half byte in planes of their own. Within a plane the codes of every
 // `blocks`-th column lie together, as the disparities do in Costs; with four blocks:
 //
-//     | 0 4 8 .. 60 | 64 68 .. 124 | 1 5 9 .. 61 | 65 69 .. 125 | 2 6 10 .. 62 | 66 70 .. 126 | 3 7 11 .. 63 | 67 71 .. 127 |
+//     | 0 4 8 .. 60 | 64 68 .. 124 | 1 5 9 .. 61 | 65 69 .. 125 | 2 6 10 .. 62 | 66 70 .. 126 | 3 7 11 .. 63 | 67 71 ..
+//     127 |
 //
 // Column 5 and its candidates, for example, begin at 5, 6, 7 and, in the first of these, at 8.
 #pragma once
@@ -62,8 +63,8 @@ struct CodeBytes {
     const auto all = [](unsigned shift) { return Simd::U8::all(static_cast<uint8_t>(censusInvalid >> shift)); };
     typename Simd::U8 strange = Simd::U8::all(0);
     for (size_t k = 0; k < Costs<Simd>::blocks; ++k) {
-      const auto notInvalid = (top.block[k] ^ all(24)) | (high.block[k] ^ all(16)) | (mid.block[k] ^ all(8)) |
-                              (low.block[k] ^ all(0));
+      const auto notInvalid =
+          (top.block[k] ^ all(24)) | (high.block[k] ^ all(16)) | (mid.block[k] ^ all(8)) | (low.block[k] ^ all(0));
       strange = strange | min(top.block[k], notInvalid);
     }
     return allZero(strange);
@@ -92,8 +93,8 @@ class CountedCodes {
              high = U8::all(static_cast<uint8_t>(reference >> 16));
     return Costs<Simd>::each([&](size_t k) {
       const uint8_t* const p = window_.at(group, rest, k);
-      const U8 different = bitCount(low ^ U8::load(p)) + bitCount(mid ^ U8::load(p + plane)) +
-                           bitCount(high ^ U8::load(p + 2 * plane));
+      const U8 different =
+          bitCount(low ^ U8::load(p)) + bitCount(mid ^ U8::load(p + plane)) + bitCount(high ^ U8::load(p + 2 * plane));
       return max(different, U8::load(p + 3 * plane));
     });
   }
@@ -167,7 +168,8 @@ class RowCosts {
     append(0);
   }
 
-  // Writes the costs of n pixels from column x, where the next stretch begins; n is less than a stretch only at the end.
+  // Writes the costs of n pixels from column x, where the next stretch begins; n is less than a stretch only at the
+  // end.
   void store(size_t x, size_t n, uint8_t* costs) {
     const bool wereOrdinary = ordinary_;
     append(x + stretch);

@@ -24,8 +24,8 @@ using CensusRow = void (*)(const uint16_t* const rows[5], uint32_t* dst, size_t 
 // Writes the penalties of n pixels, from their intensities and those of their predecessors, to dst[0, n).
 using PenaltyRow = void (*)(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n);
 
-// Writes width * 64 costs: of each pixel of `reference` with itself and the 63 behind it in `first`. Two columns at either
-// side have no codes: the costs there and with those are the worst ones. The width is at least 5.
+// Writes width * 64 costs: of each pixel of `reference` with itself and the 63 behind it in `first`. Two columns at
+// either side have no codes: the costs there and with those are the worst ones. The width is at least 5.
 using CostRow = void (*)(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costs);
 
 // One row of PC_NextRow for a path record.
@@ -46,9 +46,9 @@ using PathRow = void (*)(const PathRowJob& job);
 using FindMin = void (*)(const uint8_t* costs, size_t count, uint8_t* minValue, uint32_t* minIndex);
 using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio);
 
-// The path costs of one direction: 64 bytes for each pixel, in an order of the kernel's own, or noPredecessor throughout
-// where there is no pixel. `before` are those of the predecessors of a row's pixels, `here` where the pixels' own go.
-// The two may be the same memory where no predecessor is needed after its successor is written.
+// The path costs of one direction: 64 bytes for each pixel, in an order of the kernel's own, or noPredecessor
+// throughout where there is no pixel. `before` are those of the predecessors of a row's pixels, `here` where the
+// pixels' own go. The two may be the same memory where no predecessor is needed after its successor is written.
 struct PathState {
   const uint8_t* before;
   uint8_t* here;
@@ -64,11 +64,11 @@ struct SgmRowJob {
   const uint8_t* p2[4];       // by PathDir
   uint8_t* p2Memory;          // 4 * width bytes for the kernel's own use
   PathState upLeft, up, upRight;
-  const uint8_t* lastClose;   // walkDisparity: the largest sum that counts as close, by the smallest sum
-  uint8_t *costs, *sums;  // null, or width * 64 bytes to fill
-  uint8_t* peaks;         // null, or width bytes to fill
-  uint16_t* disparity;    // walkDisparity: width values, all 0 before
-  uint8_t* distinctness;  // walkDistinctness: width values, all 255 before
+  const uint8_t* lastClose;  // walkDisparity: the largest sum that counts as close, by the smallest sum
+  uint8_t *costs, *sums;     // null, or width * 64 bytes to fill
+  uint8_t* peaks;            // null, or width bytes to fill
+  uint16_t* disparity;       // walkDisparity: width values, all 0 before
+  uint8_t* distinctness;     // walkDistinctness: width values, all 255 before
 };
 using SgmRow = void (*)(const SgmRowJob& job);
 

@@ -9,16 +9,10 @@ namespace nadir {
 
 template <class Simd>
 constexpr StereoKernels stereoKernelsOf() {
-  return {RowKernels<Simd>::census,
-          RowKernels<Simd>::penalties,
-          CostKernels<Simd>::costs,
-          PathKernels<Simd>::path,
-          Simd::U8::lanes,
-          SelectKernels<Simd>::findMin,
-          SelectKernels<Simd>::peakCheck,
-          SgmWalk<Simd>::refine,
-          SgmWalk<Simd>::disparity,
-          SgmWalk<Simd>::distinctness};
+  return {
+      RowKernels<Simd>::census, RowKernels<Simd>::penalties,  CostKernels<Simd>::costs,       PathKernels<Simd>::path,
+      Simd::U8::lanes,          SelectKernels<Simd>::findMin, SelectKernels<Simd>::peakCheck, SgmWalk<Simd>::refine,
+      SgmWalk<Simd>::disparity, SgmWalk<Simd>::distinctness};
 }
 
 }  // namespace nadir

@@ -26,9 +26,7 @@ constexpr uint64_t pathBytes(uint64_t width) { return disparities * (2 * (width 
 constexpr size_t lineBytes = 64;  // a slot is one line of a processor's cache
 constexpr size_t sums = 256;      // that there are
 
-constexpr uint64_t scratchBytes(uint64_t width) {
-  return lineBytes - 1 + pathBytes(width) + 8 * width + sums;
-}
+constexpr uint64_t scratchBytes(uint64_t width) { return lineBytes - 1 + pathBytes(width) + 8 * width + sums; }
 
 // The matcher's working memory, one block cut into pieces, as a row job points at them.
 class Matcher {

@@ -40,8 +40,7 @@ struct SgmWalk {
 
     void extend(const Costs& cost, const U8& p2) {
       const U8 none = U8::all(255);
-      const Costs from =
-          brought(costs, movedUp(none, costs.block[Costs::blocks - 1]), movedDown(costs.block[0], none));
+      const Costs from = brought(costs, movedUp(none, costs.block[Costs::blocks - 1]), movedDown(costs.block[0], none));
       costs = cost + min(from - smallest, p2);
       smallest = costs.smallest();
     }
@@ -52,8 +51,8 @@ struct SgmWalk {
     const uint8_t* const p = path.before + at;
     const Costs before = Costs::load(p);
     constexpr size_t last = Costs::blocks - 1;
-    const Costs from = brought(before, againMovedUp(p + last * U8::lanes, before.block[last]),
-                               againMovedDown(p, before.block[0]));
+    const Costs from =
+        brought(before, againMovedUp(p + last * U8::lanes, before.block[last]), againMovedDown(p, before.block[0]));
     const Costs costs = cost + min(from, p2);
     (costs - costs.smallest()).store(path.here + at);
     return costs;
@@ -85,8 +84,8 @@ struct SgmWalk {
     for (size_t at = x * disparities; at < (x + n) * disparities; at += disparities) {
       const Costs cost = Costs::load(costs);
       left.extend(cost, U8::all(p2[0]));
-      const Costs sum = left.costs + extended(upLeft, at, cost, U8::all(p2[1])) + extended(up, at, cost, U8::all(p2[2])) +
-                        extended(upRight, at, cost, U8::all(p2[3]));
+      const Costs sum = left.costs + extended(upLeft, at, cost, U8::all(p2[1])) +
+                        extended(up, at, cost, U8::all(p2[2])) + extended(upRight, at, cost, U8::all(p2[3]));
       sum.store(sums);
       costs += disparities;
       sums += disparities;
@@ -227,8 +226,7 @@ struct SgmWalk {
         const Costs s = considered(sums, width, x + i, own);
         const unsigned key = smallestKey(s.block, own.block);
         const U8 neighbour = U8::all(static_cast<uint8_t>((key & 255) - 1)), two = U8::all(2);
-        const Costs others =
-            Costs::each([&](size_t k) { return s.block[k] | atMost(own.block[k] - neighbour, two); });
+        const Costs others = Costs::each([&](size_t k) { return s.block[k] | atMost(own.block[k] - neighbour, two); });
         out[i] = static_cast<uint8_t>(firstLane(others.smallest()) - (key >> 8));
       }
     });

@@ -49,6 +49,38 @@ void checkPeak(Check& check, PeakCheck scalar, PeakCheck tested) {
   });
 }
 
+void setWinner(Winners& winners, size_t i, Random& random, unsigned below, unsigned above) {
+  const unsigned cost = random.below(256u - (below > above ? below : above));
+  winners.index[i] = static_cast<uint16_t>(2 + random.below(60));
+  winners.cost[i] = static_cast<uint16_t>(cost);
+  winners.below[i] = static_cast<uint16_t>(below + cost);
+  winners.above[i] = static_cast<uint16_t>(above + cost);
+}
+
+void compareRefined(Check& check, Refine scalar, Refine tested, const Winners& winners, size_t n) {
+  Output<uint16_t> want(n, Guard::behind, 0x5A), got(n, Guard::behind, 0x5A);
+  scalar(winners, n, want.data());
+  tested(winners, n, got.data());
+  check.equal("disparity", want, got);
+}
+
+// Every pair of differences that the costs beside a winner can have to its own.
+void checkRefine(Check& check, Refine scalar, Refine tested) {
+  Winners winners = {};
+  for (unsigned below = 0; below < 256; ++below) {
+    for (unsigned above = 0; above < 256; ++above) {
+      setWinner(winners, above % stretch, check.random, below, above);
+      if (above % stretch + 1 < stretch) continue;
+      check.describe(std::to_string(below) + " below, up to " + std::to_string(above) + " above");
+      compareRefined(check, scalar, tested, winners, stretch);
+    }
+  }
+  for (size_t n = 0; n < stretch; ++n) {
+    check.describe(std::to_string(n) + " winners");
+    compareRefined(check, scalar, tested, winners, n);
+  }
+}
+
 const std::vector<uint8_t>& benchCosts() {
   static const std::vector<uint8_t> costs = Random(7).values<uint8_t>(640 * 64, 253);
   return costs;
@@ -66,6 +98,17 @@ void benchPeak(PeakCheck peakCheck) {
   static_cast<void>(winner);
 }
 
+void benchRefine(Refine refine) {
+  static Winners winners = {};
+  uint16_t disparity[stretch];
+  for (size_t i = 0; i < stretch; ++i) {
+    winners.index[i] = 30;
+    winners.below[i] = static_cast<uint16_t>(i * 3);
+    winners.above[i] = static_cast<uint16_t>(200 - i);
+  }
+  for (int i = 0; i < 1000; ++i) refine(winners, stretch, disparity);
+}
+
 }  // namespace
 
 void addSelectionCases(Registry& r) {
@@ -73,6 +116,8 @@ void addSelectionCases(Registry& r) {
       r, "find_min", [](unsigned c) { return stereoKernels(c).findMin; }, checkFindMin, benchFindMin);
   add<PeakCheck>(
       r, "peak_check", [](unsigned c) { return stereoKernels(c).peakCheck; }, checkPeak, benchPeak);
+  add<Refine>(
+      r, "refine", [](unsigned c) { return stereoKernels(c).refine; }, checkRefine, benchRefine);
 }
 
 }  // namespace nadir::test
