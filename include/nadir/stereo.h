@@ -217,7 +217,7 @@ typedef struct {
  * debug                   null, or a record made for this size and 64 disparities; its P2 maps are filled only if they
  *                         are large enough.
  *
- * Allocates a few rows (about 200 bytes per column without a debug record), once per call. Where that fails,
+ * Allocates a few rows (about 260 bytes per column without a debug record), once per call. Where that fails,
  * `disparity` is all 0 and the blocks of `debug` hold anything. */
 NADIR_API void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
                           uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug);

@@ -484,10 +484,10 @@ TEST(MatchingMemory, DoesNotGrowWithTheHeight) {
   EXPECT_EQ(low.bytes, high.bytes);
 }
 
-TEST(MatchingMemory, IsAbout200BytesPerColumn) {
+TEST(MatchingMemory, IsAbout260BytesPerColumn) {
   const size_t perColumn = (askedByMatching(600, 5).bytes - askedByMatching(200, 5).bytes) / 400;
-  EXPECT_GE(perColumn, 190u);
-  EXPECT_LE(perColumn, 210u);
+  EXPECT_GE(perColumn, 250u);
+  EXPECT_LE(perColumn, 270u);
 }
 
 TEST(NotAllocating, SinglePassMorphologyAndMedian) {
