@@ -97,10 +97,8 @@ inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   return static_cast<unsigned>(_mm_cvtsi128_si32(_mm_minpos_epu16(least))) & 0xFFFF;
 }
 
-inline U8 againMovedUp(const uint8_t* p, U8) { return U8::load(p - 1) | U8{_mm_cvtsi32_si128(255)}; }
-inline U8 againMovedDown(const uint8_t* p, U8) {
-  return U8::load(p + 1) | U8{_mm_slli_si128(_mm_cvtsi32_si128(255), 15)};
-}
+inline U8 againMovedUp(const uint8_t*, U8 a) { return movedUp(U8::all(255), a); }
+inline U8 againMovedDown(const uint8_t*, U8 a) { return movedDown(a, U8::all(255)); }
 
 inline U8 lookedUp(U8 table, U8 index) { return {_mm_shuffle_epi8(table.v, index.v)}; }
 
