@@ -72,6 +72,15 @@ inline U8<Level> smallestInAll(U8<Level> a) {
 }
 
 template <class Level>
+struct Four {
+  U8<Level> v[4];
+};
+template <class Level>
+inline Four<Level> smallestInEach(U8<Level> a, U8<Level> b, U8<Level> c, U8<Level> d) {
+  return {{smallestInAll(a), smallestInAll(b), smallestInAll(c), smallestInAll(d)}};
+}
+
+template <class Level>
 inline bool allZero(U8<Level> a) {
   return _mm256_testz_si256(a.v, a.v) != 0;
 }

@@ -46,6 +46,17 @@ inline U8 smallestInAll(U8 a) {
   return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
 }
 
+// The smallest lane of each, in every lane.
+struct Four {
+  U8 v[4];
+};
+inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
+  const auto halved = [](U8 x) { return vpmin_u8(vget_low_u8(x.v), vget_high_u8(x.v)); };
+  uint8x8_t m = vpmin_u8(vpmin_u8(halved(a), halved(b)), vpmin_u8(halved(c), halved(d)));
+  m = vpmin_u8(m, m);
+  return {{{vdupq_lane_u8(m, 0)}, {vdupq_lane_u8(m, 1)}, {vdupq_lane_u8(m, 2)}, {vdupq_lane_u8(m, 3)}}};
+}
+
 inline bool allZero(U8 a) {
   return vget_lane_u64(vreinterpret_u64_u8(vorr_u8(vget_low_u8(a.v), vget_high_u8(a.v))), 0) == 0;
 }

@@ -33,6 +33,13 @@ inline U8 smallestInAll(U8 a) {
   return {_mm_shuffle_epi8(_mm_minpos_epu16(ofPairs), _mm_setzero_si128())};
 }
 
+struct Four {
+  U8 v[4];
+};
+inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
+  return {{smallestInAll(a), smallestInAll(b), smallestInAll(c), smallestInAll(d)}};
+}
+
 inline bool allZero(U8 a) { return _mm_testz_si128(a.v, a.v) != 0; }
 
 inline uint8_t firstLane(U8 a) { return static_cast<uint8_t>(_mm_cvtsi128_si32(a.v)); }

@@ -94,12 +94,13 @@ struct Costs {
     return each([&](size_t k) { return a.block[k] | b.block[k]; });
   }
 
-  // The smallest number, in every lane.
-  U8 smallest() const {
+  // The smallest number among those of one lane, in each lane; and of all, in every lane.
+  U8 smallestByLane() const {
     U8 least = block[0];
     for (size_t k = 1; k < blocks; ++k) least = min(least, block[k]);
-    return smallestInAll(least);
+    return least;
   }
+  U8 smallest() const { return smallestInAll(smallestByLane()); }
 };
 
 // Writes the numbers of n pixels in order of disparity.

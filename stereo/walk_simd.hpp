@@ -38,24 +38,20 @@ struct SgmWalk {
     Costs costs = noneBefore();
     U8 smallest = U8::all(0);
 
-    void extend(const Costs& cost, const U8& p2) {
+    Costs next(const Costs& cost, const U8& p2) const {
       const U8 none = U8::all(255);
       const Costs from = brought(costs, movedUp(none, costs.block[Costs::blocks - 1]), movedDown(costs.block[0], none));
-      costs = cost + min(from - smallest, p2);
-      smallest = costs.smallest();
+      return cost + min(from - smallest, p2);
     }
   };
 
-  // A path from the row above: the predecessor's costs, less their minimum, give way to the pixel's.
-  static Costs extended(const PathState& path, size_t at, const Costs& cost, const U8& p2) {
-    const uint8_t* const p = path.before + at;
+  // The next costs of a path from the row above, whose predecessor's, less their minimum, lie at `p`.
+  static Costs next(const uint8_t* p, const Costs& cost, const U8& p2) {
     const Costs before = Costs::load(p);
     constexpr size_t last = Costs::blocks - 1;
     const Costs from =
         brought(before, againMovedUp(p + last * U8::lanes, before.block[last]), againMovedDown(p, before.block[0]));
-    const Costs costs = cost + min(from, p2);
-    (costs - costs.smallest()).store(path.here + at);
-    return costs;
+    return cost + min(from, p2);
   }
 
   // The four penalties of each pixel side by side.
@@ -83,10 +79,15 @@ struct SgmWalk {
     const uint8_t* p2 = job.p2Memory + 4 * x;
     for (size_t at = x * disparities; at < (x + n) * disparities; at += disparities) {
       const Costs cost = Costs::load(costs);
-      left.extend(cost, U8::all(p2[0]));
-      const Costs sum = left.costs + extended(upLeft, at, cost, U8::all(p2[1])) +
-                        extended(up, at, cost, U8::all(p2[2])) + extended(upRight, at, cost, U8::all(p2[3]));
-      sum.store(sums);
+      const Costs a = left.next(cost, U8::all(p2[0])), b = next(upLeft.before + at, cost, U8::all(p2[1])),
+                  c = next(up.before + at, cost, U8::all(p2[2])), d = next(upRight.before + at, cost, U8::all(p2[3]));
+      (a + b + c + d).store(sums);
+      const auto smallest =
+          smallestInEach(a.smallestByLane(), b.smallestByLane(), c.smallestByLane(), d.smallestByLane());
+      left = {a, smallest.v[0]};
+      (b - smallest.v[1]).store(upLeft.here + at);
+      (c - smallest.v[2]).store(up.here + at);
+      (d - smallest.v[3]).store(upRight.here + at);
       costs += disparities;
       sums += disparities;
       p2 += 4;
