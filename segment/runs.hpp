@@ -34,14 +34,11 @@ inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* r
 // Which runs of neighbouring rows may touch: those that share a column, or also those that meet at a corner.
 enum class Reach : uint32_t { sharedColumn = 0, corner = 1 };
 
-// Makes one set of a run's label, if it has one, and another.
+// The label of a run that has one, or none yet, and turns out to touch another.
 template <class Labels>
-void join(Run& run, uint16_t label, Labels& labels) {
-  if (run.label == 0) {
-    run.label = label;
-  } else if (run.label != label) {
-    run.label = labels.unite(run.label, label);
-  }
+uint16_t joined(uint16_t label, uint16_t other, Labels& labels) {
+  if (label == 0 || label == other) return other;
+  return labels.unite(label, other);
 }
 
 // Gives every run of a row a label: that of the runs above which it touches, which thereby become one set, or else a
@@ -50,12 +47,14 @@ template <class Labels, class Touches>
 void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach reach, Labels& labels,
              Touches touches) {
   const uint32_t gap = static_cast<uint32_t>(reach);
-  size_t first = 0;
+  const Run *first = above, *const aboveEnd = above + aboveCount;
   for (Run* run = row; run != row + count; ++run) {
-    while (first < aboveCount && above[first].end + gap <= run->start) ++first;
-    for (size_t k = first; k < aboveCount && above[k].start < run->end + gap; ++k)
-      if (touches(above[k], *run)) join(*run, above[k].label, labels);
-    if (run->label == 0) run->label = labels.add();
+    const uint32_t from = run->start, to = run->end + gap;
+    uint16_t label = 0;
+    while (first != aboveEnd && first->end + gap <= from) ++first;
+    for (const Run* a = first; a != aboveEnd && a->start < to; ++a)
+      if (touches(*a, *run)) label = joined(label, a->label, labels);
+    run->label = label == 0 ? labels.add() : label;
   }
 }
 
