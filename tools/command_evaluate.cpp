@@ -1,4 +1,4 @@
-// nadir evaluate: how near disparities, heights or regions come to the truth.
+// nadir evaluate: how near disparities, heights, regions or tracked heights come to the truth.
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <filesystem>
@@ -15,13 +15,14 @@
 #include "png.hpp"
 #include "region_evaluation.hpp"
 #include "text.hpp"
+#include "track_evaluation.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
 struct Options {
-  std::string input, truth, errorMap, visible;
+  std::string input, truth, errorMap, visible, plot, area;
   double scale = 0, truthScale = 0, errorRange = 0;
   bool heights = false, json = false;
 };
@@ -84,6 +85,20 @@ std::string report(const Compared& c, bool heights, bool json) {
   return json ? disparityJson(e) : disparityTable(e, size);
 }
 
+const AreaTrack& plotted(const std::vector<AreaTrack>& areas, const std::string& name) {
+  for (const AreaTrack& area : areas)
+    if (name.empty() || area.name == name) return area;
+  throw Error("there is no area \"" + name + "\" to plot");
+}
+
+void runOnSequences(const Options& options) {
+  const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
+  OutputFiles files;
+  if (!options.plot.empty()) files.write(options.plot, trackPlot(plotted(areas, options.area)));
+  print(options.json ? trackJson(areas) : trackTable(areas));
+  files.commit();
+}
+
 // Regions are judged by all that the two folders hold.
 void runOnFolders(const Options& options) {
   if (!std::filesystem::is_directory(options.truth))
@@ -94,6 +109,9 @@ void runOnFolders(const Options& options) {
 }
 
 void run(const Options& options) {
+  if (isSequenceResult(options.input)) return runOnSequences(options);
+  if (!options.plot.empty())
+    throw Error("--plot draws tracked heights, but " + options.input + " is no result of a sequence");
   if (std::filesystem::is_directory(options.input)) return runOnFolders(options);
   const bool heights = options.heights || isElevationMap(options.input);
   const Compared compared = heights ? readMaps(options) : readDisparities(options);
@@ -115,7 +133,7 @@ void addEvaluateCommand(CLI::App& app) {
       ->add_option(
           "PICTURE", options->input,
           "16-bit grey PNG of disparities, 0 for none; or of heights in mm, as nadir ground writes it; or the folder "
-          "that nadir ground wrote, to judge its regions")
+          "that nadir ground wrote, to judge its regions or, of a sequence, its tracked heights")
       ->required();
   command
       ->add_option("TRUTH", options->truth,
@@ -149,6 +167,13 @@ void addEvaluateCommand(CLI::App& app) {
       ->type_name("N");
   command->add_flag("--heights", options->heights,
                     "Take both pictures for elevation maps in mm (default: where the first one says so itself)");
+  CLI::Option* plot = command
+                          ->add_option("--plot", options->plot,
+                                       "SVG that receives the tracked height of an area over time, of a sequence")
+                          ->type_name("FILE");
+  command->add_option("--area", options->area, "The area that is plotted (default: the first)")
+      ->needs(plot)
+      ->type_name("NAME");
   command->add_flag("--json", options->json, "Print a JSON object; shares are fractions of 1, errors in pixels or mm");
   command->footer(
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
@@ -157,12 +182,16 @@ void addEvaluateCommand(CLI::App& app) {
       "Of two folders the regions are compared with the scene's objects. A region belongs to an object if they share\n"
       "at least half of the cells of the smaller of the two. An object is missed if its regions hold less than a\n"
       "quarter of its cells, merged if one of them belongs to another object too, split if there are several, else\n"
-      "found. A region that belongs to no object is false. Examples:\n"
+      "found. A region that belongs to no object is false.\n"
+      "Of two folders of sequences the heights in the areas of interest are compared, frame by frame, with that of "
+      "the\n"
+      "tallest figure that stands in the area: tracked, and of single frames. Examples:\n"
       "  nadir evaluate disparity.png disparity_gt.png\n"
       "  nadir evaluate disparity.png disparity_gt.png --visible left\n"
       "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json\n"
       "  nadir evaluate result/elevation.png elevation_gt.png\n"
-      "  nadir evaluate result scene");
+      "  nadir evaluate result scene\n"
+      "  nadir evaluate result walk --plot heights.svg");
   command->callback([options] { run(*options); });
 }
 

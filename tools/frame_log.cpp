@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 
 #include "error.hpp"
@@ -40,13 +39,11 @@ void FrameLog::append(const std::string& line) {
   }
 }
 
-void forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use) {
+uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use) {
   std::ifstream file(path, std::ios::binary);
   uintmax_t whole = 0;
   for (std::string line; std::getline(file, line) && !file.eof(); whole += line.size() + 1) use(parsed(line, path));
-  file.close();
-  if (std::filesystem::exists(path) && std::filesystem::file_size(path) != whole)
-    std::filesystem::resize_file(path, whole);
+  return whole;
 }
 
 }  // namespace nadir::tool

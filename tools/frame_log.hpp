@@ -1,6 +1,7 @@
 // The log of a sequence: a file with a JSON object per frame on a line of its own.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -24,7 +25,8 @@ class FrameLog {
 };
 
 // Calls use(object) for every line of a log, one after the other; a file that does not exist has none. A last line
-// without its line break was being written when its run ended: it is cut off. Throws where a line is no JSON object.
-void forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use);
+// without its line break was being written when its run ended: it does not count. Throws where a line is no JSON
+// object. Returns the bytes of all lines that count.
+uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use);
 
 }  // namespace nadir::tool

@@ -74,7 +74,8 @@ class SequenceRun {
     const Bytes earlier = readFile(path);
     if (std::string(earlier.begin(), earlier.end()) != description)
       throw Error("cannot resume: " + path + " tells of other settings or another version");
-    forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
+    const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
+    if (fs::exists(logPath())) fs::resize_file(logPath(), whole);
     if (!options_.rule.noMaps) refillWindow();
   }
 

@@ -8,7 +8,7 @@
 namespace nadir::tool {
 
 struct TrackRule {
-  double noiseMm = 30;                // standard deviation of a measured height
+  double noiseMm = 10;                // standard deviation of a measured height
   double accelerationMmPerS2 = 1500;  // standard deviation of what changes the rate: a walking head's
   double patienceS = 0.5;             // how long a track goes on without a measurement
 };
