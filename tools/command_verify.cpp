@@ -37,9 +37,9 @@ std::string lineOf(const verify::Finding& f) {
                 verify::recordLine({"", *f.wanted}).c_str());
 }
 
-std::string tableText(const verify::Findings& findings) {
+std::string tableText(const verify::Table& hashes) {
   std::string text;
-  for (const verify::Finding& f : findings) text += verify::recordLine({f.stage, f.got}) + '\n';
+  for (const verify::Record& record : hashes) text += verify::recordLine(record) + '\n';
   return text;
 }
 
@@ -54,8 +54,9 @@ std::string linesOf(const verify::Findings& findings, const verify::Table& table
 void run(const Options& options) {
   const auto start = std::chrono::steady_clock::now();
   const verify::Table table = options.against.empty() ? verify::builtInTable() : readTable(options.against);
-  const verify::Findings findings = verify::verify(verify::allStages(), verify::renderedMaterial(), table);
-  if (options.printHashes) return print(tableText(findings));
+  const verify::Table hashes = hashesOf(verify::allStages(), verify::renderedMaterial());
+  if (options.printHashes) return print(tableText(hashes));
+  const verify::Findings findings = compared(hashes, table);
   print(linesOf(findings, table));
   if (!isVerified(findings, table))
     throw Error(format("%s kernels, %s: this processor's results DIFFER", nadir_simd_level(), software().c_str()));

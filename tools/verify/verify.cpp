@@ -23,10 +23,15 @@ std::optional<Record> parseLine(const std::string& line) {
 
 }  // namespace
 
-Findings verify(const Stages& stages, const Material& material, const Table& table) {
+Table hashesOf(const Stages& stages, const Material& material) {
+  Table hashes;
+  for (const Stage& stage : stages) hashes.push_back({stage.name, stage.run(material).value()});
+  return hashes;
+}
+
+Findings compared(const Table& got, const Table& wanted) {
   Findings findings;
-  for (const Stage& stage : stages)
-    findings.push_back({stage.name, stage.run(material).value(), wantedFor(stage.name, table)});
+  for (const Record& record : got) findings.push_back({record.stage, record.hash, wantedFor(record.stage, wanted)});
   return findings;
 }
 

@@ -26,8 +26,11 @@ struct Finding {
 
 using Findings = std::vector<Finding>;
 
-// Runs every stage and holds its hash against the table's.
-Findings verify(const Stages& stages, const Material& material, const Table& table);
+// Runs every stage.
+Table hashesOf(const Stages& stages, const Material& material);
+
+// Each stage that was run, against what the table says of it.
+Findings compared(const Table& got, const Table& wanted);
 
 // Stages of the table that were not run: a table of another version.
 std::vector<std::string> unknownStages(const Findings& findings, const Table& table);
