@@ -38,6 +38,28 @@ Fingerprint calibration(const Material& m) {
   return add(print, context.lowerLeft);
 }
 
+// There and back again, without a context.
+Fingerprint transforms(const Material& m) {
+  IntCalib inner;
+  ExtCalib outer;
+  Fingerprint print;
+  ip_params2internalCalib(&m.calibration, &inner);
+  print.done(ip_orientation2externalCalib(&m.orientation, &outer));
+  forEachSeen(m, [&](const Point_f32& pixel, float disparity) {
+    Point3_f32 camera{}, world{}, again{}, ray{}, ground{};
+    Point_f32 image{}, seen{};
+    print.add(ip_disp2cam(&pixel, &camera, &inner, disparity)).add(ip_cam2world(&camera, &world, &outer));
+    print.add(ip_world2cam(&world, &again, &outer)).add(ip_cam2img(&again, &image, &inner));
+    print.add(ip_img2cam(&pixel, &ray, &inner, 1000)).add(ip_img2world(&pixel, &ground, &outer, &inner, 2900));
+    print.add(ip_world2img(&ground, &seen, &outer, &inner));
+    for (const Point3_f32* p : {&camera, &world, &again, &ray, &ground}) add(print, *p);
+    add(add(print, image), seen);
+    print.add(ip_disp2world(&pixel, &world, &outer, &inner, disparity));
+    add(print, world);
+  });
+  return print;
+}
+
 // The road from disparities to the map's cells and back to the picture.
 Fingerprint worldPoints(const Material& m) {
   const StereoCtx context = contextOf(m);
@@ -81,6 +103,40 @@ Fingerprint elevationMap(const Material& m) {
   return Fingerprint().add(map);
 }
 
+Fingerprint mapPlaces(const Material& m) {
+  const StereoCtx context = contextOf(m);
+  Point_f32 corner{};
+  Fingerprint print;
+  ip_calcMapRectLowerLeft(&context.extCalib, &context.intCalib, &m.map, &corner, 2800);
+  add(print, corner);
+  for (int i = 0; i < 200; ++i) {
+    const Point_f32 place{static_cast<float>(17 * i - 1500), static_cast<float>(29 * i - 4000)};
+    Point_f32 cell{}, again{};
+    print.done(ip_world2elev(&place, &cell, &m.map, &corner)).done(ip_elev2world(&cell, &again, &m.map, &corner));
+    add(add(print, cell), again);
+  }
+  return print;
+}
+
+Fingerprint fixedCalibration(const Material& m) {
+  ExtCalibFixed fixed;
+  TrafoParams trafo;
+  ExtCalib outer;
+  IntCalib inner;
+  Fingerprint print;
+  print.done(ip_orientation2trafo(&m.orientation, &fixed)).add(fixed.R, 9).add(fixed.T, 3);
+  print.done(ip_createTrafoParams(&m.orientation, &m.calibration, &trafo));
+  print.done(ip_trafoParams2calib(&trafo, &outer, &inner)).add(inner.baseline).add(inner.focalLength);
+  add(print, outer);
+  for (int i = 0; i < 100; ++i) {
+    const Point_f32 pixel{static_cast<float>(2 * i), static_cast<float>(150 - i)};
+    Point3_f32 world{};
+    print.add(ip_img2world_f32(&world, &pixel, &trafo, 2700));
+    add(print, world);
+  }
+  return print;
+}
+
 Fingerprint fixedPoint(const Material& m) {
   TrafoParams trafo;
   Point3_s32 corners[4];
@@ -117,8 +173,15 @@ Fingerprint elevationMask(const Material& m) {
 }  // namespace
 
 Stages cameraStages() {
-  return {{"calibration", calibration},    {"world points", worldPoints}, {"ground points", groundPoints},
-          {"elevation map", elevationMap}, {"fixed point", fixedPoint},   {"elevation mask", elevationMask}};
+  return {{"calibration", calibration},
+          {"transforms", transforms},
+          {"world points", worldPoints},
+          {"ground points", groundPoints},
+          {"elevation map", elevationMap},
+          {"map places", mapPlaces},
+          {"fixed calibration", fixedCalibration},
+          {"fixed point", fixedPoint},
+          {"elevation mask", elevationMask}};
 }
 
 }  // namespace nadir::verify

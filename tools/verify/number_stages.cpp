@@ -101,12 +101,22 @@ Fingerprint lists(const Material& m) {
   return print;
 }
 
+Fingerprint vectors(const Material& m) {
+  std::vector<uint16_t> room(20, m.left.pixels[5]);
+  Vector vector;
+  Fingerprint print;
+  print.done(Vector_Init(&vector, VECTOR_TYPE_U16, room.data(), 40)).done(Vector_Fill(&vector, m.left.pixels[7], 12));
+  print.add(vector.count).add(room).done(Vector_Clear(&vector));
+  return print.add(vector.count).add(vector.capacity);
+}
+
 }  // namespace
 
 Stages numberStages() {
   return {{"matrices", matrices}, {"median of values", medianOfMany},
           {"sorting", sorting},   {"tracking", tracking},
-          {"search", search},     {"lists", lists}};
+          {"search", search},     {"lists", lists},
+          {"vectors", vectors}};
 }
 
 }  // namespace nadir::verify

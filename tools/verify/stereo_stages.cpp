@@ -63,7 +63,10 @@ Fingerprint pathsBy(const RowFunctions& f, const Material& m) {
       std::vector<uint8_t> sums(size_t{w} * disparities);
       f.paths(&buffer, costRow(f, codes, row).data(), penalty.data(), sums.data());
       print.add(sums);
+      if (row == someRows / 2) PC_SwapBuffer(&buffer);  // the row before the last comes once more
     }
+    PC_ResetBuffer(&buffer);
+    print.add(buffer.costsA, buffer.costsSize).add(buffer.minA, buffer.minSize);
     PC_Destroy(&buffer);
   }
   return print;
