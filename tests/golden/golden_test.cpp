@@ -20,7 +20,8 @@ using nadir::test::golden::Case;
 std::vector<Case> allCases() {
   using namespace nadir::test::golden;
   std::vector<Case> all;
-  for (const auto& cases : {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases()}) {
+  for (const auto& cases :
+       {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases()}) {
     all.insert(all.end(), cases.begin(), cases.end());
   }
   return all;
