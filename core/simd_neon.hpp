@@ -46,15 +46,31 @@ inline U8 smallestInAll(U8 a) {
   return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
 }
 
+// The lesser of each two neighbouring lanes: those of a, then those of b. And the same with their sums.
+inline U8 lesserOfPairs(U8 a, U8 b) {
+#ifdef __aarch64__
+  return {vpminq_u8(a.v, b.v)};
+#else
+  return {vcombine_u8(vpmin_u8(vget_low_u8(a.v), vget_high_u8(a.v)), vpmin_u8(vget_low_u8(b.v), vget_high_u8(b.v)))};
+#endif
+}
+inline U8 sumOfPairs(U8 a, U8 b) {
+#ifdef __aarch64__
+  return {vpaddq_u8(a.v, b.v)};
+#else
+  return {vcombine_u8(vpadd_u8(vget_low_u8(a.v), vget_high_u8(a.v)), vpadd_u8(vget_low_u8(b.v), vget_high_u8(b.v)))};
+#endif
+}
+
 // The smallest lane of each, in every lane.
 struct Four {
   U8 v[4];
 };
 inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
-  const auto halved = [](U8 x) { return vpmin_u8(vget_low_u8(x.v), vget_high_u8(x.v)); };
-  uint8x8_t m = vpmin_u8(vpmin_u8(halved(a), halved(b)), vpmin_u8(halved(c), halved(d)));
-  m = vpmin_u8(m, m);
-  return {{{vdupq_lane_u8(m, 0)}, {vdupq_lane_u8(m, 1)}, {vdupq_lane_u8(m, 2)}, {vdupq_lane_u8(m, 3)}}};
+  U8 m = lesserOfPairs(lesserOfPairs(a, b), lesserOfPairs(c, d));
+  m = lesserOfPairs(m, m);
+  const uint8x8_t least = vget_low_u8(lesserOfPairs(m, m).v);
+  return {{{vdupq_lane_u8(least, 0)}, {vdupq_lane_u8(least, 1)}, {vdupq_lane_u8(least, 2)}, {vdupq_lane_u8(least, 3)}}};
 }
 
 inline bool allZero(U8 a) {
@@ -85,8 +101,17 @@ inline U16 operator+(U16 a, U16 b) { return {vaddq_u16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
+inline U16 lesserOfPairs(U16 a, U16 b) {
+#ifdef __aarch64__
+  return {vpminq_u16(a.v, b.v)};
+#else
+  return {
+      vcombine_u16(vpmin_u16(vget_low_u16(a.v), vget_high_u16(a.v)), vpmin_u16(vget_low_u16(b.v), vget_high_u16(b.v)))};
+#endif
+}
 inline U16 absoluteDifference(U16 a, U16 b) { return {vabdq_u16(a.v, b.v)}; }
 
+inline U16 dividedBy256(U16 a) { return {vshrq_n_u16(a.v, 8)}; }
 inline U16 dividedBy16(U16 a) { return {vshrq_n_u16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
@@ -128,6 +153,38 @@ inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   return vget_lane_u16(vpmin_u16(m, m), 0);
 }
 
+// The same for eight pixels together, whose searches fill each other's gaps: one lane for each.
+//
+// The smallest 256 * value + index: what remains of a pixel in eight lanes, and the end of eight such searches. Indices
+// grow from block to block.
+struct Indexed {
+  U8 value, index;
+};
+inline U16 smallestKeys(const U8 (&values)[4], const U8 (&indices)[4]) {
+  const auto least = [](U8 a, U8 ia, U8 b, U8 ib) {
+    return Indexed{min(a, b), {vbslq_u8(vcltq_u8(b.v, a.v), ib.v, ia.v)}};
+  };
+  const Indexed a = least(values[0], indices[0], values[1], indices[1]),
+                b = least(values[2], indices[2], values[3], indices[3]), m = least(a.value, a.index, b.value, b.index);
+  const uint8x16x2_t keys = vzipq_u8(m.index.v, m.value.v);
+  return min(U16{vreinterpretq_u16_u8(keys.val[0])}, U16{vreinterpretq_u16_u8(keys.val[1])});
+}
+inline U16 smallestInEach(const U16 (&a)[8]) {
+  const U16 b[] = {lesserOfPairs(a[0], a[1]), lesserOfPairs(a[2], a[3]), lesserOfPairs(a[4], a[5]),
+                   lesserOfPairs(a[6], a[7])};
+  return lesserOfPairs(lesserOfPairs(b[0], b[1]), lesserOfPairs(b[2], b[3]));
+}
+
+// How many lanes of all blocks are at most `bound`: less than none in each lane, and the end of eight such counts.
+inline U8 countsAtMost(const U8 (&blocks)[4], U8 bound) {
+  return (atMost(blocks[0], bound) + atMost(blocks[1], bound)) + (atMost(blocks[2], bound) + atMost(blocks[3], bound));
+}
+inline U16 countOfEach(const U8 (&a)[8]) {
+  const U8 b = sumOfPairs(sumOfPairs(a[0], a[1]), sumOfPairs(a[2], a[3])),
+           c = sumOfPairs(sumOfPairs(a[4], a[5]), sumOfPairs(a[6], a[7])), sums = sumOfPairs(b, c);
+  return {vreinterpretq_u16_s16(vnegq_s16(vpaddlq_s8(vreinterpretq_s8_u8(sums.v))))};
+}
+
 // What lies at p, loaded already, moved up or down by one lane with 255 in the free one. Processors that load from any
 // address in no time do better to load again, from the byte before p or behind it.
 inline U8 againMovedUp(const uint8_t*, U8 a) { return movedUp(U8::all(255), a); }
@@ -159,7 +216,8 @@ inline WordBytes WordBytes::load(const uint32_t* p) {
 }
 
 struct Simd {
-  static constexpr bool looksUp = false;  // has a look-up in 16 bytes that beats counting bits
+  static constexpr bool findsEight = true;  // has operations to find the winners of eight pixels together
+  static constexpr bool looksUp = false;    // has a look-up in 16 bytes that beats counting bits
   using U8 = neon::U8;
   using WordBytes = neon::WordBytes;
   using U16 = neon::U16;

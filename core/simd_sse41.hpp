@@ -144,6 +144,7 @@ inline WordBytes WordBytes::load(const uint32_t* p) {
 }
 
 struct Simd {
+  static constexpr bool findsEight = false;
   static constexpr bool looksUp = true;
   using U8 = sse41::U8;
   using WordBytes = sse41::WordBytes;

@@ -95,6 +95,19 @@ struct SgmWalk {
     path = left;
   }
 
+  // The first pixel from x whose candidates go beyond the other picture's end.
+  static size_t firstCutShort(size_t width, size_t x) { return x + disparities <= width ? width - disparities + 1 : x; }
+
+  // Puts 255 where the other picture ends.
+  static void hideMissing(size_t width, size_t x, size_t n, uint8_t* sums) {
+    const Costs own = Costs::ownDisparities();
+    for (size_t at = firstCutShort(width, x); at < x + n; ++at) {
+      const U8 columns = U8::all(static_cast<uint8_t>(width - at));
+      uint8_t* const p = sums + (at - x) * disparities;
+      (Costs::load(p) | Costs::each([&](size_t k) { return atMost(columns, own.block[k]); })).store(p);
+    }
+  }
+
   // Calls decide(x, n, sums) for the row, stretch by stretch. Each step is done for a whole stretch before the next
   // begins: what takes long in one pixel then overlaps with the next pixels.
   template <class Decide>
@@ -110,17 +123,10 @@ struct SgmWalk {
       extend(job, left, x, n, costs, sums);
       if (job.costs) storeInOrder<Simd>(costs, n, job.costs + x * disparities);
       if (job.sums) storeInOrder<Simd>(sums, n, job.sums + x * disparities);
+      hideMissing(job.width, x, n, sums);
       const size_t decided = x + n + 4 <= job.width ? n : x + 4 < job.width ? job.width - 4 - x : 0;
       decide(x, decided, sums);
     }
-  }
-
-  // The sums of pixel x, with 255 where the other picture ends.
-  static Costs considered(const uint8_t* sums, size_t width, size_t x, const Costs& own) {
-    const Costs all = Costs::load(sums);
-    if (x + disparities <= width) return all;
-    const U8 columns = U8::all(static_cast<uint8_t>(width - x));
-    return Costs::each([&](size_t k) { return all.block[k] | atMost(columns, own.block[k]); });
   }
 
   // Where the number of disparity d lies, for -1 to 64.
@@ -144,20 +150,46 @@ struct SgmWalk {
 
   static void find(const SgmRowJob& job, size_t x, size_t n, const uint8_t* sums, Candidates& found) {
     const Costs own = Costs::ownDisparities();
-    const uint8_t* const lastClose = job.lastClose;
-    const size_t width = job.width;
-    for (size_t i = 0; i < n; ++i, sums += disparities) {
-      const Costs s = considered(sums, width, x + i, own);
-      const unsigned key = smallestKey(s.block, own.block), winner = key & 255, cost = key >> 8;
-      found.winners.index[i] = static_cast<uint16_t>(winner);
-      found.winners.cost[i] = static_cast<uint16_t>(cost);
-      found.winners.below[i] = sums[placeOf(winner - 1)];
-      found.winners.above[i] = sums[placeOf(winner + 1)];
-      found.last[i] = lastClose[cost];
-      found.close[i] = static_cast<uint16_t>(countAtMost(s.block, U8::all(lastClose[cost])));
-      const size_t columns = width - x - i;
-      found.limit[i] = static_cast<uint16_t>((columns < disparities ? columns : disparities) - 2);
+    size_t i = 0;
+    if constexpr (Simd::findsEight) {
+      for (; i + 8 <= n; i += 8) findEight(job.lastClose, sums + i * disparities, own, i, found);
     }
+    for (; i < n; ++i) findOne(job.lastClose, sums + i * disparities, own, i, found);
+    for (size_t at = firstCutShort(job.width, x); at < x + n; ++at) {
+      found.limit[at - x] = static_cast<uint16_t>(job.width - at - 2);
+    }
+  }
+
+  static void findOne(const uint8_t* lastClose, const uint8_t* sums, const Costs& own, size_t i, Candidates& found) {
+    const Costs s = Costs::load(sums);
+    const unsigned key = smallestKey(s.block, own.block);
+    found.winners.index[i] = static_cast<uint16_t>(key & 255);
+    found.winners.cost[i] = static_cast<uint16_t>(key >> 8);
+    lookAround(lastClose, sums, i, found);
+    found.close[i] = static_cast<uint16_t>(countAtMost(s.block, U8::all(static_cast<uint8_t>(found.last[i]))));
+  }
+
+  static void findEight(const uint8_t* lastClose, const uint8_t* sums, const Costs& own, size_t i, Candidates& found) {
+    U16 keys[8];
+    U8 counts[8];
+    for (size_t k = 0; k < 8; ++k) keys[k] = smallestKeys(Costs::load(sums + k * disparities).block, own.block);
+    const U16 key = smallestInEach(keys);
+    (key & U16::all(255)).store(found.winners.index + i);
+    dividedBy256(key).store(found.winners.cost + i);
+    for (size_t k = 0; k < 8; ++k) lookAround(lastClose, sums + k * disparities, i + k, found);
+    for (size_t k = 0; k < 8; ++k) {
+      const U8 last = U8::all(static_cast<uint8_t>(found.last[i + k]));
+      counts[k] = countsAtMost(Costs::load(sums + k * disparities).block, last);
+    }
+    countOfEach(counts).store(found.close + i);
+  }
+
+  // The sums beside the winner, and the largest that is close to its own.
+  static void lookAround(const uint8_t* lastClose, const uint8_t* sums, size_t i, Candidates& found) {
+    const unsigned winner = found.winners.index[i];
+    found.winners.below[i] = sums[placeOf(winner - 1)];
+    found.winners.above[i] = sums[placeOf(winner + 1)];
+    found.last[i] = lastClose[found.winners.cost[i]];
   }
 
   // All bits set where a winner stands.
@@ -211,6 +243,7 @@ struct SgmWalk {
   static void disparity(const SgmRowJob& job) {
     if (job.peaks) std::memset(job.peaks, 0, job.width);
     Candidates found = {};
+    for (uint16_t& limit : found.limit) limit = disparities - 2;
     walk(job, [&](size_t x, size_t n, const uint8_t* sums) {
       find(job, x, n, sums, found);
       decide(found, n, job.disparity + x, job.peaks ? job.peaks + x : nullptr);
@@ -221,10 +254,9 @@ struct SgmWalk {
   static void distinctness(const SgmRowJob& job) {
     walk(job, [&](size_t x, size_t n, const uint8_t* sums) {
       const Costs own = Costs::ownDisparities();
-      const size_t width = job.width;
       uint8_t* const out = job.distinctness + x;
       for (size_t i = 0; i < n; ++i, sums += disparities) {
-        const Costs s = considered(sums, width, x + i, own);
+        const Costs s = Costs::load(sums);
         const unsigned key = smallestKey(s.block, own.block);
         const U8 neighbour = U8::all(static_cast<uint8_t>((key & 255) - 1)), two = U8::all(2);
         const Costs others = Costs::each([&](size_t k) { return s.block[k] | atMost(own.block[k] - neighbour, two); });
