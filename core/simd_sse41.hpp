@@ -14,6 +14,7 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {_mm_loadu_si128(reinterpret_cast<const __m128i*>(p))}; }
   static U8 all(uint8_t x) { return {_mm_set1_epi8(static_cast<char>(x))}; }
+  static U8 allOf(const uint8_t* p) { return all(*p); }
   static U8 repeated16(const uint8_t* p) { return load(p); }
   void store(uint8_t* p) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v); }
 };

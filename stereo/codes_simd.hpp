@@ -34,10 +34,8 @@ class CodeWindow {
     for (size_t k = 0; k < blocks; ++k) dealt.block[k].store(bytes_ + plane * planeBytes + k * blockBytes + U8::lanes);
   }
 
-  // Block k of the candidates of column blocks * group + rest in the first plane.
-  const uint8_t* at(size_t group, size_t rest, size_t k) const {
-    return bytes_ + (rest + k) % blocks * blockBytes + (rest + k) / blocks + group;
-  }
+  // Block k of the candidates of column blocks * group in the first plane; that of the next column is block k + 1.
+  const uint8_t* at(size_t group, size_t k) const { return bytes_ + k % blocks * blockBytes + k / blocks + group; }
 
  private:
   alignas(64) uint8_t bytes_[planes * planeBytes] = {};
@@ -86,21 +84,45 @@ class CountedCodes {
     window_.storeNext(3, min(codes.top, U8::all(worstCost)));
   }
 
-  // The costs of one valid code in column blocks * group + rest of the stretch.
-  Costs<Simd> costs(uint32_t reference, size_t group, size_t rest) const {
-    constexpr size_t plane = Window::planeBytes;
-    const U8 low = U8::all(static_cast<uint8_t>(reference)), mid = U8::all(static_cast<uint8_t>(reference >> 8)),
-             high = U8::all(static_cast<uint8_t>(reference >> 16));
-    return Costs<Simd>::each([&](size_t k) {
-      const uint8_t* const p = window_.at(group, rest, k);
-      const U8 different =
-          bitCount(low ^ U8::load(p)) + bitCount(mid ^ U8::load(p + plane)) + bitCount(high ^ U8::load(p + 2 * plane));
-      return max(different, U8::load(p + 3 * plane));
-    });
+  // The costs of a group of codes, as many as there are blocks, that begin in column blocks * group. They have most
+  // candidates in common, which are loaded once.
+  void storeGroup(const uint32_t* reference, size_t group, uint8_t* dst) const {
+    Costs<Simd> costs[blocks];
+    for (Costs<Simd>& c : costs) c = Costs<Simd>::all(0);
+#pragma GCC unroll 4
+    for (size_t plane = 0; plane < 3; ++plane) {
+      const Candidates candidates = load(group, plane);
+      for (size_t i = 0; i < blocks; ++i) {
+        const U8 code = U8::all(static_cast<uint8_t>(reference[i] >> 8 * plane));
+        costs[i] =
+            Costs<Simd>::each([&](size_t k) { return costs[i].block[k] + bitCount(code ^ candidates.block[i + k]); });
+      }
+    }
+    const Candidates invalid = load(group, 3);
+    for (size_t i = 0; i < blocks; ++i) {
+      Costs<Simd>::each([&](size_t k) {
+        return max(costs[i].block[k], invalid.block[i + k]);
+      }).store(dst + i * disparities);
+    }
+    for (size_t i = 0; i < blocks; ++i) {
+      if (reference[i] == censusInvalid) Costs<Simd>::all(worstCost).store(dst + i * disparities);
+    }
   }
 
  private:
   using Window = CodeWindow<Simd, 4>;
+  static constexpr size_t blocks = Costs<Simd>::blocks;
+
+  struct Candidates {
+    U8 block[2 * blocks - 1];
+  };
+  Candidates load(size_t group, size_t plane) const {
+    Candidates out;
+    for (size_t k = 0; k < 2 * blocks - 1; ++k)
+      out.block[k] = U8::load(window_.at(group, k) + plane * Window::planeBytes);
+    return out;
+  }
+
   Window window_;
 };
 
@@ -119,20 +141,29 @@ class LookedUpCodes {
     storeHalves(4, codes.high, invalid);
   }
 
-  Costs<Simd> costs(uint32_t reference, size_t group, size_t rest) const {
+  // The costs of a group of codes, as many as there are blocks, that begin in column blocks * group.
+  void storeGroup(const uint32_t* reference, size_t group, uint8_t* dst) const {
+#pragma GCC unroll 4
+    for (size_t i = 0; i < Costs<Simd>::blocks; ++i) {
+      const bool valid = reference[i] != censusInvalid;
+      (valid ? costs(reference[i], group, i) : Costs<Simd>::all(worstCost)).store(dst + i * disparities);
+    }
+  }
+
+ private:
+  using Window = CodeWindow<Simd, 6>;
+
+  Costs<Simd> costs(uint32_t reference, size_t group, size_t i) const {
     U8 tables[6];
     const uint64_t offsets = uint64_t{reference} << 4;
     for (size_t h = 0; h < 6; ++h) tables[h] = U8::repeated16(equalBits() + (offsets >> (4 * h) & 0xF0));
     return Costs<Simd>::each([&](size_t k) {
-      const uint8_t* const p = window_.at(group, rest, k);
+      const uint8_t* const p = window_.at(group, i + k);
       U8 cost = U8::all(worstCost);
       for (size_t h = 0; h < 6; ++h) cost = cost - lookedUp(tables[h], U8::load(p + h * Window::planeBytes));
       return cost;
     });
   }
-
- private:
-  using Window = CodeWindow<Simd, 6>;
 
   void storeHalves(size_t plane, const Costs<Simd>& bytes, const Costs<Simd>& invalid) {
     const U8 half = U8::all(15);
@@ -182,20 +213,14 @@ class RowCosts {
   }
 
  private:
-  // Pixels in groups, so that what depends on a pixel's place within its group is known to the compiler.
+  // The last group may be incomplete: its missing codes count as invalid, and there is room for their costs.
   void storeOrdinary(const uint32_t* reference, size_t n, uint8_t* costs) const {
     size_t i = 0;
-    for (; i + blocks <= n; i += blocks) {
-#pragma GCC unroll 4
-      for (size_t rest = 0; rest < blocks; ++rest) {
-        ordinary(reference[i + rest], i / blocks, rest).store(costs + (i + rest) * disparities);
-      }
-    }
-    for (; i < n; ++i) ordinary(reference[i], i / blocks, i % blocks).store(costs + i * disparities);
-  }
-
-  Costs<Simd> ordinary(uint32_t reference, size_t group, size_t rest) const {
-    return reference == censusInvalid ? Costs<Simd>::all(worstCost) : codes_.costs(reference, group, rest);
+    for (; i + blocks <= n; i += blocks) codes_.storeGroup(reference + i, i / blocks, costs + i * disparities);
+    if (i == n) return;
+    uint32_t last[blocks];
+    for (size_t k = 0; k < blocks; ++k) last[k] = i + k < n ? reference[i + k] : censusInvalid;
+    codes_.storeGroup(last, i / blocks, costs + i * disparities);
   }
 
   // For codes that no census makes.

@@ -79,8 +79,9 @@ struct SgmWalk {
     const uint8_t* p2 = job.p2Memory + 4 * x;
     for (size_t at = x * disparities; at < (x + n) * disparities; at += disparities) {
       const Costs cost = Costs::load(costs);
-      const Costs a = left.next(cost, U8::all(p2[0])), b = next(upLeft.before + at, cost, U8::all(p2[1])),
-                  c = next(up.before + at, cost, U8::all(p2[2])), d = next(upRight.before + at, cost, U8::all(p2[3]));
+      const Costs a = left.next(cost, U8::allOf(p2)), b = next(upLeft.before + at, cost, U8::allOf(p2 + 1)),
+                  c = next(up.before + at, cost, U8::allOf(p2 + 2)),
+                  d = next(upRight.before + at, cost, U8::allOf(p2 + 3));
       (a + b + c + d).store(sums);
       const auto smallest =
           smallestInEach(a.smallestByLane(), b.smallestByLane(), c.smallestByLane(), d.smallestByLane());
@@ -178,7 +179,7 @@ struct SgmWalk {
     dividedBy256(key).store(found.winners.cost + i);
     for (size_t k = 0; k < 8; ++k) lookAround(lastClose, sums + k * disparities, i + k, found);
     for (size_t k = 0; k < 8; ++k) {
-      const U8 last = U8::all(static_cast<uint8_t>(found.last[i + k]));
+      const U8 last = U8::allOf(lastClose + found.winners.cost[i + k]);
       counts[k] = countsAtMost(Costs::load(sums + k * disparities).block, last);
     }
     countOfEach(counts).store(found.close + i);
