@@ -18,7 +18,7 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {vld1q_u8(p)}; }
   static U8 all(uint8_t x) { return {vdupq_n_u8(x)}; }
-  static U8 allOf(const uint8_t* p) { return {vld1q_dup_u8(p)}; }
+  static U8 allOf(const uint8_t* p) { return {vld1q_dup_u8(p)}; }  // as the byte at p
   void store(uint8_t* p) const { vst1q_u8(p, v); }
 };
 

@@ -84,26 +84,10 @@ class CountedCodes {
     window_.storeNext(3, min(codes.top, U8::all(worstCost)));
   }
 
-  // The costs of a group of codes, as many as there are blocks, that begin in column blocks * group. They have most
-  // candidates in common, which are loaded once.
+  // The costs of a group of codes, as many as there are blocks, that begin in column blocks * group.
   void storeGroup(const uint32_t* reference, size_t group, uint8_t* dst) const {
-    Costs<Simd> costs[blocks];
-    for (Costs<Simd>& c : costs) c = Costs<Simd>::all(0);
-#pragma GCC unroll 4
-    for (size_t plane = 0; plane < 3; ++plane) {
-      const Candidates candidates = load(group, plane);
-      for (size_t i = 0; i < blocks; ++i) {
-        const U8 code = U8::all(static_cast<uint8_t>(reference[i] >> 8 * plane));
-        costs[i] =
-            Costs<Simd>::each([&](size_t k) { return costs[i].block[k] + bitCount(code ^ candidates.block[i + k]); });
-      }
-    }
-    const Candidates invalid = load(group, 3);
-    for (size_t i = 0; i < blocks; ++i) {
-      Costs<Simd>::each([&](size_t k) {
-        return max(costs[i].block[k], invalid.block[i + k]);
-      }).store(dst + i * disparities);
-    }
+#pragma GCC unroll 2
+    for (size_t i = 0; i < blocks; i += 2) storePair(reference + i, group, i, dst + i * disparities);
     for (size_t i = 0; i < blocks; ++i) {
       if (reference[i] == censusInvalid) Costs<Simd>::all(worstCost).store(dst + i * disparities);
     }
@@ -113,14 +97,32 @@ class CountedCodes {
   using Window = CodeWindow<Simd, 4>;
   static constexpr size_t blocks = Costs<Simd>::blocks;
 
+  // What two pixels' candidates hold in one plane; most of it they have in common.
   struct Candidates {
-    U8 block[2 * blocks - 1];
+    U8 block[blocks + 1];
   };
-  Candidates load(size_t group, size_t plane) const {
+  Candidates load(size_t group, size_t i, size_t plane) const {
     Candidates out;
-    for (size_t k = 0; k < 2 * blocks - 1; ++k)
-      out.block[k] = U8::load(window_.at(group, k) + plane * Window::planeBytes);
+    for (size_t k = 0; k <= blocks; ++k) out.block[k] = U8::load(window_.at(group, i + k) + plane * Window::planeBytes);
     return out;
+  }
+
+  // The costs of codes i and i + 1 of a group.
+  void storePair(const uint32_t* reference, size_t group, size_t i, uint8_t* dst) const {
+    const Candidates low = load(group, i, 0), mid = load(group, i, 1), high = load(group, i, 2),
+                     invalid = load(group, i, 3);
+    const auto costs = [&](uint32_t code, size_t first) {
+      const U8 a = U8::all(static_cast<uint8_t>(code)), b = U8::all(static_cast<uint8_t>(code >> 8)),
+               c = U8::all(static_cast<uint8_t>(code >> 16));
+      return Costs<Simd>::each([&](size_t k) {
+        const size_t at = first + k;
+        return max(bitCount(a ^ low.block[at]) + bitCount(b ^ mid.block[at]) + bitCount(c ^ high.block[at]),
+                   invalid.block[at]);
+      });
+    };
+    const Costs<Simd> first = costs(reference[0], 0), second = costs(reference[1], 1);
+    first.store(dst);
+    second.store(dst + disparities);
   }
 
   Window window_;
