@@ -38,7 +38,8 @@ class Labelling {
       Run* runs = rows[y % 2];
       const size_t count = findInnerRuns(y, runs);
       linkRow(rows[(y + 1) % 2], aboveCount, runs, count, Reach::corner, labels_);
-      for (size_t i = 0; i < count; ++i) row<uint16_t>(map_, y)[runs[i].start] = runs[i].label;
+      uint16_t* const labels = row<uint16_t>(map_, y);
+      for (size_t i = 0; i < count; ++i) labels[runs[i].start] = runs[i].label;
       aboveCount = count;
     }
     return labels_.numberSets();
@@ -49,9 +50,12 @@ class Labelling {
     uint32_t background = static_cast<uint32_t>(pixelCount(src_));
     for (uint32_t y = 0; y < src_.height; ++y) {
       Run runs[kMaxRuns];
+      uint16_t* const labels = row<uint16_t>(map_, y);
       const size_t found = findInnerRuns(y, runs);
       for (size_t i = 0; i < found; ++i) {
-        const uint16_t number = fillRun(runs[i]), length = static_cast<uint16_t>(runs[i].end - runs[i].start);
+        const uint16_t number = labels_.number(labels[runs[i].start]);
+        const uint16_t length = static_cast<uint16_t>(runs[i].end - runs[i].start);
+        std::fill_n(labels + runs[i].start, length, number);
         background -= length;
         if (number < count) sizes[number] = static_cast<uint16_t>(sizes[number] + length);
       }
@@ -69,13 +73,6 @@ class Labelling {
   size_t findInnerRuns(uint32_t y, Run* runs) const {
     const size_t count = findRuns(inside_[y], y, src_.width, runs);
     return count > 0 && runs[count - 1].end == src_.width ? count - 1 : count;
-  }
-
-  uint16_t fillRun(const Run& run) const {
-    uint16_t* pixels = row<uint16_t>(map_, run.row);
-    const uint16_t number = labels_.number(pixels[run.start]);
-    std::fill(pixels + run.start, pixels + run.end, number);
-    return number;
   }
 
   const Img& src_;
