@@ -33,12 +33,12 @@ class Labelling {
     std::memset(map_.data, 0, rowBytes(map_) * map_.height);
     Run rows[2][kMaxRuns];
     size_t aboveCount = 0;
-    for (uint32_t y = 0; y < src_.height; ++y) {
+    uint16_t* labels = row<uint16_t>(map_, 0);
+    for (uint32_t y = 0; y < src_.height; ++y, labels += src_.width) {
       inside_[y] = pixelsAbove(threshold, y);
       Run* runs = rows[y % 2];
       const size_t count = findInnerRuns(y, runs);
       linkRow(rows[(y + 1) % 2], aboveCount, runs, count, Reach::corner, labels_);
-      uint16_t* const labels = row<uint16_t>(map_, y);
       for (size_t i = 0; i < count; ++i) labels[runs[i].start] = runs[i].label;
       aboveCount = count;
     }
@@ -48,14 +48,14 @@ class Labelling {
   // Writes the components' numbers over all pixels of their runs and counts them; sizes[0 .. count - 1] must be 0.
   void fillRuns(uint16_t* sizes, uint32_t count) const {
     uint32_t background = static_cast<uint32_t>(pixelCount(src_));
-    for (uint32_t y = 0; y < src_.height; ++y) {
+    uint16_t* labels = row<uint16_t>(map_, 0);
+    for (uint32_t y = 0; y < src_.height; ++y, labels += src_.width) {
       Run runs[kMaxRuns];
-      uint16_t* const labels = row<uint16_t>(map_, y);
       const size_t found = findInnerRuns(y, runs);
       for (size_t i = 0; i < found; ++i) {
         const uint16_t number = labels_.number(labels[runs[i].start]);
         const uint16_t length = static_cast<uint16_t>(runs[i].end - runs[i].start);
-        std::fill_n(labels + runs[i].start, length, number);
+        std::fill(labels + runs[i].start, labels + runs[i].end, number);
         background -= length;
         if (number < count) sizes[number] = static_cast<uint16_t>(sizes[number] + length);
       }
