@@ -75,6 +75,9 @@ inline U8<Level> smallestInAll(U8<Level> a) {
 template <class Level>
 struct Four {
   U8<Level> v[4];
+  static Four of(const uint8_t* p) {
+    return {{U8<Level>::allOf(p), U8<Level>::allOf(p + 1), U8<Level>::allOf(p + 2), U8<Level>::allOf(p + 3)}};
+  }
 };
 template <class Level>
 inline Four<Level> smallestInEach(U8<Level> a, U8<Level> b, U8<Level> c, U8<Level> d) {
@@ -119,8 +122,16 @@ inline U16<Level> operator&(U16<Level> a, U16<Level> b) {
   return {_mm256_and_si256(a.v, b.v)};
 }
 template <class Level>
+inline U16<Level> operator*(U16<Level> a, U16<Level> b) {
+  return {_mm256_mullo_epi16(a.v, b.v)};
+}
+template <class Level>
 inline U16<Level> min(U16<Level> a, U16<Level> b) {
   return {_mm256_min_epu16(a.v, b.v)};
+}
+template <class Level>
+inline U16<Level> max(U16<Level> a, U16<Level> b) {
+  return {_mm256_max_epu16(a.v, b.v)};
 }
 
 template <class Level>
@@ -128,6 +139,10 @@ inline U16<Level> absoluteDifference(U16<Level> a, U16<Level> b) {
   return {_mm256_or_si256(_mm256_subs_epu16(a.v, b.v), _mm256_subs_epu16(b.v, a.v))};
 }
 
+template <class Level>
+inline U16<Level> dividedBy256(U16<Level> a) {
+  return {_mm256_srli_epi16(a.v, 8)};
+}
 template <class Level>
 inline U16<Level> dividedBy16(U16<Level> a) {
   return {_mm256_srli_epi16(a.v, 4)};
@@ -154,6 +169,11 @@ inline void storeWords(uint32_t* p, U16<Level> low, U16<Level> high) {
   const __m256i even = _mm256_unpacklo_epi16(low.v, high.v), odd = _mm256_unpackhi_epi16(low.v, high.v);
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm256_permute2x128_si256(even, odd, 0x20));
   _mm256_storeu_si256(reinterpret_cast<__m256i*>(p + 8), _mm256_permute2x128_si256(even, odd, 0x31));
+}
+
+template <class Level>
+inline U8<Level> saturatedBytes(U16<Level> a, U16<Level> b) {
+  return {_mm256_permute4x64_epi64(_mm256_packus_epi16(a.v, b.v), _MM_SHUFFLE(3, 1, 2, 0))};
 }
 
 template <class Level>

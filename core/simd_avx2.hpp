@@ -7,6 +7,7 @@ namespace nadir::avx2 {
 
 struct Simd {
   using U8 = simd256::U8<Simd>;
+  using Four = simd256::Four<Simd>;
   using U16 = simd256::U16<Simd>;
   using WordBytes = simd256::WordBytes<Simd>;
   static constexpr bool findsEight = false;

@@ -63,10 +63,20 @@ inline U8 sumOfPairs(U8 a, U8 b) {
 #endif
 }
 
-// The smallest lane of each, in every lane.
+// Four bytes, each in every lane of a vector.
 struct Four {
   U8 v[4];
+  static Four of(const uint8_t* p) {
+#ifdef __aarch64__
+    const uint8x16x4_t bytes = vld4q_dup_u8(p);
+    return {{{bytes.val[0]}, {bytes.val[1]}, {bytes.val[2]}, {bytes.val[3]}}};
+#else
+    return {{U8::allOf(p), U8::allOf(p + 1), U8::allOf(p + 2), U8::allOf(p + 3)}};
+#endif
+  }
 };
+
+// The smallest lane of each, in every lane.
 inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
   U8 m = lesserOfPairs(lesserOfPairs(a, b), lesserOfPairs(c, d));
   m = lesserOfPairs(m, m);
@@ -101,7 +111,9 @@ struct U16 {
 inline U16 operator+(U16 a, U16 b) { return {vaddq_u16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {vsubq_u16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {vandq_u16(a.v, b.v)}; }
+inline U16 operator*(U16 a, U16 b) { return {vmulq_u16(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {vminq_u16(a.v, b.v)}; }
+inline U16 max(U16 a, U16 b) { return {vmaxq_u16(a.v, b.v)}; }
 inline U16 lesserOfPairs(U16 a, U16 b) {
 #ifdef __aarch64__
   return {vpminq_u16(a.v, b.v)};
@@ -125,6 +137,9 @@ inline void storeWords(uint32_t* p, U16 low, U16 high) {
   vst1q_u32(p, vreinterpretq_u32_u16(words.val[0]));
   vst1q_u32(p + 4, vreinterpretq_u32_u16(words.val[1]));
 }
+
+// The lanes of a, then those of b, as bytes: 255 for what is more. At most 2^15 - 1 comes in.
+inline U8 saturatedBytes(U16 a, U16 b) { return {vcombine_u8(vqmovn_u16(a.v), vqmovn_u16(b.v))}; }
 
 // Stores lanes below 256 as bytes.
 inline void storeBytes(uint8_t* p, U16 a) { vst1_u8(p, vmovn_u16(a.v)); }
@@ -220,6 +235,7 @@ struct Simd {
   static constexpr bool findsEight = true;  // has operations to find the winners of eight pixels together
   static constexpr bool looksUp = false;    // has a look-up in 16 bytes that beats counting bits
   using U8 = neon::U8;
+  using Four = neon::Four;
   using WordBytes = neon::WordBytes;
   using U16 = neon::U16;
 };

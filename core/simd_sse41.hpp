@@ -36,6 +36,7 @@ inline U8 smallestInAll(U8 a) {
 
 struct Four {
   U8 v[4];
+  static Four of(const uint8_t* p) { return {{U8::allOf(p), U8::allOf(p + 1), U8::allOf(p + 2), U8::allOf(p + 3)}}; }
 };
 inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
   return {{smallestInAll(a), smallestInAll(b), smallestInAll(c), smallestInAll(d)}};
@@ -61,12 +62,15 @@ struct U16 {
 inline U16 operator+(U16 a, U16 b) { return {_mm_add_epi16(a.v, b.v)}; }
 inline U16 operator-(U16 a, U16 b) { return {_mm_sub_epi16(a.v, b.v)}; }
 inline U16 operator&(U16 a, U16 b) { return {_mm_and_si128(a.v, b.v)}; }
+inline U16 operator*(U16 a, U16 b) { return {_mm_mullo_epi16(a.v, b.v)}; }
 inline U16 min(U16 a, U16 b) { return {_mm_min_epu16(a.v, b.v)}; }
+inline U16 max(U16 a, U16 b) { return {_mm_max_epu16(a.v, b.v)}; }
 
 inline U16 absoluteDifference(U16 a, U16 b) {
   return {_mm_or_si128(_mm_subs_epu16(a.v, b.v), _mm_subs_epu16(b.v, a.v))};
 }
 
+inline U16 dividedBy256(U16 a) { return {_mm_srli_epi16(a.v, 8)}; }
 inline U16 dividedBy16(U16 a) { return {_mm_srli_epi16(a.v, 4)}; }
 
 inline U16 equal(U16 a, U16 b) { return {_mm_cmpeq_epi16(a.v, b.v)}; }
@@ -82,6 +86,8 @@ inline void storeWords(uint32_t* p, U16 low, U16 high) {
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm_unpacklo_epi16(low.v, high.v));
   _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 4), _mm_unpackhi_epi16(low.v, high.v));
 }
+
+inline U8 saturatedBytes(U16 a, U16 b) { return {_mm_packus_epi16(a.v, b.v)}; }
 
 inline void storeBytes(uint8_t* p, U16 a) {
   _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
@@ -148,6 +154,7 @@ struct Simd {
   static constexpr bool findsEight = false;
   static constexpr bool looksUp = true;
   using U8 = sse41::U8;
+  using Four = sse41::Four;
   using WordBytes = sse41::WordBytes;
   using U16 = sse41::U16;
 };

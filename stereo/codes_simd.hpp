@@ -111,16 +111,17 @@ class CountedCodes {
   void storePair(const uint32_t* reference, size_t group, size_t i, uint8_t* dst) const {
     const Candidates low = load(group, i, 0), mid = load(group, i, 1), high = load(group, i, 2),
                      invalid = load(group, i, 3);
-    const auto costs = [&](uint32_t code, size_t first) {
-      const U8 a = U8::all(static_cast<uint8_t>(code)), b = U8::all(static_cast<uint8_t>(code >> 8)),
-               c = U8::all(static_cast<uint8_t>(code >> 16));
+    const auto costs = [&](const uint32_t* code, size_t first) {
+      const uint8_t* const bytes =
+          reinterpret_cast<const uint8_t*>(code);  // the lowest comes first on these processors
+      const U8 a = U8::allOf(bytes), b = U8::allOf(bytes + 1), c = U8::allOf(bytes + 2);
       return Costs<Simd>::each([&](size_t k) {
         const size_t at = first + k;
         return max(bitCount(a ^ low.block[at]) + bitCount(b ^ mid.block[at]) + bitCount(c ^ high.block[at]),
                    invalid.block[at]);
       });
     };
-    const Costs<Simd> first = costs(reference[0], 0), second = costs(reference[1], 1);
+    const Costs<Simd> first = costs(reference, 0), second = costs(reference + 1, 1);
     first.store(dst);
     second.store(dst + disparities);
   }

@@ -46,13 +46,7 @@ using PathRow = void (*)(const PathRowJob& job);
 using FindMin = void (*)(const uint8_t* costs, size_t count, uint8_t* minValue, uint32_t* minIndex);
 using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio);
 
-// The path costs of one direction: 64 bytes for each pixel, in an order of the kernel's own, or noPredecessor
-// throughout where there is no pixel. `before` are those of the predecessors of a row's pixels, `here` where the
-// pixels' own go. The two may be the same memory where no predecessor is needed after its successor is written.
-struct PathState {
-  const uint8_t* before;
-  uint8_t* here;
-};
+// What a pixel of a path has where the predecessor would lie outside the picture.
 constexpr uint8_t noPredecessor = 255 - penaltyOne;
 
 // One row of a driver: costs, four paths, their sum and the decision, pixel by pixel.
@@ -63,8 +57,11 @@ struct SgmRowJob {
   bool hasCosts;              // false in the border rows, where every cost is the worst one
   const uint8_t* p2[4];       // by PathDir
   uint8_t* p2Memory;          // 4 * width bytes for the kernel's own use
-  PathState upLeft, up, upRight;
-  const uint8_t* lastClose;  // walkDisparity: the largest sum that counts as close, by the smallest sum
+  // The path costs from above, 64 bytes for each pixel in an order of the kernel's own, or noPredecessor throughout
+  // where there is no pixel: read at the predecessors' places, written at the pixels' own.
+  const uint8_t* upLeftBefore;  // from the pixel left of the row on
+  uint8_t *upLeft, *up, *upRight;
+  uint32_t uniquenessRatio;  // walkDisparity
   uint8_t *costs, *sums;     // null, or width * 64 bytes to fill
   uint8_t* peaks;            // null, or width bytes to fill
   uint16_t* disparity;       // walkDisparity: width values, all 0 before

@@ -138,9 +138,9 @@ void walk(const SgmRowJob& job, Decide decide) {
     std::memset(costs, worstCost, disparities);
     if (job.hasCosts) pixelCosts(job.first, job.reference, job.width, x, costs);
     extend(left, costs, job.p2[PC_DIR_LEFT][x], left, sums);
-    extend(job.upLeft.before + at, costs, job.p2[PC_DIR_UPLEFT][x], job.upLeft.here + at, sums);
-    extend(job.up.before + at, costs, job.p2[PC_DIR_UP][x], job.up.here + at, sums);
-    extend(job.upRight.before + at, costs, job.p2[PC_DIR_UPRIGHT][x], job.upRight.here + at, sums);
+    extend(job.upLeftBefore + at, costs, job.p2[PC_DIR_UPLEFT][x], job.upLeft + at, sums);
+    extend(job.up + at, costs, job.p2[PC_DIR_UP][x], job.up + at, sums);
+    extend(job.upRight + at + disparities, costs, job.p2[PC_DIR_UPRIGHT][x], job.upRight + at, sums);
     if (job.costs) std::memcpy(job.costs + at, costs, disparities);
     if (job.sums) std::memcpy(job.sums + at, sums, disparities);
     if (x + 4 < job.width) decide(x, sums);
@@ -153,7 +153,8 @@ void walkDisparity(const SgmRowJob& job) {
     const size_t toTheEdge = job.width - 1 - x, maxIndex = toTheEdge < disparities - 1 ? toTheEdge : disparities - 1;
     unsigned smallest[4];
     fourSmallest(sums, maxIndex, smallest);
-    const unsigned k = distinct(smallest, maxIndex, job.lastClose[smallest[0] >> 8]);
+    const unsigned k =
+        distinct(smallest, maxIndex, Rules::lastClose(static_cast<uint8_t>(smallest[0] >> 8), job.uniquenessRatio));
     if (job.peaks) job.peaks[x] = static_cast<uint8_t>(k);
     if (k) job.disparity[x] = Rules::refined(k, sums[k - 1], sums[k], sums[k + 1]);
   });

@@ -44,13 +44,25 @@ struct RowKernels : PixelRules<Simd> {
   }
 
   static void penalties(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* dst, size_t n) {
-    const U16 range = U16::all(flatPenalty - edgePenalty), flat = U16::all(flatPenalty);
-    const bool done = forBlocks<U16::lanes>(n, [=](size_t i) {
-      const U16 difference = absoluteDifference(U16::load(pixels + i), U16::load(predecessors + i));
-      storeBytes(dst + i, flat - min(dividedBy16(difference), range));
-    });
-    if (done) return;
+    const auto some = [=](size_t i) {
+      const U8 sixteenths =
+          saturatedBytes(sixteenthOfDifference(pixels + i, predecessors + i),
+                         sixteenthOfDifference(pixels + i + U16::lanes, predecessors + i + U16::lanes));
+      return U8::all(flatPenalty) - min(sixteenths, U8::all(flatPenalty - edgePenalty));
+    };
+    const auto store = [=](size_t i) { some(i).store(dst + i); };
+    const auto storeTwo = [=](size_t i) {
+      const U8 first = some(i), second = some(i + U8::lanes);
+      first.store(dst + i);
+      second.store(dst + i + U8::lanes);
+    };
+    if (forBlocks<2 * U8::lanes>(n, storeTwo) || forBlocks<U8::lanes>(n, store)) return;
     for (size_t i = 0; i < n; ++i) dst[i] = Rules::penalty(pixels[i], predecessors[i]);
+  }
+
+ private:
+  static U16 sixteenthOfDifference(const uint16_t* a, const uint16_t* b) {
+    return dividedBy16(absoluteDifference(U16::load(a), U16::load(b)));
   }
 };
 

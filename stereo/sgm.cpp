@@ -6,13 +6,9 @@
 #include "core/cpu.hpp"
 #include "core/memory.hpp"
 #include "stereo/penalties.hpp"
-#include "stereo/rows.hpp"
 
 namespace nadir {
 namespace {
-
-struct Baseline;
-using Rules = PixelRules<Baseline>;
 
 struct Pair {
   const uint32_t *first, *reference;
@@ -24,9 +20,8 @@ struct Pair {
 // stands. The direction from the upper left would overwrite what its next pixel needs and so has two rows.
 constexpr uint64_t pathBytes(uint64_t width) { return disparities * (2 * (width + 1) + width + (width + 1)); }
 constexpr size_t lineBytes = 64;  // a slot is one line of a processor's cache
-constexpr size_t sums = 256;      // that there are
 
-constexpr uint64_t scratchBytes(uint64_t width) { return lineBytes - 1 + pathBytes(width) + 8 * width + sums; }
+constexpr uint64_t scratchBytes(uint64_t width) { return lineBytes - 1 + pathBytes(width) + 8 * width; }
 
 // The matcher's working memory, one block cut into pieces, as a row job points at them.
 class Matcher {
@@ -36,15 +31,12 @@ class Matcher {
     const size_t width = pair.width, slots = (width + 1) * disparities;
     free_ += (lineBytes - reinterpret_cast<uintptr_t>(memory) % lineBytes) % lineBytes;
     std::memset(free_, noPredecessor, static_cast<size_t>(pathBytes(width)));
-    uint8_t* const upLeft = taken(slots);
-    job_.upLeft = {taken(slots), upLeft + disparities};
-    uint8_t* const up = taken(width * disparities);
-    job_.up = {up, up};
-    uint8_t* const upRight = taken(slots);
-    job_.upRight = {upRight + disparities, upRight};
+    job_.upLeftBefore = taken(slots);
+    job_.upLeft = taken(slots) + disparities;
+    job_.up = taken(width * disparities);
+    job_.upRight = taken(slots);
     for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_[dir] = taken(width);
     job_.p2Memory = taken(4 * width);
-    lastClose_ = taken(sums);
     job_.width = width;
   }
 
@@ -63,13 +55,9 @@ class Matcher {
 
   // What was written is what the next row reads.
   void finishRow() {
-    uint8_t* const written = job_.upLeft.here - disparities;
-    job_.upLeft = {written, const_cast<uint8_t*>(job_.upLeft.before) + disparities};
-  }
-
-  void tabulateCloseSums(uint32_t uniquenessRatio) {
-    for (unsigned m = 0; m < sums; ++m) lastClose_[m] = Rules::lastClose(static_cast<uint8_t>(m), uniquenessRatio);
-    job_.lastClose = lastClose_;
+    uint8_t* const written = job_.upLeft - disparities;
+    job_.upLeft = const_cast<uint8_t*>(job_.upLeftBefore) + disparities;
+    job_.upLeftBefore = written;
   }
 
  private:
@@ -95,7 +83,7 @@ class Matcher {
   SgmDebugData* const debug_;
   const StereoKernels& kernels_;
   uint8_t* free_;
-  uint8_t *p2_[4] = {}, *lastClose_ = nullptr;
+  uint8_t* p2_[4] = {};
   SgmRowJob job_ = {};
 };
 
@@ -113,12 +101,12 @@ void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const ui
   const Scratch<uint8_t> memory(scratchBytes(width));
   if (!memory) return;
   Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
-  matcher.tabulateCloseSums(params->uniquenessRatio);
   for (uint32_t y = 0; y < height; ++y) {
     const size_t at = size_t{y} * width;
     SgmRowJob& job = matcher.prepareRow(y);
     job.peaks = debug ? debug->peakMap + at : nullptr;
     job.disparity = disparity + at;
+    job.uniquenessRatio = params->uniquenessRatio;
     matcher.kernels().walkDisparity(job);
     matcher.finishRow();
   }

@@ -72,26 +72,30 @@ struct SgmWalk {
     }
   }
 
-  // Extends the four paths over the n pixels from x and stores the sums of their costs.
-  static void extend(const SgmRowJob& job, LeftPath& path, size_t x, size_t n, const uint8_t* costs, uint8_t* sums) {
+  // Extends the four paths over the n pixels from x and puts the sums of their costs where the pixels' costs are.
+  static void extend(const SgmRowJob& job, LeftPath& path, size_t x, size_t n, uint8_t* costs) {
     LeftPath left = path;
-    const PathState upLeft = job.upLeft, up = job.up, upRight = job.upRight;
     const uint8_t* p2 = job.p2Memory + 4 * x;
-    for (size_t at = x * disparities; at < (x + n) * disparities; at += disparities) {
+    const uint8_t* upLeftBefore = job.upLeftBefore + x * disparities;
+    uint8_t *upLeft = job.upLeft + x * disparities, *up = job.up + x * disparities;
+    uint8_t* upRight = job.upRight + x * disparities;
+    for (uint8_t* const end = costs + n * disparities; costs < end; costs += disparities) {
       const Costs cost = Costs::load(costs);
-      const Costs a = left.next(cost, U8::allOf(p2)), b = next(upLeft.before + at, cost, U8::allOf(p2 + 1)),
-                  c = next(up.before + at, cost, U8::allOf(p2 + 2)),
-                  d = next(upRight.before + at, cost, U8::allOf(p2 + 3));
-      (a + b + c + d).store(sums);
+      const auto jump = Simd::Four::of(p2);
+      const Costs a = left.next(cost, jump.v[0]), b = next(upLeftBefore, cost, jump.v[1]),
+                  c = next(up, cost, jump.v[2]), d = next(upRight + disparities, cost, jump.v[3]);
+      (a + b + c + d).store(costs);
       const auto smallest =
           smallestInEach(a.smallestByLane(), b.smallestByLane(), c.smallestByLane(), d.smallestByLane());
       left = {a, smallest.v[0]};
-      (b - smallest.v[1]).store(upLeft.here + at);
-      (c - smallest.v[2]).store(up.here + at);
-      (d - smallest.v[3]).store(upRight.here + at);
-      costs += disparities;
-      sums += disparities;
+      (b - smallest.v[1]).store(upLeft);
+      (c - smallest.v[2]).store(up);
+      (d - smallest.v[3]).store(upRight);
       p2 += 4;
+      upLeftBefore += disparities;
+      upLeft += disparities;
+      up += disparities;
+      upRight += disparities;
     }
     path = left;
   }
@@ -113,20 +117,23 @@ struct SgmWalk {
   // begins: what takes long in one pixel then overlaps with the next pixels.
   template <class Decide>
   static void walk(const SgmRowJob& job, Decide decide) {
-    alignas(64) uint8_t costs[stretch * disparities], sums[stretch * disparities];
+    alignas(64) uint8_t costs[stretch * disparities];
     RowCosts<Simd> rowCosts(job.first, job.reference, job.width);
     interleave(job.p2, job.width, job.p2Memory);
-    if (!job.hasCosts) std::memset(costs, worstCost, sizeof costs);
     LeftPath left;
     for (size_t x = 0; x < job.width; x += stretch) {
       const size_t n = job.width - x < stretch ? job.width - x : stretch;
-      if (job.hasCosts) rowCosts.store(x, n, costs);
-      extend(job, left, x, n, costs, sums);
+      if (job.hasCosts) {
+        rowCosts.store(x, n, costs);
+      } else {
+        std::memset(costs, worstCost, sizeof costs);
+      }
       if (job.costs) storeInOrder<Simd>(costs, n, job.costs + x * disparities);
-      if (job.sums) storeInOrder<Simd>(sums, n, job.sums + x * disparities);
-      hideMissing(job.width, x, n, sums);
+      extend(job, left, x, n, costs);
+      if (job.sums) storeInOrder<Simd>(costs, n, job.sums + x * disparities);
+      hideMissing(job.width, x, n, costs);
       const size_t decided = x + n + 4 <= job.width ? n : x + 4 < job.width ? job.width - 4 - x : 0;
-      decide(x, decided, sums);
+      decide(x, decided, costs);
     }
   }
 
@@ -150,47 +157,81 @@ struct SgmWalk {
   };
 
   static void find(const SgmRowJob& job, size_t x, size_t n, const uint8_t* sums, Candidates& found) {
-    const Costs own = Costs::ownDisparities();
-    size_t i = 0;
-    if constexpr (Simd::findsEight) {
-      for (; i + 8 <= n; i += 8) findEight(job.lastClose, sums + i * disparities, own, i, found);
+    findWinners(sums, n, found.winners);
+    for (size_t i = 0; i < stretch; i += U16::lanes) {
+      lastClose(U16::load(found.winners.cost + i), job.uniquenessRatio).store(found.last + i);
     }
-    for (; i < n; ++i) findOne(job.lastClose, sums + i * disparities, own, i, found);
+    lookAround(sums, n, found.winners);
+    countClose(sums, n, found);
     for (size_t at = firstCutShort(job.width, x); at < x + n; ++at) {
       found.limit[at - x] = static_cast<uint16_t>(job.width - at - 2);
     }
   }
 
-  static void findOne(const uint8_t* lastClose, const uint8_t* sums, const Costs& own, size_t i, Candidates& found) {
-    const Costs s = Costs::load(sums);
-    const unsigned key = smallestKey(s.block, own.block);
-    found.winners.index[i] = static_cast<uint16_t>(key & 255);
-    found.winners.cost[i] = static_cast<uint16_t>(key >> 8);
-    lookAround(lastClose, sums, i, found);
-    found.close[i] = static_cast<uint16_t>(countAtMost(s.block, U8::all(static_cast<uint8_t>(found.last[i]))));
-  }
-
-  static void findEight(const uint8_t* lastClose, const uint8_t* sums, const Costs& own, size_t i, Candidates& found) {
-    U16 keys[8];
-    U8 counts[8];
-    for (size_t k = 0; k < 8; ++k) keys[k] = smallestKeys(Costs::load(sums + k * disparities).block, own.block);
-    const U16 key = smallestInEach(keys);
-    (key & U16::all(255)).store(found.winners.index + i);
-    dividedBy256(key).store(found.winners.cost + i);
-    for (size_t k = 0; k < 8; ++k) lookAround(lastClose, sums + k * disparities, i + k, found);
-    for (size_t k = 0; k < 8; ++k) {
-      const U8 last = U8::allOf(lastClose + found.winners.cost[i + k]);
-      counts[k] = countsAtMost(Costs::load(sums + k * disparities).block, last);
+  static void findWinners(const uint8_t* sums, size_t n, Winners& winners) {
+    const Costs own = Costs::ownDisparities();
+    size_t i = 0;
+    if constexpr (Simd::findsEight) {
+      for (; i + 8 <= n; i += 8) {
+        U16 keys[8];
+        for (size_t k = 0; k < 8; ++k)
+          keys[k] = smallestKeys(Costs::load(sums + (i + k) * disparities).block, own.block);
+        const U16 key = smallestInEach(keys);
+        (key & U16::all(255)).store(winners.index + i);
+        dividedBy256(key).store(winners.cost + i);
+      }
     }
-    countOfEach(counts).store(found.close + i);
+    for (; i < n; ++i) {
+      const unsigned key = smallestKey(Costs::load(sums + i * disparities).block, own.block);
+      winners.index[i] = static_cast<uint16_t>(key & 255);
+      winners.cost[i] = static_cast<uint16_t>(key >> 8);
+    }
   }
 
-  // The sums beside the winner, and the largest that is close to its own.
-  static void lookAround(const uint8_t* lastClose, const uint8_t* sums, size_t i, Candidates& found) {
-    const unsigned winner = found.winners.index[i];
-    found.winners.below[i] = sums[placeOf(winner - 1)];
-    found.winners.above[i] = sums[placeOf(winner + 1)];
-    found.last[i] = lastClose[found.winners.cost[i]];
+  // PixelRules::lastClose. Of the product's bits 7 to 14 count, which twice the ratio moves into a word's upper byte.
+  static U16 lastClose(const U16& cost, uint32_t uniquenessRatio) {
+    const U16 margin = dividedBy256(cost * U16::all(static_cast<uint16_t>(2 * uniquenessRatio)));
+    return min(cost + max(margin, U16::all(6)) - U16::all(1), U16::all(255));
+  }
+
+  // The sums beside the winners.
+  static void lookAround(const uint8_t* sums, size_t n, Winners& winners) {
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) lookAround<8>(sums, i, winners);
+    for (; i < n; ++i) lookAround<1>(sums, i, winners);
+  }
+
+  // Reads first and then writes: what is written could otherwise be, for all the compiler knows, what is read next.
+  template <size_t count>
+  static void lookAround(const uint8_t* sums, size_t i, Winners& winners) {
+    uint8_t below[count], above[count];
+    for (size_t k = 0; k < count; ++k) {
+      const uint8_t* const own = sums + (i + k) * disparities;
+      below[k] = own[placeOf(winners.index[i + k] - 1u)];
+      above[k] = own[placeOf(winners.index[i + k] + 1u)];
+    }
+    for (size_t k = 0; k < count; ++k) {
+      winners.below[i + k] = below[k];
+      winners.above[i + k] = above[k];
+    }
+  }
+
+  static void countClose(const uint8_t* sums, size_t n, Candidates& found) {
+    size_t i = 0;
+    if constexpr (Simd::findsEight) {
+      for (; i + 8 <= n; i += 8) {
+        U8 counts[8];
+        for (size_t k = 0; k < 8; ++k) {
+          const U8 last = U8::all(static_cast<uint8_t>(found.last[i + k]));
+          counts[k] = countsAtMost(Costs::load(sums + (i + k) * disparities).block, last);
+        }
+        countOfEach(counts).store(found.close + i);
+      }
+    }
+    for (; i < n; ++i) {
+      const U8 last = U8::all(static_cast<uint8_t>(found.last[i]));
+      found.close[i] = static_cast<uint16_t>(countAtMost(Costs::load(sums + i * disparities).block, last));
+    }
   }
 
   // All bits set where a winner stands.
@@ -213,14 +254,11 @@ struct SgmWalk {
   static U16 refined(const Winners& winners, size_t i) {
     const U16 cost = U16::load(winners.cost + i), a = U16::load(winners.below + i) - cost,
               b = U16::load(winners.above + i) - cost, lesser = min(a, b), m = a + b - lesser;
-    const U16 d = m - lesser, twice = m + m, d2 = d + d, d4 = d2 + d2, d8 = d4 + d4, d16 = d8 + d8;
-    U16 shift = U16::all(0), multiple = m;
-    for (int k = 0; k < 8; ++k) {
-      shift = shift - less(multiple, d16);
-      multiple = multiple + twice;
-    }
-    const U16 k = U16::load(winners.index + i), k2 = k + k, k4 = k2 + k2, k8 = k4 + k4, value = k8 + k8;
-    return select(less(b, a), value + shift, value - shift);
+    const U16 sixteen = U16::all(16), d16 = (m - lesser) * sixteen, value = U16::load(winners.index + i) * sixteen;
+    const U16 m2 = m + m, m4 = m2 + m2, m3 = m + m2, m5 = m + m4, m7 = m3 + m4, m8 = m4 + m4;
+    const auto both = [&](U16 p, U16 q) { return less(p, d16) + less(q, d16); };
+    const U16 minusShift = both(m, m3) + both(m5, m7) + (both(m + m8, m3 + m8) + both(m5 + m8, m7 + m8));
+    return select(less(b, a), value - minusShift, value + minusShift);
   }
 
   static void refine(const Winners& winners, size_t n, uint16_t* disparity) {
@@ -232,7 +270,7 @@ struct SgmWalk {
   static void decide(const Candidates& found, size_t n, uint16_t* disparity, uint8_t* peaks) {
     uint16_t refinedOnes[stretch];
     uint8_t indices[stretch];
-    for (size_t i = 0; i < n; i += U16::lanes) {
+    for (size_t i = 0; i < stretch; i += U16::lanes) {
       const U16 valid = accepted(found, i);
       (refined(found.winners, i) & valid).store(refinedOnes + i);
       storeBytes(indices + i, U16::load(found.winners.index + i) & valid);

@@ -1,6 +1,5 @@
 // The matcher's walk along one row.
 #include "stereo/kernels.hpp"
-#include "stereo/rows.hpp"
 #include "tests/kernels/harness.hpp"
 
 namespace nadir::test {
@@ -15,13 +14,10 @@ class Rows {
       : width_(width),
         first_(codes(random, width, anyCodes)),
         reference_(codes(random, width, anyCodes)),
-        p2_(filled<uint8_t>(random, Fill::random, count * 4 * width, edgePenalty, flatPenalty)),
-        lastClose_(256) {
-    const uint32_t ratio = random.below(200);
-    for (unsigned m = 0; m < 256; ++m) lastClose_[m] = PixelRules<Rows>::lastClose(static_cast<uint8_t>(m), ratio);
+        p2_(filled<uint8_t>(random, Fill::random, count * 4 * width, edgePenalty, flatPenalty)) {
     job_.width = width;
     job_.hasCosts = random.below(8) != 0;
-    job_.lastClose = lastClose_.data();
+    job_.uniquenessRatio = random.below(4) ? random.below(200) : random.next();
   }
 
   // What a walk writes, in guarded memory.
@@ -47,10 +43,11 @@ class Rows {
     const Guarded<uint8_t> up(std::vector<uint8_t>(slots - disparities, noPredecessor));
     SgmRowJob job = job_;
     job.p2Memory = p2Memory.data();
-    job.up = {up.data(), up.data()};
-    job.upRight = {upRight.data() + disparities, upRight.data()};
+    job.up = up.data();
+    job.upRight = upRight.data();
     for (size_t row = 0; row < count; ++row) {
-      job.upLeft = {(row % 2 ? upLeftToo : upLeft).data(), (row % 2 ? upLeft : upLeftToo).data() + disparities};
+      job.upLeftBefore = (row % 2 ? upLeftToo : upLeft).data();
+      job.upLeft = (row % 2 ? upLeft : upLeftToo).data() + disparities;
       runRow(walk, job, results, withDebug, row * width_);
     }
   }
@@ -81,7 +78,6 @@ class Rows {
   size_t width_;
   Guarded<uint32_t> first_, reference_;
   Guarded<uint8_t> p2_;
-  std::vector<uint8_t> lastClose_;
   SgmRowJob job_ = {};
 };
 
