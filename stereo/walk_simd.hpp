@@ -270,10 +270,18 @@ struct SgmWalk {
   static void decide(const Candidates& found, size_t n, uint16_t* disparity, uint8_t* peaks) {
     uint16_t refinedOnes[stretch];
     uint8_t indices[stretch];
-    for (size_t i = 0; i < stretch; i += U16::lanes) {
+    struct Decided {
+      U16 disparity, index;
+    };
+    const auto decided = [&](size_t i) {
       const U16 valid = accepted(found, i);
-      (refined(found.winners, i) & valid).store(refinedOnes + i);
-      storeBytes(indices + i, U16::load(found.winners.index + i) & valid);
+      return Decided{refined(found.winners, i) & valid, U16::load(found.winners.index + i) & valid};
+    };
+    for (size_t i = 0; i < stretch; i += U8::lanes) {
+      const Decided first = decided(i), second = decided(i + U16::lanes);
+      first.disparity.store(refinedOnes + i);
+      second.disparity.store(refinedOnes + i + U16::lanes);
+      saturatedBytes(first.index, second.index).store(indices + i);
     }
     std::memcpy(disparity, refinedOnes, n * sizeof(uint16_t));
     if (peaks) std::memcpy(peaks, indices, n);
