@@ -16,7 +16,7 @@ foreach(level IN ITEMS neon sse41 avx2 avx512)
     list(APPEND simd_sources ${of_level})
   endif()
 endforeach()
-# gcc moves loads together to join them in pairs. In the matcher's long loops this costs registers, and a Cortex-A55 more.
+# gcc brings loads together to join them in pairs. In the matcher's long loops that costs registers. See docs/speed.md.
 if("neon" IN_LIST NADIR_SIMD_LEVELS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   set_property(SOURCE ${PROJECT_SOURCE_DIR}/stereo/kernels_neon.cpp APPEND PROPERTY COMPILE_OPTIONS -fno-schedule-fusion)
 endif()
