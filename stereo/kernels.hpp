@@ -49,7 +49,7 @@ using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t u
 // What a pixel of a path has where the predecessor would lie outside the picture.
 constexpr uint8_t noPredecessor = 255 - penaltyOne;
 
-// One row of a driver: costs, four paths, their sum and the decision, pixel by pixel.
+// One row of a driver: costs, four paths, their sum and the decision, a stretch of pixels at a time.
 struct SgmRowJob {
   size_t width;
   const uint32_t* first;      // codes of the first picture

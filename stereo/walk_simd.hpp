@@ -1,5 +1,5 @@
-// The matcher's walk along one row: a pixel's 64 costs, its four paths, their sum and the decision are done before the
-// next pixel begins, so that nothing but the last row's path costs lives in memory.
+// The matcher's walk along one row, in stretches of 64 pixels: their costs, their four paths, the sums and the decisions.
+// Nothing but the last row's path costs outlives a stretch.
 #pragma once
 
 #include <cstring>
