@@ -1,7 +1,6 @@
 #include <nadir/image.h>
 
-#include <cstring>
-
+#include "core/memory.hpp"
 #include "core/pixels.hpp"
 
 namespace nadir {
@@ -69,8 +68,7 @@ uint32_t ImgC_Init(ImgC* img, uint32_t width, uint32_t height, uint32_t type, co
 uint32_t Img_FillBuffer(Img* img, uint32_t value) {
   if (!img) return 0;
   if (value == 0) {
-    const size_t bytes = rowBytes(*img) * img->height;
-    if (bytes) std::memset(img->data, 0, bytes);
+    clear(img->data, rowBytes(*img) * img->height);
     return 1;
   }
   if (img->type == IMG_TYPE_F32) return fill(*img, static_cast<float>(static_cast<int32_t>(value)));

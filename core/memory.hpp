@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 namespace nadir {
@@ -12,6 +13,11 @@ namespace nadir {
 inline void* allocate(uint64_t bytes) {
   if (bytes > std::numeric_limits<size_t>::max() / 2) return nullptr;
   return std::malloc(bytes ? static_cast<size_t>(bytes) : 1);
+}
+
+// Makes bytes 0; memset takes no null pointer, not even for none.
+inline void clear(void* data, size_t bytes) {
+  if (bytes) std::memset(data, 0, bytes);
 }
 
 // Memory for the duration of a call.

@@ -1,7 +1,8 @@
 #include <nadir/vector.h>
 
 #include <algorithm>
-#include <cstring>
+
+#include "core/memory.hpp"
 
 namespace nadir {
 namespace {
@@ -26,13 +27,11 @@ bool fill(const Vector& vec, uint32_t value, uint32_t count) {
   return true;
 }
 
-bool clear(const Vector& vec, uint32_t count) {
-  std::memset(vec.data, 0, size_t{count} * elementBytes(vec.elementType));
-  return true;
-}
-
 bool fillElements(const Vector& vec, uint32_t value, uint32_t count) {
-  if (value == 0) return clear(vec, count);
+  if (value == 0) {
+    clear(vec.data, size_t{count} * elementBytes(vec.elementType));
+    return true;
+  }
   if (vec.elementType == VECTOR_TYPE_WORD) return false;
   switch (elementBytes(vec.elementType)) {
     case 1: return fill<uint8_t>(vec, value, count);

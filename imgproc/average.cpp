@@ -13,11 +13,6 @@ bool canAverage(const Img* frame, const Img* sum, const Img* count) {
          count->type == IMG_TYPE_U16 && sameSize(*frame, *sum);
 }
 
-// Nobody has compared the count image's size: what stands in its memory counts, row after row.
-uint16_t* countsOfRow(const Img& count, const Img& frame, size_t y) {
-  return static_cast<uint16_t*>(count.data) + y * frame.width;
-}
-
 void addRow(const uint16_t* pixels, uint32_t* sums, uint16_t* counts, size_t n, uint32_t invalid) {
   forEachPixel(n, [=](size_t i) {
     const uint32_t valid = pixels[i] != invalid;
@@ -48,7 +43,7 @@ int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgStat
 int32_t IP_Utils_ImgAvrgAdd(const Img* frame, Img* sum, Img* count, ImgAvrgState* state) {
   if (!canAverage(frame, sum, count)) return 0;
   for (size_t y = 0; y < frame->height; ++y) {
-    addRow(row<uint16_t>(*frame, y), row<uint32_t>(*sum, y), countsOfRow(*count, *frame, y), frame->width,
+    addRow(row<uint16_t>(*frame, y), row<uint32_t>(*sum, y), row<uint16_t>(*count, y), frame->width,
            state->invalidValue);
   }
   ++state->frameCount;
@@ -60,7 +55,7 @@ uint32_t IP_Utils_ImgAvrgProcess(Img* out, const Img* sum, const Img* count, con
   const int32_t limit = countLimit(*state);
   const SmoothKernels& kernels = smoothKernels(cpu());
   for (size_t y = 0; y < out->height; ++y) {
-    kernels.mean(row<int32_t>(*sum, y), countsOfRow(*count, *out, y), limit, row<uint16_t>(*out, y), out->width);
+    kernels.mean(row<int32_t>(*sum, y), row<uint16_t>(*count, y), limit, row<uint16_t>(*out, y), out->width);
   }
   return 1;
 }

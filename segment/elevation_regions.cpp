@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
+#include "core/memory.hpp"
 #include "core/pixels.hpp"
 #include "segment/columns.hpp"
 #include "segment/disjoint_sets.hpp"
@@ -101,7 +101,7 @@ int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
 int32_t IP_RGE_CreateLabelMap(Img* map) {
   if (!map || !found.any || map->type != IMG_TYPE_U16) return 0;
   if (map->width < found.elev.width || map->height < found.elev.height) return 0;
-  std::memset(map->data, 0, rowBytes(*map) * map->height);
+  clear(map->data, rowBytes(*map) * map->height);
   for (const Run* run = found.runs; run != found.runs + found.count; ++run) {
     uint16_t* labels = row<uint16_t>(*map, run->row);
     std::fill(labels + run->start, labels + run->end, run->label);

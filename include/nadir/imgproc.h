@@ -178,8 +178,8 @@ typedef struct {
  *
  * frame  an image of IMG_TYPE_U16; only its description is read.
  * sum    an image of IMG_TYPE_S32 of the frame's size: the sums of the valid pixels.
- * count  an image of IMG_TYPE_U16: how many there were. All of it is cleared. Its size is not compared; the functions
- *        below take its first width * height pixels in memory order, those of the frame's size, which must exist.
+ * count  an image of IMG_TYPE_U16: how many there were. All of it is cleared. Its size is not compared; its rows
+ *        begin where its own descriptor says, and must hold as many pixels as the frame's.
  * state  must not be null; it is not checked. */
 NADIR_API int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgState* state);
 

@@ -189,27 +189,27 @@ TEST(ImgAvrgAdd, IsExactForEverySize) {
   });
 }
 
-namespace {
-
-// The size that the counts' descriptor names is not compared: they are taken in memory order.
-void expectCountsInMemoryOrder(uint32_t countWidth, uint32_t countHeight) {
+// The size of the counts is not compared with the frame's: a larger image serves as well.
+TEST(ImgAvrg, KeepsCountsInTheCornerOfALargerImage) {
   Series s = begun(3, 2);
+  Image<uint16_t> counts(4, 3);
+  EXPECT_EQ(IP_Utils_ImgAvrgInit(s.frame, s.sum, counts, &s.state), 1);
   s.state.minValidPercent = 0;
-  s.count.img.width = static_cast<uint16_t>(countWidth);
-  s.count.img.height = static_cast<uint16_t>(countHeight);
-  EXPECT_EQ(s.add({1, 0, 3, 4, 5, 0}), 1);
-  EXPECT_EQ(s.add({3, 0, 3, 0, 7, 8}), 1);
-  EXPECT_EQ(s.count.pixels(), (Pixels{2, 0, 2, 1, 2, 1}));
-  EXPECT_EQ(s.sum.pixels(), (Sums{4, 0, 6, 4, 12, 8}));
-  EXPECT_EQ(s.average(), (Pixels{2, 0, 3, 4, 6, 8}));
+  s.frame.fill({1, 0, 3, 4, 5, 0});
+  EXPECT_EQ(IP_Utils_ImgAvrgAdd(s.frame, s.sum, counts, &s.state), 1);
+  EXPECT_EQ(counts.pixels(), (Pixels{1, 0, 1, 0, 1, 1, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(IP_Utils_ImgAvrgProcess(s.out, s.sum, counts, &s.state), 1u);
+  EXPECT_EQ(s.out.pixels(), (Pixels{1, 0, 3, 4, 5, 0}));
 }
 
-}  // namespace
-
-TEST(ImgAvrg, AcceptsCountsInOneRow) { expectCountsInMemoryOrder(6, 1); }
-TEST(ImgAvrg, AcceptsCountsInMoreRows) { expectCountsInMemoryOrder(2, 3); }
-TEST(ImgAvrg, AcceptsCountsWhoseDescriptorNamesAnotherHeight) { expectCountsInMemoryOrder(3, 77); }
-TEST(ImgAvrg, AcceptsCountsWhoseDescriptorSaysTheyAreEmpty) { expectCountsInMemoryOrder(0, 0); }
+TEST(ImgAvrg, AcceptsCountsWhoseDescriptorNamesAnotherHeight) {
+  Series s = begun(3, 2);
+  s.state.minValidPercent = 0;
+  s.count.img.height = 77;
+  EXPECT_EQ(s.add({1, 0, 3, 4, 5, 0}), 1);
+  EXPECT_EQ(s.count.pixels(), (Pixels{1, 0, 1, 1, 1, 0}));
+  EXPECT_EQ(s.average(), (Pixels{1, 0, 3, 4, 5, 0}));
+}
 
 // ---- process -------------------------------------------------------------------------------------------------------
 
@@ -350,15 +350,14 @@ TEST(ImgAvrgProcess, AcceptsImagesWithoutPixels) {
 
 // ---- all three -----------------------------------------------------------------------------------------------------
 
-// One column, its rows further apart than its pixels are wide, in one image after the other. The counts have no rows of
-// their own.
+// One column, its rows further apart than its pixels are wide, in one image after the other.
 TEST(ImgAvrg, WalksEachImageWithItsOwnRowStride) {
-  for (size_t apart = 0; apart < 3; ++apart) {
+  for (size_t apart = 0; apart < 4; ++apart) {
     SCOPED_TRACE(apart);
-    Image<uint16_t> frame(1, 6), count(1, 3), out(1, 6);
+    Image<uint16_t> frame(1, 6), count(1, 6), out(1, 6);
     Image<int32_t> sum(1, 6);
     ImgAvrgState state;
-    Img* images[] = {frame, sum, out};
+    Img* images[] = {frame, sum, out, count};
     for (Img* image : images) image->height = 3;
     images[apart]->bytesPerPixel = static_cast<uint16_t>(2 * images[apart]->bytesPerPixel);
     const auto at = [apart](size_t image, size_t y) { return image == apart ? 2 * y : y; };
@@ -366,8 +365,8 @@ TEST(ImgAvrg, WalksEachImageWithItsOwnRowStride) {
     EXPECT_EQ(IP_Utils_ImgAvrgInit(frame, sum, count, &state), 1);
     EXPECT_EQ(IP_Utils_ImgAvrgAdd(frame, sum, count, &state), 1);
     EXPECT_EQ(IP_Utils_ImgAvrgProcess(out, sum, count, &state), 1u);
-    EXPECT_EQ(count.pixels(), (Pixels{1, 1, 1}));
     for (size_t y = 0; y < 3; ++y) {
+      EXPECT_EQ(count.data()[at(3, y)], 1) << y;
       EXPECT_EQ(sum.data()[at(1, y)], static_cast<int32_t>(y + 5)) << y;
       EXPECT_EQ(out.data()[at(2, y)], y + 5) << y;
     }
