@@ -128,7 +128,8 @@ void setValue(Camera& camera, const CameraKey& key, double value) {
 
 std::string mistakeIn(double value, const CameraKey& key) {
   if (value >= key.low && value <= key.high) return "";
-  return format("is %s, must lie between %s and %s", shortest(value).c_str(), shortest(key.low).c_str(),
+  const std::string shown = std::abs(value) < 1e15 ? shortest(value) : format("%g", value);
+  return format("is %s, must lie between %s and %s", shown.c_str(), shortest(key.low).c_str(),
                 shortest(key.high).c_str());
 }
 

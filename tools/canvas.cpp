@@ -81,10 +81,9 @@ Rgb blended(Rgb under, Rgb over, double share) {
 
 std::vector<double> tickValues(double low, double high, uint32_t pixels, double distance) {
   const double step = tickStep((high - low) * distance / pixels);
-  const auto first = static_cast<int>(std::ceil(low / step - 1e-9));
-  const auto last = static_cast<int>(std::floor(high / step + 1e-9));
+  const double first = std::ceil(low / step - 1e-9), last = std::floor(high / step + 1e-9);
   std::vector<double> values;
-  for (int i = first; i <= last; ++i) values.push_back(i * step);
+  for (double i = first; i <= last; ++i) values.push_back(i * step);
   return values;
 }
 

@@ -6,6 +6,7 @@
 #include "camera_import.hpp"
 #include "commands.hpp"
 #include "error.hpp"
+#include "number_range.hpp"
 #include "text.hpp"
 
 namespace nadir::tool {
@@ -46,6 +47,8 @@ void takeOptions(const Options& options, ImportedCamera& imported) {
   for (size_t i = 0; i < options.values.size(); ++i) {
     if (!options.values[i]) continue;
     const CameraKey& key = cameraKeys()[i];
+    const std::string mistake = mistakeIn(*options.values[i], key);
+    if (!mistake.empty()) throw Error(optionName(key) + ": " + mistake);
     setValue(imported.camera, key, *options.values[i]);
     imported.origins[key.name] = optionName(key);
   }
@@ -102,7 +105,7 @@ void run(const Options& options) {
 void addKeyOption(CLI::App& command, const CameraKey& key, std::optional<double>& value) {
   CLI::Option* option = command.add_option(optionName(key), value, key.meaning)->group("Keys of the camera file");
   option->type_name(isCount(key) ? "N" : "NUMBER");
-  if (isCount(key)) option->check(CLI::TypeValidator<uint32_t>("").description(""));
+  if (isCount(key)) option->check(wholeNumberFrom(0, UINT32_MAX));
 }
 
 }  // namespace
@@ -122,7 +125,7 @@ void addCameraCommand(CLI::App& app) {
       ->add_option("--unit-mm", options->unitMm,
                    "The millimetres of one unit of length of the calibration, 1000 for metres (default for ROS: 1000; "
                    "an OpenCV file needs it, since it does not say)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("N");
   options->values.resize(cameraKeys().size());
   for (size_t i = 0; i < cameraKeys().size(); ++i) addKeyOption(*command, cameraKeys()[i], options->values[i]);

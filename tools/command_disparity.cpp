@@ -12,6 +12,7 @@
 #include "files.hpp"
 #include "halve.hpp"
 #include "matching.hpp"
+#include "number_range.hpp"
 #include "pair_input.hpp"
 #include "png.hpp"
 #include "text.hpp"
@@ -113,7 +114,7 @@ void addDisparityCommand(CLI::App& app) {
                    format("How much worse, in 1/128 of the best cost, every other match must be; more rejects more, 0 "
                           "to 128 (default: %u)",
                           options->uniqueness))
-      ->check(CLI::Range(0, 128).description(""))
+      ->check(wholeNumberFrom(0, 128))
       ->type_name("N");
   command
       ->add_option("--mask", options->mask,

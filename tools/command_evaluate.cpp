@@ -10,6 +10,7 @@
 #include "evaluation.hpp"
 #include "evaluation_report.hpp"
 #include "files.hpp"
+#include "number_range.hpp"
 #include "pictures.hpp"
 #include "plot.hpp"
 #include "png.hpp"
@@ -142,12 +143,12 @@ void addEvaluateCommand(CLI::App& app) {
   command
       ->add_option("--scale", options->scale,
                    "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("N");
   command
       ->add_option("--truth-scale", options->truthScale,
                    "The same of the truth (default: the file's own text nadir:scale, else 256)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("N");
   command
       ->add_option(
@@ -163,7 +164,7 @@ void addEvaluateCommand(CLI::App& app) {
   command
       ->add_option("--error-range", options->errorRange,
                    "Error at the ends of the map's colours (default: 2 pixels, 100 mm)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("N");
   command->add_flag("--heights", options->heights,
                     "Take both pictures for elevation maps in mm (default: where the first one says so itself)");

@@ -104,7 +104,7 @@ void addMapOptions(CLI::App& command, Options& options) {
   command
       .add_option("--min-points", options.rule.minPoints,
                   format("Cells with fewer points stay unseen (default: %u)", options.rule.minPoints))
-      ->check(CLI::Range(1, 1000000).description(""))
+      ->check(wholeNumberFrom(1, 1000000))
       ->type_name("N");
   command
       .add_option("--fill-holes", options.fillHolesM2,
@@ -155,7 +155,7 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
   options.threads = processors();
   all.push_back(
       command.add_option("--threads", options.threads, "Frames worked on at a time (default: one for each processor)")
-          ->check(CLI::Range(1, 256).description(""))
+          ->check(wholeNumberFrom(1, 256))
           ->type_name("N"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
   all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
@@ -171,19 +171,19 @@ void addMatchOptions(CLI::App& command, Options& options) {
   command
       .add_option("--disparity-scale", options.disparityScale,
                   "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->needs(given)
       ->type_name("N");
   command
-      .add_option("--grid", options.view,
-                  "View that is measured, left or right; its camera is the world's origin (default: left)")
-      ->transform(CLI::CheckedTransformer(std::map<std::string, View>{{"left", View::left}, {"right", View::right}})
-                      .description(""))
+      .add_option_function<std::string>(
+          "--grid", [&options](const std::string& view) { options.view = view == "left" ? View::left : View::right; },
+          "View that is measured, left or right; its camera is the world's origin (default: left)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
   command
       .add_option("--uniqueness", options.uniqueness,
                   format("As for nadir disparity, 0 to 128 (default: %u)", options.uniqueness))
-      ->check(CLI::Range(0, 128).description(""))
+      ->check(wholeNumberFrom(0, 128))
       ->excludes(given)
       ->type_name("N");
   command

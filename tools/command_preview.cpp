@@ -5,6 +5,7 @@
 #include "commands.hpp"
 #include "disparity_plot.hpp"
 #include "error.hpp"
+#include "number_range.hpp"
 #include "pictures.hpp"
 
 namespace nadir::tool {
@@ -39,11 +40,12 @@ void addPreviewCommand(CLI::App& app) {
                    "Disparities at the two ends of the colours, pixels (default: those of the picture without the "
                    "lowest 3 and the highest 1 percent)")
       ->expected(2)
+      ->check(numberFrom(-1e6, 1e6))
       ->type_name("LOW HIGH");
   command
       ->add_option("--scale", options->scale,
                    "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("N");
   command->footer(
       "Example, the truth in the colours of a result:\n"

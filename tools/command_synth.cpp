@@ -109,7 +109,7 @@ void addCameraOptions(CLI::App& command, Options& options) {
   command.add_option("--size", "Width and height of the pictures, 64 to 4096 pixels each (default: 640x480)")
       ->each([&camera](const std::string& text) {
         const std::string fault = parseSize(text, camera);
-        if (!fault.empty()) throw CLI::ValidationError("--size", text + " " + fault);
+        if (!fault.empty()) throw CLI::ValidationError(text + " " + fault);
       })
       ->type_name("WxH");
   number("--baseline", camera.baseline, 1, 10000, "Distance of the two cameras", "MM");
@@ -121,17 +121,18 @@ void addCameraOptions(CLI::App& command, Options& options) {
   number("--pan", camera.pan, -60, 60, "Pan; positive turns the optical axis towards the picture's left edge",
          "DEGREES");
   command
-      .add_option("--grid", camera.reference,
-                  "View whose camera is the world's origin and has the given height, left or right (default: left)")
-      ->transform(CLI::CheckedTransformer(std::map<std::string, Side>{{"left", Side::left}, {"right", Side::right}})
-                      .description(""))
+      .add_option_function<std::string>(
+          "--grid",
+          [&camera](const std::string& view) { camera.reference = view == "left" ? Side::left : Side::right; },
+          "View whose camera is the world's origin and has the given height, left or right (default: left)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
 }
 
 void addSequenceOptions(CLI::App& command, SequenceSettings& sequence) {
   CLI::Option* frames =
       command.add_option("--frames", sequence.frames, "Render so many frames instead of one pair, 1 to 1000000")
-          ->check(CLI::Range(1, 1000000).description(""))
+          ->check(wholeNumberFrom(1, 1000000))
           ->type_name("N");
   command
       .add_option("--fps", sequence.framesPerSecond,
@@ -142,7 +143,7 @@ void addSequenceOptions(CLI::App& command, SequenceSettings& sequence) {
   sequence.threads = processors();
   command
       .add_option("--threads", sequence.threads, "Frames that are rendered at a time (default: one for each processor)")
-      ->check(CLI::Range(1, 256).description(""))
+      ->check(wholeNumberFrom(1, 256))
       ->needs(frames)
       ->type_name("N");
   command
@@ -164,7 +165,9 @@ void addSynthCommand(CLI::App& app) {
       ->type_name("NAME");
   command
       ->add_option("--seed", settings.seed,
-                   "Another number gives other textures and noise and moves the objects a little (default: 1)")
+                   "Another number gives other textures and noise and moves the objects a little, a whole number below "
+                   "2^64 (default: 1)")
+      ->check(wholeNumberFrom(0, UINT64_MAX))
       ->type_name("N");
   command
       ->add_option("--noise", settings.sensor.noise,

@@ -104,8 +104,10 @@ void addTuneCommand(CLI::App& app) {
       ->check(CLI::IsMember(settingNames()).description(""))
       ->type_name("NAME");
   command->add_option("--from", options->low, "Least value that is tried (default: the setting's range)")
+      ->check(wholeNumberFrom(0, UINT32_MAX))
       ->type_name("N");
   command->add_option("--to", options->high, "Largest value that is tried (default: the setting's range)")
+      ->check(wholeNumberFrom(0, UINT32_MAX))
       ->type_name("N");
   command
       ->add_option("--wrong-costs", options->wrongCosts,
@@ -115,10 +117,10 @@ void addTuneCommand(CLI::App& app) {
   command
       ->add_option("--tolerance", options->tolerance,
                    "A value with a larger error is wrong, pixels or mm (default: the setting's, below)")
-      ->check(CLI::PositiveNumber.description(""))
+      ->check(positiveNumber())
       ->type_name("ERROR");
   command->add_option("--trials", options->maxTrials, "Trials at most, 2 to 100 (default: 20)")
-      ->check(CLI::Range(2, 100).description(""))
+      ->check(wholeNumberFrom(2, 100))
       ->type_name("N");
   command->add_option("-o,--output", options->plot, "Receives a plot of the trials, SVG (default: none)")
       ->type_name("FILE");

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <sstream>
 
 #include "chunks.hpp"
 #include "commands.hpp"
@@ -37,6 +38,37 @@ void describe(CLI::App& app) {
   app.require_subcommand(1);
 }
 
+// The command that the arguments name.
+const CLI::App& commandIn(const CLI::App& app) {
+  const auto named = app.get_subcommands();
+  return named.empty() ? app : commandIn(*named.front());
+}
+
+std::string fullName(const CLI::App& command) {
+  return (command.get_parent() ? fullName(*command.get_parent()) + " " : "") + command.get_name();
+}
+
+// What was mistyped says more than what is missing because of it.
+std::string mistakeIn(const CLI::App& app, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = app.remaining(true);
+  if (unknown.empty()) return error.what();
+  const std::string& first = unknown.front();
+  if (first[0] == '-') return "there is no option " + first;
+  const bool isCommand = commandIn(app).get_require_subcommand_min() > 0;
+  return isCommand ? "there is no command \"" + first + "\"" : "\"" + first + "\" is one argument too many";
+}
+
+int answer(const CLI::App& app, const CLI::ParseError& error) {
+  if (error.get_exit_code() == 0) {
+    std::ostringstream text;
+    app.exit(error, text, text);
+    print(text.str());
+    return 0;
+  }
+  const std::string sentence = mistakeIn(app, error) + "; see " + fullName(commandIn(app)) + " --help";
+  return complain(sentence.c_str(), misused);
+}
+
 int run(int argc, char** argv) {
   CLI::App app("From rectified stereo pairs to disparities, heights above the ground and what stands there.");
   describe(app);
@@ -51,8 +83,7 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
-    return complain((std::string(error.what()) + "; see nadir --help").c_str(), misused);
+    return answer(app, error);
   }
   return 0;
 }

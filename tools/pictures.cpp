@@ -76,7 +76,8 @@ Grid<uint8_t> readMask(const std::string& path) {
 Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
   const Raster raster = readMeasurements(path, "disparities");
   const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
-  if (!(divisor > 0)) throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number");
+  if (!(divisor >= 1e-6 && divisor <= 1e6))
+    throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
   Grid<float> disparity(raster.width, raster.height, std::nanf(""));
   for (size_t i = 0; i < raster.samples.size(); ++i)
     if (raster.samples[i] != 0) disparity.pixels[i] = static_cast<float>(raster.samples[i] / divisor);

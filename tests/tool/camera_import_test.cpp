@@ -182,7 +182,10 @@ TEST_F(CameraImport, TooLittleOrOutOfRange) {
   expectRefused({"--focal-px", "600"}, "baseline_mm is not known: give a calibration file or --baseline-mm");
   std::vector<std::string> numbers = plainNumbers;
   numbers[15] = "95";
-  expectRefused(numbers, "tilt_deg: is 95, must lie between -89.9 and 89.9");
+  expectRefused(numbers, "--tilt-deg: is 95, must lie between -89.9 and 89.9");
+  expectRefused({"--cell-mm", "0"}, "--cell-mm: is 0, must lie between 1 and 10000");
+  expectRefused({"--height-mm", "1e308"}, "--height-mm: is 1e+308, must lie between 1 and 1000000");
+  expectRefused({"--height-mm", "nan"}, "--height-mm: is nan, must lie between 1 and 1000000");
 }
 
 TEST_F(CameraImport, BadOpenCvFiles) {
