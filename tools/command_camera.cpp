@@ -96,7 +96,7 @@ void run(const Options& options) {
   chooseMap(imported);
   takeOptions(options, imported);
   check(imported.camera);
-  OutputFiles files;
+  OutputFiles files(options.calibrations);
   files.write(options.output, cameraBytes(imported.camera));
   print(report(imported, options.output));
   files.commit();

@@ -76,7 +76,7 @@ void run(const Options& options) {
   const MatchOptions settings{options.grid == "left" ? View::left : View::right, options.uniqueness,
                               !options.noPostprocessing, readMaskFor(pair, options.mask)};
   const Match result = match(std::move(pair), settings, times);
-  OutputFiles files;
+  OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
   files.commit();

@@ -94,7 +94,7 @@ const AreaTrack& plotted(const std::vector<AreaTrack>& areas, const std::string&
 
 void runOnSequences(const Options& options) {
   const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
-  OutputFiles files;
+  OutputFiles files({options.input + "/frames.jsonl", options.truth + "/truth.jsonl"});
   if (!options.plot.empty()) files.write(options.plot, trackPlot(plotted(areas, options.area)));
   print(options.json ? trackJson(areas) : trackTable(areas));
   files.commit();
@@ -117,7 +117,7 @@ void run(const Options& options) {
   const bool heights = options.heights || isElevationMap(options.input);
   const Compared compared = heights ? readMaps(options) : readDisparities(options);
   const double range = options.errorRange > 0 ? options.errorRange : heights ? 100 : 2;
-  OutputFiles files;
+  OutputFiles files({options.input, options.truth});
   if (!options.errorMap.empty())
     files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
   print(report(compared, heights, options.json));

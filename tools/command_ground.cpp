@@ -56,7 +56,7 @@ void runOnPair(const Options& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   StageTimes times;
   const GroundResult result = ground(groundSetup(options), options.left, options.right, times);
-  OutputFiles files;
+  OutputFiles files({options.left, options.right, options.camera, options.areas, options.disparity, options.mask});
   times.measure("writing", [&] { writeOutputs(options.folder, result, files); });
   print(groundTable(result, times));
   files.commit();

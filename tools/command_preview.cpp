@@ -23,7 +23,7 @@ void run(const Options& options) {
   std::pair<double, double> range = usualRange(disparity);
   if (!options.range.empty()) range = {options.range[0], options.range[1]};
   if (!(range.first < range.second)) throw Error("the range of colours must rise from its first number to its second");
-  OutputFiles files;
+  OutputFiles files({options.input});
   files.write(options.output, encodeDisparityPlot(disparity, range));
   files.commit();
 }

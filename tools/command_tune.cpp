@@ -66,11 +66,19 @@ Bytes plotOf(const Tunable& t, const SearchResult& result) {
   return encodeLinePlot({format("nadir tune --setting %s", t.name), t.name, "score, %", {curve, best}});
 }
 
+std::vector<std::string> pairFiles(const std::vector<std::string>& folders) {
+  std::vector<std::string> files;
+  for (const std::string& folder : folders)
+    for (const char* name : {"left.png", "right.png", "disparity_gt.png", "elevation_gt.png", "camera.toml"})
+      files.push_back(folder + "/" + name);
+  return files;
+}
+
 void run(const Options& options) {
   const Tunable t = chosen(options);
   const Objective objective = objectiveOf(t, options.folders, {t.tolerance, options.wrongCosts});
   const SearchResult result = searchBest(objective, t.low, t.high, options.maxTrials);
-  OutputFiles files;
+  OutputFiles files(pairFiles(options.folders));
   if (!options.plot.empty()) files.write(options.plot, plotOf(t, result));
   print(report(t, result, objective(t.usual)));
   files.commit();

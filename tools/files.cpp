@@ -37,6 +37,12 @@ std::string checkedTarget(const std::string& path) {
   return target.string();
 }
 
+// By whatever path, or link, it is named.
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code missing;
+  return fs::equivalent(a, b, missing) && !missing;
+}
+
 void writeNewFile(const std::string& path, const Bytes& bytes, const std::string& shownAs) {
   FilePtr file(std::fopen(path.c_str(), "wbx"));
   if (!file) fail("write", shownAs, errno);
@@ -71,6 +77,8 @@ void OutputFiles::makeFolder(const std::string& path) {
 
 void OutputFiles::write(const std::string& path, const Bytes& bytes) {
   const std::string target = checkedTarget(path);
+  for (const std::string& input : inputs_)
+    if (isSameFile(input, target)) throw Error("the output " + path + " is one of the inputs");
   for (const File& file : files_)
     if (file.target == target) throw Error("two outputs have the same name, " + path);
   files_.push_back({target, format("%s.%ld.part", target.c_str(), static_cast<long>(getpid())), false});

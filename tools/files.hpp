@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nadir::tool {
@@ -15,7 +16,8 @@ Bytes readFile(const std::string& path);
 // is not committed disappears with the object.
 class OutputFiles {
  public:
-  OutputFiles() = default;
+  // write() refuses to replace one of the inputs; an empty name is none.
+  explicit OutputFiles(std::vector<std::string> inputs = {}) : inputs_(std::move(inputs)) {}
   OutputFiles(const OutputFiles&) = delete;
   OutputFiles& operator=(const OutputFiles&) = delete;
   ~OutputFiles();
@@ -30,6 +32,7 @@ class OutputFiles {
     std::string target, temporary;
     bool inPlace;
   };
+  std::vector<std::string> inputs_;
   std::vector<File> files_;
   std::string newFolder_;
   bool committed_ = false;

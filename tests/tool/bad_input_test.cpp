@@ -28,6 +28,8 @@ class BadInput : public testing::Test {
     expectRefused({"disparity", "odd", "right.png", "-o", "d.png"}, reason);
   }
 
+  std::string rootName() { return std::filesystem::path(folder.path("")).parent_path().filename(); }
+
   Folder folder;
 };
 
@@ -125,6 +127,32 @@ TEST_F(BadInput, OneOfTwoTargetsUnwritable) {
   expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "none/p.png"},
                 "cannot write none/p.png: No such file");
   expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "./d.png"}, "the same name");
+}
+
+TEST_F(BadInput, AnOutputThatIsAnInput) {
+  std::filesystem::create_symlink("left.png", folder.path("link.png"));
+  std::filesystem::create_directory(folder.path("result"));
+  writeFile(folder.path("result/regions.png"), pgm(picture(96, 64, 8, std::vector<uint16_t>(96 * 64, 0))));
+  writeFile(folder.path("c.yml"),
+            "Q: [1, 0, 0, -48, 0, 1, 0, -32, 0, 0, 0, 90, 0, 0, 0.01, 0]\nimage_width: 96\nimage_height: 64\n");
+  const std::pair<std::vector<std::string>, std::string> runs[] = {
+      {{"disparity", "left.png", "right.png", "-o", "left.png"}, "left.png"},
+      {{"disparity", "left.png", "right.png", "-o", "../" + rootName() + "/right.png"}, "right.png"},
+      {{"disparity", "left.png", "right.png", "-o", "link.png"}, "left.png"},
+      {{"disparity", "link.png", "right.png", "-o", "left.png"}, "left.png"},
+      {{"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "right.png"}, "right.png"},
+      {{"preview", "disparity_gt.png", "-o", "disparity_gt.png"}, "disparity_gt.png"},
+      {{"evaluate", "disparity_left_gt.png", "disparity_gt.png", "--error-map", "disparity_gt.png"},
+       "disparity_gt.png"},
+      {{"tune", ".", "--trials", "2", "-o", "left.png"}, "left.png"},
+      {{"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "result", "--mask", "result/regions.png"},
+       "result/regions.png"},
+      {{"camera", "import", "c.yml", "--unit-mm", "1", "-o", "c.yml"}, "c.yml"}};
+  for (const auto& [arguments, input] : runs) {
+    const Bytes before = readFile(folder.path(input));
+    expectRefused(arguments, "is one of the inputs");
+    EXPECT_EQ(readFile(folder.path(input)), before) << input;
+  }
 }
 
 TEST_F(BadInput, FullDisk) {
