@@ -54,6 +54,7 @@ void addArea(Table& table, const Occupancy& area, const MapFrame& frame) {
                 "");
   table.line("size on the map", squareMetres(area.place.count, frame.cells), "m2", 3);
   table.line("seen", 100 * share(area.seen, area.place.count), "%");
+  if (area.seen == 0) return table.heading("nothing of it was seen", "");
   if (area.regions.empty()) return table.heading("nothing stands in it", "");
   table.line("covered", squareMetres(area.covered.cells, frame.cells), described(area.covered), 3);
   for (const SharedRegion& shared : area.regions)

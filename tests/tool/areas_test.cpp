@@ -70,6 +70,15 @@ TEST_F(Areas, NothingStandsInIt) {
   EXPECT_NE(out.find("nothing stands in it"), std::string::npos) << out;
 }
 
+TEST_F(Areas, OfWhatWasNotSeenNothingIsSaid) {
+  // The picture ends 600 mm above the map's middle.
+  const Json hidden = found(area("far", "ground_mm = [[-500, -950], [-300, -950], [-300, -750]]"))[0];
+  EXPECT_GT(hidden["cells"], 0);
+  EXPECT_EQ(hidden["seen_cells"], 0);
+  EXPECT_NE(out.find("nothing of it was seen"), std::string::npos) << out;
+  EXPECT_EQ(out.find("nothing stands in it"), std::string::npos) << out;
+}
+
 TEST_F(Areas, PixelsAndMillimetresGiveTheSameCells) {
   // A pixel is worth 15 mm on the ground.
   const Json areas = found(area("pixels", "pixels = [[46, 29], [59, 29], [59, 50], [46, 50]]") +
