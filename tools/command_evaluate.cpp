@@ -1,5 +1,6 @@
 // nadir evaluate: how near disparities, heights, regions or tracked heights come to the truth.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <memory>
@@ -23,6 +24,7 @@ namespace nadir::tool {
 namespace {
 
 struct Options {
+  std::vector<std::string> given;  // names of the options on the command line
   std::string input, truth, errorMap, visible, plot, area;
   double scale = 0, truthScale = 0, errorRange = 0;
   bool heights = false, json = false;
@@ -92,7 +94,15 @@ const AreaTrack& plotted(const std::vector<AreaTrack>& areas, const std::string&
   throw Error("there is no area \"" + name + "\" to plot");
 }
 
+// An option that is passed over would promise what is not done.
+void allowOnly(const std::vector<std::string>& meant, const Options& options, const char* kind) {
+  for (const std::string& name : options.given)
+    if (std::find(meant.begin(), meant.end(), name) == meant.end())
+      throw Error(format("%s is not for %s, %s", name.c_str(), options.input.c_str(), kind));
+}
+
 void runOnSequences(const Options& options) {
+  allowOnly({"--plot", "--area", "--json"}, options, "a folder of a sequence");
   const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
   OutputFiles files({options.input + "/frames.jsonl", options.truth + "/truth.jsonl"});
   if (!options.plot.empty()) files.write(options.plot, trackPlot(plotted(areas, options.area)));
@@ -104,17 +114,18 @@ void runOnSequences(const Options& options) {
 void runOnFolders(const Options& options) {
   if (!std::filesystem::is_directory(options.truth))
     throw Error(options.truth + " must be a folder that nadir synth wrote, because " + options.input + " is a folder");
-  if (!options.errorMap.empty()) throw Error("an error map needs two pictures, but " + options.input + " is a folder");
+  allowOnly({"--json"}, options, "a folder of a pair");
   const RegionEvaluation evaluation = evaluateRegions(options.input, options.truth);
   print(options.json ? regionJson(evaluation) : regionTable(evaluation));
 }
 
-void run(const Options& options) {
-  if (isSequenceResult(options.input)) return runOnSequences(options);
-  if (!options.plot.empty())
-    throw Error("--plot draws tracked heights, but " + options.input + " is no result of a sequence");
-  if (std::filesystem::is_directory(options.input)) return runOnFolders(options);
+void runOnPictures(const Options& options) {
   const bool heights = options.heights || isElevationMap(options.input);
+  if (heights)
+    allowOnly({"--heights", "--error-map", "--error-range", "--json"}, options, "an elevation map");
+  else
+    allowOnly({"--scale", "--truth-scale", "--visible", "--error-map", "--error-range", "--json"}, options,
+              "a picture of disparities");
   const Compared compared = heights ? readMaps(options) : readDisparities(options);
   const double range = options.errorRange > 0 ? options.errorRange : heights ? 100 : 2;
   OutputFiles files({options.input, options.truth});
@@ -122,6 +133,19 @@ void run(const Options& options) {
     files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
   print(report(compared, heights, options.json));
   files.commit();
+}
+
+void run(const Options& options) {
+  if (isSequenceResult(options.input)) return runOnSequences(options);
+  if (std::filesystem::is_directory(options.input)) return runOnFolders(options);
+  runOnPictures(options);
+}
+
+std::vector<std::string> givenOptions(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options())
+    if (option->nonpositional() && option->count() > 0) names.push_back(option->get_name());
+  return names;
 }
 
 }  // namespace
@@ -157,13 +181,15 @@ void addEvaluateCommand(CLI::App& app) {
           "picture that the truth belongs to, left or right (default: none are left out)")
       ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
-  command
-      ->add_option("--error-map", options->errorMap,
-                   "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
-      ->type_name("FILE");
+  CLI::Option* errorMap =
+      command
+          ->add_option("--error-map", options->errorMap,
+                       "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
+          ->type_name("FILE");
   command
       ->add_option("--error-range", options->errorRange,
                    "Error at the ends of the map's colours (default: 2 pixels, 100 mm)")
+      ->needs(errorMap)
       ->check(positiveNumber())
       ->type_name("N");
   command->add_flag("--heights", options->heights,
@@ -193,7 +219,10 @@ void addEvaluateCommand(CLI::App& app) {
       "  nadir evaluate result/elevation.png elevation_gt.png\n"
       "  nadir evaluate result scene\n"
       "  nadir evaluate result walk --plot heights.svg");
-  command->callback([options] { run(*options); });
+  command->callback([options, command] {
+    options->given = givenOptions(*command);
+    run(*options);
+  });
 }
 
 }  // namespace nadir::tool

@@ -83,6 +83,15 @@ TEST_F(EvaluateHeights, SizesMustAgree) {
   EXPECT_EQ(evaluate().err, "nadir: the elevation map is 3 x 2 pixels, the truth 2 x 3\n");
 }
 
+TEST_F(EvaluateHeights, OptionsOfDisparitiesAreRefused) {
+  for (const std::vector<std::string>& option : {std::vector<std::string>{"--visible", "left"}, {"--scale", "16"}}) {
+    const Outcome outcome = evaluate(option);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(option[0] + " is not for "), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find(", an elevation map\n"), std::string::npos) << outcome.err;
+  }
+}
+
 TEST_F(EvaluateHeights, ErrorMapIsInMillimetres) {
   ASSERT_EQ(evaluate({"--error-map", "e.png"}).status, 0);
   EXPECT_NE(readPng(folder.path("e.png")).text["Description"].find("in mm"), std::string::npos);

@@ -168,7 +168,10 @@ TEST_F(EvaluateRegions, BadFoldersAreRefusedInOneSentence) {
   };
   refuse({"result", "scene/scene.json"},
          "scene/scene.json must be a folder that nadir synth wrote, because result is a folder");
-  refuse({"result", "scene", "--error-map", "e.png"}, "an error map needs two pictures, but result is a folder");
+  refuse({"result", "scene", "--error-map", "e.png"}, "--error-map is not for result, a folder of a pair");
+  refuse({"result", "scene", "--scale", "16"}, "--scale is not for result, a folder of a pair");
+  refuse({"result", "scene", "--heights"}, "--heights is not for result, a folder of a pair");
+  refuse({"result", "scene", "--visible", "left"}, "--visible is not for result, a folder of a pair");
   refuse({"scene", "scene"}, "cannot read scene/regions.png: No such file or directory");
   writeFile(folder.path("result/summary.json"), "{\"regions\": [{}]}");
   refuse({"result", "scene"}, "cannot use result/summary.json: it is not a list of regions as nadir ground writes it");

@@ -84,7 +84,9 @@ TEST_F(EvaluateTracks, RefusesInOneSentence) {
   };
   refuse({"r", "s", "--plot", "p.svg", "--area", "nowhere"}, "there is no area \"nowhere\"");
   refuse({"r", "nowhere"}, "nowhere is no sequence of nadir synth");
-  refuse({"s", "s", "--plot", "p.svg"}, "--plot draws tracked heights");
+  refuse({"s", "s", "--plot", "p.svg"}, "--plot is not for s, a folder of a pair");
+  refuse({"r", "s", "--error-map", "o.png"}, "--error-map is not for r, a folder of a sequence");
+  refuse({"r", "s", "--heights"}, "--heights is not for r, a folder of a sequence");
   writeFile(folder.path("s/truth.jsonl"), truth(0, 0, 1, 0, 1));
   refuse({"r", "s"}, "s has fewer frames than r");
   writeFile(folder.path("r/run.json"), "{\"areas\": [{\"name\": 1}]}");
