@@ -11,8 +11,9 @@ struct Error : std::runtime_error {
   int status;
 };
 
-// A run over many frames that has done what it could.
+// A run over many frames, or a comparison of many results, that has done what it could.
 constexpr int someFramesSkipped = 3;
+constexpr int someNotCompared = 3;
 constexpr int interrupted = 130;  // as a shell says of a program that Ctrl-C ended
 
 }  // namespace nadir::tool

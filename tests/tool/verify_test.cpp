@@ -34,6 +34,19 @@ TEST(VerifyCommand, ComparesWithAnotherMachinesHashes) {
   EXPECT_NE(outcome.out.find("matching             same"), std::string::npos) << outcome.out;
 }
 
+TEST(VerifyCommand, WhatWasNotComparedDoesNotDiffer) {
+  const Folder folder;
+  const std::string hashes = folder.run({"verify", "--print-hashes"}).out;
+  const std::string shorter = hashes.substr(hashes.find('\n') + 1), longer = hashes + "later 0123456789abcdef\n";
+  for (const std::string& table : {shorter, longer}) {
+    writeFile(folder.path("hashes.txt"), table);
+    const Outcome outcome = folder.run({"verify", "--against", "hashes.txt"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.err.find("DIFFER"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("not every stage was compared"), std::string::npos) << outcome.err;
+  }
+}
+
 TEST(VerifyCommand, RefusesAFileOfSomethingElse) {
   const Folder folder;
   for (const char* text : {"", "something else\n"}) {

@@ -43,6 +43,10 @@ std::vector<std::string> unknownStages(const Findings& findings, const Table& ta
   return names;
 }
 
+bool anyDiffers(const Findings& findings) {
+  return std::any_of(findings.begin(), findings.end(), [](const Finding& f) { return f.wanted && !f.same(); });
+}
+
 bool isVerified(const Findings& findings, const Table& table) {
   return unknownStages(findings, table).empty() &&
          std::all_of(findings.begin(), findings.end(), [](const Finding& f) { return f.same(); });

@@ -35,6 +35,9 @@ Findings compared(const Table& got, const Table& wanted);
 // Stages of the table that were not run: a table of another version.
 std::vector<std::string> unknownStages(const Findings& findings, const Table& table);
 
+// A stage that was run and that the table knows has another hash there.
+bool anyDiffers(const Findings& findings);
+
 // All stages are the same and no stage of the table is missing.
 bool isVerified(const Findings& findings, const Table& table);
 
