@@ -33,6 +33,7 @@ std::string optionName(const CameraKey& key) {
 ImportedCamera importCalibration(const Options& options) {
   const auto& files = options.calibrations;
   if (files.empty()) return {};
+  if (files.size() > 2) throw CLI::ValidationError("CALIBRATION", "one or two files are used, not more");
   if (files.size() == 1) return importOpenCv(readCalibration(files[0]), options.unitMm);
   return importRos(readCalibration(files[0]), readCalibration(files[1]), options.unitMm);
 }
@@ -115,11 +116,9 @@ void addCameraCommand(CLI::App& app) {
   CLI::App* camera = app.add_subcommand("camera", "Make a camera file.");
   camera->require_subcommand(1);
   CLI::App* command = camera->add_subcommand("import", "Make a camera file from a calibration or from plain numbers.");
-  command
-      ->add_option("CALIBRATION", options->calibrations,
-                   "One OpenCV stereo YAML file (P1 and P2, or Q), or two ROS camera_info YAML files, the left "
-                   "camera's first; none where the options below say everything")
-      ->expected(0, 2);
+  command->add_option("CALIBRATION", options->calibrations,
+                      "One OpenCV stereo YAML file (P1 and P2, or Q), or two ROS camera_info YAML files, the left "
+                      "camera's first; none where the options below say everything");
   command->add_option("-o,--output", options->output, "Camera file to write")->required()->type_name("FILE");
   command
       ->add_option("--unit-mm", options->unitMm,

@@ -97,13 +97,13 @@ void addMapOptions(CLI::App& command, Options& options) {
   command
       .add_option("--percentile", options.rule.percentile,
                   format("How the points of one cell become its height: this percentile of their heights; 50 is the "
-                         "median, 100 the highest point (default: %g)",
+                         "median, 100 the highest point; 1 to 100 (default: %g)",
                          options.rule.percentile))
       ->check(numberFrom(1, 100))
       ->type_name("P");
   command
       .add_option("--min-points", options.rule.minPoints,
-                  format("Cells with fewer points stay unseen (default: %u)", options.rule.minPoints))
+                  format("Cells with fewer points stay unseen, 1 to 1000000 (default: %u)", options.rule.minPoints))
       ->check(wholeNumberFrom(1, 1000000))
       ->type_name("N");
   command
@@ -143,9 +143,11 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
   std::vector<CLI::Option*> all;
   const auto number = [&](const char* name, auto& value, double low, double high, const std::string& text,
                           const char* unit) {
-    all.push_back(command.add_option(name, value, text + format(" (default: %g)", static_cast<double>(value)))
-                      ->check(numberFrom(low, high))
-                      ->type_name(unit));
+    all.push_back(
+        command
+            .add_option(name, value, text + format(", %g to %g (default: %g)", low, high, static_cast<double>(value)))
+            ->check(numberFrom(low, high))
+            ->type_name(unit));
   };
   SequenceRule& rule = options.rule;
   number("--fps", rule.framesPerSecond, 0.001, 100000, "Frames per second of a sequence", "RATE");
@@ -153,10 +155,11 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
   number("--track-noise", rule.track.noiseMm, 0.1, 10000,
          "How uncertain a frame's height in an area is, standard deviation", "MM");
   options.threads = processors();
-  all.push_back(
-      command.add_option("--threads", options.threads, "Frames worked on at a time (default: one for each processor)")
-          ->check(wholeNumberFrom(1, 256))
-          ->type_name("N"));
+  all.push_back(command
+                    .add_option("--threads", options.threads,
+                                "Frames worked on at a time, 1 to 256 (default: one for each processor)")
+                    ->check(wholeNumberFrom(1, 256))
+                    ->type_name("N"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
   all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
   return [all] { return std::any_of(all.begin(), all.end(), [](const CLI::Option* o) { return o->count() > 0; }); };

@@ -22,7 +22,7 @@ struct Options {
   std::string folder;
   SynthSettings settings;
   SequenceSettings sequence;
-  bool focalGiven = false;
+  bool focalGiven = false, noTruthPictures = false;
 };
 
 Rendering render(const SynthSettings& settings) {
@@ -66,6 +66,7 @@ void run(Options& options) {
   SynthSettings& settings = options.settings;
   if (!options.focalGiven) settings.camera.focal *= settings.camera.width / 640.0;
   const bool isSequence = options.sequence.frames > 0;
+  options.sequence.truthPictures = !options.noTruthPictures;
   if (settings.scene.empty()) settings.scene = isSequence ? "walkers" : "boxes";
   if (isSequence)
     writeSequence(options.folder, settings, options.sequence);
@@ -129,7 +130,8 @@ void addCameraOptions(CLI::App& command, Options& options) {
       ->type_name("VIEW");
 }
 
-void addSequenceOptions(CLI::App& command, SequenceSettings& sequence) {
+void addSequenceOptions(CLI::App& command, Options& options) {
+  SequenceSettings& sequence = options.sequence;
   CLI::Option* frames =
       command.add_option("--frames", sequence.frames, "Render so many frames instead of one pair, 1 to 1000000")
           ->check(wholeNumberFrom(1, 1000000))
@@ -142,12 +144,13 @@ void addSequenceOptions(CLI::App& command, SequenceSettings& sequence) {
       ->type_name("RATE");
   sequence.threads = processors();
   command
-      .add_option("--threads", sequence.threads, "Frames that are rendered at a time (default: one for each processor)")
+      .add_option("--threads", sequence.threads,
+                  "Frames that are rendered at a time, 1 to 256 (default: one for each processor)")
       ->check(wholeNumberFrom(1, 256))
       ->needs(frames)
       ->type_name("N");
   command
-      .add_flag("!--no-truth-pictures", sequence.truthPictures,
+      .add_flag("--no-truth-pictures", options.noTruthPictures,
                 "Leave out the pictures of the truth, which take half of the time; truth.jsonl stays")
       ->needs(frames);
 }
@@ -176,7 +179,7 @@ void addSynthCommand(CLI::App& app) {
       ->type_name("SIGMA");
   command->add_flag("--dead-area", settings.sensor.deadArea,
                     "Give both pictures a disc without data (0), right of and below the centre");
-  addSequenceOptions(*command, options->sequence);
+  addSequenceOptions(*command, *options);
   addCameraOptions(*command, *options);
   command->footer(
       sceneList() +

@@ -102,5 +102,33 @@ TEST(Options, HelpThatCannotBeWrittenFails) {
   }
 }
 
+TEST(Options, HelpShowsOptionsAsTheyAreTyped) {
+  const Folder folder;
+  for (const Arguments& arguments : {Arguments{"camera", "import"},
+                                     {"disparity"},
+                                     {"evaluate"},
+                                     {"ground"},
+                                     {"preview"},
+                                     {"synth"},
+                                     {"tune"},
+                                     {"verify"}}) {
+    const std::string text = folder.run(with(arguments, {"--help"})).out;
+    EXPECT_EQ(text.find("(0x)"), std::string::npos) << text;
+    EXPECT_EQ(text.find("{false}"), std::string::npos) << text;
+  }
+}
+
+TEST(Options, HelpTellsTheRangesOfGround) {
+  const Folder folder;
+  const std::string text = folder.run({"ground", "--help"}).out;
+  for (const char* range : {"1 to 100 (", "1 to 1000000 (", "0.001 to 100000 (", "1 to 1000 (", "0.1 to 10000 ("})
+    EXPECT_NE(text.find(range), std::string::npos) << range << " is not in\n" << text;
+}
+
+TEST(Options, ThreeCalibrationsAreTooMany) {
+  expectMisused({"camera", "import", "a", "b", "c", "-o", "c.toml"},
+                "CALIBRATION: one or two files are used, not more; see nadir camera import");
+}
+
 }  // namespace
 }  // namespace nadir::test
