@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <type_traits>
 
 #include "chunks.hpp"
 #include "commands.hpp"
@@ -143,10 +144,12 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
   std::vector<CLI::Option*> all;
   const auto number = [&](const char* name, auto& value, double low, double high, const std::string& text,
                           const char* unit) {
+    const bool whole = std::is_integral_v<std::decay_t<decltype(value)>>;
     all.push_back(
         command
             .add_option(name, value, text + format(", %g to %g (default: %g)", low, high, static_cast<double>(value)))
-            ->check(numberFrom(low, high))
+            ->check(whole ? wholeNumberFrom(static_cast<uint64_t>(low), static_cast<uint64_t>(high))
+                          : numberFrom(low, high))
             ->type_name(unit));
   };
   SequenceRule& rule = options.rule;

@@ -56,6 +56,11 @@ TEST(Options, AWholeNumberHasDigitsAlone) {
                   "--uniqueness: " + text + " is not a whole number from 0 to 128; see nadir disparity");
 }
 
+TEST(Options, AWindowHasWholeFrames) {
+  expectMisused(with(ground, {"--average", "2.5"}),
+                "--average: 2.5 is not a whole number from 1 to 1000; see nadir ground");
+}
+
 TEST(Options, ASeedIsNotTakenModulo) {
   for (const std::string text : {"-1", "18446744073709551616", "99999999999999999999999", "1.5"})
     expectMisused({"synth", "scene", "--seed", text},
