@@ -64,14 +64,21 @@ void drawLine(Grid<Rgb>& picture, const Spot& from, const Spot& to, uint32_t wid
   }
 }
 
-void drawSign(Grid<Rgb>& picture, const Spot& middle, const std::string& text, uint32_t scale, Rgb box) {
-  const uint32_t width = scale * (textWidth(text) + 3), height = scale * (textHeight + 2);
-  const auto inside = [](double wanted, uint32_t size, uint32_t room) {
-    return static_cast<uint32_t>(std::clamp<double>(wanted - size / 2.0, 0, room - std::min(size, room)));
+// Liang and Barsky, "A new concept and method for line clipping", ACM Transactions on Graphics 3(1), 1984: each side
+// narrows the range of t in from + t * (to - from).
+std::optional<Line> clipped(const Line& line, const Rect& rect) {
+  double first = 0, last = 1;
+  const auto narrow = [&](double from, double step, double low, double size) {
+    if (step == 0) return from >= low && from <= low + size;
+    const auto [near, far] = std::minmax({(low - from) / step, (low + size - from) / step});
+    first = std::max(first, near);
+    last = std::min(last, far);
+    return first <= last;
   };
-  const uint32_t left = inside(middle.x, width, picture.width), top = inside(middle.y, height, picture.height);
-  fill(picture, {left, top, width, height}, box);
-  drawText(picture, left + 2 * scale, top + 2 * scale, text, scale);
+  const double dx = line.to.x - line.from.x, dy = line.to.y - line.from.y;
+  if (!narrow(line.from.x, dx, rect.left, rect.width) || !narrow(line.from.y, dy, rect.top, rect.height)) return {};
+  const auto at = [&](double t) { return Spot{line.from.x + t * dx, line.from.y + t * dy}; };
+  return Line{at(first), at(last)};
 }
 
 Rgb blended(Rgb under, Rgb over, double share) {

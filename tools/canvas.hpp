@@ -1,6 +1,7 @@
 // Drawing on a colour picture: filled rectangles, small text, the places of an axis' ticks.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,12 @@ struct Spot {
 // A square pen of `width` pixels is drawn along the line.
 void drawLine(Grid<Rgb>& picture, const Spot& from, const Spot& to, uint32_t width, Rgb colour);
 
-// A text on a box of the colour, around the spot but inside the picture.
-void drawSign(Grid<Rgb>& picture, const Spot& middle, const std::string& text, uint32_t scale, Rgb box);
+struct Line {
+  Spot from, to;
+};
+
+// The part of a line that lies in the rectangle, nothing where none does.
+std::optional<Line> clipped(const Line& line, const Rect& rect);
 
 // Half way between two colours for 0.5, the second for 1.
 Rgb blended(Rgb under, Rgb over, double share);

@@ -68,7 +68,11 @@ MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t s
   const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
   const Grid<float> pixels = enlarged(cells, factor);
   const auto [low, high] = usualRange(cells);
-  MapPlot map{withMargins(plot(pixels, {low, high, turbo, "mm"})), leftMargin, topMargin, factor};
+  MapPlot map{withMargins(plot(pixels, {low, high, turbo, "mm"})),
+              leftMargin,
+              topMargin,
+              factor,
+              {leftMargin, topMargin, pixels.width, pixels.height}};
   const double mmPerPixel = static_cast<double>(frame.cells.cellSizeX) / factor;
   drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, frame.corner.x, mmPerPixel);
   drawRowAxis(map.picture, pixels.height, frame.corner.y, mmPerPixel);

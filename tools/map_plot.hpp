@@ -12,6 +12,7 @@ struct MapPlot {
   Grid<Rgb> picture;
   uint32_t left, top;  // where the first cell begins, pixels
   uint32_t cellPixels;
+  Rect place;  // of all cells, without axes and scale
 
   Spot spot(double column, double row) const { return {left + column * cellPixels, top + row * cellPixels}; }
 };

@@ -5,6 +5,7 @@
 
 #include "chunks.hpp"
 #include "map_plot.hpp"
+#include "signs.hpp"
 
 namespace nadir::tool {
 
@@ -19,15 +20,41 @@ TextChunks texts(const char* description) { return {{"Description", description}
 
 // ---- areas ----
 
-// The outline, pieces that cannot be drawn left out, and the name at its topmost corner.
-void drawOutline(Grid<Rgb>& picture, const std::vector<std::optional<Spot>>& outline, const std::string& name) {
-  std::optional<Spot> highest;
+constexpr uint32_t pen = 2;  // pixels
+
+// Where the middle of the pen may go.
+Rect forThePen(const Rect& room) { return {room.left + 1, room.top + 1, room.width - pen, room.height - pen}; }
+
+// The part of an outline that lies in `room`, pieces that cannot be drawn left out.
+std::vector<Line> visibleLines(const std::vector<std::optional<Spot>>& outline, const Rect& room) {
+  std::vector<Line> lines;
   for (size_t i = 0; i < outline.size(); ++i) {
     const std::optional<Spot>&from = outline[i], &to = outline[(i + 1) % outline.size()];
-    if (from && to) drawLine(picture, *from, *to, 2, areaColour);
-    if (from && (!highest || from->y < highest->y)) highest = from;
+    if (!from || !to) continue;
+    if (const std::optional<Line> line = clipped({*from, *to}, forThePen(room))) lines.push_back(*line);
   }
-  if (highest) drawSign(picture, *highest, name, 1, areaSign);
+  return lines;
+}
+
+struct NamedOutline {
+  std::string name;
+  std::vector<Line> lines;
+};
+
+void drawLines(Grid<Rgb>& picture, const std::vector<NamedOutline>& areas) {
+  for (const NamedOutline& area : areas)
+    for (const Line& line : area.lines) drawLine(picture, line.from, line.to, pen, areaColour);
+}
+
+// At the topmost spot of what is seen of each outline.
+void drawNames(Signs& signs, const std::vector<NamedOutline>& areas) {
+  for (const NamedOutline& area : areas) {
+    std::optional<Spot> highest;
+    for (const Line& line : area.lines)
+      for (const Spot& end : {line.from, line.to})
+        if (!highest || end.y < highest->y) highest = end;
+    if (highest) signs.drawNear(*highest, area.name, 1, areaSign);
+  }
 }
 
 // ---- on the map ----
@@ -109,13 +136,16 @@ std::vector<std::optional<Spot>> middles(const Grid<uint16_t>& labels, size_t co
   return middles;
 }
 
-void drawRegions(Grid<Rgb>& picture, const Grid<uint16_t>& labels, size_t count) {
+void colourRegions(Grid<Rgb>& picture, const Grid<uint16_t>& labels) {
   for (size_t i = 0; i < labels.pixels.size(); ++i)
     if (const uint16_t label = labels.pixels[i]) picture.pixels[i] = blended(picture.pixels[i], colourOf(label), 0.5);
-  const uint32_t scale = picture.width < 400 ? 1 : 2;
+}
+
+void numberRegions(Signs& signs, const Grid<uint16_t>& labels, size_t count) {
+  const uint32_t scale = labels.width < 400 ? 1 : 2;
   const std::vector<std::optional<Spot>> places = middles(labels, count);
   for (size_t i = 1; i <= count; ++i)
-    if (places[i]) drawSign(picture, *places[i], format("%zu", i), scale, white);
+    if (places[i]) signs.drawAt(*places[i], format("%zu", i), scale, white);
 }
 
 // Long edges on the ground are followed piece by piece, because a part of them can lie behind the camera.
@@ -137,29 +167,48 @@ std::vector<std::optional<Spot>> outlineInPicture(const std::vector<Point_s32>& 
   return outline;
 }
 
+std::vector<NamedOutline> areasOnMap(const MapPlot& map, const MapFrame& frame, const Findings& findings) {
+  std::vector<NamedOutline> areas;
+  for (const Occupancy& area : findings.areas) {
+    std::vector<std::optional<Spot>> outline;
+    for (const Point_s32& corner : area.place.ground) outline.emplace_back(spotOf(map, frame, corner.x, corner.y));
+    areas.push_back({area.area.name, visibleLines(outline, map.place)});
+  }
+  return areas;
+}
+
+std::vector<NamedOutline> areasInPicture(const GroundResult& result, const Rect& whole, const Findings& findings) {
+  std::vector<NamedOutline> areas;
+  for (const Occupancy& area : findings.areas)
+    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.place.ground, result.context), whole)});
+  return areas;
+}
+
 }  // namespace
 
 Bytes encodeRegionMap(const GroundResult& result, const Findings& findings) {
   MapPlot map = drawMap(result.map.heights, result.frame, mapSide);
+  const std::vector<NamedOutline> areas = areasOnMap(map, result.frame, findings);
   outlineCells(map, findings.regions.labels);
-  for (const Occupancy& area : findings.areas) {
-    std::vector<std::optional<Spot>> outline;
-    for (const Point_s32& corner : area.place.ground)
-      outline.emplace_back(spotOf(map, result.frame, corner.x, corner.y));
-    drawOutline(map.picture, outline, area.area.name);
-  }
+  drawLines(map.picture, areas);
+  Signs signs(map.picture, map.place);
   for (const Region& region : findings.regions.list)
-    drawSign(map.picture, spotOf(map, result.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2,
-             white);
+    signs.drawAt(spotOf(map, result.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
+  drawNames(signs, areas);
   return encodePng(map.picture, texts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
                                       "Regions are outlined in white and numbered, areas of interest in pink."));
 }
 
 Bytes encodeRegionPicture(const GroundResult& result, const Findings& findings) {
   Grid<Rgb> picture = shown(result.picture);
-  drawRegions(picture, labelsOfPixels(result, findings), findings.regions.list.size());
-  for (const Occupancy& area : findings.areas)
-    drawOutline(picture, outlineInPicture(area.place.ground, result.context), area.area.name);
+  const Grid<uint16_t> labels = labelsOfPixels(result, findings);
+  const Rect whole{0, 0, picture.width, picture.height};
+  const std::vector<NamedOutline> areas = areasInPicture(result, whole, findings);
+  colourRegions(picture, labels);
+  drawLines(picture, areas);
+  Signs signs(picture, whole);
+  numberRegions(signs, labels, findings.regions.list.size());
+  drawNames(signs, areas);
   return encodePng(picture, texts("The measured picture: regions coloured and numbered, areas of interest on the "
                                   "ground outlined in pink."));
 }
