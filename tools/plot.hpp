@@ -18,7 +18,8 @@ struct ColourScale {
 // matches, most of which are too small, do not take the colours away from the rest. {0, 1} where there is no value.
 std::pair<double, double> usualRange(const Grid<float>& values);
 
-// The values pixel by pixel, NaN in grey, and the bar at their right.
+// The values pixel by pixel, NaN in grey, and the bar at their right. Where values lie beyond an end of the scale, the
+// bar has an arrow there.
 Grid<Rgb> plot(const Grid<float>& values, const ColourScale& scale);
 
 }  // namespace nadir::tool

@@ -123,5 +123,23 @@ TEST_F(Evaluate, PreviewUsesTheGivenRange) {
   EXPECT_GT(high.samples[0], high.samples[2]) << "10 is the high, reddish end";
 }
 
+TEST(Preview, AnArrowTellsOfValuesBeyondAnEnd) {
+  const Folder folder;
+  writePng(folder.path("d.png"), picture(60, 100, 16, std::vector<uint16_t>(60 * 100, 15 * 16)));
+  const auto drawn = [&folder](const char* low, const char* high) {
+    EXPECT_EQ(folder.run({"preview", "d.png", "-o", "p.png", "--range", low, high}).status, 0);
+    return readPng(folder.path("p.png"));
+  };
+  // The bar begins 8 columns right of the picture and is 14 wide; its middle, just above and just below it.
+  const auto isWhite = [](const Picture& p, uint32_t y) {
+    return p.samples[3 * (size_t{y} * p.width + 60 + 15)] == 255;
+  };
+  const uint32_t above = 22, below = 100 - 21;
+  const Picture within = drawn("10", "20"), high = drawn("5", "10"), low = drawn("20", "25");
+  EXPECT_TRUE(isWhite(within, above) && isWhite(within, below));
+  EXPECT_TRUE(!isWhite(high, above) && isWhite(high, below));
+  EXPECT_TRUE(isWhite(low, above) && !isWhite(low, below));
+}
+
 }  // namespace
 }  // namespace nadir::test
