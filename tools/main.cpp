@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <nadir/nadir.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -21,6 +23,13 @@ constexpr int misused = 2;
 int complain(const char* sentence, int status) {
   std::fprintf(stderr, "nadir: %s\n", sentence);
   return status;
+}
+
+// Closed, one of them would become the number of the next file that is opened, and messages would land in that file.
+void openStandardStreams() {
+  int opened = 0;
+  while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+  if (opened > STDERR_FILENO) close(opened);
 }
 
 void describe(CLI::App& app) {
@@ -94,6 +103,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace nadir::tool;
+  openStandardStreams();
   try {
     return run(argc, argv);
   } catch (const Error& error) {

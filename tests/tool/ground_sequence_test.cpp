@@ -2,6 +2,7 @@
 // nothing had happened.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -326,6 +327,15 @@ TEST_F(GroundSequence, TellsHowFarItIs) {
   EXPECT_NE(outcome.err.find("mapping 3 of 6 frames, "), std::string::npos) << outcome.err;
   EXPECT_NE(outcome.err.find("mapping 6 of 6 frames, "), std::string::npos) << outcome.err;
   EXPECT_EQ(outcome.err.find('\r'), std::string::npos) << "no bar in a file";
+}
+
+TEST_F(GroundSequence, MessagesForAClosedStreamDoNotLandInTheResult) {
+  ground("whole");
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    const std::string output = "without" + std::to_string(stream);
+    EXPECT_EQ(folder.runWithout(stream, arguments(output)).status, 0);
+    expectSame("whole", output);
+  }
 }
 
 TEST_F(GroundSequence, RefusesInOneSentence) {

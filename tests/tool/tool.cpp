@@ -160,7 +160,7 @@ std::vector<std::string> Folder::names() const {
 }
 
 // The process.
-int Folder::start(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
+int Folder::start(const std::vector<std::string>& arguments, const std::function<void()>& prepare) const {
   std::vector<char*> argv = {const_cast<char*>(NADIR_TOOL)};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
@@ -169,24 +169,33 @@ int Folder::start(const std::vector<std::string>& arguments, uint64_t fileLimit)
     if (chdir(root_.c_str()) != 0) _exit(126);
     sendTo(root_ + ".out", STDOUT_FILENO);
     sendTo(root_ + ".err", STDERR_FILENO);
-    if (fileLimit) limitFiles(fileLimit);
+    prepare();
     execv(NADIR_TOOL, argv.data());
     _exit(127);
   }
   return child;
 }
 
-Outcome Folder::run(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
-  const pid_t child = start(arguments, fileLimit);
+Outcome Folder::finish(int child) const {
   int status = 0;
   EXPECT_EQ(waitpid(child, &status, 0), child);
   EXPECT_TRUE(WIFEXITED(status)) << "ended by signal " << (WIFSIGNALED(status) ? WTERMSIG(status) : 0);
   return {WEXITSTATUS(status), taken(root_ + ".out"), taken(root_ + ".err")};
 }
 
+Outcome Folder::run(const std::vector<std::string>& arguments, uint64_t fileLimit) const {
+  return finish(start(arguments, [fileLimit] {
+    if (fileLimit) limitFiles(fileLimit);
+  }));
+}
+
+Outcome Folder::runWithout(int stream, const std::vector<std::string>& arguments) const {
+  return finish(start(arguments, [stream] { close(stream); }));
+}
+
 Outcome Folder::runUntil(const std::vector<std::string>& arguments, const std::string& file, int lines,
                          int signal) const {
-  const pid_t child = start(arguments, 0);
+  const pid_t child = start(arguments, [] {});
   int status = 0;
   pid_t ended = 0;
   while ((ended = waitpid(child, &status, WNOHANG)) == 0) {

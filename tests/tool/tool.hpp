@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -51,12 +52,16 @@ class Folder {
   // fileLimit  what a file may grow to before a write fails, bytes; 0: no limit.
   Outcome run(const std::vector<std::string>& arguments, uint64_t fileLimit = 0) const;
 
+  // Runs the tool with one of its standard streams closed.
+  Outcome runWithout(int stream, const std::vector<std::string>& arguments) const;
+
   // Runs the tool and sends it a signal as soon as a file has so many lines. The status of a run that the signal ended
   // is 128 and the signal's number.
   Outcome runUntil(const std::vector<std::string>& arguments, const std::string& file, int lines, int signal) const;
 
  private:
-  int start(const std::vector<std::string>& arguments, uint64_t fileLimit) const;
+  int start(const std::vector<std::string>& arguments, const std::function<void()>& prepare) const;
+  Outcome finish(int child) const;
 
   std::string root_;
 };
