@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <regex>
 
 #include "error.hpp"
 #include "text.hpp"
@@ -61,6 +62,13 @@ Bytes readFile(const std::string& path) {
     bytes.insert(bytes.end(), block, block + count);
   if (std::ferror(file.get())) fail("read", path, errno);
   return bytes;
+}
+
+void removeParts(const std::string& folder) {
+  static const std::regex part(".*\\.[0-9]+\\.part");
+  std::error_code missing;
+  for (const auto& entry : fs::directory_iterator(folder, missing))
+    if (std::regex_match(entry.path().filename().string(), part)) fs::remove(entry.path());
 }
 
 OutputFiles::~OutputFiles() {

@@ -12,6 +12,9 @@ using Bytes = std::vector<uint8_t>;
 
 Bytes readFile(const std::string& path);
 
+// Removes the temporary files of a killed process from a folder; no other process may be writing there.
+void removeParts(const std::string& folder);
+
 // The outputs of one command. write() fills a temporary file beside the target; commit() gives every one its name. What
 // is not committed disappears with the object.
 class OutputFiles {

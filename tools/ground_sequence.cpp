@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "error.hpp"
+#include "folder_lock.hpp"
 #include "frame_log.hpp"
 #include "ground_report.hpp"
 #include "in_order.hpp"
@@ -54,6 +55,7 @@ class SequenceRun {
   }
 
  private:
+  std::string settingsPath() const { return options_.folder + "/run.json"; }
   std::string logPath() const { return options_.folder + "/frames.jsonl"; }
   std::string mapPath(const char* kind, size_t frame) const {
     return options_.folder + "/" + kind + "/" + source_.name(frame) + ".png";
@@ -64,16 +66,35 @@ class SequenceRun {
 
   // ---- the beginning, or where an earlier run has ended ----
 
+  // The folders are there before run.json tells of them, so that a run that was killed in between can go on too.
   void begin() {
     checkMask();
-    const std::string description = sequenceJson(setup_, options_.rule, source_);
-    const std::string path = options_.folder + "/run.json";
-    if (!fs::exists(path)) return writeNew(path, description);
+    const std::string settings = sequenceJson(setup_, options_.rule, source_);
+    OutputFiles files;
+    files.makeFolder(options_.folder);
+    lock_.emplace(options_.folder);
+    const bool begun = fs::exists(settingsPath()) || fs::exists(logPath());
+    if (begun) checkResumable(settings);
+    for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
+    if (!begun) files.write(settingsPath(), Bytes(settings.begin(), settings.end()));
+    if (!options_.rule.noMaps) makeMapFolders();
+    files.commit();
+    if (begun) takeUp();
+  }
+
+  void checkResumable(const std::string& settings) const {
     if (!options_.resume)
       throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
-    const Bytes earlier = readFile(path);
-    if (std::string(earlier.begin(), earlier.end()) != description)
-      throw Error("cannot resume: " + path + " tells of other settings or another version");
+    const Bytes earlier = readFile(settingsPath());
+    if (std::string(earlier.begin(), earlier.end()) != settings)
+      throw Error("cannot resume: " + settingsPath() + " tells of other settings or another version");
+  }
+
+  void makeMapFolders() const {
+    for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
+  }
+
+  void takeUp() {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
     if (fs::exists(logPath())) fs::resize_file(logPath(), whole);
     if (!options_.rule.noMaps) refillWindow();
@@ -90,15 +111,6 @@ class SequenceRun {
                          sizeText(setup_.camera.widthPx, setup_.camera.heightPx).c_str()));
   }
 
-  void writeNew(const std::string& path, const std::string& description) {
-    OutputFiles files;
-    files.makeFolder(options_.folder);
-    files.write(path, Bytes(description.begin(), description.end()));
-    files.commit();
-    if (options_.rule.noMaps) return;
-    for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
-  }
-
   // The filters' state follows from what was measured.
   void replay(const nlohmann::json& line) {
     if (done_ >= source_.size() || line.value("frame", uint64_t{0}) != source_.number(done_))
@@ -112,15 +124,8 @@ class SequenceRun {
     ++done_;
   }
 
-  // What a killed run was just writing.
-  void removeParts(const char* kind) const {
-    for (const auto& entry : fs::directory_iterator(options_.folder + "/" + kind))
-      if (entry.path().extension() == ".part") fs::remove(entry.path());
-  }
-
   // With the last maps that were written. A damaged frame has none.
   void refillWindow() {
-    for (const char* kind : {"elevation", "average"}) removeParts(kind);
     std::vector<size_t> last;
     for (size_t frame = done_; frame > 0 && last.size() < options_.rule.averageFrames; --frame)
       if (fs::exists(mapPath("elevation", frame - 1))) last.push_back(frame - 1);
@@ -189,6 +194,7 @@ class SequenceRun {
   const FrameSource& source_;
   const GroundSetup& setup_;
   const SequenceOptions& options_;
+  std::optional<FolderLock> lock_;
   MapWindow window_;
   std::vector<HeightTrack> tracks_;
   size_t done_ = 0, skipped_ = 0;

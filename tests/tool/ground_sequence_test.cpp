@@ -1,7 +1,9 @@
 // nadir ground over sequences: what comes out, what a damaged frame does, and that an interrupted run goes on as if
 // nothing had happened.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -264,6 +266,60 @@ TEST_F(GroundSequence, ResumeBeginsWhereThereIsNothing) {
   EXPECT_EQ(ground("r", {"--resume"}).status, 0);
   EXPECT_EQ(ground("r", {"--resume"}).status, 0) << "nothing is left to do";
   expectSame("whole", "r");
+}
+
+// Between the first folder and the first frame there are few moments; each leaves one of these states.
+TEST_F(GroundSequence, ResumeGoesOnAfterAKillBeforeTheFirstFrame) {
+  ground("whole");
+  const Bytes settings = readFile(folder.path("whole/run.json"));
+  for (const std::string state : {"empty", "part", "run.json", "one folder"}) {
+    fs::create_directory(folder.path(state));
+    if (state == "part") writeFile(folder.path(state + "/run.json.123.part"), settings.substr(0, 50));
+    if (state == "run.json" || state == "one folder") writeFile(folder.path(state + "/run.json"), settings);
+    if (state == "one folder") fs::create_directory(folder.path(state + "/elevation"));
+    const Outcome outcome = ground(state, {"--resume"});
+    EXPECT_EQ(outcome.status, 0) << state << ": " << outcome.err;
+    expectSame("whole", state);
+  }
+}
+
+TEST_F(GroundSequence, ResumeRemovesWhatAKilledRunWasWriting) {
+  ground("whole");
+  ground("r");
+  for (const char* name : {"r/run.json.77.part", "r/elevation/000003.png.77.part", "r/average/000003.png.77.part"})
+    writeFile(folder.path(name), "half");
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+  expectSame("whole", "r");
+}
+
+TEST_F(GroundSequence, FilesOfOthersStay) {
+  fs::create_directory(folder.path("r"));
+  writeFile(folder.path("r/notes.part"), "mine");
+  EXPECT_EQ(ground("r").status, 0);
+  EXPECT_EQ(readFile(folder.path("r/notes.part")), "mine");
+}
+
+TEST_F(GroundSequence, ALogWithoutItsSettingsIsNotGoneOnWith) {
+  ground("r");
+  fs::remove(folder.path("r/run.json"));
+  const Bytes before = readFile(folder.path("r/frames.jsonl"));
+  EXPECT_NE(ground("r").err.find("r holds a run already"), std::string::npos);
+  EXPECT_NE(ground("r", {"--resume"}).err.find("cannot read r/run.json"), std::string::npos);
+  EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), before);
+}
+
+TEST_F(GroundSequence, AFolderThatAnotherRunWritesIntoIsRefused) {
+  const int other = open(folder.path("s").c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(flock(other, LOCK_EX), 0);
+  const auto before = folder.names();
+  for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--resume"}}) {
+    const Outcome outcome = ground("s", more);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("another run is writing into s:"), std::string::npos) << outcome.err;
+    EXPECT_EQ(folder.names(), before);
+  }
+  close(other);
+  EXPECT_EQ(ground("s", {"--resume"}).status, 0);
 }
 
 TEST_F(GroundSequence, ResumeTakesInNewFrames) {
