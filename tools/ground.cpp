@@ -12,13 +12,6 @@ namespace nadir::tool {
 
 namespace {
 
-void checkSize(const Pair& pair, const Camera& camera, const GroundOptions& options) {
-  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
-  throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
-                     sizeText(pair.left.width, pair.left.height).c_str(), options.camera.c_str(),
-                     sizeText(camera.widthPx, camera.heightPx).c_str()));
-}
-
 // Regions are found on small maps only; larger cells cover the same ground.
 void checkMap(const Camera& camera, const GroundOptions& options) {
   const uint32_t width = camera.mapWidthCells, height = camera.mapHeightCells, larger = std::max(width, height);
@@ -53,7 +46,6 @@ Grid<float> givenDisparities(const GroundOptions& options, const Pair& pair) {
 }
 
 void findDisparities(GroundResult& r, const GroundOptions& options, Pair pair, StageTimes& times) {
-  checkSize(pair, r.camera, options);
   r.picture = r.view == View::left ? pair.left : pair.right;
   if (options.disparity.empty()) {
     r.matched = matched(options, std::move(pair), times);
@@ -106,6 +98,14 @@ RegionRule regionRule(const GroundSetup& setup) {
           options.minAreaM2.value_or(usual.minAreaM2)};
 }
 
+void checkSize(const Pair& pair, const GroundSetup& setup) {
+  const Camera& camera = setup.camera;
+  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
+  throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
+                     sizeText(pair.left.width, pair.left.height).c_str(), setup.options.camera.c_str(),
+                     sizeText(camera.widthPx, camera.heightPx).c_str()));
+}
+
 GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times) {
   const GroundOptions& options = setup.options;
   GroundResult r{};
@@ -114,7 +114,9 @@ GroundResult ground(const GroundSetup& setup, const std::string& left, const std
   r.rule = options.rule;
   r.context = setup.context;
   r.frame = setup.frame;
-  findDisparities(r, options, times.measure("reading", [&] { return readPair(left, right); }), times);
+  Pair pair = times.measure("reading", [&] { return readPair(left, right); });
+  checkSize(pair, setup);
+  findDisparities(r, options, std::move(pair), times);
   measure(r, options, times);
   if (!options.noRegions) r.findings = times.measure("regions", [&] { return find(r, setup); });
   return r;

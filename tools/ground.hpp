@@ -62,6 +62,9 @@ GroundSetup groundSetup(const GroundOptions& options);
 // The one asked for, or the usual one.
 RegionRule regionRule(const GroundSetup& setup);
 
+// Throws where the pictures are not of the camera's size.
+void checkSize(const Pair& pair, const GroundSetup& setup);
+
 // The pair of the two files. Several threads may work at a time.
 GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times);
 

@@ -9,6 +9,7 @@
 #include "in_order.hpp"
 #include "interrupt.hpp"
 #include "map_window.hpp"
+#include "pair_input.hpp"
 #include "pictures.hpp"
 #include "png.hpp"
 #include "progress.hpp"
@@ -69,6 +70,7 @@ class SequenceRun {
   // The folders are there before run.json tells of them, so that a run that was killed in between can go on too.
   void begin() {
     checkMask();
+    checkCamera();
     const std::string settings = sequenceJson(setup_, options_.rule, source_);
     OutputFiles files;
     files.makeFolder(options_.folder);
@@ -100,7 +102,7 @@ class SequenceRun {
     if (!options_.rule.noMaps) refillWindow();
   }
 
-  // Here and not frame by frame: without it every frame would be damaged.
+  // These are checked here and not frame by frame: with the wrong file every frame would be damaged.
   void checkMask() const {
     if (setup_.options.mask.empty()) return;
     const Grid<uint8_t> mask = readMask(setup_.options.mask);
@@ -109,6 +111,21 @@ class SequenceRun {
                          setup_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
                          setup_.options.camera.c_str(),
                          sizeText(setup_.camera.widthPx, setup_.camera.heightPx).c_str()));
+  }
+
+  // On the first frame that can be read.
+  void checkCamera() const {
+    std::optional<Pair> pair;
+    for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
+    if (pair) checkSize(*pair, setup_);
+  }
+
+  std::optional<Pair> readable(size_t frame) const {
+    try {
+      return readPair(source_.left(frame), source_.right(frame));
+    } catch (const Error&) {
+      return {};
+    }
   }
 
   // The filters' state follows from what was measured.

@@ -231,6 +231,25 @@ TEST_F(GroundSequence, APictureOfAnotherSizeIsADamagedFrame) {
   EXPECT_NE(lines("r")[1]["error"].get<std::string>().find("differ in size"), std::string::npos);
 }
 
+TEST_F(GroundSequence, ACameraOfAnotherSizeIsRefusedAtOnce) {
+  ASSERT_EQ(folder.run({"synth", "other", "--size", "200x120"}).status, 0);
+  damage("s/left/000000.png");
+  std::vector<std::string> all = arguments("r");
+  all[3] = "other/camera.toml";
+  const Outcome outcome = folder.run(all);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err,
+            "nadir: the pictures are 160 x 120 pixels, but the camera of other/camera.toml takes pictures of "
+            "200 x 120\n");
+  EXPECT_FALSE(fs::exists(folder.path("r")));
+}
+
+TEST_F(GroundSequence, WhereNoFrameCanBeReadAllAreSkipped) {
+  for (int frame = 0; frame < frames; ++frame) damage("s/left/" + number(frame) + ".png");
+  EXPECT_EQ(ground("r").status, 3);
+  EXPECT_EQ(lines("r").size(), size_t{frames});
+}
+
 // ---- interruptions ----
 
 TEST_F(GroundSequence, ASignalLeavesWholeFilesAndResumeGoesOn) {
