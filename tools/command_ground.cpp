@@ -1,6 +1,7 @@
 // nadir ground: from a rectified pair to heights above the ground, and what stands there.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <type_traits>
@@ -72,6 +73,8 @@ void runOnSequence(const Options& options) {
 
 void run(const Options& options, bool sequenceAsked) {
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
+  if (options.right.empty() && !std::filesystem::exists(options.left))
+    throw Error("there is no file or folder " + options.left);
   if (sequenceAsked)
     throw Error(options.left +
                 " is one picture: --fps, --average, --track-noise, --threads, --resume "
@@ -83,7 +86,8 @@ void addInputs(CLI::App& command, Options& options) {
   command
       .add_option("LEFT", options.left,
                   "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
-                  "in left and right; a pattern, left/%06d.png")
+                  "in left and right, each with its frame's number at the end of its name (others are left out); a "
+                  "pattern, left/%06d.png")
       ->required();
   command.add_option("RIGHT", options.right, "Right picture of the same size, or the pattern of the right ones");
   command.add_option("--camera", options.camera, "Camera file; nadir camera import makes one")

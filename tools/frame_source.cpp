@@ -1,6 +1,7 @@
 #include "frame_source.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <regex>
 
@@ -13,20 +14,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t longestNumber = 18;  // digits that 64 bits hold
-
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-bool isNumber(const std::string& text) {
-  return !text.empty() && text.size() <= longestNumber && std::all_of(text.begin(), text.end(), isDigit);
+bool isNumber(const std::string& text) { return !text.empty() && std::all_of(text.begin(), text.end(), isDigit); }
+
+uint64_t numberOf(const std::string& digits) {
+  uint64_t number = 0;
+  if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc())
+    throw Error("the frame number " + digits + " is too large, it has to fit into 64 bits");
+  return number;
 }
 
-// The digits at the end of a name, as a number; 0 where there are none.
-uint64_t trailingNumber(const std::string& name) {
+std::string digitsAtEnd(const std::string& name) {
   size_t begin = name.size();
   while (begin > 0 && isDigit(name[begin - 1])) --begin;
-  const std::string digits = name.substr(begin);
-  return isNumber(digits) ? std::stoull(digits) : 0;
+  return name.substr(begin);
 }
 
 // Names of the plain files in a folder.
@@ -47,7 +49,7 @@ bool isPicture(const fs::path& file) {
 }  // namespace
 
 bool FrameSource::isSequence(const std::string& left) {
-  return fs::is_directory(left) || left.find('%') != std::string::npos;
+  return fs::is_directory(left) || (left.find('%') != std::string::npos && !fs::exists(left));
 }
 
 FrameSource::FrameSource(const std::string& left, const std::string& right) {
@@ -65,8 +67,8 @@ FrameSource::FrameSource(const std::string& left, const std::string& right) {
   });
   for (size_t i = 1; i < frames_.size(); ++i)
     if (frames_[i].number == frames_[i - 1].number)
-      throw Error(format("the frames %s and %s of %s have no numbers at their ends that tell their order",
-                         frames_[i - 1].name.c_str(), frames_[i].name.c_str(), left.c_str()));
+      throw Error(format("the frames %s and %s of %s have the same number", frames_[i - 1].name.c_str(),
+                         frames_[i].name.c_str(), left.c_str()));
 }
 
 std::string FrameSource::Names::path(const Frame& frame) const {
@@ -86,9 +88,13 @@ FrameSource::Names FrameSource::parsePattern(const std::string& pattern) {
 void FrameSource::listFolder(const std::string& folder) {
   left_.folder = folder + "/left/";
   right_.folder = folder + "/right/";
-  for (const fs::path& file : filesIn(left_.folder))
-    if (isPicture(file))
-      frames_.push_back({trailingNumber(file.stem().string()), file.stem().string(), file.extension().string()});
+  for (const fs::path& file : filesIn(left_.folder)) {
+    const std::string name = file.stem().string(), digits = digitsAtEnd(name);
+    if (isPicture(file) && !digits.empty()) frames_.push_back({numberOf(digits), name, file.extension().string()});
+  }
+  if (frames_.empty())
+    throw Error("there is no frame in " + folder + ": none of the pictures in " + left_.folder +
+                " has a number at the end of its name");
 }
 
 // Every file whose number, put into the pattern, gives its name.
@@ -99,7 +105,7 @@ void FrameSource::listPattern() {
     if (file.size() <= around || file.compare(0, left_.before.size(), left_.before) != 0) continue;
     const std::string digits = file.substr(left_.before.size(), file.size() - around);
     if (!isNumber(digits)) continue;
-    const Frame frame{std::stoull(digits), path.stem().string(), ""};
+    const Frame frame{numberOf(digits), path.stem().string(), ""};
     if (left_.path(frame) == left_.folder + file) frames_.push_back(frame);
   }
 }

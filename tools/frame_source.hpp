@@ -11,7 +11,8 @@ class FrameSource {
  public:
   // left   a folder with pictures of equal names in its folders left and right; `right` is empty then.
   //        Or a pattern with one number in it as printf writes them, cam0/%06d.png, and `right` another.
-  // Frames are those that the left camera has, in the order of the numbers in their names. Throws where there is none.
+  // Frames are those that the left camera has, in the order of the numbers in their names. In a folder the number
+  // stands at the end of the name; pictures without one are no frames. Throws where there is none.
   FrameSource(const std::string& left, const std::string& right);
 
   static bool isSequence(const std::string& left);

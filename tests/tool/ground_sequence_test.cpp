@@ -149,6 +149,35 @@ TEST_F(GroundSequence, TimeFollowsTheNumbers) {
   EXPECT_DOUBLE_EQ(all[4]["time_s"], 1.2);
 }
 
+TEST_F(GroundSequence, NumbersHave64Bits) {
+  const std::string clock = "1732199999000000000", largest = "18446744073709551615";
+  for (const std::string side : {"s/left/", "s/right/"}) {
+    fs::rename(folder.path(side + number(0) + ".png"), folder.path(side + clock + ".png"));
+    fs::rename(folder.path(side + number(1) + ".png"), folder.path(side + largest + ".png"));
+  }
+  EXPECT_EQ(ground("r").status, 0);
+  const std::vector<Json> all = lines("r");
+  ASSERT_EQ(all.size(), size_t{frames});
+  EXPECT_EQ(all[4]["frame"], std::stoull(clock));
+  EXPECT_EQ(all[5]["frame"], std::stoull(largest));
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+}
+
+TEST_F(GroundSequence, PicturesWithoutANumberAreNoFrames) {
+  ground("whole");
+  fs::copy_file(folder.path("s/left/000002.png"), folder.path("s/left/notes.png"));
+  EXPECT_EQ(ground("r").status, 0);
+  expectSame("whole", "r");
+}
+
+TEST_F(GroundSequence, AFileWithAPercentSignIsAFile) {
+  fs::copy_file(folder.path("s/left/000002.png"), folder.path("100%d.png"));
+  const Outcome outcome =
+      folder.run({"ground", "100%d.png", "s/right/000002.png", "--camera", "s/camera.toml", "-o", "r"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_TRUE(fs::exists(folder.path("r/summary.json")));
+}
+
 TEST_F(GroundSequence, AverageIsTheMeanOfTheLastMaps) {
   ground("r");
   std::vector<Picture> maps;
@@ -414,7 +443,11 @@ TEST_F(GroundSequence, MessagesForAClosedStreamDoNotLandInTheResult) {
 }
 
 TEST_F(GroundSequence, RefusesInOneSentence) {
-  fs::create_directories(folder.path("empty/left"));
+  for (const char* name : {"empty", "unnumbered", "twice", "large"})
+    fs::create_directories(folder.path(name + std::string("/left")));
+  for (const char* name :
+       {"unnumbered/left/notes.png", "twice/left/a7.png", "twice/left/b07.png", "large/left/18446744073709551616.png"})
+    writeFile(folder.path(name), "");
   const auto before = folder.names();
   const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence) {
     arguments.insert(arguments.begin(), "ground");
@@ -426,6 +459,11 @@ TEST_F(GroundSequence, RefusesInOneSentence) {
     EXPECT_EQ(folder.names(), before);
   };
   refuse({"empty"}, "there is no frame in empty");
+  refuse({"unnumbered"}, "none of the pictures in unnumbered/left/ has a number at the end of its name");
+  refuse({"twice"}, "the frames a7 and b07 of twice have the same number");
+  refuse({"large"}, "the frame number 18446744073709551616 is too large");
+  refuse({"nowhere"}, "there is no file or folder nowhere");
+  refuse({"nowhere", "--fps", "15"}, "there is no file or folder nowhere");
   refuse({"s/left"}, "cannot read the folder s/left/left/");
   refuse({"s", "s"}, "name no second one");
   refuse({"s/left/%06d.png"}, "is no pattern of numbered pictures");
