@@ -1,10 +1,14 @@
 // docs/ground.schema.json describes what is written here.
+#include <zlib.h>
+
 #include <cmath>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "chunks.hpp"
 #include "evaluation.hpp"
 #include "ground_report.hpp"
+#include "pictures.hpp"
 
 namespace nadir::tool {
 
@@ -171,6 +175,20 @@ Json trackJson(const TrackRule& rule) {
       {"noise_mm", rule.noiseMm}, {"acceleration_mm_per_s2", rule.accelerationMmPerS2}, {"patience_s", rule.patienceS}};
 }
 
+// By its pixels, so that a mask that was drawn anew is another one.
+Json maskJson(const std::string& path) {
+  if (path.empty()) return Json();
+  const Grid<uint8_t> mask = readMask(path);
+  const uLong sum = crc32_z(0, mask.pixels.data(), mask.pixels.size());
+  return {{"width_px", mask.width}, {"height_px", mask.height}, {"crc32", format("%08lx", sum)}};
+}
+
+// The same for every way to write the path; a link at its end stays.
+std::string absolutePath(const std::filesystem::path& path) {
+  const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+  return (std::filesystem::weakly_canonical(folder) / path.filename()).string();
+}
+
 }  // namespace
 
 std::string groundJson(const GroundResult& result) {
@@ -206,8 +224,8 @@ std::string frameLine(const FrameReport& report, const GroundSetup& setup) {
 std::string sequenceJson(const GroundSetup& setup, const SequenceRule& rule, const FrameSource& source) {
   const GroundOptions& options = setup.options;
   const Json json = {{"software", software()},
-                     {"first_left", source.left(0)},
-                     {"first_right", source.right(0)},
+                     {"first_left", absolutePath(source.left(0))},
+                     {"first_right", absolutePath(source.right(0))},
                      {"fps", rule.framesPerSecond},
                      {"average_frames", rule.averageFrames},
                      {"track", trackJson(rule.track)},
@@ -216,7 +234,7 @@ std::string sequenceJson(const GroundSetup& setup, const SequenceRule& rule, con
                      {"view", nameOf(options.view)},
                      {"uniqueness", options.uniqueness},
                      {"post_processing", !options.noPostprocessing},
-                     {"mask", options.mask},
+                     {"mask", maskJson(options.mask)},
                      {"percentile", options.rule.percentile},
                      {"min_points", options.rule.minPoints},
                      {"fill_holes_m2", options.fillHolesM2},

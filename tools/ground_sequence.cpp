@@ -13,6 +13,7 @@
 #include "pictures.hpp"
 #include "png.hpp"
 #include "progress.hpp"
+#include "settings_difference.hpp"
 #include "text.hpp"
 
 namespace nadir::tool {
@@ -88,8 +89,9 @@ class SequenceRun {
     if (!options_.resume)
       throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
     const Bytes earlier = readFile(settingsPath());
-    if (std::string(earlier.begin(), earlier.end()) != settings)
-      throw Error("cannot resume: " + settingsPath() + " tells of other settings or another version");
+    const std::string difference = settingsDifference(std::string(earlier.begin(), earlier.end()), settings);
+    if (!difference.empty())
+      throw Error("cannot resume: " + settingsPath() + " tells of other settings: " + difference);
   }
 
   void makeMapFolders() const {

@@ -380,6 +380,7 @@ TEST_F(GroundSequence, ResumeTakesInNewFrames) {
 
 TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
   ground("r");
+  writePng(folder.path("m.png"), picture(160, 120, 8, std::vector<uint16_t>(160 * 120)));
   const Bytes before = readFile(folder.path("r/frames.jsonl"));
   const auto refuse = [&](std::vector<std::string> more, const std::string& sentence) {
     const Outcome outcome = ground("r", std::move(more));
@@ -388,10 +389,59 @@ TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
     EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), before);
   };
   refuse({}, "r holds a run already");
-  refuse({"--resume", "--percentile", "50"}, "r/run.json tells of other settings");
-  refuse({"--resume", "--fps", "11"}, "r/run.json tells of other settings");
+  const std::string other = "cannot resume: r/run.json tells of other settings: ";
+  refuse({"--resume", "--percentile", "50"}, other + "percentile is 90.0 there and 50.0 here");
+  refuse({"--resume", "--fps", "11"}, other + "fps is 10.0 there and 11.0 here");
+  refuse({"--resume", "--mask", "m.png"}, other + "mask is null there and another here");
   for (const std::string side : {"s/left/", "s/right/"}) fs::remove(folder.path(side + number(2) + ".png"));
   refuse({"--resume"}, "tells of other frames");
+}
+
+TEST_F(GroundSequence, AMaskThatWasDrawnAnewIsAnotherSetting) {
+  std::vector<uint16_t> pixels(160 * 120);
+  writePng(folder.path("m.png"), picture(160, 120, 8, pixels));
+  ASSERT_EQ(ground("r", {"--mask", "m.png"}).status, 0);
+  EXPECT_EQ(ground("r", {"--resume", "--mask", folder.path("m.png")}).status, 0) << "the same mask by another path";
+  pixels[7000] = 255;
+  writePng(folder.path("m.png"), picture(160, 120, 8, pixels));
+  const Outcome outcome = ground("r", {"--resume", "--mask", "m.png"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("tells of other settings: mask/crc32 is "), std::string::npos) << outcome.err;
+}
+
+TEST_F(GroundSequence, CameraAndAreasAreComparedByWhatTheyHold) {
+  ASSERT_EQ(ground("r").status, 0);
+  const auto refuse = [&](const std::string& file, const std::string& from, const std::string& to,
+                          const std::string& sentence) {
+    const Bytes before = readFile(folder.path(file));
+    Bytes after = before;
+    after.replace(after.find(from), from.size(), to);
+    writeFile(folder.path(file), after);
+    const Outcome outcome = ground("r", {"--resume"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(sentence), std::string::npos) << outcome.err;
+    writeFile(folder.path(file), before);
+  };
+  refuse("s/camera.toml", "height_mm = 3500", "height_mm = 3600", "camera/height_mm is 3500.0 there and 3600.0");
+  refuse("a.toml", "[-1400, 200]", "[-1400, 300]", "areas/0/");
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+}
+
+TEST_F(GroundSequence, AFolderIsTheSameByEveryPath) {
+  ground("r");
+  for (const std::string& path : {std::string("s/"), std::string("./s"), folder.path("s")}) {
+    std::vector<std::string> all = arguments("r", {"--resume"});
+    all[1] = path;
+    const Outcome outcome = folder.run(all);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+  }
+}
+
+TEST_F(GroundSequence, DamagedSettingsAreNotGoneOnWith) {
+  ground("r");
+  writeFile(folder.path("r/run.json"), readFile(folder.path("r/run.json")).substr(0, 99));
+  EXPECT_NE(ground("r", {"--resume"}).err.find("r/run.json tells of other settings: it is no JSON object"),
+            std::string::npos);
 }
 
 // ---- the rest ----

@@ -1,0 +1,28 @@
+#include "settings_difference.hpp"
+
+#include <nlohmann/json.hpp>
+
+namespace nadir::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;  // the camera before what follows from it
+
+// Lists and tables are too long for a sentence.
+std::string valueAt(const Json& settings, const Json::json_pointer& place) {
+  if (!settings.contains(place)) return "missing";
+  const Json& value = settings[place];
+  return value.is_structured() ? "another" : value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace
+
+std::string settingsDifference(const std::string& there, const std::string& here) {
+  const Json earlier = Json::parse(there, nullptr, false), now = Json::parse(here, nullptr, false);
+  if (earlier == now) return "";
+  if (!earlier.is_object()) return "it is no JSON object";
+  const Json::json_pointer place(Json::diff(earlier, now).front().at("path").get<std::string>());
+  return place.to_string().substr(1) + " is " + valueAt(earlier, place) + " there and " + valueAt(now, place) + " here";
+}
+
+}  // namespace nadir::tool
