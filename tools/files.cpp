@@ -29,6 +29,7 @@ using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
 
 // A device or a folder must not be replaced by a picture. A link is followed, so that it stays a link.
 std::string checkedTarget(const std::string& path) {
+  if (path.empty()) throw Error("the name of an output is empty");
   std::error_code unknown;
   const fs::path target = fs::weakly_canonical(fs::absolute(path), unknown);
   if (unknown) fail("write", path, unknown.value());
@@ -78,6 +79,7 @@ OutputFiles::~OutputFiles() {
 }
 
 void OutputFiles::makeFolder(const std::string& path) {
+  if (path.empty()) throw Error("the name of the output folder is empty");
   std::error_code error;
   if (fs::create_directory(path, error)) newFolder_ = path;
   if (error) fail("make the folder", path, error.value());

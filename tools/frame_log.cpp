@@ -16,12 +16,6 @@ namespace {
 
 [[noreturn]] void fail(const std::string& path) { throw Error("cannot write " + path + ": " + std::strerror(errno)); }
 
-nlohmann::json parsed(const std::string& line, const std::string& path) {
-  nlohmann::json json = nlohmann::json::parse(line, nullptr, false);
-  if (!json.is_object()) throw Error("cannot go on with " + path + ": it has lines that nadir ground did not write");
-  return json;
-}
-
 }  // namespace
 
 FrameLog::FrameLog(const std::string& path)
@@ -42,7 +36,13 @@ void FrameLog::append(const std::string& line) {
 uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use) {
   std::ifstream file(path, std::ios::binary);
   uintmax_t whole = 0;
-  for (std::string line; std::getline(file, line) && !file.eof(); whole += line.size() + 1) use(parsed(line, path));
+  unsigned number = 1;
+  try {
+    for (std::string line; std::getline(file, line) && !file.eof(); whole += line.size() + 1, ++number)
+      use(nlohmann::json::parse(line));
+  } catch (const nlohmann::json::exception&) {
+    throw Error(format("cannot use %s: line %u is not what nadir writes there", path.c_str(), number));
+  }
   return whole;
 }
 

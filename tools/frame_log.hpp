@@ -25,8 +25,8 @@ class FrameLog {
 };
 
 // Calls use(object) for every line of a log, one after the other; a file that does not exist has none. A last line
-// without its line break was being written when its run ended: it does not count. Throws where a line is no JSON
-// object. Returns the bytes of all lines that count.
+// without its line break was being written when its run ended: it does not count. Throws where a line is no
+// JSON, or lacks what use() asks of it. Returns the bytes of all lines that count.
 uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use);
 
 }  // namespace nadir::tool

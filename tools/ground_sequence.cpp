@@ -100,8 +100,14 @@ class SequenceRun {
 
   void takeUp() {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
-    if (fs::exists(logPath())) fs::resize_file(logPath(), whole);
+    if (fs::exists(logPath())) cutOff(whole);
     if (!options_.rule.noMaps) refillWindow();
+  }
+
+  void cutOff(uintmax_t whole) const {
+    std::error_code error;
+    fs::resize_file(logPath(), whole, error);
+    if (error) throw Error("cannot write " + logPath() + ": " + error.message());
   }
 
   // These are checked here and not frame by frame: with the wrong file every frame would be damaged.

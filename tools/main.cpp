@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <sstream>
 
@@ -108,6 +109,8 @@ int main(int argc, char** argv) {
     return run(argc, argv);
   } catch (const Error& error) {
     return complain(error.what(), error.status);
+  } catch (const std::filesystem::filesystem_error& error) {
+    return complain(("cannot use " + error.path1().string() + ": " + error.code().message()).c_str(), failed);
   } catch (const std::bad_alloc&) {
     return complain("not enough memory", failed);
   } catch (const std::exception& error) {

@@ -155,6 +155,13 @@ TEST_F(BadInput, AnOutputThatIsAnInput) {
   }
 }
 
+TEST_F(BadInput, NamelessTargets) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", ""}, "the name of an output is empty");
+  expectRefused({"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", ""},
+                "the name of the output folder is empty");
+  expectRefused({"synth", ""}, "the name of the output folder is empty");
+}
+
 TEST_F(BadInput, FullDisk) {
   expectRefused({"disparity", "left.png", "right.png", "-o", "d.png"}, "cannot write d.", 100);
   expectRefused({"synth", "fresh"}, "cannot write fresh/left.png", 1000);

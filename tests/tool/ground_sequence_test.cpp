@@ -444,6 +444,32 @@ TEST_F(GroundSequence, DamagedSettingsAreNotGoneOnWith) {
             std::string::npos);
 }
 
+TEST_F(GroundSequence, ADamagedLogIsNamed) {
+  ground("r");
+  const Bytes log = readFile(folder.path("r/frames.jsonl"));
+  const size_t second = log.find('\n') + 1;
+  const auto refuse = [&](const Bytes& line) {
+    writeFile(folder.path("r/frames.jsonl"), log.substr(0, second) + line + "\n");
+    const Outcome outcome = ground("r", {"--resume"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "nadir: cannot use r/frames.jsonl: line 2 is not what nadir writes there\n") << line;
+  };
+  refuse("mapping 6 of 60 frames");
+  refuse("[]");
+  refuse("{\"frame\": 1, \"areas\": []}");
+  refuse("{\"frame\": 1, \"areas\": [{\"highest_mm\": \"tall\"}, {\"highest_mm\": null}]}");
+  refuse("{\"frame\": \"one\"}");
+}
+
+TEST_F(GroundSequence, ALogThatCannotBeWrittenIsNamed) {
+  ground("r");
+  fs::remove(folder.path("r/frames.jsonl"));
+  fs::create_directory(folder.path("r/frames.jsonl"));
+  const Outcome outcome = ground("r", {"--resume"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "nadir: cannot write r/frames.jsonl: Is a directory\n");
+}
+
 // ---- the rest ----
 
 TEST_F(GroundSequence, WithoutMaps) {
