@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "interrupt.hpp"
+
 namespace nadir::tool {
 
 using Bytes = std::vector<uint8_t>;
@@ -16,7 +18,7 @@ Bytes readFile(const std::string& path);
 void removeParts(const std::string& folder);
 
 // The outputs of one command. write() fills a temporary file beside the target; commit() gives every one its name. What
-// is not committed disappears with the object.
+// is not committed disappears with the object. It lives for the writing alone, because interrupts wait for its end.
 class OutputFiles {
  public:
   // write() refuses to replace one of the inputs; an empty name is none.
@@ -36,6 +38,7 @@ class OutputFiles {
     bool inPlace;
   };
   std::vector<std::string> inputs_;
+  InterruptDelay untilAllIsDone_;
   std::vector<File> files_;
   std::string newFolder_;
   bool committed_ = false;

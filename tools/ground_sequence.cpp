@@ -45,6 +45,7 @@ class SequenceRun {
 
   void go() {
     begin();
+    takeUp();
     work();
     print(table());
     if (done_ < source_.size())
@@ -82,7 +83,6 @@ class SequenceRun {
     if (!begun) files.write(settingsPath(), Bytes(settings.begin(), settings.end()));
     if (!options_.rule.noMaps) makeMapFolders();
     files.commit();
-    if (begun) takeUp();
   }
 
   void checkResumable(const std::string& settings) const {
@@ -98,6 +98,7 @@ class SequenceRun {
     for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
   }
 
+  // Of a new run there is nothing yet.
   void takeUp() {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
     if (fs::exists(logPath())) cutOff(whole);

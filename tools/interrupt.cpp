@@ -1,6 +1,5 @@
 #include "interrupt.hpp"
 
-#include <csignal>
 #include <initializer_list>
 
 namespace nadir::tool {
@@ -30,5 +29,14 @@ InterruptWatch::~InterruptWatch() {
 }
 
 bool InterruptWatch::requested() const { return caught != 0; }
+
+InterruptDelay::InterruptDelay() {
+  sigset_t delayed;
+  sigemptyset(&delayed);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&delayed, signal);
+  pthread_sigmask(SIG_BLOCK, &delayed, &before_);
+}
+
+InterruptDelay::~InterruptDelay() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
 
 }  // namespace nadir::tool

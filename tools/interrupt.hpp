@@ -1,5 +1,7 @@
-// Ctrl-C, and the polite signal of a service manager, as a question that a long work asks between its steps.
+// Ctrl-C, and the polite signal of a service manager: what a work does that must not end in the middle of a step.
 #pragma once
+
+#include <csignal>
 
 namespace nadir::tool {
 
@@ -12,6 +14,19 @@ class InterruptWatch {
   ~InterruptWatch();
 
   bool requested() const;
+};
+
+// While it lives, these signals (and the end of the terminal) wait: they end the program when it is gone. Only threads
+// that are started meanwhile are covered too.
+class InterruptDelay {
+ public:
+  InterruptDelay();
+  InterruptDelay(const InterruptDelay&) = delete;
+  InterruptDelay& operator=(const InterruptDelay&) = delete;
+  ~InterruptDelay();
+
+ private:
+  sigset_t before_;
 };
 
 }  // namespace nadir::tool

@@ -7,6 +7,7 @@
 
 #include "error.hpp"
 #include "in_order.hpp"
+#include "interrupt.hpp"
 #include "progress.hpp"
 #include "scene/ready_scenes.hpp"
 #include "text.hpp"
@@ -101,8 +102,13 @@ void writeTexts(const std::string& folder, const SynthSettings& settings, const 
 void writeSequence(const std::string& folder, const SynthSettings& settings, const SequenceSettings& sequence) {
   writeTexts(folder, settings, sequence);
   Progress progress("rendering", "frames", sequence.frames, Progress::Elsewhere::lines);
+  const InterruptWatch watch;
   const auto render = [&](uint64_t frame) { return frameFiles(settings, sequence, static_cast<uint32_t>(frame)); };
   inOrder(0, sequence.frames, sequence.threads, render, [&](uint64_t frame, const std::vector<NamedFile>& files) {
+    if (watch.requested())
+      throw Error(
+          format("interrupted after %llu of %u frames", static_cast<unsigned long long>(frame), sequence.frames),
+          interrupted);
     writeFrame(folder, static_cast<uint32_t>(frame), files);
     progress.advance();
     return true;

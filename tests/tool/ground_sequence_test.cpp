@@ -287,7 +287,8 @@ TEST_F(GroundSequence, ASignalLeavesWholeFilesAndResumeGoesOn) {
   EXPECT_EQ(ground("whole").status, 3);
   for (const int signal : {SIGINT, SIGTERM, SIGKILL}) {
     const std::string output = "r" + std::to_string(signal);
-    const Outcome cut = folder.runUntil(arguments(output), output + "/frames.jsonl", 9, signal);
+    const Outcome cut = folder.runUntil(
+        arguments(output), [&] { return folder.linesOf(output + "/frames.jsonl") >= 9; }, signal);
     EXPECT_EQ(cut.status, signal == SIGKILL ? 128 + SIGKILL : 130) << cut.err;
     EXPECT_EQ(cut.err.find("--resume goes on there") == std::string::npos, signal == SIGKILL) << cut.err;
     const size_t done = lines(output).size();

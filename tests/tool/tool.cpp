@@ -193,16 +193,17 @@ Outcome Folder::runWithout(int stream, const std::vector<std::string>& arguments
   return finish(start(arguments, [stream] { close(stream); }));
 }
 
-Outcome Folder::runUntil(const std::vector<std::string>& arguments, const std::string& file, int lines,
+int Folder::linesOf(const std::string& file) const {
+  std::ifstream in(path(file));
+  return static_cast<int>(std::count(std::istreambuf_iterator<char>(in), {}, '\n'));
+}
+
+Outcome Folder::runUntil(const std::vector<std::string>& arguments, const std::function<bool()>& ready,
                          int signal) const {
   const pid_t child = start(arguments, [] {});
   int status = 0;
   pid_t ended = 0;
-  while ((ended = waitpid(child, &status, WNOHANG)) == 0) {
-    std::ifstream in(path(file));
-    if (std::count(std::istreambuf_iterator<char>(in), {}, '\n') >= lines) break;
-    usleep(500);
-  }
+  while ((ended = waitpid(child, &status, WNOHANG)) == 0 && !ready()) usleep(200);
   if (ended == 0) {
     kill(child, signal);
     waitpid(child, &status, 0);

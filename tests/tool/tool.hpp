@@ -55,9 +55,12 @@ class Folder {
   // Runs the tool with one of its standard streams closed.
   Outcome runWithout(int stream, const std::vector<std::string>& arguments) const;
 
-  // Runs the tool and sends it a signal as soon as a file has so many lines. The status of a run that the signal ended
-  // is 128 and the signal's number.
-  Outcome runUntil(const std::vector<std::string>& arguments, const std::string& file, int lines, int signal) const;
+  // Runs the tool and sends it a signal as soon as ready() says so. The status of a run that the signal ended is 128
+  // and the signal's number.
+  Outcome runUntil(const std::vector<std::string>& arguments, const std::function<bool()>& ready, int signal) const;
+
+  // What a shell counts: 0 of a file that does not exist.
+  int linesOf(const std::string& file) const;
 
  private:
   int start(const std::vector<std::string>& arguments, const std::function<void()>& prepare) const;
