@@ -1,5 +1,5 @@
-// The matcher's walk along one row, in stretches of 64 pixels: their costs, their four paths, the sums and the decisions.
-// Nothing but the last row's path costs outlives a stretch.
+// The matcher's walk along one row, in stretches of 64 pixels: their costs, their four paths, the sums and the
+// decisions. Nothing but the last row's path costs outlives a stretch.
 #pragma once
 
 #include <cstring>
