@@ -176,12 +176,6 @@ inline U8<Level> saturatedBytes(U16<Level> a, U16<Level> b) {
   return {_mm256_permute4x64_epi64(_mm256_packus_epi16(a.v, b.v), _MM_SHUFFLE(3, 1, 2, 0))};
 }
 
-template <class Level>
-inline void storeBytes(uint8_t* p, U16<Level> a) {
-  const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(p), bytes);
-}
-
 template <class Level, size_t n>
 inline unsigned countAtMost(const U8<Level> (&blocks)[n], U8<Level> bound) {
   unsigned count = 0;

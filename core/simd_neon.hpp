@@ -141,9 +141,6 @@ inline void storeWords(uint32_t* p, U16 low, U16 high) {
 // The lanes of a, then those of b, as bytes: 255 for what is more. At most 2^15 - 1 comes in.
 inline U8 saturatedBytes(U16 a, U16 b) { return {vcombine_u8(vqmovn_u16(a.v), vqmovn_u16(b.v))}; }
 
-// Stores lanes below 256 as bytes.
-inline void storeBytes(uint8_t* p, U16 a) { vst1_u8(p, vmovn_u16(a.v)); }
-
 // How many lanes of all blocks are at most those of `bound`.
 template <size_t n>
 inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {

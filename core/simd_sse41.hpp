@@ -89,10 +89,6 @@ inline void storeWords(uint32_t* p, U16 low, U16 high) {
 
 inline U8 saturatedBytes(U16 a, U16 b) { return {_mm_packus_epi16(a.v, b.v)}; }
 
-inline void storeBytes(uint8_t* p, U16 a) {
-  _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_packus_epi16(a.v, a.v));
-}
-
 template <size_t n>
 inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
   __m128i count = _mm_setzero_si128();
