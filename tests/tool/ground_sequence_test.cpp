@@ -393,7 +393,7 @@ TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
   const std::string other = "cannot resume: r/run.json tells of other settings: ";
   refuse({"--resume", "--percentile", "50"}, other + "percentile is 90.0 there and 50.0 here");
   refuse({"--resume", "--fps", "11"}, other + "fps is 10.0 there and 11.0 here");
-  refuse({"--resume", "--mask", "m.png"}, other + "mask is null there and another here");
+  refuse({"--resume", "--mask", "m.png"}, other + "mask is null there and given here");
   for (const std::string side : {"s/left/", "s/right/"}) fs::remove(folder.path(side + number(2) + ".png"));
   refuse({"--resume"}, "tells of other frames");
 }
@@ -425,6 +425,10 @@ TEST_F(GroundSequence, CameraAndAreasAreComparedByWhatTheyHold) {
   };
   refuse("s/camera.toml", "height_mm = 3500", "height_mm = 3600", "camera/height_mm is 3500.0 there and 3600.0");
   refuse("a.toml", "[-1400, 200]", "[-1400, 300]", "areas/0/");
+  const Bytes areas = readFile(folder.path("a.toml")), last = areas.substr(areas.rfind("[[area]]"));
+  refuse("a.toml", last, last + "[[area]]\nname = \"one more\"\nground_mm = [[0, 0], [100, 0], [100, 100]]\n",
+         "areas/2 is missing there and given here");
+  refuse("a.toml", last, "", "areas/1 is given there and missing here");
   EXPECT_EQ(ground("r", {"--resume"}).status, 0);
 }
 
