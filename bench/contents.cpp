@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/support/random.hpp"
+#include "lab/random.hpp"
 
 namespace nadir::bench {
 namespace {

@@ -8,7 +8,7 @@
 #include <numeric>
 
 #include "bench/work.hpp"
-#include "tests/support/random.hpp"
+#include "lab/random.hpp"
 
 namespace nadir::bench {
 namespace {

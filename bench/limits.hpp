@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/scene.hpp"
+#include "lab/textured_pair.hpp"
 
 namespace nadir::bench {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "bench/work.hpp"
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 namespace nadir::bench {
 namespace {

@@ -1,4 +1,4 @@
-// Prints what docs/benchmarks.md holds: how much faster each vector level is than scalar code, how the library compares
+// Prints what docs/measured/benchmarks.md holds: how much faster each vector level is than scalar code, how the library compares
 // with others, and what it allocates. Only ratios: they mean something on other machines too.
 #include <cstdio>
 #include <memory>
@@ -11,8 +11,8 @@
 #include "bench/segment_growth.hpp"
 #include "bench/timing.hpp"
 #include "bench/work.hpp"
-#include "core/cpu.hpp"
-#include "tests/alloc/heap.hpp"
+#include "lab/heap.hpp"
+#include "simd/cpu.hpp"
 
 namespace nadir::bench {
 namespace {

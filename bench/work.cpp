@@ -1,7 +1,7 @@
 #include "bench/work.hpp"
 
-#include "core/cpu.hpp"
-#include "tests/support/levels.hpp"
+#include "lab/levels.hpp"
+#include "simd/cpu.hpp"
 
 namespace nadir::bench {
 

@@ -1,10 +1,10 @@
 # The library. Its objects are compiled once; the shared library hides all but the exported names, and nadir_internal
 # is the same objects for tests and benchmarks that look inside.
-set(NADIR_FOLDERS core imgproc segment geometry camera stereo utils)
+set(NADIR_FOLDERS core simd imgproc segment geometry camera numeric stereo)
 
 set(sources "")
 foreach(folder IN LISTS NADIR_FOLDERS)
-  file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+  file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
   list(APPEND sources ${found})
 endforeach()
 foreach(level IN ITEMS neon sse41 avx2 avx512)
@@ -18,12 +18,12 @@ foreach(level IN ITEMS neon sse41 avx2 avx512)
 endforeach()
 # gcc brings loads together to join them in pairs. In the matcher's long loops that costs registers. See docs/speed.md.
 if("neon" IN_LIST NADIR_SIMD_LEVELS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set_property(SOURCE ${PROJECT_SOURCE_DIR}/stereo/kernels_neon.cpp APPEND PROPERTY COMPILE_OPTIONS -fno-schedule-fusion)
+  set_property(SOURCE ${PROJECT_SOURCE_DIR}/src/stereo/kernels_neon.cpp APPEND PROPERTY COMPILE_OPTIONS -fno-schedule-fusion)
 endif()
 
 add_library(nadir_objects OBJECT ${sources} ${simd_sources})
 target_include_directories(nadir_objects
-  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> PRIVATE ${PROJECT_SOURCE_DIR})
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_link_libraries(nadir_objects PRIVATE nadir_library_flags)
 foreach(level IN LISTS NADIR_SIMD_LEVELS)
   string(TOUPPER ${level} upper)
@@ -45,6 +45,6 @@ endif()
 target_link_libraries(nadir PRIVATE m)
 
 add_library(nadir_internal STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nadir_objects>)
-target_include_directories(nadir_internal PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(nadir_internal PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 target_compile_definitions(nadir_internal PUBLIC $<TARGET_PROPERTY:nadir_objects,INTERFACE_COMPILE_DEFINITIONS>)
 target_link_libraries(nadir_internal PUBLIC m)

@@ -9,10 +9,10 @@
 #include <new>
 #include <sstream>
 
-#include "chunks.hpp"
-#include "commands.hpp"
-#include "error.hpp"
-#include "text.hpp"
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/commands/commands.hpp"
+#include "tools/pictures/chunks.hpp"
 
 namespace nadir::tool {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/alloc/heap.hpp"
-#include "tests/support/random.hpp"
+#include "lab/heap.hpp"
+#include "lab/random.hpp"
 #include "tests/support/same.hpp"
 
 namespace {

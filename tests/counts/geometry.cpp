@@ -2,9 +2,9 @@
 
 #include <vector>
 
+#include "lab/random.hpp"
 #include "tests/counts/calls.hpp"
 #include "tests/support/polygons.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::counts {
 namespace {

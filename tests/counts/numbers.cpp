@@ -5,8 +5,8 @@
 
 #include <vector>
 
+#include "lab/random.hpp"
 #include "tests/counts/calls.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::counts {
 namespace {

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "lab/random.hpp"
 #include "tests/counts/calls.hpp"
-#include "tests/support/random.hpp"
 #include "tests/support/shapes.hpp"
 
 namespace nadir::test::counts {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "bench/scene.hpp"
+#include "lab/textured_pair.hpp"
 
 int main(int argc, char** argv) {
   const uint32_t rows = argc == 2 ? static_cast<uint32_t>(std::atoi(argv[1])) : 0;

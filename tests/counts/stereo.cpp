@@ -3,9 +3,9 @@
 #include <initializer_list>
 #include <vector>
 
-#include "bench/scene.hpp"
+#include "lab/random.hpp"
+#include "lab/textured_pair.hpp"
 #include "tests/counts/calls.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::counts {
 namespace {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "core/cpu.hpp"
+#include "simd/cpu.hpp"
 
 namespace nadir::test {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/fuzz/input.hpp"
-#include "tests/support/models/segments.hpp"
+#include "tests/models/segments.hpp"
 
 namespace nadir::test {
 namespace {

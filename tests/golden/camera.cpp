@@ -1,7 +1,7 @@
 #include <nadir/nadir.h>
 
+#include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::golden {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "verify/fingerprint.hpp"
+#include "lab/fingerprint.hpp"
 
 namespace nadir::test::golden {
 

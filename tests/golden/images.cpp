@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::golden {
 namespace {

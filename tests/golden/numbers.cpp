@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
+#include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::golden {
 namespace {

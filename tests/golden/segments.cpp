@@ -3,8 +3,8 @@
 #include <initializer_list>
 #include <memory>
 
+#include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
-#include "tests/support/random.hpp"
 #include "tests/support/shapes.hpp"
 
 namespace nadir::test::golden {

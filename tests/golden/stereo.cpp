@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test::golden {
 namespace {

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "lab/random.hpp"
 #include "tests/support/guarded.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test {
 

@@ -8,7 +8,7 @@
 #include <ostream>
 #include <vector>
 
-#include "tests/support/random.hpp"
+#include "lab/random.hpp"
 
 namespace nadir::test {
 

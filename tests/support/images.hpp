@@ -16,8 +16,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "lab/random.hpp"
 #include "tests/support/guarded.hpp"
-#include "tests/support/random.hpp"
 
 namespace nadir::test {
 

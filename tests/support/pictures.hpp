@@ -9,9 +9,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "lab/random.hpp"
+#include "tests/models/image_ops.hpp"
 #include "tests/support/images.hpp"
-#include "tests/support/models/image_ops.hpp"
-#include "tests/support/random.hpp"
 #include "tests/support/shapes.hpp"
 
 namespace nadir::test {

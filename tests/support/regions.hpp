@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/models/segments.hpp"
+#include "tests/models/segments.hpp"
 #include "tests/support/same.hpp"
 
 namespace nadir::test {

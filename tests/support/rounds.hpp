@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "tests/support/random.hpp"
+#include "lab/random.hpp"
 
 namespace nadir::test {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/models/image_ops.hpp"
-#include "tests/support/random.hpp"
+#include "lab/random.hpp"
+#include "tests/models/image_ops.hpp"
 
 namespace nadir::test {
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "straight_down.hpp"
+#include "tests/tool/straight_down.hpp"
 
 namespace nadir::test {
 namespace {

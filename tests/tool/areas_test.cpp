@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "json.hpp"
-#include "straight_down.hpp"
+#include "tests/tool/json.hpp"
+#include "tests/tool/straight_down.hpp"
 
 namespace nadir::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {

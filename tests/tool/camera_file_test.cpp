@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "json.hpp"
+#include "tests/tool/json.hpp"
 
 namespace nadir::test {
 namespace {

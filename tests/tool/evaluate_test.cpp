@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {

@@ -1,7 +1,7 @@
 // nadir evaluate on tracked heights: results made by hand, so that every number is known.
 #include <gtest/gtest.h>
 
-#include "json.hpp"
+#include "tests/tool/json.hpp"
 
 namespace nadir::test {
 namespace {

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "schema.hpp"
+#include "tests/tool/schema.hpp"
 
 namespace nadir::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "straight_down.hpp"
+#include "tests/tool/straight_down.hpp"
 
 namespace nadir::test {
 namespace {

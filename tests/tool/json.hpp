@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 

@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "json.hpp"
-#include "straight_down.hpp"
+#include "tests/tool/json.hpp"
+#include "tests/tool/straight_down.hpp"
 
 namespace nadir::test {
 namespace {

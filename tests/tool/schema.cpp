@@ -1,4 +1,4 @@
-#include "schema.hpp"
+#include "tests/tool/schema.hpp"
 
 #include <cstdlib>
 #include <sstream>

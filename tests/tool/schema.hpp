@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "json.hpp"
+#include "tests/tool/json.hpp"
 
 namespace nadir::test {
 

@@ -1,7 +1,7 @@
 // docs/ground.schema.json describes every summary that nadir ground writes, and nothing else.
 #include <gtest/gtest.h>
 
-#include "schema.hpp"
+#include "tests/tool/schema.hpp"
 
 namespace nadir::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 

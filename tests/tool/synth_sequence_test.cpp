@@ -4,7 +4,7 @@
 #include <cmath>
 #include <sstream>
 
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {

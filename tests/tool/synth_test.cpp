@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "json.hpp"
-#include "tool.hpp"
+#include "tests/tool/json.hpp"
+#include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "tool.hpp"
+#include "tests/tool/tool.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

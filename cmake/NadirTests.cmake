@@ -1,0 +1,32 @@
+# How tests are found, built and registered.
+# A cross compiler must not take the GoogleTest that was built for this machine.
+if(NOT CMAKE_CROSSCOMPILING)
+  find_package(GTest QUIET)
+endif()
+if(NOT TARGET GTest::gtest_main)
+  set(INSTALL_GTEST OFF)
+  set(BUILD_GMOCK OFF)
+  add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL)  # Debian: googletest
+endif()
+include(GoogleTest)
+
+# Registers a GoogleTest program: test by test; or, where the start of a process costs more than most tests, as a whole
+# (on an emulator) or in two halves (under sanitizers, where one core would wait for the tool's tests). Its own code is
+# optimised lightly, under sanitizers not at all: compiling takes longer than testing.
+function(nadir_add_gtest target)
+  if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    target_compile_options(${target} PRIVATE -O0)
+  else()
+    target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>)
+  endif()
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    add_test(NAME ${target} COMMAND ${target})
+  elseif(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    foreach(half IN ITEMS 0 1)
+      add_test(NAME ${target}.${half} COMMAND ${target})
+      set_tests_properties(${target}.${half} PROPERTIES ENVIRONMENT "GTEST_TOTAL_SHARDS=2;GTEST_SHARD_INDEX=${half}")
+    endforeach()
+  else()
+    gtest_discover_tests(${target} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)
+  endif()
+endfunction()

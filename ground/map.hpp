@@ -1,0 +1,55 @@
+// Heights above the ground on the map's cells.
+#pragma once
+
+#include <nadir/nadir.h>
+
+#include <optional>
+
+#include "ground/points.hpp"
+#include "lab/grid.hpp"
+#include "tools/camera/camera_file.hpp"
+#include "tools/pictures/raster.hpp"
+
+namespace nadir::tool {
+
+// Where the cells lie.
+struct MapFrame {
+  ElevMapParams cells;
+  Point_f32 corner;  // world x and y of cell (0, 0)'s outer corner, mm: the smallest of the map
+};
+
+MapFrame mapFrame(const StereoCtx& context, const Camera& camera);
+
+// The cell, counted row by row, that a point lies over; nothing beside the map.
+std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame);
+
+// Rounded into the range that a seen cell can have.
+uint16_t storedHeight(double mm);
+
+struct CellRule {
+  double percentile = 90;  // of a cell's points in order of height: more than 0, to 100 (the highest)
+  uint32_t minPoints = 1;  // cells with fewer stay unseen
+};
+
+struct ElevationMap {
+  Grid<uint16_t> heights;   // mm, 0 for unseen
+  size_t pointsInside = 0;  // of the points, those over a cell
+  size_t filled = 0;        // of the cells with a height, those that no point gave it
+};
+
+// groundZ  world z of the ground: the camera's height.
+ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,
+                          const CellRule& rule);
+
+// Of the cells with a height; all 0 where there is none.
+struct MapHeights {
+  size_t known = 0;
+  uint16_t lowest = 0, median = 0, highest = 0;  // mm
+};
+
+MapHeights heightsOf(const Grid<uint16_t>& heights);
+
+// What the file of a map says of itself.
+TextChunks mapTexts(const MapFrame& frame, const CellRule& rule);
+
+}  // namespace nadir::tool

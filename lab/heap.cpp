@@ -1,0 +1,59 @@
+// The linker's --wrap sends the library's malloc, calloc and free here. What the C++ runtime allocates for the tests
+// themselves does not come this way.
+#include "lab/heap.hpp"
+
+extern "C" {
+void* __real_malloc(size_t bytes);
+void* __real_calloc(size_t count, size_t size);
+void __real_free(void* block);
+}
+
+namespace nadir::test::heap {
+namespace {
+
+struct State {
+  Failing failing;
+  size_t failAt, allocations, bytes, failures, live;
+};
+State state{};
+
+bool mayAllocate(size_t asked) {
+  ++state.allocations;
+  state.bytes += asked;
+  const bool fails = (state.failing == Failing::once && state.allocations == state.failAt) ||
+                     (state.failing == Failing::fromThenOn && state.allocations >= state.failAt);
+  if (fails) ++state.failures;
+  return !fails;
+}
+
+void* counted(void* block) {
+  if (block != nullptr) ++state.live;
+  return block;
+}
+
+}  // namespace
+
+void watch(Failing failing, size_t n) { state = {failing, n, 0, 0, 0, state.live}; }
+size_t allocations() { return state.allocations; }
+size_t bytes() { return state.bytes; }
+size_t failures() { return state.failures; }
+size_t liveBlocks() { return state.live; }
+
+}  // namespace nadir::test::heap
+
+namespace heap = nadir::test::heap;
+
+extern "C" {
+
+void* __wrap_malloc(size_t bytes) { return heap::mayAllocate(bytes) ? heap::counted(__real_malloc(bytes)) : nullptr; }
+
+void* __wrap_calloc(size_t count, size_t size) {
+  return heap::mayAllocate(count * size) ? heap::counted(__real_calloc(count, size)) : nullptr;
+}
+
+void __wrap_free(void* block) {
+  if (block != nullptr) --heap::state.live;
+  __real_free(block);
+}
+
+}  // extern "C"

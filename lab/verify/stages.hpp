@@ -1,0 +1,30 @@
+// The stages: each runs some of the library's functions on the material.
+#pragma once
+
+#include <string>
+
+#include "lab/fingerprint.hpp"
+#include "lab/verify/material.hpp"
+
+namespace nadir::verify {
+
+struct Stage {
+  std::string name;
+  Fingerprint (*run)(const Material&);
+};
+
+using Stages = std::vector<Stage>;
+
+// In the order of a picture's way through the library; first the material itself.
+Stages allStages();
+
+// A file each.
+Stages materialStages();
+Stages imageStages();
+Stages stereoStages();
+Stages cameraStages();
+Stages segmentStages();
+Stages geometryStages();
+Stages numberStages();
+
+}  // namespace nadir::verify

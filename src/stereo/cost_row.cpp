@@ -1,0 +1,52 @@
+#include <nadir/stereo.h>
+
+#include <cstring>
+
+#include "simd/cpu.hpp"
+#include "stereo/kernels.hpp"
+#include "stereo/rows.hpp"
+
+namespace nadir {
+namespace {
+
+struct Baseline;
+using Rules = PixelRules<Baseline>;
+
+// How many disparities of reference column x have a code to compare with.
+size_t comparable(uint32_t width, size_t x, size_t wanted) {
+  const size_t columns = width - 2 - x;
+  return columns < wanted ? columns : wanted;
+}
+
+void costsOfAnyCodes(const uint32_t* first, const uint32_t* reference, uint32_t width, size_t wanted,
+                     uint8_t* costRow) {
+  for (size_t x = 2; x + 2 < width; ++x) {
+    Rules::costsOfAnyCodes(first + x, reference[x], comparable(width, x, wanted), costRow + x * disparities);
+  }
+}
+
+}  // namespace
+}  // namespace nadir
+
+using namespace nadir;
+
+void SGM_CalcDsiRow(const uint32_t* first, const uint32_t* reference, uint32_t width, uint32_t height,
+                    uint32_t numDisparities, uint32_t row, uint8_t* costRow) {
+  std::memset(costRow, worstCost, size_t{width} * numDisparities);
+  if (isBorderRow(row, height)) return;
+  for (size_t x = 2; x + 2 < width; ++x) {
+    const size_t count = comparable(width, x, numDisparities);
+    for (size_t d = 0; d < count; ++d) costRow[x * numDisparities + d] = Rules::cost(first[x + d], reference[x]);
+  }
+}
+
+void SGM_CalcDsiRow_neon(const uint32_t* first, const uint32_t* reference, uint32_t width, uint32_t height,
+                         uint32_t numDisparities, uint32_t row, uint8_t* costRow) {
+  std::memset(costRow, worstCost, size_t{width} * disparities);
+  if (isBorderRow(row, height) || width < 5) return;
+  if (numDisparities >= disparities) {
+    stereoKernels(cpu()).costs(first, reference, width, costRow);
+  } else {
+    costsOfAnyCodes(first, reference, width, numDisparities, costRow);
+  }
+}

@@ -1,8 +1,0 @@
-#include "core/simd_neon.hpp"
-#include "stereo/kernels_simd.hpp"
-
-namespace nadir {
-
-const StereoKernels stereoNeon = stereoKernelsOf<neon::Simd>();
-
-}  // namespace nadir

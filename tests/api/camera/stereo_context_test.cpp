@@ -1,0 +1,265 @@
+#include <gtest/gtest.h>
+#include <nadir/camera.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "tests/models/camera.hpp"
+#include "tests/support/floats.hpp"
+
+namespace nadir::test {
+namespace {
+
+const IntCalibParams kParams = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
+const Orientation kDown = {2000, 0, 0};
+const Orientation kTilted = {1800, 40, -15};
+
+StereoCtx context(const Orientation& orientation, const ElevMapParams& map = {100, 50, 20, 40}) {
+  StereoCtx ctx;
+  std::memset(&ctx, 0xA5, sizeof ctx);
+  EXPECT_EQ(1u, ip_stereo_init(&ctx, &kParams, &orientation, &map));
+  return ctx;
+}
+
+Point_f32 lowerLeft(const ExtCalib& e, const ElevMapParams& map, float h) {
+  const IntCalib calib = model::internalCalib(kParams);
+  Point_f32 out;
+  ip_calcMapRectLowerLeft(&e, &calib, &map, &out, h);
+  return out;
+}
+
+const ExtCalib kStraightDown = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
+
+// --- the context
+
+TEST(StereoInit, CopiesItsInputs) {
+  const ElevMapParams map = {101, 52, 23, 44};
+  const StereoCtx ctx = context(kTilted, map);
+  EXPECT_EQ(0, std::memcmp(&kParams, &ctx.intParams, sizeof kParams));
+  EXPECT_EQ(floats(kTilted), floats(ctx.orientation));
+  EXPECT_EQ(0, std::memcmp(&map, &ctx.mapParams, sizeof map));
+}
+
+TEST(StereoInit, MakesTheCalibrations) {
+  const StereoCtx ctx = context(kTilted);
+  EXPECT_EQ(floats(model::internalCalib(kParams)), floats(ctx.intCalib));
+  EXPECT_EQ(floats(model::externalCalib(kTilted)), floats(ctx.extCalib));
+}
+
+TEST(StereoInit, AnchorsTheMapOnTheGround) {
+  const ElevMapParams map = {100, 50, 20, 40};
+  const StereoCtx ctx = context(kTilted, map);
+  EXPECT_EQ(floats(lowerLeft(model::externalCalib(kTilted), map, kTilted.height)), floats(ctx.lowerLeft));
+}
+
+// --- the map's corner
+
+TEST(MapCorner, UsesTheHalfExtentAlongXOnBothAxes) {
+  EXPECT_EQ(floats(Point_f32{-1000, -1000}), floats(lowerLeft(kStraightDown, {100, 50, 20, 40}, 2000)));
+}
+
+TEST(MapCorner, HalvesAnOddWidthBeforeItMultiplies) {
+  EXPECT_EQ(floats(Point_f32{-200, -200}), floats(lowerLeft(kStraightDown, {5, 5, 100, 100}, 2000)));
+}
+
+TEST(MapCorner, OfAMapOneCellWideIsUnderThePrincipalPoint) {
+  EXPECT_EQ(floats(Point_f32{0, 0}), floats(lowerLeft(kStraightDown, {1, 9, 100, 100}, 2000)));
+}
+
+TEST(MapCorner, HoldsTheLargestMap) {
+  // 32767 * 65535 fits 31 bits and becomes the nearest float.
+  EXPECT_EQ(floats(Point_f32{-2147385345.0f, -2147385345.0f}),
+            floats(lowerLeft(kStraightDown, {65535, 65535, 65535, 65535}, 2000)));
+}
+
+TEST(MapCorner, IsMeasuredFromThePointUnderThePrincipalPoint) {
+  Random random(90);
+  const IntCalib calib = model::internalCalib(kParams);
+  for (int round = 0; round < 300; round++) {
+    const ExtCalib e = model::externalCalib({0, anyWithin(random, 60), anyWithin(random, 60)});
+    const ElevMapParams map = {static_cast<uint16_t>(random.next()), static_cast<uint16_t>(random.next()),
+                               static_cast<uint16_t>(random.next()), static_cast<uint16_t>(random.next())};
+    const float h = anyWithin(random, 4000);
+    const Point3_f32 g = model::img2world({calib.principalX, calib.principalY}, e, calib, h);
+    const float half = static_cast<float>((map.width >> 1) * map.cellSizeX);
+    ASSERT_EQ(floats(Point_f32{g.x - half, g.y - half}), floats(lowerLeft(e, map, h)));
+  }
+}
+
+// --- world and map
+
+const ElevMapParams kMap = {100, 50, 20, 40};
+const Point_f32 kCorner = {-1000, 300};
+
+Point_f32 toMap(Point_f32 world) {
+  Point_f32 out;
+  EXPECT_EQ(1u, ip_world2elev(&world, &out, &kMap, &kCorner));
+  return out;
+}
+
+TEST(WorldToMap, StartsAtTheCorner) { EXPECT_EQ(floats(Point_f32{0, 0}), floats(toMap(kCorner))); }
+
+TEST(WorldToMap, CountsCellsOfEachAxisOwnSize) {
+  EXPECT_EQ(floats(Point_f32{1, 1}), floats(toMap({-980, 340})));
+  EXPECT_EQ(floats(Point_f32{0.5f, 0.25f}), floats(toMap({-990, 310})));
+}
+
+TEST(WorldToMap, GoesOnOutsideTheMap) {
+  EXPECT_EQ(floats(Point_f32{-5, -1}), floats(toMap({-1100, 260})));
+  EXPECT_EQ(floats(Point_f32{200, 100}), floats(toMap({3000, 4300})));
+}
+
+TEST(MapToWorld, IsTheCornerPlusTheCells) {
+  const Point_f32 map = {2.5f, -1};
+  Point_f32 world;
+  EXPECT_EQ(1u, ip_elev2world(&map, &world, &kMap, &kCorner));
+  EXPECT_EQ(floats(Point_f32{-950, 260}), floats(world));
+}
+
+TEST(WorldAndMap, HaveTheBitsOfTheDocumentedFormulas) {
+  Random random(91);
+  for (int round = 0; round < 500; round++) {
+    const ElevMapParams map = {1, 1, static_cast<uint16_t>(1 + random.below(65535)),
+                               static_cast<uint16_t>(1 + random.below(65535))};
+    const Point_f32 corner = {anyWithin(random, 5000), anyWithin(random, 5000)},
+                    p = {anyWithin(random, 5000), anyWithin(random, 5000)};
+    const float cellX = map.cellSizeX, cellY = map.cellSizeY;
+    Point_f32 out;
+    ASSERT_EQ(1u, ip_world2elev(&p, &out, &map, &corner));
+    ASSERT_EQ(floats(Point_f32{(p.x - corner.x) / cellX, (p.y - corner.y) / cellY}), floats(out));
+    ASSERT_EQ(1u, ip_elev2world(&p, &out, &map, &corner));
+    ASSERT_EQ(floats(Point_f32{corner.x + cellX * p.x, corner.y + cellY * p.y}), floats(out));
+  }
+}
+
+// --- the wrappers, each against the transform that it stands for
+
+class StereoWrappers : public testing::Test {
+ protected:
+  const StereoCtx ctx = context(kTilted);
+  const ExtCalib& ext = ctx.extCalib;
+  const IntCalib& calib = ctx.intCalib;
+  const Point3_f32 point = {123.5f, -456.25f, 789};
+  const Point_f32 pixel = {101.5f, 33.25f};
+  Point3_f32 p3 = {-777, -777, -777};
+  Point_f32 p2 = {-777, -777};
+};
+
+TEST_F(StereoWrappers, WorldToCamera) {
+  EXPECT_EQ(1u, ip_stereo_world2cam(&ctx, &point, &p3));
+  EXPECT_EQ(floats(model::world2cam(point, ext)), floats(p3));
+}
+
+TEST_F(StereoWrappers, CameraToWorld) {
+  EXPECT_EQ(1u, ip_stereo_cam2world(&ctx, &point, &p3));
+  EXPECT_EQ(floats(model::cam2world(point, ext)), floats(p3));
+}
+
+TEST_F(StereoWrappers, CameraToImage) {
+  EXPECT_EQ(1u, ip_stereo_cam2img(&ctx, &point, &p2));
+  EXPECT_EQ(floats(model::cam2img(point, calib)), floats(p2));
+}
+
+TEST_F(StereoWrappers, CameraToImageOfANearPointIsWrittenButRefused) {
+  const Point3_f32 near = {10, -20, 50};
+  EXPECT_EQ(0u, ip_stereo_cam2img(&ctx, &near, &p2));
+  EXPECT_EQ(floats(model::cam2img(near, calib)), floats(p2));
+}
+
+TEST_F(StereoWrappers, WorldToImage) {
+  EXPECT_EQ(1u, ip_stereo_world2img(&ctx, &point, &p2));
+  EXPECT_EQ(floats(model::cam2img(model::world2cam(point, ext), calib)), floats(p2));
+}
+
+TEST_F(StereoWrappers, WorldToImageOfAPointBehindIsWrittenButRefused) {
+  const Point3_f32 behind = {10, -20, -789};
+  EXPECT_EQ(0u, ip_stereo_world2img(&ctx, &behind, &p2));
+  EXPECT_EQ(floats(model::cam2img(model::world2cam(behind, ext), calib)), floats(p2));
+}
+
+TEST_F(StereoWrappers, ImageToCamera) {
+  EXPECT_EQ(1u, ip_stereo_img2cam(&ctx, &pixel, &p3, 640));
+  EXPECT_EQ(floats(model::img2cam(pixel, calib, 640)), floats(p3));
+}
+
+TEST_F(StereoWrappers, ImageToWorldUsesTheGivenPlane) {
+  EXPECT_EQ(1u, ip_stereo_img2world(&ctx, &pixel, &p3, 1500));
+  EXPECT_EQ(floats(model::img2world(pixel, ext, calib, 1500)), floats(p3));
+}
+
+TEST_F(StereoWrappers, DisparityToWorld) {
+  EXPECT_EQ(1u, ip_stereo_disp2world(&ctx, &pixel, &p3, 13.25f));
+  const Point3_f32 cam = model::img2cam(pixel, calib, calib.focalLength * calib.baseline / 13.25f);
+  EXPECT_EQ(floats(model::cam2world(cam, ext)), floats(p3));
+}
+
+TEST_F(StereoWrappers, DisparityToWorldOfNoDisparityIsRefused) {
+  EXPECT_EQ(0u, ip_stereo_disp2world(&ctx, &pixel, &p3, 0));
+  EXPECT_EQ(floats(Point3_f32{-777, -777, -777}), floats(p3));
+}
+
+Point_f32 mapPoint(const StereoCtx& ctx, Point3_f32 world) {
+  return {(world.x - ctx.lowerLeft.x) / static_cast<float>(ctx.mapParams.cellSizeX),
+          (world.y - ctx.lowerLeft.y) / static_cast<float>(ctx.mapParams.cellSizeY)};
+}
+
+Point3_f32 worldPoint(const StereoCtx& ctx, Point_f32 map, float z) {
+  return {ctx.lowerLeft.x + static_cast<float>(ctx.mapParams.cellSizeX) * map.x,
+          ctx.lowerLeft.y + static_cast<float>(ctx.mapParams.cellSizeY) * map.y, z};
+}
+
+TEST_F(StereoWrappers, WorldToMap) {
+  EXPECT_EQ(1u, ip_stereo_world2elev(&ctx, &point, &p2));
+  EXPECT_EQ(floats(mapPoint(ctx, point)), floats(p2));
+}
+
+TEST_F(StereoWrappers, MapToWorldSetsTheElevationExactly) {
+  for (float z : {1234.567f, -0.0f, 1e-40f}) {
+    EXPECT_EQ(1u, ip_stereo_elev2world(&ctx, &pixel, &p3, z));
+    EXPECT_EQ(floats(worldPoint(ctx, pixel, z)), floats(p3)) << z;
+  }
+}
+
+TEST_F(StereoWrappers, ImageToMapUsesTheGivenPlane) {
+  EXPECT_EQ(1u, ip_stereo_img2elev(&ctx, &pixel, &p2, 1500));
+  EXPECT_EQ(floats(mapPoint(ctx, model::img2world(pixel, ext, calib, 1500))), floats(p2));
+}
+
+TEST_F(StereoWrappers, MapToImageUsesTheGivenElevation) {
+  const Point_f32 map = {70, 60};
+  EXPECT_EQ(1u, ip_stereo_elev2img(&ctx, &map, &p2, 1500));
+  EXPECT_EQ(floats(model::cam2img(model::world2cam(worldPoint(ctx, map, 1500), ext), calib)), floats(p2));
+}
+
+TEST_F(StereoWrappers, MapToImageOfANearOrHiddenPointIsRefused) {
+  const StereoCtx down = context(kDown);
+  const Point_f32 map = {50, 25};
+  EXPECT_EQ(0u, ip_stereo_elev2img(&down, &map, &p2, 50));
+  EXPECT_EQ(0u, ip_stereo_elev2img(&down, &map, &p2, -100));
+  EXPECT_EQ(1u, ip_stereo_elev2img(&down, &map, &p2, 51));
+}
+
+TEST_F(StereoWrappers, ImageAndMapInvertEachOther) {
+  Random random(92);
+  for (int round = 0; round < 200; round++) {
+    const Point_f32 img = {160 + anyWithin(random, 60), 120 + anyWithin(random, 60)};
+    Point_f32 map, back;
+    ip_stereo_img2elev(&ctx, &img, &map, 1500);
+    EXPECT_EQ(1u, ip_stereo_elev2img(&ctx, &map, &back, 1500));
+    EXPECT_NEAR(img.x, back.x, 0.01);
+    EXPECT_NEAR(img.y, back.y, 0.01);
+  }
+}
+
+TEST_F(StereoWrappers, ChangeNothingInTheContext) {
+  StereoCtx used = ctx;
+  const Point_f32 map = {70, 60};
+  ip_stereo_world2cam(&used, &point, &p3);
+  ip_stereo_disp2world(&used, &pixel, &p3, 13);
+  ip_stereo_img2elev(&used, &pixel, &p2, 1500);
+  ip_stereo_elev2img(&used, &map, &p2, 1500);
+  EXPECT_EQ(0, std::memcmp(&ctx, &used, sizeof ctx));
+}
+
+}  // namespace
+}  // namespace nadir::test

@@ -1,0 +1,659 @@
+#include <gtest/gtest.h>
+#include <nadir/geometry.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/models/geometry.hpp"
+#include "tests/support/floats.hpp"
+#include "tests/support/polygons.hpp"
+
+namespace nadir::test {
+namespace {
+
+using Shape = std::vector<Point_s32>;
+using ShapeF = std::vector<Point_f32>;
+
+const Shape kSquare = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
+const Shape kBowTie = {{0, 0}, {10, 10}, {10, 0}, {0, 10}};
+
+Shape reversed(Shape s) {
+  std::reverse(s.begin(), s.end());
+  return s;
+}
+
+ShapeF toFloat(const Shape& s) {
+  ShapeF out;
+  for (Point_s32 p : s) out.push_back({static_cast<float>(p.x), static_cast<float>(p.y)});
+  return out;
+}
+
+Shape anyShape(Random& random, uint32_t maxCount, int32_t range) {
+  Shape s(random.below(maxCount + 1));
+  for (Point_s32& p : s) p = {random.between(-range, range), random.between(-range, range)};
+  return s;
+}
+
+Shape extremeShape(Random& random, uint32_t maxCount) {
+  Shape s(random.below(maxCount + 1));
+  for (Point_s32& p : s) p = {anyInteger(random), anyInteger(random)};
+  return s;
+}
+
+// On quarters, with some points a little off them.
+ShapeF anyShapeF(Random& random, uint32_t maxCount) {
+  ShapeF s(random.below(maxCount + 1));
+  for (Point_f32& p : s) {
+    p = {static_cast<float>(random.between(-4, 4)) / 4, static_cast<float>(random.between(-4, 4)) / 4};
+    if (random.below(4) == 0) p.x += anyWithin(random, 0.03f);
+  }
+  return s;
+}
+
+template <class Point>
+std::string text(const std::vector<Point>& shape) {
+  std::ostringstream out;
+  for (Point p : shape) out << "(" << p.x << "," << p.y << ") ";
+  return out.str();
+}
+
+// Corners in order around the origin: no two edges can meet.
+Shape starShape(Random& random, size_t count) {
+  Shape s;
+  for (size_t k = 0; k < count; k++) {
+    const double angle = 6.283185307179586 * static_cast<double>(k) / static_cast<double>(count);
+    const double radius = 500 + random.below(500);
+    s.push_back({static_cast<int32_t>(radius * std::cos(angle)), static_cast<int32_t>(radius * std::sin(angle))});
+  }
+  return s;
+}
+
+// --- simplicity
+
+int32_t isSimple(const Shape& s) { return IP_Polygon_IsSimple(PolygonS(s).get()); }
+int32_t isSimple(const ShapeF& s) { return IP_Polygon_IsSimple_f32(PolygonF(s).get()); }
+
+TEST(PolygonSimple, HoldsForASquare) { EXPECT_EQ(1, isSimple(kSquare)); }
+
+TEST(PolygonSimple, FailsForABowTie) { EXPECT_EQ(0, isSimple(kBowTie)); }
+
+TEST(PolygonSimple, HoldsBelowFourVerticesHoweverDegenerate) {
+  EXPECT_EQ(1, isSimple(Shape{}));
+  EXPECT_EQ(1, isSimple(Shape{{1, 1}}));
+  EXPECT_EQ(1, isSimple(Shape{{1, 1}, {1, 1}}));
+  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {9, 9}, {4, 4}}));
+}
+
+TEST(PolygonSimple, FailsWhereAVertexDoublesBackAlongASlantedEdge) {
+  EXPECT_EQ(0, isSimple(Shape{{0, 0}, {8, 8}, {4, 4}, {0, 9}}));
+}
+
+TEST(PolygonSimple, HoldsWhereAVertexDoublesBackAlongAHorizontalEdge) {
+  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {8, 0}, {4, 0}, {4, 9}}));
+}
+
+TEST(PolygonSimple, TestsTheClosingEdge) {
+  EXPECT_EQ(0, isSimple(Shape{{0, 0}, {4, 0}, {4, 6}, {8, 3}, {8, 7}}));
+  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {4, 0}, {4, 2}, {8, 3}, {8, 7}}));
+}
+
+TEST(PolygonSimple, HoldsForStars) {
+  Random random(30);
+  for (size_t count = 4; count < 20; count++) EXPECT_EQ(1, isSimple(starShape(random, count))) << count;
+}
+
+TEST(PolygonSimple, FailsForAStarWithTwoDistantCornersExchanged) {
+  Random random(31);
+  for (size_t count = 8; count < 20; count++) {
+    Shape s = starShape(random, count);
+    std::swap(s[1], s[1 + count / 2]);
+    EXPECT_EQ(0, isSimple(s)) << count;
+  }
+}
+
+TEST(PolygonSimple, ReadsNothingBehindTheLastVertex) {
+  GuardedPolygonS guarded(kSquare);
+  EXPECT_EQ(1, IP_Polygon_IsSimple(guarded.get()));
+}
+
+TEST(PolygonSimple, ComparesEveryPairOfEdges) {
+  Random random(32);
+  int simple = 0, crossed = 0;
+  for (int round = 0; round < 3000; round++) {
+    const Shape s = round % 3 ? anyShape(random, 8, 4) : extremeShape(random, 8);
+    ASSERT_EQ(model::isSimple(s), isSimple(s)) << text(s);
+    if (s.size() > 3) (isSimple(s) ? simple : crossed)++;
+  }
+  EXPECT_GT(simple, 100);
+  EXPECT_GT(crossed, 100);
+}
+
+TEST(PolygonSimpleF32, HoldsForASquareAndFailsForABowTie) {
+  EXPECT_EQ(1, isSimple(toFloat(kSquare)));
+  EXPECT_EQ(0, isSimple(toFloat(kBowTie)));
+}
+
+TEST(PolygonSimpleF32, HoldsBelowFourVertices) {
+  EXPECT_EQ(1, isSimple(ShapeF{}));
+  EXPECT_EQ(1, isSimple(ShapeF{{0, 0}, {9, 9}, {4, 4}}));
+}
+
+TEST(PolygonSimpleF32, ComparesEveryPairOfEdges) {
+  Random random(33);
+  for (int round = 0; round < 1500; round++) {
+    const ShapeF s = anyShapeF(random, 8);
+    ASSERT_EQ(model::isSimple(s), isSimple(s)) << text(s);
+  }
+}
+
+// --- point in polygon
+
+int32_t contour(const Shape& s, Point_s32 p, uint32_t onBoundary) {
+  return IP_Polygon_IsInsideContour(PolygonS(s).get(), &p, onBoundary);
+}
+int32_t inside(const Shape& s, Point_s32 p) { return IP_Polygon_IsInside(PolygonS(s).get(), &p); }
+int32_t inside(const ShapeF& s, Point_f32 p) { return IP_Polygon_IsInside_f32(PolygonF(s).get(), &p); }
+
+TEST(PolygonInside, CountsTheBoundaryIn) {
+  EXPECT_EQ(1, inside(kSquare, {10, 5}));
+  EXPECT_EQ(1, inside(kSquare, {0, 0}));
+}
+
+TEST(PolygonInside, IsTheSameForEitherVertexOrder) {
+  for (const Shape& s : {kSquare, reversed(kSquare)}) {
+    EXPECT_EQ(1, contour(s, {5, 5}, 0));
+    EXPECT_EQ(0, contour(s, {11, 5}, 0));
+    EXPECT_EQ(0, contour(s, {-1, 5}, 0));
+    EXPECT_EQ(0, contour(s, {5, -1}, 0));
+    EXPECT_EQ(0, contour(s, {5, 11}, 0));
+    EXPECT_EQ(0, contour(s, {10, 5}, 0));
+    EXPECT_EQ(1, inside(s, {10, 5}));
+  }
+}
+
+TEST(PolygonInside, GivesWhateverTheCallerWantsOnTheBoundary) {
+  for (Point_s32 p : {Point_s32{10, 5}, {5, 0}, {0, 5}, {5, 10}, {10, 10}}) {
+    EXPECT_EQ(7, contour(kSquare, p, 7)) << p.x << "," << p.y;
+    EXPECT_EQ(-1, contour(kSquare, p, 0xFFFFFFFFu)) << p.x << "," << p.y;
+  }
+  EXPECT_EQ(1, contour(kSquare, {5, 5}, 7));
+  EXPECT_EQ(0, contour(kSquare, {11, 5}, 7));
+}
+
+TEST(PolygonInside, DoesNotTakeAnEdgesExtensionForTheBoundary) { EXPECT_EQ(0, contour(kSquare, {15, 10}, 7)); }
+
+TEST(PolygonInside, OfNoVerticesIsNothing) {
+  GuardedPolygonS none(Shape{});
+  const Point_s32 p = {0, 0};
+  EXPECT_EQ(0, IP_Polygon_IsInsideContour(none.get(), &p, 1));
+  EXPECT_EQ(0, IP_Polygon_IsInside(none.get(), &p));
+}
+
+TEST(PolygonInside, OfOneVertexIsThatPoint) {
+  EXPECT_EQ(1, inside(Shape{{3, 4}}, {3, 4}));
+  EXPECT_EQ(0, inside(Shape{{3, 4}}, {3, 5}));
+  EXPECT_EQ(0, inside(Shape{{3, 4}}, {2, 4}));
+}
+
+TEST(PolygonInside, OfTwoVerticesIsTheSegment) {
+  const Shape segment = {{0, 0}, {4, 2}};
+  EXPECT_EQ(1, inside(segment, {2, 1}));
+  EXPECT_EQ(0, inside(segment, {6, 3}));
+  EXPECT_EQ(0, inside(segment, {2, 2}));
+}
+
+TEST(PolygonInside, HoldsWhereThePolygonWindsTwice) {
+  // A square run round twice in the same direction, and once in each of two overlapping places.
+  const Shape twice = {{0, 0}, {8, 0}, {8, 8}, {0, 8}, {0, 0}, {8, 0}, {8, 8}, {0, 8}};
+  EXPECT_EQ(1, inside(twice, {4, 4}));
+  const Shape overlap = {{0, 0}, {8, 0}, {8, 8}, {4, 8}, {4, 2}, {12, 2}, {12, 6}, {0, 6}};
+  EXPECT_EQ(1, contour(overlap, {6, 4}, 0));
+}
+
+TEST(PolygonInside, FailsWhereTheWindingsCancel) {
+  const Shape backAndForth = {{0, 0}, {8, 0}, {8, 8}, {0, 8}, {0, 0}, {0, 8}, {8, 8}, {8, 0}};
+  EXPECT_EQ(0, inside(backAndForth, {4, 4}));
+}
+
+TEST(PolygonInside, ReadsNothingBehindTheLastVertex) {
+  GuardedPolygonS guarded(kSquare);
+  const Point_s32 p = {5, 5};
+  EXPECT_EQ(1, IP_Polygon_IsInside(guarded.get(), &p));
+}
+
+// Exact, in 64 bits, and by another road: on a segment by the dot product, windings by a ray along +y.
+int32_t windingAlongY(const Shape& s, Point_s32 p) {
+  int32_t winding = 0;
+  for (size_t k = 0; k < s.size(); k++) {
+    const int64_t ax = int64_t{s[k].x} - p.x, ay = int64_t{s[k].y} - p.y;
+    const int64_t bx = int64_t{s[(k + 1) % s.size()].x} - p.x, by = int64_t{s[(k + 1) % s.size()].y} - p.y;
+    const int64_t cross = ax * by - ay * bx;
+    if (cross == 0 && ax * bx + ay * by <= 0) return 1;
+    const bool crosses = (ax <= 0) != (bx <= 0);
+    // Where the edge meets the axis x = 0: y is cross / (bx - ax), up to its sign above the point.
+    if (crosses && (ax <= 0 ? -cross : cross) > 0) winding += ax <= 0 ? 1 : -1;
+  }
+  return winding != 0;
+}
+
+TEST(PolygonInside, AgreesWithAnotherRayForEverySmallPolygon) {
+  for (uint32_t count = 0; count <= 3; count++) {
+    uint32_t shapes = 1;
+    for (uint32_t i = 0; i < count; i++) shapes *= 9;
+    for (uint32_t code = 0; code < shapes; code++) {
+      Shape s(count);
+      uint32_t rest = code;
+      for (Point_s32& v : s) {
+        v = {static_cast<int32_t>(rest % 3), static_cast<int32_t>(rest / 3 % 3)};
+        rest /= 9;
+      }
+      PolygonS polygon(s);
+      for (int32_t y = -1; y <= 3; y++) {
+        for (int32_t x = -1; x <= 3; x++) {
+          const Point_s32 p = {x, y};
+          ASSERT_EQ(windingAlongY(s, p), IP_Polygon_IsInside(polygon.get(), &p)) << text(s) << "at " << x << "," << y;
+        }
+      }
+    }
+  }
+}
+
+TEST(PolygonInside, AgreesWithAnotherRayForSelfCrossingPolygons) {
+  Random random(34);
+  int hits = 0;
+  for (int round = 0; round < 500; round++) {
+    const Shape s = anyShape(random, 12, round % 2 ? 4 : 10000);
+    PolygonS polygon(s);
+    for (int i = 0; i < 20; i++) {
+      const int32_t range = round % 2 ? 5 : 11000;
+      const Point_s32 p = {random.between(-range, range), random.between(-range, range)};
+      ASSERT_EQ(windingAlongY(s, p), IP_Polygon_IsInside(polygon.get(), &p)) << text(s) << "at " << p.x << "," << p.y;
+      hits += windingAlongY(s, p);
+    }
+  }
+  EXPECT_GT(hits, 1000);
+}
+
+TEST(PolygonInside, OfAnyIntegersFollowsTheWrappedOrientations) {
+  Random random(35);
+  for (int round = 0; round < 2000; round++) {
+    const Shape s = extremeShape(random, 8);
+    const Point_s32 p = {anyInteger(random), anyInteger(random)};
+    const uint32_t onBoundary = random.below(3);
+    ASSERT_EQ(model::isInsideContour(s, p, onBoundary), contour(s, p, onBoundary))
+        << text(s) << "at " << p.x << "," << p.y;
+  }
+}
+
+TEST(PolygonInsideF32, CountsTheBoundaryIn) {
+  for (const Shape& s : {kSquare, reversed(kSquare)}) {
+    EXPECT_EQ(1, inside(toFloat(s), {10, 5}));
+    EXPECT_EQ(1, inside(toFloat(s), {5, 5}));
+    EXPECT_EQ(0, inside(toFloat(s), {11, 5}));
+  }
+}
+
+TEST(PolygonInsideF32, WidensTheBoundaryByLessThanTheTolerance) {
+  const ShapeF square = toFloat(kSquare);
+  EXPECT_EQ(1, inside(square, {5, -0.0005f}));
+  EXPECT_EQ(1, inside(square, {-0.009f, 0}));
+  EXPECT_EQ(0, inside(square, {-0.01f, 0}));
+  EXPECT_EQ(0, inside(square, {-0.011f, 0}));
+  EXPECT_EQ(1, inside(square, {10.009f, 0}));
+  EXPECT_EQ(0, inside(square, {10.011f, 0}));
+}
+
+TEST(PolygonInsideF32, OfNoVerticesIsNothing) { EXPECT_EQ(0, inside(ShapeF{}, {0, 0})); }
+
+TEST(PolygonInsideF32, OfOneVertexIsThatPointWithinTheTolerance) {
+  EXPECT_EQ(1, inside(ShapeF{{3, 4}}, {3.005f, 3.995f}));
+  EXPECT_EQ(0, inside(ShapeF{{3, 4}}, {3.02f, 4}));
+}
+
+TEST(PolygonInsideF32, ReadsNothingBehindTheLastVertex) {
+  GuardedPolygonF guarded(toFloat(kSquare));
+  const Point_f32 p = {5, 5};
+  EXPECT_EQ(1, IP_Polygon_IsInside_f32(guarded.get(), &p));
+}
+
+TEST(PolygonInsideF32, OfAnyPolygonFollowsTheTolerantOrientations) {
+  Random random(36);
+  int hits = 0;
+  for (int round = 0; round < 3000; round++) {
+    const ShapeF s = anyShapeF(random, 8);
+    const ShapeF points = anyShapeF(random, 6);
+    for (Point_f32 p : points) {
+      ASSERT_EQ(model::isInsideContour(s, p, 1), inside(s, p)) << text(s) << "at " << p.x << "," << p.y;
+      hits += inside(s, p);
+    }
+  }
+  EXPECT_GT(hits, 500);
+}
+
+// --- removal of vertices
+
+using Slots = std::vector<std::pair<uint32_t, uint32_t>>;
+
+Slots slotsOf(const Shape& s) { return PolygonS(s).slots(); }
+
+TEST(PolygonErase, MovesTheLaterVerticesDownAndLeavesTheFreedSlot) {
+  GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}, {4, -4}});
+  IP_Polygon_Erase(p.get(), 1);
+  EXPECT_EQ(3u, p.count());
+  EXPECT_EQ(slotsOf({{1, -1}, {3, -3}, {4, -4}, {4, -4}}), p.slots());
+}
+
+TEST(PolygonErase, OfTheFirstVertexMovesAllOthers) {
+  GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
+  IP_Polygon_Erase(p.get(), 0);
+  EXPECT_EQ(2u, p.count());
+  EXPECT_EQ(slotsOf({{2, -2}, {3, -3}, {3, -3}}), p.slots());
+}
+
+TEST(PolygonErase, OfTheLastVertexMovesNone) {
+  GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
+  IP_Polygon_Erase(p.get(), 2);
+  EXPECT_EQ(2u, p.count());
+  EXPECT_EQ(slotsOf({{1, -1}, {2, -2}, {3, -3}}), p.slots());
+}
+
+TEST(PolygonErase, OfTheOnlyVertexLeavesNone) {
+  GuardedPolygonS p(Shape{{1, -1}});
+  IP_Polygon_Erase(p.get(), 0);
+  EXPECT_EQ(0u, p.count());
+}
+
+TEST(PolygonErase, OfAnIndexThatIsNoVertexChangesNothing) {
+  for (uint32_t index : {3u, 4u, 0x80000000u, 0xFFFFFFFFu}) {
+    GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
+    IP_Polygon_Erase(p.get(), index);
+    EXPECT_EQ(3u, p.count()) << index;
+    EXPECT_EQ(slotsOf({{1, -1}, {2, -2}, {3, -3}}), p.slots()) << index;
+  }
+}
+
+TEST(PolygonErase, OfAnEmptyPolygonChangesNothing) {
+  GuardedPolygonS p(Shape{});
+  IP_Polygon_Erase(p.get(), 0);
+  EXPECT_EQ(0u, p.count());
+}
+
+TEST(PolygonErase, StaysWithinTheVerticesInUse) {
+  // Two vertices in use of four stored: the others are not moved.
+  PolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}, {4, -4}}, 2);
+  IP_Polygon_Erase(p.get(), 0);
+  EXPECT_EQ(1u, p.count());
+  EXPECT_EQ(slotsOf({{2, -2}, {2, -2}, {3, -3}, {4, -4}}), p.slots());
+}
+
+TEST(PolygonEraseF32, MovesBitsNotNumbers) {
+  // A signalling NaN and a negative zero come through as they are.
+  std::vector<Point_s32> bits = {{1, 1}, {2, 2}, {0x7F812345, INT32_MIN}};
+  StoredPolygon<Point_s32, Guarded<uint32_t>> p(bits);
+  IP_Polygon_Erase_f32(reinterpret_cast<Polygon_f32*>(p.get()), 0);
+  EXPECT_EQ(2u, p.count());
+  EXPECT_EQ(slotsOf({{2, 2}, {0x7F812345, INT32_MIN}, {0x7F812345, INT32_MIN}}), p.slots());
+}
+
+TEST(PolygonEraseF32, OfAnIndexThatIsNoVertexChangesNothing) {
+  GuardedPolygonF p(ShapeF{{1, -1}, {2, -2}});
+  IP_Polygon_Erase_f32(p.get(), 2);
+  EXPECT_EQ(2u, p.count());
+  EXPECT_EQ(PolygonF(ShapeF{{1, -1}, {2, -2}}).slots(), p.slots());
+}
+
+template <class Point>
+Slots remaining(const std::vector<Point>& s, void (*remove)(typename PolygonOf<Point>::Type*)) {
+  StoredPolygon<Point, std::vector<uint32_t>> p(s);
+  remove(p.get());
+  Slots slots = p.slots();
+  slots.resize(p.count());
+  return slots;
+}
+
+Slots thinned(const Shape& s) { return remaining(s, IP_Polygon_RemoveCollinearPoints); }
+Slots thinned(const ShapeF& s) { return remaining(s, IP_Polygon_RemoveCollinearPoints_f32); }
+
+TEST(RemoveCollinear, DropsAVertexInsideAStraightSide) {
+  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {0, 10}}));
+}
+
+TEST(RemoveCollinear, KeepsASquare) { EXPECT_EQ(slotsOf(kSquare), thinned(kSquare)); }
+
+TEST(RemoveCollinear, DropsTheFirstVertexWhereTheWalkWraps) {
+  EXPECT_EQ(slotsOf({{10, 0}, {10, 10}, {0, 10}, {0, 0}}), thinned(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}));
+}
+
+TEST(RemoveCollinear, DropsARepeatedVertex) {
+  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {10, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}}));
+}
+
+TEST(RemoveCollinear, DropsASpikeThatDoublesBack) {
+  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {20, 0}, {10, 0}, {10, 10}, {0, 10}}));
+}
+
+TEST(RemoveCollinear, LeavesNothingOfALine) {
+  EXPECT_EQ(Slots(), thinned(Shape{{0, 0}, {1, 1}, {2, 2}}));
+  EXPECT_EQ(Slots(), thinned(Shape{{0, 0}, {4, 2}, {2, 1}, {-6, -3}, {0, 0}}));
+}
+
+TEST(RemoveCollinear, LeavesNothingBelowThreeVertices) {
+  EXPECT_EQ(Slots(), thinned(Shape{}));
+  EXPECT_EQ(Slots(), thinned(Shape{{3, 4}}));
+  EXPECT_EQ(Slots(), thinned(Shape{{3, 4}, {5, 9}}));
+}
+
+TEST(RemoveCollinear, StaysWithinThePolygon) {
+  GuardedPolygonS p(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
+  IP_Polygon_RemoveCollinearPoints(p.get());
+  EXPECT_EQ(4u, p.count());
+}
+
+TEST(RemoveCollinear, OfAnyIntegersFollowsTheWalk) {
+  Random random(37);
+  for (int round = 0; round < 3000; round++) {
+    const Shape s = round % 3 ? anyShape(random, 8, 2) : extremeShape(random, 8);
+    ASSERT_EQ(slotsOf(model::withoutCollinearPoints(s)), thinned(s)) << text(s);
+  }
+}
+
+TEST(RemoveCollinearF32, DropsAVertexWithinTheToleranceOfASide) {
+  EXPECT_EQ(PolygonF(toFloat(kSquare)).slots(), thinned(ShapeF{{0, 0}, {5, 0.005f}, {10, 0}, {10, 10}, {0, 10}}));
+}
+
+TEST(RemoveCollinearF32, KeepsAVertexBeyondTheTolerance) {
+  const ShapeF bent = {{0, 0}, {5, 0.02f}, {10, 0}, {10, 10}, {0, 10}};
+  EXPECT_EQ(PolygonF(bent).slots(), thinned(bent));
+}
+
+TEST(RemoveCollinearF32, LeavesNothingOfALineOrOfFewerThanThreeVertices) {
+  EXPECT_EQ(Slots(), thinned(ShapeF{{0, 0}, {1, 1}, {2, 2}}));
+  EXPECT_EQ(Slots(), thinned(ShapeF{{3, 4}, {5, 9}}));
+  EXPECT_EQ(Slots(), thinned(ShapeF{{3, 4}}));
+  EXPECT_EQ(Slots(), thinned(ShapeF{}));
+}
+
+TEST(RemoveCollinearF32, OfAnyPolygonFollowsTheWalk) {
+  Random random(38);
+  for (int round = 0; round < 2000; round++) {
+    const ShapeF s = anyShapeF(random, 8);
+    ASSERT_EQ(PolygonF(model::withoutCollinearPoints(s)).slots(), thinned(s)) << text(s);
+  }
+}
+
+// --- side of a polyline
+
+int32_t side(const Shape& s, Point_s32 p) { return IP_Polyline_Orientation(PolygonS(s).get(), &p); }
+int32_t side(const ShapeF& s, Point_f32 p) { return IP_Polyline_Orientation_f32(PolygonF(s).get(), &p); }
+
+TEST(PolylineSide, HasTheSignOfTheOrientation) {
+  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}}, {5, 3}));
+  EXPECT_EQ(1, side(Shape{{0, 0}, {10, 0}}, {5, -3}));
+  EXPECT_EQ(0, side(Shape{{0, 0}, {10, 0}}, {25, 0}));
+}
+
+TEST(PolylineSide, IsUndefinedBelowTwoVertices) {
+  EXPECT_EQ(-2, side(Shape{}, {5, 3}));
+  EXPECT_EQ(-2, side(Shape{{0, 0}}, {5, 3}));
+}
+
+TEST(PolylineSide, IsUndefinedForNullPointers) {
+  PolygonS line(Shape{{0, 0}, {10, 0}});
+  const Point_s32 p = {5, 3};
+  EXPECT_EQ(-2, IP_Polyline_Orientation(nullptr, &p));
+  EXPECT_EQ(-2, IP_Polyline_Orientation(line.get(), nullptr));
+}
+
+TEST(PolylineSide, HasNoClosingSegment) {
+  // The point lies on the line from the last vertex back to the first, which is no segment.
+  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {3, 3}));
+}
+
+TEST(PolylineSide, OfEquallyNearSegmentsTakesTheFirst) {
+  // At distance 3 from both lines, to the right of the first and to the left of the second.
+  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {7, 3}));
+  EXPECT_EQ(1, side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}));
+  EXPECT_EQ(1, side(Shape{{0, 0}, {10, 0}, {10, -10}}, {7, -3}));
+  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {13, 3}));
+  EXPECT_EQ(1, side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}));
+}
+
+TEST(PolylineSide, GoesByALineThatPassesNearEvenIfItsSegmentIsFar) {
+  // The second segment's line runs through y = 20, 1 above the point; the segment itself is 80 away.
+  EXPECT_EQ(1, side(Shape{{0, 10}, {20, 10}, {100, 20}, {120, 20}}, {0, 19}));
+}
+
+TEST(PolylineSide, OfASegmentWithoutLengthIsZero) { EXPECT_EQ(0, side(Shape{{0, 0}, {10, 0}, {10, 0}}, {5, 3})); }
+
+TEST(PolylineSide, ReadsNothingBehindTheLastVertex) {
+  GuardedPolygonS guarded(Shape{{0, 0}, {10, 0}});
+  const Point_s32 p = {5, 3};
+  EXPECT_EQ(-1, IP_Polyline_Orientation(guarded.get(), &p));
+}
+
+TEST(PolylineSide, OfAnyIntegersFollowsTheWrappedDistances) {
+  Random random(39);
+  for (int round = 0; round < 3000; round++) {
+    const Shape s = round % 2 ? anyShape(random, 6, 10) : extremeShape(random, 6);
+    const Point_s32 p = round % 2 ? Point_s32{random.between(-12, 12), random.between(-12, 12)}
+                                  : Point_s32{anyInteger(random), anyInteger(random)};
+    ASSERT_EQ(model::polylineOrientation(s, p), side(s, p)) << text(s) << "at " << p.x << "," << p.y;
+  }
+}
+
+TEST(PolylineSideF32, HasTheSignOfTheOrientation) {
+  EXPECT_EQ(-1, side(ShapeF{{0, 0}, {10, 0}}, {5, 3}));
+  EXPECT_EQ(1, side(ShapeF{{0, 0}, {10, 0}}, {5, -3}));
+  EXPECT_EQ(0, side(ShapeF{{0, 0}, {10, 0}}, {25, 0.005f}));
+}
+
+TEST(PolylineSideF32, IsUndefinedForNullPointersAndBelowTwoVertices) {
+  PolygonF line(ShapeF{{0, 0}, {10, 0}});
+  const Point_f32 p = {5, 3};
+  EXPECT_EQ(-2, IP_Polyline_Orientation_f32(nullptr, &p));
+  EXPECT_EQ(-2, IP_Polyline_Orientation_f32(line.get(), nullptr));
+  EXPECT_EQ(-2, side(ShapeF{}, {5, 3}));
+  EXPECT_EQ(-2, side(ShapeF{{0, 0}}, {5, 3}));
+}
+
+TEST(PolylineSideF32, IsUndefinedWhereEveryDistanceOverflows) {
+  EXPECT_EQ(-2, side(ShapeF{{0, 0}, {1, 0}}, {0, 1e30f}));
+  EXPECT_EQ(-2, side(ShapeF{{0, 0}, {1, 0}}, {0, std::numeric_limits<float>::quiet_NaN()}));
+}
+
+TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
+  Random random(40);
+  for (int round = 0; round < 3000; round++) {
+    const ShapeF s = anyShapeF(random, 6);
+    const Point_f32 p = {anyWithin(random, 2), anyWithin(random, 2)};
+    ASSERT_EQ(model::polylineOrientation(s, p), side(s, p)) << text(s) << "at " << p.x << "," << p.y;
+  }
+}
+
+// --- distance from the outline
+
+float distance(const ShapeF& s, Point_f32 p) { return IP_Polygon_SquaredDist(PolygonF(s).get(), &p); }
+
+TEST(PolygonDistance, FromOutsideGoesToTheNearestCorner) { EXPECT_EQ(29.0f, distance(toFloat(kSquare), {12, 15})); }
+
+TEST(PolygonDistance, FromInsideGoesToTheNearestSide) {
+  EXPECT_EQ(25.0f, distance(toFloat(kSquare), {5, 5}));
+  EXPECT_EQ(4.0f, distance(toFloat(kSquare), {8, 5}));
+}
+
+TEST(PolygonDistance, OnTheOutlineIsZero) { EXPECT_EQ(0.0f, distance(toFloat(kSquare), {10, 5})); }
+
+TEST(PolygonDistance, CountsTheClosingEdge) {
+  EXPECT_EQ(1.0f, distance({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, {1, 50}));
+}
+
+TEST(PolygonDistance, OfNoVerticesIsTheLargestFloat) { EXPECT_EQ(3.4028235e38f, distance({}, {0, 0})); }
+
+TEST(PolygonDistance, OfOneVertexIsToThatVertex) { EXPECT_EQ(25.0f, distance({{3, 4}}, {0, 0})); }
+
+TEST(PolygonDistance, OfAnEdgeShorterThanATenthGoesToItsNearerEnd) {
+  // Between the ends the foot would be 1 away; the ends are a little farther.
+  const float atEnd = 0.04f * 0.04f + 1.0f;
+  EXPECT_EQ(atEnd, distance({{-0.05f, 0}, {0.04f, 0}}, {0, 1}));
+  EXPECT_EQ(atEnd, distance({{0.04f, 0}, {-0.05f, 0}}, {0, 1}));
+}
+
+TEST(PolygonDistance, OfAnEdgeOfATenthAndMoreUsesTheFoot) {
+  EXPECT_EQ(1.0f, distance({{-0.06f, 0}, {0.06f, 0}}, {0, 1}));
+}
+
+TEST(PolygonDistance, LeavesOutEdgesWhoseFootIsNoNumber) {
+  // The squared length of the long edges overflows.
+  EXPECT_EQ(3.4028235e38f, distance({{-1e25f, 0}, {1e25f, 0}}, {0, 1}));
+}
+
+TEST(PolygonDistance, ReadsNothingBehindTheLastVertex) {
+  GuardedPolygonF guarded(toFloat(kSquare));
+  const Point_f32 p = {5, 5};
+  EXPECT_EQ(25.0f, IP_Polygon_SquaredDist(guarded.get(), &p));
+}
+
+TEST(PolygonDistance, HasTheBitsOfTheDocumentedSteps) {
+  Random random(41);
+  for (int round = 0; round < 2000; round++) {
+    ShapeF s = anyShapeF(random, 6);
+    const float scale = round % 2 ? 1.0f : 57.0f;
+    for (Point_f32& v : s) v = {v.x * scale, v.y * scale};
+    const Point_f32 p = {anyWithin(random, 3 * scale), anyWithin(random, 3 * scale)};
+    ASSERT_EQ((Floats{model::polygonDistance(s, p)}), (Floats{distance(s, p)}))
+        << text(s) << "at " << p.x << "," << p.y;
+  }
+}
+
+// In double precision, by clamping the foot's parameter.
+double exactDistance(const Shape& s, double px, double py) {
+  double best = std::numeric_limits<double>::infinity();
+  for (size_t k = 0; k < s.size(); k++) {
+    const Point_s32 a = s[k], b = s[(k + 1) % s.size()];
+    const double dx = b.x - a.x, dy = b.y - a.y, length = dx * dx + dy * dy;
+    double t = length > 0 ? ((px - a.x) * dx + (py - a.y) * dy) / length : 0;
+    t = std::min(1.0, std::max(0.0, t));
+    const double ex = a.x + t * dx - px, ey = a.y + t * dy - py;
+    best = std::min(best, ex * ex + ey * ey);
+  }
+  return best;
+}
+
+TEST(PolygonDistance, IsNearTheExactOne) {
+  Random random(42);
+  for (int round = 0; round < 1000; round++) {
+    Shape s = anyShape(random, 6, 40);
+    s.push_back({random.between(-40, 40), random.between(-40, 40)});
+    const Point_f32 p = {anyWithin(random, 60), anyWithin(random, 60)};
+    const double exact = exactDistance(s, p.x, p.y);
+    ASSERT_NEAR(exact, distance(toFloat(s), p), 1e-3 + 1e-4 * exact) << text(s) << "at " << p.x << "," << p.y;
+  }
+}
+
+}  // namespace
+}  // namespace nadir::test

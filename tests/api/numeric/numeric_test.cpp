@@ -1,0 +1,279 @@
+#include <gtest/gtest.h>
+#include <nadir/numeric.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+#include "lab/random.hpp"
+#include "tests/support/guarded.hpp"
+
+namespace nadir::test {
+namespace {
+
+using Values = std::vector<uint16_t>;
+
+// --- median
+
+struct Selection {
+  uint32_t status;
+  uint16_t median;
+  Values values;
+};
+
+Selection select(const Values& values, Guard side = Guard::behind) {
+  const Guarded<uint16_t> buffer(values, side);
+  Selection s = {0, 0xABCD, {}};
+  s.status = IP_Utl_Median_u16(buffer.data(), static_cast<uint32_t>(values.size()), &s.median);
+  s.values = buffer.values();
+  return s;
+}
+
+void orderPair(uint16_t& low, uint16_t& high) {
+  if (low > high) std::swap(low, high);
+}
+
+// The selection with wide indices. The order in which it leaves the values is part of what callers see.
+uint16_t expectedSelection(Values& a) {
+  const size_t count = a.size(), k = (count - 1) / 2;
+  if (count == 1) return a[0];
+  if (count == 2) {
+    orderPair(a[0], a[1]);
+    return a[0];
+  }
+  size_t l = 0, r = count - 1;
+  for (;;) {
+    const size_t m = (l + r) / 2;
+    orderPair(a[m], a[r]);
+    orderPair(a[l], a[r]);
+    orderPair(a[m], a[l]);
+    const uint16_t pivot = a[l];
+    std::swap(a[m], a[l + 1]);
+    size_t i = l + 1, j = r;
+    for (;;) {
+      do i++;
+      while (a[i] < pivot);
+      do j--;
+      while (a[j] > pivot);
+      if (i > j) break;
+      std::swap(a[i], a[j]);
+    }
+    a[l] = a[j];
+    a[j] = pivot;
+    if (j <= k) l = i;
+    if (j >= k) r = j - 1;
+    if (r <= l) return a[k];
+    if (r == l + 1) {
+      orderPair(a[l], a[r]);
+      return a[k];
+    }
+  }
+}
+
+TEST(Median, OfOneValueIsThatValue) {
+  const Selection s = select({5});
+  EXPECT_EQ(1u, s.status);
+  EXPECT_EQ(5, s.median);
+}
+
+TEST(Median, OfTwoValuesIsTheSmallerAndSortsThem) {
+  const Selection s = select({7, 3});
+  EXPECT_EQ(1u, s.status);
+  EXPECT_EQ(3, s.median);
+  EXPECT_EQ((Values{3, 7}), s.values);
+}
+
+TEST(Median, OfTwoSortedValuesLeavesThem) { EXPECT_EQ((Values{3, 7}), select({3, 7}).values); }
+
+TEST(Median, OfFourValuesIsTheLowerMiddle) { EXPECT_EQ(2, select({4, 1, 3, 2}).median); }
+
+TEST(Median, OfThreeEqualValuesIsThatValue) { EXPECT_EQ(9, select({9, 9, 9}).median); }
+
+TEST(Median, ComparesWithoutASign) { EXPECT_EQ(0x8000, select({0xFFFF, 1, 0x8000}).median); }
+
+TEST(Median, RefusesNullPointersAndNoValues) {
+  uint16_t values[3] = {3, 2, 1}, median = 77;
+  EXPECT_EQ(0u, IP_Utl_Median_u16(nullptr, 3, &median));
+  EXPECT_EQ(0u, IP_Utl_Median_u16(values, 3, nullptr));
+  EXPECT_EQ(0u, IP_Utl_Median_u16(values, 0, &median));
+  EXPECT_EQ(77, median);
+  EXPECT_EQ((Values{3, 2, 1}), Values(values, values + 3));
+}
+
+TEST(Median, RefusesMoreValuesThanItCanIndex) {
+  Values values(65537, 3);
+  values[0] = 9;
+  const Values before = values;
+  uint16_t median = 77;
+  EXPECT_EQ(0u, IP_Utl_Median_u16(values.data(), 65537, &median));
+  EXPECT_EQ(77, median);
+  EXPECT_TRUE(before == values);
+}
+
+TEST(Median, MayBeWrittenIntoTheValues) {
+  Values values = {4, 1, 3, 2, 5}, wanted = values;
+  wanted[4] = expectedSelection(wanted);
+  EXPECT_EQ(1u, IP_Utl_Median_u16(values.data(), 5, &values[4]));
+  EXPECT_EQ(wanted, values);
+}
+
+TEST(Median, OfEveryOrderOfSixValuesFollowsTheSelection) {
+  Values order = {1, 2, 3, 4, 5, 6};
+  do {
+    Values wanted = order;
+    const uint16_t median = expectedSelection(wanted);
+    ASSERT_EQ(3, median);
+    Values values = order;
+    uint16_t got = 0;
+    IP_Utl_Median_u16(values.data(), 6, &got);
+    ASSERT_EQ(median, got);
+    ASSERT_EQ(wanted, values);
+  } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(Median, OfAnyValuesFollowsTheSelection) {
+  Random random(60);
+  for (uint32_t round = 0; round < 600; round++) {
+    const size_t count = round < 60 ? round + 1 : 1 + random.below(300);
+    const uint32_t distinct = round % 3 == 0 ? 65536 : round % 3 == 1 ? 3 : 20;
+    const Values values = random.values<uint16_t>(count, distinct);
+    Values wanted = values, sorted = values;
+    const uint16_t median = expectedSelection(wanted);
+    std::sort(sorted.begin(), sorted.end());
+    const Selection s = select(values, round % 2 ? Guard::before : Guard::behind);
+    ASSERT_EQ(1u, s.status);
+    ASSERT_EQ(sorted[(count - 1) / 2], s.median) << "of " << count;
+    ASSERT_EQ(median, s.median);
+    ASSERT_EQ(wanted, s.values) << "of " << count;
+  }
+}
+
+TEST(Median, OfSortedAndReversedValuesFollowsTheSelection) {
+  for (size_t count : {3u, 4u, 5u, 100u, 101u}) {
+    Values values(count);
+    std::iota(values.begin(), values.end(), uint16_t{10});
+    for (int direction = 0; direction < 2; direction++) {
+      Values wanted = values;
+      expectedSelection(wanted);
+      EXPECT_EQ(wanted, select(values).values) << count;
+      std::reverse(values.begin(), values.end());
+    }
+  }
+}
+
+TEST(Median, Of65535EqualValuesIsThatValue) {
+  const Selection s = select(Values(65535, 1234));
+  EXPECT_EQ(1u, s.status);
+  EXPECT_EQ(1234, s.median);
+}
+
+TEST(Median, OfTheLargestCountFollowsTheSelection) {
+  Random random(61);
+  const Values values = random.values<uint16_t>(65536, 65536);
+  Values wanted = values;
+  const uint16_t median = expectedSelection(wanted);
+  const Selection s = select(values);
+  EXPECT_EQ(median, s.median);
+  EXPECT_TRUE(wanted == s.values);
+}
+
+// --- sorting indices
+
+constexpr uint16_t kUntouched = 0xA5A5;
+
+struct Order {
+  uint32_t status;
+  Values indices;
+};
+
+Order sortIndices(const Values& keys, uint32_t mode) {
+  const Guarded<uint16_t> guardedKeys(keys), indices(Values(keys.size(), kUntouched));
+  const uint32_t status =
+      IP_Utl_RadixIdxSort(guardedKeys.data(), indices.data(), static_cast<uint32_t>(keys.size()), mode);
+  EXPECT_EQ(keys, guardedKeys.values());
+  return {status, indices.values()};
+}
+
+Values stableOrder(const Values& keys, uint32_t mode) {
+  Values indices(keys.size());
+  std::iota(indices.begin(), indices.end(), uint16_t{0});
+  auto value = [&](uint16_t i) { return mode == 1 ? static_cast<int16_t>(keys[i]) : int32_t{keys[i]}; };
+  std::stable_sort(indices.begin(), indices.end(), [&](uint16_t i, uint16_t j) { return value(i) < value(j); });
+  return indices;
+}
+
+TEST(RadixSort, KeepsEqualKeysInTheirOrder) {
+  const Order o = sortIndices({300, 5, 300, 0}, 0);
+  EXPECT_EQ(1u, o.status);
+  EXPECT_EQ((Values{3, 1, 0, 2}), o.indices);
+}
+
+TEST(RadixSort, OfSignedKeysPutsNegativeOnesFirst) {
+  EXPECT_EQ((Values{2, 0, 3, 1}), sortIndices({0xFFFF, 1, 0x8000, 0}, 1).indices);
+}
+
+TEST(RadixSort, OfUnsignedKeysPutsTheSamePatternsLast) {
+  EXPECT_EQ((Values{3, 1, 2, 0}), sortIndices({0xFFFF, 1, 0x8000, 0}, 0).indices);
+}
+
+TEST(RadixSort, OfNegativeKeysTakesTheLowByteWithoutASign) {
+  EXPECT_EQ((Values{1, 0, 3, 2}), sortIndices({0x80FF, 0x8001, 0x0180, 0x017F}, 1).indices);
+}
+
+TEST(RadixSort, RefusesAnotherMode) {
+  for (uint32_t mode : {2u, 0x80000000u, 0xFFFFFFFFu}) {
+    const Order o = sortIndices({300, 5, 300, 0}, mode);
+    EXPECT_EQ(0u, o.status) << mode;
+    EXPECT_EQ(Values(4, kUntouched), o.indices) << mode;
+  }
+}
+
+TEST(RadixSort, RefusesNullPointers) {
+  Values keys = {3, 2, 1}, indices(3, kUntouched);
+  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 3, 0));
+  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(keys.data(), nullptr, 3, 0));
+  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 0, 0));
+  EXPECT_EQ(Values(3, kUntouched), indices);
+}
+
+TEST(RadixSort, RefusesMoreKeysThanItCanIndex) {
+  const Order o = sortIndices(Values(65537, 3), 0);
+  EXPECT_EQ(0u, o.status);
+  EXPECT_TRUE(Values(65537, kUntouched) == o.indices);
+}
+
+TEST(RadixSort, OfNoKeysSucceedsAndWritesNothing) {
+  uint16_t key = 1, index = kUntouched;
+  EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 0));
+  EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 1));
+  EXPECT_EQ(kUntouched, index);
+}
+
+TEST(RadixSort, OfOneKeyIsIndexZero) { EXPECT_EQ((Values{0}), sortIndices({999}, 1).indices); }
+
+TEST(RadixSort, OfAnyKeysIsAStableSort) {
+  Random random(62);
+  for (uint32_t round = 0; round < 200; round++) {
+    const uint32_t mode = round % 2, distinct = round % 3 ? 65536 : 5;
+    Values keys = random.values<uint16_t>(random.below(400), distinct);
+    if (round % 5 == 0) {
+      for (uint16_t& key : keys) key = static_cast<uint16_t>(key << 8 | key >> 8);
+    }
+    ASSERT_EQ(stableOrder(keys, mode), sortIndices(keys, mode).indices);
+  }
+}
+
+TEST(RadixSort, OfTheLargestCountIsAStableSort) {
+  Random random(63);
+  const Values keys = random.values<uint16_t>(65536, 65536);
+  for (uint32_t mode : {0u, 1u}) EXPECT_TRUE(stableOrder(keys, mode) == sortIndices(keys, mode).indices) << mode;
+}
+
+TEST(RadixSort, OfTheLargestCountOfEqualKeysKeepsTheirOrder) {
+  Values wanted(65536);
+  std::iota(wanted.begin(), wanted.end(), uint16_t{0});
+  EXPECT_TRUE(wanted == sortIndices(Values(65536, 7), 0).indices);
+}
+
+}  // namespace
+}  // namespace nadir::test

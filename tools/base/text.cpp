@@ -1,0 +1,49 @@
+#include "tools/base/text.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+
+#include "tools/base/error.hpp"
+
+namespace nadir::tool {
+
+std::string format(const char* pattern, ...) {
+  va_list arguments, again;
+  va_start(arguments, pattern);
+  va_copy(again, arguments);
+  std::string text(static_cast<size_t>(std::max(0, std::vsnprintf(nullptr, 0, pattern, arguments))), ' ');
+  std::vsnprintf(text.data(), text.size() + 1, pattern, again);
+  va_end(again);
+  va_end(arguments);
+  return text;
+}
+
+std::string sizeText(unsigned width, unsigned height) { return format("%u x %u", width, height); }
+
+void Table::line(const std::string& label, double number, const std::string& remark, int decimals) {
+  lines_.push_back({label, std::isnan(number) ? "-" : format("%.*f", decimals, number), remark});
+}
+
+std::string Table::text() const {
+  size_t labels = 0, numbers = 0;
+  for (const Line& line : lines_) {
+    labels = std::max(labels, line.label.size());
+    numbers = std::max(numbers, line.number.size());
+  }
+  std::string text;
+  for (const Line& line : lines_) {
+    std::string row = line.label + std::string(labels - line.label.size() + 2, ' ') +
+                      std::string(numbers - line.number.size(), ' ') + line.number + "  " + line.remark;
+    row.erase(row.find_last_not_of(' ') + 1);
+    text += row + '\n';
+  }
+  return text;
+}
+
+void print(const std::string& text) {
+  if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) throw Error("cannot write to standard output");
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,135 @@
+// nadir disparity: from a rectified pair to a disparity picture.
+#include <nadir/nadir.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+
+#include "ground/halve.hpp"
+#include "ground/match.hpp"
+#include "tools/base/text.hpp"
+#include "tools/commands/commands.hpp"
+#include "tools/commands/number_range.hpp"
+#include "tools/draw/disparity_plot.hpp"
+#include "tools/files/files.hpp"
+#include "tools/pictures/chunks.hpp"
+#include "tools/pictures/pair_input.hpp"
+#include "tools/pictures/png.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+struct Options {
+  std::string left, right, output, preview, mask;
+  std::string grid = "left";
+  bool noPreview = false, half = false, noPostprocessing = false;
+  uint32_t uniqueness = MatchOptions().uniqueness;
+};
+
+Pair readInputs(const Options& options, StageTimes& times) {
+  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
+  return pair;
+}
+
+TextChunks texts(const Options& options) {
+  TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.grid);
+  texts["nadir:uniqueness"] = std::to_string(options.uniqueness);
+  texts["nadir:post-processing"] = options.noPostprocessing ? "no" : "yes";
+  return texts;
+}
+
+std::string previewName(const Options& options) {
+  if (!options.preview.empty()) return options.preview;
+  return std::filesystem::path(options.output).replace_extension(".preview.png").string();
+}
+
+void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
+  files.write(options.output, encodePng(disparity, texts(options)));
+  if (options.noPreview) return;
+  const Grid<float> pixels = inPixels(disparity, SGM_DISP_SCALE);
+  files.write(previewName(options), encodeDisparityPlot(pixels, usualRange(pixels)));
+}
+
+std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, const StageTimes& times) {
+  const double percent = 100.0 / static_cast<double>(disparity.pixels.size());
+  const auto share = [&](size_t count) { return static_cast<double>(count) * percent; };
+  Table table;
+  table.heading("stage", "time");
+  times.addTo(table);
+  table.gap();
+  table.heading("pixels, " + sizeText(disparity.width, disparity.height), "share");
+  table.line("with a value", share(counts.value), "%", 2);
+  table.line("  of these filled from a neighbour", share(counts.filled), "%", 2);
+  table.line("rejected, no distinct match", share(counts.ambiguous), "%", 2);
+  table.line("removed by post-processing", share(counts.removed), "%", 2);
+  table.line("masked", share(counts.masked), "%", 2);
+  table.line("border, not matched", share(counts.border), "%", 2);
+  return table.text();
+}
+
+void run(const Options& options) {
+  StageTimes times;
+  Pair pair = readInputs(options, times);
+  const MatchOptions settings{options.grid == "left" ? View::left : View::right, options.uniqueness,
+                              !options.noPostprocessing, readMaskFor(pair, options.mask)};
+  const Match result = match(std::move(pair), settings, times);
+  OutputFiles files({options.left, options.right, options.mask});
+  times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
+  print(report(result.disparity, result.counts, times));
+  files.commit();
+}
+
+}  // namespace
+
+void addDisparityCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand("disparity", "Match a rectified pair; write its disparities and a preview.");
+  command
+      ->add_option("LEFT", options->left,
+                   "Left picture: PNG or binary PGM, 8 or 16 bits, grey or colour (made grey). 16-bit values are "
+                   "taken as they are, best in the range of a 12-bit camera (0 to 4095), and 0 means no data; 8-bit "
+                   "values are multiplied by 16, black included (it becomes 1)")
+      ->required();
+  command->add_option("RIGHT", options->right, "Right picture of the same size; points in it lie further left")
+      ->required();
+  command
+      ->add_option("-o,--output", options->output,
+                   "16-bit grey PNG that receives the disparities: pixels x 16, 0 for none")
+      ->required()
+      ->type_name("FILE");
+  CLI::Option* preview =
+      command
+          ->add_option("--preview", options->preview,
+                       "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
+          ->type_name("FILE");
+  command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
+  command->add_option("--grid", options->grid, "View whose pixels get the disparities: left or right (default: left)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
+      ->type_name("VIEW");
+  command
+      ->add_option("--uniqueness", options->uniqueness,
+                   format("How much worse, in 1/128 of the best cost, every other match must be; more rejects more, 0 "
+                          "to 128 (default: %u)",
+                          options->uniqueness))
+      ->check(wholeNumberFrom(0, 128))
+      ->type_name("N");
+  command
+      ->add_option("--mask", options->mask,
+                   "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 "
+                   "get no disparity (default: none)")
+      ->type_name("FILE");
+  command->add_flag("--raw,--no-postproc", options->noPostprocessing,
+                    "Leave out the 3x3 median and the removal and filling of single pixels");
+  command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
+  command->footer(
+      "Disparities from 2 to 61 pixels are found. Examples:\n"
+      "  nadir disparity left.png right.png -o disparity.png\n"
+      "  nadir disparity left.pgm right.pgm -o d.png --grid right --uniqueness 20 --no-preview\n"
+      "  nadir disparity left.png right.png -o d.png --mask sky.png --preview look.png");
+  command->callback([options] { run(*options); });
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,256 @@
+// nadir ground: from a rectified pair to heights above the ground, and what stands there.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <type_traits>
+
+#include "ground/road.hpp"
+#include "tools/base/error.hpp"
+#include "tools/base/in_order.hpp"
+#include "tools/commands/commands.hpp"
+#include "tools/commands/number_range.hpp"
+#include "tools/pictures/chunks.hpp"
+#include "tools/pictures/png.hpp"
+#include "tools/report/ground_report.hpp"
+#include "tools/report/map_plot.hpp"
+#include "tools/report/ply.hpp"
+#include "tools/report/region_plot.hpp"
+#include "tools/sequence/ground_sequence.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+struct Options : GroundOptions {
+  std::string left, right, folder;
+  SequenceOptions sequence;
+};
+
+TextChunks regionTexts(const GroundResult& r) {
+  TextChunks texts = mapTexts(r.frame, r.rule);
+  texts[chunks::units] = regionUnits;
+  texts["Description"] =
+      "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";
+  return texts;
+}
+
+void writeFindings(const std::string& folder, const GroundResult& r, const Findings& findings, OutputFiles& files) {
+  files.write(folder + "/regions.png", encodePng(findings.regions.labels, regionTexts(r)));
+  files.write(folder + "/regions.preview.png", encodeRegionMap(r, findings));
+  files.write(folder + "/regions.picture.png", encodeRegionPicture(r, findings));
+}
+
+void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles& files) {
+  const std::string summary = groundJson(r);
+  files.makeFolder(folder);
+  if (!r.matched.pixels.empty())
+    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, nameOf(r.view))));
+  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r.frame, r.rule)));
+  files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
+  files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));
+  if (r.findings) writeFindings(folder, r, *r.findings, files);
+  files.write(folder + "/summary.json", Bytes(summary.begin(), summary.end()));
+}
+
+void runOnPair(const Options& options) {
+  if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
+  StageTimes times;
+  const GroundResult result = ground(groundSetup(options), options.left, options.right, times);
+  OutputFiles files({options.left, options.right, options.camera, options.areas, options.disparity, options.mask});
+  times.measure("writing", [&] { writeOutputs(options.folder, result, files); });
+  print(groundTable(result, times));
+  files.commit();
+}
+
+void runOnSequence(const Options& options) {
+  SequenceOptions sequence = options.sequence;
+  sequence.folder = options.folder;
+  if (!options.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
+  groundSequence(FrameSource(options.left, options.right), groundSetup(options), sequence);
+}
+
+void run(const Options& options, bool sequenceAsked) {
+  if (FrameSource::isSequence(options.left)) return runOnSequence(options);
+  if (options.right.empty() && !std::filesystem::exists(options.left))
+    throw Error("there is no file or folder " + options.left);
+  if (sequenceAsked)
+    throw Error(options.left +
+                " is one picture: --fps, --average, --track-noise, --threads, --resume "
+                "and --no-maps are for sequences");
+  runOnPair(options);
+}
+
+void addInputs(CLI::App& command, Options& options) {
+  command
+      .add_option("LEFT", options.left,
+                  "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
+                  "in left and right, each with its frame's number at the end of its name (others are left out); a "
+                  "pattern, left/%06d.png")
+      ->required();
+  command.add_option("RIGHT", options.right, "Right picture of the same size, or the pattern of the right ones");
+  command.add_option("--camera", options.camera, "Camera file; nadir camera import makes one")
+      ->required()
+      ->type_name("FILE");
+  command.add_option("-o,--output", options.folder, "Receives the files below; made unless it exists")
+      ->required()
+      ->type_name("FOLDER");
+}
+
+void addMapOptions(CLI::App& command, Options& options) {
+  command
+      .add_option("--percentile", options.rule.percentile,
+                  format("How the points of one cell become its height: this percentile of their heights; 50 is the "
+                         "median, 100 the highest point; 1 to 100 (default: %g)",
+                         options.rule.percentile))
+      ->check(numberFrom(1, 100))
+      ->type_name("P");
+  command
+      .add_option("--min-points", options.rule.minPoints,
+                  format("Cells with fewer points stay unseen, 1 to 1000000 (default: %u)", options.rule.minPoints))
+      ->check(wholeNumberFrom(1, 1000000))
+      ->type_name("N");
+  command
+      .add_option("--fill-holes", options.fillHolesM2,
+                  "Fill patches of unseen cells up to this area from the heights around them (default: 0, fill none)")
+      ->check(numberFrom(0, 1e6))
+      ->type_name("M2");
+}
+
+void addRegionOptions(CLI::App& command, Options& options) {
+  const auto number = [&command](const char* name, auto& value, double high, const char* text, const char* unit) {
+    return command.add_option(name, value, text)->check(numberFrom(0, high))->type_name(unit);
+  };
+  CLI::Option* without =
+      command.add_flag("--no-regions", options.noRegions,
+                       "Stop at the elevation map, which may then have more than 128 x 128 cells; areas are not read");
+  number("--min-height", options.minHeightMm, 65534,
+         "Regions are cells higher than this (default: one and a half sides of a cell, 60 mm for cells of 40 mm)", "MM")
+      ->excludes(without);
+  number("--max-step", options.maxStepMm, 65535,
+         "Neighbouring cells that differ in height by more than this are not joined (default: the side of a cell, a "
+         "slope of 45 degrees)",
+         "MM")
+      ->excludes(without);
+  number("--min-area", options.minAreaM2, 1e6,
+         "Smaller regions are dropped (default: thirty cells, 0.048 m2 for cells of 40 mm)", "M2")
+      ->excludes(without);
+  command
+      .add_option("--areas", options.areas,
+                  "Areas of interest, TOML, besides those of the camera file (default: those alone)")
+      ->excludes(without)
+      ->type_name("FILE");
+}
+
+// Returns whether one of them is given.
+std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& options) {
+  std::vector<CLI::Option*> all;
+  const auto number = [&](const char* name, auto& value, double low, double high, const std::string& text,
+                          const char* unit) {
+    const bool whole = std::is_integral_v<std::decay_t<decltype(value)>>;
+    all.push_back(
+        command
+            .add_option(name, value, text + format(", %g to %g (default: %g)", low, high, static_cast<double>(value)))
+            ->check(whole ? wholeNumberFrom(static_cast<uint64_t>(low), static_cast<uint64_t>(high))
+                          : numberFrom(low, high))
+            ->type_name(unit));
+  };
+  SequenceRule& rule = options.rule;
+  number("--fps", rule.framesPerSecond, 0.001, 100000, "Frames per second of a sequence", "RATE");
+  number("--average", rule.averageFrames, 1, 1000, "Frames in the window that the averaged maps are means of", "N");
+  number("--track-noise", rule.track.noiseMm, 0.1, 10000,
+         "How uncertain a frame's height in an area is, standard deviation", "MM");
+  options.threads = processors();
+  all.push_back(command
+                    .add_option("--threads", options.threads,
+                                "Frames worked on at a time, 1 to 256 (default: one for each processor)")
+                    ->check(wholeNumberFrom(1, 256))
+                    ->type_name("N"));
+  all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
+  all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
+  return [all] { return std::any_of(all.begin(), all.end(), [](const CLI::Option* o) { return o->count() > 0; }); };
+}
+
+void addMatchOptions(CLI::App& command, Options& options) {
+  CLI::Option* given =
+      command
+          .add_option("--disparity", options.disparity,
+                      "Do not match: take these disparities of the view, a 16-bit grey PNG with 0 for none")
+          ->type_name("FILE");
+  command
+      .add_option("--disparity-scale", options.disparityScale,
+                  "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)")
+      ->check(positiveNumber())
+      ->needs(given)
+      ->type_name("N");
+  command
+      .add_option_function<std::string>(
+          "--grid", [&options](const std::string& view) { options.view = view == "left" ? View::left : View::right; },
+          "View that is measured, left or right; its camera is the world's origin (default: left)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
+      ->type_name("VIEW");
+  command
+      .add_option("--uniqueness", options.uniqueness,
+                  format("As for nadir disparity, 0 to 128 (default: %u)", options.uniqueness))
+      ->check(wholeNumberFrom(0, 128))
+      ->excludes(given)
+      ->type_name("N");
+  command
+      .add_option("--mask", options.mask,
+                  "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
+      ->excludes(given)
+      ->type_name("FILE");
+  command
+      .add_flag("--raw,--no-postproc", options.noPostprocessing,
+                "Leave out the 3x3 median and the removal and filling of single pixels")
+      ->excludes(given);
+}
+
+}  // namespace
+
+void addGroundCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command =
+      app.add_subcommand("ground", "Map heights above the ground and find what stands there and in areas of interest.");
+  addInputs(*command, *options);
+  addMapOptions(*command, *options);
+  addRegionOptions(*command, *options);
+  addMatchOptions(*command, *options);
+  const std::function<bool()> sequenceAsked = addSequenceOptions(*command, options->sequence);
+  command->footer(
+      "Files:\n"
+      "  elevation.png           the map, 16 bits: mm above the ground, 0 unseen, seen cells 1 to 65535\n"
+      "  elevation.preview.png   the same in colours, with its axes in mm\n"
+      "  regions.png             the region of each cell of the map, 16 bits, 0 none\n"
+      "  regions.preview.png     regions and areas of interest on the elevation map\n"
+      "  regions.picture.png     the same on the measured picture\n"
+      "  summary.json            every region and what stands in every area, in mm and m2; see docs/ground.md\n"
+      "  points.ply              the measured points, mm\n"
+      "  disparity.png           pixels x 16, 0 none\n"
+      "\nFiles of a sequence, written frame by frame:\n"
+      "  frames.jsonl            a line of JSON per frame: regions, areas, and the height in each area, tracked\n"
+      "                          from frame to frame; docs/sequences.md describes it\n"
+      "  elevation/NAME.png      the frame's map\n"
+      "  average/NAME.png        cell by cell the mean of the last maps, where more than half of them have a height\n"
+      "  run.json                the settings, which --resume compares\n"
+      "A frame that cannot be used is named, skipped and counted; the exit status is then 3, and 130 after Ctrl-C.\n"
+      "\nAn area of interest is a polygon of 3 to 100 corners, in the camera file or a file for --areas:\n"
+      "  [[area]]\n"
+      "  name = \"door\"\n"
+      "  pixels = [[220, 90], [410, 90], [450, 300], [190, 300]]   # on the measured picture, where the ground shows\n"
+      "  [[area]]\n"
+      "  name = \"table\"\n"
+      "  ground_mm = [[-500, -1200], [500, -1200], [500, -400]]    # world x, y\n"
+      "\nWorld x points to the picture's right, y to its lower edge, z down; the origin is the camera. The map shows\n"
+      "the ground from above, row 0 at the smallest y. The fitted ground plane tells whether the camera file's mount\n"
+      "is right. Examples:\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --min-height 300\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02\n"
+      "  nadir ground walk --camera walk/camera.toml -o result --fps 15 --resume\n"
+      "  nadir ground cam0/%06d.png cam1/%06d.png --camera camera.toml -o result");
+  command->callback([options, sequenceAsked] { run(*options, sequenceAsked()); });
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,215 @@
+// nadir synth: a stereo pair of a rendered scene, or a sequence of them, with the truth about it.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+
+#include "lab/scene/ready_scenes.hpp"
+#include "tools/base/in_order.hpp"
+#include "tools/base/progress.hpp"
+#include "tools/base/text.hpp"
+#include "tools/commands/commands.hpp"
+#include "tools/commands/number_range.hpp"
+#include "tools/synth/files.hpp"
+#include "tools/synth/sequence.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+using scene::Side;
+
+struct Options {
+  std::string folder;
+  SynthSettings settings;
+  SequenceSettings sequence;
+  bool focalGiven = false, noTruthPictures = false;
+};
+
+Rendering render(const SynthSettings& settings) {
+  Rendering r = arranged(settings, {});
+  Progress progress("rendering", "rows", 4 * settings.camera.height, Progress::Elsewhere::silent);
+  const auto rowDone = [&progress] { progress.advance(); };
+  renderPictures(r, settings, {}, rowDone);
+  renderTruth(r, rowDone);
+  return r;
+}
+
+double percent(size_t count, size_t all) { return 100.0 * static_cast<double>(count) / static_cast<double>(all); }
+
+std::string report(const SynthSettings& settings, const Rendering& r) {
+  const std::vector<double>& disparities = r.leftTruth.disparity.pixels;
+  const std::vector<uint8_t>& occluded = r.leftTruth.occluded.pixels;
+  const auto [least, most] = std::minmax_element(disparities.begin(), disparities.end());
+  const auto hidden = static_cast<size_t>(std::count(occluded.begin(), occluded.end(), 1));
+  Table table;
+  table.heading(
+      settings.scene + ", left picture, " + sizeText(settings.camera.width, settings.camera.height) + " pixels", "");
+  table.line("least disparity", *least, *least > 0 ? "pixels" : "pixels, there is sky");
+  table.line("largest disparity", *most, "pixels (nadir disparity finds 2 to 61)");
+  table.line("occluded", percent(hidden, occluded.size()), "% are not in the right picture");
+  table.line("objects", static_cast<double>(r.scene.objects.size() - 1), "", 0);
+  table.line("tallest", r.scene.tallest, "mm", 0);
+  return table.text();
+}
+
+void writePair(const std::string& folder, const SynthSettings& settings) {
+  const Rendering rendering = render(settings);
+  OutputFiles files;
+  files.makeFolder(folder);
+  for (const auto& some : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
+    for (const NamedFile& file : some) files.write(folder + "/" + file.name, file.bytes);
+  print(report(settings, rendering));
+  files.commit();
+}
+
+void run(Options& options) {
+  SynthSettings& settings = options.settings;
+  if (!options.focalGiven) settings.camera.focal *= settings.camera.width / 640.0;
+  const bool isSequence = options.sequence.frames > 0;
+  options.sequence.truthPictures = !options.noTruthPictures;
+  if (settings.scene.empty()) settings.scene = isSequence ? "walkers" : "boxes";
+  if (isSequence)
+    writeSequence(options.folder, settings, options.sequence);
+  else
+    writePair(options.folder, settings);
+}
+
+// ---- the command line ----
+
+std::string parseSize(const std::string& text, scene::CameraSettings& camera) {
+  unsigned width = 0, height = 0;
+  char rest = 0;
+  if (std::sscanf(text.c_str(), "%5ux%5u%c", &width, &height, &rest) != 2 || width < 64 || height < 64 ||
+      width > 4096 || height > 4096)
+    return "is not two numbers from 64 to 4096 with an x between them";
+  camera.width = width;
+  camera.height = height;
+  return "";
+}
+
+std::string sceneList() {
+  std::string text = "Scenes:\n";
+  for (const scene::ReadyScene& s : scene::readyScenes()) text += format("  %-12s %s\n", s.name, s.description);
+  return text;
+}
+
+std::vector<std::string> sceneNames() {
+  std::vector<std::string> names;
+  for (const scene::ReadyScene& s : scene::readyScenes()) names.emplace_back(s.name);
+  return names;
+}
+
+void addCameraOptions(CLI::App& command, Options& options) {
+  scene::CameraSettings& camera = options.settings.camera;
+  const auto number = [&command](const char* name, double& value, double low, double high, const char* text,
+                                 const char* type) {
+    return command.add_option(name, value, format("%s, %g to %g (default: %g)", text, low, high, value))
+        ->check(numberFrom(low, high))
+        ->type_name(type);
+  };
+  command.add_option("--size", "Width and height of the pictures, 64 to 4096 pixels each (default: 640x480)")
+      ->each([&camera](const std::string& text) {
+        const std::string fault = parseSize(text, camera);
+        if (!fault.empty()) throw CLI::ValidationError(text + " " + fault);
+      })
+      ->type_name("WxH");
+  number("--baseline", camera.baseline, 1, 10000, "Distance of the two cameras", "MM");
+  number("--focal", camera.focal, 10, 100000, "Focal length; without this option in proportion to the width", "PIXELS")
+      ->each([&options](const std::string&) { options.focalGiven = true; });
+  number("--height", camera.mountingHeight, 100, 100000, "Height above the ground", "MM");
+  number("--tilt", camera.tilt, -75, 75, "Tilt; negative raises the optical axis towards the picture's upper edge",
+         "DEGREES");
+  number("--pan", camera.pan, -60, 60, "Pan; positive turns the optical axis towards the picture's left edge",
+         "DEGREES");
+  command
+      .add_option_function<std::string>(
+          "--grid",
+          [&camera](const std::string& view) { camera.reference = view == "left" ? Side::left : Side::right; },
+          "View whose camera is the world's origin and has the given height, left or right (default: left)")
+      ->check(CLI::IsMember({"left", "right"}).description(""))
+      ->type_name("VIEW");
+}
+
+void addSequenceOptions(CLI::App& command, Options& options) {
+  SequenceSettings& sequence = options.sequence;
+  CLI::Option* frames =
+      command.add_option("--frames", sequence.frames, "Render so many frames instead of one pair, 1 to 1000000")
+          ->check(wholeNumberFrom(1, 1000000))
+          ->type_name("N");
+  command
+      .add_option("--fps", sequence.framesPerSecond,
+                  format("Frames per second, 0.1 to 1000 (default: %g)", sequence.framesPerSecond))
+      ->check(numberFrom(0.1, 1000))
+      ->needs(frames)
+      ->type_name("RATE");
+  sequence.threads = processors();
+  command
+      .add_option("--threads", sequence.threads,
+                  "Frames that are rendered at a time, 1 to 256 (default: one for each processor)")
+      ->check(wholeNumberFrom(1, 256))
+      ->needs(frames)
+      ->type_name("N");
+  command
+      .add_flag("--no-truth-pictures", options.noTruthPictures,
+                "Leave out the pictures of the truth, which take half of the time; truth.jsonl stays")
+      ->needs(frames);
+}
+
+}  // namespace
+
+void addSynthCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  SynthSettings& settings = options->settings;
+  CLI::App* command = app.add_subcommand(
+      "synth", "Render a stereo pair, or a sequence of pairs, of a scene whose every measure is known.");
+  command->add_option("FOLDER", options->folder, "Receives the files below; made unless it exists")->required();
+  command->add_option("--scene", settings.scene, "One of the scenes below (default: boxes, of a sequence walkers)")
+      ->check(CLI::IsMember(sceneNames()).description(""))
+      ->type_name("NAME");
+  command
+      ->add_option("--seed", settings.seed,
+                   "Another number gives other textures and noise and moves the objects a little, a whole number below "
+                   "2^64 (default: 1)")
+      ->check(wholeNumberFrom(0, UINT64_MAX))
+      ->type_name("N");
+  command
+      ->add_option("--noise", settings.sensor.noise,
+                   "Standard deviation of the sensor's noise, in levels of the 12-bit range, 0 to 500 (default: 5)")
+      ->check(numberFrom(0, 500))
+      ->type_name("SIGMA");
+  command->add_flag("--dead-area", settings.sensor.deadArea,
+                    "Give both pictures a disc without data (0), right of and below the centre");
+  addSequenceOptions(*command, *options);
+  addCameraOptions(*command, *options);
+  command->footer(
+      sceneList() +
+      "\nThe world: millimetres, the origin in the centre of the camera of --grid, z straight down. Tilt and pan 0\n"
+      "look straight down, columns along world x, rows along world y. The other camera is the baseline further\n"
+      "along the picture's rows. The centre of the top left pixel is (0, 0).\n"
+      "\nFiles:\n"
+      "  left.png right.png        the pictures, 12-bit intensities\n"
+      "  disparity_gt.png          left grid, pixels x 256, 0 where the right picture does not show the point\n"
+      "  disparity_left_gt.png disparity_right_gt.png\n"
+      "                            on either grid, occluded points too; 0 only for the sky or above 255 pixels\n"
+      "  occlusion_left.png occlusion_right.png\n"
+      "                            255 where the other picture does not show the point\n"
+      "  height_left_gt.png height_right_gt.png\n"
+      "                            height above the ground, mm x 8, 65535 unknown (the sky)\n"
+      "  elevation_gt.png          the map as nadir ground writes it: mm above the ground at each cell's centre\n"
+      "  regions_gt.png            the map: number of the object at each cell's centre, 0 for the ground\n"
+      "  camera.toml scene.json    the camera, the map's size; the objects\n"
+      "\nA sequence has a folder for each kind of picture, left/000000.png, left/000001.png ..., right/000000.png "
+      "...;\n"
+      "camera.toml; scene.json of the first frame; and truth.jsonl, a line per frame with the place (mm) and the "
+      "height\n"
+      "(mm) of everything at its time; areas.toml, an area of interest around each walker's way. What walks goes at an "
+      "even pace and bobs by 35 mm with every step.\n"
+      "\nA seed gives the same pixels on every machine. Examples:\n"
+      "  nadir synth scene\n"
+      "  nadir synth walkers --scene people --height 4000 --tilt -20 --seed 7\n"
+      "  nadir synth walk --frames 200 --fps 15 --height 4000\n"
+      "  nadir synth small --scene crop-rows --size 320x240 --noise 0 --dead-area");
+  command->callback([options] { run(*options); });
+}
+
+}  // namespace nadir::tool

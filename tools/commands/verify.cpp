@@ -1,0 +1,94 @@
+// nadir verify: does this processor give the bits that the tested ones give?
+#include <nadir/nadir.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <memory>
+
+#include "lab/verify/verify.hpp"
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/commands/commands.hpp"
+#include "tools/files/files.hpp"
+#include "tools/pictures/chunks.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+struct Options {
+  bool printHashes = false;
+  std::string against;
+};
+
+verify::Table readTable(const std::string& path) {
+  const Bytes bytes = readFile(path);
+  const std::optional<verify::Table> table = verify::parseTable({bytes.begin(), bytes.end()});
+  if (!table || table->empty())
+    throw Error("cannot use " + path + ": its lines are not a stage and a hash, as --print-hashes writes them");
+  return *table;
+}
+
+std::string lineOf(const verify::Finding& f) {
+  const std::string got = verify::recordLine({"", f.got});
+  if (f.same()) return format("%-20s same\n", f.stage.c_str());
+  if (!f.wanted) return format("%-20s unknown, got%s\n", f.stage.c_str(), got.c_str());
+  return format("%-20s DIFFERS, got%s, wanted%s\n", f.stage.c_str(), got.c_str(),
+                verify::recordLine({"", *f.wanted}).c_str());
+}
+
+std::string tableText(const verify::Table& hashes) {
+  std::string text;
+  for (const verify::Record& record : hashes) text += verify::recordLine(record) + '\n';
+  return text;
+}
+
+std::string linesOf(const verify::Findings& findings, const verify::Table& table) {
+  std::string text;
+  for (const verify::Finding& f : findings) text += lineOf(f);
+  for (const std::string& name : unknownStages(findings, table))
+    text += format("%-20s not run: the table is of another version\n", name.c_str());
+  return text;
+}
+
+void run(const Options& options) {
+  const auto start = std::chrono::steady_clock::now();
+  const verify::Table table = options.against.empty() ? verify::builtInTable() : readTable(options.against);
+  const verify::Table hashes = hashesOf(verify::allStages(), verify::renderedMaterial());
+  if (options.printHashes) return print(tableText(hashes));
+  const verify::Findings findings = compared(hashes, table);
+  print(linesOf(findings, table));
+  const std::string judged = format("%s kernels, %s: ", nadir_simd_level(), software().c_str());
+  if (anyDiffers(findings)) throw Error(judged + "this processor's results DIFFER");
+  if (!isVerified(findings, table))
+    throw Error(judged + "nothing differs, but not every stage was compared: the table is of another version",
+                someNotCompared);
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  print(judged + format("all %zu stages are the same, %.1f s\n", findings.size(), seconds));
+}
+
+}  // namespace
+
+void addVerifyCommand(CLI::App& app) {
+  auto options = std::make_shared<Options>();
+  CLI::App* command = app.add_subcommand(
+      "verify", "Check that this processor gives the same results, to the last bit, as those that were tested.");
+  CLI::Option* prints =
+      command->add_flag("--print-hashes", options->printHashes, "Print the stages' hashes, a line each");
+  command
+      ->add_option("--against", options->against,
+                   "Compare with hashes that --print-hashes has written elsewhere (default: those built in)")
+      ->excludes(prints)
+      ->type_name("FILE");
+  command->footer(
+      "Renders a small scene and runs every stage of the library on it, in about a second. A hash of each stage's\n"
+      "results is compared with the one built into the program, on which x86-64, armv7, aarch64 and s390x agree. A\n"
+      "stage takes nothing from the others: only those that differ are in doubt. The exit status is 0 if all are the\n"
+      "same, 1 if one differs, 3 if none does but the table and this program do not know the same stages. Examples:\n"
+      "  nadir verify\n"
+      "  nadir verify --print-hashes > hashes.txt      # on one machine\n"
+      "  nadir verify --against hashes.txt             # on another");
+  command->callback([options] { run(*options); });
+}
+
+}  // namespace nadir::tool

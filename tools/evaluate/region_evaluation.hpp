@@ -1,0 +1,63 @@
+// The regions that nadir ground found against the objects of a rendered scene.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lab/grid.hpp"
+
+namespace nadir::tool {
+
+// A region of either side: what was found, or what stands there.
+struct Thing {
+  uint16_t number;
+  std::string kind;  // of an object
+  double centreXMm, centreYMm;
+  double highestMm;
+};
+
+// Cells with the numbers of the things on them, 0 for none.
+struct ThingMap {
+  Grid<uint16_t> cells;
+  double cellMm, leftMm, topMm;
+  std::vector<Thing> things;
+};
+
+// A region belongs to an object if they share at least half of the cells of the smaller of the two.
+enum class Verdict {
+  found,   // one region belongs to it, and to no other object; it holds at least a quarter of the object's cells
+  missed,  // no region belongs to it, or together they hold less than a quarter of its cells
+  split,   // several regions belong to it
+  merged,  // a region that belongs to it belongs to another object, too
+};
+
+const char* nameOf(Verdict verdict);
+
+struct Judged {
+  Thing object;
+  Verdict verdict;
+  std::vector<uint16_t> regions;  // that belong to it
+  double positionMm = 0;          // distance of the centres, of found ones
+  double heightMm = 0;            // region's highest - object's, of found ones
+};
+
+struct RegionEvaluation {
+  std::vector<Judged> objects;
+  std::vector<Thing> falseRegions;  // that belong to no object
+
+  size_t count(Verdict verdict) const;
+};
+
+// Where `known` is 0 the truth does not count. Objects without a single known cell are left out.
+RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known);
+
+// Folders that nadir ground and nadir synth wrote. Throws Error where they do not belong together.
+RegionEvaluation evaluateRegions(const std::string& resultFolder, const std::string& sceneFolder);
+
+std::string regionTable(const RegionEvaluation& evaluation);
+
+// Lengths in mm, what is unknown is null.
+std::string regionJson(const RegionEvaluation& evaluation);
+
+}  // namespace nadir::tool

@@ -1,0 +1,96 @@
+// What nadir evaluate tells about regions.
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tools/base/text.hpp"
+#include "tools/evaluate/region_evaluation.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// Of the objects that were found; NaN where none was.
+struct Errors {
+  double positionMean = std::nan(""), positionLargest = std::nan("");
+  double heightMean = std::nan(""), heightMeanAbsolute = std::nan(""), heightLargest = std::nan("");
+};
+
+Errors errorsOf(const RegionEvaluation& evaluation) {
+  const auto n = static_cast<double>(evaluation.count(Verdict::found));
+  if (n == 0) return {};
+  Errors e{0, 0, 0, 0, 0};
+  for (const Judged& j : evaluation.objects) {
+    if (j.verdict != Verdict::found) continue;
+    e.positionMean += j.positionMm / n;
+    e.positionLargest = std::max(e.positionLargest, j.positionMm);
+    e.heightMean += j.heightMm / n;
+    e.heightMeanAbsolute += std::abs(j.heightMm) / n;
+    e.heightLargest = std::max(e.heightLargest, std::abs(j.heightMm));
+  }
+  return e;
+}
+
+std::string remark(const Judged& j) {
+  std::string text = nameOf(j.verdict);
+  for (const uint16_t region : j.regions)
+    text += format(" %s %u", region == j.regions.front() ? "as region" : "and", region);
+  if (j.verdict == Verdict::found)
+    text += format("; centre off by %.0f mm, height by %+.0f mm", j.positionMm, j.heightMm);
+  return text;
+}
+
+// JSON has no NaN; tenths of a millimetre are far below what is measured.
+Json rounded(double value) { return std::isnan(value) ? Json() : Json(std::round(value * 10) / 10); }
+
+Json objectJson(const Judged& j) {
+  const bool found = j.verdict == Verdict::found;
+  return {{"region", j.object.number},
+          {"kind", j.object.kind},
+          {"verdict", nameOf(j.verdict)},
+          {"labels", j.regions},
+          {"position_error_mm", found ? rounded(j.positionMm) : Json()},
+          {"height_error_mm", found ? rounded(j.heightMm) : Json()}};
+}
+
+}  // namespace
+
+std::string regionTable(const RegionEvaluation& evaluation) {
+  const Errors e = errorsOf(evaluation);
+  Table table;
+  table.line("objects", static_cast<double>(evaluation.objects.size()), "", 0);
+  for (const Verdict verdict : {Verdict::found, Verdict::missed, Verdict::split, Verdict::merged})
+    table.line(nameOf(verdict), static_cast<double>(evaluation.count(verdict)), "", 0);
+  table.line("false regions", static_cast<double>(evaluation.falseRegions.size()), "", 0);
+  table.gap();
+  table.line("position, mean error", e.positionMean, "mm", 0);
+  table.line("position, largest error", e.positionLargest, "mm", 0);
+  table.line("height, mean error (bias)", e.heightMean, "mm", 0);
+  table.line("height, mean absolute error", e.heightMeanAbsolute, "mm", 0);
+  table.line("height, largest error", e.heightLargest, "mm", 0);
+  table.gap();
+  for (const Judged& j : evaluation.objects)
+    table.line(format("object %u, %s", j.object.number, j.object.kind.c_str()), j.object.highestMm,
+               "mm high: " + remark(j), 0);
+  return table.text();
+}
+
+std::string regionJson(const RegionEvaluation& evaluation) {
+  const Errors e = errorsOf(evaluation);
+  Json json = {{"objects", evaluation.objects.size()}};
+  for (const Verdict verdict : {Verdict::found, Verdict::missed, Verdict::split, Verdict::merged})
+    json[nameOf(verdict)] = evaluation.count(verdict);
+  json["false_regions"] = evaluation.falseRegions.size();
+  json["position_mean_mm"] = rounded(e.positionMean);
+  json["position_largest_mm"] = rounded(e.positionLargest);
+  json["height_mean_mm"] = rounded(e.heightMean);
+  json["height_mean_absolute_mm"] = rounded(e.heightMeanAbsolute);
+  json["height_largest_mm"] = rounded(e.heightLargest);
+  json["verdicts"] = Json::array();
+  for (const Judged& j : evaluation.objects) json["verdicts"].push_back(objectJson(j));
+  return json.dump(2) + "\n";
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,78 @@
+// What evaluateRegions reads: the folders of nadir ground and nadir synth.
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/evaluate/region_evaluation.hpp"
+#include "tools/files/files.hpp"
+#include "tools/pictures/pictures.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// A JSON file and what is to be made of it; whatever is missing or of another kind makes one sentence.
+template <class Use>
+auto useJson(const std::string& path, const char* writer, Use use) {
+  const Bytes bytes = readFile(path);
+  try {
+    return use(Json::parse(bytes.begin(), bytes.end()));
+  } catch (const Json::exception&) {
+    throw Error(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
+  }
+}
+
+std::vector<Thing> things(const Json& regions, const char* number) {
+  std::vector<Thing> things;
+  for (const Json& region : regions)
+    things.push_back({region.at(number).get<uint16_t>(), region.value("kind", ""), region.at("centre_mm").at("x"),
+                      region.at("centre_mm").at("y"), region.at("highest_mm")});
+  return things;
+}
+
+std::vector<Thing> foundIn(const std::string& path) {
+  return useJson(path, "nadir ground", [&path](const Json& json) {
+    if (json.at("regions").is_null()) throw Error(path + " holds no regions: nadir ground was told --no-regions");
+    return things(json.at("regions"), "label");
+  });
+}
+
+std::vector<Thing> objectsIn(const std::string& path) {
+  return useJson(path, "nadir synth", [](const Json& json) { return things(json.at("regions"), "region"); });
+}
+
+ThingMap readMap(const std::string& picturePath) {
+  LabelPicture picture = readLabels(picturePath);
+  return {std::move(picture.labels), picture.cellMm, picture.leftMm, picture.topMm, {}};
+}
+
+void checkSame(const ThingMap& found, const ThingMap& truth) {
+  const auto differ = [](double a, double b) { return std::abs(a - b) > 0.5; };
+  if (!sameSize(found.cells, truth.cells) || differ(found.cellMm, truth.cellMm) || differ(found.leftMm, truth.leftMm) ||
+      differ(found.topMm, truth.topMm))
+    throw Error("the two folders hold maps of different places; was the scene's camera file changed?");
+}
+
+Grid<uint8_t> knownCells(const std::string& path) {
+  const Grid<float> heights = readHeights(path).heights;
+  Grid<uint8_t> known(heights.width, heights.height);
+  for (size_t i = 0; i < known.pixels.size(); ++i) known.pixels[i] = !std::isnan(heights.pixels[i]);
+  return known;
+}
+
+}  // namespace
+
+RegionEvaluation evaluateRegions(const std::string& resultFolder, const std::string& sceneFolder) {
+  ThingMap found = readMap(resultFolder + "/regions.png"), truth = readMap(sceneFolder + "/regions_gt.png");
+  found.things = foundIn(resultFolder + "/summary.json");
+  truth.things = objectsIn(sceneFolder + "/scene.json");
+  checkSame(found, truth);
+  const Grid<uint8_t> known = knownCells(sceneFolder + "/elevation_gt.png");
+  if (!sameSize(known, truth.cells)) throw Error("the truths of " + sceneFolder + " differ in size");
+  return evaluateRegions(found, truth, known);
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,166 @@
+#include "tools/evaluate/track_evaluation.hpp"
+
+#include <nadir/nadir.h>
+
+#include <cmath>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/camera/areas.hpp"
+#include "tools/draw/line_plot.hpp"
+#include "tools/sequence/frame_log.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+float millimetres(const nlohmann::json& value) { return value.is_number() ? value.get<float>() : std::nanf(""); }
+
+// The truth about one frame: who is where.
+struct Standing {
+  Point_s32 place;
+  float height;
+};
+using Moment = std::vector<Standing>;
+
+Moment momentOf(const nlohmann::json& line) {
+  Moment moment;
+  for (const nlohmann::json& object : line.at("objects")) {
+    const auto whole = [&object](const char* key) {
+      return static_cast<int32_t>(std::lround(object.at(key).get<double>()));
+    };
+    moment.push_back({{whole("x_mm"), whole("y_mm")}, object.at("height_mm").get<float>()});
+  }
+  return moment;
+}
+
+float tallestIn(const PolygonRecord& area, const Moment& moment) {
+  float tallest = std::nanf("");
+  for (const Standing& s : moment)
+    if (IP_Polygon_IsInside(area.get(), &s.place)) tallest = std::fmax(tallest, s.height);
+  return tallest;
+}
+
+std::vector<Point_s32> cornersOf(const nlohmann::json& area) {
+  std::vector<Point_s32> corners;
+  for (const nlohmann::json& corner : area.at("ground_mm")) corners.push_back({corner.at(0), corner.at(1)});
+  return corners;
+}
+
+nlohmann::json areasOf(const std::string& result) {
+  const Bytes run = readFile(result + "/run.json");
+  return nlohmann::json::parse(run.begin(), run.end()).at("areas");
+}
+
+void addFrame(std::vector<AreaTrack>& areas, const std::vector<PolygonRecord>& places, const nlohmann::json& line,
+              const Moment& moment) {
+  for (size_t i = 0; i < areas.size(); ++i) {
+    const bool skipped = line.contains("error");
+    const nlohmann::json none, &found = skipped ? none : line.at("areas").at(i);
+    areas[i].seconds.push_back(line.at("time_s"));
+    areas[i].truth.push_back(tallestIn(places[i], moment));
+    areas[i].tracked.push_back(skipped ? std::nanf("") : millimetres(found.at("tracked_mm")));
+    areas[i].single.push_back(skipped ? std::nanf("") : millimetres(found.at("highest_mm")));
+  }
+}
+
+std::vector<AreaTrack> read(const std::string& result, const std::string& sequence) {
+  std::vector<Moment> truth;
+  forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(momentOf(line)); });
+  std::vector<AreaTrack> areas;
+  std::vector<PolygonRecord> places;
+  for (const nlohmann::json& area : areasOf(result)) {
+    areas.push_back({area.at("name"), {}, {}, {}, {}});
+    places.emplace_back(cornersOf(area));
+  }
+  if (areas.empty()) throw Error(result + " has no areas of interest, and heights are tracked in areas");
+  forEachLine(result + "/frames.jsonl", [&](const nlohmann::json& line) {
+    const auto frame = line.at("frame").get<size_t>();
+    if (frame >= truth.size()) throw Error(sequence + " has fewer frames than " + result);
+    addFrame(areas, places, line, truth[frame]);
+  });
+  return areas;
+}
+
+Evaluation judged(const std::vector<float>& values, const AreaTrack& area) {
+  const auto row = [](const std::vector<float>& v) {
+    Grid<float> grid(static_cast<uint32_t>(v.size()), 1);
+    grid.pixels = v;
+    return grid;
+  };
+  return evaluate(row(values), row(area.truth));
+}
+
+void addErrors(Table& table, const char* what, const Evaluation& e) {
+  table.line(format("  %s, frames with a height", what), 100 * e.density, "%", 1);
+  table.line("    mean error", e.mean, "mm", 1);
+  table.line("    rms error", e.rms, "mm", 1);
+  table.line("    95 % are within", e.percentile95, "mm", 1);
+}
+
+Json errorsJson(const Evaluation& e) {
+  const auto rounded = [](double v) { return std::isfinite(v) ? Json(std::round(v * 1000) / 1000) : Json(); };
+  return {{"frames", e.compared},       {"share", rounded(e.density)},
+          {"mean_mm", rounded(e.mean)}, {"mean_absolute_mm", rounded(e.meanAbsolute)},
+          {"rms_mm", rounded(e.rms)},   {"percentile_95_absolute_mm", rounded(e.percentile95)}};
+}
+
+std::vector<PlotPoint> pointsOf(const AreaTrack& area, const std::vector<float>& heights) {
+  std::vector<PlotPoint> points;
+  for (size_t i = 0; i < heights.size(); ++i) points.push_back({area.seconds[i], heights[i]});
+  return points;
+}
+
+}  // namespace
+
+bool isSequenceResult(const std::string& folder) { return std::filesystem::exists(folder + "/frames.jsonl"); }
+
+std::vector<AreaTrack> readTracks(const std::string& result, const std::string& sequence) {
+  if (!std::filesystem::exists(sequence + "/truth.jsonl"))
+    throw Error(sequence + " is no sequence of nadir synth: it has no truth.jsonl");
+  try {
+    return read(result, sequence);
+  } catch (const nlohmann::json::exception&) {
+    throw Error("cannot compare " + result + " with " + sequence + ": their files are not those of this version");
+  }
+}
+
+std::string trackTable(const std::vector<AreaTrack>& areas) {
+  Table table;
+  for (const AreaTrack& area : areas) {
+    const Evaluation tracked = judged(area.tracked, area);
+    table.heading(area.name, "");
+    table.line("  frames with somebody", static_cast<double>(tracked.truth), format("of %zu", tracked.pixels), 0);
+    addErrors(table, "tracked", tracked);
+    addErrors(table, "single", judged(area.single, area));
+  }
+  return table.text();
+}
+
+std::string trackJson(const std::vector<AreaTrack>& areas) {
+  Json json = {{"areas", Json::array()}};
+  for (const AreaTrack& area : areas) {
+    const Evaluation tracked = judged(area.tracked, area);
+    json["areas"].push_back({{"name", area.name},
+                             {"frames", tracked.pixels},
+                             {"frames_with_truth", tracked.truth},
+                             {"tracked", errorsJson(tracked)},
+                             {"single", errorsJson(judged(area.single, area))}});
+  }
+  return json.dump(2) + "\n";
+}
+
+Bytes trackPlot(const AreaTrack& area) {
+  return encodeLinePlot({"Height in the area " + area.name,
+                         "time, s",
+                         "height, mm",
+                         {{"single frames", "#aec7e8", false, 2.5, pointsOf(area, area.single)},
+                          {"truth", "#000000", true, 0, pointsOf(area, area.truth)},
+                          {"tracked", "#d62728", true, 0, pointsOf(area, area.tracked)}}});
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,106 @@
+#include "tools/files/files.hpp"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <regex>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+
+namespace nadir::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
+
+[[noreturn]] void fail(const char* what, const std::string& path, int error) {
+  throw Error(format("cannot %s %s: %s", what, path.c_str(), std::strerror(error)));
+}
+
+// A device or a folder must not be replaced by a picture. A link is followed, so that it stays a link.
+std::string checkedTarget(const std::string& path) {
+  if (path.empty()) throw Error("the name of an output is empty");
+  std::error_code unknown;
+  const fs::path target = fs::weakly_canonical(fs::absolute(path), unknown);
+  if (unknown) fail("write", path, unknown.value());
+  const fs::file_status status = fs::status(target, unknown);
+  if (fs::exists(status) && !fs::is_regular_file(status))
+    throw Error("cannot write " + path + ": it is not a plain file");
+  return target.string();
+}
+
+// By whatever path, or link, it is named.
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code missing;
+  return fs::equivalent(a, b, missing) && !missing;
+}
+
+void writeNewFile(const std::string& path, const Bytes& bytes, const std::string& shownAs) {
+  FilePtr file(std::fopen(path.c_str(), "wbx"));
+  if (!file) fail("write", shownAs, errno);
+  const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+  if (!written || std::fflush(file.get()) != 0) fail("write", shownAs, errno);
+}
+
+}  // namespace
+
+Bytes readFile(const std::string& path) {
+  const FilePtr file(std::fopen(path.c_str(), "rb"));
+  if (!file) fail("read", path, errno);
+  Bytes bytes;
+  uint8_t block[1 << 16];
+  while (const size_t count = std::fread(block, 1, sizeof block, file.get()))
+    bytes.insert(bytes.end(), block, block + count);
+  if (std::ferror(file.get())) fail("read", path, errno);
+  return bytes;
+}
+
+void removeParts(const std::string& folder) {
+  static const std::regex part(".*\\.[0-9]+\\.part");
+  std::error_code missing;
+  for (const auto& entry : fs::directory_iterator(folder, missing))
+    if (std::regex_match(entry.path().filename().string(), part)) fs::remove(entry.path());
+}
+
+OutputFiles::~OutputFiles() {
+  if (committed_) return;
+  for (const File& file : files_) std::remove((file.inPlace ? file.target : file.temporary).c_str());
+  if (!newFolder_.empty()) std::remove(newFolder_.c_str());
+}
+
+void OutputFiles::makeFolder(const std::string& path) {
+  if (path.empty()) throw Error("the name of the output folder is empty");
+  std::error_code error;
+  if (fs::create_directory(path, error)) newFolder_ = path;
+  if (error) fail("make the folder", path, error.value());
+}
+
+void OutputFiles::write(const std::string& path, const Bytes& bytes) {
+  const std::string target = checkedTarget(path);
+  for (const std::string& input : inputs_)
+    if (isSameFile(input, target)) throw Error("the output " + path + " is one of the inputs");
+  for (const File& file : files_)
+    if (file.target == target) throw Error("two outputs have the same name, " + path);
+  files_.push_back({target, format("%s.%ld.part", target.c_str(), static_cast<long>(getpid())), false});
+  writeNewFile(files_.back().temporary, bytes, path);
+}
+
+void OutputFiles::commit() {
+  for (File& file : files_) {
+    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) fail("write", file.target, errno);
+    file.inPlace = true;
+  }
+  committed_ = true;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,24 @@
+#include "tools/files/folder_lock.hpp"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "tools/base/error.hpp"
+
+namespace nadir::tool {
+
+// The folder itself is locked, so that no file stays behind.
+FolderLock::FolderLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (folder_ < 0) throw Error("cannot use the folder " + folder + ": " + std::strerror(errno));
+  if (flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+  close(folder_);
+  throw Error("another run is writing into " + folder + ": wait for its end, or name another folder");
+}
+
+FolderLock::~FolderLock() { close(folder_); }
+
+}  // namespace nadir::tool

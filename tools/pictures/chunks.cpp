@@ -1,0 +1,34 @@
+#include "tools/pictures/chunks.hpp"
+
+#include <nadir/nadir.h>
+
+#include "tools/base/text.hpp"
+
+namespace nadir::tool {
+
+std::string software() { return format("nadir %s", nadir_version()); }
+
+TextChunks disparityTexts(unsigned scale, const std::string& grid) {
+  return {{chunks::scale, std::to_string(scale)},
+          {chunks::noValue, "0"},
+          {chunks::units, format("1/%u pixel", scale)},
+          {chunks::grid, grid},
+          {"Description", format("Disparities of the %s picture: value / %u is the disparity in pixels, 0 means no "
+                                 "value; right column = left column - disparity.",
+                                 grid.c_str(), scale)},
+          {"Software", software()}};
+}
+
+TextChunks elevationTexts(double cellMm, double leftMm, double topMm) {
+  return {{chunks::units, elevationUnits},
+          {chunks::noValue, "0"},
+          {chunks::cell, format("%g", cellMm)},
+          {chunks::left, format("%.3f", leftMm)},
+          {chunks::top, format("%.3f", topMm)},
+          {"Description",
+           "Heights above the ground in mm, seen from above: 0 means unseen, seen cells are 1 to 65535 (what is lower "
+           "than 1 mm is 1). World x grows by nadir:cell-mm from column to column, world y from row to row."},
+          {"Software", software()}};
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,29 @@
+#include "tools/pictures/pair_input.hpp"
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/pictures/pictures.hpp"
+
+namespace nadir::tool {
+
+Pair readPair(const std::string& left, const std::string& right) {
+  const Pair pair{readIntensity(left), readIntensity(right)};
+  const std::string leftSize = sizeText(pair.left.width, pair.left.height);
+  if (!sameSize(pair.left, pair.right))
+    throw Error(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
+                       right.c_str(), sizeText(pair.right.width, pair.right.height).c_str()));
+  if (pair.left.width < 5 || pair.left.height < 5)
+    throw Error(format("the pictures are too small: %s pixels, the least is 5 x 5", leftSize.c_str()));
+  return pair;
+}
+
+Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path) {
+  if (path.empty()) return {};
+  Grid<uint8_t> mask = readMask(path);
+  if (!sameSize(mask, pair.left))
+    throw Error(format("the mask %s is %s pixels, the disparity picture %s", path.c_str(),
+                       sizeText(mask.width, mask.height).c_str(), sizeText(pair.left.width, pair.left.height).c_str()));
+  return mask;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,16 @@
+// The pictures that the matching commands take.
+#pragma once
+
+#include <string>
+
+#include "ground/match.hpp"
+
+namespace nadir::tool {
+
+// Two pictures of one size that the matcher can work on.
+Pair readPair(const std::string& left, const std::string& right);
+
+// An empty path means no mask.
+Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path);
+
+}  // namespace nadir::tool

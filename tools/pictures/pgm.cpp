@@ -1,0 +1,73 @@
+#include "tools/pictures/pgm.hpp"
+
+#include <cctype>
+
+#include "tools/base/error.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+// The header: numbers between white space and comments, which run from # to the end of the line.
+class Header {
+ public:
+  explicit Header(const Bytes& bytes) : bytes_(bytes) {}
+
+  uint32_t number() {
+    skipSpace();
+    const size_t start = at_;
+    uint32_t value = 0;
+    for (; at_ < bytes_.size() && std::isdigit(bytes_[at_]); ++at_) {
+      value = value * 10 + bytes_[at_] - '0';
+      if (value > 65535) throw Error("a number of its header is too large");
+    }
+    if (at_ == start) throw Error("it is damaged (its header is not that of a PGM picture)");
+    return value;
+  }
+
+  // One white-space character separates the last number from the pixels.
+  size_t end() const { return at_ + 1; }
+
+ private:
+  void skipSpace() {
+    while (at_ < bytes_.size() && (std::isspace(bytes_[at_]) || bytes_[at_] == '#'))
+      if (bytes_[at_++] == '#')
+        while (at_ < bytes_.size() && bytes_[at_] != '\n') ++at_;
+  }
+
+  const Bytes& bytes_;
+  size_t at_ = 2;
+};
+
+uint16_t stretched(uint32_t value, uint32_t maximum) {
+  if (value > maximum) throw Error("it is damaged (a pixel is larger than the header's maximum)");
+  return static_cast<uint16_t>(maximum > 255 ? value : (value * 255 + maximum / 2) / maximum);
+}
+
+}  // namespace
+
+bool isPgm(const Bytes& bytes) { return bytes.size() >= 2 && bytes[0] == 'P' && bytes[1] == '5'; }
+
+Raster decodePgm(const Bytes& bytes) {
+  Header header(bytes);
+  Raster raster;
+  raster.width = header.number();
+  raster.height = header.number();
+  const uint32_t maximum = header.number();
+  if (maximum == 0 || raster.width == 0 || raster.height == 0) throw Error("it is damaged (a size of 0)");
+  checkRasterSize(raster.width, raster.height);
+  raster.bits = maximum > 255 ? 16 : 8;
+
+  const size_t count = size_t{raster.width} * raster.height;
+  const size_t sampleSize = raster.bits / 8;
+  if (bytes.size() < header.end() + count * sampleSize) throw Error("it is damaged (it ends too early)");
+  raster.samples.resize(count);
+  const uint8_t* in = bytes.data() + header.end();
+  for (uint16_t& sample : raster.samples) {
+    sample = stretched(sampleSize == 2 ? uint32_t{in[0]} << 8 | in[1] : in[0], maximum);
+    in += sampleSize;
+  }
+  return raster;
+}
+
+}  // namespace nadir::tool

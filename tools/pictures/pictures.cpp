@@ -1,0 +1,123 @@
+#include "tools/pictures/pictures.hpp"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/files/files.hpp"
+#include "tools/pictures/chunks.hpp"
+#include "tools/pictures/pgm.hpp"
+#include "tools/pictures/png.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+Raster decode(const Bytes& bytes) {
+  if (isPng(bytes)) return decodePng(bytes);
+  if (isPgm(bytes)) return decodePgm(bytes);
+  throw Error("it is neither a PNG nor a binary PGM picture");
+}
+
+Raster readRaster(const std::string& path) {
+  const Bytes bytes = readFile(path);
+  try {
+    return decode(bytes);
+  } catch (const Error& reason) {
+    throw Error("cannot use " + path + ": " + reason.what());
+  }
+}
+
+uint32_t luminance(const uint16_t* rgb, uint32_t factor) {
+  return ((299u * rgb[0] + 587u * rgb[1] + 114u * rgb[2]) * factor + 500) / 1000;
+}
+
+double ownNumber(const Raster& raster, const char* name, double fallback) {
+  const auto found = raster.text.find(name);
+  return found == raster.text.end() ? fallback : std::strtod(found->second.c_str(), nullptr);
+}
+
+Raster readMeasurements(const std::string& path, const char* what) {
+  Raster raster = readRaster(path);
+  if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of " + what);
+  return raster;
+}
+
+}  // namespace
+
+void checkRasterSize(uint32_t width, uint32_t height) {
+  if (width > 65535 || height > 65535 || uint64_t{width} * height > 1u << 25)
+    throw Error("it is too large (" + sizeText(width, height) + " pixels)");
+}
+
+Grid<uint16_t> readIntensity(const std::string& path) {
+  const Raster raster = readRaster(path);
+  const uint32_t factor = raster.bits == 8 ? 16 : 1;
+  const uint32_t black = raster.bits == 8 ? 1 : 0;
+  Grid<uint16_t> picture(raster.width, raster.height);
+  const uint16_t* in = raster.samples.data();
+  for (uint16_t& out : picture.pixels) {
+    const uint32_t value = raster.channels == 3 ? luminance(in, factor) : *in * factor;
+    out = static_cast<uint16_t>(std::max(value, black));
+    in += raster.channels;
+  }
+  return picture;
+}
+
+Grid<uint8_t> readMask(const std::string& path) {
+  const Raster raster = readRaster(path);
+  if (raster.channels != 1 || raster.bits != 8) throw Error("the mask " + path + " is not an 8-bit grey picture");
+  Grid<uint8_t> mask(raster.width, raster.height);
+  std::copy(raster.samples.begin(), raster.samples.end(), mask.pixels.begin());
+  return mask;
+}
+
+Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
+  const Raster raster = readMeasurements(path, "disparities");
+  const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
+  if (!(divisor >= 1e-6 && divisor <= 1e6))
+    throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
+  Grid<float> disparity(raster.width, raster.height, std::nanf(""));
+  for (size_t i = 0; i < raster.samples.size(); ++i)
+    if (raster.samples[i] != 0) disparity.pixels[i] = static_cast<float>(raster.samples[i] / divisor);
+  return disparity;
+}
+
+bool isElevationMap(const std::string& path) {
+  const Raster raster = readRaster(path);
+  const auto units = raster.text.find(chunks::units);
+  return units != raster.text.end() && units->second == elevationUnits;
+}
+
+Grid<uint16_t> readElevation(const std::string& path) {
+  Raster raster = readMeasurements(path, "heights");
+  Grid<uint16_t> heights(raster.width, raster.height);
+  heights.pixels = std::move(raster.samples);
+  return heights;
+}
+
+HeightPicture readHeights(const std::string& path) {
+  const Raster raster = readMeasurements(path, "heights");
+  const double none = ownNumber(raster, chunks::noValue, 0), unknown = std::nan("");
+  HeightPicture picture{{raster.width, raster.height, std::nanf("")},
+                        ownNumber(raster, chunks::cell, unknown),
+                        ownNumber(raster, chunks::left, unknown),
+                        ownNumber(raster, chunks::top, unknown)};
+  for (size_t i = 0; i < raster.samples.size(); ++i)
+    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestStoredMm);
+  return picture;
+}
+
+LabelPicture readLabels(const std::string& path) {
+  Raster raster = readMeasurements(path, "regions");
+  const double unknown = std::nan("");
+  LabelPicture picture{{raster.width, raster.height},
+                       ownNumber(raster, chunks::cell, unknown),
+                       ownNumber(raster, chunks::left, unknown),
+                       ownNumber(raster, chunks::top, unknown)};
+  picture.labels.pixels = std::move(raster.samples);
+  return picture;
+}
+
+}  // namespace nadir::tool

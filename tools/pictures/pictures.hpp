@@ -1,0 +1,48 @@
+// Picture files as the commands want them.
+#pragma once
+
+#include <string>
+
+#include "lab/grid.hpp"
+#include "tools/pictures/raster.hpp"
+
+namespace nadir::tool {
+
+// A picture for the matcher. 16-bit grey values stay as they are, 0 meaning "no data". 8-bit values are multiplied by
+// 16, because the matcher's penalties follow intensity steps of a 12-bit camera; their 0 becomes 1, since black is a
+// measurement there (and a border that is black all over is rejected for having no texture). Colours become luminance
+// with the weights of ITU-R BT.601.
+Grid<uint16_t> readIntensity(const std::string& path);
+
+// An 8-bit picture; not 0 means "discard".
+Grid<uint8_t> readMask(const std::string& path);
+
+// Disparities in pixels, NaN where there is none. The file is a 16-bit grey PNG of pixels * scale, 0 for none.
+//
+// scale  what to divide by; 0 asks for what the file says of itself, and `fallback` where it says nothing.
+Grid<float> readDisparity(const std::string& path, double scale, double fallback);
+
+// True where the picture says of itself that it holds heights in mm.
+bool isElevationMap(const std::string& path);
+
+// An elevation map.
+struct HeightPicture {
+  Grid<float> heights;                       // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
+  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+};
+
+// A map of regions.
+struct LabelPicture {
+  Grid<uint16_t> labels;                     // 0 for none
+  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+};
+
+LabelPicture readLabels(const std::string& path);
+
+// As stored: mm, 0 for unseen, where nadir ground has written the file.
+Grid<uint16_t> readElevation(const std::string& path);
+
+// Unseen cells hold the value that the file names, 0 where it names none.
+HeightPicture readHeights(const std::string& path);
+
+}  // namespace nadir::tool

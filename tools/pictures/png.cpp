@@ -1,0 +1,238 @@
+// libpng reports errors with longjmp, which skips destructors. So every step that can fail runs inside attempt(), does
+// nothing there but call libpng and touch plain values, and all memory belongs to objects outside.
+#include "tools/pictures/png.hpp"
+
+#include <png.h>
+
+#include <algorithm>
+#include <csetjmp>
+#include <cstdio>
+#include <cstring>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+constexpr size_t signatureSize = 8;
+constexpr int compressionLevel = 3;
+
+struct Message {
+  char text[128] = "";
+};
+
+[[noreturn]] void keepMessage(png_structp png, png_const_charp text) {
+  auto* message = static_cast<Message*>(png_get_error_ptr(png));
+  std::snprintf(message->text, sizeof message->text, "%s", text);
+  png_longjmp(png, 1);
+}
+
+void ignoreWarning(png_structp, png_const_charp) {}
+
+template <class Step>
+bool attempt(png_structp png, Step step) {
+  if (setjmp(png_jmpbuf(png))) return false;
+  step();
+  return true;
+}
+
+// ---- reading ----
+
+struct Source {
+  const uint8_t* next;
+  size_t left;
+};
+
+void takeBytes(png_structp png, png_bytep out, size_t count) {
+  auto* source = static_cast<Source*>(png_get_io_ptr(png));
+  if (count > source->left) png_error(png, "it ends too early");
+  std::memcpy(out, source->next, count);
+  source->next += count;
+  source->left -= count;
+}
+
+class Reader {
+ public:
+  explicit Reader(const Bytes& bytes) : source_{bytes.data(), bytes.size()} {
+    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
+    info_ = png_ ? png_create_info_struct(png_) : nullptr;
+    if (!info_) throw std::bad_alloc();
+    png_set_read_fn(png_, &source_, takeBytes);
+  }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+  ~Reader() { png_destroy_read_struct(&png_, &info_, nullptr); }
+
+  Raster read() {
+    step([this] { readHeader(); });
+    Raster raster = described();
+    readPixels(raster);
+    return raster;
+  }
+
+ private:
+  template <class Step>
+  void step(Step step) {
+    if (!attempt(png_, step)) throw Error(std::string("it is damaged (") + message_.text + ")");
+  }
+
+  void readHeader() {
+    png_read_info(png_, info_);
+    png_set_expand(png_);
+    png_set_strip_alpha(png_);
+    png_set_interlace_handling(png_);
+    png_read_update_info(png_, info_);
+  }
+
+  Raster described() const {
+    Raster raster;
+    raster.width = png_get_image_width(png_, info_);
+    raster.height = png_get_image_height(png_, info_);
+    raster.channels = png_get_channels(png_, info_);
+    raster.bits = png_get_bit_depth(png_, info_);
+    checkRasterSize(raster.width, raster.height);
+    return raster;
+  }
+
+  void readPixels(Raster& raster) {
+    const size_t stride = png_get_rowbytes(png_, info_);
+    Bytes pixels(stride * raster.height);
+    std::vector<png_bytep> rows(raster.height);
+    for (size_t y = 0; y < rows.size(); ++y) rows[y] = pixels.data() + y * stride;
+    step([this, &rows] {
+      png_read_image(png_, rows.data());
+      png_read_end(png_, info_);
+    });
+    raster.samples = samples(pixels, raster);
+    raster.text = text();
+  }
+
+  // PNG is big-endian.
+  static std::vector<uint16_t> samples(const Bytes& pixels, const Raster& raster) {
+    if (raster.bits == 8) return {pixels.begin(), pixels.end()};
+    std::vector<uint16_t> out(pixels.size() / 2);
+    for (size_t i = 0; i < out.size(); ++i) out[i] = static_cast<uint16_t>(pixels[2 * i] << 8 | pixels[2 * i + 1]);
+    return out;
+  }
+
+  TextChunks text() const {
+    png_textp entries = nullptr;
+    const int count = png_get_text(png_, info_, &entries, nullptr);
+    TextChunks chunks;
+    for (int i = 0; i < count; ++i) chunks[entries[i].key] = entries[i].text ? entries[i].text : "";
+    return chunks;
+  }
+
+  Message message_;
+  Source source_;
+  png_structp png_ = nullptr;
+  png_infop info_ = nullptr;
+};
+
+// ---- writing ----
+
+// What one encoding needs, laid out before libpng starts.
+struct Layout {
+  uint32_t width, height;
+  int colourType, bits;
+  std::vector<png_bytep> rows;
+  std::vector<png_text> text;
+};
+
+void appendBytes(png_structp png, png_bytep bytes, size_t count) {
+  auto* out = static_cast<Bytes*>(png_get_io_ptr(png));
+  try {
+    out->insert(out->end(), bytes, bytes + count);
+    return;
+  } catch (const std::bad_alloc&) {
+  }
+  png_error(png, "not enough memory");
+}
+
+class Writer {
+ public:
+  Writer() {
+    png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
+    info_ = png_ ? png_create_info_struct(png_) : nullptr;
+    if (!info_) throw std::bad_alloc();
+    png_set_write_fn(png_, &bytes_, appendBytes, nullptr);
+  }
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+  ~Writer() { png_destroy_write_struct(&png_, &info_); }
+
+  Bytes write(Layout& layout) {
+    const bool done = attempt(png_, [this, &layout] {
+      png_set_IHDR(png_, info_, layout.width, layout.height, layout.bits, layout.colourType, PNG_INTERLACE_NONE,
+                   PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+      png_set_compression_level(png_, compressionLevel);
+      png_set_text(png_, info_, layout.text.data(), static_cast<int>(layout.text.size()));
+      png_write_info(png_, info_);
+      png_write_image(png_, layout.rows.data());
+      png_write_end(png_, info_);
+    });
+    if (!done) throw Error(std::string("cannot make a PNG: ") + message_.text);
+    return std::move(bytes_);
+  }
+
+ private:
+  Message message_;
+  Bytes bytes_;
+  png_structp png_ = nullptr;
+  png_infop info_ = nullptr;
+};
+
+// libpng's records want mutable characters but only read them.
+std::vector<png_text> textRecords(const TextChunks& text) {
+  std::vector<png_text> records;
+  for (const auto& [key, value] : text) {
+    png_text record{};
+    record.compression = PNG_TEXT_COMPRESSION_NONE;
+    record.key = const_cast<char*>(key.c_str());
+    record.text = const_cast<char*>(value.c_str());
+    record.text_length = value.size();
+    records.push_back(record);
+  }
+  return records;
+}
+
+Bytes encode(Bytes& samples, uint32_t width, uint32_t height, int colourType, int bits, const TextChunks& text) {
+  Layout layout{width, height, colourType, bits, std::vector<png_bytep>(height), textRecords(text)};
+  const size_t stride = samples.size() / height;
+  for (uint32_t y = 0; y < height; ++y) layout.rows[y] = samples.data() + y * stride;
+  return Writer().write(layout);
+}
+
+}  // namespace
+
+bool isPng(const Bytes& bytes) {
+  return bytes.size() >= signatureSize && png_sig_cmp(bytes.data(), 0, signatureSize) == 0;
+}
+
+Raster decodePng(const Bytes& bytes) { return Reader(bytes).read(); }
+
+Bytes encodePng(const Grid<uint8_t>& picture, const TextChunks& text) {
+  Bytes samples(picture.pixels.begin(), picture.pixels.end());
+  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 8, text);
+}
+
+Bytes encodePng(const Grid<uint16_t>& picture, const TextChunks& text) {
+  Bytes samples;
+  samples.reserve(picture.pixels.size() * 2);
+  for (const uint16_t v : picture.pixels) {
+    samples.push_back(static_cast<uint8_t>(v >> 8));
+    samples.push_back(static_cast<uint8_t>(v & 255));
+  }
+  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 16, text);
+}
+
+Bytes encodePng(const Grid<Rgb>& picture, const TextChunks& text) {
+  Bytes samples;
+  samples.reserve(picture.pixels.size() * 3);
+  for (const Rgb c : picture.pixels) samples.insert(samples.end(), {c.r, c.g, c.b});
+  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_RGB, 8, text);
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,88 @@
+#include "tools/report/map_plot.hpp"
+
+#include <cmath>
+
+#include "tools/base/text.hpp"
+#include "tools/draw/canvas.hpp"
+#include "tools/draw/disparity_plot.hpp"
+#include "tools/draw/plot.hpp"
+#include "tools/pictures/chunks.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+constexpr uint32_t usualSide = 360;  // pixels
+constexpr uint32_t leftMargin = 52;
+constexpr uint32_t topMargin = 16;
+constexpr uint32_t bottomMargin = 28;
+constexpr uint32_t tickLength = 5;
+constexpr double columnTickDistance = 52;
+constexpr double rowTickDistance = 28;
+
+Grid<float> enlarged(const Grid<float>& cells, uint32_t factor) {
+  Grid<float> pixels(cells.width * factor, cells.height * factor);
+  for (uint32_t y = 0; y < pixels.height; ++y)
+    for (uint32_t x = 0; x < pixels.width; ++x) pixels.at(x, y) = cells.at(x / factor, y / factor);
+  return pixels;
+}
+
+Grid<Rgb> withMargins(const Grid<Rgb>& inner) {
+  Grid<Rgb> picture(inner.width + leftMargin, inner.height + topMargin + bottomMargin, white);
+  for (uint32_t y = 0; y < inner.height; ++y)
+    std::copy(inner.row(y), inner.row(y) + inner.width, picture.row(y + topMargin) + leftMargin);
+  return picture;
+}
+
+uint32_t pixelOf(double mm, double origin, double mmPerPixel) {
+  return static_cast<uint32_t>(std::max(0.0, std::floor((mm - origin) / mmPerPixel)));
+}
+
+void drawColumnAxis(Grid<Rgb>& picture, uint32_t top, uint32_t pixels, double origin, double mmPerPixel) {
+  fill(picture, {leftMargin, top, pixels, 1}, black);
+  for (const double mm : tickValues(origin, origin + pixels * mmPerPixel, pixels, columnTickDistance)) {
+    const uint32_t x = leftMargin + std::min(pixelOf(mm, origin, mmPerPixel), pixels - 1);
+    const std::string label = format("%g", mm);
+    fill(picture, {x, top, 1, tickLength}, black);
+    drawText(picture, x - std::min(x, textWidth(label) / 2), top + tickLength + 2, label);
+  }
+  drawText(picture, leftMargin, top + tickLength + textHeight + 4, "x, mm (to the right)");
+}
+
+void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPerPixel) {
+  fill(picture, {leftMargin - 1, topMargin, 1, pixels}, black);
+  for (const double mm : tickValues(origin, origin + pixels * mmPerPixel, pixels, rowTickDistance)) {
+    const uint32_t y = topMargin + std::min(pixelOf(mm, origin, mmPerPixel), pixels - 1);
+    const std::string label = format("%g", mm);
+    const uint32_t labelEnd = leftMargin - tickLength - 3;
+    fill(picture, {leftMargin - tickLength - 1, y, tickLength, 1}, black);
+    drawText(picture, labelEnd - std::min(labelEnd, textWidth(label)), y - textHeight / 2 + 1, label);
+  }
+  drawText(picture, 4, 4, "y, mm (downwards)");
+}
+
+}  // namespace
+
+MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide) {
+  const Grid<float> cells = inPixels(heights, 1);
+  const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
+  const Grid<float> pixels = enlarged(cells, factor);
+  const auto [low, high] = usualRange(cells);
+  MapPlot map{withMargins(plot(pixels, {low, high, turbo, "mm"})),
+              leftMargin,
+              topMargin,
+              factor,
+              {leftMargin, topMargin, pixels.width, pixels.height}};
+  const double mmPerPixel = static_cast<double>(frame.cells.cellSizeX) / factor;
+  drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, frame.corner.x, mmPerPixel);
+  drawRowAxis(map.picture, pixels.height, frame.corner.y, mmPerPixel);
+  return map;
+}
+
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame) {
+  return encodePng(drawMap(heights, frame, usualSide).picture,
+                   {{"Description", "Heights above the ground in mm, coloured, seen from above; grey: unseen."},
+                    {"Software", software()}});
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,53 @@
+#include "tools/report/ply.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+#include "tools/base/text.hpp"
+#include "tools/pictures/chunks.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+std::string header(size_t count) {
+  return format(
+      "ply\n"
+      "format binary_little_endian 1.0\n"
+      "comment %s\n"
+      "comment lengths in mm; the origin is the camera's centre, z points down to the ground\n"
+      "comment height is above the ground, upwards\n"
+      "element vertex %zu\n"
+      "property float x\n"
+      "property float y\n"
+      "property float z\n"
+      "property float height\n"
+      "property uchar red\n"
+      "property uchar green\n"
+      "property uchar blue\n"
+      "end_header\n",
+      software().c_str(), count);
+}
+
+void append(Bytes& bytes, float value) {
+  uint32_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<uint8_t>(bits >> shift));
+}
+
+// From the range of a 12-bit camera.
+uint8_t grey(uint16_t intensity) { return static_cast<uint8_t>(std::min(intensity >> 4, 255)); }
+
+}  // namespace
+
+Bytes encodePly(const std::vector<WorldPoint>& points, float groundZ) {
+  const std::string text = header(points.size());
+  Bytes bytes(text.begin(), text.end());
+  for (const WorldPoint& p : points) {
+    for (const float v : {p.world.x, p.world.y, p.world.z, groundZ - p.world.z}) append(bytes, v);
+    bytes.insert(bytes.end(), 3, grey(p.intensity));
+  }
+  return bytes;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,216 @@
+#include "tools/report/region_plot.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "tools/draw/signs.hpp"
+#include "tools/pictures/chunks.hpp"
+#include "tools/report/map_plot.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+constexpr uint32_t mapSide = 640;      // pixels
+constexpr double farOutside = 100000;  // of every picture, pixels
+constexpr Rgb areaColour{255, 0, 200};
+constexpr Rgb areaSign{255, 190, 240};
+
+TextChunks texts(const char* description) { return {{"Description", description}, {"Software", software()}}; }
+
+// ---- areas ----
+
+constexpr uint32_t pen = 2;  // pixels
+
+// Where the middle of the pen may go.
+Rect forThePen(const Rect& room) { return {room.left + 1, room.top + 1, room.width - pen, room.height - pen}; }
+
+// The part of an outline that lies in `room`, pieces that cannot be drawn left out.
+std::vector<Line> visibleLines(const std::vector<std::optional<Spot>>& outline, const Rect& room) {
+  std::vector<Line> lines;
+  for (size_t i = 0; i < outline.size(); ++i) {
+    const std::optional<Spot>&from = outline[i], &to = outline[(i + 1) % outline.size()];
+    if (!from || !to) continue;
+    if (const std::optional<Line> line = clipped({*from, *to}, forThePen(room))) lines.push_back(*line);
+  }
+  return lines;
+}
+
+struct NamedOutline {
+  std::string name;
+  std::vector<Line> lines;
+};
+
+void drawLines(Grid<Rgb>& picture, const std::vector<NamedOutline>& areas) {
+  for (const NamedOutline& area : areas)
+    for (const Line& line : area.lines) drawLine(picture, line.from, line.to, pen, areaColour);
+}
+
+// At the topmost spot of what is seen of each outline.
+void drawNames(Signs& signs, const std::vector<NamedOutline>& areas) {
+  for (const NamedOutline& area : areas) {
+    std::optional<Spot> highest;
+    for (const Line& line : area.lines)
+      for (const Spot& end : {line.from, line.to})
+        if (!highest || end.y < highest->y) highest = end;
+    if (highest) signs.drawNear(*highest, area.name, 1, areaSign);
+  }
+}
+
+// ---- on the map ----
+
+bool differs(const Grid<uint16_t>& labels, uint16_t label, int64_t x, int64_t y) {
+  if (x < 0 || y < 0 || x >= labels.width || y >= labels.height) return true;
+  return labels.at(static_cast<uint32_t>(x), static_cast<uint32_t>(y)) != label;
+}
+
+void outlineCells(MapPlot& map, const Grid<uint16_t>& labels) {
+  const auto line = [&map](double x0, double y0, double x1, double y1) {
+    drawLine(map.picture, map.spot(x0, y0), map.spot(x1, y1), 2, white);
+  };
+  for (uint32_t y = 0; y < labels.height; ++y)
+    for (uint32_t x = 0; x < labels.width; ++x) {
+      const uint16_t label = labels.at(x, y);
+      if (label == 0) continue;
+      if (differs(labels, label, x, int64_t{y} - 1)) line(x, y, x + 1, y);
+      if (differs(labels, label, x, int64_t{y} + 1)) line(x, y + 1, x + 1, y + 1);
+      if (differs(labels, label, int64_t{x} - 1, y)) line(x, y, x, y + 1);
+      if (differs(labels, label, int64_t{x} + 1, y)) line(x + 1, y, x + 1, y + 1);
+    }
+}
+
+Spot spotOf(const MapPlot& map, const MapFrame& frame, double xMm, double yMm) {
+  const double cell = frame.cells.cellSizeX;
+  return map.spot((xMm - frame.corner.x) / cell, (yMm - frame.corner.y) / cell);
+}
+
+// ---- on the picture ----
+
+// Easy to tell apart: Set1 without its grey and three of Dark2 (C. Brewer, colorbrewer2.org).
+constexpr Rgb regionColours[] = {{228, 26, 28},  {55, 126, 184},  {77, 175, 74}, {152, 78, 163},
+                                 {255, 127, 0},  {255, 255, 51},  {166, 86, 40}, {247, 129, 191},
+                                 {27, 158, 119}, {117, 112, 179}, {230, 171, 2}};
+
+Rgb colourOf(uint16_t label) { return regionColours[(label - 1) % std::size(regionColours)]; }
+
+// Grey, the brightest hundredth white.
+Grid<Rgb> shown(const Grid<uint16_t>& picture) {
+  std::vector<uint16_t> sorted = picture.pixels;
+  const auto bright = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() * 99 / 100);
+  std::nth_element(sorted.begin(), bright, sorted.end());
+  const double scale = 255.0 / std::max<uint16_t>(1, *bright);
+  Grid<Rgb> grey(picture.width, picture.height);
+  for (size_t i = 0; i < grey.pixels.size(); ++i) {
+    const auto level = static_cast<uint8_t>(std::min(255.0, picture.pixels[i] * scale));
+    grey.pixels[i] = {level, level, level};
+  }
+  return grey;
+}
+
+// The label of what each pixel shows: its point lies over a cell of the region, above the ground.
+Grid<uint16_t> labelsOfPixels(const GroundResult& r, const Findings& f) {
+  Grid<uint16_t> labels(r.picture.width, r.picture.height);
+  for (const WorldPoint& p : r.points) {
+    const std::optional<size_t> cell = cellUnder(p.world, r.frame);
+    if (!cell || r.camera.heightMm - p.world.z <= f.rule.minHeightMm) continue;
+    labels.at(static_cast<uint32_t>(p.image.x), static_cast<uint32_t>(p.image.y)) = f.regions.labels.pixels[*cell];
+  }
+  return labels;
+}
+
+// The mean place of each label's pixels, nothing for a label that no pixel has.
+std::vector<std::optional<Spot>> middles(const Grid<uint16_t>& labels, size_t count) {
+  std::vector<Spot> sums(count + 1, Spot{0, 0});
+  std::vector<size_t> pixels(count + 1);
+  for (uint32_t y = 0; y < labels.height; ++y)
+    for (uint32_t x = 0; x < labels.width; ++x) {
+      const uint16_t label = labels.at(x, y);
+      sums[label] = {sums[label].x + x + 0.5, sums[label].y + y + 0.5};
+      ++pixels[label];
+    }
+  std::vector<std::optional<Spot>> middles(count + 1);
+  for (size_t i = 1; i <= count; ++i) {
+    const auto n = static_cast<double>(pixels[i]);
+    if (pixels[i]) middles[i] = Spot{sums[i].x / n, sums[i].y / n};
+  }
+  return middles;
+}
+
+void colourRegions(Grid<Rgb>& picture, const Grid<uint16_t>& labels) {
+  for (size_t i = 0; i < labels.pixels.size(); ++i)
+    if (const uint16_t label = labels.pixels[i]) picture.pixels[i] = blended(picture.pixels[i], colourOf(label), 0.5);
+}
+
+void numberRegions(Signs& signs, const Grid<uint16_t>& labels, size_t count) {
+  const uint32_t scale = labels.width < 400 ? 1 : 2;
+  const std::vector<std::optional<Spot>> places = middles(labels, count);
+  for (size_t i = 1; i <= count; ++i)
+    if (places[i]) signs.drawAt(*places[i], format("%zu", i), scale, white);
+}
+
+// Long edges on the ground are followed piece by piece, because a part of them can lie behind the camera.
+std::vector<std::optional<Spot>> outlineInPicture(const std::vector<Point_s32>& corners, const StereoCtx& context) {
+  constexpr int pieces = 64;
+  std::vector<std::optional<Spot>> outline;
+  for (size_t i = 0; i < corners.size(); ++i) {
+    const Point_s32 &a = corners[i], &b = corners[(i + 1) % corners.size()];
+    for (int k = 0; k < pieces; ++k) {
+      const double t = static_cast<double>(k) / pieces;
+      const Point3_f32 world = {static_cast<float>(a.x + (b.x - a.x) * t), static_cast<float>(a.y + (b.y - a.y) * t),
+                                context.orientation.height};
+      Point_f32 p;
+      outline.emplace_back();
+      if (ip_stereo_world2img(&context, &world, &p) && std::abs(p.x) + std::abs(p.y) < farOutside)
+        outline.back() = Spot{p.x + 0.5, p.y + 0.5};
+    }
+  }
+  return outline;
+}
+
+std::vector<NamedOutline> areasOnMap(const MapPlot& map, const MapFrame& frame, const Findings& findings) {
+  std::vector<NamedOutline> areas;
+  for (const Occupancy& area : findings.areas) {
+    std::vector<std::optional<Spot>> outline;
+    for (const Point_s32& corner : area.place.ground) outline.emplace_back(spotOf(map, frame, corner.x, corner.y));
+    areas.push_back({area.area.name, visibleLines(outline, map.place)});
+  }
+  return areas;
+}
+
+std::vector<NamedOutline> areasInPicture(const GroundResult& result, const Rect& whole, const Findings& findings) {
+  std::vector<NamedOutline> areas;
+  for (const Occupancy& area : findings.areas)
+    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.place.ground, result.context), whole)});
+  return areas;
+}
+
+}  // namespace
+
+Bytes encodeRegionMap(const GroundResult& result, const Findings& findings) {
+  MapPlot map = drawMap(result.map.heights, result.frame, mapSide);
+  const std::vector<NamedOutline> areas = areasOnMap(map, result.frame, findings);
+  outlineCells(map, findings.regions.labels);
+  drawLines(map.picture, areas);
+  Signs signs(map.picture, map.place);
+  for (const Region& region : findings.regions.list)
+    signs.drawAt(spotOf(map, result.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
+  drawNames(signs, areas);
+  return encodePng(map.picture, texts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
+                                      "Regions are outlined in white and numbered, areas of interest in pink."));
+}
+
+Bytes encodeRegionPicture(const GroundResult& result, const Findings& findings) {
+  Grid<Rgb> picture = shown(result.picture);
+  const Grid<uint16_t> labels = labelsOfPixels(result, findings);
+  const Rect whole{0, 0, picture.width, picture.height};
+  const std::vector<NamedOutline> areas = areasInPicture(result, whole, findings);
+  colourRegions(picture, labels);
+  drawLines(picture, areas);
+  Signs signs(picture, whole);
+  numberRegions(signs, labels, findings.regions.list.size());
+  drawNames(signs, areas);
+  return encodePng(picture, texts("The measured picture: regions coloured and numbered, areas of interest on the "
+                                  "ground outlined in pink."));
+}
+
+}  // namespace nadir::tool

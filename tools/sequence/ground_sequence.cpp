@@ -1,0 +1,235 @@
+#include "tools/sequence/ground_sequence.hpp"
+
+#include <filesystem>
+
+#include "ground/average.hpp"
+#include "tools/base/error.hpp"
+#include "tools/base/in_order.hpp"
+#include "tools/base/interrupt.hpp"
+#include "tools/base/progress.hpp"
+#include "tools/base/text.hpp"
+#include "tools/files/folder_lock.hpp"
+#include "tools/pictures/pair_input.hpp"
+#include "tools/pictures/pictures.hpp"
+#include "tools/pictures/png.hpp"
+#include "tools/report/ground_report.hpp"
+#include "tools/sequence/frame_log.hpp"
+#include "tools/sequence/settings_difference.hpp"
+
+namespace nadir::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What the threads hand over: all that is kept of a frame.
+struct Worked {
+  std::string error;
+  Grid<uint16_t> heights;
+  std::optional<Findings> findings;
+};
+
+std::optional<double> measuredIn(const Occupancy& area) {
+  if (area.covered.cells == 0) return {};
+  return area.covered.highestMm;
+}
+
+class SequenceRun {
+ public:
+  SequenceRun(const FrameSource& source, const GroundSetup& setup, const SequenceOptions& options)
+      : source_(source),
+        setup_(setup),
+        options_(options),
+        window_(options.rule.averageFrames),
+        tracks_(setup.areas.size(), HeightTrack(options.rule.track)) {}
+
+  void go() {
+    begin();
+    takeUp();
+    work();
+    print(table());
+    if (done_ < source_.size())
+      throw Error(format("interrupted after %zu of %zu frames; the same command with --resume goes on there", done_,
+                         source_.size()),
+                  interrupted);
+    if (skipped_ > 0)
+      throw Error(format("%zu of %zu frames were skipped; %s says why", skipped_, done_, logPath().c_str()),
+                  someFramesSkipped);
+  }
+
+ private:
+  std::string settingsPath() const { return options_.folder + "/run.json"; }
+  std::string logPath() const { return options_.folder + "/frames.jsonl"; }
+  std::string mapPath(const char* kind, size_t frame) const {
+    return options_.folder + "/" + kind + "/" + source_.name(frame) + ".png";
+  }
+  double secondsOf(size_t frame) const {
+    return static_cast<double>(source_.number(frame) - source_.number(0)) / options_.rule.framesPerSecond;
+  }
+
+  // ---- the beginning, or where an earlier run has ended ----
+
+  // The folders are there before run.json tells of them, so that a run that was killed in between can go on too.
+  void begin() {
+    checkMask();
+    checkCamera();
+    const std::string settings = sequenceJson(setup_, options_.rule, source_);
+    OutputFiles files;
+    files.makeFolder(options_.folder);
+    lock_.emplace(options_.folder);
+    const bool begun = fs::exists(settingsPath()) || fs::exists(logPath());
+    if (begun) checkResumable(settings);
+    for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
+    if (!begun) files.write(settingsPath(), Bytes(settings.begin(), settings.end()));
+    if (!options_.rule.noMaps) makeMapFolders();
+    files.commit();
+  }
+
+  void checkResumable(const std::string& settings) const {
+    if (!options_.resume)
+      throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
+    const Bytes earlier = readFile(settingsPath());
+    const std::string difference = settingsDifference(std::string(earlier.begin(), earlier.end()), settings);
+    if (!difference.empty())
+      throw Error("cannot resume: " + settingsPath() + " tells of other settings: " + difference);
+  }
+
+  void makeMapFolders() const {
+    for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
+  }
+
+  // Of a new run there is nothing yet.
+  void takeUp() {
+    const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
+    if (fs::exists(logPath())) cutOff(whole);
+    if (!options_.rule.noMaps) refillWindow();
+  }
+
+  void cutOff(uintmax_t whole) const {
+    std::error_code error;
+    fs::resize_file(logPath(), whole, error);
+    if (error) throw Error("cannot write " + logPath() + ": " + error.message());
+  }
+
+  // These are checked here and not frame by frame: with the wrong file every frame would be damaged.
+  void checkMask() const {
+    if (setup_.options.mask.empty()) return;
+    const Grid<uint8_t> mask = readMask(setup_.options.mask);
+    if (mask.width != setup_.camera.widthPx || mask.height != setup_.camera.heightPx)
+      throw Error(format("the mask %s is %s pixels, but the camera of %s takes pictures of %s",
+                         setup_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
+                         setup_.options.camera.c_str(),
+                         sizeText(setup_.camera.widthPx, setup_.camera.heightPx).c_str()));
+  }
+
+  // On the first frame that can be read.
+  void checkCamera() const {
+    std::optional<Pair> pair;
+    for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
+    if (pair) checkSize(*pair, setup_);
+  }
+
+  std::optional<Pair> readable(size_t frame) const {
+    try {
+      return readPair(source_.left(frame), source_.right(frame));
+    } catch (const Error&) {
+      return {};
+    }
+  }
+
+  // The filters' state follows from what was measured.
+  void replay(const nlohmann::json& line) {
+    if (done_ >= source_.size() || line.value("frame", uint64_t{0}) != source_.number(done_))
+      throw Error("cannot resume: " + logPath() + " tells of other frames");
+    const bool damaged = line.contains("error");
+    skipped_ += damaged;
+    for (size_t i = 0; i < tracks_.size() && !damaged; ++i) {
+      const nlohmann::json& height = line.at("areas").at(i).at("highest_mm");
+      tracks_[i].step(secondsOf(done_), height.is_null() ? std::optional<double>() : height.get<double>());
+    }
+    ++done_;
+  }
+
+  // With the last maps that were written. A damaged frame has none.
+  void refillWindow() {
+    std::vector<size_t> last;
+    for (size_t frame = done_; frame > 0 && last.size() < options_.rule.averageFrames; --frame)
+      if (fs::exists(mapPath("elevation", frame - 1))) last.push_back(frame - 1);
+    for (auto frame = last.rbegin(); frame != last.rend(); ++frame)
+      window_.add(readElevation(mapPath("elevation", *frame)));
+  }
+
+  // ---- frame by frame ----
+
+  Worked workOn(size_t frame) const {
+    StageTimes unused;
+    try {
+      GroundResult r = ground(setup_, source_.left(frame), source_.right(frame), unused);
+      return {"", std::move(r.map.heights), std::move(r.findings)};
+    } catch (const Error& error) {
+      return {error.what(), {}, {}};
+    }
+  }
+
+  void work() {
+    Progress progress("mapping", "frames", source_.size(), Progress::Elsewhere::lines, done_);
+    const InterruptWatch watch;
+    FrameLog log(logPath());
+    const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
+    inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
+      if (watch.requested()) return false;
+      if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
+      log.append(frameLine(reportOn(frame, std::move(worked)), setup_));
+      ++done_;
+      progress.advance();
+      return true;
+    });
+  }
+
+  // The maps are in place before the log tells of the frame.
+  FrameReport reportOn(size_t frame, Worked worked) {
+    FrameReport report{source_.number(frame), source_.name(frame), secondsOf(frame), worked.error, 0, {}, {}};
+    skipped_ += !report.error.empty();
+    if (!report.error.empty()) return report;
+    report.seenCells = heightsOf(worked.heights).known;
+    if (!options_.rule.noMaps) writeMaps(frame, worked.heights);
+    report.findings = std::move(worked.findings);
+    for (size_t i = 0; i < tracks_.size(); ++i) {
+      tracks_[i].step(report.seconds, measuredIn(report.findings->areas[i]));
+      report.tracks.push_back(tracks_[i].now());
+    }
+    return report;
+  }
+
+  void writeMaps(size_t frame, const Grid<uint16_t>& heights) {
+    const TextChunks texts = mapTexts(setup_.frame, setup_.options.rule);
+    window_.add(heights);
+    OutputFiles files;
+    files.write(mapPath("elevation", frame), encodePng(heights, texts));
+    files.write(mapPath("average", frame), encodePng(window_.mean(), texts));
+    files.commit();
+  }
+
+  std::string table() const {
+    Table table;
+    table.line("frames", static_cast<double>(done_), format("of %zu", source_.size()), 0);
+    table.line("skipped", static_cast<double>(skipped_), "", 0);
+    return table.text();
+  }
+
+  const FrameSource& source_;
+  const GroundSetup& setup_;
+  const SequenceOptions& options_;
+  std::optional<FolderLock> lock_;
+  MapWindow window_;
+  std::vector<HeightTrack> tracks_;
+  size_t done_ = 0, skipped_ = 0;
+};
+
+}  // namespace
+
+void groundSequence(const FrameSource& source, const GroundSetup& setup, const SequenceOptions& options) {
+  SequenceRun(source, setup, options).go();
+}
+
+}  // namespace nadir::tool
