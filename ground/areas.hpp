@@ -7,6 +7,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 struct AreaCells {
   std::vector<Point_s32> ground;  // its corners on the ground, world x and y in mm
   Grid<uint8_t> cells;            // of the map: 1 where the centre lies inside or on the edge

@@ -7,6 +7,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 class MapWindow {
  public:
   explicit MapWindow(size_t frames) : frames_(frames) {}

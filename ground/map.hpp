@@ -12,6 +12,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // Where the cells lie.
 struct MapFrame {
   ElevMapParams cells;

@@ -6,6 +6,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 enum class View { left, right };
 
 struct Pair {

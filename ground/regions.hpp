@@ -10,6 +10,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // The library's region growing takes no larger side, cells.
 constexpr uint32_t largestRegionMap = 128;
 

@@ -40,7 +40,7 @@ class Fingerprint {
   }
 
   template <class T>
-  Fingerprint& add(const tool::Grid<T>& grid) {
+  Fingerprint& add(const lab::Grid<T>& grid) {
     return add(grid.pixels);
   }
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace nadir::tool {
+namespace nadir::lab {
 
 template <class T>
 struct Grid {
@@ -33,4 +33,4 @@ void mirror(Grid<T>& grid) {
   for (uint32_t y = 0; y < grid.height; ++y) std::reverse(grid.row(y), grid.row(y) + grid.width);
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::lab

@@ -5,7 +5,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::lab {
 
 inline Img imageOf(Grid<uint8_t>& grid) {
   Img image;
@@ -25,4 +25,4 @@ inline ImgC imageOf(const Grid<uint16_t>& grid) {
   return image;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::lab

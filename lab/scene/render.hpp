@@ -11,7 +11,7 @@
 
 namespace nadir::scene {
 
-using tool::Grid;
+using lab::Grid;
 
 // Called after every finished row.
 using RowDone = std::function<void()>;

@@ -8,7 +8,7 @@
 
 namespace nadir::verify {
 
-using tool::Grid;
+using lab::Grid;
 
 struct Material {
   Grid<uint16_t> left, right;  // the pair, with an area without data

@@ -9,7 +9,7 @@
 
 namespace nadir::verify {
 
-using tool::Grid;
+using lab::Grid;
 
 inline uint32_t typeOf(uint8_t) { return IMG_TYPE_U8; }
 inline uint32_t typeOf(uint16_t) { return IMG_TYPE_U16; }

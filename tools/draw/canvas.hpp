@@ -10,6 +10,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 constexpr Rgb white{255, 255, 255};
 constexpr Rgb black{0, 0, 0};
 

@@ -8,6 +8,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 struct ColourScale {
   double low, high;  // the values at the two ends of the map; what lies beyond takes the end's colour
   Rgb (*map)(double t);

@@ -5,6 +5,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // Errors are value - truth in pixels or mm, taken where both are known. Shares are fractions of 1. What has no pixel to
 // be computed from is NaN.
 struct Evaluation {

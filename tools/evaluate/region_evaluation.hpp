@@ -9,6 +9,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // A region of either side: what was found, or what stands there.
 struct Thing {
   uint16_t number;

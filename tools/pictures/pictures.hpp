@@ -8,6 +8,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // A picture for the matcher. 16-bit grey values stay as they are, 0 meaning "no data". 8-bit values are multiplied by
 // 16, because the matcher's penalties follow intensity steps of a 12-bit camera; their 0 becomes 1, since black is a
 // measurement there (and a border that is black all over is rejected for having no texture). Colours become luminance

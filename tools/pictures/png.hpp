@@ -7,6 +7,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 struct Rgb {
   uint8_t r, g, b;
 };

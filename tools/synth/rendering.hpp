@@ -7,6 +7,8 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 struct SynthSettings {
   std::string scene;
   uint64_t seed = 1;

@@ -49,7 +49,7 @@ uint64_t print(const scene::ViewTruth& truth) {
 }
 
 template <class T>
-uint64_t print(const tool::Grid<T>& grid) {
+uint64_t print(const lab::Grid<T>& grid) {
   Fingerprint print;
   print.add(grid.pixels);
   return print.value();

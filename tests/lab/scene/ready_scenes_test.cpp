@@ -34,7 +34,7 @@ Rendered rendered(const std::string& name, const CameraSettings& settings) {
 }
 
 template <class T>
-double between(const tool::Grid<T>& grid, double x, uint32_t y) {
+double between(const lab::Grid<T>& grid, double x, uint32_t y) {
   const auto column = std::min(static_cast<uint32_t>(std::max(x, 0.0)), grid.width - 2);
   const double share = x - column;
   return grid.at(column, y) * (1 - share) + grid.at(column + 1, y) * share;
