@@ -4,6 +4,7 @@ include(CMakePackageConfigHelpers)
 
 install(TARGETS nadir EXPORT nadirTargets)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nadir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # Before 1.0 a new minor version may change the interface.
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/nadir)
