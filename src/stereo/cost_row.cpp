@@ -4,7 +4,7 @@
 
 #include "simd/cpu.hpp"
 #include "stereo/kernels.hpp"
-#include "stereo/rows.hpp"
+#include "stereo/pixel_rules.hpp"
 
 namespace nadir {
 namespace {

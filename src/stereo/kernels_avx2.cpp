@@ -1,5 +1,5 @@
 #include "simd/avx2.hpp"
-#include "stereo/kernels_simd.hpp"
+#include "stereo/lanes/table.hpp"
 
 namespace nadir {
 

@@ -1,5 +1,5 @@
 #include "simd/avx512.hpp"
-#include "stereo/kernels_simd.hpp"
+#include "stereo/lanes/table.hpp"
 
 namespace nadir {
 

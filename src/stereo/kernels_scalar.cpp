@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "stereo/rows.hpp"
+#include "stereo/pixel_rules.hpp"
 
 namespace nadir {
 namespace {

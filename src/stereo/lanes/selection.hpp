@@ -1,12 +1,12 @@
 // The search for a pixel's smallest cost and the check that it is distinct, for any number of costs up to 256.
 #pragma once
 
-#include "stereo/rows.hpp"
+#include "stereo/pixel_rules.hpp"
 
 namespace nadir {
 
 template <class Simd>
-struct SelectKernels : PixelRules<Simd> {
+struct SelectionKernels {
   using U8 = typename Simd::U8;
 
   static uint8_t smallest(const uint8_t* costs, size_t count) {

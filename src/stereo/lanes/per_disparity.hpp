@@ -11,7 +11,7 @@
 namespace nadir {
 
 template <class Simd>
-struct Costs {
+struct PerDisparity {
   using U8 = typename Simd::U8;
   static constexpr size_t blocks = disparities / U8::lanes;
 
@@ -21,15 +21,15 @@ struct Costs {
   static constexpr size_t place(size_t d) { return d % blocks * U8::lanes + d / blocks; }
 
   template <class F>
-  static Costs each(F f) {
-    Costs out;
+  static PerDisparity each(F f) {
+    PerDisparity out;
     for (size_t k = 0; k < blocks; ++k) out.block[k] = f(k);
     return out;
   }
-  static Costs all(uint8_t x) {
+  static PerDisparity all(uint8_t x) {
     return each([=](size_t) { return U8::all(x); });
   }
-  static Costs load(const uint8_t* p) {
+  static PerDisparity load(const uint8_t* p) {
     return each([=](size_t k) { return U8::load(p + k * U8::lanes); });
   }
   void store(uint8_t* p) const {
@@ -37,7 +37,7 @@ struct Costs {
   }
 
   // Each number's own disparity.
-  static Costs ownDisparities() {
+  static PerDisparity ownDisparities() {
     static constexpr struct Table {
       uint8_t v[disparities] = {};
       constexpr Table() {
@@ -48,7 +48,7 @@ struct Costs {
   }
 
   // From disparities in order to dealt ones, and back.
-  Costs dealt() const {
+  PerDisparity dealt() const {
     if constexpr (blocks == 2) {
       const auto a = unzipped(block[0], block[1]);
       return {{a.first, a.second}};
@@ -61,7 +61,7 @@ struct Costs {
       return *this;
     }
   }
-  Costs inOrder() const {
+  PerDisparity inOrder() const {
     if constexpr (blocks == 2) {
       const auto a = zipped(block[0], block[1]);
       return {{a.first, a.second}};
@@ -75,22 +75,22 @@ struct Costs {
     }
   }
 
-  friend Costs operator+(const Costs& a, const Costs& b) {
+  friend PerDisparity operator+(const PerDisparity& a, const PerDisparity& b) {
     return each([&](size_t k) { return a.block[k] + b.block[k]; });
   }
-  friend Costs operator-(const Costs& a, const U8& b) {
+  friend PerDisparity operator-(const PerDisparity& a, const U8& b) {
     return each([&](size_t k) { return a.block[k] - b; });
   }
-  friend Costs min(const Costs& a, const U8& b) {
+  friend PerDisparity min(const PerDisparity& a, const U8& b) {
     return each([&](size_t k) { return min(a.block[k], b); });
   }
-  friend Costs operator&(const Costs& a, const U8& b) {
+  friend PerDisparity operator&(const PerDisparity& a, const U8& b) {
     return each([&](size_t k) { return a.block[k] & b; });
   }
-  Costs dividedBy16() const {
+  PerDisparity dividedBy16() const {
     return each([&](size_t k) { return wordsDividedBy16(block[k]); });
   }
-  friend Costs operator|(const Costs& a, const Costs& b) {
+  friend PerDisparity operator|(const PerDisparity& a, const PerDisparity& b) {
     return each([&](size_t k) { return a.block[k] | b.block[k]; });
   }
 
@@ -106,7 +106,8 @@ struct Costs {
 // Writes the numbers of n pixels in order of disparity.
 template <class Simd>
 void storeInOrder(const uint8_t* dealt, size_t n, uint8_t* dst) {
-  for (size_t at = 0; at < n * disparities; at += disparities) Costs<Simd>::load(dealt + at).inOrder().store(dst + at);
+  for (size_t at = 0; at < n * disparities; at += disparities)
+    PerDisparity<Simd>::load(dealt + at).inOrder().store(dst + at);
 }
 
 }  // namespace nadir

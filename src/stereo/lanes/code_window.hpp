@@ -2,7 +2,7 @@
 //
 // The candidates' codes are laid out so that those of a pixel are plain loads. The window holds the stretch's columns
 // and the next 64, byte by byte or half byte by half byte in planes of their own. Within a plane the codes of every
-// `blocks`-th column lie together, as the disparities do in Costs; with four blocks:
+// `blocks`-th column lie together, as the disparities do in PerDisparity; with four blocks:
 //
 //     | 0 4 8 .. 60 | 64 68 .. 124 | 1 5 9 .. 61 | 65 69 .. 125 | 2 6 10 .. 62 | 66 70 .. 126 | 3 7 11 .. 63 | 67 71 ..
 //     127 |
@@ -10,10 +10,7 @@
 // Column 5 and its candidates, for example, begin at 5, 6, 7 and, in the first of these, at 8.
 #pragma once
 
-#include <type_traits>
-
-#include "stereo/costs_simd.hpp"
-#include "stereo/rows.hpp"
+#include "stereo/lanes/per_disparity.hpp"
 
 namespace nadir {
 
@@ -22,15 +19,16 @@ template <class Simd, size_t planes>
 class CodeWindow {
  public:
   using U8 = typename Simd::U8;
-  static constexpr size_t blocks = Costs<Simd>::blocks, blockBytes = 2 * U8::lanes, planeBytes = blocks * blockBytes;
+  static constexpr size_t blocks = PerDisparity<Simd>::blocks, blockBytes = 2 * U8::lanes,
+                          planeBytes = blocks * blockBytes;
 
   // The next 64 columns become the stretch.
   void advance() {
     for (size_t at = 0; at < sizeof bytes_; at += blockBytes) U8::load(bytes_ + at + U8::lanes).store(bytes_ + at);
   }
 
-  void storeNext(size_t plane, const Costs<Simd>& inOrder) {
-    const Costs<Simd> dealt = inOrder.dealt();
+  void storeNext(size_t plane, const PerDisparity<Simd>& inOrder) {
+    const PerDisparity<Simd> dealt = inOrder.dealt();
     for (size_t k = 0; k < blocks; ++k) dealt.block[k].store(bytes_ + plane * planeBytes + k * blockBytes + U8::lanes);
   }
 
@@ -44,10 +42,10 @@ class CodeWindow {
 // The four bytes of 64 codes.
 template <class Simd>
 struct CodeBytes {
-  Costs<Simd> low, mid, high, top;
+  PerDisparity<Simd> low, mid, high, top;
 
   explicit CodeBytes(const uint32_t* codes) {
-    for (size_t k = 0; k < Costs<Simd>::blocks; ++k) {
+    for (size_t k = 0; k < PerDisparity<Simd>::blocks; ++k) {
       const auto words = Simd::WordBytes::load(codes + k * Simd::U8::lanes);
       low.block[k] = words.low;
       mid.block[k] = words.mid;
@@ -60,7 +58,7 @@ struct CodeBytes {
   bool areOrdinary() const {
     const auto all = [](unsigned shift) { return Simd::U8::all(static_cast<uint8_t>(censusInvalid >> shift)); };
     typename Simd::U8 strange = Simd::U8::all(0);
-    for (size_t k = 0; k < Costs<Simd>::blocks; ++k) {
+    for (size_t k = 0; k < PerDisparity<Simd>::blocks; ++k) {
       const auto notInvalid =
           (top.block[k] ^ all(24)) | (high.block[k] ^ all(16)) | (mid.block[k] ^ all(8)) | (low.block[k] ^ all(0));
       strange = strange | min(top.block[k], notInvalid);
@@ -89,13 +87,13 @@ class CountedCodes {
 #pragma GCC unroll 2
     for (size_t i = 0; i < blocks; i += 2) storePair(reference + i, group, i, dst + i * disparities);
     for (size_t i = 0; i < blocks; ++i) {
-      if (reference[i] == censusInvalid) Costs<Simd>::all(worstCost).store(dst + i * disparities);
+      if (reference[i] == censusInvalid) PerDisparity<Simd>::all(worstCost).store(dst + i * disparities);
     }
   }
 
  private:
   using Window = CodeWindow<Simd, 4>;
-  static constexpr size_t blocks = Costs<Simd>::blocks;
+  static constexpr size_t blocks = PerDisparity<Simd>::blocks;
 
   // What two pixels' candidates hold in one plane; most of it they have in common.
   struct Candidates {
@@ -111,17 +109,17 @@ class CountedCodes {
   void storePair(const uint32_t* reference, size_t group, size_t i, uint8_t* dst) const {
     const Candidates low = load(group, i, 0), mid = load(group, i, 1), high = load(group, i, 2),
                      invalid = load(group, i, 3);
-    const auto costs = [&](const uint32_t* code, size_t first) {
+    const auto costsOf = [&](const uint32_t* code, size_t first) {
       const uint8_t* const bytes =
           reinterpret_cast<const uint8_t*>(code);  // the lowest comes first on these processors
       const U8 a = U8::allOf(bytes), b = U8::allOf(bytes + 1), c = U8::allOf(bytes + 2);
-      return Costs<Simd>::each([&](size_t k) {
+      return PerDisparity<Simd>::each([&](size_t k) {
         const size_t at = first + k;
         return max(bitCount(a ^ low.block[at]) + bitCount(b ^ mid.block[at]) + bitCount(c ^ high.block[at]),
                    invalid.block[at]);
       });
     };
-    const Costs<Simd> first = costs(reference, 0), second = costs(reference + 1, 1);
+    const PerDisparity<Simd> first = costsOf(reference, 0), second = costsOf(reference + 1, 1);
     first.store(dst);
     second.store(dst + disparities);
   }
@@ -138,7 +136,7 @@ class LookedUpCodes {
 
   void append(const CodeBytes<Simd>& codes) {
     window_.advance();
-    const Costs<Simd> invalid = codes.top & U8::all(128);
+    const PerDisparity<Simd> invalid = codes.top & U8::all(128);
     storeHalves(0, codes.low, invalid);
     storeHalves(2, codes.mid, invalid);
     storeHalves(4, codes.high, invalid);
@@ -147,20 +145,20 @@ class LookedUpCodes {
   // The costs of a group of codes, as many as there are blocks, that begin in column blocks * group.
   void storeGroup(const uint32_t* reference, size_t group, uint8_t* dst) const {
 #pragma GCC unroll 4
-    for (size_t i = 0; i < Costs<Simd>::blocks; ++i) {
+    for (size_t i = 0; i < PerDisparity<Simd>::blocks; ++i) {
       const bool valid = reference[i] != censusInvalid;
-      (valid ? costs(reference[i], group, i) : Costs<Simd>::all(worstCost)).store(dst + i * disparities);
+      (valid ? costsOf(reference[i], group, i) : PerDisparity<Simd>::all(worstCost)).store(dst + i * disparities);
     }
   }
 
  private:
   using Window = CodeWindow<Simd, 6>;
 
-  Costs<Simd> costs(uint32_t reference, size_t group, size_t i) const {
+  PerDisparity<Simd> costsOf(uint32_t reference, size_t group, size_t i) const {
     U8 tables[6];
     const uint64_t offsets = uint64_t{reference} << 4;
     for (size_t h = 0; h < 6; ++h) tables[h] = U8::repeated16(equalBits() + (offsets >> (4 * h) & 0xF0));
-    return Costs<Simd>::each([&](size_t k) {
+    return PerDisparity<Simd>::each([&](size_t k) {
       const uint8_t* const p = window_.at(group, i + k);
       U8 cost = U8::all(worstCost);
       for (size_t h = 0; h < 6; ++h) cost = cost - lookedUp(tables[h], U8::load(p + h * Window::planeBytes));
@@ -168,7 +166,7 @@ class LookedUpCodes {
     });
   }
 
-  void storeHalves(size_t plane, const Costs<Simd>& bytes, const Costs<Simd>& invalid) {
+  void storeHalves(size_t plane, const PerDisparity<Simd>& bytes, const PerDisparity<Simd>& invalid) {
     const U8 half = U8::all(15);
     window_.storeNext(plane, (bytes & half) | invalid);
     window_.storeNext(plane + 1, (bytes.dividedBy16() & half) | invalid);
@@ -188,71 +186,6 @@ class LookedUpCodes {
   }
 
   Window window_;
-};
-
-// The costs of a row, a stretch of 64 pixels after the other.
-template <class Simd>
-class RowCosts {
- public:
-  using Rules = PixelRules<Simd>;
-  static constexpr size_t blocks = Costs<Simd>::blocks;
-
-  RowCosts(const uint32_t* first, const uint32_t* reference, size_t width)
-      : first_(first), reference_(reference), end_(width - 2) {
-    append(0);
-  }
-
-  // Writes the costs of n pixels from column x, where the next stretch begins; n is less than a stretch only at the
-  // end.
-  void store(size_t x, size_t n, uint8_t* costs) {
-    const bool wereOrdinary = ordinary_;
-    append(x + stretch);
-    if (wereOrdinary && ordinary_ && load(reference_, x).areOrdinary()) {
-      storeOrdinary(reference_ + x, n, costs);
-    } else {
-      for (size_t i = 0; i < n; ++i) storeAny(x + i, costs + i * disparities);
-    }
-    for (size_t i = 0; i < n && x + i < 2; ++i) Costs<Simd>::all(worstCost).store(costs + i * disparities);
-  }
-
- private:
-  // The last group may be incomplete: its missing codes count as invalid, and there is room for their costs.
-  void storeOrdinary(const uint32_t* reference, size_t n, uint8_t* costs) const {
-    size_t i = 0;
-    for (; i + blocks <= n; i += blocks) codes_.storeGroup(reference + i, i / blocks, costs + i * disparities);
-    if (i == n) return;
-    uint32_t last[blocks];
-    for (size_t k = 0; k < blocks; ++k) last[k] = i + k < n ? reference[i + k] : censusInvalid;
-    codes_.storeGroup(last, i / blocks, costs + i * disparities);
-  }
-
-  // For codes that no census makes.
-  void storeAny(size_t x, uint8_t* dst) const {
-    const size_t columns = x < end_ ? end_ - x : 0;
-    uint8_t costs[disparities];
-    for (size_t d = 0; d < disparities; ++d) costs[d] = worstCost;
-    Rules::costsOfAnyCodes(first_ + x, reference_[x], columns < disparities ? columns : disparities, costs);
-    Costs<Simd>::load(costs).dealt().store(dst);
-  }
-
-  void append(size_t x) {
-    const CodeBytes<Simd> codes = load(first_, x);
-    ordinary_ = codes.areOrdinary();
-    codes_.append(codes);
-  }
-
-  // The codes of 64 columns. Those of the row's frame, which may hold anything, and behind it count as invalid.
-  CodeBytes<Simd> load(const uint32_t* row, size_t x) const {
-    if (x >= 2 && x + stretch <= end_) return CodeBytes<Simd>(row + x);
-    uint32_t codes[stretch];
-    for (size_t i = 0; i < stretch; ++i) codes[i] = x + i >= 2 && x + i < end_ ? row[x + i] : censusInvalid;
-    return CodeBytes<Simd>(codes);
-  }
-
-  const uint32_t *first_, *reference_;
-  size_t end_;
-  bool ordinary_ = true;  // what was appended last
-  std::conditional_t<Simd::looksUp, LookedUpCodes<Simd>, CountedCodes<Simd>> codes_;
 };
 
 }  // namespace nadir
