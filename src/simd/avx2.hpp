@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simd/avx256.hpp"
+#include "simd/operations.hpp"
 
 namespace nadir::avx2 {
 
@@ -13,5 +14,7 @@ struct Simd {
   static constexpr bool findsEight = false;
   static constexpr bool looksUp = true;
 };
+
+static_assert(hasItsOperations<Simd>());
 
 }  // namespace nadir::avx2

@@ -1,6 +1,8 @@
 // Vectors of 256 bits, in a form for each level that has them: `Level` keeps apart what is compiled for different
-// processors. See simd_neon.hpp for what each operation does. Most instructions work on the two halves of a register
-// apart; where lanes cross from one to the other a permutation brings them over.
+// processors.
+//
+// Most instructions work on the two halves of a register apart; where lanes cross from one to the other a permutation
+// brings them over.
 #pragma once
 
 #include <immintrin.h>
@@ -96,7 +98,7 @@ inline uint8_t firstLane(U8<Level> a) {
 
 template <class Level>
 inline uint64_t lanesAtMost(U8<Level> a, U8<Level> b) {
-  return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_min_epu8(a.v, b.v), a.v)));
+  return static_cast<uint32_t>(_mm256_movemask_epi8(atMost(a, b).v));
 }
 
 template <class Level>

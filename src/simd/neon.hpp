@@ -1,14 +1,12 @@
-// Vectors for NEON, 32- and 64-bit ARM alike. Here stands what each operation does; those of other instruction sets
-// agree with them.
-//
-// U8 and U16 are as many bytes or 16-bit words as a register holds. Arithmetic wraps around, comparisons are unsigned
-// and give lanes with all bits set or none.
+// Vectors for NEON, 32- and 64-bit ARM alike.
 #pragma once
 
 #include <arm_neon.h>
 
 #include <cstddef>
 #include <cstdint>
+
+#include "simd/operations.hpp"
 
 namespace nadir::neon {
 
@@ -18,7 +16,7 @@ struct U8 {
 
   static U8 load(const uint8_t* p) { return {vld1q_u8(p)}; }
   static U8 all(uint8_t x) { return {vdupq_n_u8(x)}; }
-  static U8 allOf(const uint8_t* p) { return {vld1q_dup_u8(p)}; }  // as the byte at p
+  static U8 allOf(const uint8_t* p) { return {vld1q_dup_u8(p)}; }
   void store(uint8_t* p) const { vst1q_u8(p, v); }
 };
 
@@ -30,16 +28,12 @@ inline U8 min(U8 a, U8 b) { return {vminq_u8(a.v, b.v)}; }
 inline U8 max(U8 a, U8 b) { return {vmaxq_u8(a.v, b.v)}; }
 inline U8 atMost(U8 a, U8 b) { return {vcleq_u8(a.v, b.v)}; }
 
-// The number of bits set in each lane.
 inline U8 bitCount(U8 a) { return {vcntq_u8(a.v)}; }
 
-// The lanes moved up by one: the last lane of `below`, then all but the last of `a`.
 inline U8 movedUp(U8 below, U8 a) { return {vextq_u8(below.v, a.v, 15)}; }
 
-// The lanes moved down by one: all but the first of `a`, then the first lane of `above`.
 inline U8 movedDown(U8 a, U8 above) { return {vextq_u8(a.v, above.v, 1)}; }
 
-// The smallest lane, in every lane.
 inline U8 smallestInAll(U8 a) {
   uint8x8_t m = vpmin_u8(vget_low_u8(a.v), vget_high_u8(a.v));
   m = vpmin_u8(m, m);
@@ -47,7 +41,7 @@ inline U8 smallestInAll(U8 a) {
   return {vdupq_lane_u8(vpmin_u8(m, m), 0)};
 }
 
-// The lesser of each two neighbouring lanes: those of a, then those of b. And the same with their sums.
+// The lesser of each two neighbouring lanes: those of a, then those of b. sumOfPairs adds them instead.
 inline U8 lesserOfPairs(U8 a, U8 b) {
 #ifdef __aarch64__
   return {vpminq_u8(a.v, b.v)};
@@ -63,7 +57,6 @@ inline U8 sumOfPairs(U8 a, U8 b) {
 #endif
 }
 
-// Four bytes, each in every lane of a vector.
 struct Four {
   U8 v[4];
   static Four of(const uint8_t* p) {
@@ -76,7 +69,6 @@ struct Four {
   }
 };
 
-// The smallest lane of each, in every lane.
 inline Four smallestInEach(U8 a, U8 b, U8 c, U8 d) {
   U8 m = lesserOfPairs(lesserOfPairs(a, b), lesserOfPairs(c, d));
   m = lesserOfPairs(m, m);
@@ -90,10 +82,9 @@ inline bool allZero(U8 a) {
 
 inline uint8_t firstLane(U8 a) { return vgetq_lane_u8(a.v, 0); }
 
-// Bit i is set where lane i of a is at most that of b.
 inline uint64_t lanesAtMost(U8 a, U8 b) {
   static const uint8_t bitOfLane[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-  const uint8x16_t bits = vandq_u8(vcleq_u8(a.v, b.v), vld1q_u8(bitOfLane));
+  const uint8x16_t bits = vandq_u8(atMost(a, b).v, vld1q_u8(bitOfLane));
   uint8x8_t sum = vpadd_u8(vget_low_u8(bits), vget_high_u8(bits));
   sum = vpadd_u8(sum, sum);
   return vget_lane_u16(vreinterpret_u16_u8(vpadd_u8(sum, sum)), 0);
@@ -131,17 +122,14 @@ inline U16 equal(U16 a, U16 b) { return {vceqq_u16(a.v, b.v)}; }
 inline U16 less(U16 a, U16 b) { return {vcltq_u16(a.v, b.v)}; }
 inline U16 select(U16 mask, U16 a, U16 b) { return {vbslq_u16(mask.v, a.v, b.v)}; }
 
-// Stores the words high << 16 | low.
 inline void storeWords(uint32_t* p, U16 low, U16 high) {
   const uint16x8x2_t words = vzipq_u16(low.v, high.v);
   vst1q_u32(p, vreinterpretq_u32_u16(words.val[0]));
   vst1q_u32(p + 4, vreinterpretq_u32_u16(words.val[1]));
 }
 
-// The lanes of a, then those of b, as bytes: 255 for what is more. At most 2^15 - 1 comes in.
 inline U8 saturatedBytes(U16 a, U16 b) { return {vcombine_u8(vqmovn_u16(a.v), vqmovn_u16(b.v))}; }
 
-// How many lanes of all blocks are at most those of `bound`.
 template <size_t n>
 inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
   uint8x16_t count = vdupq_n_u8(0);
@@ -152,7 +140,6 @@ inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
   return vget_lane_u8(vpadd_u8(sum, sum), 0);
 }
 
-// The smallest 256 * value + index of all lanes.
 template <size_t n>
 inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   uint16x8_t least = vdupq_n_u16(0xFFFF);
@@ -166,10 +153,7 @@ inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
   return vget_lane_u16(vpmin_u16(m, m), 0);
 }
 
-// The same for eight pixels together, whose searches fill each other's gaps: one lane for each.
-//
-// The smallest 256 * value + index: what remains of a pixel in eight lanes, and the end of eight such searches. Indices
-// grow from block to block.
+// A value in each lane with the index that it came with.
 struct Indexed {
   U8 value, index;
 };
@@ -188,7 +172,6 @@ inline U16 smallestInEach(const U16 (&a)[8]) {
   return lesserOfPairs(lesserOfPairs(b[0], b[1]), lesserOfPairs(b[2], b[3]));
 }
 
-// How many lanes of all blocks are at most `bound`: less than none in each lane, and the end of eight such counts.
 inline U8 countsAtMost(const U8 (&blocks)[4], U8 bound) {
   return (atMost(blocks[0], bound) + atMost(blocks[1], bound)) + (atMost(blocks[2], bound) + atMost(blocks[3], bound));
 }
@@ -198,8 +181,6 @@ inline U16 countOfEach(const U8 (&a)[8]) {
   return {vreinterpretq_u16_s16(vnegq_s16(vpaddlq_s8(vreinterpretq_s8_u8(sums.v))))};
 }
 
-// What lies at p, loaded already, moved up or down by one lane with 255 in the free one. Processors that load from any
-// address in no time do better to load again, from the byte before p or behind it.
 inline U8 againMovedUp(const uint8_t*, U8 a) { return movedUp(U8::all(255), a); }
 inline U8 againMovedDown(const uint8_t*, U8 a) { return movedDown(a, U8::all(255)); }
 
@@ -207,7 +188,6 @@ struct Pair {
   U8 first, second;
 };
 
-// One lane of a, one of b, and so on; and back.
 inline Pair zipped(U8 a, U8 b) {
   const uint8x16x2_t both = vzipq_u8(a.v, b.v);
   return {{both.val[0]}, {both.val[1]}};
@@ -217,7 +197,6 @@ inline Pair unzipped(U8 a, U8 b) {
   return {{both.val[0]}, {both.val[1]}};
 }
 
-// The four bytes of words, as many as U8 has lanes.
 struct WordBytes {
   U8 low, mid, high, top;
   static WordBytes load(const uint32_t* p);
@@ -229,12 +208,14 @@ inline WordBytes WordBytes::load(const uint32_t* p) {
 }
 
 struct Simd {
-  static constexpr bool findsEight = true;  // has operations to find the winners of eight pixels together
-  static constexpr bool looksUp = false;    // has a look-up in 16 bytes that beats counting bits
+  static constexpr bool findsEight = true;
+  static constexpr bool looksUp = false;
   using U8 = neon::U8;
   using Four = neon::Four;
   using WordBytes = neon::WordBytes;
   using U16 = neon::U16;
 };
+
+static_assert(hasItsOperations<Simd>());
 
 }  // namespace nadir::neon

@@ -1,10 +1,12 @@
-// Vectors for SSE4.1. See simd_neon.hpp for what each operation does.
+// Vectors for SSE4.1.
 #pragma once
 
 #include <smmintrin.h>
 
 #include <cstddef>
 #include <cstdint>
+
+#include "simd/operations.hpp"
 
 namespace nadir::sse41 {
 
@@ -46,9 +48,7 @@ inline bool allZero(U8 a) { return _mm_testz_si128(a.v, a.v) != 0; }
 
 inline uint8_t firstLane(U8 a) { return static_cast<uint8_t>(_mm_cvtsi128_si32(a.v)); }
 
-inline uint64_t lanesAtMost(U8 a, U8 b) {
-  return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(a.v, b.v), a.v)));
-}
+inline uint64_t lanesAtMost(U8 a, U8 b) { return static_cast<uint32_t>(_mm_movemask_epi8(atMost(a, b).v)); }
 
 struct U16 {
   static constexpr size_t lanes = 8;
@@ -119,7 +119,6 @@ struct Pair {
   U8 first, second;
 };
 
-// One lane of a, one of b, and so on; and back.
 inline Pair zipped(U8 a, U8 b) { return {{_mm_unpacklo_epi8(a.v, b.v)}, {_mm_unpackhi_epi8(a.v, b.v)}}; }
 inline Pair unzipped(U8 a, U8 b) {
   const __m128i low = _mm_set1_epi16(255);
@@ -154,5 +153,7 @@ struct Simd {
   using WordBytes = sse41::WordBytes;
   using U16 = sse41::U16;
 };
+
+static_assert(hasItsOperations<Simd>());
 
 }  // namespace nadir::sse41
