@@ -8,18 +8,6 @@
 #include "simd/cpu.hpp"
 
 namespace nadir {
-
-const Filter3x3Kernels& filter3x3Kernels([[maybe_unused]] unsigned cpu) {
-#if defined(NADIR_WITH_NEON)
-  if (cpu & cpuNeon) return filter3x3Neon;
-#elif defined(NADIR_WITH_SSE41)
-  if (cpu & cpuAvx512) return filter3x3Avx512;
-  if (cpu & cpuAvx2) return filter3x3Avx2;
-  if (cpu & cpuSse41) return filter3x3Sse41;
-#endif
-  return filter3x3Scalar;
-}
-
 namespace {
 
 // Filters columns 1 to `columns` of every row that has a row above and below.

@@ -93,12 +93,25 @@ void filter(const T* src, size_t srcStride, T* dst, size_t dstStride, size_t row
 
 template <class T>
 constexpr MorphFilters<T> morphFilters() {
-  return {filter<T, erode<T>>, filter<T, dilate<T>>, filter<T, clean<T>>};
+  MorphFilters<T> filters = {};
+  filters.erode = filter<T, erode<T>>;
+  filters.dilate = filter<T, dilate<T>>;
+  filters.clean = filter<T, clean<T>>;
+  return filters;
+}
+
+constexpr Filter3x3Kernels scalarKernels() {
+  Filter3x3Kernels kernels = {};
+  kernels.medianU16 = filter<uint16_t, median<uint16_t>>;
+  kernels.medianS16 = filter<int16_t, median<int16_t>>;
+  kernels.maximum = filter<uint16_t, maximum>;
+  kernels.morphU8 = morphFilters<uint8_t>();
+  kernels.morphU16 = morphFilters<uint16_t>();
+  return kernels;
 }
 
 }  // namespace
 
-const Filter3x3Kernels filter3x3Scalar = {filter<uint16_t, median<uint16_t>>, filter<int16_t, median<int16_t>>,
-                                          filter<uint16_t, maximum>, morphFilters<uint8_t>(), morphFilters<uint16_t>()};
+const Filter3x3Kernels filter3x3Scalar = scalarKernels();
 
 }  // namespace nadir

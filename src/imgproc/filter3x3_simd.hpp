@@ -126,7 +126,13 @@ struct Filter3x3Strips {
     if (x < columns) stripAt(columns - kLanes, WholeRow());
   }
 
-  static constexpr MorphFilters<T> morphFilters() { return {filter<Erode>, filter<Dilate>, filter<Clean>}; }
+  static constexpr MorphFilters<T> morphFilters() {
+    MorphFilters<T> filters = {};
+    filters.erode = filter<Erode>;
+    filters.dilate = filter<Dilate>;
+    filters.clean = filter<Clean>;
+    return filters;
+  }
 };
 
 template <class Target, size_t VectorBytes>
@@ -134,8 +140,13 @@ constexpr Filter3x3Kernels filter3x3Strips() {
   using U8 = Filter3x3Strips<Target, VectorBytes, uint8_t>;
   using U16 = Filter3x3Strips<Target, VectorBytes, uint16_t>;
   using S16 = Filter3x3Strips<Target, VectorBytes, int16_t>;
-  return {U16::template filter<typename U16::Median>, S16::template filter<typename S16::Median>,
-          U16::template filter<typename U16::Maximum>, U8::morphFilters(), U16::morphFilters()};
+  Filter3x3Kernels kernels = {};
+  kernels.medianU16 = U16::template filter<typename U16::Median>;
+  kernels.medianS16 = S16::template filter<typename S16::Median>;
+  kernels.maximum = U16::template filter<typename U16::Maximum>;
+  kernels.morphU8 = U8::morphFilters();
+  kernels.morphU16 = U16::morphFilters();
+  return kernels;
 }
 
 }  // namespace nadir

@@ -1,14 +1,20 @@
+// Which point kernels run on which processor.
 #include "imgproc/point_kernels.hpp"
 
-#include "simd/cpu.hpp"
+#include "simd/dispatch.hpp"
 
 namespace nadir {
+namespace {
 
-const PointKernels& pointKernels([[maybe_unused]] unsigned cpu) {
+constexpr Level<PointKernels> levels[] = {
 #if defined(NADIR_WITH_AVX2)
-  if (cpu & cpuAvx2) return pointAvx2;
+    {cpuAvx2, &pointAvx2},
 #endif
-  return pointScalar;
-}
+    {cpuScalar, &pointScalar},
+};
+
+}  // namespace
+
+const PointKernels& pointKernels(unsigned cpu) { return fastest(levels, cpu); }
 
 }  // namespace nadir

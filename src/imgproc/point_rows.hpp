@@ -104,18 +104,22 @@ struct PointRows {
   }
 
   static constexpr PointKernels table() {
-    return {zeroInside,
-            zeroOutside,
-            add,
-            subtract,
-            multiply,
-            shiftLeft,
-            shiftRightU16,
-            shiftRightS16,
-            divide<uint16_t>,
-            divide<int16_t>,
-            {keepSet<uint8_t>, clearSet<uint8_t>},
-            {keepSet<uint16_t>, clearSet<uint16_t>}};
+    PointKernels kernels = {};
+    kernels.zeroInside = zeroInside;
+    kernels.zeroOutside = zeroOutside;
+    kernels.add = add;
+    kernels.subtract = subtract;
+    kernels.multiply = multiply;
+    kernels.shiftLeft = shiftLeft;
+    kernels.shiftRightU16 = shiftRightU16;
+    kernels.shiftRightS16 = shiftRightS16;
+    kernels.divideU16 = divide<uint16_t>;
+    kernels.divideS16 = divide<int16_t>;
+    kernels.maskU8.keepSet = keepSet<uint8_t>;
+    kernels.maskU8.clearSet = clearSet<uint8_t>;
+    kernels.maskU16.keepSet = keepSet<uint16_t>;
+    kernels.maskU16.clearSet = clearSet<uint16_t>;
+    return kernels;
   }
 };
 

@@ -1,14 +1,20 @@
+// Which smoothing kernels run on which processor.
 #include "imgproc/smooth_kernels.hpp"
 
-#include "simd/cpu.hpp"
+#include "simd/dispatch.hpp"
 
 namespace nadir {
+namespace {
 
-const SmoothKernels& smoothKernels([[maybe_unused]] unsigned cpu) {
+constexpr Level<SmoothKernels> levels[] = {
 #if defined(NADIR_WITH_AVX2)
-  if (cpu & cpuAvx2) return smoothAvx2;
+    {cpuAvx2, &smoothAvx2},
 #endif
-  return smoothScalar;
-}
+    {cpuScalar, &smoothScalar},
+};
+
+}  // namespace
+
+const SmoothKernels& smoothKernels(unsigned cpu) { return fastest(levels, cpu); }
 
 }  // namespace nadir

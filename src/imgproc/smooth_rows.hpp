@@ -91,7 +91,15 @@ struct SmoothRows {
     });
   }
 
-  static constexpr SmoothKernels table() { return {gaussAcross, gaussDown, pull, push, mean}; }
+  static constexpr SmoothKernels table() {
+    SmoothKernels kernels = {};
+    kernels.gaussAcross = gaussAcross;
+    kernels.gaussDown = gaussDown;
+    kernels.pull = pull;
+    kernels.push = push;
+    kernels.mean = mean;
+    return kernels;
+  }
 };
 
 }  // namespace nadir

@@ -1,17 +1,12 @@
+// Which stereo kernels run on which processor.
 #include "stereo/kernels.hpp"
 
-#include "simd/cpu.hpp"
+#include "simd/dispatch.hpp"
 
 namespace nadir {
 namespace {
 
-// The kernels of each level this build has, fastest first.
-struct Level {
-  unsigned bit;
-  const StereoKernels* kernels;
-};
-
-constexpr Level levels[] = {
+constexpr Level<StereoKernels> levels[] = {
 #if defined(NADIR_WITH_NEON)
     {cpuNeon, &stereoNeon},
 #elif defined(NADIR_WITH_SSE41)
@@ -24,19 +19,13 @@ constexpr Level levels[] = {
 
 }  // namespace
 
-const StereoKernels& stereoKernels(unsigned cpu) {
-  for (const Level& level : levels) {
-    if (cpu & level.bit) return *level.kernels;
-  }
-  return stereoScalar;
-}
+const StereoKernels& stereoKernels(unsigned cpu) { return fastest(levels, cpu); }
 
 PathRow pathKernel(unsigned cpu, uint32_t numDisparities) {
-  for (const Level& level : levels) {
-    const bool fits = numDisparities && numDisparities % level.kernels->pathLanes == 0;
-    if ((cpu & level.bit) && fits) return level.kernels->path;
-  }
-  return stereoScalar.path;
+  const auto fits = [=](const StereoKernels& kernels) {
+    return numDisparities && numDisparities % kernels.pathLanes == 0;
+  };
+  return fastest(levels, cpu, fits).path;
 }
 
 }  // namespace nadir

@@ -172,9 +172,23 @@ void walkDistinctness(const SgmRowJob& job) {
   });
 }
 
+constexpr StereoKernels scalarKernels() {
+  StereoKernels kernels = {};
+  kernels.census = census;
+  kernels.penalties = penalties;
+  kernels.costs = costs;
+  kernels.path = path;
+  kernels.pathLanes = 1;
+  kernels.findMin = findMin;
+  kernels.peakCheck = peakCheck;
+  kernels.refine = refine;
+  kernels.walkDisparity = walkDisparity;
+  kernels.walkDistinctness = walkDistinctness;
+  return kernels;
+}
+
 }  // namespace
 
-const StereoKernels stereoScalar = {census,  penalties, costs,  path,          1,
-                                    findMin, peakCheck, refine, walkDisparity, walkDistinctness};
+const StereoKernels stereoScalar = scalarKernels();
 
 }  // namespace nadir

@@ -12,16 +12,18 @@ namespace nadir {
 
 template <class Simd>
 constexpr StereoKernels stereoKernelsOf() {
-  return {CensusKernel<Simd>::row,
-          PenaltyKernel<Simd>::row,
-          CostKernel<Simd>::row,
-          PathKernel<Simd>::row,
-          Simd::U8::lanes,
-          SelectionKernels<Simd>::findMin,
-          SelectionKernels<Simd>::peakCheck,
-          Decision<Simd>::refine,
-          SgmWalk<Simd>::disparity,
-          SgmWalk<Simd>::distinctness};
+  StereoKernels kernels = {};
+  kernels.census = CensusKernel<Simd>::row;
+  kernels.penalties = PenaltyKernel<Simd>::row;
+  kernels.costs = CostKernel<Simd>::row;
+  kernels.path = PathKernel<Simd>::row;
+  kernels.pathLanes = Simd::U8::lanes;
+  kernels.findMin = SelectionKernels<Simd>::findMin;
+  kernels.peakCheck = SelectionKernels<Simd>::peakCheck;
+  kernels.refine = Decision<Simd>::refine;
+  kernels.walkDisparity = SgmWalk<Simd>::disparity;
+  kernels.walkDistinctness = SgmWalk<Simd>::distinctness;
+  return kernels;
 }
 
 }  // namespace nadir

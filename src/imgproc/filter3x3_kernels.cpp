@@ -1,0 +1,24 @@
+// Which 3x3 kernels run on which processor.
+#include "imgproc/filter3x3_kernels.hpp"
+
+#include "simd/dispatch.hpp"
+
+namespace nadir {
+namespace {
+
+constexpr Level<Filter3x3Kernels> levels[] = {
+#if defined(NADIR_WITH_NEON)
+    {cpuNeon, &filter3x3Neon},
+#elif defined(NADIR_WITH_SSE41)
+    {cpuAvx512, &filter3x3Avx512},
+    {cpuAvx2, &filter3x3Avx2},
+    {cpuSse41, &filter3x3Sse41},
+#endif
+    {cpuScalar, &filter3x3Scalar},
+};
+
+}  // namespace
+
+const Filter3x3Kernels& filter3x3Kernels(unsigned cpu) { return fastest(levels, cpu); }
+
+}  // namespace nadir
