@@ -8,6 +8,7 @@
 
 #include "ground/halve.hpp"
 #include "ground/match.hpp"
+#include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/number_range.hpp"
@@ -54,8 +55,7 @@ void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, Outpu
 }
 
 std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, const StageTimes& times) {
-  const double percent = 100.0 / static_cast<double>(disparity.pixels.size());
-  const auto share = [&](size_t count) { return static_cast<double>(count) * percent; };
+  const auto share = [&](size_t count) { return percentOf(count, disparity.pixels.size()); };
   Table table;
   table.heading("stage", "time");
   times.addTo(table);

@@ -6,6 +6,7 @@
 #include "lab/scene/ready_scenes.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/base/progress.hpp"
+#include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/number_range.hpp"
@@ -34,8 +35,6 @@ Rendering render(const SynthSettings& settings) {
   return r;
 }
 
-double percent(size_t count, size_t all) { return 100.0 * static_cast<double>(count) / static_cast<double>(all); }
-
 std::string report(const SynthSettings& settings, const Rendering& r) {
   const std::vector<double>& disparities = r.leftTruth.disparity.pixels;
   const std::vector<uint8_t>& occluded = r.leftTruth.occluded.pixels;
@@ -46,7 +45,7 @@ std::string report(const SynthSettings& settings, const Rendering& r) {
       settings.scene + ", left picture, " + sizeText(settings.camera.width, settings.camera.height) + " pixels", "");
   table.line("least disparity", *least, *least > 0 ? "pixels" : "pixels, there is sky");
   table.line("largest disparity", *most, "pixels (nadir disparity finds 2 to 61)");
-  table.line("occluded", percent(hidden, occluded.size()), "% are not in the right picture");
+  table.line("occluded", percentOf(hidden, occluded.size()), "% are not in the right picture");
   table.line("objects", static_cast<double>(r.scene.objects.size() - 1), "", 0);
   table.line("tallest", r.scene.tallest, "mm", 0);
   return table.text();

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/canvas.hpp"
 
@@ -21,11 +22,11 @@ constexpr uint32_t barBottomMargin = arrowHeight + 4 + legendHeight;
 constexpr uint32_t smallestBar = 24;
 constexpr double tickDistance = 24;  // at least, pixels
 
-double share(double value, const ColourScale& scale) { return (value - scale.low) / (scale.high - scale.low); }
+double placeOnScale(double value, const ColourScale& scale) { return (value - scale.low) / (scale.high - scale.low); }
 
 void drawTicks(Grid<Rgb>& picture, const Rect& bar, const ColourScale& scale) {
   for (const double value : tickValues(scale.low, scale.high, bar.height, tickDistance)) {
-    const auto fromBottom = static_cast<uint32_t>(std::lround(share(value, scale) * (bar.height - 1)));
+    const auto fromBottom = static_cast<uint32_t>(std::lround(placeOnScale(value, scale) * (bar.height - 1)));
     const uint32_t y = bar.top + bar.height - 1 - fromBottom;
     fill(picture, {bar.left + bar.width, y, tickWidth, 1}, black);
     drawText(picture, bar.left - barLeft + textLeft, y - textHeight / 2 + 1, format("%g", value));
@@ -70,8 +71,9 @@ std::pair<double, double> usualRange(const Grid<float>& values) {
     if (!std::isnan(v)) sorted.push_back(v);
   if (sorted.empty()) return {0, 1};
   std::sort(sorted.begin(), sorted.end());
-  const double low = std::floor(sorted[sorted.size() * 3 / 100]);
-  const double high = std::ceil(sorted[sorted.size() - 1 - sorted.size() / 100]);
+  const size_t last = sorted.size() - 1;
+  const double low = std::floor(sorted[last - percentileRank(sorted.size(), 97)]);
+  const double high = std::ceil(sorted[percentileRank(sorted.size(), 99)]);
   return {low, std::max(high, low + 1)};
 }
 
@@ -81,7 +83,7 @@ Grid<Rgb> plot(const Grid<float>& values, const ColourScale& scale) {
   for (uint32_t y = 0; y < values.height; ++y)
     for (uint32_t x = 0; x < values.width; ++x) {
       const float v = values.at(x, y);
-      picture.at(x, y) = std::isnan(v) ? noValueGrey : scale.map(share(v, scale));
+      picture.at(x, y) = std::isnan(v) ? noValueGrey : scale.map(placeOnScale(v, scale));
     }
   drawBar(picture, values.width, scale, values);
   return picture;

@@ -1,7 +1,8 @@
 #include "tools/evaluate/evaluation.hpp"
 
 #include <cmath>
-#include <limits>
+
+#include "tools/base/statistics.hpp"
 
 namespace nadir::tool {
 
@@ -9,30 +10,11 @@ namespace {
 
 using Values = std::vector<double>;
 
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
-
-double ratio(double part, size_t whole) { return whole == 0 ? unknown : part / static_cast<double>(whole); }
-
 template <class Term>
 double mean(const Values& values, Term term) {
   double sum = 0;
   for (const double v : values) sum += term(v);
-  return ratio(sum, values.size());
-}
-
-// The mean of the two middle values where their number is even.
-double median(Values values) {
-  if (values.empty()) return unknown;
-  std::sort(values.begin(), values.end());
-  const size_t n = values.size();
-  return (values[(n - 1) / 2] + values[n / 2]) / 2;
-}
-
-// The smallest value that `percent` percent of the values do not exceed.
-double percentile(Values values, size_t percent) {
-  if (values.empty()) return unknown;
-  std::sort(values.begin(), values.end());
-  return values[(values.size() * percent + 99) / 100 - 1];
+  return values.empty() ? noNumber : sum / static_cast<double>(values.size());
 }
 
 double shareAbove(const Values& values, double limit) {
@@ -104,15 +86,15 @@ Evaluation evaluate(const Grid<float>& values, const Grid<float>& truth) {
   e.pixels = truth.pixels.size();
   e.truth = countKnown(truth);
   e.compared = error.size();
-  e.density = ratio(static_cast<double>(e.compared), e.truth);
+  e.density = shareOf(e.compared, e.truth);
   e.bad05 = shareAbove(error, 0.5);
   e.bad1 = shareAbove(error, 1);
   e.bad2 = shareAbove(error, 2);
   e.mean = mean(error, [](double v) { return v; });
-  e.median = median(error);
+  e.median = medianOf(error);
   e.meanAbsolute = mean(error, absolute);
-  e.medianAbsolute = median(absolutes(error));
-  e.percentile95 = percentile(absolutes(error), 95);
+  e.medianAbsolute = medianOf(absolutes(error));
+  e.percentile95 = percentileOf(absolutes(error), 95);
   e.rms = std::sqrt(mean(error, [](double v) { return v * v; }));
   return e;
 }

@@ -1,0 +1,28 @@
+// Shares, medians and percentiles.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+namespace nadir::tool {
+
+constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+
+// part / whole; `ofNothing` where the whole is 0.
+double shareOf(size_t part, size_t whole, double ofNothing = noNumber);
+
+// 100 * part / whole, rounded once; NaN where the whole is 0.
+double percentOf(size_t part, size_t whole);
+
+// Among `count` values that are sorted upwards, the place of the smallest one that `percent` percent of them do not
+// exceed. There must be a value, and `percent` lies above 0 and up to 100.
+size_t percentileRank(size_t count, double percent);
+
+// The value at that rank, NaN where there are no values.
+double percentileOf(std::vector<double> values, double percent);
+
+// The middle value, or the mean of the two middle ones where their number is even; NaN where there are no values.
+double medianOf(std::vector<double> values);
+
+}  // namespace nadir::tool
