@@ -1,18 +1,12 @@
 #include "tools/evaluate/evaluation_report.hpp"
 
-#include <cmath>
-#include <utility>
-#include <vector>
-
+#include "tools/base/json_value.hpp"
+#include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 
 namespace nadir::tool {
 
 namespace {
-
-double percentOf(size_t part, size_t whole) {
-  return whole == 0 ? std::nan("") : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
-}
 
 void addErrors(Table& table, const Evaluation& e, const char* unit, int decimals) {
   table.line("mean (bias)", e.mean, unit, decimals);
@@ -21,19 +15,6 @@ void addErrors(Table& table, const Evaluation& e, const char* unit, int decimals
   table.line("median absolute", e.medianAbsolute, unit, decimals);
   table.line("95 % are within", e.percentile95, unit, decimals);
   table.line("root mean square", e.rms, unit, decimals);
-}
-
-// JSON has no NaN.
-std::string jsonNumber(double value) { return std::isnan(value) ? "null" : format("%.9g", value); }
-
-using Counts = std::vector<std::pair<const char*, size_t>>;
-using Numbers = std::vector<std::pair<const char*, double>>;
-
-std::string jsonObject(const Counts& counts, const Numbers& numbers) {
-  std::string text;
-  for (const auto& [name, count] : counts) text += format("%s\n  \"%s\": %zu", text.empty() ? "{" : ",", name, count);
-  for (const auto& [name, value] : numbers) text += format(",\n  \"%s\": %s", name, jsonNumber(value).c_str());
-  return text + "\n}\n";
 }
 
 }  // namespace
@@ -53,17 +34,20 @@ std::string disparityTable(const Evaluation& e, const std::string& size) {
 }
 
 std::string disparityJson(const Evaluation& e) {
-  return jsonObject({{"pixels", e.pixels}, {"truth_pixels", e.truth}, {"compared_pixels", e.compared}},
-                    {{"density", e.density},
-                     {"bad_0.5", e.bad05},
-                     {"bad_1", e.bad1},
-                     {"bad_2", e.bad2},
-                     {"mean", e.mean},
-                     {"median", e.median},
-                     {"mean_absolute", e.meanAbsolute},
-                     {"median_absolute", e.medianAbsolute},
-                     {"percentile_95_absolute", e.percentile95},
-                     {"rms", e.rms}});
+  const Json json = {{"pixels", e.pixels},
+                     {"truth_pixels", e.truth},
+                     {"compared_pixels", e.compared},
+                     {"density", significantNumber(e.density)},
+                     {"bad_0.5", significantNumber(e.bad05)},
+                     {"bad_1", significantNumber(e.bad1)},
+                     {"bad_2", significantNumber(e.bad2)},
+                     {"mean", significantNumber(e.mean)},
+                     {"median", significantNumber(e.median)},
+                     {"mean_absolute", significantNumber(e.meanAbsolute)},
+                     {"median_absolute", significantNumber(e.medianAbsolute)},
+                     {"percentile_95_absolute", significantNumber(e.percentile95)},
+                     {"rms", significantNumber(e.rms)}};
+  return json.dump(2) + "\n";
 }
 
 std::string heightTable(const Evaluation& e, const std::string& size) {
@@ -78,14 +62,17 @@ std::string heightTable(const Evaluation& e, const std::string& size) {
 }
 
 std::string heightJson(const Evaluation& e) {
-  return jsonObject({{"cells", e.pixels}, {"truth_cells", e.truth}, {"compared_cells", e.compared}},
-                    {{"seen_share", e.density},
-                     {"mean_mm", e.mean},
-                     {"median_mm", e.median},
-                     {"mean_absolute_mm", e.meanAbsolute},
-                     {"median_absolute_mm", e.medianAbsolute},
-                     {"percentile_95_absolute_mm", e.percentile95},
-                     {"rms_mm", e.rms}});
+  const Json json = {{"cells", e.pixels},
+                     {"truth_cells", e.truth},
+                     {"compared_cells", e.compared},
+                     {"seen_share", significantNumber(e.density)},
+                     {"mean_mm", significantNumber(e.mean)},
+                     {"median_mm", significantNumber(e.median)},
+                     {"mean_absolute_mm", significantNumber(e.meanAbsolute)},
+                     {"median_absolute_mm", significantNumber(e.medianAbsolute)},
+                     {"percentile_95_absolute_mm", significantNumber(e.percentile95)},
+                     {"rms_mm", significantNumber(e.rms)}};
+  return json.dump(2) + "\n";
 }
 
 }  // namespace nadir::tool

@@ -1,16 +1,14 @@
 // What nadir evaluate tells about regions.
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/evaluate/region_evaluation.hpp"
 
 namespace nadir::tool {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Of the objects that were found; NaN where none was.
 struct Errors {
@@ -42,8 +40,8 @@ std::string remark(const Judged& j) {
   return text;
 }
 
-// JSON has no NaN; tenths of a millimetre are far below what is measured.
-Json rounded(double value) { return std::isnan(value) ? Json() : Json(std::round(value * 10) / 10); }
+// Tenths of a millimetre are far below what is measured.
+Json rounded(double value) { return roundedNumber(value, 10); }
 
 Json objectJson(const Judged& j) {
   const bool found = j.verdict == Verdict::found;

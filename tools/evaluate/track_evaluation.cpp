@@ -4,9 +4,9 @@
 
 #include <cmath>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
 #include "tools/base/error.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/camera/areas.hpp"
 #include "tools/draw/line_plot.hpp"
@@ -15,8 +15,6 @@
 namespace nadir::tool {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 float millimetres(const nlohmann::json& value) { return value.is_number() ? value.get<float>() : std::nanf(""); }
 
@@ -103,7 +101,7 @@ void addErrors(Table& table, const char* what, const Evaluation& e) {
 }
 
 Json errorsJson(const Evaluation& e) {
-  const auto rounded = [](double v) { return std::isfinite(v) ? Json(std::round(v * 1000) / 1000) : Json(); };
+  const auto rounded = [](double value) { return roundedNumber(value, 1000); };
   return {{"frames", e.compared},       {"share", rounded(e.density)},
           {"mean_mm", rounded(e.mean)}, {"mean_absolute_mm", rounded(e.meanAbsolute)},
           {"rms_mm", rounded(e.rms)},   {"percentile_95_absolute_mm", rounded(e.percentile95)}};

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <nlohmann/json.hpp>
 
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -15,7 +15,6 @@ namespace nadir::tool {
 namespace {
 
 using nadir::scene::Side;
-using Json = nlohmann::ordered_json;
 
 const char* nameOf(Side side) { return side == Side::left ? "left" : "right"; }
 
@@ -125,7 +124,7 @@ Camera cameraOf(const SynthSettings& settings, const Rendering& r) {
 }
 
 // Six decimals of a millimetre are more than anybody can measure, and the same on every machine.
-Json rounded(double value) { return std::round(value * 1e6) / 1e6; }
+Json rounded(double value) { return roundedNumber(value, 1e6); }
 
 Json objectJson(const scene::Object& object) {
   Json json = {{"kind", object.kind}, {"region", object.region}};
