@@ -1,14 +1,13 @@
 // The library's road from a rectified pair to a disparity picture, on either picture's grid.
 #pragma once
 
+#include "ground/view.hpp"
 #include "lab/grid.hpp"
 #include "tools/base/stage_times.hpp"
 
 namespace nadir::tool {
 
 using lab::Grid;
-
-enum class View { left, right };
 
 struct Pair {
   Grid<uint16_t> left, right;

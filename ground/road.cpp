@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "ground/holes.hpp"
+#include "ground/known_values.hpp"
 #include "tools/base/error.hpp"
-#include "tools/draw/disparity_plot.hpp"
-#include "tools/pictures/pair_input.hpp"
 #include "tools/pictures/pictures.hpp"
+#include "tools/road/pair_input.hpp"
 
 namespace nadir::tool {
 
@@ -49,7 +49,7 @@ void findDisparities(GroundResult& r, const GroundOptions& options, Pair pair, S
   r.picture = r.view == View::left ? pair.left : pair.right;
   if (options.disparity.empty()) {
     r.matched = matched(options, std::move(pair), times);
-    r.disparity = inPixels(r.matched, SGM_DISP_SCALE);
+    r.disparity = unpacked(r.matched, SGM_DISP_SCALE);
   } else {
     r.disparity = givenDisparities(options, pair);
   }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "ground/halve.hpp"
+#include "ground/known_values.hpp"
 #include "ground/match.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
@@ -15,8 +16,8 @@
 #include "tools/draw/disparity_plot.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
-#include "tools/pictures/pair_input.hpp"
 #include "tools/pictures/png.hpp"
+#include "tools/road/pair_input.hpp"
 
 namespace nadir::tool {
 
@@ -50,7 +51,7 @@ std::string previewName(const Options& options) {
 void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
   files.write(options.output, encodePng(disparity, texts(options)));
   if (options.noPreview) return;
-  const Grid<float> pixels = inPixels(disparity, SGM_DISP_SCALE);
+  const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
   files.write(previewName(options), encodeDisparityPlot(pixels, usualRange(pixels)));
 }
 
@@ -73,8 +74,8 @@ std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, c
 void run(const Options& options) {
   StageTimes times;
   Pair pair = readInputs(options, times);
-  const MatchOptions settings{options.grid == "left" ? View::left : View::right, options.uniqueness,
-                              !options.noPostprocessing, readMaskFor(pair, options.mask)};
+  const MatchOptions settings{viewNamed(options.grid), options.uniqueness, !options.noPostprocessing,
+                              readMaskFor(pair, options.mask)};
   const Match result = match(std::move(pair), settings, times);
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });

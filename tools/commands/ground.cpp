@@ -186,7 +186,7 @@ void addMatchOptions(CLI::App& command, Options& options) {
       ->type_name("N");
   command
       .add_option_function<std::string>(
-          "--grid", [&options](const std::string& view) { options.view = view == "left" ? View::left : View::right; },
+          "--grid", [&options](const std::string& view) { options.view = viewNamed(view); },
           "View that is measured, left or right; its camera is the world's origin (default: left)")
       ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");

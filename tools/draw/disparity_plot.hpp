@@ -6,9 +6,6 @@
 
 namespace nadir::tool {
 
-// Stored values to pixels, NaN for 0.
-Grid<float> inPixels(const Grid<uint16_t>& disparity, uint32_t scale);
-
 // range  the disparities at the two ends of the colours, pixels.
 Bytes encodeDisparityPlot(const Grid<float>& disparity, std::pair<double, double> range);
 

@@ -4,6 +4,8 @@
 
 #include "tools/base/statistics.hpp"
 
+#include "ground/known_values.hpp"
+
 namespace nadir::tool {
 
 namespace {
@@ -67,11 +69,6 @@ Grid<float> visibleInRight(const Grid<float>& truth) {
       if (!isVisible(truth.at(x, y), x, nearest)) visible.at(x, y) = std::nanf("");
   }
   return visible;
-}
-
-size_t countKnown(const Grid<float>& grid) {
-  return static_cast<size_t>(
-      std::count_if(grid.pixels.begin(), grid.pixels.end(), [](float v) { return !std::isnan(v); }));
 }
 
 Grid<float> errors(const Grid<float>& values, const Grid<float>& truth) {

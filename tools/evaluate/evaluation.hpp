@@ -29,9 +29,6 @@ struct Evaluation {
 // that a nearer one, by more than a pixel, hides. What hides must have a known truth itself.
 Grid<float> visibleInRight(const Grid<float>& truth);
 
-// Pixels that are not NaN.
-size_t countKnown(const Grid<float>& grid);
-
 // Signed errors, NaN where there is no value or no truth.
 Grid<float> errors(const Grid<float>& values, const Grid<float>& truth);
 

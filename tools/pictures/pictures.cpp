@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "ground/known_values.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/files.hpp"
@@ -44,6 +45,15 @@ Raster readMeasurements(const std::string& path, const char* what) {
   return raster;
 }
 
+// Measurements have one channel of 16 bits.
+Grid<uint16_t> gridOf(Raster raster) {
+  Grid<uint16_t> grid;
+  grid.width = raster.width;
+  grid.height = raster.height;
+  grid.pixels = std::move(raster.samples);
+  return grid;
+}
+
 }  // namespace
 
 void checkRasterSize(uint32_t width, uint32_t height) {
@@ -74,14 +84,11 @@ Grid<uint8_t> readMask(const std::string& path) {
 }
 
 Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
-  const Raster raster = readMeasurements(path, "disparities");
+  Raster raster = readMeasurements(path, "disparities");
   const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
   if (!(divisor >= 1e-6 && divisor <= 1e6))
     throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
-  Grid<float> disparity(raster.width, raster.height, std::nanf(""));
-  for (size_t i = 0; i < raster.samples.size(); ++i)
-    if (raster.samples[i] != 0) disparity.pixels[i] = static_cast<float>(raster.samples[i] / divisor);
-  return disparity;
+  return unpacked(gridOf(std::move(raster)), divisor);
 }
 
 bool isElevationMap(const std::string& path) {
@@ -90,12 +97,7 @@ bool isElevationMap(const std::string& path) {
   return units != raster.text.end() && units->second == elevationUnits;
 }
 
-Grid<uint16_t> readElevation(const std::string& path) {
-  Raster raster = readMeasurements(path, "heights");
-  Grid<uint16_t> heights(raster.width, raster.height);
-  heights.pixels = std::move(raster.samples);
-  return heights;
-}
+Grid<uint16_t> readElevation(const std::string& path) { return gridOf(readMeasurements(path, "heights")); }
 
 HeightPicture readHeights(const std::string& path) {
   const Raster raster = readMeasurements(path, "heights");
@@ -112,11 +114,11 @@ HeightPicture readHeights(const std::string& path) {
 LabelPicture readLabels(const std::string& path) {
   Raster raster = readMeasurements(path, "regions");
   const double unknown = std::nan("");
-  LabelPicture picture{{raster.width, raster.height},
+  LabelPicture picture{{},
                        ownNumber(raster, chunks::cell, unknown),
                        ownNumber(raster, chunks::left, unknown),
                        ownNumber(raster, chunks::top, unknown)};
-  picture.labels.pixels = std::move(raster.samples);
+  picture.labels = gridOf(std::move(raster));
   return picture;
 }
 

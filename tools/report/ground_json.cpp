@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "tools/evaluate/evaluation.hpp"
+#include "ground/known_values.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/report/ground_report.hpp"

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "tools/evaluate/evaluation.hpp"
+#include "ground/known_values.hpp"
 
 namespace nadir::tool {
 
@@ -63,8 +63,6 @@ void addArea(Table& table, const Occupancy& area, const MapFrame& frame) {
 }
 
 }  // namespace
-
-const char* nameOf(View view) { return view == View::left ? "left" : "right"; }
 
 double share(size_t part, size_t whole) {
   return whole == 0 ? 0 : static_cast<double>(part) / static_cast<double>(whole);

@@ -8,8 +8,6 @@
 
 namespace nadir::tool {
 
-const char* nameOf(View view);
-
 // part / whole, 0 of nothing.
 double share(size_t part, size_t whole);
 

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
+#include "ground/known_values.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/canvas.hpp"
-#include "tools/draw/disparity_plot.hpp"
 #include "tools/draw/plot.hpp"
 #include "tools/pictures/chunks.hpp"
 
@@ -64,7 +64,7 @@ void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPe
 }  // namespace
 
 MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide) {
-  const Grid<float> cells = inPixels(heights, 1);
+  const Grid<float> cells = unpacked(heights, 1);
   const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
   const Grid<float> pixels = enlarged(cells, factor);
   const auto [low, high] = usualRange(cells);

@@ -9,10 +9,10 @@
 #include "tools/base/progress.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/folder_lock.hpp"
-#include "tools/pictures/pair_input.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/ground_report.hpp"
+#include "tools/road/pair_input.hpp"
 #include "tools/sequence/frame_log.hpp"
 #include "tools/sequence/settings_difference.hpp"
 

@@ -4,13 +4,13 @@
 
 #include <cmath>
 
+#include "ground/known_values.hpp"
 #include "ground/map.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
-#include "tools/draw/disparity_plot.hpp"
 #include "tools/evaluate/evaluation.hpp"
-#include "tools/pictures/pair_input.hpp"
 #include "tools/pictures/pictures.hpp"
+#include "tools/road/pair_input.hpp"
 
 namespace nadir::tool {
 
@@ -75,7 +75,7 @@ Grid<uint16_t> matched(const Pair& pair, uint32_t uniqueness) {
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {
   return meanOf(readAll<MatchSample>(folders, matchSample), [judge](const MatchSample& sample, uint32_t uniqueness) {
-    return scoreOf(inPixels(matched(sample.pair, uniqueness), SGM_DISP_SCALE), sample.truth, judge);
+    return scoreOf(unpacked(matched(sample.pair, uniqueness), SGM_DISP_SCALE), sample.truth, judge);
   });
 }
 
@@ -93,7 +93,7 @@ MapSample mapSample(const std::string& folder) {
   const Pair pair = readPair(folder + "/left.png", folder + "/right.png");
   const Camera camera = readCamera(folder + "/camera.toml");
   const StereoCtx context = stereoContext(camera, View::left);
-  const Grid<float> disparity = inPixels(matched(pair, MatchOptions().uniqueness), SGM_DISP_SCALE);
+  const Grid<float> disparity = unpacked(matched(pair, MatchOptions().uniqueness), SGM_DISP_SCALE);
   const std::string path = folder + "/elevation_gt.png";
   const MapSample sample{worldPoints(disparity, pair.left, context, static_cast<float>(camera.columnShiftPx)),
                          mapFrame(context, camera), context.orientation.height, readHeights(path).heights};
@@ -104,7 +104,7 @@ MapSample mapSample(const std::string& folder) {
 Objective mapObjective(const std::vector<std::string>& folders, const Judge& judge, CellRule (*rule)(uint32_t)) {
   return meanOf(readAll<MapSample>(folders, mapSample), [judge, rule](const MapSample& sample, uint32_t setting) {
     const ElevationMap map = elevationMap(sample.points, sample.frame, sample.groundZ, rule(setting));
-    return scoreOf(inPixels(map.heights, 1), sample.truth, judge);
+    return scoreOf(unpacked(map.heights, 1), sample.truth, judge);
   });
 }
 

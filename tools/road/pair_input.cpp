@@ -1,4 +1,4 @@
-#include "tools/pictures/pair_input.hpp"
+#include "tools/road/pair_input.hpp"
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
