@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
 
 #include "lab/image.hpp"
@@ -13,7 +14,7 @@ namespace nadir::tool {
 namespace {
 
 [[noreturn]] void complain(const Area& area, const std::string& reason) {
-  throw Error(format("%s: area \"%s\": %s", area.place.c_str(), area.name.c_str(), reason.c_str()));
+  throw Error(format("%s: area \"%s\": %s", area.origin.c_str(), area.name.c_str(), reason.c_str()));
 }
 
 struct Extent {
@@ -100,6 +101,13 @@ bool isOn(const Extent& map, const Point_s32& p) {
 }
 
 }  // namespace
+
+PolygonRecord::PolygonRecord(const std::vector<Point_s32>& corners) : words_(1 + 2 * corners.size()) {
+  words_[0] = static_cast<int32_t>(corners.size());
+  std::memcpy(words_.data() + 1, corners.data(), corners.size() * sizeof(Point_s32));
+}
+
+const Polygon_s32* PolygonRecord::get() const { return reinterpret_cast<const Polygon_s32*>(words_.data()); }
 
 AreaCells cellsOf(const Area& area, const MapFrame& frame, const StereoCtx& context) {
   const Extent map = extentOf(frame);

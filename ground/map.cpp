@@ -5,8 +5,6 @@
 #include <iterator>
 #include <tuple>
 
-#include "tools/pictures/chunks.hpp"
-
 namespace nadir::tool {
 
 namespace {
@@ -38,6 +36,10 @@ MapFrame mapFrame(const StereoCtx& context, const Camera& camera) {
   return {context.mapParams,
           {context.lowerLeft.x + static_cast<float>(camera.mapOffsetXMm),
            context.lowerLeft.y + static_cast<float>(camera.mapOffsetYMm)}};
+}
+
+MapPlace placeOf(const MapFrame& frame) {
+  return {static_cast<double>(frame.cells.cellSizeX), frame.corner.x, frame.corner.y};
 }
 
 std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame) {
@@ -72,12 +74,6 @@ MapHeights heightsOf(const Grid<uint16_t>& heights) {
   if (known.empty()) return {};
   std::sort(known.begin(), known.end());
   return {known.size(), known.front(), known[known.size() / 2], known.back()};
-}
-
-TextChunks mapTexts(const MapFrame& frame, const CellRule& rule) {
-  TextChunks texts = elevationTexts(frame.cells.cellSizeX, frame.corner.x, frame.corner.y);
-  texts["nadir:percentile"] = format("%g", rule.percentile);
-  return texts;
 }
 
 }  // namespace nadir::tool

@@ -5,10 +5,10 @@
 
 #include <optional>
 
+#include "ground/camera.hpp"
+#include "ground/map_place.hpp"
 #include "ground/points.hpp"
 #include "lab/grid.hpp"
-#include "tools/camera/camera_file.hpp"
-#include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
 
@@ -22,8 +22,14 @@ struct MapFrame {
 
 MapFrame mapFrame(const StereoCtx& context, const Camera& camera);
 
+MapPlace placeOf(const MapFrame& frame);
+
 // The cell, counted row by row, that a point lies over; nothing beside the map.
 std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame);
+
+// A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
+constexpr float lowestStoredMm = 1;
+constexpr float highestStoredMm = 65535;
 
 // Rounded into the range that a seen cell can have.
 uint16_t storedHeight(double mm);
@@ -50,8 +56,5 @@ struct MapHeights {
 };
 
 MapHeights heightsOf(const Grid<uint16_t>& heights);
-
-// What the file of a map says of itself.
-TextChunks mapTexts(const MapFrame& frame, const CellRule& rule);
 
 }  // namespace nadir::tool

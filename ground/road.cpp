@@ -5,6 +5,8 @@
 #include "ground/holes.hpp"
 #include "ground/known_values.hpp"
 #include "tools/base/error.hpp"
+#include "tools/camera/areas_file.hpp"
+#include "tools/camera/camera_file.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/road/pair_input.hpp"
 

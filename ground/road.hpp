@@ -9,7 +9,6 @@
 #include "ground/occupancy.hpp"
 #include "ground/plane.hpp"
 #include "ground/regions.hpp"
-#include "tools/camera/camera_file.hpp"
 
 namespace nadir::tool {
 

@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "tools/base/text.hpp"
-#include "tools/camera/areas.hpp"
 #include "tools/files/toml_file.hpp"
 
 namespace nadir::tool {

@@ -25,7 +25,7 @@ namespace {
 
 struct Options {
   std::string left, right, output, preview, mask;
-  std::string grid = "left";
+  View grid = View::left;
   bool noPreview = false, half = false, noPostprocessing = false;
   uint32_t uniqueness = MatchOptions().uniqueness;
 };
@@ -74,7 +74,7 @@ std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, c
 void run(const Options& options) {
   StageTimes times;
   Pair pair = readInputs(options, times);
-  const MatchOptions settings{viewNamed(options.grid), options.uniqueness, !options.noPostprocessing,
+  const MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing,
                               readMaskFor(pair, options.mask)};
   const Match result = match(std::move(pair), settings, times);
   OutputFiles files({options.left, options.right, options.mask});
@@ -107,7 +107,10 @@ void addDisparityCommand(CLI::App& app) {
                        "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
-  command->add_option("--grid", options->grid, "View whose pixels get the disparities: left or right (default: left)")
+  command
+      ->add_option_function<std::string>(
+          "--grid", [options](const std::string& view) { options->grid = viewNamed(view); },
+          "View whose pixels get the disparities: left or right (default: left)")
       ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");
   command

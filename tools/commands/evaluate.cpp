@@ -44,10 +44,8 @@ void checkSize(const Grid<Value>& values, const Grid<Value>& truth, const char* 
                        sizeText(truth.width, truth.height).c_str()));
 }
 
-// Only where both say where they lie.
-void checkPlace(const HeightPicture& map, const HeightPicture& truth) {
-  const auto differ = [](double a, double b) { return std::abs(a - b) > 0.5; };
-  if (differ(map.cellMm, truth.cellMm) || differ(map.leftMm, truth.leftMm) || differ(map.topMm, truth.topMm))
+void checkPlace(const MapPlace& map, const MapPlace& truth) {
+  if (liesElsewhere(map, truth))
     throw Error(
         format("the elevation map begins at %.1f, %.1f mm with cells of %g mm, the truth at %.1f, %.1f mm with "
                "cells of %g mm",
@@ -55,8 +53,8 @@ void checkPlace(const HeightPicture& map, const HeightPicture& truth) {
 }
 
 // Seen in a mirror the right picture is a left one.
-Grid<float> visible(Grid<float> truth, const std::string& grid) {
-  if (grid == "left") return visibleInRight(truth);
+Grid<float> visible(Grid<float> truth, View grid) {
+  if (grid == View::left) return visibleInRight(truth);
   mirror(truth);
   truth = visibleInRight(truth);
   mirror(truth);
@@ -70,14 +68,14 @@ struct Compared {
 Compared readDisparities(const Options& options) {
   Compared c{readDisparity(options.input, options.scale, 16), readDisparity(options.truth, options.truthScale, 256)};
   checkSize(c.values, c.truth, "disparity picture");
-  if (!options.visible.empty()) c.truth = visible(std::move(c.truth), options.visible);
+  if (!options.visible.empty()) c.truth = visible(std::move(c.truth), viewNamed(options.visible));
   return c;
 }
 
 Compared readMaps(const Options& options) {
   HeightPicture map = readHeights(options.input), truth = readHeights(options.truth);
   checkSize(map.heights, truth.heights, "elevation map");
-  checkPlace(map, truth);
+  checkPlace(map.place, truth.place);
   return {std::move(map.heights), std::move(truth.heights)};
 }
 

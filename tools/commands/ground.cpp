@@ -15,6 +15,7 @@
 #include "tools/pictures/png.hpp"
 #include "tools/report/ground_report.hpp"
 #include "tools/report/map_plot.hpp"
+#include "tools/report/map_texts.hpp"
 #include "tools/report/ply.hpp"
 #include "tools/report/region_plot.hpp"
 #include "tools/sequence/ground_sequence.hpp"
@@ -28,16 +29,8 @@ struct Options : GroundOptions {
   SequenceOptions sequence;
 };
 
-TextChunks regionTexts(const GroundResult& r) {
-  TextChunks texts = mapTexts(r.frame, r.rule);
-  texts[chunks::units] = regionUnits;
-  texts["Description"] =
-      "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";
-  return texts;
-}
-
 void writeFindings(const std::string& folder, const GroundResult& r, const Findings& findings, OutputFiles& files) {
-  files.write(folder + "/regions.png", encodePng(findings.regions.labels, regionTexts(r)));
+  files.write(folder + "/regions.png", encodePng(findings.regions.labels, regionTexts(r.frame, r.rule)));
   files.write(folder + "/regions.preview.png", encodeRegionMap(r, findings));
   files.write(folder + "/regions.picture.png", encodeRegionPicture(r, findings));
 }
@@ -46,7 +39,7 @@ void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles&
   const std::string summary = groundJson(r);
   files.makeFolder(folder);
   if (!r.matched.pixels.empty())
-    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, nameOf(r.view))));
+    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, r.view)));
   files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r.frame, r.rule)));
   files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
   files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "ground/map_place.hpp"
 #include "lab/grid.hpp"
 
 namespace nadir::tool {
@@ -22,7 +23,7 @@ struct Thing {
 // Cells with the numbers of the things on them, 0 for none.
 struct ThingMap {
   Grid<uint16_t> cells;
-  double cellMm, leftMm, topMm;
+  MapPlace place;
   std::vector<Thing> things;
 };
 

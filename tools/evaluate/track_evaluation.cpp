@@ -5,10 +5,10 @@
 #include <cmath>
 #include <filesystem>
 
+#include "ground/areas.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
-#include "tools/camera/areas.hpp"
 #include "tools/draw/line_plot.hpp"
 #include "tools/sequence/frame_log.hpp"
 

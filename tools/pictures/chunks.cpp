@@ -8,23 +8,24 @@ namespace nadir::tool {
 
 std::string software() { return format("nadir %s", nadir_version()); }
 
-TextChunks disparityTexts(unsigned scale, const std::string& grid) {
+TextChunks disparityTexts(unsigned scale, View view) {
+  const char* grid = nameOf(view);
   return {{chunks::scale, std::to_string(scale)},
           {chunks::noValue, "0"},
           {chunks::units, format("1/%u pixel", scale)},
           {chunks::grid, grid},
           {"Description", format("Disparities of the %s picture: value / %u is the disparity in pixels, 0 means no "
                                  "value; right column = left column - disparity.",
-                                 grid.c_str(), scale)},
+                                 grid, scale)},
           {"Software", software()}};
 }
 
-TextChunks elevationTexts(double cellMm, double leftMm, double topMm) {
+TextChunks elevationTexts(const MapPlace& place) {
   return {{chunks::units, elevationUnits},
           {chunks::noValue, "0"},
-          {chunks::cell, format("%g", cellMm)},
-          {chunks::left, format("%.3f", leftMm)},
-          {chunks::top, format("%.3f", topMm)},
+          {chunks::cell, format("%g", place.cellMm)},
+          {chunks::left, format("%.3f", place.leftMm)},
+          {chunks::top, format("%.3f", place.topMm)},
           {"Description",
            "Heights above the ground in mm, seen from above: 0 means unseen, seen cells are 1 to 65535 (what is lower "
            "than 1 mm is 1). World x grows by nadir:cell-mm from column to column, world y from row to row."},

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "ground/map_place.hpp"
+#include "ground/view.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
@@ -21,19 +23,12 @@ constexpr const char* top = "nadir:top-mm";
 constexpr const char* elevationUnits = "mm";
 constexpr const char* regionUnits = "region";
 
-// A seen cell stores 1 to 65535 mm, because 0 means unseen: what lies lower, the bare ground's noise included, is 1.
-constexpr float lowestStoredMm = 1;
-constexpr float highestStoredMm = 65535;
-
 // scale  what 1 pixel of disparity is stored as.
-// grid   "left" or "right", the picture whose pixels the disparities belong to.
-TextChunks disparityTexts(unsigned scale, const std::string& grid);
+// grid   the view whose pixels the disparities belong to.
+TextChunks disparityTexts(unsigned scale, View grid);
 
-// Of an elevation map in mm.
-//
-// cellMm       the side of a cell.
-// leftMm, topMm  world x and y of the first cell's outer corner.
-TextChunks elevationTexts(double cellMm, double leftMm, double topMm);
+// The texts of an elevation map in mm.
+TextChunks elevationTexts(const MapPlace& place);
 
 // Who made a file.
 std::string software();

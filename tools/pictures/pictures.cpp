@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "ground/known_values.hpp"
+#include "ground/map.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/files.hpp"
@@ -43,6 +44,12 @@ Raster readMeasurements(const std::string& path, const char* what) {
   Raster raster = readRaster(path);
   if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of " + what);
   return raster;
+}
+
+MapPlace placeIn(const Raster& raster) {
+  const double unknown = std::nan("");
+  return {ownNumber(raster, chunks::cell, unknown), ownNumber(raster, chunks::left, unknown),
+          ownNumber(raster, chunks::top, unknown)};
 }
 
 // Measurements have one channel of 16 bits.
@@ -101,11 +108,8 @@ Grid<uint16_t> readElevation(const std::string& path) { return gridOf(readMeasur
 
 HeightPicture readHeights(const std::string& path) {
   const Raster raster = readMeasurements(path, "heights");
-  const double none = ownNumber(raster, chunks::noValue, 0), unknown = std::nan("");
-  HeightPicture picture{{raster.width, raster.height, std::nanf("")},
-                        ownNumber(raster, chunks::cell, unknown),
-                        ownNumber(raster, chunks::left, unknown),
-                        ownNumber(raster, chunks::top, unknown)};
+  const double none = ownNumber(raster, chunks::noValue, 0);
+  HeightPicture picture{{raster.width, raster.height, std::nanf("")}, placeIn(raster)};
   for (size_t i = 0; i < raster.samples.size(); ++i)
     if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestStoredMm);
   return picture;
@@ -113,13 +117,8 @@ HeightPicture readHeights(const std::string& path) {
 
 LabelPicture readLabels(const std::string& path) {
   Raster raster = readMeasurements(path, "regions");
-  const double unknown = std::nan("");
-  LabelPicture picture{{},
-                       ownNumber(raster, chunks::cell, unknown),
-                       ownNumber(raster, chunks::left, unknown),
-                       ownNumber(raster, chunks::top, unknown)};
-  picture.labels = gridOf(std::move(raster));
-  return picture;
+  const MapPlace place = placeIn(raster);
+  return {gridOf(std::move(raster)), place};
 }
 
 }  // namespace nadir::tool

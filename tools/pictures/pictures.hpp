@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "ground/map_place.hpp"
 #include "lab/grid.hpp"
 #include "tools/pictures/raster.hpp"
 
@@ -29,14 +30,14 @@ bool isElevationMap(const std::string& path);
 
 // An elevation map.
 struct HeightPicture {
-  Grid<float> heights;                       // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
-  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+  Grid<float> heights;  // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
+  MapPlace place;
 };
 
 // A map of regions.
 struct LabelPicture {
-  Grid<uint16_t> labels;                     // 0 for none
-  double cellMm = 0, leftMm = 0, topMm = 0;  // where the map lies, NaN where the file does not say
+  Grid<uint16_t> labels;  // 0 for none
+  MapPlace place;
 };
 
 LabelPicture readLabels(const std::string& path);

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ground/known_values.hpp"
+#include "tools/camera/camera_file.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/report/ground_report.hpp"

@@ -12,6 +12,7 @@
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/ground_report.hpp"
+#include "tools/report/map_texts.hpp"
 #include "tools/road/pair_input.hpp"
 #include "tools/sequence/frame_log.hpp"
 #include "tools/sequence/settings_difference.hpp"

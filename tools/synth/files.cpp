@@ -16,7 +16,12 @@ namespace {
 
 using nadir::scene::Side;
 
-const char* nameOf(Side side) { return side == Side::left ? "left" : "right"; }
+// The renderer stands alone and has a word of its own for the views.
+View viewOf(Side side) { return side == Side::left ? View::left : View::right; }
+
+const char* nameOf(Side side) { return nameOf(viewOf(side)); }
+
+MapPlace placeOf(const Rendering& r) { return {static_cast<double>(r.mapLayout.cell), r.map.cornerX, r.map.cornerY}; }
 
 // ---- pictures ----
 
@@ -40,7 +45,7 @@ Grid<uint16_t> encoded(const Grid<double>& values, double scale, double most, ui
 }
 
 Bytes disparityFile(const Grid<double>& disparity, Side side, const char* remark) {
-  TextChunks text = disparityTexts(synthDisparityScale, nameOf(side));
+  TextChunks text = disparityTexts(synthDisparityScale, viewOf(side));
   text["Description"] = format(
       "True disparities of the %s picture: value / %u is the disparity in pixels, right column = left column - "
       "disparity. 0: %s.",
@@ -84,7 +89,7 @@ Bytes elevationFile(const Rendering& r) {
   Grid<double> shown = r.map.elevation;
   for (size_t i = 0; i < shown.pixels.size(); ++i)
     shown.pixels[i] = r.map.inPicture.pixels[i] ? std::max(1.0, shown.pixels[i]) : 0;
-  TextChunks text = elevationTexts(r.mapLayout.cell, r.map.cornerX, r.map.cornerY);
+  TextChunks text = elevationTexts(placeOf(r));
   text["Description"] =
       "True height in mm above the ground of the topmost surface at each cell's centre, hidden or not; what is lower "
       "than 1 mm is 1, 0 is outside the picture. World x grows from column to column, world y from row to row.";
@@ -92,7 +97,7 @@ Bytes elevationFile(const Rendering& r) {
 }
 
 Bytes regionsFile(const Rendering& r) {
-  TextChunks text = elevationTexts(r.mapLayout.cell, r.map.cornerX, r.map.cornerY);
+  TextChunks text = elevationTexts(placeOf(r));
   text[chunks::units] = regionUnits;
   text["Description"] =
       "The object at each cell's centre, whether the picture shows it or not: 0 is the ground, scene.json tells the "

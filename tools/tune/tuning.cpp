@@ -8,6 +8,7 @@
 #include "ground/map.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
+#include "tools/camera/camera_file.hpp"
 #include "tools/evaluate/evaluation.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/road/pair_input.hpp"

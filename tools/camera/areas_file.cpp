@@ -1,10 +1,10 @@
-#include "tools/camera/areas.hpp"
+#include "tools/camera/areas_file.hpp"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "tools/base/text.hpp"
+#include "tools/camera/camera_file.hpp"
 #include "tools/files/files.hpp"
 #include "tools/files/toml_file.hpp"
 
@@ -142,12 +142,5 @@ std::vector<Area> readAreas(const std::string& path, const std::vector<Area>& ot
   reader.readAll(top);
   return reader.take();
 }
-
-PolygonRecord::PolygonRecord(const std::vector<Point_s32>& corners) : words_(1 + 2 * corners.size()) {
-  words_[0] = static_cast<int32_t>(corners.size());
-  std::memcpy(words_.data() + 1, corners.data(), corners.size() * sizeof(Point_s32));
-}
-
-const Polygon_s32* PolygonRecord::get() const { return reinterpret_cast<const Polygon_s32*>(words_.data()); }
 
 }  // namespace nadir::tool

@@ -1,0 +1,15 @@
+// What the files of a map say of themselves.
+#pragma once
+
+#include "ground/map.hpp"
+#include "tools/pictures/raster.hpp"
+
+namespace nadir::tool {
+
+// The texts of a map of heights.
+TextChunks mapTexts(const MapFrame& frame, const CellRule& rule);
+
+// The texts of the map that holds the label of each cell's region.
+TextChunks regionTexts(const MapFrame& frame, const CellRule& rule);
+
+}  // namespace nadir::tool
