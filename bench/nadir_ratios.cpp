@@ -1,5 +1,5 @@
-// Prints what docs/measured/benchmarks.md holds: how much faster each vector level is than scalar code, how the library compares
-// with others, and what it allocates. Only ratios: they mean something on other machines too.
+// Prints what docs/measured/benchmarks.md holds: how much faster each vector level is than scalar code, how the library
+// compares with others, and what it allocates. Only ratios: they mean something on other machines too.
 #include <cstdio>
 #include <memory>
 #include <string>
