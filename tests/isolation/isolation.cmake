@@ -1,0 +1,32 @@
+# Looks for shared names in the objects of the instruction levels. Given NM, LEVELS and OBJECTS, those of the library.
+cmake_minimum_required(VERSION 3.22)
+include(${CMAKE_CURRENT_LIST_DIR}/shared_names.cmake)
+
+set(failures "")
+set(examined 0)
+foreach(level IN LISTS LEVELS)
+  set(of_level ${OBJECTS})
+  list(FILTER of_level INCLUDE REGEX "_${level}\\.cpp\\.[a-z]+$")
+  if(NOT of_level)
+    list(APPEND failures "no object is compiled for ${level}")
+  endif()
+  foreach(object IN LISTS of_level)
+    execute_process(COMMAND ${NM} ${object} OUTPUT_VARIABLE listing RESULT_VARIABLE result)
+    if(NOT result EQUAL 0 OR listing STREQUAL "")
+      list(APPEND failures "${NM} cannot list ${object}")
+    endif()
+    find_shared_names(names ${level} "${listing}")
+    foreach(name IN LISTS names)
+      list(APPEND failures "${object}: ${name}")
+    endforeach()
+    math(EXPR examined "${examined} + 1")
+  endforeach()
+endforeach()
+
+message("${examined} objects of ${LEVELS} examined")
+list(JOIN failures "\n  " failures)
+if(failures)
+  message(FATAL_ERROR "weak names without their level's name, which other processors' code may be merged with:\n"
+                      "  ${failures}\n"
+                      "Make them members of a template of the level's Simd, or lambdas.")
+endif()
