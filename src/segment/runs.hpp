@@ -32,7 +32,7 @@ inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* r
 }
 
 // Which runs of neighbouring rows may touch: those that share a column, or also those that meet at a corner.
-enum class Reach : uint32_t { sharedColumn = 0, corner = 1 };
+enum class Reach { sharedColumn, corner };
 
 // The label of a run that has one, or none yet, and turns out to touch another.
 template <class Labels>
@@ -46,7 +46,7 @@ uint16_t joined(uint16_t label, uint16_t other, Labels& labels) {
 template <class Labels, class Touches>
 void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach reach, Labels& labels,
              Touches touches) {
-  const uint32_t gap = static_cast<uint32_t>(reach);
+  const uint32_t gap = reach == Reach::corner ? 1 : 0;
   const Run *first = above, *const aboveEnd = above + aboveCount;
   for (Run* run = row; run != row + count; ++run) {
     const uint32_t from = run->start, to = run->end + gap;

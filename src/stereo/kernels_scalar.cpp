@@ -32,19 +32,19 @@ void costs(const uint32_t* first, const uint32_t* reference, size_t width, uint8
 }
 
 uint8_t lesser(uint8_t a, uint8_t b) { return a < b ? a : b; }
-uint8_t wrapped(unsigned x) { return static_cast<uint8_t>(x); }
+uint8_t wrapped(int x) { return static_cast<uint8_t>(x); }
 
 // Old path costs are read before the new ones replace them: `before` and `here` may be the same slot.
 uint8_t pathPixel(const PathRowJob& job, size_t x, const uint8_t* before, uint8_t smallest, uint8_t* here) {
   const uint8_t* cost = job.costs + x * job.numDisparities;
   uint8_t* sum = job.sums + x * job.numDisparities;
-  const uint8_t jump = wrapped(smallest + job.p2[x] + 0u);
+  const uint8_t jump = wrapped(smallest + job.p2[x]);
   uint8_t below = job.fill, same = before[0], least = 255;
   for (size_t d = 0; d < job.numDisparities; ++d) {
     const uint8_t above = before[d + 1];
-    const uint8_t step = lesser(wrapped(below + job.p1 + 0u), wrapped(above + job.p1 + 0u));
-    const uint8_t path = wrapped(cost[d] + lesser(lesser(same, jump), step) - smallest + 0u);
-    sum[d] = wrapped(sum[d] + path + 0u);
+    const uint8_t step = lesser(wrapped(below + job.p1), wrapped(above + job.p1));
+    const uint8_t path = wrapped(cost[d] + lesser(lesser(same, jump), step) - smallest);
+    sum[d] = wrapped(sum[d] + path);
     here[d] = path;
     least = lesser(least, path);
     below = same;
@@ -118,13 +118,13 @@ void extend(const uint8_t* before, const uint8_t* costs, uint8_t p2, uint8_t* he
   from[0] = from[disparities + 1] = noPredecessor;
   std::memcpy(from + 1, before, disparities);
   for (size_t d = 0; d < disparities; ++d) {
-    const uint8_t neighbour = wrapped(lesser(from[d], from[d + 2]) + 0u + penaltyOne);
-    path[d] = wrapped(costs[d] + lesser(lesser(from[d + 1], p2), neighbour) + 0u);
+    const uint8_t neighbour = wrapped(lesser(from[d], from[d + 2]) + penaltyOne);
+    path[d] = wrapped(costs[d] + lesser(lesser(from[d + 1], p2), neighbour));
   }
   uint8_t least = 255;
   for (size_t d = 0; d < disparities; ++d) least = lesser(least, path[d]);
-  for (size_t d = 0; d < disparities; ++d) here[d] = wrapped(path[d] - least + 0u);
-  for (size_t d = 0; d < disparities; ++d) sums[d] = wrapped(sums[d] + path[d] + 0u);
+  for (size_t d = 0; d < disparities; ++d) here[d] = wrapped(path[d] - least);
+  for (size_t d = 0; d < disparities; ++d) sums[d] = wrapped(sums[d] + path[d]);
 }
 
 // Calls decide(x, sums) for every pixel that gets a result.
@@ -168,7 +168,7 @@ void walkDistinctness(const SgmRowJob& job) {
     findMin(sums, count, &least, &winner);
     for (size_t d = winner ? winner - 1 : 0; d <= winner + 1 && d < count; ++d) sums[d] = 255;
     findMin(sums, count, &next, &runnerUp);
-    job.distinctness[x] = wrapped(next - least + 0u);
+    job.distinctness[x] = wrapped(next - least);
   });
 }
 

@@ -18,14 +18,14 @@ struct Decision {
   static size_t firstCutShort(size_t width, size_t x) { return x + disparities <= width ? width - disparities + 1 : x; }
 
   // Where the number of disparity d lies, for -1 to 64.
-  static size_t placeOf(unsigned d) {
+  static size_t placeOf(int d) {
     static constexpr struct Table {
       uint8_t v[disparities + 2] = {};
       constexpr Table() {
         for (size_t i = 0; i < disparities; ++i) v[i + 1] = static_cast<uint8_t>(Numbers::place(i));
       }
     } table;
-    return table.v[d + 1];
+    return table.v[static_cast<size_t>(d + 1)];
   }
 
   // What decides over the pixels of a stretch.
@@ -87,8 +87,8 @@ struct Decision {
     uint8_t below[count], above[count];
     for (size_t k = 0; k < count; ++k) {
       const uint8_t* const own = sums + (i + k) * disparities;
-      below[k] = own[placeOf(winners.index[i + k] - 1u)];
-      above[k] = own[placeOf(winners.index[i + k] + 1u)];
+      below[k] = own[placeOf(winners.index[i + k] - 1)];
+      above[k] = own[placeOf(winners.index[i + k] + 1)];
     }
     for (size_t k = 0; k < count; ++k) {
       winners.below[i + k] = below[k];
