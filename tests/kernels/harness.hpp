@@ -19,6 +19,18 @@ namespace nadir::test {
 enum class Fill { low, high, alternating, sparse, random };
 constexpr Fill allFills[] = {Fill::low, Fill::high, Fill::alternating, Fill::sparse, Fill::random};
 
+inline const char* nameOf(Fill fill) {
+  switch (fill) {
+    case Fill::low: return "low";
+    case Fill::high: return "high";
+    case Fill::alternating: return "alternating";
+    case Fill::sparse: return "sparse";
+    default: return "random";
+  }
+}
+
+constexpr size_t widest = 4 * 32 + 1;  // four of the widest vectors of 16-bit words, and one more
+
 template <class T>
 T anyIn(Random& random, T lo, T hi) {
   const uint64_t count = static_cast<uint64_t>(int64_t{hi} - int64_t{lo}) + 1;
@@ -41,7 +53,8 @@ std::vector<T> filled(Random& random, Fill fill, size_t n, T lo, T hi) {
 template <class T>
 class Output {
  public:
-  Output(size_t n, Guard side, uint8_t mark) : n_(n), side_(side), mark_(mark), bytes_(n * sizeof(T) + margin, side) {
+  Output(size_t n, Guard side, uint8_t mark = 0x5A)
+      : n_(n), side_(side), mark_(mark), bytes_(n * sizeof(T) + margin, side) {
     std::memset(bytes_.data(), mark, bytes_.size());
   }
   T* data() { return static_cast<T*>(static_cast<void*>(bytes_.data() + (side_ == Guard::behind ? margin : 0))); }
@@ -100,13 +113,18 @@ class Check {
   size_t comparisons_ = 0;
 };
 
-// Calls f(n, fill, side) for every width up to the largest, every fill and both sides of the guard page.
+inline std::string described(size_t n, Fill fill, Guard side) {
+  return "width " + std::to_string(n) + ", fill " + nameOf(fill) + ", guard " +
+         (side == Guard::behind ? "behind" : "before");
+}
+
+// Calls f(n, fill, side) for every width from least to most, every fill and both sides of the guard page.
 template <class F>
-void forEachInput(Check& check, size_t maxWidth, F f) {
-  for (size_t n = 0; n <= maxWidth; ++n) {
+void forEachInput(Check& check, size_t least, size_t most, F f) {
+  for (size_t n = least; n <= most; ++n) {
     for (Fill fill : allFills) {
       for (Guard side : {Guard::behind, Guard::before}) {
-        check.describe("width " + std::to_string(n) + ", fill " + std::to_string(static_cast<int>(fill)));
+        check.describe(described(n, fill, side));
         f(n, fill, side);
       }
     }

@@ -1,3 +1,4 @@
+// The cases of thresholds, arithmetic and masks.
 #include "imgproc/point_kernels.hpp"
 
 #include <algorithm>
@@ -8,14 +9,13 @@
 namespace nadir::test {
 namespace {
 
-constexpr size_t kMaxWidth = 4 * 32 + 1;
-constexpr size_t kBenchPixels = 640 * 480;
+constexpr size_t benchPixelCount = 640 * 480;
 
 // Runs both kernels, each by run(kernel, input, output), into another row and in place.
 template <class T, class Kernel, class Run>
 void compare(Check& check, const std::vector<T>& in, Guard side, Kernel scalar, Kernel tested, Run run) {
   const Guarded<T> src(in, side);
-  Output<T> want(in.size(), side, 0x5A), got(in.size(), side, 0x5A), inPlace(in.size(), side, 0x5A);
+  Output<T> want(in.size(), side), got(in.size(), side), inPlace(in.size(), side);
   inPlace.set(in);
   run(scalar, src.data(), want.data());
   run(tested, src.data(), got.data());
@@ -25,7 +25,7 @@ void compare(Check& check, const std::vector<T>& in, Guard side, Kernel scalar, 
 }
 
 void checkRange(Check& check, RangeRow scalar, RangeRow tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const PixelRange range = {anyIn<uint16_t>(check.random, 0, 65535), anyIn<uint16_t>(check.random, 0, 65535)};
     std::vector<uint16_t> in = filled<uint16_t>(check.random, fill, n, 0, 65535);
     const uint16_t ends[] = {range.lo, static_cast<uint16_t>(range.lo + range.span)};
@@ -38,7 +38,7 @@ void checkRange(Check& check, RangeRow scalar, RangeRow tested) {
 // Small second operands too: those count as shifts.
 template <uint16_t MinOperand>
 void checkCombine(Check& check, CombineRow scalar, CombineRow tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     std::vector<uint16_t> other = filled<uint16_t>(check.random, fill, n, MinOperand, 65535);
     for (size_t i = 0; i < n; i += 2) other[i] = anyIn<uint16_t>(check.random, MinOperand, 20);
     const Guarded<uint16_t> b(other, side);
@@ -49,7 +49,7 @@ void checkCombine(Check& check, CombineRow scalar, CombineRow tested) {
 
 template <class T>
 void checkMask(Check& check, MaskRow<T> scalar, MaskRow<T> tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint8_t> set(filled<uint8_t>(check.random, fill, n, 0, 255), side);
     compare(check, filled<T>(check.random, Fill::random, n, 0, std::numeric_limits<T>::max()), side, scalar, tested,
             [&](MaskRow<T> kernel, const T* src, T* dst) { kernel(src, set.data(), dst, n); });
@@ -59,7 +59,7 @@ void checkMask(Check& check, MaskRow<T> scalar, MaskRow<T> tested) {
 template <class T>
 const std::vector<T>& benchPixels() {
   static const std::vector<T> pixels = [] {
-    std::vector<T> any = Random(7).values<T>(kBenchPixels, 65536);
+    std::vector<T> any = Random(7).values<T>(benchPixelCount, 65536);
     std::replace(any.begin(), any.end(), T{0}, T{1});
     return any;
   }();
@@ -68,22 +68,22 @@ const std::vector<T>& benchPixels() {
 
 template <class T>
 std::vector<T>& benchOutput() {
-  static std::vector<T> out(kBenchPixels);
+  static std::vector<T> out(benchPixelCount);
   return out;
 }
 
 void benchRange(RangeRow kernel) {
-  kernel(benchPixels<uint16_t>().data(), benchOutput<uint16_t>().data(), kBenchPixels, {1000, 20000});
+  kernel(benchPixels<uint16_t>().data(), benchOutput<uint16_t>().data(), benchPixelCount, {1000, 20000});
 }
 
 void benchCombine(CombineRow kernel) {
   const uint16_t* pixels = benchPixels<uint16_t>().data();
-  kernel(pixels, pixels + 1, benchOutput<uint16_t>().data(), kBenchPixels - 1);
+  kernel(pixels, pixels + 1, benchOutput<uint16_t>().data(), benchPixelCount - 1);
 }
 
 template <class T>
 void benchMask(MaskRow<T> kernel) {
-  kernel(benchPixels<T>().data(), benchPixels<uint8_t>().data(), benchOutput<T>().data(), kBenchPixels);
+  kernel(benchPixels<T>().data(), benchPixels<uint8_t>().data(), benchOutput<T>().data(), benchPixelCount);
 }
 
 void addCombine(Registry& r, const char* name, CombineRow (*pick)(unsigned)) {

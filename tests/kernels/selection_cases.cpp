@@ -1,4 +1,4 @@
-// The search for a pixel's smallest cost and the check that it is distinct.
+// The cases of the search for the smallest cost, the check that it is distinct, and the place between two disparities.
 #include "stereo/kernels.hpp"
 #include "tests/kernels/harness.hpp"
 
@@ -9,21 +9,19 @@ namespace {
 constexpr uint8_t ranges[] = {1, 12, 254, 255};
 
 template <class F>
-void forCosts(Check& check, size_t least, F f) {
-  for (size_t count = least; count <= 256; ++count) {
-    for (Fill fill : allFills) {
-      for (uint8_t range : ranges) {
-        check.describe("count " + std::to_string(count) + ", range " + std::to_string(range));
-        const Guarded<uint8_t> costs(filled<uint8_t>(check.random, fill, count, static_cast<uint8_t>(255 - range), 255),
-                                     check.random.below(2) ? Guard::behind : Guard::before);
-        f(costs.data(), count);
-      }
+void forCosts(Check& check, F f) {
+  forEachInput(check, 1, 256, [&](size_t count, Fill fill, Guard side) {
+    for (uint8_t range : ranges) {
+      check.describe(described(count, fill, side) + ", range " + std::to_string(range));
+      const Guarded<uint8_t> costs(filled<uint8_t>(check.random, fill, count, static_cast<uint8_t>(255 - range), 255),
+                                   side);
+      f(costs.data(), count);
     }
-  }
+  });
 }
 
 void checkFindMin(Check& check, FindMin scalar, FindMin tested) {
-  forCosts(check, 1, [&](const uint8_t* costs, size_t count) {
+  forCosts(check, [&](const uint8_t* costs, size_t count) {
     Output<uint8_t> wantValue(1, Guard::behind, 0), gotValue(1, Guard::behind, 0);
     Output<uint32_t> wantIndex(1, Guard::behind, 0), gotIndex(1, Guard::behind, 0);
     scalar(costs, count, wantValue.data(), wantIndex.data());
@@ -34,7 +32,7 @@ void checkFindMin(Check& check, FindMin scalar, FindMin tested) {
 }
 
 void checkPeak(Check& check, PeakCheck scalar, PeakCheck tested) {
-  forCosts(check, 1, [&](const uint8_t* original, size_t count) {
+  forCosts(check, [&](const uint8_t* original, size_t count) {
     std::vector<uint8_t> lowered(original, original + count);
     const uint8_t shift = static_cast<uint8_t>(check.random.below(256));
     for (uint8_t& c : lowered) c = static_cast<uint8_t>(c < shift ? 0 : c - shift);
@@ -58,7 +56,7 @@ void setWinner(Winners& winners, size_t i, Random& random, unsigned below, unsig
 }
 
 void compareRefined(Check& check, Refine scalar, Refine tested, const Winners& winners, size_t n) {
-  Output<uint16_t> want(n, Guard::behind, 0x5A), got(n, Guard::behind, 0x5A);
+  Output<uint16_t> want(n, Guard::behind), got(n, Guard::behind);
   scalar(winners, n, want.data());
   tested(winners, n, got.data());
   check.equal("disparity", want, got);

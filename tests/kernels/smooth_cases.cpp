@@ -1,3 +1,4 @@
+// The cases of smoothing, hole filling and averaging.
 #include "imgproc/smooth_kernels.hpp"
 
 #include <algorithm>
@@ -14,14 +15,13 @@ using Pull = decltype(SmoothKernels::pull);
 using Push = decltype(SmoothKernels::push);
 using Mean = decltype(SmoothKernels::mean);
 
-constexpr size_t kMaxWidth = 4 * 32 + 1;
-constexpr uint16_t kMaxSum = 16 * 255;
-constexpr size_t kBenchWidth = 640;
+constexpr uint16_t largestSum = 16 * 255;  // of 8 bits each, with weights that add up to 16
+constexpr size_t benchWidth = 640;
 
 // Runs both kernels, each by run(kernel, its output), and compares.
 template <class T, class Kernel, class Run>
 void compare(Check& check, size_t n, Guard side, Kernel scalar, Kernel tested, Run run) {
-  Output<T> want(n, side, 0x5A), got(n, side, 0x5A);
+  Output<T> want(n, side), got(n, side);
   run(scalar, want.data());
   run(tested, got.data());
   check.equal("element", want, got);
@@ -32,9 +32,9 @@ std::vector<uint16_t> pixels(Check& check, Fill fill, size_t n) {
 }
 
 void checkAcross(Check& check, Across scalar, Across tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> row(pixels(check, fill, n + 4), side);
-    Output<uint16_t> wantHigh(n, side, 0x5A), wantLow(n, side, 0x5A), high(n, side, 0x5A), low(n, side, 0x5A);
+    Output<uint16_t> wantHigh(n, side), wantLow(n, side), high(n, side), low(n, side);
     scalar(row.data(), {wantHigh.data(), wantLow.data()}, n);
     tested(row.data(), {high.data(), low.data()}, n);
     check.equal("high", wantHigh, high);
@@ -43,15 +43,15 @@ void checkAcross(Check& check, Across scalar, Across tested) {
 }
 
 void checkDown(Check& check, Down scalar, Down tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     std::vector<std::unique_ptr<Guarded<uint16_t>>> sums;
     const auto newSums = [&] {
-      sums.push_back(std::make_unique<Guarded<uint16_t>>(filled<uint16_t>(check.random, fill, n, 0, kMaxSum), side));
+      sums.push_back(std::make_unique<Guarded<uint16_t>>(filled<uint16_t>(check.random, fill, n, 0, largestSum), side));
       return sums.back()->data();
     };
     GaussRows rows;
     for (GaussSums& row : rows.row) row = {newSums(), newSums()};
-    Output<uint16_t> wantFirst(n, side, 0x5A), wantSecond(n, side, 0x5A), first(n, side, 0x5A), second(n, side, 0x5A);
+    Output<uint16_t> wantFirst(n, side), wantSecond(n, side), first(n, side), second(n, side);
     scalar(rows, wantFirst.data(), wantSecond.data(), n);
     tested(rows, first.data(), second.data(), n);
     check.equal("first", wantFirst, first);
@@ -60,7 +60,7 @@ void checkDown(Check& check, Down scalar, Down tested) {
 }
 
 void checkPull(Check& check, Pull scalar, Pull tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> above(pixels(check, fill, 2 * n), side), below(pixels(check, fill, 2 * n), side);
     compare<uint16_t>(check, n, side, scalar, tested,
                       [&](Pull f, uint16_t* out) { f(above.data(), below.data(), out, n); });
@@ -68,7 +68,7 @@ void checkPull(Check& check, Pull scalar, Pull tested) {
 }
 
 void checkPush(Check& check, Push scalar, Push tested) {
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const Guarded<uint16_t> coarse(pixels(check, Fill::random, n), side), src(pixels(check, fill, 2 * n), side);
     compare<uint16_t>(check, 2 * n, side, scalar, tested,
                       [&](Push f, uint16_t* out) { f(coarse.data(), src.data(), out, n); });
@@ -81,7 +81,7 @@ void checkPush(Check& check, Push scalar, Push tested) {
 
 void checkMean(Check& check, Mean scalar, Mean tested) {
   using Limits = std::numeric_limits<int32_t>;
-  forEachInput(check, kMaxWidth, [&](size_t n, Fill fill, Guard side) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
     const Guarded<int32_t> sums(filled<int32_t>(check.random, fill, n, Limits::min(), Limits::max()), side);
     for (uint16_t most : {uint16_t{3}, uint16_t{65535}}) {
       const Guarded<uint16_t> counts(filled<uint16_t>(check.random, Fill::random, n, 0, most), side);
@@ -101,40 +101,40 @@ void forRows(F f) {
 }
 
 const uint16_t* benchPixels() {
-  static const std::vector<uint16_t> row = Random(7).values<uint16_t>(2 * kBenchWidth, 65536);
+  static const std::vector<uint16_t> row = Random(7).values<uint16_t>(2 * benchWidth, 65536);
   return row.data();
 }
 
 uint16_t* benchOutput() {
-  static std::vector<uint16_t> row(kBenchWidth);
+  static std::vector<uint16_t> row(benchWidth);
   return row.data();
 }
 
 void benchAcross(Across across) {
-  static std::vector<uint16_t> low(kBenchWidth);
-  forRows([=] { across(benchPixels(), {benchOutput(), low.data()}, kBenchWidth); });
+  static std::vector<uint16_t> low(benchWidth);
+  forRows([=] { across(benchPixels(), {benchOutput(), low.data()}, benchWidth); });
 }
 
 void benchDown(Down down) {
-  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * kGaussRows * kBenchWidth, kMaxSum + 1);
-  static std::vector<uint16_t> second(kBenchWidth);
+  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * kGaussRows * benchWidth, largestSum + 1);
+  static std::vector<uint16_t> second(benchWidth);
   GaussRows rows;
-  for (size_t k = 0; k < kGaussRows; ++k) rows.row[k] = {&sums[2 * k * kBenchWidth], &sums[(2 * k + 1) * kBenchWidth]};
-  forRows([=] { down(rows, benchOutput(), second.data(), kBenchWidth); });
+  for (size_t k = 0; k < kGaussRows; ++k) rows.row[k] = {&sums[2 * k * benchWidth], &sums[(2 * k + 1) * benchWidth]};
+  forRows([=] { down(rows, benchOutput(), second.data(), benchWidth); });
 }
 
 void benchPull(Pull pull) {
-  forRows([=] { pull(benchPixels(), benchPixels() + kBenchWidth, benchOutput(), kBenchWidth / 2); });
+  forRows([=] { pull(benchPixels(), benchPixels() + benchWidth, benchOutput(), benchWidth / 2); });
 }
 
 void benchPush(Push push) {
-  forRows([=] { push(benchPixels(), benchPixels() + kBenchWidth, benchOutput(), kBenchWidth / 2); });
+  forRows([=] { push(benchPixels(), benchPixels() + benchWidth, benchOutput(), benchWidth / 2); });
 }
 
 void benchMean(Mean mean) {
-  static const std::vector<int32_t> sums = Random(9).values<int32_t>(kBenchWidth, 1u << 20);
-  static const std::vector<uint16_t> counts = Random(10).values<uint16_t>(kBenchWidth, 17);
-  forRows([=] { mean(sums.data(), counts.data(), 8, benchOutput(), kBenchWidth); });
+  static const std::vector<int32_t> sums = Random(9).values<int32_t>(benchWidth, 1u << 20);
+  static const std::vector<uint16_t> counts = Random(10).values<uint16_t>(benchWidth, 17);
+  forRows([=] { mean(sums.data(), counts.data(), 8, benchOutput(), benchWidth); });
 }
 
 }  // namespace

@@ -1,31 +1,20 @@
-// Census, penalties, costs and path costs of one row.
+// The cases of census, penalties, costs and path costs of one row.
 #include "stereo/kernels.hpp"
 #include "tests/kernels/harness.hpp"
 
 namespace nadir::test {
 namespace {
 
-constexpr size_t widest = 4 * 32 + 1;  // four of the widest vectors of words, and one more
-
-std::string atWidth(size_t n, Fill fill) {
-  return "width " + std::to_string(n) + ", fill " + std::to_string(static_cast<int>(fill));
-}
-
 void checkCensus(Check& check, CensusRow scalar, CensusRow tested) {
-  for (size_t n = 0; n <= widest; ++n) {
-    for (Fill fill : allFills) {
-      for (Guard side : {Guard::behind, Guard::before}) {
-        check.describe(atWidth(n, fill));
-        const Guarded<uint16_t> pixels(filled<uint16_t>(check.random, fill, 5 * (n + 4), 0, 65535), side);
-        const uint16_t* rows[5];
-        for (size_t y = 0; y < 5; ++y) rows[y] = pixels.data() + y * (n + 4);
-        Output<uint32_t> want(n, side, 0x5A), got(n, side, 0x5A);
-        scalar(rows, want.data(), n);
-        tested(rows, got.data(), n);
-        check.equal("code", want, got);
-      }
-    }
-  }
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint16_t> pixels(filled<uint16_t>(check.random, fill, 5 * (n + 4), 0, 65535), side);
+    const uint16_t* rows[5];
+    for (size_t y = 0; y < 5; ++y) rows[y] = pixels.data() + y * (n + 4);
+    Output<uint32_t> want(n, side), got(n, side);
+    scalar(rows, want.data(), n);
+    tested(rows, got.data(), n);
+    check.equal("code", want, got);
+  });
 }
 
 void benchCensus(CensusRow census) {
@@ -35,20 +24,18 @@ void benchCensus(CensusRow census) {
   for (int i = 0; i < 480; ++i) census(rows, codes.data(), codes.size());
 }
 
+// Small differences too: the largest ones all get the same penalty.
 void checkPenalties(Check& check, PenaltyRow scalar, PenaltyRow tested) {
-  for (size_t n = 0; n <= widest; ++n) {
-    for (Fill fill : allFills) {
-      for (uint16_t range : {uint16_t{400}, uint16_t{65535}}) {
-        check.describe(atWidth(n, fill));
-        const Guarded<uint16_t> pixels(filled<uint16_t>(check.random, fill, n, 0, range));
-        const Guarded<uint16_t> before(filled<uint16_t>(check.random, Fill::random, n, 0, range), Guard::before);
-        Output<uint8_t> want(n, Guard::behind, 0x5A), got(n, Guard::behind, 0x5A);
-        scalar(pixels.data(), before.data(), want.data(), n);
-        tested(pixels.data(), before.data(), got.data(), n);
-        check.equal("penalty", want, got);
-      }
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    for (uint16_t range : {uint16_t{400}, uint16_t{65535}}) {
+      const Guarded<uint16_t> pixels(filled<uint16_t>(check.random, fill, n, 0, range), side);
+      const Guarded<uint16_t> before(filled<uint16_t>(check.random, Fill::random, n, 0, range), side);
+      Output<uint8_t> want(n, side), got(n, side);
+      scalar(pixels.data(), before.data(), want.data(), n);
+      tested(pixels.data(), before.data(), got.data(), n);
+      check.equal("penalty", want, got);
     }
-  }
+  });
 }
 
 void benchPenalties(PenaltyRow penalties) {
@@ -67,21 +54,17 @@ std::vector<uint32_t> codes(Random& random, Fill fill, size_t n, bool strangeToo
   return out;
 }
 
+// Four stretches and a bit, so that some begin and end with others beside them.
 void checkCosts(Check& check, CostRow scalar, CostRow tested) {
-  for (size_t width = 5; width <= 270; width += width < 150 ? 1 : 13) {
-    for (Fill fill : allFills) {
-      for (Guard side : {Guard::behind, Guard::before}) {
-        check.describe(atWidth(width, fill));
-        const bool strangeToo = check.random.below(4) == 0;
-        const Guarded<uint32_t> first(codes(check.random, fill, width, strangeToo), side);
-        const Guarded<uint32_t> reference(codes(check.random, fill, width, strangeToo), side);
-        Output<uint8_t> want(width * disparities, side, 0x5A), got(width * disparities, side, 0x5A);
-        scalar(first.data(), reference.data(), width, want.data());
-        tested(first.data(), reference.data(), width, got.data());
-        check.equal("cost", want, got);
-      }
-    }
-  }
+  forEachInput(check, 5, 4 * stretch + 14, [&](size_t width, Fill fill, Guard side) {
+    const bool strangeToo = check.random.below(4) == 0;
+    const Guarded<uint32_t> first(codes(check.random, fill, width, strangeToo), side);
+    const Guarded<uint32_t> reference(codes(check.random, fill, width, strangeToo), side);
+    Output<uint8_t> want(width * disparities, side), got(width * disparities, side);
+    scalar(first.data(), reference.data(), width, want.data());
+    tested(first.data(), reference.data(), width, got.data());
+    check.equal("cost", want, got);
+  });
 }
 
 void benchCosts(CostRow costs) {
@@ -92,16 +75,16 @@ void benchCosts(CostRow costs) {
 }
 
 // Runs one row of path costs over buffers of its own, in place or from one buffer to another, and compares.
-void checkPathRow(Check& check, PathRow scalar, PathRow tested, size_t width, size_t n, Fill fill, bool inPlace) {
-  check.describe(atWidth(width, fill) + ", disparities " + std::to_string(n) + (inPlace ? ", in place" : ""));
+void checkPathRow(Check& check, PathRow scalar, PathRow tested, size_t width, size_t n, Fill fill, Guard side,
+                  bool inPlace) {
   const size_t slot = n + 16;
   const auto bytes = [&](size_t count) { return filled<uint8_t>(check.random, fill, count, 0, 255); };
-  const Guarded<uint8_t> costs(bytes(width * n)), p2(bytes(width)), before(bytes(width * slot)),
-      beforeMin(bytes(width));
+  const Guarded<uint8_t> costs(bytes(width * n), side), p2(bytes(width), side), before(bytes(width * slot), side),
+      beforeMin(bytes(width), side);
   const std::vector<uint8_t> sums = bytes(width * n);
-  Output<uint8_t> wantSums(width * n, Guard::behind, 1), gotSums(width * n, Guard::behind, 1);
-  Output<uint8_t> wantHere(width * slot, Guard::behind, 2), gotHere(width * slot, Guard::behind, 2);
-  Output<uint8_t> wantMin(width, Guard::before, 3), gotMin(width, Guard::before, 3);
+  Output<uint8_t> wantSums(width * n, side), gotSums(width * n, side);
+  Output<uint8_t> wantHere(width * slot, side), gotHere(width * slot, side);
+  Output<uint8_t> wantMin(width, side), gotMin(width, side);
   const auto run = [&](PathRow path, Output<uint8_t>& sum, Output<uint8_t>& here, Output<uint8_t>& least) {
     sum.set(sums);
     here.set(before.values());
@@ -117,12 +100,13 @@ void checkPathRow(Check& check, PathRow scalar, PathRow tested, size_t width, si
 }
 
 void checkPath(Check& check, PathRow scalar, PathRow tested) {
-  for (size_t width = 0; width <= 9; ++width) {
-    for (size_t n : {64u, 128u, 192u}) {
-      for (Fill fill : allFills) {
-        checkPathRow(check, scalar, tested, width, n, fill, false);
-        checkPathRow(check, scalar, tested, width, n, fill, true);
-      }
+  for (size_t n : {64u, 128u, 192u}) {
+    for (bool inPlace : {false, true}) {
+      forEachInput(check, 0, 9, [&](size_t width, Fill fill, Guard side) {
+        check.describe(described(width, fill, side) + ", disparities " + std::to_string(n) +
+                       (inPlace ? ", in place" : ""));
+        checkPathRow(check, scalar, tested, width, n, fill, side, inPlace);
+      });
     }
   }
 }

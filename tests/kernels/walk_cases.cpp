@@ -1,4 +1,4 @@
-// The matcher's walk along one row.
+// The cases of the matcher's walk along one row.
 #include "stereo/kernels.hpp"
 #include "tests/kernels/harness.hpp"
 
