@@ -1,3 +1,4 @@
+// The two drivers of the matcher: they give each row its working memory and walk down the picture.
 #include <nadir/stereo.h>
 
 #include <cstring>
@@ -16,100 +17,117 @@ struct Pair {
   uint32_t width, height;
 };
 
-// What a matcher keeps: the path costs of one row, with a slot more for each slanted direction, where "no predecessor"
-// stands. The direction from the upper left would overwrite what its next pixel needs and so has two rows.
-constexpr uint64_t pathBytes(uint64_t width) { return disparities * (2 * (width + 1) + width + (width + 1)); }
-constexpr size_t lineBytes = 64;  // a slot is one line of a processor's cache
+constexpr size_t lineBytes = 64;  // of a processor's cache; a pixel's path costs fill one
 
-constexpr uint64_t scratchBytes(uint64_t width) { return lineBytes - 1 + pathBytes(width) + 8 * width; }
+// Where the pieces of a matcher's working memory begin, counted in bytes from a line's beginning.
+struct Layout {
+  // The path costs of one row, with a slot more for each slanted direction, where "no predecessor" stands. The
+  // direction from the upper left would overwrite what its next pixel needs and so has two rows.
+  uint64_t upLeft[2], up, upRight;
+  uint64_t pathBytes;
+  uint64_t p2[4], p2Memory;  // the penalties of one row by PathDir, and what the kernel makes of them
+  uint64_t end = 0;
 
-// The matcher's working memory, one block cut into pieces, as a row job points at them.
+  explicit Layout(uint64_t width) {
+    for (uint64_t& row : upLeft) row = append((width + 1) * disparities);
+    up = append(width * disparities);
+    upRight = append((width + 1) * disparities);
+    pathBytes = end;
+    for (uint64_t& penalties : p2) penalties = append(width);
+    p2Memory = append(4 * width);
+  }
+
+  // Enough for all pieces wherever the memory begins.
+  uint64_t scratchBytes() const { return lineBytes - 1 + end; }
+
+ private:
+  uint64_t append(uint64_t bytes) { return std::exchange(end, end + bytes); }
+};
+
+uint8_t* nextLine(uint8_t* memory) {
+  return memory + (lineBytes - reinterpret_cast<uintptr_t>(memory) % lineBytes) % lineBytes;
+}
+
+// Prepares the rows of a pair from the first to the last.
 class Matcher {
  public:
-  Matcher(const Pair& pair, SgmDebugData* debug, uint8_t* memory)
-      : pair_(pair), debug_(debug), kernels_(stereoKernels(cpu())), free_(memory) {
-    const size_t width = pair.width, slots = (width + 1) * disparities;
-    free_ += (lineBytes - reinterpret_cast<uintptr_t>(memory) % lineBytes) % lineBytes;
-    std::memset(free_, noPredecessor, static_cast<size_t>(pathBytes(width)));
-    job_.upLeftBefore = taken(slots);
-    job_.upLeft = taken(slots) + disparities;
-    job_.up = taken(width * disparities);
-    job_.upRight = taken(slots);
-    for (size_t dir = 0; dir < 4; ++dir) job_.p2[dir] = p2_[dir] = taken(width);
-    job_.p2Memory = taken(4 * width);
-    job_.width = width;
+  Matcher(const Pair& pair, SgmDebugData* debug, const Layout& layout, uint8_t* memory)
+      : pair_(pair), debug_(debug), layout_(layout), memory_(nextLine(memory)) {
+    std::memset(memory_, noPredecessor, static_cast<size_t>(layout.pathBytes));
+    for (size_t dir = 0; dir < 4; ++dir) p2_[dir] = piece(layout.p2[dir]);
   }
 
-  const StereoKernels& kernels() const { return kernels_; }
-
-  // Everything of row y that does not depend on the driver.
-  SgmRowJob& prepareRow(uint32_t y) {
+  // The job of row y but for where its results go. What the row before wrote is what this one reads.
+  SgmRowJob prepareRow(uint32_t y) {
     const size_t at = size_t{y} * pair_.width;
-    job_.first = pair_.first + at;
-    job_.reference = pair_.reference + at;
-    job_.hasCosts = !isBorderRow(y, pair_.height);
-    preparePenalties(at, y);
-    if (debug_) prepareDebug(at);
-    return job_;
-  }
-
-  // What was written is what the next row reads.
-  void finishRow() {
-    uint8_t* const written = job_.upLeft - disparities;
-    job_.upLeft = const_cast<uint8_t*>(job_.upLeftBefore) + disparities;
-    job_.upLeftBefore = written;
+    const uint16_t* const pixels = pair_.image + at;
+    penaltiesOfRow(penalties_, pixels, y ? pixels - pair_.width : nullptr, pair_.width, p2_);
+    SgmRowJob job = {};
+    job.width = pair_.width;
+    job.first = pair_.first + at;
+    job.reference = pair_.reference + at;
+    job.hasCosts = !isBorderRow(y, pair_.height);
+    for (size_t dir = 0; dir < 4; ++dir) job.p2[dir] = p2_[dir];
+    job.p2Memory = piece(layout_.p2Memory);
+    job.upLeftBefore = piece(layout_.upLeft[y % 2]);
+    job.upLeft = piece(layout_.upLeft[(y + 1) % 2]) + disparities;
+    job.up = piece(layout_.up);
+    job.upRight = piece(layout_.upRight);
+    if (debug_) addDebug(job, at);
+    return job;
   }
 
  private:
-  void preparePenalties(size_t at, uint32_t y) {
-    const uint16_t* const pixels = pair_.image + at;
-    penaltiesOfRow(kernels_.penalties, pixels, y ? pixels - pair_.width : nullptr, pair_.width, p2_);
-  }
+  uint8_t* piece(uint64_t begin) const { return memory_ + begin; }
 
-  void prepareDebug(size_t at) {
-    const size_t width = pair_.width;
-    job_.costs = debug_->costVolume + at * disparities;
-    job_.sums = debug_->aggregatedVolume + at * disparities;
-    if (debug_->p2Size < uint64_t{width} * pair_.height) return;
-    std::memcpy(debug_->p2Left + at, p2_[PC_DIR_LEFT], width);
-    std::memcpy(debug_->p2UpLeft + at, p2_[PC_DIR_UPLEFT], width);
-    std::memcpy(debug_->p2Up + at, p2_[PC_DIR_UP], width);
-    std::memcpy(debug_->p2UpRight + at, p2_[PC_DIR_UPRIGHT], width);
+  void addDebug(SgmRowJob& job, size_t at) const {
+    job.costs = debug_->costVolume + at * disparities;
+    job.sums = debug_->aggregatedVolume + at * disparities;
+    if (debug_->p2Size < uint64_t{pair_.width} * pair_.height) return;
+    std::memcpy(debug_->p2Left + at, p2_[PC_DIR_LEFT], pair_.width);
+    std::memcpy(debug_->p2UpLeft + at, p2_[PC_DIR_UPLEFT], pair_.width);
+    std::memcpy(debug_->p2Up + at, p2_[PC_DIR_UP], pair_.width);
+    std::memcpy(debug_->p2UpRight + at, p2_[PC_DIR_UPRIGHT], pair_.width);
   }
-
-  uint8_t* taken(size_t bytes) { return std::exchange(free_, free_ + bytes); }
 
   const Pair pair_;
   SgmDebugData* const debug_;
-  const StereoKernels& kernels_;
-  uint8_t* free_;
-  uint8_t* p2_[4] = {};
-  SgmRowJob job_ = {};
+  const Layout layout_;
+  uint8_t* const memory_;
+  const PenaltyRow penalties_ = stereoKernels(cpu()).penalties;
+  uint8_t* p2_[4];
 };
+
+// Walks along every row. setResults(job, at) tells a job where the results of the row whose first pixel is `at` go.
+// Does nothing at all where there is no memory.
+template <class SetResults>
+void matchRows(const Pair& pair, SgmDebugData* debug, SgmRow walk, SetResults setResults) {
+  const Layout layout(pair.width);
+  const Scratch<uint8_t> memory(layout.scratchBytes());
+  if (!memory) return;
+  Matcher matcher(pair, debug, layout, memory.get());
+  for (uint32_t y = 0; y < pair.height; ++y) {
+    SgmRowJob job = matcher.prepareRow(y);
+    setResults(job, size_t{y} * pair.width);
+    walk(job);
+  }
+}
 
 }  // namespace
 }  // namespace nadir
-
-using namespace nadir;
 
 void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
                 uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug) {
   const size_t pixels = size_t{width} * height;
   if (pixels == 0) return;
   std::memset(disparity, 0, pixels * sizeof(uint16_t));
-  if (width < 5 || params->numDisparities != disparities) return;
-  const Scratch<uint8_t> memory(scratchBytes(width));
-  if (!memory) return;
-  Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
-  for (uint32_t y = 0; y < height; ++y) {
-    const size_t at = size_t{y} * width;
-    SgmRowJob& job = matcher.prepareRow(y);
+  if (width < 5 || params->numDisparities != nadir::disparities) return;
+  const nadir::SgmRow walk = nadir::stereoKernels(nadir::cpu()).walkDisparity;
+  nadir::matchRows({censusFirst, censusRef, image, width, height}, debug, walk, [=](nadir::SgmRowJob& job, size_t at) {
     job.peaks = debug ? debug->peakMap + at : nullptr;
     job.disparity = disparity + at;
     job.uniquenessRatio = params->uniquenessRatio;
-    matcher.kernels().walkDisparity(job);
-    matcher.finishRow();
-  }
+  });
 }
 
 void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
@@ -120,14 +138,9 @@ void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16
     std::memset(distinctiveness, 255, pixels);
     return;
   }
-  const Scratch<uint8_t> memory(scratchBytes(width));
-  if (!memory) return;
-  std::memset(distinctiveness, 255, pixels);
-  Matcher matcher({censusFirst, censusRef, image, width, height}, debug, memory.get());
-  for (uint32_t y = 0; y < height; ++y) {
-    SgmRowJob& job = matcher.prepareRow(y);
-    job.distinctness = distinctiveness + size_t{y} * width;
-    matcher.kernels().walkDistinctness(job);
-    matcher.finishRow();
-  }
+  const nadir::SgmRow walk = nadir::stereoKernels(nadir::cpu()).walkDistinctness;
+  nadir::matchRows({censusFirst, censusRef, image, width, height}, debug, walk, [=](nadir::SgmRowJob& job, size_t at) {
+    job.distinctness = distinctiveness + at;
+    std::memset(job.distinctness, 255, width);
+  });
 }
