@@ -1,1 +1,2 @@
-#include "signatures.c"
+// The same checks as in C, by a C++ compiler.
+#include "tests/abi/signatures.c"
