@@ -7,7 +7,7 @@
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_import.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 
 namespace nadir::tool {
 
@@ -106,7 +106,7 @@ void run(const Options& options) {
 void addKeyOption(CLI::App& command, const CameraKey& key, std::optional<double>& value) {
   CLI::Option* option = command.add_option(optionName(key), value, key.meaning)->group("Keys of the camera file");
   option->type_name(isCount(key) ? "N" : "NUMBER");
-  if (isCount(key)) option->check(wholeNumberFrom(0, UINT32_MAX));
+  if (isCount(key)) option->check(wholeNumberFrom(0, UINT32_MAX).check);
 }
 
 }  // namespace
@@ -120,12 +120,10 @@ void addCameraCommand(CLI::App& app) {
                       "One OpenCV stereo YAML file (P1 and P2, or Q), or two ROS camera_info YAML files, the left "
                       "camera's first; none where the options below say everything");
   command->add_option("-o,--output", options->output, "Camera file to write")->required()->type_name("FILE");
-  command
-      ->add_option("--unit-mm", options->unitMm,
-                   "The millimetres of one unit of length of the calibration, 1000 for metres (default for ROS: 1000; "
-                   "an OpenCV file needs it, since it does not say)")
-      ->check(positiveNumber())
-      ->type_name("N");
+  addNumber(*command, "--unit-mm", options->unitMm, positiveNumber(),
+            "The millimetres of one unit of length of the calibration, 1000 for metres (default for ROS: 1000; an "
+            "OpenCV file needs it, since it does not say)",
+            "N");
   options->values.resize(cameraKeys().size());
   for (size_t i = 0; i < cameraKeys().size(); ++i) addKeyOption(*command, cameraKeys()[i], options->values[i]);
   command->footer(

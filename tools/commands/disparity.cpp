@@ -12,7 +12,7 @@
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -107,26 +107,15 @@ void addDisparityCommand(CLI::App& app) {
                        "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
-  command
-      ->add_option_function<std::string>(
-          "--grid", [options](const std::string& view) { options->grid = viewNamed(view); },
-          "View whose pixels get the disparities: left or right (default: left)")
-      ->check(CLI::IsMember({"left", "right"}).description(""))
-      ->type_name("VIEW");
-  command
-      ->add_option("--uniqueness", options->uniqueness,
-                   format("How much worse, in 1/128 of the best cost, every other match must be; more rejects more, 0 "
-                          "to 128 (default: %u)",
-                          options->uniqueness))
-      ->check(wholeNumberFrom(0, 128))
-      ->type_name("N");
-  command
-      ->add_option("--mask", options->mask,
-                   "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 "
-                   "get no disparity (default: none)")
-      ->type_name("FILE");
-  command->add_flag("--raw,--no-postproc", options->noPostprocessing,
-                    "Leave out the 3x3 median and the removal and filling of single pixels");
+  addViewOption(*command, "--grid", options->grid,
+                "View whose pixels get the disparities: left or right (default: left)");
+  addUniquenessOption(*command, options->uniqueness,
+                      "How much worse, in 1/128 of the best cost, every other match must be; more rejects more, "
+                      "{range} (default: {default})");
+  addMaskOption(*command, options->mask,
+                "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 get "
+                "no disparity (default: none)");
+  addRawOption(*command, options->noPostprocessing);
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
   command->footer(
       "Disparities from 2 to 61 pixels are found. Examples:\n"

@@ -4,11 +4,14 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
+#include "ground/map_place.hpp"
+#include "ground/view.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/draw/plot.hpp"
 #include "tools/evaluate/evaluation.hpp"
 #include "tools/evaluate/evaluation_report.hpp"
@@ -25,7 +28,8 @@ namespace {
 
 struct Options {
   std::vector<std::string> given;  // names of the options on the command line
-  std::string input, truth, errorMap, visible, plot, area;
+  std::string input, truth, errorMap, plot, area;
+  std::optional<View> visible;
   double scale = 0, truthScale = 0, errorRange = 0;
   bool heights = false, json = false;
 };
@@ -53,7 +57,7 @@ void checkPlace(const MapPlace& map, const MapPlace& truth) {
 }
 
 // Seen in a mirror the right picture is a left one.
-Grid<float> visible(Grid<float> truth, View grid) {
+Grid<float> visibleTruth(Grid<float> truth, View grid) {
   if (grid == View::left) return visibleInRight(truth);
   mirror(truth);
   truth = visibleInRight(truth);
@@ -68,7 +72,7 @@ struct Compared {
 Compared readDisparities(const Options& options) {
   Compared c{readDisparity(options.input, options.scale, 16), readDisparity(options.truth, options.truthScale, 256)};
   checkSize(c.values, c.truth, "disparity picture");
-  if (!options.visible.empty()) c.truth = visible(std::move(c.truth), viewNamed(options.visible));
+  if (options.visible) c.truth = visibleTruth(std::move(c.truth), *options.visible);
   return c;
 }
 
@@ -162,34 +166,21 @@ void addEvaluateCommand(CLI::App& app) {
       ->add_option("TRUTH", options->truth,
                    "The same of the true ones, of equal size and on the same view's grid; or the folder of nadir synth")
       ->required();
-  command
-      ->add_option("--scale", options->scale,
-                   "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)")
-      ->check(positiveNumber())
-      ->type_name("N");
-  command
-      ->add_option("--truth-scale", options->truthScale,
-                   "The same of the truth (default: the file's own text nadir:scale, else 256)")
-      ->check(positiveNumber())
-      ->type_name("N");
-  command
-      ->add_option(
-          "--visible", options->visible,
-          "Of disparities leave out those that the other picture does not show, as far as the truth tells; VIEW is the "
-          "picture that the truth belongs to, left or right (default: none are left out)")
-      ->check(CLI::IsMember({"left", "right"}).description(""))
-      ->type_name("VIEW");
+  addScaleOption(*command, options->scale);
+  addNumber(*command, "--truth-scale", options->truthScale, positiveNumber(),
+            "The same of the truth (default: the file's own text nadir:scale, else 256)", "N");
+  addViewOption(
+      *command, "--visible", options->visible,
+      "Of disparities leave out those that the other picture does not show, as far as the truth tells; VIEW is the "
+      "picture that the truth belongs to, left or right (default: none are left out)");
   CLI::Option* errorMap =
       command
           ->add_option("--error-map", options->errorMap,
                        "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
           ->type_name("FILE");
-  command
-      ->add_option("--error-range", options->errorRange,
-                   "Error at the ends of the map's colours (default: 2 pixels, 100 mm)")
-      ->needs(errorMap)
-      ->check(positiveNumber())
-      ->type_name("N");
+  addNumber(*command, "--error-range", options->errorRange, positiveNumber(),
+            "Error at the ends of the map's colours (default: 2 pixels, 100 mm)", "N")
+      ->needs(errorMap);
   command->add_flag("--heights", options->heights,
                     "Take both pictures for elevation maps in mm (default: where the first one says so itself)");
   CLI::Option* plot = command

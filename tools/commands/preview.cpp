@@ -4,7 +4,7 @@
 
 #include "tools/base/error.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
 #include "tools/pictures/pictures.hpp"
 
@@ -40,13 +40,9 @@ void addPreviewCommand(CLI::App& app) {
                    "Disparities at the two ends of the colours, pixels (default: those of the picture without the "
                    "lowest 3 and the highest 1 percent)")
       ->expected(2)
-      ->check(numberFrom(-1e6, 1e6))
+      ->check(numberFrom(-1e6, 1e6).check)
       ->type_name("LOW HIGH");
-  command
-      ->add_option("--scale", options->scale,
-                   "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)")
-      ->check(positiveNumber())
-      ->type_name("N");
+  addScaleOption(*command, options->scale);
   command->footer(
       "Example, the truth in the colours of a result:\n"
       "  nadir preview disparity_gt.png --scale 256 --range 6 52 -o truth.preview.png");

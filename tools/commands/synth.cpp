@@ -4,12 +4,11 @@
 #include <memory>
 
 #include "lab/scene/ready_scenes.hpp"
-#include "tools/base/in_order.hpp"
 #include "tools/base/progress.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/synth/files.hpp"
 #include "tools/synth/sequence.hpp"
 
@@ -17,12 +16,11 @@ namespace nadir::tool {
 
 namespace {
 
-using scene::Side;
-
 struct Options {
   std::string folder;
   SynthSettings settings;
   SequenceSettings sequence;
+  View grid = View::left;
   bool focalGiven = false, noTruthPictures = false;
 };
 
@@ -64,6 +62,7 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
 void run(Options& options) {
   SynthSettings& settings = options.settings;
   if (!options.focalGiven) settings.camera.focal *= settings.camera.width / 640.0;
+  settings.camera.reference = options.grid == View::left ? scene::Side::left : scene::Side::right;
   const bool isSequence = options.sequence.frames > 0;
   options.sequence.truthPictures = !options.noTruthPictures;
   if (settings.scene.empty()) settings.scene = isSequence ? "walkers" : "boxes";
@@ -75,12 +74,17 @@ void run(Options& options) {
 
 // ---- the command line ----
 
-std::string parseSize(const std::string& text, scene::CameraSettings& camera) {
+constexpr unsigned leastSide = 64, largestSide = 4096;  // pixels
+
+bool isSide(unsigned side) { return side >= leastSide && side <= largestSide; }
+
+std::string sideRange() { return format("%u to %u", leastSide, largestSide); }
+
+std::string takeSize(const std::string& text, scene::CameraSettings& camera) {
   unsigned width = 0, height = 0;
   char rest = 0;
-  if (std::sscanf(text.c_str(), "%5ux%5u%c", &width, &height, &rest) != 2 || width < 64 || height < 64 ||
-      width > 4096 || height > 4096)
-    return "is not two numbers from 64 to 4096 with an x between them";
+  if (std::sscanf(text.c_str(), "%5ux%5u%c", &width, &height, &rest) != 2 || !isSide(width) || !isSide(height))
+    return "is not two numbers from " + sideRange() + " with an x between them";
   camera.width = width;
   camera.height = height;
   return "";
@@ -100,54 +104,41 @@ std::vector<std::string> sceneNames() {
 
 void addCameraOptions(CLI::App& command, Options& options) {
   scene::CameraSettings& camera = options.settings.camera;
-  const auto number = [&command](const char* name, double& value, double low, double high, const char* text,
-                                 const char* type) {
-    return command.add_option(name, value, format("%s, %g to %g (default: %g)", text, low, high, value))
-        ->check(numberFrom(low, high))
-        ->type_name(type);
-  };
-  command.add_option("--size", "Width and height of the pictures, 64 to 4096 pixels each (default: 640x480)")
+  const std::string sizeHelp = format("Width and height of the pictures, %s pixels each (default: %ux%u)",
+                                      sideRange().c_str(), camera.width, camera.height);
+  command.add_option("--size", sizeHelp)
       ->each([&camera](const std::string& text) {
-        const std::string fault = parseSize(text, camera);
+        const std::string fault = takeSize(text, camera);
         if (!fault.empty()) throw CLI::ValidationError(text + " " + fault);
       })
       ->type_name("WxH");
-  number("--baseline", camera.baseline, 1, 10000, "Distance of the two cameras", "MM");
-  number("--focal", camera.focal, 10, 100000, "Focal length; without this option in proportion to the width", "PIXELS")
+  addNumber(command, "--baseline", camera.baseline, numberFrom(1, 10000),
+            "Distance of the two cameras, {range} (default: {default})", "MM");
+  addNumber(command, "--focal", camera.focal, numberFrom(10, 100000),
+            "Focal length; without this option in proportion to the width, {range} (default: {default})", "PIXELS")
       ->each([&options](const std::string&) { options.focalGiven = true; });
-  number("--height", camera.mountingHeight, 100, 100000, "Height above the ground", "MM");
-  number("--tilt", camera.tilt, -75, 75, "Tilt; negative raises the optical axis towards the picture's upper edge",
-         "DEGREES");
-  number("--pan", camera.pan, -60, 60, "Pan; positive turns the optical axis towards the picture's left edge",
-         "DEGREES");
-  command
-      .add_option_function<std::string>(
-          "--grid",
-          [&camera](const std::string& view) { camera.reference = view == "left" ? Side::left : Side::right; },
-          "View whose camera is the world's origin and has the given height, left or right (default: left)")
-      ->check(CLI::IsMember({"left", "right"}).description(""))
-      ->type_name("VIEW");
+  addNumber(command, "--height", camera.mountingHeight, numberFrom(100, 100000),
+            "Height above the ground, {range} (default: {default})", "MM");
+  addNumber(command, "--tilt", camera.tilt, numberFrom(-75, 75),
+            "Tilt; negative raises the optical axis towards the picture's upper edge, {range} (default: {default})",
+            "DEGREES");
+  addNumber(command, "--pan", camera.pan, numberFrom(-60, 60),
+            "Pan; positive turns the optical axis towards the picture's left edge, {range} (default: {default})",
+            "DEGREES");
+  addViewOption(command, "--grid", options.grid,
+                "View whose camera is the world's origin and has the given height, left or right (default: left)");
 }
 
 void addSequenceOptions(CLI::App& command, Options& options) {
   SequenceSettings& sequence = options.sequence;
-  CLI::Option* frames =
-      command.add_option("--frames", sequence.frames, "Render so many frames instead of one pair, 1 to 1000000")
-          ->check(wholeNumberFrom(1, 1000000))
-          ->type_name("N");
-  command
-      .add_option("--fps", sequence.framesPerSecond,
-                  format("Frames per second, 0.1 to 1000 (default: %g)", sequence.framesPerSecond))
-      ->check(numberFrom(0.1, 1000))
-      ->needs(frames)
-      ->type_name("RATE");
-  sequence.threads = processors();
-  command
-      .add_option("--threads", sequence.threads,
-                  "Frames that are rendered at a time, 1 to 256 (default: one for each processor)")
-      ->check(wholeNumberFrom(1, 256))
-      ->needs(frames)
-      ->type_name("N");
+  CLI::Option* frames = addNumber(command, "--frames", sequence.frames, wholeNumberFrom(1, 1000000),
+                                  "Render so many frames instead of one pair, {range}", "N");
+  addNumber(command, "--fps", sequence.framesPerSecond, numberFrom(0.1, 1000),
+            "Frames per second, {range} (default: {default})", "RATE")
+      ->needs(frames);
+  addThreadsOption(command, sequence.threads,
+                   "Frames that are rendered at a time, {range} (default: one for each processor)")
+      ->needs(frames);
   command
       .add_flag("--no-truth-pictures", options.noTruthPictures,
                 "Leave out the pictures of the truth, which take half of the time; truth.jsonl stays")
@@ -165,17 +156,13 @@ void addSynthCommand(CLI::App& app) {
   command->add_option("--scene", settings.scene, "One of the scenes below (default: boxes, of a sequence walkers)")
       ->check(CLI::IsMember(sceneNames()).description(""))
       ->type_name("NAME");
-  command
-      ->add_option("--seed", settings.seed,
-                   "Another number gives other textures and noise and moves the objects a little, a whole number below "
-                   "2^64 (default: 1)")
-      ->check(wholeNumberFrom(0, UINT64_MAX))
-      ->type_name("N");
-  command
-      ->add_option("--noise", settings.sensor.noise,
-                   "Standard deviation of the sensor's noise, in levels of the 12-bit range, 0 to 500 (default: 5)")
-      ->check(numberFrom(0, 500))
-      ->type_name("SIGMA");
+  addNumber(*command, "--seed", settings.seed, wholeNumberFrom(0, UINT64_MAX),
+            "Another number gives other textures and noise and moves the objects a little, a whole number below 2^64 "
+            "(default: {default})",
+            "N");
+  addNumber(*command, "--noise", settings.sensor.noise, numberFrom(0, 500),
+            "Standard deviation of the sensor's noise, in levels of the 12-bit range, {range} (default: {default})",
+            "SIGMA");
   command->add_flag("--dead-area", settings.sensor.deadArea,
                     "Give both pictures a disc without data (0), right of and below the centre");
   addSequenceOptions(*command, *options);

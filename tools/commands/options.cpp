@@ -1,0 +1,46 @@
+// The names, ranges and units of the options that several commands have.
+#include "tools/commands/options.hpp"
+
+#include "tools/base/in_order.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+void replaceIn(std::string& text, const std::string& mark, const std::string& words) {
+  const size_t place = text.find(mark);
+  if (place != std::string::npos) text.replace(place, mark.size(), words);
+}
+
+}  // namespace
+
+std::string helpWith(std::string help, const std::string& range, const std::string& defaultValue) {
+  replaceIn(help, "{range}", range);
+  replaceIn(help, "{default}", defaultValue);
+  return help;
+}
+
+CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help) {
+  return addNumber(command, "--uniqueness", uniqueness, wholeNumberFrom(0, 128), help, "N");
+}
+
+CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help) {
+  return command.add_option("--mask", path, help)->type_name("FILE");
+}
+
+CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing) {
+  return command.add_flag("--raw,--no-postproc", noPostprocessing,
+                          "Leave out the 3x3 median and the removal and filling of single pixels");
+}
+
+CLI::Option* addScaleOption(CLI::App& command, double& scale) {
+  return addNumber(command, "--scale", scale, positiveNumber(),
+                   "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)", "N");
+}
+
+CLI::Option* addThreadsOption(CLI::App& command, unsigned& threads, const char* help) {
+  threads = processors();
+  return addNumber(command, "--threads", threads, wholeNumberFrom(1, 256), help, "N");
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,52 @@
+// Options that several commands have, and the pieces that options are made of.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+#include "ground/view.hpp"
+#include "tools/base/text.hpp"
+#include "tools/commands/number_range.hpp"
+
+namespace nadir::tool {
+
+// The help with {range} and {default} replaced.
+std::string helpWith(std::string help, const std::string& range, const std::string& defaultValue);
+
+// Adds an option that takes a number. In its help {range} stands for the numbers that it takes, and {default} for the
+// value that it has before the command line is read.
+template <class Number>
+CLI::Option* addNumber(CLI::App& command, const char* name, Number& value, const NumberRange& range, const char* help,
+                       const char* unit) {
+  std::string defaultValue;
+  if constexpr (std::is_floating_point_v<Number>)
+    defaultValue = format("%g", value);
+  else
+    defaultValue = std::to_string(value);
+  return command.add_option(name, value, helpWith(help, range.words, defaultValue))
+      ->check(range.check)
+      ->type_name(unit);
+}
+
+// Adds an option that takes left or right. `chosen` is a View, or one that may be absent.
+template <class Chosen>
+CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, const char* help) {
+  const auto choose = [&chosen](const std::string& word) { chosen = viewNamed(word); };
+  return command.add_option_function<std::string>(name, choose, help)
+      ->check(CLI::IsMember({nameOf(View::left), nameOf(View::right)}).description(""))
+      ->type_name("VIEW");
+}
+
+CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help);
+CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help);
+CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
+
+// What a picture of disparities is divided by; 0 leaves it to the file.
+CLI::Option* addScaleOption(CLI::App& command, double& scale);
+
+// Sets the default, a thread for each processor, too.
+CLI::Option* addThreadsOption(CLI::App& command, unsigned& threads, const char* help);
+
+}  // namespace nadir::tool
