@@ -1,3 +1,4 @@
+// The small pictures that are hard to segment: how each is drawn.
 #include "bench/contents.hpp"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The limits: a copy of as many bytes for point operations, the standard sort for sorting.
 #include "bench/limits.hpp"
 
 #include <nadir/numeric.h>

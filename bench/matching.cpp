@@ -1,3 +1,4 @@
+// One pair taken through the steps of matching.
 #include "bench/matching.hpp"
 
 #include <cstdlib>

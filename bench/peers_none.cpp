@@ -1,3 +1,4 @@
+// No programs of others, where none is installed.
 #include "bench/peers.hpp"
 
 namespace nadir::bench {

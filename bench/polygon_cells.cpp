@@ -1,3 +1,4 @@
+// The table of cells marked by spans against cells asked one by one.
 #include "bench/polygon_cells.hpp"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// The calls of segment.h, each with its buffers.
 #include "bench/segment_calls.hpp"
 
 #include <nadir/segment.h>

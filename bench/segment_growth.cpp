@@ -1,3 +1,4 @@
+// The table of how the time of segmentation grows with the side of a picture.
 #include "bench/segment_growth.hpp"
 
 #include <cstdio>

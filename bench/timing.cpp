@@ -1,3 +1,4 @@
+// Several calls timed in turn, the fastest run of each.
 #include "bench/timing.hpp"
 
 #include <time.h>

@@ -1,3 +1,4 @@
+// The list of everything that is timed, and the levels at which it is.
 #include "bench/work.hpp"
 
 #include "lab/levels.hpp"

@@ -1,3 +1,4 @@
+// nadir disparity on rendered pairs.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

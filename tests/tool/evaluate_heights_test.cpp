@@ -1,3 +1,4 @@
+// nadir evaluate on elevation maps.
 #include <gtest/gtest.h>
 
 #include <cmath>

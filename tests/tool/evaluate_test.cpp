@@ -1,3 +1,4 @@
+// nadir evaluate on disparities.
 #include <gtest/gtest.h>
 
 #include <cmath>

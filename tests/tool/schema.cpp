@@ -1,3 +1,4 @@
+// Documents checked against a schema by a Python script.
 #include "tests/tool/schema.hpp"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// nadir synth --frames: sequences with their truth.
 #include <gtest/gtest.h>
 
 #include <algorithm>

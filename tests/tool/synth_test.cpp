@@ -1,3 +1,4 @@
+// nadir synth: rendered pairs with their truth.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

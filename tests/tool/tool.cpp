@@ -1,3 +1,4 @@
+// The program started as a user starts it.
 #include "tests/tool/tool.hpp"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// nadir tune on rendered pairs.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// nadir verify, and its tables of other machines.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

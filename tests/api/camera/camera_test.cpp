@@ -1,3 +1,4 @@
+// Calibration records, and the transforms between picture, camera, world and custom frame.
 #include <gtest/gtest.h>
 #include <nadir/camera.h>
 

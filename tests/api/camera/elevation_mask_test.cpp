@@ -1,3 +1,4 @@
+// The cells of a map under a polygon that was drawn in the picture.
 #include <gtest/gtest.h>
 #include <nadir/camera.h>
 #include <nadir/image.h>

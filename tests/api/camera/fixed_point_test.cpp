@@ -1,3 +1,4 @@
+// The transforms in fixed point, against the float ones.
 #include <gtest/gtest.h>
 #include <nadir/camera.h>
 

@@ -1,3 +1,4 @@
+// The stereo context and its elevation map.
 #include <gtest/gtest.h>
 #include <nadir/camera.h>
 

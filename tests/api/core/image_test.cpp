@@ -1,3 +1,4 @@
+// Image descriptors, fill, copy and conversion.
 #include <gtest/gtest.h>
 #include <nadir/image.h>
 

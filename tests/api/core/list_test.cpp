@@ -1,3 +1,4 @@
+// The linked list, with memory of its own and with pools.
 #include <gtest/gtest.h>
 #include <nadir/list.h>
 

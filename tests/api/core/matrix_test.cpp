@@ -1,3 +1,4 @@
+// Products, sums and copies of small matrices, to the bit.
 #include <gtest/gtest.h>
 #include <nadir/matrix.h>
 

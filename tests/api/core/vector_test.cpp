@@ -1,3 +1,4 @@
+// Typed vectors over memory of the caller.
 #include <gtest/gtest.h>
 #include <nadir/vector.h>
 

@@ -1,3 +1,4 @@
+// The version of the loaded library.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

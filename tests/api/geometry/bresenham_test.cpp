@@ -1,3 +1,4 @@
+// The cells that a line visits.
 #include <gtest/gtest.h>
 #include <nadir/geometry.h>
 

@@ -1,3 +1,4 @@
+// Points, edges, lines, rectangles and triangles.
 #include <gtest/gtest.h>
 #include <nadir/geometry.h>
 

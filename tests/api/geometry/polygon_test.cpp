@@ -1,3 +1,4 @@
+// Polygons and polylines.
 #include <gtest/gtest.h>
 #include <nadir/geometry.h>
 

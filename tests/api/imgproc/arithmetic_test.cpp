@@ -1,3 +1,4 @@
+// Arithmetic of two images.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 #include <signal.h>

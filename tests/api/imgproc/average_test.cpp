@@ -1,3 +1,4 @@
+// Averages over time.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

@@ -1,3 +1,4 @@
+// Halving a picture of 640 x 480 pixels.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

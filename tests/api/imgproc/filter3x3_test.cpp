@@ -1,3 +1,4 @@
+// Median, maximum and morphology over 3 x 3 pixels.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

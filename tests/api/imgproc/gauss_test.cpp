@@ -1,3 +1,4 @@
+// Gaussian smoothing.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

@@ -1,3 +1,4 @@
+// Pixels kept or cleared by a mask.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

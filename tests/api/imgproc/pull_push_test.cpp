@@ -1,3 +1,4 @@
+// Holes filled from their surroundings.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

@@ -1,3 +1,4 @@
+// Thresholds and ranges.
 #include <gtest/gtest.h>
 #include <nadir/imgproc.h>
 

@@ -1,3 +1,4 @@
+// Large digits on the standard output.
 #include <gtest/gtest.h>
 #include <nadir/numeric.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// The clock.
 #include <gtest/gtest.h>
 #include <nadir/numeric.h>
 #include <time.h>

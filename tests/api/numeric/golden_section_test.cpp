@@ -1,3 +1,4 @@
+// Golden-section search.
 #include <gtest/gtest.h>
 #include <nadir/numeric.h>
 

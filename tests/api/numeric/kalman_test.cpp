@@ -1,3 +1,4 @@
+// The Kalman filter of one dimension.
 #include <gtest/gtest.h>
 #include <nadir/numeric.h>
 

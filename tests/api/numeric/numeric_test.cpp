@@ -1,3 +1,4 @@
+// The median and the sort of 16-bit values.
 #include <gtest/gtest.h>
 #include <nadir/numeric.h>
 

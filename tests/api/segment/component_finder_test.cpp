@@ -1,3 +1,4 @@
+// Connected components with their pixels and contours.
 #include <gtest/gtest.h>
 #include <nadir/segment.h>
 

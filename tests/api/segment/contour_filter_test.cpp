@@ -1,3 +1,4 @@
+// Small components removed.
 #include <gtest/gtest.h>
 #include <nadir/segment.h>
 

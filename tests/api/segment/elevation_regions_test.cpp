@@ -1,3 +1,4 @@
+// Regions of elevation maps.
 #include <gtest/gtest.h>
 #include <nadir/segment.h>
 

@@ -1,3 +1,4 @@
+// Labels and sizes of connected components.
 #include <gtest/gtest.h>
 #include <nadir/segment.h>
 

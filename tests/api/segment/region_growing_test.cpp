@@ -1,3 +1,4 @@
+// Regions whose values change in small steps.
 #include <gtest/gtest.h>
 #include <nadir/segment.h>
 

@@ -1,3 +1,4 @@
+// Census codes.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

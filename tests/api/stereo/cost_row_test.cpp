@@ -1,3 +1,4 @@
+// Matching costs of a row, in both layouts.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

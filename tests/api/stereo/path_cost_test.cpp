@@ -1,3 +1,4 @@
+// Path costs of each direction, row by row.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

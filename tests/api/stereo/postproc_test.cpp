@@ -1,3 +1,4 @@
+// Disparities cleaned up.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

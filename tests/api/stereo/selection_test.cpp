@@ -1,3 +1,4 @@
+// Penalties, the search of a minimum and the check of its peak.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

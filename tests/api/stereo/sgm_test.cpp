@@ -1,3 +1,4 @@
+// Whole pairs matched, and what the matcher records on its way.
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 

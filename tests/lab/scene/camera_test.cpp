@@ -1,3 +1,4 @@
+// The renderer agrees with the camera model about where things are.
 #include <gtest/gtest.h>
 
 #include "lab/random.hpp"
