@@ -9,12 +9,12 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
 [[noreturn]] void complain(const Area& area, const std::string& reason) {
-  throw Error(format("%s: area \"%s\": %s", area.origin.c_str(), area.name.c_str(), reason.c_str()));
+  throw tool::Error(tool::format("%s: area \"%s\": %s", area.origin.c_str(), area.name.c_str(), reason.c_str()));
 }
 
 struct Extent {
@@ -32,9 +32,9 @@ bool isInReach(double mm) { return std::abs(mm) <= areaReach; }
 void checkReach(const Area& area, const Extent& map) {
   for (const double edge : {map.left, map.top, map.right, map.bottom})
     if (!isInReach(edge))
-      complain(area, format("areas need a map that ends within %d m of the camera, this one reaches from x %.0f, "
-                            "y %.0f to x %.0f, y %.0f mm",
-                            areaReach / 1000, map.left, map.top, map.right, map.bottom));
+      complain(area, tool::format("areas need a map that ends within %d m of the camera, this one reaches from x %.0f, "
+                                  "y %.0f to x %.0f, y %.0f mm",
+                                  areaReach / 1000, map.left, map.top, map.right, map.bottom));
 }
 
 // World z of the ground, in the whole millimetres that the library's mask takes.
@@ -57,8 +57,8 @@ std::vector<Point_s32> onGround(const Area& area, const StereoCtx& context) {
     const Point_f32 pixel = {static_cast<float>(corner.x), static_cast<float>(corner.y)};
     Point3_f32 place;
     if (!seesGround(pixel, context, place))
-      complain(area, format("corner %zu, pixel [%d, %d], does not show the ground within %d m of the camera",
-                            ground.size() + 1, corner.x, corner.y, areaReach / 1000));
+      complain(area, tool::format("corner %zu, pixel [%d, %d], does not show the ground within %d m of the camera",
+                                  ground.size() + 1, corner.x, corner.y, areaReach / 1000));
     ground.push_back({wholeMm(place.x), wholeMm(place.y)});
   }
   return ground;
@@ -118,10 +118,10 @@ AreaCells cellsOf(const Area& area, const MapFrame& frame, const StereoCtx& cont
   a.count = static_cast<size_t>(std::count(a.cells.pixels.begin(), a.cells.pixels.end(), 1));
   a.wholeOnMap = std::all_of(a.ground.begin(), a.ground.end(), [&map](const Point_s32& p) { return isOn(map, p); });
   if (a.count == 0)
-    complain(area, format("holds the centre of no cell of the map, which reaches from x %.0f, y %.0f to x %.0f, "
-                          "y %.0f mm",
-                          map.left, map.top, map.right, map.bottom));
+    complain(area, tool::format("holds the centre of no cell of the map, which reaches from x %.0f, y %.0f to x %.0f, "
+                                "y %.0f mm",
+                                map.left, map.top, map.right, map.bottom));
   return a;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

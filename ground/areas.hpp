@@ -9,7 +9,7 @@
 #include "ground/map.hpp"
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -49,4 +49,4 @@ struct AreaCells {
 // Throws Error where a corner does not show the ground, or where not a single cell lies inside.
 AreaCells cellsOf(const Area& area, const MapFrame& frame, const StereoCtx& context);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -3,7 +3,7 @@
 #include "lab/image.hpp"
 #include "tools/base/error.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 void MapWindow::add(Grid<uint16_t> heights) {
   maps_.push_back(std::move(heights));
@@ -23,8 +23,8 @@ Grid<uint16_t> MapWindow::mean() const {
     good = good && IP_Utils_ImgAvrgAdd(&frame, &sum, &count, &state);
   }
   if (!good || !IP_Utils_ImgAvrgProcess(&out, &sum, &count, &state))
-    throw Error("the maps of the frames differ in size");
+    throw tool::Error("the maps of the frames differ in size");
   return mean;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -5,7 +5,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -24,4 +24,4 @@ class MapWindow {
   std::deque<Grid<uint16_t>> maps_;
 };
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 // These stand for what nobody has said yet. A camera in use has none of them; one just imported may.
 constexpr double unknownNumber = std::numeric_limits<double>::quiet_NaN();
@@ -35,4 +35,4 @@ struct Camera {
   double mapOffsetYMm = 0;
 };
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

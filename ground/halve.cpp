@@ -3,7 +3,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -16,8 +16,8 @@ uint16_t meanOfData(uint32_t a, uint32_t b, uint32_t c, uint32_t d) {
 
 Grid<uint16_t> halved(const Grid<uint16_t>& picture) {
   if (picture.width != 640 || picture.height != 480)
-    throw Error("only pictures of 640 x 480 pixels can be halved, these are " +
-                sizeText(picture.width, picture.height));
+    throw tool::Error("only pictures of 640 x 480 pixels can be halved, these are " +
+                      tool::sizeText(picture.width, picture.height));
   Grid<uint16_t> half(320, 240);
   for (uint32_t y = 0; y < half.height; ++y) {
     const uint16_t *top = picture.row(2 * y), *bottom = picture.row(2 * y + 1);
@@ -27,4 +27,4 @@ Grid<uint16_t> halved(const Grid<uint16_t>& picture) {
   return half;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

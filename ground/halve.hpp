@@ -2,7 +2,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -10,4 +10,4 @@ using lab::Grid;
 // there is none.
 Grid<uint16_t> halved(const Grid<uint16_t>& picture);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -8,7 +8,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -32,8 +32,8 @@ std::vector<size_t> sizesOf(const Grid<uint16_t>& labels) {
 Grid<uint16_t> allFilled(Grid<uint16_t> heights) {
   Img image = imageOf(heights);
   if (!IP_PullPush(&image, &image))
-    throw Error(format("holes can be filled in maps of 2 to 4095 cells a side, this one has %s",
-                       sizeText(heights.width, heights.height).c_str()));
+    throw tool::Error(tool::format("holes can be filled in maps of 2 to 4095 cells a side, this one has %s",
+                                   tool::sizeText(heights.width, heights.height).c_str()));
   return heights;
 }
 
@@ -52,4 +52,4 @@ size_t fillHoles(Grid<uint16_t>& heights, size_t largest) {
   return count;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

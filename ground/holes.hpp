@@ -3,7 +3,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -11,4 +11,4 @@ using lab::Grid;
 // Larger ones stay: what nobody saw is not guessed. Returns how many cells were filled.
 size_t fillHoles(Grid<uint16_t>& heights, size_t largest);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 Grid<float> unpacked(const Grid<uint16_t>& stored, double scale) {
   Grid<float> values(stored.width, stored.height, std::nanf(""));
@@ -18,4 +18,4 @@ size_t countKnown(const Grid<float>& grid) {
       std::count_if(grid.pixels.begin(), grid.pixels.end(), [](float v) { return !std::isnan(v); }));
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

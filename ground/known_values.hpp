@@ -3,7 +3,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -13,4 +13,4 @@ Grid<float> unpacked(const Grid<uint16_t>& stored, double scale);
 // The number of cells that are not NaN.
 size_t countKnown(const Grid<float>& grid);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

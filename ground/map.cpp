@@ -5,7 +5,7 @@
 #include <iterator>
 #include <tuple>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -76,4 +76,4 @@ MapHeights heightsOf(const Grid<uint16_t>& heights) {
   return {known.size(), known.front(), known[known.size() / 2], known.back()};
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

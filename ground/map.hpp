@@ -10,7 +10,7 @@
 #include "ground/points.hpp"
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -57,4 +57,4 @@ struct MapHeights {
 
 MapHeights heightsOf(const Grid<uint16_t>& heights);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

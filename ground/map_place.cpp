@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 // No comparison with NaN is true, so that a place that is unknown contradicts none.
 bool liesElsewhere(const MapPlace& a, const MapPlace& b) {
@@ -11,4 +11,4 @@ bool liesElsewhere(const MapPlace& a, const MapPlace& b) {
   return differ(a.cellMm, b.cellMm) || differ(a.leftMm, b.leftMm) || differ(a.topMm, b.topMm);
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -1,7 +1,7 @@
 // Where a map lies on the ground, as a picture of it says too.
 #pragma once
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 // Lengths in mm, the corner in the world. A file that does not say where its map lies leaves them NaN.
 struct MapPlace {
@@ -11,4 +11,4 @@ struct MapPlace {
 // True where both say where they lie, and these are different places. Half a millimetre is what files may round.
 bool liesElsewhere(const MapPlace& a, const MapPlace& b);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -6,7 +6,7 @@
 
 #include "tools/base/error.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -24,7 +24,7 @@ void mirrorAndSwap(Pair& pair) {
   std::swap(pair.left, pair.right);
 }
 
-Grid<uint16_t> matchOnRightGrid(const Pair& pair, uint32_t uniqueness, StageTimes& times) {
+Grid<uint16_t> matchOnRightGrid(const Pair& pair, uint32_t uniqueness, tool::StageTimes& times) {
   const auto [first, reference] =
       times.measure("census", [&] { return std::make_pair(census(pair.left), census(pair.right)); });
   Grid<uint16_t> disparity(pair.right.width, pair.right.height);
@@ -46,7 +46,7 @@ Grid<uint16_t> postprocessed(const Grid<uint16_t>& raw, const MatchOptions& opti
   Grid<uint16_t> disparity = raw;
   if (options.postprocess && IP_SgmPostproc(raw.pixels.data(), options.mask.pixels.data(), disparity.pixels.data(),
                                             raw.width, raw.height) == 0)
-    throw Error("not enough memory");
+    throw tool::Error("not enough memory");
   discardMasked(disparity, options.mask);
   return disparity;
 }
@@ -73,7 +73,7 @@ PixelCounts countPixels(const Grid<uint16_t>& raw, const Grid<uint16_t>& result,
 
 }  // namespace
 
-Match match(Pair pair, MatchOptions options, StageTimes& times) {
+Match match(Pair pair, MatchOptions options, tool::StageTimes& times) {
   if (options.mask.pixels.empty()) options.mask = Grid<uint8_t>(pair.left.width, pair.left.height);
   const bool mirrored = options.grid == View::left;
   if (mirrored) times.measure("mirroring", [&] { mirrorAndSwap(pair), mirror(options.mask); });
@@ -86,4 +86,4 @@ Match match(Pair pair, MatchOptions options, StageTimes& times) {
   return match;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -5,7 +5,7 @@
 #include "lab/grid.hpp"
 #include "tools/base/stage_times.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -36,6 +36,6 @@ struct Match {
 };
 
 // Wants two pictures of one size, at least 5 x 5 pixels.
-Match match(Pair pair, MatchOptions options, StageTimes& times);
+Match match(Pair pair, MatchOptions options, tool::StageTimes& times);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

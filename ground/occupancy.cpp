@@ -2,7 +2,7 @@
 
 #include <map>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 Occupancy occupancyOf(const Area& area, const AreaCells& place, const Grid<uint16_t>& heights, const Regions& regions) {
   Occupancy o{area, place, 0, {}, {}};
@@ -21,4 +21,4 @@ Occupancy occupancyOf(const Area& area, const AreaCells& place, const Grid<uint1
   return o;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

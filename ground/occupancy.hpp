@@ -4,7 +4,7 @@
 #include "ground/areas.hpp"
 #include "ground/regions.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 struct SharedRegion {
   uint16_t label;
@@ -21,4 +21,4 @@ struct Occupancy {
 
 Occupancy occupancyOf(const Area& area, const AreaCells& place, const Grid<uint16_t>& heights, const Regions& regions);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

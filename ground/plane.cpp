@@ -10,7 +10,7 @@
 #include <cmath>
 #include <random>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -161,4 +161,4 @@ std::optional<GroundPlane> fitGroundPlane(const std::vector<WorldPoint>& points,
   return described(plane, all, judge);
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -7,7 +7,7 @@
 
 #include "ground/points.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 // Height, tilt and pan are what the camera file would have to say for this plane to be the ground.
 struct GroundPlane {
@@ -26,4 +26,4 @@ constexpr double planeTolerancePx = 0.5;
 // degrees and its distance within 25 percent of the mount's). Nothing where a tenth of the points do not agree on one.
 std::optional<GroundPlane> fitGroundPlane(const std::vector<WorldPoint>& points, const StereoCtx& context);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

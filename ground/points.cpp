@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -37,4 +37,4 @@ std::vector<WorldPoint> worldPoints(const Grid<float>& disparity, const Grid<uin
   return points;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

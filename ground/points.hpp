@@ -6,7 +6,7 @@
 #include "ground/camera.hpp"
 #include "ground/match.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 // The library's view of a camera: baseline, focal length and principal point rounded to its fixed-point units.
 //
@@ -28,4 +28,4 @@ struct WorldPoint {
 std::vector<WorldPoint> worldPoints(const Grid<float>& disparity, const Grid<uint16_t>& picture,
                                     const StereoCtx& context, float columnShift);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -8,7 +8,7 @@
 
 #include "lab/image.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -85,4 +85,4 @@ Regions findRegions(const Grid<uint16_t>& heights, const MapFrame& frame, const 
   return regions;
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

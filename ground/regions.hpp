@@ -8,7 +8,7 @@
 #include "ground/map.hpp"
 #include "lab/grid.hpp"
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 using lab::Grid;
 
@@ -51,4 +51,4 @@ double squareMetres(size_t cells, const ElevMapParams& map);
 // heights  at most `largestRegionMap` cells a side.
 Regions findRegions(const Grid<uint16_t>& heights, const MapFrame& frame, const RegionRule& rule);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 namespace {
 
@@ -35,4 +35,4 @@ std::optional<TrackedHeight> HeightTrack::now() const {
   return TrackedHeight{filter_.x, filter_.v, std::sqrt(filter_.P[0])};
 }
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 struct TrackRule {
   double noiseMm = 10;                // standard deviation of a measured height
@@ -37,4 +37,4 @@ class HeightTrack {
   double time_ = 0, measuredAt_ = 0;
 };
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

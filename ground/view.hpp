@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace nadir::tool {
+namespace nadir::ground {
 
 enum class View { left, right };
 
@@ -13,4 +13,4 @@ const char* nameOf(View view);
 // The view of that name; every other word means the right one.
 View viewNamed(const std::string& name);
 
-}  // namespace nadir::tool
+}  // namespace nadir::ground

@@ -10,6 +10,8 @@
 
 namespace nadir::tool {
 
+using ground::Camera;
+
 // The table of areas of interest, which are read apart from the camera: [[area]].
 constexpr const char* areaKey = "area";
 

@@ -25,14 +25,14 @@ namespace {
 
 struct Options {
   std::string left, right, output, preview, mask;
-  View grid = View::left;
+  ground::View grid = ground::View::left;
   bool noPreview = false, half = false, noPostprocessing = false;
-  uint32_t uniqueness = MatchOptions().uniqueness;
+  uint32_t uniqueness = ground::MatchOptions().uniqueness;
 };
 
-Pair readInputs(const Options& options, StageTimes& times) {
-  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
-  if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
+ground::Pair readInputs(const Options& options, StageTimes& times) {
+  ground::Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  if (options.half) times.measure("halving", [&] { pair = {ground::halved(pair.left), ground::halved(pair.right)}; });
   return pair;
 }
 
@@ -51,11 +51,11 @@ std::string previewName(const Options& options) {
 void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
   files.write(options.output, encodePng(disparity, texts(options)));
   if (options.noPreview) return;
-  const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
+  const Grid<float> pixels = ground::unpacked(disparity, SGM_DISP_SCALE);
   files.write(previewName(options), encodeDisparityPlot(pixels, usualRange(pixels)));
 }
 
-std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, const StageTimes& times) {
+std::string report(const Grid<uint16_t>& disparity, const ground::PixelCounts& counts, const StageTimes& times) {
   const auto share = [&](size_t count) { return percentOf(count, disparity.pixels.size()); };
   Table table;
   table.heading("stage", "time");
@@ -73,10 +73,10 @@ std::string report(const Grid<uint16_t>& disparity, const PixelCounts& counts, c
 
 void run(const Options& options) {
   StageTimes times;
-  Pair pair = readInputs(options, times);
-  const MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing,
-                              readMaskFor(pair, options.mask)};
-  const Match result = match(std::move(pair), settings, times);
+  ground::Pair pair = readInputs(options, times);
+  const ground::MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing,
+                                      readMaskFor(pair, options.mask)};
+  const ground::Match result = ground::match(std::move(pair), settings, times);
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));

@@ -29,7 +29,7 @@ namespace {
 struct Options {
   std::vector<std::string> given;  // names of the options on the command line
   std::string input, truth, errorMap, plot, area;
-  std::optional<View> visible;
+  std::optional<ground::View> visible;
   double scale = 0, truthScale = 0, errorRange = 0;
   bool heights = false, json = false;
 };
@@ -48,8 +48,8 @@ void checkSize(const Grid<Value>& values, const Grid<Value>& truth, const char* 
                        sizeText(truth.width, truth.height).c_str()));
 }
 
-void checkPlace(const MapPlace& map, const MapPlace& truth) {
-  if (liesElsewhere(map, truth))
+void checkPlace(const ground::MapPlace& map, const ground::MapPlace& truth) {
+  if (ground::liesElsewhere(map, truth))
     throw Error(
         format("the elevation map begins at %.1f, %.1f mm with cells of %g mm, the truth at %.1f, %.1f mm with "
                "cells of %g mm",
@@ -57,8 +57,8 @@ void checkPlace(const MapPlace& map, const MapPlace& truth) {
 }
 
 // Seen in a mirror the right picture is a left one.
-Grid<float> visibleTruth(Grid<float> truth, View grid) {
-  if (grid == View::left) return visibleInRight(truth);
+Grid<float> visibleTruth(Grid<float> truth, ground::View grid) {
+  if (grid == ground::View::left) return visibleInRight(truth);
   mirror(truth);
   truth = visibleInRight(truth);
   mirror(truth);

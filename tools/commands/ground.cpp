@@ -6,7 +6,6 @@
 #include <memory>
 #include <type_traits>
 
-#include "ground/road.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/commands/commands.hpp"
@@ -18,6 +17,7 @@
 #include "tools/report/map_texts.hpp"
 #include "tools/report/ply.hpp"
 #include "tools/report/region_plot.hpp"
+#include "tools/road/road.hpp"
 #include "tools/sequence/ground_sequence.hpp"
 
 namespace nadir::tool {
@@ -179,7 +179,7 @@ void addMatchOptions(CLI::App& command, Options& options) {
       ->type_name("N");
   command
       .add_option_function<std::string>(
-          "--grid", [&options](const std::string& view) { options.view = viewNamed(view); },
+          "--grid", [&options](const std::string& view) { options.view = ground::viewNamed(view); },
           "View that is measured, left or right; its camera is the world's origin (default: left)")
       ->check(CLI::IsMember({"left", "right"}).description(""))
       ->type_name("VIEW");

@@ -81,7 +81,7 @@ Evaluation evaluate(const Grid<float>& values, const Grid<float>& truth) {
   const Values error = known(errors(values, truth));
   Evaluation e;
   e.pixels = truth.pixels.size();
-  e.truth = countKnown(truth);
+  e.truth = ground::countKnown(truth);
   e.compared = error.size();
   e.density = shareOf(e.compared, e.truth);
   e.bad05 = shareAbove(error, 0.5);

@@ -23,7 +23,7 @@ struct Thing {
 // Cells with the numbers of the things on them, 0 for none.
 struct ThingMap {
   Grid<uint16_t> cells;
-  MapPlace place;
+  ground::MapPlace place;
   std::vector<Thing> things;
 };
 

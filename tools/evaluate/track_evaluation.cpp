@@ -36,7 +36,7 @@ Moment momentOf(const nlohmann::json& line) {
   return moment;
 }
 
-float tallestIn(const PolygonRecord& area, const Moment& moment) {
+float tallestIn(const ground::PolygonRecord& area, const Moment& moment) {
   float tallest = std::nanf("");
   for (const Standing& s : moment)
     if (IP_Polygon_IsInside(area.get(), &s.place)) tallest = std::fmax(tallest, s.height);
@@ -54,8 +54,8 @@ nlohmann::json areasOf(const std::string& result) {
   return nlohmann::json::parse(run.begin(), run.end()).at("areas");
 }
 
-void addFrame(std::vector<AreaTrack>& areas, const std::vector<PolygonRecord>& places, const nlohmann::json& line,
-              const Moment& moment) {
+void addFrame(std::vector<AreaTrack>& areas, const std::vector<ground::PolygonRecord>& places,
+              const nlohmann::json& line, const Moment& moment) {
   for (size_t i = 0; i < areas.size(); ++i) {
     const bool skipped = line.contains("error");
     const nlohmann::json none, &found = skipped ? none : line.at("areas").at(i);
@@ -70,7 +70,7 @@ std::vector<AreaTrack> read(const std::string& result, const std::string& sequen
   std::vector<Moment> truth;
   forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(momentOf(line)); });
   std::vector<AreaTrack> areas;
-  std::vector<PolygonRecord> places;
+  std::vector<ground::PolygonRecord> places;
   for (const nlohmann::json& area : areasOf(result)) {
     areas.push_back({area.at("name"), {}, {}, {}, {}});
     places.emplace_back(cornersOf(area));

@@ -8,7 +8,7 @@ namespace nadir::tool {
 
 std::string software() { return format("nadir %s", nadir_version()); }
 
-TextChunks disparityTexts(unsigned scale, View view) {
+TextChunks disparityTexts(unsigned scale, ground::View view) {
   const char* grid = nameOf(view);
   return {{chunks::scale, std::to_string(scale)},
           {chunks::noValue, "0"},
@@ -20,7 +20,7 @@ TextChunks disparityTexts(unsigned scale, View view) {
           {"Software", software()}};
 }
 
-TextChunks elevationTexts(const MapPlace& place) {
+TextChunks elevationTexts(const ground::MapPlace& place) {
   return {{chunks::units, elevationUnits},
           {chunks::noValue, "0"},
           {chunks::cell, format("%g", place.cellMm)},

@@ -25,10 +25,10 @@ constexpr const char* regionUnits = "region";
 
 // scale  what 1 pixel of disparity is stored as.
 // grid   the view whose pixels the disparities belong to.
-TextChunks disparityTexts(unsigned scale, View grid);
+TextChunks disparityTexts(unsigned scale, ground::View grid);
 
 // The texts of an elevation map in mm.
-TextChunks elevationTexts(const MapPlace& place);
+TextChunks elevationTexts(const ground::MapPlace& place);
 
 // Who made a file.
 std::string software();

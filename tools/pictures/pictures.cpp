@@ -46,7 +46,7 @@ Raster readMeasurements(const std::string& path, const char* what) {
   return raster;
 }
 
-MapPlace placeIn(const Raster& raster) {
+ground::MapPlace placeIn(const Raster& raster) {
   const double unknown = std::nan("");
   return {ownNumber(raster, chunks::cell, unknown), ownNumber(raster, chunks::left, unknown),
           ownNumber(raster, chunks::top, unknown)};
@@ -95,7 +95,7 @@ Grid<float> readDisparity(const std::string& path, double scale, double fallback
   const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
   if (!(divisor >= 1e-6 && divisor <= 1e6))
     throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
-  return unpacked(gridOf(std::move(raster)), divisor);
+  return ground::unpacked(gridOf(std::move(raster)), divisor);
 }
 
 bool isElevationMap(const std::string& path) {
@@ -111,13 +111,14 @@ HeightPicture readHeights(const std::string& path) {
   const double none = ownNumber(raster, chunks::noValue, 0);
   HeightPicture picture{{raster.width, raster.height, std::nanf("")}, placeIn(raster)};
   for (size_t i = 0; i < raster.samples.size(); ++i)
-    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestStoredMm);
+    if (raster.samples[i] != none)
+      picture.heights.pixels[i] = std::max<float>(raster.samples[i], ground::lowestStoredMm);
   return picture;
 }
 
 LabelPicture readLabels(const std::string& path) {
   Raster raster = readMeasurements(path, "regions");
-  const MapPlace place = placeIn(raster);
+  const ground::MapPlace place = placeIn(raster);
   return {gridOf(std::move(raster)), place};
 }
 

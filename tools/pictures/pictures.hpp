@@ -31,13 +31,13 @@ bool isElevationMap(const std::string& path);
 // An elevation map.
 struct HeightPicture {
   Grid<float> heights;  // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
-  MapPlace place;
+  ground::MapPlace place;
 };
 
 // A map of regions.
 struct LabelPicture {
   Grid<uint16_t> labels;  // 0 for none
-  MapPlace place;
+  ground::MapPlace place;
 };
 
 LabelPicture readLabels(const std::string& path);

@@ -26,7 +26,9 @@ Json rounded(double value, double steps) {
 Json rounded(double value) { return rounded(value, 1000); }
 
 // To the square millimetre, so that an area is a number of cells.
-Json area(size_t cells, const MapFrame& frame) { return rounded(squareMetres(cells, frame.cells), 1e6); }
+Json area(size_t cells, const ground::MapFrame& frame) {
+  return rounded(ground::squareMetres(cells, frame.cells), 1e6);
+}
 
 Json cameraJson(const Camera& camera) {
   Json json;
@@ -38,13 +40,13 @@ Json cameraJson(const Camera& camera) {
 }
 
 Json disparitiesJson(const Grid<float>& disparity) {
-  const size_t pixels = disparity.pixels.size(), known = countKnown(disparity);
+  const size_t pixels = disparity.pixels.size(), known = ground::countKnown(disparity);
   return {{"pixels", pixels}, {"with_value", known}, {"share", rounded(share(known, pixels))}};
 }
 
 Json mapJson(const GroundResult& result) {
-  const MapHeights heights = heightsOf(result.map.heights);
-  const MapFrame& frame = result.frame;
+  const ground::MapHeights heights = ground::heightsOf(result.map.heights);
+  const ground::MapFrame& frame = result.frame;
   const size_t cells = result.map.heights.pixels.size(), seen = heights.known - result.map.filled;
   return {{"width_cells", frame.cells.width},
           {"height_cells", frame.cells.height},
@@ -63,7 +65,7 @@ Json mapJson(const GroundResult& result) {
           {"highest_mm", heights.known ? Json(heights.highest) : Json()}};
 }
 
-Json planeJson(const std::optional<GroundPlane>& plane, size_t points) {
+Json planeJson(const std::optional<ground::GroundPlane>& plane, size_t points) {
   if (!plane) return Json();
   return {{"height_mm", rounded(plane->heightMm)},
           {"tilt_deg", rounded(plane->tiltDeg)},
@@ -76,19 +78,19 @@ Json planeJson(const std::optional<GroundPlane>& plane, size_t points) {
           {"share", rounded(share(plane->inliers, points))}};
 }
 
-Json ruleJson(const RegionRule& rule) {
+Json ruleJson(const ground::RegionRule& rule) {
   return {{"min_height_mm", rule.minHeightMm},
           {"max_step_mm", rule.maxStepMm},
           {"min_area_m2", rounded(rule.minAreaM2, 1e6)}};
 }
 
 // The heights are null where there is no cell.
-void addSet(Json& json, const CellSet& set) {
+void addSet(Json& json, const ground::CellSet& set) {
   json["highest_mm"] = set.cells ? Json(set.highestMm) : Json();
   json["median_mm"] = set.cells ? Json(set.medianMm) : Json();
 }
 
-Json boxJson(const Rect_s32& box, const MapFrame& frame) {
+Json boxJson(const Rect_s32& box, const ground::MapFrame& frame) {
   const double cell = frame.cells.cellSizeX, left = frame.corner.x, top = frame.corner.y;
   return {{"left", rounded(left + box.x0 * cell)},
           {"top", rounded(top + box.y0 * cell)},
@@ -96,7 +98,7 @@ Json boxJson(const Rect_s32& box, const MapFrame& frame) {
           {"bottom", rounded(top + box.y1 * cell)}};
 }
 
-Json regionJson(const Region& region, const MapFrame& frame) {
+Json regionJson(const ground::Region& region, const ground::MapFrame& frame) {
   Json json = {{"label", region.label},
                {"cells", region.set.cells},
                {"area_m2", area(region.set.cells, frame)},
@@ -106,7 +108,7 @@ Json regionJson(const Region& region, const MapFrame& frame) {
   return json;
 }
 
-Json sharedJson(const SharedRegion& shared, const MapFrame& frame) {
+Json sharedJson(const ground::SharedRegion& shared, const ground::MapFrame& frame) {
   Json json = {{"label", shared.label}, {"cells", shared.set.cells}, {"area_m2", area(shared.set.cells, frame)}};
   addSet(json, shared.set);
   return json;
@@ -118,9 +120,9 @@ Json cornersJson(const std::vector<Point_s32>& corners) {
   return json;
 }
 
-Json areaJson(const Occupancy& o, const MapFrame& frame) {
+Json areaJson(const ground::Occupancy& o, const ground::MapFrame& frame) {
   Json json = {{"name", o.area.name}};
-  if (o.area.unit == AreaUnit::pixels) json["pixels"] = cornersJson(o.area.corners);
+  if (o.area.unit == ground::AreaUnit::pixels) json["pixels"] = cornersJson(o.area.corners);
   json["ground_mm"] = cornersJson(o.place.ground);
   json["whole_on_map"] = o.place.wholeOnMap;
   json["cells"] = o.place.count;
@@ -131,28 +133,28 @@ Json areaJson(const Occupancy& o, const MapFrame& frame) {
   json["covered_share"] = rounded(share(o.covered.cells, o.place.count));
   addSet(json, o.covered);
   json["regions"] = Json::array();
-  for (const SharedRegion& shared : o.regions) json["regions"].push_back(sharedJson(shared, frame));
+  for (const ground::SharedRegion& shared : o.regions) json["regions"].push_back(sharedJson(shared, frame));
   return json;
 }
 
 // Null where regions were not asked for.
-void addFindings(Json& json, const std::optional<Findings>& findings, const MapFrame& frame) {
+void addFindings(Json& json, const std::optional<Findings>& findings, const ground::MapFrame& frame) {
   json["region_rule"] = findings ? ruleJson(findings->rule) : Json();
   json["regions"] = findings ? Json::array() : Json();
   json["areas"] = findings ? Json::array() : Json();
   if (!findings) return;
-  for (const Region& region : findings->regions.list) json["regions"].push_back(regionJson(region, frame));
-  for (const Occupancy& o : findings->areas) json["areas"].push_back(areaJson(o, frame));
+  for (const ground::Region& region : findings->regions.list) json["regions"].push_back(regionJson(region, frame));
+  for (const ground::Occupancy& o : findings->areas) json["areas"].push_back(areaJson(o, frame));
 }
 
 // To a tenth of a millimetre; null where nothing is tracked.
-void addTrack(Json& json, const std::optional<TrackedHeight>& track) {
+void addTrack(Json& json, const std::optional<ground::TrackedHeight>& track) {
   json["tracked_mm"] = track ? rounded(track->mm, 10) : Json();
   json["tracked_mm_per_s"] = track ? rounded(track->mmPerS, 10) : Json();
   json["tracked_deviation_mm"] = track ? rounded(track->deviationMm, 10) : Json();
 }
 
-Json watchedJson(const Occupancy& o, const std::optional<TrackedHeight>& track) {
+Json watchedJson(const ground::Occupancy& o, const std::optional<ground::TrackedHeight>& track) {
   Json json = {{"name", o.area.name},
                {"seen_cells", o.seen},
                {"covered_cells", o.covered.cells},
@@ -171,7 +173,7 @@ Json areasJson(const GroundSetup& setup) {
   return json;
 }
 
-Json trackJson(const TrackRule& rule) {
+Json trackJson(const ground::TrackRule& rule) {
   return {
       {"noise_mm", rule.noiseMm}, {"acceleration_mm_per_s2", rule.accelerationMmPerS2}, {"patience_s", rule.patienceS}};
 }
@@ -214,7 +216,7 @@ std::string frameLine(const FrameReport& report, const GroundSetup& setup) {
     json["areas"] = report.findings ? Json::array() : Json();
   }
   if (report.findings) {
-    for (const Region& region : report.findings->regions.list)
+    for (const ground::Region& region : report.findings->regions.list)
       json["regions"].push_back(regionJson(region, setup.frame));
     for (size_t i = 0; i < report.tracks.size(); ++i)
       json["areas"].push_back(watchedJson(report.findings->areas[i], report.tracks[i]));

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ground/road.hpp"
+#include "tools/road/road.hpp"
 #include "tools/sequence/ground_sequence.hpp"
 
 namespace nadir::tool {

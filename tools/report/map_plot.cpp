@@ -63,8 +63,8 @@ void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPe
 
 }  // namespace
 
-MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide) {
-  const Grid<float> cells = unpacked(heights, 1);
+MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, uint32_t smallestSide) {
+  const Grid<float> cells = ground::unpacked(heights, 1);
   const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
   const Grid<float> pixels = enlarged(cells, factor);
   const auto [low, high] = usualRange(cells);
@@ -79,7 +79,7 @@ MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t s
   return map;
 }
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame) {
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const ground::MapFrame& frame) {
   return encodePng(drawMap(heights, frame, usualSide).picture,
                    {{"Description", "Heights above the ground in mm, coloured, seen from above; grey: unseen."},
                     {"Software", software()}});

@@ -18,8 +18,8 @@ struct MapPlot {
 };
 
 // smallestSide  of the map's larger side, pixels: small maps are drawn with several pixels a cell.
-MapPlot drawMap(const Grid<uint16_t>& heights, const MapFrame& frame, uint32_t smallestSide);
+MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, uint32_t smallestSide);
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const MapFrame& frame);
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const ground::MapFrame& frame);
 
 }  // namespace nadir::tool

@@ -6,13 +6,13 @@
 
 namespace nadir::tool {
 
-TextChunks mapTexts(const MapFrame& frame, const CellRule& rule) {
+TextChunks mapTexts(const ground::MapFrame& frame, const ground::CellRule& rule) {
   TextChunks texts = elevationTexts(placeOf(frame));
   texts["nadir:percentile"] = format("%g", rule.percentile);
   return texts;
 }
 
-TextChunks regionTexts(const MapFrame& frame, const CellRule& rule) {
+TextChunks regionTexts(const ground::MapFrame& frame, const ground::CellRule& rule) {
   TextChunks texts = mapTexts(frame, rule);
   texts[chunks::units] = regionUnits;
   texts["Description"] =

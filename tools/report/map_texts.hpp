@@ -7,9 +7,9 @@
 namespace nadir::tool {
 
 // The texts of a map of heights.
-TextChunks mapTexts(const MapFrame& frame, const CellRule& rule);
+TextChunks mapTexts(const ground::MapFrame& frame, const ground::CellRule& rule);
 
 // The texts of the map that holds the label of each cell's region.
-TextChunks regionTexts(const MapFrame& frame, const CellRule& rule);
+TextChunks regionTexts(const ground::MapFrame& frame, const ground::CellRule& rule);
 
 }  // namespace nadir::tool

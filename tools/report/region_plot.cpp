@@ -79,7 +79,7 @@ void outlineCells(MapPlot& map, const Grid<uint16_t>& labels) {
     }
 }
 
-Spot spotOf(const MapPlot& map, const MapFrame& frame, double xMm, double yMm) {
+Spot spotOf(const MapPlot& map, const ground::MapFrame& frame, double xMm, double yMm) {
   const double cell = frame.cells.cellSizeX;
   return map.spot((xMm - frame.corner.x) / cell, (yMm - frame.corner.y) / cell);
 }
@@ -110,8 +110,8 @@ Grid<Rgb> shown(const Grid<uint16_t>& picture) {
 // The label of what each pixel shows: its point lies over a cell of the region, above the ground.
 Grid<uint16_t> labelsOfPixels(const GroundResult& r, const Findings& f) {
   Grid<uint16_t> labels(r.picture.width, r.picture.height);
-  for (const WorldPoint& p : r.points) {
-    const std::optional<size_t> cell = cellUnder(p.world, r.frame);
+  for (const ground::WorldPoint& p : r.points) {
+    const std::optional<size_t> cell = ground::cellUnder(p.world, r.frame);
     if (!cell || r.camera.heightMm - p.world.z <= f.rule.minHeightMm) continue;
     labels.at(static_cast<uint32_t>(p.image.x), static_cast<uint32_t>(p.image.y)) = f.regions.labels.pixels[*cell];
   }
@@ -167,9 +167,9 @@ std::vector<std::optional<Spot>> outlineInPicture(const std::vector<Point_s32>& 
   return outline;
 }
 
-std::vector<NamedOutline> areasOnMap(const MapPlot& map, const MapFrame& frame, const Findings& findings) {
+std::vector<NamedOutline> areasOnMap(const MapPlot& map, const ground::MapFrame& frame, const Findings& findings) {
   std::vector<NamedOutline> areas;
-  for (const Occupancy& area : findings.areas) {
+  for (const ground::Occupancy& area : findings.areas) {
     std::vector<std::optional<Spot>> outline;
     for (const Point_s32& corner : area.place.ground) outline.emplace_back(spotOf(map, frame, corner.x, corner.y));
     areas.push_back({area.area.name, visibleLines(outline, map.place)});
@@ -179,7 +179,7 @@ std::vector<NamedOutline> areasOnMap(const MapPlot& map, const MapFrame& frame, 
 
 std::vector<NamedOutline> areasInPicture(const GroundResult& result, const Rect& whole, const Findings& findings) {
   std::vector<NamedOutline> areas;
-  for (const Occupancy& area : findings.areas)
+  for (const ground::Occupancy& area : findings.areas)
     areas.push_back({area.area.name, visibleLines(outlineInPicture(area.place.ground, result.context), whole)});
   return areas;
 }
@@ -192,7 +192,7 @@ Bytes encodeRegionMap(const GroundResult& result, const Findings& findings) {
   outlineCells(map, findings.regions.labels);
   drawLines(map.picture, areas);
   Signs signs(map.picture, map.place);
-  for (const Region& region : findings.regions.list)
+  for (const ground::Region& region : findings.regions.list)
     signs.drawAt(spotOf(map, result.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
   drawNames(signs, areas);
   return encodePng(map.picture, texts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "

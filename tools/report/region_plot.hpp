@@ -1,8 +1,8 @@
 // Regions and areas of interest drawn where people can see whether they are right.
 #pragma once
 
-#include "ground/road.hpp"
 #include "tools/files/files.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 

@@ -7,10 +7,12 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // Two pictures of one size that the matcher can work on.
-Pair readPair(const std::string& left, const std::string& right);
+ground::Pair readPair(const std::string& left, const std::string& right);
 
 // An empty path means no mask.
-Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path);
+Grid<uint8_t> readMaskFor(const ground::Pair& pair, const std::string& path);
 
 }  // namespace nadir::tool

@@ -30,7 +30,7 @@ struct Worked {
   std::optional<Findings> findings;
 };
 
-std::optional<double> measuredIn(const Occupancy& area) {
+std::optional<double> measuredIn(const ground::Occupancy& area) {
   if (area.covered.cells == 0) return {};
   return area.covered.highestMm;
 }
@@ -42,7 +42,7 @@ class SequenceRun {
         setup_(setup),
         options_(options),
         window_(options.rule.averageFrames),
-        tracks_(setup.areas.size(), HeightTrack(options.rule.track)) {}
+        tracks_(setup.areas.size(), ground::HeightTrack(options.rule.track)) {}
 
   void go() {
     begin();
@@ -125,12 +125,12 @@ class SequenceRun {
 
   // On the first frame that can be read.
   void checkCamera() const {
-    std::optional<Pair> pair;
+    std::optional<ground::Pair> pair;
     for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
     if (pair) checkSize(*pair, setup_);
   }
 
-  std::optional<Pair> readable(size_t frame) const {
+  std::optional<ground::Pair> readable(size_t frame) const {
     try {
       return readPair(source_.left(frame), source_.right(frame));
     } catch (const Error&) {
@@ -192,7 +192,7 @@ class SequenceRun {
     FrameReport report{source_.number(frame), source_.name(frame), secondsOf(frame), worked.error, 0, {}, {}};
     skipped_ += !report.error.empty();
     if (!report.error.empty()) return report;
-    report.seenCells = heightsOf(worked.heights).known;
+    report.seenCells = ground::heightsOf(worked.heights).known;
     if (!options_.rule.noMaps) writeMaps(frame, worked.heights);
     report.findings = std::move(worked.findings);
     for (size_t i = 0; i < tracks_.size(); ++i) {
@@ -222,8 +222,8 @@ class SequenceRun {
   const GroundSetup& setup_;
   const SequenceOptions& options_;
   std::optional<FolderLock> lock_;
-  MapWindow window_;
-  std::vector<HeightTrack> tracks_;
+  ground::MapWindow window_;
+  std::vector<ground::HeightTrack> tracks_;
   size_t done_ = 0, skipped_ = 0;
 };
 

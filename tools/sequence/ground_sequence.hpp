@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "ground/road.hpp"
 #include "ground/tracks.hpp"
+#include "tools/road/road.hpp"
 #include "tools/sequence/frame_source.hpp"
 
 namespace nadir::tool {
@@ -12,7 +12,7 @@ namespace nadir::tool {
 struct SequenceRule {
   double framesPerSecond = 10;
   uint32_t averageFrames = 10;  // in the window of the averaged maps
-  TrackRule track;
+  ground::TrackRule track;
   bool noMaps = false;  // frames.jsonl alone
 };
 
@@ -31,7 +31,7 @@ struct FrameReport {
   std::string error;
   size_t seenCells = 0;
   std::optional<Findings> findings;
-  std::vector<std::optional<TrackedHeight>> tracks;  // of the areas
+  std::vector<std::optional<ground::TrackedHeight>> tracks;  // of the areas
 };
 
 // Works through the frames and writes what it finds, frame by frame, so that an interrupted run has whole files and can

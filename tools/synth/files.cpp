@@ -17,11 +17,13 @@ namespace {
 using nadir::scene::Side;
 
 // The renderer stands alone and has a word of its own for the views.
-View viewOf(Side side) { return side == Side::left ? View::left : View::right; }
+ground::View viewOf(Side side) { return side == Side::left ? ground::View::left : ground::View::right; }
 
 const char* nameOf(Side side) { return nameOf(viewOf(side)); }
 
-MapPlace placeOf(const Rendering& r) { return {static_cast<double>(r.mapLayout.cell), r.map.cornerX, r.map.cornerY}; }
+ground::MapPlace placeOf(const Rendering& r) {
+  return {static_cast<double>(r.mapLayout.cell), r.map.cornerX, r.map.cornerY};
+}
 
 // ---- pictures ----
 

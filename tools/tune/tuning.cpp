@@ -19,11 +19,11 @@ namespace {
 
 double scoreOf(const Grid<float>& values, const Grid<float>& truth, const Judge& judge) {
   const Grid<float> error = errors(values, truth);
-  const size_t compared = countKnown(error);
+  const size_t compared = ground::countKnown(error);
   const auto right = static_cast<size_t>(
       std::count_if(error.pixels.begin(), error.pixels.end(), [&](float e) { return std::abs(e) <= judge.tolerance; }));
   const double gain = static_cast<double>(right) - judge.wrongCosts * static_cast<double>(compared - right);
-  return 100 * gain / static_cast<double>(countKnown(truth));
+  return 100 * gain / static_cast<double>(ground::countKnown(truth));
 }
 
 // The mean over all samples of what `score` says of one.
@@ -48,13 +48,13 @@ void checkTruth(const Grid<A>& truth, const Grid<B>& values, const std::string& 
   if (!sameSize(truth, values))
     throw Error(format("%s is %s, but what it is the truth of is %s", path.c_str(),
                        sizeText(truth.width, truth.height).c_str(), sizeText(values.width, values.height).c_str()));
-  if (countKnown(truth) == 0) throw Error(path + " knows no truth at all");
+  if (ground::countKnown(truth) == 0) throw Error(path + " knows no truth at all");
 }
 
 // ---- settings of the matcher, judged by its disparities ----
 
 struct MatchSample {
-  Pair pair;
+  ground::Pair pair;
   Grid<float> truth;
 };
 
@@ -67,51 +67,54 @@ MatchSample matchSample(const std::string& folder) {
   return sample;
 }
 
-Grid<uint16_t> matched(const Pair& pair, uint32_t uniqueness) {
+Grid<uint16_t> matched(const ground::Pair& pair, uint32_t uniqueness) {
   StageTimes unused;
-  MatchOptions options;
+  ground::MatchOptions options;
   options.uniqueness = uniqueness;
-  return match(pair, options, unused).disparity;
+  return ground::match(pair, options, unused).disparity;
 }
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {
   return meanOf(readAll<MatchSample>(folders, matchSample), [judge](const MatchSample& sample, uint32_t uniqueness) {
-    return scoreOf(unpacked(matched(sample.pair, uniqueness), SGM_DISP_SCALE), sample.truth, judge);
+    return scoreOf(ground::unpacked(matched(sample.pair, uniqueness), SGM_DISP_SCALE), sample.truth, judge);
   });
 }
 
 // ---- settings of the map, judged by its heights ----
 
 struct MapSample {
-  std::vector<WorldPoint> points;
-  MapFrame frame;
+  std::vector<ground::WorldPoint> points;
+  ground::MapFrame frame;
   float groundZ;
   Grid<float> truth;
 };
 
 // Matched once: the settings of the map come later on the road.
 MapSample mapSample(const std::string& folder) {
-  const Pair pair = readPair(folder + "/left.png", folder + "/right.png");
+  const ground::Pair pair = readPair(folder + "/left.png", folder + "/right.png");
   const Camera camera = readCamera(folder + "/camera.toml");
-  const StereoCtx context = stereoContext(camera, View::left);
-  const Grid<float> disparity = unpacked(matched(pair, MatchOptions().uniqueness), SGM_DISP_SCALE);
+  const StereoCtx context = ground::stereoContext(camera, ground::View::left);
+  const Grid<float> disparity = ground::unpacked(matched(pair, ground::MatchOptions().uniqueness), SGM_DISP_SCALE);
   const std::string path = folder + "/elevation_gt.png";
-  const MapSample sample{worldPoints(disparity, pair.left, context, static_cast<float>(camera.columnShiftPx)),
-                         mapFrame(context, camera), context.orientation.height, readHeights(path).heights};
+  const MapSample sample{ground::worldPoints(disparity, pair.left, context, static_cast<float>(camera.columnShiftPx)),
+                         ground::mapFrame(context, camera), context.orientation.height, readHeights(path).heights};
   checkTruth(sample.truth, Grid<uint8_t>(sample.frame.cells.width, sample.frame.cells.height), path);
   return sample;
 }
 
-Objective mapObjective(const std::vector<std::string>& folders, const Judge& judge, CellRule (*rule)(uint32_t)) {
+Objective mapObjective(const std::vector<std::string>& folders, const Judge& judge,
+                       ground::CellRule (*rule)(uint32_t)) {
   return meanOf(readAll<MapSample>(folders, mapSample), [judge, rule](const MapSample& sample, uint32_t setting) {
-    const ElevationMap map = elevationMap(sample.points, sample.frame, sample.groundZ, rule(setting));
-    return scoreOf(unpacked(map.heights, 1), sample.truth, judge);
+    const ground::ElevationMap map = ground::elevationMap(sample.points, sample.frame, sample.groundZ, rule(setting));
+    return scoreOf(ground::unpacked(map.heights, 1), sample.truth, judge);
   });
 }
 
-CellRule withPercentile(uint32_t percentile) { return {static_cast<double>(percentile), CellRule().minPoints}; }
+ground::CellRule withPercentile(uint32_t percentile) {
+  return {static_cast<double>(percentile), ground::CellRule().minPoints};
+}
 
-CellRule withMinPoints(uint32_t points) { return {CellRule().percentile, points}; }
+ground::CellRule withMinPoints(uint32_t points) { return {ground::CellRule().percentile, points}; }
 
 // ---- the list ----
 
@@ -121,12 +124,13 @@ struct Known {
 };
 
 const Known known[] = {
-    {{"uniqueness", 0, 128, MatchOptions().uniqueness, "px", 2, "the matcher's peak check, judged by disparity_gt.png"},
+    {{"uniqueness", 0, 128, ground::MatchOptions().uniqueness, "px", 2,
+      "the matcher's peak check, judged by disparity_gt.png"},
      matchObjective},
-    {{"percentile", 1, 100, static_cast<uint32_t>(CellRule().percentile), "mm", 50,
+    {{"percentile", 1, 100, static_cast<uint32_t>(ground::CellRule().percentile), "mm", 50,
       "which of its points' heights a cell gets, judged by elevation_gt.png"},
      [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, withPercentile); }},
-    {{"min-points", 1, 50, CellRule().minPoints, "mm", 50,
+    {{"min-points", 1, 50, ground::CellRule().minPoints, "mm", 50,
       "cells with fewer points stay unseen, judged by elevation_gt.png"},
      [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, withMinPoints); }},
 };

@@ -12,13 +12,15 @@
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 struct GroundOptions {
   std::string camera, mask, disparity, areas;
-  View view = View::left;
+  ground::View view = ground::View::left;
   bool noPostprocessing = false;
-  uint32_t uniqueness = MatchOptions().uniqueness;
+  uint32_t uniqueness = ground::MatchOptions().uniqueness;
   double disparityScale = 0;  // of the given disparities; 0: what their file says
-  CellRule rule;
+  ground::CellRule rule;
   double fillHolesM2 = 0;  // patches of unseen cells up to this area are filled
   bool noRegions = false;
   std::optional<double> minHeightMm, maxStepMm, minAreaM2;  // else the usual ones for the map's cells
@@ -26,43 +28,43 @@ struct GroundOptions {
 
 // What stands on the map, and in the areas of interest.
 struct Findings {
-  RegionRule rule;
-  Regions regions;
-  std::vector<Occupancy> areas;
+  ground::RegionRule rule;
+  ground::Regions regions;
+  std::vector<ground::Occupancy> areas;
 };
 
 struct GroundResult {
-  Camera camera;
-  View view;
+  ground::Camera camera;
+  ground::View view;
   Grid<uint16_t> picture;  // the view's
   Grid<uint16_t> matched;  // what the matcher found; without pixels where disparities were given
   Grid<float> disparity;   // pixels, NaN for none
   StereoCtx context;
-  std::vector<WorldPoint> points;
-  MapFrame frame;
-  CellRule rule;
-  ElevationMap map;
-  std::optional<GroundPlane> plane;
+  std::vector<ground::WorldPoint> points;
+  ground::MapFrame frame;
+  ground::CellRule rule;
+  ground::ElevationMap map;
+  std::optional<ground::GroundPlane> plane;
   std::optional<Findings> findings;
 };
 
 // What is the same for every pair of a camera: read and checked once.
 struct GroundSetup {
   GroundOptions options;
-  Camera camera;
+  ground::Camera camera;
   StereoCtx context;
-  MapFrame frame;
-  std::vector<Area> areas;
-  std::vector<AreaCells> places;  // of the areas
+  ground::MapFrame frame;
+  std::vector<ground::Area> areas;
+  std::vector<ground::AreaCells> places;  // of the areas
 };
 
 GroundSetup groundSetup(const GroundOptions& options);
 
 // The one asked for, or the usual one.
-RegionRule regionRule(const GroundSetup& setup);
+ground::RegionRule regionRule(const GroundSetup& setup);
 
 // Throws where the pictures are not of the camera's size.
-void checkSize(const Pair& pair, const GroundSetup& setup);
+void checkSize(const ground::Pair& pair, const GroundSetup& setup);
 
 // The pair of the two files. Several threads may work at a time.
 GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times);

@@ -1,4 +1,4 @@
-#include "ground/road.hpp"
+#include "tools/road/road.hpp"
 
 #include <algorithm>
 
@@ -17,28 +17,29 @@ namespace {
 // Regions are found on small maps only; larger cells cover the same ground.
 void checkMap(const Camera& camera, const GroundOptions& options) {
   const uint32_t width = camera.mapWidthCells, height = camera.mapHeightCells, larger = std::max(width, height);
-  if (options.noRegions || larger <= largestRegionMap) return;
-  const uint32_t cell = (larger * camera.cellMm + largestRegionMap - 1) / largestRegionMap;
+  if (options.noRegions || larger <= ground::largestRegionMap) return;
+  const uint32_t cell = (larger * camera.cellMm + ground::largestRegionMap - 1) / ground::largestRegionMap;
   const auto fewer = [&](uint32_t cells) { return (cells * camera.cellMm + cell - 1) / cell; };
-  throw Error(format(
-      "the map of %s has %s cells, and regions are found on at most %s: cell_mm = %u with %s cells covers "
-      "the same ground (or leave the regions out with --no-regions)",
-      options.camera.c_str(), sizeText(width, height).c_str(), sizeText(largestRegionMap, largestRegionMap).c_str(),
-      cell, sizeText(fewer(width), fewer(height)).c_str()));
+  throw Error(
+      format("the map of %s has %s cells, and regions are found on at most %s: cell_mm = %u with %s cells covers "
+             "the same ground (or leave the regions out with --no-regions)",
+             options.camera.c_str(), sizeText(width, height).c_str(),
+             sizeText(ground::largestRegionMap, ground::largestRegionMap).c_str(), cell,
+             sizeText(fewer(width), fewer(height)).c_str()));
 }
 
-std::vector<Area> readAllAreas(const GroundOptions& options) {
-  const std::vector<Area> ofCamera = readAreasOfCamera(options.camera);
+std::vector<ground::Area> readAllAreas(const GroundOptions& options) {
+  const std::vector<ground::Area> ofCamera = readAreasOfCamera(options.camera);
   return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
 }
 
-Grid<uint16_t> matched(const GroundOptions& options, Pair pair, StageTimes& times) {
-  const MatchOptions settings{options.view, options.uniqueness, !options.noPostprocessing,
-                              readMaskFor(pair, options.mask)};
-  return match(std::move(pair), settings, times).disparity;
+Grid<uint16_t> matched(const GroundOptions& options, ground::Pair pair, StageTimes& times) {
+  const ground::MatchOptions settings{options.view, options.uniqueness, !options.noPostprocessing,
+                                      readMaskFor(pair, options.mask)};
+  return ground::match(std::move(pair), settings, times).disparity;
 }
 
-Grid<float> givenDisparities(const GroundOptions& options, const Pair& pair) {
+Grid<float> givenDisparities(const GroundOptions& options, const ground::Pair& pair) {
   Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
   if (!sameSize(disparity, pair.left))
     throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
@@ -47,11 +48,11 @@ Grid<float> givenDisparities(const GroundOptions& options, const Pair& pair) {
   return disparity;
 }
 
-void findDisparities(GroundResult& r, const GroundOptions& options, Pair pair, StageTimes& times) {
-  r.picture = r.view == View::left ? pair.left : pair.right;
+void findDisparities(GroundResult& r, const GroundOptions& options, ground::Pair pair, StageTimes& times) {
+  r.picture = r.view == ground::View::left ? pair.left : pair.right;
   if (options.disparity.empty()) {
     r.matched = matched(options, std::move(pair), times);
-    r.disparity = unpacked(r.matched, SGM_DISP_SCALE);
+    r.disparity = ground::unpacked(r.matched, SGM_DISP_SCALE);
   } else {
     r.disparity = givenDisparities(options, pair);
   }
@@ -64,19 +65,20 @@ size_t cellsIn(double squareMetres, const ElevMapParams& cells) {
 // From disparities to heights.
 void measure(GroundResult& r, const GroundOptions& options, StageTimes& times) {
   const auto shift = static_cast<float>(r.camera.columnShiftPx);
-  r.points = times.measure("world points", [&] { return worldPoints(r.disparity, r.picture, r.context, shift); });
+  r.points =
+      times.measure("world points", [&] { return ground::worldPoints(r.disparity, r.picture, r.context, shift); });
   r.map = times.measure("elevation map",
-                        [&] { return elevationMap(r.points, r.frame, r.context.orientation.height, r.rule); });
+                        [&] { return ground::elevationMap(r.points, r.frame, r.context.orientation.height, r.rule); });
   if (const size_t largest = cellsIn(options.fillHolesM2, r.frame.cells))
-    r.map.filled = times.measure("hole filling", [&] { return fillHoles(r.map.heights, largest); });
-  r.plane = times.measure("ground plane", [&] { return fitGroundPlane(r.points, r.context); });
+    r.map.filled = times.measure("hole filling", [&] { return ground::fillHoles(r.map.heights, largest); });
+  r.plane = times.measure("ground plane", [&] { return ground::fitGroundPlane(r.points, r.context); });
 }
 
 Findings find(const GroundResult& r, const GroundSetup& setup) {
   Findings f{regionRule(setup), {}, {}};
-  f.regions = findRegions(r.map.heights, r.frame, f.rule);
+  f.regions = ground::findRegions(r.map.heights, r.frame, f.rule);
   for (size_t i = 0; i < setup.areas.size(); ++i)
-    f.areas.push_back(occupancyOf(setup.areas[i], setup.places[i], r.map.heights, f.regions));
+    f.areas.push_back(ground::occupancyOf(setup.areas[i], setup.places[i], r.map.heights, f.regions));
   return f;
 }
 
@@ -86,21 +88,21 @@ Findings find(const GroundResult& r, const GroundSetup& setup) {
 GroundSetup groundSetup(const GroundOptions& options) {
   GroundSetup s{options, readCamera(options.camera), {}, {}, {}, {}};
   checkMap(s.camera, options);
-  s.context = stereoContext(s.camera, options.view);
-  s.frame = mapFrame(s.context, s.camera);
+  s.context = ground::stereoContext(s.camera, options.view);
+  s.frame = ground::mapFrame(s.context, s.camera);
   if (!options.noRegions) s.areas = readAllAreas(options);
-  for (const Area& area : s.areas) s.places.push_back(cellsOf(area, s.frame, s.context));
+  for (const ground::Area& area : s.areas) s.places.push_back(ground::cellsOf(area, s.frame, s.context));
   return s;
 }
 
-RegionRule regionRule(const GroundSetup& setup) {
+ground::RegionRule regionRule(const GroundSetup& setup) {
   const GroundOptions& options = setup.options;
-  const RegionRule usual = usualRule(setup.camera.cellMm);
+  const ground::RegionRule usual = ground::usualRule(setup.camera.cellMm);
   return {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
           options.minAreaM2.value_or(usual.minAreaM2)};
 }
 
-void checkSize(const Pair& pair, const GroundSetup& setup) {
+void checkSize(const ground::Pair& pair, const GroundSetup& setup) {
   const Camera& camera = setup.camera;
   if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
   throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
@@ -116,7 +118,7 @@ GroundResult ground(const GroundSetup& setup, const std::string& left, const std
   r.rule = options.rule;
   r.context = setup.context;
   r.frame = setup.frame;
-  Pair pair = times.measure("reading", [&] { return readPair(left, right); });
+  ground::Pair pair = times.measure("reading", [&] { return readPair(left, right); });
   checkSize(pair, setup);
   findDisparities(r, options, std::move(pair), times);
   measure(r, options, times);
