@@ -3,15 +3,16 @@
 
 #include <cmath>
 
+#include "core/constants.hpp"
 #include "core/matrix.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr float kLeastSquaredLength = 1.1920929e-7f;  // mm^2
+constexpr float leastSquaredLength = floatEpsilon;  // mm^2
 
-constexpr float kIdentity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-constexpr float kHalfTurnAboutX[9] = {1, 0, 0, 0, -1, 0, 0, 0, -1};  // world z down to custom z up
+constexpr float identity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+constexpr float halfTurnAboutX[9] = {1, 0, 0, 0, -1, 0, 0, 0, -1};  // world z down to custom z up
 
 struct Camera {
   IntCalib intCalib;
@@ -40,10 +41,10 @@ uint32_t groundFrame(const Camera& camera, const CustomFrameParams& frame, ExtCa
   const Point3_f32 target = groundUnder(frame.directionX, frame.directionY, camera);
   const float dx = target.x - origin.x, dy = origin.y - target.y;  // y of the turned frame
   const float squaredLength = dx * dx + dy * dy;
-  if (squaredLength < kLeastSquaredLength) return 0;
+  if (squaredLength < leastSquaredLength) return 0;
   const float length = std::sqrt(squaredLength), ux = dx / length, uy = dy / length;
   const float turn[9] = {ux, uy, 0, -uy, ux, 0, 0, 0, 1};
-  mmMul(turn, kHalfTurnAboutX, ext.R);
+  mmMul(turn, halfTurnAboutX, ext.R);
   placeOrigin(origin, frame, ext);
   return 1;
 }
@@ -56,7 +57,7 @@ using namespace nadir;
 uint32_t ip_params2extCalibCustom(const IntCalibParams* params, const Orientation* orientation,
                                   const CustomFrameParams* frame, ExtCalib* ext) {
   if (!frame->enabled) {
-    mCopy(kIdentity, ext->R);
+    mCopy(identity, ext->R);
     ext->T[0] = ext->T[1] = ext->T[2] = 0;
     return 1;
   }

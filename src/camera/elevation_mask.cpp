@@ -14,7 +14,7 @@
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMaxSamples = 640 * 480;
+constexpr uint32_t mostSamples = 640 * 480;
 
 // The values other than 0. The counter starts again after 65535: a larger image keeps its last values only.
 struct Samples {
@@ -50,7 +50,7 @@ void sampleImage(const ImgC& values, Samples& samples) {
 
 // World z of the plane; 0, which is no value, where there is none.
 uint16_t planeHeight(const Polygon_s32& polygon, const ImgC& values) {
-  const Scratch<uint16_t> buffer(kMaxSamples);
+  const Scratch<uint16_t> buffer(mostSamples);
   if (!buffer) return 0;
   Samples samples = {buffer.get(), 0};
   sampleVertices(polygon, values, samples);
@@ -85,7 +85,7 @@ CellGrid cellsOf(const StereoCtx& ctx) {
 
 // A polygon on the stack.
 struct LocalPolygon {
-  alignas(Polygon_s32) unsigned char bytes[sizeof(Polygon_s32) + kMaxCellPolygonVertices * sizeof(Point_s32)];
+  alignas(Polygon_s32) unsigned char bytes[sizeof(Polygon_s32) + mostCellPolygonVertices * sizeof(Point_s32)];
 };
 
 }  // namespace
@@ -96,7 +96,7 @@ using namespace nadir;
 int32_t IP_Utils_CreateElevMaskFromImgPoly(const Polygon_s32* polygon, const StereoCtx* ctx, const ImgC* values,
                                            Img* mask) {
   if (!polygon || !ctx || !values || !values->data || !mask) return 0;
-  if (polygon->count > kMaxCellPolygonVertices || values->bytesPerPixel < sizeof(uint16_t)) return 0;
+  if (polygon->count > mostCellPolygonVertices || values->bytesPerPixel < sizeof(uint16_t)) return 0;
   const uint16_t height = planeHeight(*polygon, *values);
   if (height == 0) return 0;
   if (!fitsMap(*mask, ctx->mapParams)) return 1;

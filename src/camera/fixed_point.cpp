@@ -8,10 +8,10 @@
 namespace nadir {
 namespace {
 
-constexpr float kLength = 0.0625f;               // mm or pixels per count
-constexpr float kCoefficient = 0.000244140625f;  // 1/4096
+constexpr float lengthUnit = 0.0625f;               // mm or pixels per count
+constexpr float coefficientUnit = 0.000244140625f;  // 1/4096
 
-float widened(int32_t counts) { return static_cast<float>(counts) * kLength; }
+float widened(int32_t counts) { return static_cast<float>(counts) * lengthUnit; }
 
 Point3_f32 widened(const Point3_s32& p) { return {widened(p.x), widened(p.y), widened(p.z)}; }
 
@@ -23,7 +23,7 @@ Point3_s32 narrowed(const Point3_f32& p) { return {coordinate(p.x), coordinate(p
 
 ExtCalib externalOf(const TrafoParams& trafo) {
   ExtCalib ext;
-  for (int i = 0; i < 9; ++i) ext.R[i] = static_cast<float>(trafo.ext.R[i]) * kCoefficient;
+  for (int i = 0; i < 9; ++i) ext.R[i] = static_cast<float>(trafo.ext.R[i]) * coefficientUnit;
   for (int i = 0; i < 3; ++i) ext.T[i] = widened(trafo.ext.T[i]);
   return ext;
 }

@@ -1,12 +1,13 @@
 #include <nadir/camera.h>
 
+#include "core/constants.hpp"
 #include "core/matrix.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr float kNearest = 50.0f;                 // mm: nothing nearer is divided by
-constexpr float kLeastDisparity = 1.1920929e-7f;  // pixels
+constexpr float nearestDepth = 50.0f;           // mm; what lies nearer is projected from here, as camera.h says
+constexpr float leastDisparity = floatEpsilon;  // pixels
 
 // The point at depth 1 that the pixel looks at.
 Point3_f32 rayOf(const Point_f32& img, const IntCalib& calib) {
@@ -40,8 +41,8 @@ uint32_t ip_world2custom(const Point3_f32* world, Point3_f32* custom, const ExtC
 }
 
 uint32_t ip_cam2img(const Point3_f32* cam, Point_f32* img, const IntCalib* calib) {
-  const bool inFront = cam->z > kNearest;
-  const float depth = inFront ? cam->z : kNearest, f = calib->focalLength;
+  const bool inFront = cam->z > nearestDepth;
+  const float depth = inFront ? cam->z : nearestDepth, f = calib->focalLength;
   *img = {f * cam->x / depth + calib->principalX, f * cam->y / depth + calib->principalY};
   return inFront;
 }
@@ -64,7 +65,7 @@ uint32_t ip_world2img(const Point3_f32* world, Point_f32* img, const ExtCalib* e
 }
 
 uint32_t ip_disp2cam(const Point_f32* img, Point3_f32* cam, const IntCalib* calib, float disparity) {
-  if (disparity <= kLeastDisparity) return 0;
+  if (disparity <= leastDisparity) return 0;
   return ip_img2cam(img, cam, calib, calib->focalLength * calib->baseline / disparity);
 }
 

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <cstring>
 
+#include "core/constants.hpp"
+
 namespace nadir {
 namespace {
-
-constexpr float kEpsilon = 1.1920929e-7f;
 
 struct Mean {
   float x, y;
@@ -86,9 +86,9 @@ uint32_t IP_Alg_Eigen_2x2(const float* matrix, float* eigenvalues, float* eigenv
   if (discriminant < 0) return 0;
   const float s = std::sqrt(discriminant);
   const float l1 = trace * 0.5f + s, l2 = trace * 0.5f - s;
-  if (std::fabs(c) > kEpsilon) {
+  if (std::fabs(c) > floatEpsilon) {
     storeEigenvectors(l1 - d, c, l2 - d, c, eigenvectors);
-  } else if (std::fabs(b) > kEpsilon) {
+  } else if (std::fabs(b) > floatEpsilon) {
     storeEigenvectors(b, l1 - a, b, l2 - a, eigenvectors);
   } else {
     storeEigenvectors(1, 0, 0, 1, eigenvectors);

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/constants.hpp"
 #include "geometry/orientation.hpp"
 
 namespace nadir {
 namespace {
-
-constexpr float kEpsilon = 1.1920929e-7f;
 
 struct Direction {
   int32_t x, y;
@@ -47,7 +46,7 @@ float IP_Geom_LinePoint2_SquaredDistance_f32(const Line_f32* l, const Point_f32*
   const Point_f32 s = {l->x, l->y}, t = {l->x + l->dx, l->y + l->dy};
   const float dx = t.x - s.x, dy = t.y - s.y;
   const float squaredLength = dx * dx + dy * dy;
-  if (!(squaredLength > kEpsilon)) return 0;
+  if (!(squaredLength > floatEpsilon)) return 0;
   const float n = dy * p->x - dx * p->y + s.y * t.x - s.x * t.y;
   return n * n / squaredLength;
 }
@@ -64,7 +63,7 @@ int32_t IP_Geom_IntersectLines(const Line_s32* l1, const Line_s32* l2, Point_s32
 
 int32_t IP_Geom_IntersectLines_f32(const Line_f32* l1, const Line_f32* l2, Point_f32* out) {
   const float det = l1->dy * l2->dx - l1->dx * l2->dy;
-  if (std::fabs(det) < kTolerance) return 0;
+  if (std::fabs(det) < tolerance) return 0;
   const float t = (l1->x - l2->x) * l2->dy + (l2->y - l1->y) * l2->dx;
   *out = {l1->dx * t / det + l1->x, l1->dy * t / det + l1->y};
   return 1;

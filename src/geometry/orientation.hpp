@@ -12,7 +12,7 @@
 namespace nadir {
 
 // The distance below which float coordinates count as equal.
-constexpr float kTolerance = 0.01f;
+constexpr float tolerance = 0.01f;
 
 inline int32_t orientation(const Point_s32& a, const Point_s32& b, const Point_s32& c) {
   const Wrap32 cross = (Wrap32(c.x) - b.x) * (Wrap32(b.y) - a.y) - (Wrap32(c.y) - b.y) * (Wrap32(b.x) - a.x);
@@ -23,20 +23,20 @@ inline int32_t orientation(const Point_f32& a, const Point_f32& b, const Point_f
   const float ux = b.x - a.x, uy = b.y - a.y;
   const float vx = c.x - b.x, vy = c.y - b.y;
   const float cross = uy * vx - ux * vy;
-  if (std::fabs(cross) < kTolerance) return 0;
+  if (std::fabs(cross) < tolerance) return 0;
   const double longer = std::max(ux * ux + uy * uy, vx * vx + vy * vy);
   const float deviation = static_cast<float>(static_cast<double>(cross) / std::sqrt(longer));
-  if (std::fabs(deviation) < kTolerance) return 0;
+  if (std::fabs(deviation) < tolerance) return 0;
   return cross > 0 ? 1 : -1;
 }
 
 // Strictly between lo and hi; for floats, by the tolerance.
 inline bool strictlyBetween(int32_t v, int32_t lo, int32_t hi) { return lo < v && v < hi; }
-inline bool strictlyBetween(float v, float lo, float hi) { return v - hi <= -kTolerance && v - lo >= kTolerance; }
+inline bool strictlyBetween(float v, float lo, float hi) { return v - hi <= -tolerance && v - lo >= tolerance; }
 
 // Between lo and hi, both included; for floats, up to the tolerance outside.
 inline bool between(int32_t v, int32_t lo, int32_t hi) { return lo <= v && v <= hi; }
-inline bool between(float v, float lo, float hi) { return v - lo > -kTolerance && v - hi < kTolerance; }
+inline bool between(float v, float lo, float hi) { return v - lo > -tolerance && v - hi < tolerance; }
 
 template <class Point>
 bool strictlyInsideBox(const Point& a, const Point& b, const Point& p) {

@@ -152,7 +152,7 @@ class Row {
   const CellGrid& grid_;
   const int64_t y_;
   uint8_t* const cells_;
-  Crossing sorted_[kMaxCellPolygonVertices];
+  Crossing sorted_[mostCellPolygonVertices];
   size_t crossings_ = 0;
 };
 

@@ -12,10 +12,10 @@ struct CellGrid {
   int32_t stepX, stepY;  // not negative, at most 65535
 };
 
-constexpr uint32_t kMaxCellPolygonVertices = 100;
+constexpr uint32_t mostCellPolygonVertices = 100;
 
 // Writes width * height bytes row by row: what IP_Polygon_IsInside says about each cell's centre. The polygon has at
-// most kMaxCellPolygonVertices vertices.
+// most mostCellPolygonVertices vertices.
 void markCellsInside(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells);
 
 }  // namespace nadir

@@ -19,8 +19,8 @@ float lineDistance(const Point_f32& a, const Point_f32& b, const Point_f32& p) {
 
 template <class Distance, class Polyline, class Point>
 int32_t sideOf(const Polyline* line, const Point* p) {
-  constexpr int32_t kNoSide = -2;
-  if (!line || !p || line->count < 2) return kNoSide;
+  constexpr int32_t noSide = -2;
+  if (!line || !p || line->count < 2) return noSide;
   Distance best = std::numeric_limits<Distance>::max();
   const Point* nearest = nullptr;
   for (const Point* start = line->vertices; start != line->vertices + line->count - 1; ++start) {
@@ -30,7 +30,7 @@ int32_t sideOf(const Polyline* line, const Point* p) {
       nearest = start;
     }
   }
-  return nearest ? orientation(nearest[0], nearest[1], *p) : kNoSide;
+  return nearest ? orientation(nearest[0], nearest[1], *p) : noSide;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 namespace nadir {
 namespace {
 
-constexpr size_t kDivisionBlock = 1024;
+constexpr size_t divisionBlock = 1024;
 
 // Processors differ in what dividing by zero does; the signal is part of the interface, so it is raised by hand.
 template <class T>
@@ -28,8 +28,8 @@ void divideOneByOne(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t 
 // Block by block, so that only blocks with a zero among the divisors take the slow way.
 template <class T>
 void divideRow(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t n, CombineRow divide) {
-  for (size_t i = 0; i < n; i += kDivisionBlock) {
-    const size_t count = std::min(n - i, kDivisionBlock);
+  for (size_t i = 0; i < n; i += divisionBlock) {
+    const size_t count = std::min(n - i, divisionBlock);
     const bool hasZero = std::find(b + i, b + i + count, 0) != b + i + count;
     (hasZero ? divideOneByOne<T> : divide)(a + i, b + i, out + i, count);
   }

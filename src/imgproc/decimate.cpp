@@ -5,7 +5,7 @@
 namespace nadir {
 namespace {
 
-constexpr uint16_t kWidth = 320, kHeight = 240;
+constexpr uint16_t outputWidth = 320, outputHeight = 240;
 
 bool hasSize(const Img& img, uint32_t width, uint32_t height) { return img.width == width && img.height == height; }
 
@@ -16,10 +16,10 @@ Img as16Bit(Img img) {
 }
 
 void decimate(const Img& src, const Img& dst) {
-  for (size_t y = 0; y < kHeight; ++y) {
+  for (size_t y = 0; y < outputHeight; ++y) {
     const uint16_t* in = row<uint16_t>(src, 2 * y);
     uint16_t* out = row<uint16_t>(dst, y);
-    forEachPixel(kWidth, [=](size_t i) { out[i] = in[2 * i]; });
+    forEachPixel(outputWidth, [=](size_t i) { out[i] = in[2 * i]; });
   }
 }
 
@@ -29,7 +29,8 @@ void decimate(const Img& src, const Img& dst) {
 using namespace nadir;
 
 uint32_t IP_ScaleVga2Qvga(const Img* src, Img* dst) {
-  if (!src || !dst || !hasSize(*src, 2 * kWidth, 2 * kHeight) || !hasSize(*dst, kWidth, kHeight)) return 0;
+  if (!src || !dst || !hasSize(*src, 2 * outputWidth, 2 * outputHeight) || !hasSize(*dst, outputWidth, outputHeight))
+    return 0;
   if (!(src->type & dst->type & IMG_TYPE_U16)) return 0;
   decimate(as16Bit(*src), as16Bit(*dst));
   return 1;

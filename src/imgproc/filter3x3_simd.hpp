@@ -14,7 +14,7 @@ namespace nadir {
 template <class Target, size_t VectorBytes, class T>
 struct Filter3x3Strips {
   typedef T Vector __attribute__((vector_size(VectorBytes)));
-  static constexpr size_t kLanes = VectorBytes / sizeof(T);
+  static constexpr size_t vectorLanes = VectorBytes / sizeof(T);
 
   // How a strip's rows come from memory and go there: as whole vectors, or only their first lanes.
   struct WholeRow {
@@ -120,10 +120,10 @@ struct Filter3x3Strips {
   static void filter(const T* src, size_t srcStride, T* dst, size_t dstStride, size_t rows, size_t columns) {
     const auto stripAt = [=](size_t x, auto row) { strip<Filter>(src + x, srcStride, dst + x, dstStride, rows, row); };
     if (rows == 0 || columns == 0) return;
-    if (columns < kLanes) return stripAt(0, NarrowRow{columns});
+    if (columns < vectorLanes) return stripAt(0, NarrowRow{columns});
     size_t x = 0;
-    for (; x + kLanes <= columns; x += kLanes) stripAt(x, WholeRow());
-    if (x < columns) stripAt(columns - kLanes, WholeRow());
+    for (; x + vectorLanes <= columns; x += vectorLanes) stripAt(x, WholeRow());
+    if (x < columns) stripAt(columns - vectorLanes, WholeRow());
   }
 
   static constexpr MorphFilters<T> morphFilters() {

@@ -49,10 +49,10 @@ class RowOrder {
 // The sums of the rows that two rows of the result are made of.
 class SumRows {
  public:
-  explicit SumRows(size_t width) : width_(width), sums_(uint64_t{2 * kGaussRows} * width) {}
+  explicit SumRows(size_t width) : width_(width), sums_(uint64_t{2 * gaussRowCount} * width) {}
   explicit operator bool() const { return static_cast<bool>(sums_); }
   GaussSums row(size_t step) const {
-    uint16_t* high = sums_.get() + step % kGaussRows * 2 * width_;
+    uint16_t* high = sums_.get() + step % gaussRowCount * 2 * width_;
     return {high, high + width_};
   }
 
@@ -72,7 +72,7 @@ void smooth(const Img& src, const Img& dst, const SumRows& sums) {
       sumRow(row<uint16_t>(src, order.row(summed)), sums.row(summed), src.width, kernels);
     }
     GaussRows around;
-    for (size_t k = 0; k < kGaussRows; ++k) around.row[k] = sums.row(order.clamped(step + k, 2));
+    for (size_t k = 0; k < gaussRowCount; ++k) around.row[k] = sums.row(order.clamped(step + k, 2));
     kernels.gaussDown(around, row<uint16_t>(dst, order.row(step)), row<uint16_t>(dst, order.row(step + 1)), src.width);
   }
 }

@@ -8,14 +8,14 @@
 namespace nadir {
 namespace {
 
-constexpr size_t kMaxLevels = 12;
+constexpr size_t mostLevels = 12;  // they halve a side of 4095 down to 1
 
 // Images that are each half as wide and high as the one before, down to one that is a single pixel wide or high. An odd
 // last row or column has no pixel in the next. The first of them is the image to fill.
 class Pyramid {
  public:
   explicit Pyramid(const Img& finest) : levels_{finest} {
-    while (!isComplete() && count_ < kMaxLevels) {
+    while (!isComplete() && count_ < mostLevels) {
       Img& next = levels_[count_] = coarsest();
       next.width /= 2;
       next.height /= 2;
@@ -45,7 +45,7 @@ class Pyramid {
  private:
   const Img& coarsest() const { return levels_[count_ - 1]; }
 
-  Img levels_[kMaxLevels];
+  Img levels_[mostLevels];
   size_t count_ = 1;
 };
 

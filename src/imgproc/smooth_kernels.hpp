@@ -14,9 +14,9 @@ struct GaussSums {
 };
 
 // Rows of such sums that follow each other.
-constexpr size_t kGaussRows = 6;
+constexpr size_t gaussRowCount = 6;
 struct GaussRows {
-  GaussSums row[kGaussRows];
+  GaussSums row[gaussRowCount];
 };
 
 // Each writes the whole of its output and nothing else; any alignment of the elements' own; any n including 0. Outputs

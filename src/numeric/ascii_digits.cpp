@@ -8,26 +8,26 @@
 namespace nadir {
 namespace {
 
-constexpr int kColumns = 16;
-constexpr size_t kRows = 16;
-constexpr size_t kGlyph = kRows * kColumns;  // characters
-constexpr size_t kOneToNineStep = kGlyph + 4;
+constexpr int glyphColumns = 16;
+constexpr size_t glyphRows = 16;
+constexpr size_t glyphChars = glyphRows * glyphColumns;  // characters
+constexpr size_t oneToNineStep = glyphChars + 4;
 
 // The digits and the formats that print them, in one object. The printer counts a digit's characters where it could
 // count its rows, and so walks on from each digit through all that lies behind it. The order and the places here are
 // therefore part of what is printed, and the last member makes the object as long as the longest walk.
 struct Digits {
-  char zero[kGlyph + 1];
+  char zero[glyphChars + 1];
   char columnFormat[5];
   char gap[3];
   char lastColumnFormat[6];
   char unused;
-  char oneToNine[9][kOneToNineStep];
-  char behind[kGlyph * kColumns - kOneToNineStep];
+  char oneToNine[9][oneToNineStep];
+  char behind[glyphChars * glyphColumns - oneToNineStep];
 };
 
 // clang-format off
-constexpr Digits kDigits = {
+constexpr Digits digits = {
 R"(                )"
 R"(    .------.    )"
 R"(  .'        '.  )"
@@ -206,22 +206,22 @@ R"(                )"
 // clang-format on
 
 static_assert(offsetof(Digits, columnFormat) == 257 && offsetof(Digits, gap) == 262 &&
-              offsetof(Digits, lastColumnFormat) == 265 && offsetof(Digits, oneToNine) == 272 && kOneToNineStep == 260);
-static_assert(sizeof(Digits) == 272 + 8 * 260 + kGlyph * kColumns, "a walk from the nine ends with the object");
+              offsetof(Digits, lastColumnFormat) == 265 && offsetof(Digits, oneToNine) == 272 && oneToNineStep == 260);
+static_assert(sizeof(Digits) == 272 + 8 * 260 + glyphChars * glyphColumns, "a walk from the nine ends with the object");
 
 constexpr size_t length(const char* text) { return *text ? 1 + length(text + 1) : 0; }
 
 constexpr bool everyGlyphIsFull() {
-  bool full = length(kDigits.zero) == kGlyph;
-  for (const auto& glyph : kDigits.oneToNine) full = full && length(glyph) == kGlyph;
+  bool full = length(digits.zero) == glyphChars;
+  for (const auto& glyph : digits.oneToNine) full = full && length(glyph) == glyphChars;
   return full;
 }
 static_assert(everyGlyphIsFull());
 
 // As a place in the whole object, since the walk leaves the digit's own member.
 const char* glyphOf(uint32_t digit) {
-  const size_t place = digit == 0 ? 0 : offsetof(Digits, oneToNine) + (digit - 1) * kOneToNineStep;
-  return reinterpret_cast<const char*>(&kDigits) + place;
+  const size_t place = digit == 0 ? 0 : offsetof(Digits, oneToNine) + (digit - 1) * oneToNineStep;
+  return reinterpret_cast<const char*>(&digits) + place;
 }
 
 }  // namespace
@@ -235,12 +235,12 @@ int32_t IP_Utils_PrintNumAsAscii(uint32_t number) {
   const size_t lines = strnlen(glyphOf(0), 320);
   int printed = 0;
   for (size_t i = 0; i < lines; ++i) {
-    const size_t at = i * kColumns;
-    std::printf(kDigits.columnFormat, kColumns, hundreds + at);
-    std::printf("%s", kDigits.gap);
-    std::printf(kDigits.columnFormat, kColumns, tens + at);
-    std::printf("%s", kDigits.gap);
-    printed = std::printf(kDigits.lastColumnFormat, kColumns, units + at);
+    const size_t at = i * glyphColumns;
+    std::printf(digits.columnFormat, glyphColumns, hundreds + at);
+    std::printf("%s", digits.gap);
+    std::printf(digits.columnFormat, glyphColumns, tens + at);
+    std::printf("%s", digits.gap);
+    printed = std::printf(digits.lastColumnFormat, glyphColumns, units + at);
   }
   return printed;
 }

@@ -5,7 +5,7 @@
 namespace nadir {
 namespace {
 
-constexpr double kGolden = 1.618033988749895;  // (1 + sqrt 5) / 2
+constexpr double goldenRatio = 1.618033988749895;  // (1 + sqrt 5) / 2
 
 struct Point {
   double x, f;
@@ -41,7 +41,7 @@ using namespace nadir;
 void IP_Optim_GsSearch(const GsFunc* func, uint32_t maxEval, double* xs, double* fs, GsResult* result, double a,
                        double b, double tol) {
   Recorder function(*func, xs, fs);
-  const double d = (b - a) / kGolden;
+  const double d = (b - a) / goldenRatio;
   Point left = function.evaluate(b - d), right = function.evaluate(a + d);
   function.record(left);
   function.record(right);
@@ -50,12 +50,12 @@ void IP_Optim_GsSearch(const GsFunc* func, uint32_t maxEval, double* xs, double*
     if (left.f > right.f) {
       b = right.x;
       right = left;
-      left = function.evaluate(b - (b - a) / kGolden);
+      left = function.evaluate(b - (b - a) / goldenRatio);
       function.record(left);
     } else {
       a = left.x;
       left = right;
-      right = function.evaluate(a + (b - a) / kGolden);
+      right = function.evaluate(a + (b - a) / goldenRatio);
       function.record(right);
     }
   }

@@ -5,7 +5,7 @@
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMaxCount = 65536;
+constexpr uint32_t mostValues = 65536;
 
 void sortPair(uint16_t& lower, uint16_t& upper) {
   if (lower > upper) std::swap(lower, upper);
@@ -59,7 +59,7 @@ void select(uint16_t* a, uint32_t count, uint32_t k) {
 using namespace nadir;
 
 uint32_t IP_Utl_Median_u16(uint16_t* values, uint32_t count, uint16_t* median) {
-  if (!values || !median || count == 0 || count > kMaxCount) return 0;
+  if (!values || !median || count == 0 || count > mostValues) return 0;
   const uint32_t k = (count - 1) / 2;
   select(values, count, k);
   *median = values[k];

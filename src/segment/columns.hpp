@@ -7,10 +7,9 @@
 #include <limits>
 
 #include "core/pixels.hpp"
+#include "segment/limits.hpp"
 
 namespace nadir {
-
-constexpr uint32_t kMaxColumns = 256;
 
 // The lowest bits of eight bytes that are 0 or 1 each, gathered into one byte, that of the first byte lowest. The
 // products of bit and factor meet in the top byte alone, each in a place of its own.
@@ -27,10 +26,10 @@ inline uint8_t gatherBits(const uint8_t* flags) {
 
 class Columns {
  public:
-  // The columns begin <= x < end for which f(x) holds; end <= kMaxColumns.
+  // The columns begin <= x < end for which f(x) holds; end <= largestPictureSide.
   template <class F>
   static Columns where(uint32_t begin, uint32_t end, F f) {
-    uint8_t flags[kMaxColumns + 8] = {};
+    uint8_t flags[largestPictureSide + 8] = {};
     if (begin < end) forEachPixel(end - begin, [&](size_t i) { flags[begin + i] = f(begin + i) ? 1 : 0; });
     Columns columns;
     for (uint32_t x = begin & ~7u; x < end; x += 8) columns.words_[x / 64] |= uint64_t{gatherBits(flags + x)} << x % 64;
@@ -58,7 +57,7 @@ class Columns {
   Columns rightNeighbours() const {
     Columns result;
     uint64_t carry = 0;
-    for (size_t w = 0; w < kWords; ++w) {
+    for (size_t w = 0; w < wordCount; ++w) {
       result.words_[w] = words_[w] << 1 | carry;
       carry = words_[w] >> 63;
     }
@@ -68,7 +67,7 @@ class Columns {
   Columns leftNeighbours() const {
     Columns result;
     uint64_t carry = 0;
-    for (size_t w = kWords; w-- > 0;) {
+    for (size_t w = wordCount; w-- > 0;) {
       result.words_[w] = words_[w] >> 1 | carry;
       carry = words_[w] << 63;
     }
@@ -79,7 +78,7 @@ class Columns {
   // begin < end.
   template <class F>
   void forEach(F f) const {
-    for (uint32_t w = 0; w < kWords; ++w) forEachBit(words_[w], 64 * w, f);
+    for (uint32_t w = 0; w < wordCount; ++w) forEachBit(words_[w], 64 * w, f);
   }
   template <class F>
   void forEach(uint32_t begin, uint32_t end, F f) const {
@@ -87,7 +86,7 @@ class Columns {
   }
 
  private:
-  static constexpr size_t kWords = kMaxColumns / 64;
+  static constexpr size_t wordCount = largestPictureSide / 64;
 
   // Word w without what lies outside begin <= x < end.
   uint64_t within(uint32_t w, uint32_t begin, uint32_t end) const {
@@ -105,11 +104,11 @@ class Columns {
   template <class F>
   static Columns combine(const Columns& a, const Columns& b, F f) {
     Columns result;
-    for (size_t w = 0; w < kWords; ++w) result.words_[w] = f(a.words_[w], b.words_[w]);
+    for (size_t w = 0; w < wordCount; ++w) result.words_[w] = f(a.words_[w], b.words_[w]);
     return result;
   }
 
-  uint64_t words_[kWords] = {};
+  uint64_t words_[wordCount] = {};
 };
 
 // The columns begin <= x < end whose pixels are greater than the threshold, which may lie outside the pixels' range.

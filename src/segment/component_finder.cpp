@@ -7,24 +7,15 @@
 #include "segment/columns.hpp"
 #include "segment/disjoint_sets.hpp"
 #include "segment/entries.hpp"
+#include "segment/limits.hpp"
 #include "segment/runs.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMaxSide = 256;
-
-// A run takes two columns, the second for the gap behind it. The one that may end the row without a gap has at least
-// two pixels.
-constexpr uint32_t kMaxRuns = kMaxSide / 2;
-
-// Two rows one above the other give at most kMaxRuns new labels: of two runs that do not touch, not even at a corner,
-// each keeps its two columns to itself.
-constexpr uint16_t kMaxLabels = kMaxRuns * kMaxSide / 2;
-
 bool isSupported(const Img& src) {
-  return src.type == IMG_TYPE_U16 && src.width >= 1 && src.width <= kMaxSide && src.height >= 1 &&
-         src.height <= kMaxSide;
+  return src.type == IMG_TYPE_U16 && src.width >= 1 && src.width <= largestPictureSide && src.height >= 1 &&
+         src.height <= largestPictureSide;
 }
 
 // The part of the image that is scanned; empty where x1 <= x0 or y1 <= y0.
@@ -40,10 +31,10 @@ Rect_s32 scannedArea(const Img& src, const Rect_s32& aoi) {
 using namespace nadir;
 
 struct CompFinder {
-  LabelSets<kMaxLabels> labels;
-  Run runs[kMaxRuns * kMaxSide];
+  LabelSets<mostLabelsOf(largestPictureSide)> labels;
+  Run runs[mostRunsOf(largestPictureSide) * largestPictureSide];
   uint32_t count;
-  Columns nonZero[kMaxSide + 2];  // of the row above the area, of its rows, and of the row below it
+  Columns nonZero[largestPictureSide + 2];  // of the row above the area, of its rows, and of the row below it
 };
 
 namespace nadir {

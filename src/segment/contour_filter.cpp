@@ -2,12 +2,13 @@
 
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
+#include "segment/limits.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMapPixels = 128 * 128;
-constexpr uint32_t kSizes = 4097;  // a background and as many components as 128 x 128 pixels can hold
+constexpr uint32_t mapPixels = largestMapSide * largestMapSide;
+constexpr uint32_t sizeCount = 1 + mostLabelsOf(largestMapSide);  // the background and every component
 
 void keepLarge(const Img& src, const Img& dst, const uint16_t* labels, const uint16_t* sizes, uint32_t minSize) {
   const uint16_t* in = static_cast<const uint16_t*>(src.data);
@@ -22,14 +23,14 @@ using namespace nadir;
 
 int32_t IP_ContourFilter(const Img* src, Img* dst, uint32_t minSize) {
   if (!src || !dst || !matches(*src, *dst) || !isType(src->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
-  const Scratch<uint16_t> memory(kMapPixels + kSizes);
+  const Scratch<uint16_t> memory(mapPixels + sizeCount);
   if (!memory) return 0;
-  uint16_t *labels = memory.get(), *sizes = labels + kMapPixels;
+  uint16_t *labels = memory.get(), *sizes = labels + mapPixels;
   Img labelMap;
   Vector sizeVector;
   const int32_t threshold = 0;
-  if (!IP_CompFind_CreateLabelMap(&labelMap, labels, kMapPixels * 2)) return 0;
-  if (!IP_CompFind_CreateComponentSizes(&sizeVector, sizes, kSizes * 2)) return 0;
+  if (!IP_CompFind_CreateLabelMap(&labelMap, labels, mapPixels * 2)) return 0;
+  if (!IP_CompFind_CreateComponentSizes(&sizeVector, sizes, sizeCount * 2)) return 0;
   if (!IP_CompFind_Process(src, &labelMap, &sizeVector, &threshold)) return 0;
   keepLarge(*src, *dst, labels, sizes, minSize);
   return 1;

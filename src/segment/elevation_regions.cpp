@@ -8,13 +8,13 @@
 #include "segment/columns.hpp"
 #include "segment/disjoint_sets.hpp"
 #include "segment/entries.hpp"
+#include "segment/limits.hpp"
 #include "segment/runs.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMaxSide = 128;
-constexpr uint16_t kMaxCells = kMaxSide * kMaxSide;  // and so many runs, and labels, if every cell is one
+constexpr uint16_t mostCells = largestMapSide * largestMapSide;  // and so many runs, and labels, if every cell is one
 
 // What the last processing found, for the extractions that follow it.
 struct Found {
@@ -22,8 +22,8 @@ struct Found {
   bool any;  // whether a map was processed at all
   uint32_t regions;
   size_t count;
-  Run runs[kMaxCells];
-  LabelSets<kMaxCells> labels;
+  Run runs[mostCells];
+  LabelSets<mostCells> labels;
 };
 
 Found found;
@@ -86,7 +86,7 @@ int32_t IP_RGE_Init(void) {
 }
 
 int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
-  if (!elev || elev->type != IMG_TYPE_U16 || elev->width > kMaxSide || elev->height > kMaxSide) return 0;
+  if (!elev || elev->type != IMG_TYPE_U16 || elev->width > largestMapSide || elev->height > largestMapSide) return 0;
   const RgeParams everything = {0, 0, 0, 0, 0, 0};
   const RgeParams& wanted = params ? *params : everything;
   found.elev = *elev;

@@ -6,21 +6,16 @@
 #include "core/pixels.hpp"
 #include "segment/columns.hpp"
 #include "segment/disjoint_sets.hpp"
+#include "segment/limits.hpp"
 #include "segment/runs.hpp"
 
 namespace nadir {
 namespace {
 
-constexpr uint32_t kMaxSide = 128;
-constexpr uint32_t kMapBytes = kMaxSide * kMaxSide * 2;
-constexpr uint32_t kSizes = 4096;
+constexpr uint32_t mapBytes = largestMapSide * largestMapSide * 2;
+constexpr uint32_t initialSizes = 4096;
 
-// A run takes two columns, the second for the gap behind it.
-constexpr size_t kMaxRuns = kMaxSide / 2;
-
-// Two rows one above the other give at most kMaxRuns new labels: of two runs that do not touch, not even at a corner,
-// each keeps its two columns to itself.
-constexpr uint16_t kMaxLabels = kMaxRuns * kMaxSide / 2;
+constexpr size_t mostRuns = mostRunsOf(largestMapSide);
 
 // Labels an image in two passes. In between, a run's first pixel holds its provisional label, so that the runs need no
 // storage but a bit for every pixel.
@@ -31,7 +26,7 @@ class Labelling {
   // Labels the runs and returns the number of components.
   uint32_t labelRuns(int32_t threshold) {
     std::memset(map_.data, 0, rowBytes(map_) * map_.height);
-    Run rows[2][kMaxRuns];
+    Run rows[2][mostRuns];
     size_t aboveCount = 0;
     uint16_t* labels = row<uint16_t>(map_, 0);
     for (uint32_t y = 0; y < src_.height; ++y, labels += src_.width) {
@@ -50,7 +45,7 @@ class Labelling {
     uint32_t background = static_cast<uint32_t>(pixelCount(src_));
     uint16_t* labels = row<uint16_t>(map_, 0);
     for (uint32_t y = 0; y < src_.height; ++y, labels += src_.width) {
-      Run runs[kMaxRuns];
+      Run runs[mostRuns];
       const size_t found = findInnerRuns(y, runs);
       for (size_t i = 0; i < found; ++i) {
         const uint16_t number = labels_.number(labels[runs[i].start]);
@@ -77,13 +72,13 @@ class Labelling {
 
   const Img& src_;
   const Img& map_;
-  Columns inside_[kMaxSide];
-  LabelSets<kMaxLabels> labels_;
+  Columns inside_[largestMapSide];
+  LabelSets<mostLabelsOf(largestMapSide)> labels_;
 };
 
 bool isSupported(const Img& src) {
-  return isType(src.type, IMG_TYPE_U16 | IMG_TYPE_S16) && src.width >= 1 && src.width <= kMaxSide && src.height >= 1 &&
-         src.height <= kMaxSide;
+  return isType(src.type, IMG_TYPE_U16 | IMG_TYPE_S16) && src.width >= 1 && src.width <= largestMapSide &&
+         src.height >= 1 && src.height <= largestMapSide;
 }
 
 }  // namespace
@@ -92,13 +87,13 @@ bool isSupported(const Img& src) {
 using namespace nadir;
 
 int32_t IP_CompFind_CreateLabelMap(Img* map, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < kMapBytes) return 0;
-  return static_cast<int32_t>(Img_Init(map, kMaxSide, kMaxSide, IMG_TYPE_U16, buffer));
+  if (bufferBytes < mapBytes) return 0;
+  return static_cast<int32_t>(Img_Init(map, largestMapSide, largestMapSide, IMG_TYPE_U16, buffer));
 }
 
 int32_t IP_CompFind_CreateComponentSizes(Vector* sizes, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < kSizes * 2 || !Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes)) return 0;
-  return static_cast<int32_t>(Vector_Fill(sizes, 0, kSizes));
+  if (bufferBytes < initialSizes * 2 || !Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes)) return 0;
+  return static_cast<int32_t>(Vector_Fill(sizes, 0, initialSizes));
 }
 
 int32_t IP_CompFind_Process(const Img* src, Img* labelMap, Vector* sizes, const int32_t* threshold) {

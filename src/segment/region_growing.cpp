@@ -12,7 +12,7 @@
 namespace nadir {
 namespace {
 
-constexpr uint32_t kNoRegion = UINT32_MAX;
+constexpr uint32_t noRegion = UINT32_MAX;
 
 struct Growth {
   int32_t threshold, maxStep;
@@ -30,8 +30,8 @@ class Regions {
   // Links a pixel to those of its neighbours that come before it.
   void add(uint32_t x, uint32_t y) {
     const uint32_t i = y * width_ + x;
-    parents_[i] = growth_.admits(pixels_[i]) ? i : kNoRegion;
-    if (parents_[i] == kNoRegion) return;
+    parents_[i] = growth_.admits(pixels_[i]) ? i : noRegion;
+    if (parents_[i] == noRegion) return;
     const bool hasLeft = x > 0, hasRight = x + 1 < width_;
     if (hasLeft) link(i, i - 1);
     if (y == 0) return;
@@ -42,7 +42,7 @@ class Regions {
 
  private:
   void link(uint32_t i, uint32_t neighbour) {
-    if (parents_[neighbour] == kNoRegion || parents_[neighbour] == parents_[i]) return;
+    if (parents_[neighbour] == noRegion || parents_[neighbour] == parents_[i]) return;
     if (growth_.links(pixels_[i], pixels_[neighbour])) unite(parents_, i, neighbour);
   }
 
@@ -56,7 +56,7 @@ class Regions {
 void writeLabels(const uint32_t* parents, size_t count, uint16_t* labels) {
   uint16_t next = 1;
   for (size_t i = 0; i < count; ++i) {
-    if (parents[i] == kNoRegion) {
+    if (parents[i] == noRegion) {
       labels[i] = 0;
     } else {
       labels[i] = parents[i] == i ? next++ : labels[parents[i]];

@@ -3,6 +3,8 @@
 // Kernels check nothing. Each reads and writes exactly what is stated here, at any alignment.
 #pragma once
 
+#include <nadir/stereo.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -10,7 +12,7 @@ namespace nadir {
 
 constexpr size_t disparities = 64;  // what the vector kernels and the drivers search
 constexpr uint8_t worstCost = 24;   // the bits of a census code; also the cost where there is nothing to compare
-constexpr uint32_t censusInvalid = 0xFFAAA555u;
+constexpr uint32_t censusInvalid = CENSUS_INVALID;
 constexpr uint8_t penaltyOne = 7;                      // P1 of the drivers
 constexpr uint8_t flatPenalty = 39, edgePenalty = 17;  // the range of P2
 

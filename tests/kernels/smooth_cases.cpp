@@ -116,10 +116,10 @@ void benchAcross(Across across) {
 }
 
 void benchDown(Down down) {
-  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * kGaussRows * benchWidth, largestSum + 1);
+  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * gaussRowCount * benchWidth, largestSum + 1);
   static std::vector<uint16_t> second(benchWidth);
   GaussRows rows;
-  for (size_t k = 0; k < kGaussRows; ++k) rows.row[k] = {&sums[2 * k * benchWidth], &sums[(2 * k + 1) * benchWidth]};
+  for (size_t k = 0; k < gaussRowCount; ++k) rows.row[k] = {&sums[2 * k * benchWidth], &sums[(2 * k + 1) * benchWidth]};
   forRows([=] { down(rows, benchOutput(), second.data(), benchWidth); });
 }
 
