@@ -1,5 +1,6 @@
 #include <nadir/imgproc.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "core/memory.hpp"
@@ -10,9 +11,7 @@
 namespace nadir {
 namespace {
 
-size_t lesser(size_t a, size_t b) { return a < b ? a : b; }
-
-GaussSums from(const GaussSums& sums, size_t column) { return {sums.high + column, sums.low + column}; }
+GaussSums sumsFromColumn(const GaussSums& sums, size_t column) { return {sums.high + column, sums.low + column}; }
 
 // Sums along a row of 4 pixels or more; beyond its ends it goes on with its first and its last pixel. The two sums at
 // the right end are stored crosswise, as the interface wants them.
@@ -20,9 +19,9 @@ void sumRow(const uint16_t* p, const GaussSums& sums, size_t width, const Smooth
   const uint16_t* end = p + width;
   const uint16_t left[] = {p[0], p[0], p[0], p[1], p[2], p[3]};
   const uint16_t right[] = {end[-4], end[-3], end[-2], end[-1], end[-1], end[-1]};
-  const GaussSums atRight = from(sums, width - 2);
+  const GaussSums atRight = sumsFromColumn(sums, width - 2);
   kernels.gaussAcross(left, sums, 2);
-  kernels.gaussAcross(p, from(sums, 2), width - 4);
+  kernels.gaussAcross(p, sumsFromColumn(sums, 2), width - 4);
   kernels.gaussAcross(right, atRight, 2);
   std::swap(atRight.high[0], atRight.high[1]);
   std::swap(atRight.low[0], atRight.low[1]);
@@ -37,7 +36,7 @@ class RowOrder {
   size_t row(size_t step) const { return upwards_ ? last_ - step : step; }
 
   // step - back, or the first or last step if that is none.
-  size_t clamped(size_t step, size_t back) const { return step < back ? 0 : lesser(step - back, last_); }
+  size_t clamped(size_t step, size_t back) const { return step < back ? 0 : std::min(step - back, last_); }
 
  private:
   static uintptr_t address(const Img& img) { return reinterpret_cast<uintptr_t>(img.data); }
@@ -67,8 +66,8 @@ void smooth(const Img& src, const Img& dst, const SumRows& sums) {
   const RowOrder order(src, dst);
   const size_t height = src.height;
   for (size_t y = 0, summed = 0; y < height; y += 2) {
-    const size_t step = lesser(y, height - 2);
-    for (; summed < lesser(step + 4, height); ++summed) {
+    const size_t step = std::min(y, height - 2);
+    for (; summed < std::min(step + 4, height); ++summed) {
       sumRow(row<uint16_t>(src, order.row(summed)), sums.row(summed), src.width, kernels);
     }
     GaussRows around;

@@ -1,5 +1,7 @@
 #include <nadir/imgproc.h>
 
+#include <algorithm>
+
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
 #include "imgproc/smooth_kernels.hpp"
@@ -59,7 +61,7 @@ void pull(const Img& fine, const Img& coarse, const SmoothKernels& kernels) {
 void push(const Img& coarse, const Img& src, const Img& dst, const SmoothKernels& kernels) {
   const size_t lastRow = coarse.height - 1u, lastColumn = src.width - 1u;
   for (size_t y = 0; y < src.height; ++y) {
-    const uint16_t* from = row<uint16_t>(coarse, y / 2 < lastRow ? y / 2 : lastRow);
+    const uint16_t* from = row<uint16_t>(coarse, std::min(y / 2, lastRow));
     const uint16_t* in = row<uint16_t>(src, y);
     uint16_t* out = row<uint16_t>(dst, y);
     kernels.push(from, in, out, coarse.width);

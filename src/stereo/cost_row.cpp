@@ -1,5 +1,6 @@
 #include <nadir/stereo.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "simd/cpu.hpp"
@@ -13,10 +14,7 @@ struct Baseline;
 using Rules = PixelRules<Baseline>;
 
 // How many disparities of reference column x have a code to compare with.
-size_t comparable(uint32_t width, size_t x, size_t wanted) {
-  const size_t columns = width - 2 - x;
-  return columns < wanted ? columns : wanted;
-}
+size_t comparable(uint32_t width, size_t x, size_t wanted) { return std::min(width - 2 - x, wanted); }
 
 void costsOfAnyCodes(const uint32_t* first, const uint32_t* reference, uint32_t width, size_t wanted,
                      uint8_t* costRow) {

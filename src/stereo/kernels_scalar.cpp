@@ -2,6 +2,7 @@
 // them but the per-pixel rules.
 #include <nadir/stereo.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "stereo/pixel_rules.hpp"
@@ -23,15 +24,13 @@ void penalties(const uint16_t* pixels, const uint16_t* predecessors, uint8_t* ds
 void pixelCosts(const uint32_t* first, const uint32_t* reference, size_t width, size_t x, uint8_t* costs) {
   std::memset(costs, worstCost, disparities);
   if (x < 2 || x + 2 >= width) return;
-  const size_t columns = width - 2 - x;
-  Rules::costsOfAnyCodes(first + x, reference[x], columns < disparities ? columns : disparities, costs);
+  Rules::costsOfAnyCodes(first + x, reference[x], std::min(width - 2 - x, disparities), costs);
 }
 
 void costs(const uint32_t* first, const uint32_t* reference, size_t width, uint8_t* costs) {
   for (size_t x = 0; x < width; ++x) pixelCosts(first, reference, width, x, costs + x * disparities);
 }
 
-uint8_t lesser(uint8_t a, uint8_t b) { return a < b ? a : b; }
 uint8_t wrapped(int x) { return static_cast<uint8_t>(x); }
 
 // Old path costs are read before the new ones replace them: `before` and `here` may be the same slot.
@@ -42,11 +41,11 @@ uint8_t pathPixel(const PathRowJob& job, size_t x, const uint8_t* before, uint8_
   uint8_t below = job.fill, same = before[0], least = 255;
   for (size_t d = 0; d < job.numDisparities; ++d) {
     const uint8_t above = before[d + 1];
-    const uint8_t step = lesser(wrapped(below + job.p1), wrapped(above + job.p1));
-    const uint8_t path = wrapped(cost[d] + lesser(lesser(same, jump), step) - smallest);
+    const uint8_t step = std::min(wrapped(below + job.p1), wrapped(above + job.p1));
+    const uint8_t path = wrapped(cost[d] + std::min(std::min(same, jump), step) - smallest);
     sum[d] = wrapped(sum[d] + path);
     here[d] = path;
-    least = lesser(least, path);
+    least = std::min(least, path);
     below = same;
     same = above;
   }
@@ -118,11 +117,11 @@ void extend(const uint8_t* before, const uint8_t* costs, uint8_t p2, uint8_t* he
   from[0] = from[disparities + 1] = noPredecessor;
   std::memcpy(from + 1, before, disparities);
   for (size_t d = 0; d < disparities; ++d) {
-    const uint8_t neighbour = wrapped(lesser(from[d], from[d + 2]) + penaltyOne);
-    path[d] = wrapped(costs[d] + lesser(lesser(from[d + 1], p2), neighbour));
+    const uint8_t neighbour = wrapped(std::min(from[d], from[d + 2]) + penaltyOne);
+    path[d] = wrapped(costs[d] + std::min(std::min(from[d + 1], p2), neighbour));
   }
   uint8_t least = 255;
-  for (size_t d = 0; d < disparities; ++d) least = lesser(least, path[d]);
+  for (size_t d = 0; d < disparities; ++d) least = std::min(least, path[d]);
   for (size_t d = 0; d < disparities; ++d) here[d] = wrapped(path[d] - least);
   for (size_t d = 0; d < disparities; ++d) sums[d] = wrapped(sums[d] + path[d]);
 }
@@ -150,7 +149,7 @@ void walk(const SgmRowJob& job, Decide decide) {
 void walkDisparity(const SgmRowJob& job) {
   if (job.peaks) std::memset(job.peaks, 0, job.width);
   walk(job, [&](size_t x, const uint8_t* sums) {
-    const size_t toTheEdge = job.width - 1 - x, maxIndex = toTheEdge < disparities - 1 ? toTheEdge : disparities - 1;
+    const size_t maxIndex = std::min(job.width - 1 - x, disparities - 1);
     unsigned smallest[4];
     fourSmallest(sums, maxIndex, smallest);
     const unsigned k =
@@ -162,7 +161,7 @@ void walkDisparity(const SgmRowJob& job) {
 
 void walkDistinctness(const SgmRowJob& job) {
   walk(job, [&](size_t x, uint8_t* sums) {
-    const size_t columns = job.width - x, count = columns < disparities ? columns : disparities;
+    const size_t count = std::min(job.width - x, disparities);
     uint8_t least, next;
     uint32_t winner, runnerUp;
     findMin(sums, count, &least, &winner);
