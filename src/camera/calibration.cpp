@@ -20,15 +20,13 @@ SineCosine ofOpposite(float degrees) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 void ip_params2internalCalib(const IntCalibParams* params, IntCalib* calib) {
   *calib = {static_cast<float>(params->baseline) * 0.00390625f, static_cast<float>(params->focalLength) * 0.00390625f,
             static_cast<float>(params->principalX) * 0.0625f, static_cast<float>(params->principalY) * 0.0625f};
 }
 
 uint32_t ip_orientation2externalCalib(const Orientation* orientation, ExtCalib* ext) {
-  const SineCosine t = ofOpposite(orientation->tilt), p = ofOpposite(orientation->pan);
+  const nadir::SineCosine t = nadir::ofOpposite(orientation->tilt), p = nadir::ofOpposite(orientation->pan);
   const float tilt[9] = {1, 0, 0, 0, t.cosine, t.sine, 0, -t.sine, t.cosine};
   const float pan[9] = {p.cosine, 0, -p.sine, 0, 1, 0, p.sine, 0, p.cosine};
   float worldToCamera[9];

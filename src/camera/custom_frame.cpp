@@ -52,16 +52,14 @@ uint32_t groundFrame(const Camera& camera, const CustomFrameParams& frame, ExtCa
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t ip_params2extCalibCustom(const IntCalibParams* params, const Orientation* orientation,
                                   const CustomFrameParams* frame, ExtCalib* ext) {
   if (!frame->enabled) {
-    mCopy(identity, ext->R);
+    mCopy(nadir::identity, ext->R);
     ext->T[0] = ext->T[1] = ext->T[2] = 0;
     return 1;
   }
-  Camera camera;
+  nadir::Camera camera;
   ip_params2internalCalib(params, &camera.intCalib);
   ip_orientation2externalCalib(orientation, &camera.extCalib);
   camera.height = orientation->height;

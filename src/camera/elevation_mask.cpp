@@ -91,21 +91,21 @@ struct LocalPolygon {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_Utils_CreateElevMaskFromImgPoly(const Polygon_s32* polygon, const StereoCtx* ctx, const ImgC* values,
                                            Img* mask) {
   if (!polygon || !ctx || !values || !values->data || !mask) return 0;
-  if (polygon->count > mostCellPolygonVertices || values->bytesPerPixel < sizeof(uint16_t)) return 0;
-  const uint16_t height = planeHeight(*polygon, *values);
+  if (polygon->count > nadir::mostCellPolygonVertices || values->bytesPerPixel < sizeof(uint16_t)) return 0;
+  const uint16_t height = nadir::planeHeight(*polygon, *values);
   if (height == 0) return 0;
-  if (!fitsMap(*mask, ctx->mapParams)) return 1;
-  if (!mask->data && pixelCount(*mask) != 0) return 0;
+  if (!nadir::fitsMap(*mask, ctx->mapParams)) return 1;
+  if (!mask->data && nadir::pixelCount(*mask) != 0) return 0;
 
-  LocalPolygon storage;
+  nadir::LocalPolygon storage;
   Polygon_s32& onPlane = *new (storage.bytes) Polygon_s32;
   onPlane.count = polygon->count;
-  for (uint32_t k = 0; k < polygon->count; ++k) onPlane.vertices[k] = projected(polygon->vertices[k], *ctx, height);
-  markCellsInside(onPlane, cellsOf(*ctx), static_cast<uint8_t*>(mask->data));
+  for (uint32_t k = 0; k < polygon->count; ++k) {
+    onPlane.vertices[k] = nadir::projected(polygon->vertices[k], *ctx, height);
+  }
+  markCellsInside(onPlane, nadir::cellsOf(*ctx), static_cast<uint8_t*>(mask->data));
   return 1;
 }

@@ -37,13 +37,11 @@ IntCalib internalOf(const TrafoParams& trafo) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t ip_orientation2trafo(const Orientation* orientation, ExtCalibFixed* ext) {
   ExtCalib exact;
   ip_orientation2externalCalib(orientation, &exact);
-  for (int i = 0; i < 9; ++i) ext->R[i] = calibration(exact.R[i], 4096.0f);
-  for (int i = 0; i < 3; ++i) ext->T[i] = calibration(exact.T[i], 16.0f);
+  for (int i = 0; i < 9; ++i) ext->R[i] = nadir::calibration(exact.R[i], 4096.0f);
+  for (int i = 0; i < 3; ++i) ext->T[i] = nadir::calibration(exact.T[i], 16.0f);
   return 1;
 }
 
@@ -54,38 +52,38 @@ uint32_t ip_createTrafoParams(const Orientation* orientation, const IntCalibPara
 }
 
 uint32_t ip_trafoParams2calib(const TrafoParams* trafo, ExtCalib* ext, IntCalib* calib) {
-  *ext = externalOf(*trafo);
-  *calib = internalOf(*trafo);
+  *ext = nadir::externalOf(*trafo);
+  *calib = nadir::internalOf(*trafo);
   return 1;
 }
 
 void ip_world2cam_s32(Point3_s32* cam, const Point3_s32* world, const TrafoParams* trafo) {
-  const ExtCalib ext = externalOf(*trafo);
-  const Point3_f32 exact = widened(*world);
+  const ExtCalib ext = nadir::externalOf(*trafo);
+  const Point3_f32 exact = nadir::widened(*world);
   Point3_f32 result;
   ip_world2cam(&exact, &result, &ext);
-  *cam = narrowed(result);
+  *cam = nadir::narrowed(result);
 }
 
 void ip_world2img_s32(Point_s32* img, const Point3_s32* world, const TrafoParams* trafo) {
-  const ExtCalib ext = externalOf(*trafo);
-  const IntCalib calib = internalOf(*trafo);
-  const Point3_f32 exact = widened(*world);
+  const ExtCalib ext = nadir::externalOf(*trafo);
+  const IntCalib calib = nadir::internalOf(*trafo);
+  const Point3_f32 exact = nadir::widened(*world);
   Point_f32 result;
   ip_world2img(&exact, &result, &ext, &calib);
-  *img = {coordinate(result.x), coordinate(result.y)};
+  *img = {nadir::coordinate(result.x), nadir::coordinate(result.y)};
 }
 
 void ip_img2groundplane_s32(Point3_s32* world, const Point_s32* img, int32_t planeHeight, const TrafoParams* trafo) {
-  const Point_f32 exact = {widened(img->x), widened(img->y)};
+  const Point_f32 exact = {nadir::widened(img->x), nadir::widened(img->y)};
   Point3_f32 result;
-  ip_img2world_f32(&result, &exact, trafo, widened(planeHeight));
-  *world = narrowed(result);
+  ip_img2world_f32(&result, &exact, trafo, nadir::widened(planeHeight));
+  *world = nadir::narrowed(result);
 }
 
 uint32_t ip_img2world_f32(Point3_f32* world, const Point_f32* img, const TrafoParams* trafo, float planeHeight) {
-  const ExtCalib ext = externalOf(*trafo);
-  const IntCalib calib = internalOf(*trafo);
+  const ExtCalib ext = nadir::externalOf(*trafo);
+  const IntCalib calib = nadir::internalOf(*trafo);
   return ip_img2world(img, world, &ext, &calib, planeHeight);
 }
 
@@ -94,8 +92,8 @@ uint32_t ip_calcMapRect_s32(Point3_s32* corners, int32_t mapSize, int32_t planeH
   Point3_s32 centre;
   ip_img2groundplane_s32(&centre, &principal, planeHeight, trafo);
   const int32_t half = mapSize / 2;
-  const int32_t left = (Wrap32(centre.x) - half).value(), right = (Wrap32(centre.x) + half).value();
-  const int32_t low = (Wrap32(centre.y) - half).value(), high = (Wrap32(centre.y) + half).value();
+  const int32_t left = (nadir::Wrap32(centre.x) - half).value(), right = (nadir::Wrap32(centre.x) + half).value();
+  const int32_t low = (nadir::Wrap32(centre.y) - half).value(), high = (nadir::Wrap32(centre.y) + half).value();
   corners[0] = {left, low, centre.z};
   corners[1] = {left, high, centre.z};
   corners[2] = {right, high, centre.z};
@@ -103,7 +101,7 @@ uint32_t ip_calcMapRect_s32(Point3_s32* corners, int32_t mapSize, int32_t planeH
   return 1;
 }
 
-int32_t ip_millimeter2CalibCoord_s32(int32_t millimeters) { return (Wrap32(millimeters) * 16).value(); }
+int32_t ip_millimeter2CalibCoord_s32(int32_t millimeters) { return (nadir::Wrap32(millimeters) * 16).value(); }
 
 int32_t ip_calibCoord2Millimeter_s32(int32_t calibCoord) { return calibCoord >> 4; }
 
@@ -112,7 +110,7 @@ int32_t ip_gridCoord2Coord_s32(int32_t grid, int32_t origin, uint32_t cellSize) 
 }
 
 int32_t ip_coord2GridCoord_s32(int32_t coord, int32_t origin, uint32_t cellSize) {
-  const int32_t offset = (Wrap32(coord) - origin).value();
+  const int32_t offset = (nadir::Wrap32(coord) - origin).value();
   if (cellSize == 0 || offset < 0) return 0;
   return static_cast<int32_t>(static_cast<uint32_t>(offset) / cellSize);
 }

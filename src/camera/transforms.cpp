@@ -19,20 +19,18 @@ Point3_f32 scaled(const Point3_f32& p, float factor) { return {p.x * factor, p.y
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t ip_world2cam(const Point3_f32* world, Point3_f32* cam, const ExtCalib* ext) {
   const float* R = ext->R;
   const Point3_f32 w = *world;
-  *cam = {dot(R, 3, w.x, w.y, w.z) + ext->T[0], dot(R + 1, 3, w.x, w.y, w.z) + ext->T[1],
-          dot(R + 2, 3, w.x, w.y, w.z) + ext->T[2]};
+  *cam = {nadir::dot(R, 3, w.x, w.y, w.z) + ext->T[0], nadir::dot(R + 1, 3, w.x, w.y, w.z) + ext->T[1],
+          nadir::dot(R + 2, 3, w.x, w.y, w.z) + ext->T[2]};
   return 1;
 }
 
 uint32_t ip_cam2world(const Point3_f32* cam, Point3_f32* world, const ExtCalib* ext) {
   const float* R = ext->R;
   const float x = cam->x - ext->T[0], y = cam->y - ext->T[1], z = cam->z - ext->T[2];
-  *world = {dot(R, 1, x, y, z), dot(R + 3, 1, x, y, z), dot(R + 6, 1, x, y, z)};
+  *world = {nadir::dot(R, 1, x, y, z), nadir::dot(R + 3, 1, x, y, z), nadir::dot(R + 6, 1, x, y, z)};
   return 1;
 }
 
@@ -41,20 +39,20 @@ uint32_t ip_world2custom(const Point3_f32* world, Point3_f32* custom, const ExtC
 }
 
 uint32_t ip_cam2img(const Point3_f32* cam, Point_f32* img, const IntCalib* calib) {
-  const bool inFront = cam->z > nearestDepth;
-  const float depth = inFront ? cam->z : nearestDepth, f = calib->focalLength;
+  const bool inFront = cam->z > nadir::nearestDepth;
+  const float depth = inFront ? cam->z : nadir::nearestDepth, f = calib->focalLength;
   *img = {f * cam->x / depth + calib->principalX, f * cam->y / depth + calib->principalY};
   return inFront;
 }
 
 uint32_t ip_img2cam(const Point_f32* img, Point3_f32* cam, const IntCalib* calib, float z) {
-  *cam = scaled(rayOf(*img, *calib), z);
+  *cam = nadir::scaled(nadir::rayOf(*img, *calib), z);
   return 1;
 }
 
 uint32_t ip_img2world(const Point_f32* img, Point3_f32* world, const ExtCalib* ext, const IntCalib* calib, float h) {
-  const Point3_f32 ray = rayOf(*img, *calib);
-  const Point3_f32 cam = scaled(ray, h / dot(ext->R + 6, 1, ray.x, ray.y, ray.z));
+  const Point3_f32 ray = nadir::rayOf(*img, *calib);
+  const Point3_f32 cam = nadir::scaled(ray, h / nadir::dot(ext->R + 6, 1, ray.x, ray.y, ray.z));
   return ip_cam2world(&cam, world, ext);
 }
 
@@ -65,7 +63,7 @@ uint32_t ip_world2img(const Point3_f32* world, Point_f32* img, const ExtCalib* e
 }
 
 uint32_t ip_disp2cam(const Point_f32* img, Point3_f32* cam, const IntCalib* calib, float disparity) {
-  if (disparity <= leastDisparity) return 0;
+  if (disparity <= nadir::leastDisparity) return 0;
   return ip_img2cam(img, cam, calib, calib->focalLength * calib->baseline / disparity);
 }
 

@@ -55,43 +55,41 @@ uint32_t copyBytes(const ImgC& src, const Img& dst) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t Img_Init(Img* img, uint32_t width, uint32_t height, uint32_t type, void* data) {
-  return describe(img, width, height, type, data);
+  return nadir::describe(img, width, height, type, data);
 }
 
 uint32_t ImgC_Init(ImgC* img, uint32_t width, uint32_t height, uint32_t type, const void* data) {
-  return describe(img, width, height, type, data);
+  return nadir::describe(img, width, height, type, data);
 }
 
 uint32_t Img_FillBuffer(Img* img, uint32_t value) {
   if (!img) return 0;
   if (value == 0) {
-    clear(img->data, rowBytes(*img) * img->height);
+    nadir::clear(img->data, nadir::rowBytes(*img) * img->height);
     return 1;
   }
-  if (img->type == IMG_TYPE_F32) return fill(*img, static_cast<float>(static_cast<int32_t>(value)));
-  switch (pixelBytes(img->type)) {
-    case 1: return fill(*img, static_cast<uint8_t>(value));
-    case 2: return fill(*img, static_cast<uint16_t>(value));
-    case 4: return fill(*img, value);
+  if (img->type == IMG_TYPE_F32) return nadir::fill(*img, static_cast<float>(static_cast<int32_t>(value)));
+  switch (nadir::pixelBytes(img->type)) {
+    case 1: return nadir::fill(*img, static_cast<uint8_t>(value));
+    case 2: return nadir::fill(*img, static_cast<uint16_t>(value));
+    case 4: return nadir::fill(*img, value);
     default: return 0;
   }
 }
 
 uint32_t Img_Copy(const ImgC* src, Img* dst) {
-  if (!src || !dst || !sameSize(*src, *dst)) return 0;
-  const uint32_t from = pixelBytes(src->type), to = pixelBytes(dst->type);
-  if (from == to) return copyBytes(*src, *dst);
+  if (!src || !dst || !nadir::sameSize(*src, *dst)) return 0;
+  const uint32_t from = nadir::pixelBytes(src->type), to = nadir::pixelBytes(dst->type);
+  if (from == to) return nadir::copyBytes(*src, *dst);
   if (from == 0 || to < from || dst->type == IMG_TYPE_F32) return 0;
-  return to == 2 ? widenTo16(*src, *dst) : widenTo32(*src, *dst);
+  return to == 2 ? nadir::widenTo16(*src, *dst) : nadir::widenTo32(*src, *dst);
 }
 
 uint32_t Img_Convert_I(Img* img, uint32_t newType) {
   if (!img || img->type != IMG_TYPE_S16 || newType != IMG_TYPE_U16) return 0;
   int16_t* pixels = static_cast<int16_t*>(img->data);
-  forEachPixel(pixelCount(*img), [=](size_t i) { pixels[i] = pixels[i] < 0 ? int16_t{0} : pixels[i]; });
+  nadir::forEachPixel(nadir::pixelCount(*img), [=](size_t i) { pixels[i] = pixels[i] < 0 ? int16_t{0} : pixels[i]; });
   img->type = IMG_TYPE_U16;
   return 1;
 }

@@ -66,8 +66,6 @@ ListNode* insert(List* list, ListNode* ref, const void* item, uint32_t size, Sid
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 void List_Init(List* list, int32_t maxCount) {
   *list = {};
   list->maxCount = maxCount;
@@ -83,25 +81,25 @@ void ListStatic_Init(List* list, int32_t maxCount, ListNode* nodePool, void* ite
 ListNode* List_Iter(const List* list) { return list->head; }
 
 ListNode* List_Append(List* list, const void* item, uint32_t size) {
-  return insert(list, list->tail, item, size, Side::after);
+  return insert(list, list->tail, item, size, nadir::Side::after);
 }
 
 ListNode* List_Prepend(List* list, const void* item, uint32_t size) {
-  return insert(list, list->head, item, size, Side::before);
+  return insert(list, list->head, item, size, nadir::Side::before);
 }
 
 ListNode* List_InsertBefore(List* list, ListNode* ref, const void* item, uint32_t size) {
-  return insert(list, ref, item, size, Side::before);
+  return insert(list, ref, item, size, nadir::Side::before);
 }
 
 ListNode* List_InsertAfter(List* list, ListNode* ref, const void* item, uint32_t size) {
-  return insert(list, ref, item, size, Side::after);
+  return insert(list, ref, item, size, nadir::Side::after);
 }
 
 ListNode* List_Erase(List* list, ListNode* node) {
   if (!node) return nullptr;
   ListNode* next = node->next;
-  detach(*list, node);
+  nadir::detach(*list, node);
   --list->count;
   if (list->isStatic) {
     node->item = nullptr;

@@ -33,18 +33,16 @@ void storeEigenvectors(float x1, float y1, float x2, float y2, float* vectors) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 void mCopy(const float* src, float* dst) { std::memmove(dst, src, 9 * sizeof(float)); }
 
 void mmMul(const float* a, const float* b, float* c) {
   for (size_t i = 0; i < 3; ++i) {
-    for (size_t j = 0; j < 3; ++j) c[3 * i + j] = dot(a + 3 * i, 1, b[j], b[3 + j], b[6 + j]);
+    for (size_t j = 0; j < 3; ++j) c[3 * i + j] = nadir::dot(a + 3 * i, 1, b[j], b[3 + j], b[6 + j]);
   }
 }
 
 void mvMul(const float* m, const float* v, float* w) {
-  for (size_t i = 0; i < 3; ++i) w[i] = dot(m + 3 * i, 1, v[0], v[1], v[2]);
+  for (size_t i = 0; i < 3; ++i) w[i] = nadir::dot(m + 3 * i, 1, v[0], v[1], v[2]);
 }
 
 void mTrans(const float* src, float* dst) {
@@ -63,7 +61,7 @@ void vvSub(const float* a, const float* b, float* c) {
 
 uint32_t IP_Alg_Covar_2x2(const uint16_t* points, int32_t count, float* covariance) {
   if (count < 2) return 0;
-  const Mean mean = meanOf(points, count);
+  const nadir::Mean mean = nadir::meanOf(points, count);
   float xx = 0, xy = 0, yy = 0;
   for (int32_t i = 0; i < count; ++i, points += 2) {
     const float dx = static_cast<float>(points[0]) - mean.x;
@@ -86,12 +84,12 @@ uint32_t IP_Alg_Eigen_2x2(const float* matrix, float* eigenvalues, float* eigenv
   if (discriminant < 0) return 0;
   const float s = std::sqrt(discriminant);
   const float l1 = trace * 0.5f + s, l2 = trace * 0.5f - s;
-  if (std::fabs(c) > floatEpsilon) {
-    storeEigenvectors(l1 - d, c, l2 - d, c, eigenvectors);
-  } else if (std::fabs(b) > floatEpsilon) {
-    storeEigenvectors(b, l1 - a, b, l2 - a, eigenvectors);
+  if (std::fabs(c) > nadir::floatEpsilon) {
+    nadir::storeEigenvectors(l1 - d, c, l2 - d, c, eigenvectors);
+  } else if (std::fabs(b) > nadir::floatEpsilon) {
+    nadir::storeEigenvectors(b, l1 - a, b, l2 - a, eigenvectors);
   } else {
-    storeEigenvectors(1, 0, 0, 1, eigenvectors);
+    nadir::storeEigenvectors(1, 0, 0, 1, eigenvectors);
   }
   eigenvalues[0] = l1;
   eigenvalues[1] = l2;

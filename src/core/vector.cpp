@@ -44,11 +44,9 @@ bool fillElements(const Vector& vec, uint32_t value, uint32_t count) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t Vector_Init(Vector* vec, uint32_t elementType, void* buffer, uint32_t bufferBytes) {
-  if (elementBytes(elementType) == 0) return 0;
-  *vec = {0, bufferBytes / elementBytes(elementType), elementType, buffer};
+  if (nadir::elementBytes(elementType) == 0) return 0;
+  *vec = {0, bufferBytes / nadir::elementBytes(elementType), elementType, buffer};
   return 1;
 }
 
@@ -60,7 +58,7 @@ uint32_t Vector_Clear(Vector* vec) {
 uint32_t Vector_Fill(Vector* vec, uint32_t value, int32_t count) {
   const uint32_t wanted = count < 0 ? vec->count : static_cast<uint32_t>(count);
   if (count >= 0 && wanted > vec->capacity) return 0;
-  if (!fillElements(*vec, value, wanted)) return 0;
+  if (!nadir::fillElements(*vec, value, wanted)) return 0;
   vec->count = wanted;
   return 1;
 }

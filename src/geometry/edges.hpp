@@ -23,4 +23,9 @@ inline Point_f32 startOf(const Edge_f32& e) { return {e.x0, e.y0}; }
 inline Point_s32 endOf(const Edge_s32& e) { return {e.x1, e.y1}; }
 inline Point_f32 endOf(const Edge_f32& e) { return {e.x1, e.y1}; }
 
+template <class Edge>
+bool edgesIntersect(const Edge& e, const Edge& f) {
+  return edgesIntersect(startOf(e), endOf(e), startOf(f), endOf(f));
+}
+
 }  // namespace nadir

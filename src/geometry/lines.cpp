@@ -31,13 +31,11 @@ Direction shortened(const Line_s32& line) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_Geom_LinePoint2_SquaredDistance_s32(const Line_s32* l, const Point_s32* p) {
-  const Wrap32 x = l->x, y = l->y, dx = l->dx, dy = l->dy;
+  const nadir::Wrap32 x = l->x, y = l->y, dx = l->dx, dy = l->dy;
   const int32_t squaredLength = (dx * dx + dy * dy).value();
   if (squaredLength == 0) return 0;
-  const Wrap32 n = dy * p->x - dx * p->y + y * dx - x * dy;
+  const nadir::Wrap32 n = dy * p->x - dx * p->y + y * dx - x * dy;
   // No quotient leaves the range: two squares never add up to -1 modulo 2^32, since they leave 0, 1 or 2 modulo 4.
   return (n * n).value() / squaredLength;
 }
@@ -46,24 +44,24 @@ float IP_Geom_LinePoint2_SquaredDistance_f32(const Line_f32* l, const Point_f32*
   const Point_f32 s = {l->x, l->y}, t = {l->x + l->dx, l->y + l->dy};
   const float dx = t.x - s.x, dy = t.y - s.y;
   const float squaredLength = dx * dx + dy * dy;
-  if (!(squaredLength > floatEpsilon)) return 0;
+  if (!(squaredLength > nadir::floatEpsilon)) return 0;
   const float n = dy * p->x - dx * p->y + s.y * t.x - s.x * t.y;
   return n * n / squaredLength;
 }
 
 int32_t IP_Geom_IntersectLines(const Line_s32* l1, const Line_s32* l2, Point_s32* out) {
-  const Direction d1 = shortened(*l1), d2 = shortened(*l2);
-  const int32_t det = (Wrap32(d2.x) * d1.y - Wrap32(d2.y) * d1.x).value();
+  const nadir::Direction d1 = nadir::shortened(*l1), d2 = nadir::shortened(*l2);
+  const int32_t det = (nadir::Wrap32(d2.x) * d1.y - nadir::Wrap32(d2.y) * d1.x).value();
   if (det == 0) return 0;
-  const Wrap32 t = d2.y * (Wrap32(l1->x) - l2->x) + d2.x * (Wrap32(l2->y) - l1->y);
-  *out = {(Wrap32(l1->x) + dividedRounding((t * d1.x).value(), det)).value(),
-          (Wrap32(l1->y) + dividedRounding((t * d1.y).value(), det)).value()};
+  const nadir::Wrap32 t = d2.y * (nadir::Wrap32(l1->x) - l2->x) + d2.x * (nadir::Wrap32(l2->y) - l1->y);
+  *out = {(nadir::Wrap32(l1->x) + nadir::dividedRounding((t * d1.x).value(), det)).value(),
+          (nadir::Wrap32(l1->y) + nadir::dividedRounding((t * d1.y).value(), det)).value()};
   return 1;
 }
 
 int32_t IP_Geom_IntersectLines_f32(const Line_f32* l1, const Line_f32* l2, Point_f32* out) {
   const float det = l1->dy * l2->dx - l1->dx * l2->dy;
-  if (std::fabs(det) < tolerance) return 0;
+  if (std::fabs(det) < nadir::tolerance) return 0;
   const float t = (l1->x - l2->x) * l2->dy + (l2->y - l1->y) * l2->dx;
   *out = {l1->dx * t / det + l1->x, l1->dy * t / det + l1->y};
   return 1;

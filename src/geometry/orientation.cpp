@@ -1,15 +1,13 @@
 #include "geometry/orientation.hpp"
 
-using namespace nadir;
-
 int32_t IP_Geom_Orientation(int32_t ax, int32_t ay, int32_t bx, int32_t by, int32_t cx, int32_t cy) {
-  return orientation(Point_s32{ax, ay}, Point_s32{bx, by}, Point_s32{cx, cy});
+  return nadir::orientation(Point_s32{ax, ay}, Point_s32{bx, by}, Point_s32{cx, cy});
 }
 
 int32_t IP_Geom_Orientation_f32(const Point_f32* a, const Point_f32* b, const Point_f32* c) {
-  return orientation(*a, *b, *c);
+  return nadir::orientation(*a, *b, *c);
 }
 
 int32_t IP_Geom_ArePointsEqual_f32(const Point_f32* p, const Point_f32* q) {
-  return std::fabs(p->x - q->x) < tolerance && std::fabs(p->y - q->y) < tolerance;
+  return std::fabs(p->x - q->x) < nadir::tolerance && std::fabs(p->y - q->y) < nadir::tolerance;
 }

@@ -95,38 +95,36 @@ Point_f32 footOn(const Point_f32& a, const Point_f32& b, const Point_f32& p) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
+int32_t IP_Polygon_IsSimple(const Polygon_s32* poly) { return nadir::isSimple(*poly); }
 
-int32_t IP_Polygon_IsSimple(const Polygon_s32* poly) { return isSimple(*poly); }
-
-int32_t IP_Polygon_IsSimple_f32(const Polygon_f32* poly) { return isSimple(*poly); }
+int32_t IP_Polygon_IsSimple_f32(const Polygon_f32* poly) { return nadir::isSimple(*poly); }
 
 int32_t IP_Polygon_IsInsideContour(const Polygon_s32* poly, const Point_s32* p, uint32_t onBoundary) {
-  const Place place = placeOf(*poly, *p);
-  return place == Place::boundary ? static_cast<int32_t>(onBoundary) : place == Place::inside;
+  const nadir::Place place = nadir::placeOf(*poly, *p);
+  return place == nadir::Place::boundary ? static_cast<int32_t>(onBoundary) : place == nadir::Place::inside;
 }
 
 int32_t IP_Polygon_IsInside(const Polygon_s32* poly, const Point_s32* p) {
-  return placeOf(*poly, *p) != Place::outside;
+  return nadir::placeOf(*poly, *p) != nadir::Place::outside;
 }
 
 int32_t IP_Polygon_IsInside_f32(const Polygon_f32* poly, const Point_f32* p) {
-  return placeOf(*poly, *p) != Place::outside;
+  return nadir::placeOf(*poly, *p) != nadir::Place::outside;
 }
 
-void IP_Polygon_Erase(Polygon_s32* poly, uint32_t index) { erase(*poly, index); }
+void IP_Polygon_Erase(Polygon_s32* poly, uint32_t index) { nadir::erase(*poly, index); }
 
-void IP_Polygon_Erase_f32(Polygon_f32* poly, uint32_t index) { erase(*poly, index); }
+void IP_Polygon_Erase_f32(Polygon_f32* poly, uint32_t index) { nadir::erase(*poly, index); }
 
-void IP_Polygon_RemoveCollinearPoints(Polygon_s32* poly) { removeCollinearPoints(*poly); }
+void IP_Polygon_RemoveCollinearPoints(Polygon_s32* poly) { nadir::removeCollinearPoints(*poly); }
 
-void IP_Polygon_RemoveCollinearPoints_f32(Polygon_f32* poly) { removeCollinearPoints(*poly); }
+void IP_Polygon_RemoveCollinearPoints_f32(Polygon_f32* poly) { nadir::removeCollinearPoints(*poly); }
 
 float IP_Polygon_SquaredDist(const Polygon_f32* poly, const Point_f32* p) {
   float best = FLT_MAX;
   for (uint32_t k = 0; k < poly->count; ++k) {
-    const Point_f32 foot = footOn(poly->vertices[k], poly->vertices[nextVertex(k, poly->count)], *p);
-    const float distance = squaredDistance(*p, foot);
+    const Point_f32 foot = nadir::footOn(poly->vertices[k], poly->vertices[nadir::nextVertex(k, poly->count)], *p);
+    const float distance = nadir::squaredDistance(*p, foot);
     if (distance < best) best = distance;
   }
   return best;

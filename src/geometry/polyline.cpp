@@ -36,8 +36,8 @@ int32_t sideOf(const Polyline* line, const Point* p) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
+int32_t IP_Polyline_Orientation(const Polygon_s32* line, const Point_s32* p) { return nadir::sideOf<int32_t>(line, p); }
 
-int32_t IP_Polyline_Orientation(const Polygon_s32* line, const Point_s32* p) { return sideOf<int32_t>(line, p); }
-
-int32_t IP_Polyline_Orientation_f32(const Polygon_f32* line, const Point_f32* p) { return sideOf<float>(line, p); }
+int32_t IP_Polyline_Orientation_f32(const Polygon_f32* line, const Point_f32* p) {
+  return nadir::sideOf<float>(line, p);
+}

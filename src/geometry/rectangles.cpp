@@ -32,27 +32,25 @@ void setUnion(const Rect& a, const Rect& b, Rect& out) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_Geom_Intersects_s32(const Rect_s32* a, const Rect_s32* b) {
-  return !isEmpty(*a) && !isEmpty(*b) && overlap(*a, *b);
+  return !nadir::isEmpty(*a) && !nadir::isEmpty(*b) && nadir::overlap(*a, *b);
 }
 
 int32_t IP_Geom_Intersects_u32(const Rect_u32* a, const Rect_u32* b) {
-  return !isEmpty(*a) && !isEmpty(*b) && overlap(*a, *b);
+  return !nadir::isEmpty(*a) && !nadir::isEmpty(*b) && nadir::overlap(*a, *b);
 }
 
-void IP_Geom_SetUnion_s32(const Rect_s32* a, const Rect_s32* b, Rect_s32* out) { setUnion(*a, *b, *out); }
+void IP_Geom_SetUnion_s32(const Rect_s32* a, const Rect_s32* b, Rect_s32* out) { nadir::setUnion(*a, *b, *out); }
 
-void IP_Geom_SetUnion_u32(const Rect_u32* a, const Rect_u32* b, Rect_u32* out) { setUnion(*a, *b, *out); }
+void IP_Geom_SetUnion_u32(const Rect_u32* a, const Rect_u32* b, Rect_u32* out) { nadir::setUnion(*a, *b, *out); }
 
 void IP_Geom_SetIntersection_s32(const Rect_s32* a, const Rect_s32* b, Rect_s32* out) {
   *out = {0, 0, 0, 0};
-  if (!overlap(*a, *b)) return;
+  if (!nadir::overlap(*a, *b)) return;
   *out = {std::max(a->x0, b->x0), std::max(a->y0, b->y0), std::min(a->x1, b->x1), std::min(a->y1, b->y1)};
 }
 
 void IP_Geom_RectGrow_s32(Rect_s32* r, int32_t gx, int32_t gy) {
-  *r = {(Wrap32(r->x0) - gx).value(), (Wrap32(r->y0) - gy).value(), (Wrap32(r->x1) + gx).value(),
-        (Wrap32(r->y1) + gy).value()};
+  *r = {(nadir::Wrap32(r->x0) - gx).value(), (nadir::Wrap32(r->y0) - gy).value(), (nadir::Wrap32(r->x1) + gx).value(),
+        (nadir::Wrap32(r->y1) + gy).value()};
 }

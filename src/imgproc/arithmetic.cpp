@@ -52,22 +52,20 @@ uint32_t divide(const Img& a, const Img& b, const Img& out, CombineRow apply) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_ImgOpImg(const Img* a, const Img* b, Img* out, uint32_t op) {
-  if (!a || !b || !out || !matches(*a, *b) || !matches(*a, *out)) return 0;
-  if (!isType(a->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
+  if (!a || !b || !out || !nadir::matches(*a, *b) || !nadir::matches(*a, *out)) return 0;
+  if (!nadir::isType(a->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
   const bool isSigned = a->type == IMG_TYPE_S16;
-  const PointKernels& kernels = pointKernels(cpu());
+  const nadir::PointKernels& kernels = nadir::pointKernels(nadir::cpu());
   switch (op) {
-    case IMGOP_ADD: return combine(*a, *b, *out, kernels.add);
-    case IMGOP_SUB: return combine(*a, *b, *out, kernels.subtract);
-    case IMGOP_MUL: return combine(*a, *b, *out, kernels.multiply);
+    case IMGOP_ADD: return nadir::combine(*a, *b, *out, kernels.add);
+    case IMGOP_SUB: return nadir::combine(*a, *b, *out, kernels.subtract);
+    case IMGOP_MUL: return nadir::combine(*a, *b, *out, kernels.multiply);
     case IMGOP_DIV:
-      return isSigned ? divide<int16_t>(*a, *b, *out, kernels.divideS16)
-                      : divide<uint16_t>(*a, *b, *out, kernels.divideU16);
-    case IMGOP_SHR: return combine(*a, *b, *out, isSigned ? kernels.shiftRightS16 : kernels.shiftRightU16);
-    case IMGOP_SHL: return combine(*a, *b, *out, kernels.shiftLeft);
+      return isSigned ? nadir::divide<int16_t>(*a, *b, *out, kernels.divideS16)
+                      : nadir::divide<uint16_t>(*a, *b, *out, kernels.divideU16);
+    case IMGOP_SHR: return nadir::combine(*a, *b, *out, isSigned ? kernels.shiftRightS16 : kernels.shiftRightU16);
+    case IMGOP_SHL: return nadir::combine(*a, *b, *out, kernels.shiftLeft);
     default: return 0;
   }
 }

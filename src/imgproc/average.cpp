@@ -30,10 +30,8 @@ int32_t countLimit(const ImgAvrgState& state) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgState* state) {
-  if (!canAverage(frame, sum, count)) return 0;
+  if (!nadir::canAverage(frame, sum, count)) return 0;
   *state = {0, 50, 0};
   Img_FillBuffer(sum, 0);
   Img_FillBuffer(count, 0);
@@ -41,21 +39,22 @@ int32_t IP_Utils_ImgAvrgInit(const Img* frame, Img* sum, Img* count, ImgAvrgStat
 }
 
 int32_t IP_Utils_ImgAvrgAdd(const Img* frame, Img* sum, Img* count, ImgAvrgState* state) {
-  if (!canAverage(frame, sum, count)) return 0;
+  if (!nadir::canAverage(frame, sum, count)) return 0;
   for (size_t y = 0; y < frame->height; ++y) {
-    addRow(row<uint16_t>(*frame, y), row<uint32_t>(*sum, y), row<uint16_t>(*count, y), frame->width,
-           state->invalidValue);
+    nadir::addRow(nadir::row<uint16_t>(*frame, y), nadir::row<uint32_t>(*sum, y), nadir::row<uint16_t>(*count, y),
+                  frame->width, state->invalidValue);
   }
   ++state->frameCount;
   return 1;
 }
 
 uint32_t IP_Utils_ImgAvrgProcess(Img* out, const Img* sum, const Img* count, const ImgAvrgState* state) {
-  if (!canAverage(out, sum, count)) return 0;
-  const int32_t limit = countLimit(*state);
-  const SmoothKernels& kernels = smoothKernels(cpu());
+  if (!nadir::canAverage(out, sum, count)) return 0;
+  const int32_t limit = nadir::countLimit(*state);
+  const nadir::SmoothKernels& kernels = nadir::smoothKernels(nadir::cpu());
   for (size_t y = 0; y < out->height; ++y) {
-    kernels.mean(row<int32_t>(*sum, y), row<uint16_t>(*count, y), limit, row<uint16_t>(*out, y), out->width);
+    kernels.mean(nadir::row<int32_t>(*sum, y), nadir::row<uint16_t>(*count, y), limit, nadir::row<uint16_t>(*out, y),
+                 out->width);
   }
   return 1;
 }

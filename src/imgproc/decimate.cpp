@@ -26,12 +26,11 @@ void decimate(const Img& src, const Img& dst) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_ScaleVga2Qvga(const Img* src, Img* dst) {
-  if (!src || !dst || !hasSize(*src, 2 * outputWidth, 2 * outputHeight) || !hasSize(*dst, outputWidth, outputHeight))
+  if (!src || !dst || !nadir::hasSize(*src, 2 * nadir::outputWidth, 2 * nadir::outputHeight) ||
+      !nadir::hasSize(*dst, nadir::outputWidth, nadir::outputHeight))
     return 0;
   if (!(src->type & dst->type & IMG_TYPE_U16)) return 0;
-  decimate(as16Bit(*src), as16Bit(*dst));
+  nadir::decimate(nadir::as16Bit(*src), nadir::as16Bit(*dst));
   return 1;
 }

@@ -65,32 +65,32 @@ uint32_t morph(const Img& src, const Img& dst, int32_t op, const MorphFilters<T>
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Median3x3(const Img* src, Img* dst) {
-  if (!src || !dst || !matches(*src, *dst) || !isType(src->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
+  if (!src || !dst || !nadir::matches(*src, *dst) || !nadir::isType(src->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
   if (src->height < 3) return 1;
   if (src->width < 4) return 0;
   const size_t columns = (src->width - 2u) & ~1u;  // made in pairs
-  const Filter3x3Kernels& kernels = filter3x3Kernels(cpu());
+  const nadir::Filter3x3Kernels& kernels = nadir::filter3x3Kernels(nadir::cpu());
   if (src->type == IMG_TYPE_S16) {
-    filterInterior<int16_t>(*src, *dst, columns, kernels.medianS16);
+    nadir::filterInterior<int16_t>(*src, *dst, columns, kernels.medianS16);
   } else {
-    filterInterior<uint16_t>(*src, *dst, columns, kernels.medianU16);
+    nadir::filterInterior<uint16_t>(*src, *dst, columns, kernels.medianU16);
   }
   return 1;
 }
 
 uint32_t IP_Maximum3x3(const Img* src, Img* dst) {
-  if (!src || !dst || !matches(*src, *dst) || src->type != IMG_TYPE_U16) return 0;
-  filterInterior<uint16_t>(*src, *dst, interiorColumns(*src), filter3x3Kernels(cpu()).maximum);
+  if (!src || !dst || !nadir::matches(*src, *dst) || src->type != IMG_TYPE_U16) return 0;
+  nadir::filterInterior<uint16_t>(*src, *dst, nadir::interiorColumns(*src),
+                                  nadir::filter3x3Kernels(nadir::cpu()).maximum);
   return 1;
 }
 
 uint32_t IP_Morph3x3(const Img* src, Img* dst, int32_t op) {
-  if (!src || !dst || !matches(*src, *dst) || !isType(src->type, IMG_TYPE_U8 | IMG_TYPE_U16)) return 0;
+  if (!src || !dst || !nadir::matches(*src, *dst) || !nadir::isType(src->type, IMG_TYPE_U8 | IMG_TYPE_U16)) return 0;
   if (src->height == 0) return 1;
   if (src->height == 1) return 0;
-  const Filter3x3Kernels& kernels = filter3x3Kernels(cpu());
-  return src->type == IMG_TYPE_U8 ? morph(*src, *dst, op, kernels.morphU8) : morph(*src, *dst, op, kernels.morphU16);
+  const nadir::Filter3x3Kernels& kernels = nadir::filter3x3Kernels(nadir::cpu());
+  return src->type == IMG_TYPE_U8 ? nadir::morph(*src, *dst, op, kernels.morphU8)
+                                  : nadir::morph(*src, *dst, op, kernels.morphU16);
 }

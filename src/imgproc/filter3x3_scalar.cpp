@@ -88,8 +88,9 @@ using FilterRow = void (*)(const T* above, const T* at, const T* below, T* dst, 
 
 template <class T, FilterRow<T> filterRow>
 void filter(const T* src, size_t srcStride, T* dst, size_t dstStride, size_t rows, size_t columns) {
-  for (; rows > 0; --rows, src += srcStride, dst += dstStride)
+  for (; rows > 0; --rows, src += srcStride, dst += dstStride) {
     filterRow(src, src + srcStride, src + 2 * srcStride, dst, columns);
+  }
 }
 
 template <class T>

@@ -79,12 +79,10 @@ void smooth(const Img& src, const Img& dst, const SumRows& sums) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Gauss(const Img* src, Img* dst, uint32_t kernel) {
-  if (!src || !dst || !matches(*src, *dst) || src->type != IMG_TYPE_U16 || kernel != 0) return 0;
+  if (!src || !dst || !nadir::matches(*src, *dst) || src->type != IMG_TYPE_U16 || kernel != 0) return 0;
   if (src->width < 4 || src->height < 3) return 0;
-  const SumRows sums(src->width);
+  const nadir::SumRows sums(src->width);
   if (!sums) return 0;
   smooth(*src, *dst, sums);
   return 1;

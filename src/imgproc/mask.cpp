@@ -18,14 +18,12 @@ uint32_t mask(const Img& src, const Img& selected, const Img& dst, uint32_t mode
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Mask(const Img* src, const Img* selected, Img* dst, uint32_t mode) {
-  if (!src || !selected || !dst || !matches(*src, *dst) || selected->type != IMG_TYPE_U8) return 0;
-  if (!isType(src->type, IMG_TYPE_U8 | IMG_TYPE_U16)) return 0;
-  const PointKernels& kernels = pointKernels(cpu());
-  return src->type == IMG_TYPE_U8 ? mask(*src, *selected, *dst, mode, kernels.maskU8)
-                                  : mask(*src, *selected, *dst, mode, kernels.maskU16);
+  if (!src || !selected || !dst || !nadir::matches(*src, *dst) || selected->type != IMG_TYPE_U8) return 0;
+  if (!nadir::isType(src->type, IMG_TYPE_U8 | IMG_TYPE_U16)) return 0;
+  const nadir::PointKernels& kernels = nadir::pointKernels(nadir::cpu());
+  return src->type == IMG_TYPE_U8 ? nadir::mask(*src, *selected, *dst, mode, kernels.maskU8)
+                                  : nadir::mask(*src, *selected, *dst, mode, kernels.maskU16);
 }
 
 uint32_t IP_Mask_I(Img* img, const Img* selected, uint32_t mode) { return IP_Mask(img, selected, img, mode); }

@@ -79,14 +79,12 @@ void fillHoles(const Pyramid& levels, const Img& dst) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_PullPush(const Img* src, Img* dst) {
-  if (!src || !dst || !matches(*src, *dst) || src->type != IMG_TYPE_U16) return 0;
+  if (!src || !dst || !nadir::matches(*src, *dst) || src->type != IMG_TYPE_U16) return 0;
   if (src->width < 2 || src->height < 2) return 0;
-  Pyramid levels(*src);
+  nadir::Pyramid levels(*src);
   if (!levels.isComplete()) return 0;
-  const Scratch<uint16_t> coarse(levels.coarsePixels());
+  const nadir::Scratch<uint16_t> coarse(levels.coarsePixels());
   if (!coarse) return 1;
   levels.place(coarse.get());
   fillHoles(levels, *dst);

@@ -57,20 +57,19 @@ uint16_t low16(uint32_t word) { return static_cast<uint16_t>(word); }
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Threshold(const Img* src, Img* dst, uint32_t t, uint32_t mode) {
-  if (!canThreshold(src, dst)) return 0;
-  return src->type == IMG_TYPE_S16 ? threshold(*src, *dst, low16Signed(t), mode)
-                                   : threshold(*src, *dst, low16(t), mode);
+  if (!nadir::canThreshold(src, dst)) return 0;
+  return src->type == IMG_TYPE_S16 ? nadir::threshold(*src, *dst, nadir::low16Signed(t), mode)
+                                   : nadir::threshold(*src, *dst, nadir::low16(t), mode);
 }
 
 uint32_t IP_Threshold_I(Img* img, uint32_t t, uint32_t mode) { return IP_Threshold(img, img, t, mode); }
 
 uint32_t IP_ThresholdRange(const Img* src, Img* dst, uint32_t lo, uint32_t hi, int32_t mode) {
-  if (!canThreshold(src, dst)) return 0;
-  return src->type == IMG_TYPE_S16 ? thresholdRange(*src, *dst, low16Signed(lo), low16Signed(hi), mode)
-                                   : thresholdRange(*src, *dst, low16(lo), low16(hi), mode);
+  if (!nadir::canThreshold(src, dst)) return 0;
+  return src->type == IMG_TYPE_S16
+             ? nadir::thresholdRange(*src, *dst, nadir::low16Signed(lo), nadir::low16Signed(hi), mode)
+             : nadir::thresholdRange(*src, *dst, nadir::low16(lo), nadir::low16(hi), mode);
 }
 
 uint32_t IP_ThresholdRange_I(Img* img, uint32_t lo, uint32_t hi, int32_t mode) {

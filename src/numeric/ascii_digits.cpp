@@ -227,20 +227,19 @@ const char* glyphOf(uint32_t digit) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_Utils_PrintNumAsAscii(uint32_t number) {
   if (number > 999) return 0;
-  const char *hundreds = glyphOf(number / 100), *tens = glyphOf(number / 10 % 10), *units = glyphOf(number % 10);
-  const size_t lines = strnlen(glyphOf(0), 320);
+  const char *hundreds = nadir::glyphOf(number / 100), *tens = nadir::glyphOf(number / 10 % 10),
+             *units = nadir::glyphOf(number % 10);
+  const size_t lines = strnlen(nadir::glyphOf(0), 320);
   int printed = 0;
   for (size_t i = 0; i < lines; ++i) {
-    const size_t at = i * glyphColumns;
-    std::printf(digits.columnFormat, glyphColumns, hundreds + at);
-    std::printf("%s", digits.gap);
-    std::printf(digits.columnFormat, glyphColumns, tens + at);
-    std::printf("%s", digits.gap);
-    printed = std::printf(digits.lastColumnFormat, glyphColumns, units + at);
+    const size_t at = i * nadir::glyphColumns;
+    std::printf(nadir::digits.columnFormat, nadir::glyphColumns, hundreds + at);
+    std::printf("%s", nadir::digits.gap);
+    std::printf(nadir::digits.columnFormat, nadir::glyphColumns, tens + at);
+    std::printf("%s", nadir::digits.gap);
+    printed = std::printf(nadir::digits.lastColumnFormat, nadir::glyphColumns, units + at);
   }
   return printed;
 }

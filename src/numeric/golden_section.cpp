@@ -34,15 +34,13 @@ class Recorder {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 // The interval [a, b] keeps two inner points, each its golden section from one end. The better one stays an inner point
 // of the smaller interval, so that every step needs one new value.
 void IP_Optim_GsSearch(const GsFunc* func, uint32_t maxEval, double* xs, double* fs, GsResult* result, double a,
                        double b, double tol) {
-  Recorder function(*func, xs, fs);
-  const double d = (b - a) / goldenRatio;
-  Point left = function.evaluate(b - d), right = function.evaluate(a + d);
+  nadir::Recorder function(*func, xs, fs);
+  const double d = (b - a) / nadir::goldenRatio;
+  nadir::Point left = function.evaluate(b - d), right = function.evaluate(a + d);
   function.record(left);
   function.record(right);
 
@@ -50,16 +48,16 @@ void IP_Optim_GsSearch(const GsFunc* func, uint32_t maxEval, double* xs, double*
     if (left.f > right.f) {
       b = right.x;
       right = left;
-      left = function.evaluate(b - (b - a) / goldenRatio);
+      left = function.evaluate(b - (b - a) / nadir::goldenRatio);
       function.record(left);
     } else {
       a = left.x;
       left = right;
-      right = function.evaluate(a + (b - a) / goldenRatio);
+      right = function.evaluate(a + (b - a) / nadir::goldenRatio);
       function.record(right);
     }
   }
 
-  const Point best = left.f > right.f ? left : right;
+  const nadir::Point best = left.f > right.f ? left : right;
   *result = {function.count() - 2, function.count(), best.x, best.f};
 }

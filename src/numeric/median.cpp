@@ -56,12 +56,10 @@ void select(uint16_t* a, uint32_t count, uint32_t k) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Utl_Median_u16(uint16_t* values, uint32_t count, uint16_t* median) {
-  if (!values || !median || count == 0 || count > mostValues) return 0;
+  if (!values || !median || count == 0 || count > nadir::mostValues) return 0;
   const uint32_t k = (count - 1) / 2;
-  select(values, count, k);
+  nadir::select(values, count, k);
   *median = values[k];
   return 1;
 }

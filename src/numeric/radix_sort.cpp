@@ -33,11 +33,9 @@ void sortIndices(const uint16_t* keys, uint16_t* indices, uint32_t count, uint32
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 uint32_t IP_Utl_RadixIdxSort(const uint16_t* keys, uint16_t* indices, uint32_t count, uint32_t mode) {
-  if (!keys || !indices || count > mostKeys || (mode != RADIX_UNSIGNED && mode != RADIX_SIGNED)) return 0;
-  const Scratch<uint16_t> byLow(count);
-  if (byLow) sortIndices(keys, indices, count, mode == RADIX_SIGNED ? 0x80 : 0, byLow.get());
+  if (!keys || !indices || count > nadir::mostKeys || (mode != RADIX_UNSIGNED && mode != RADIX_SIGNED)) return 0;
+  const nadir::Scratch<uint16_t> byLow(count);
+  if (byLow) nadir::sortIndices(keys, indices, count, mode == RADIX_SIGNED ? 0x80 : 0, byLow.get());
   return 1;
 }

@@ -48,8 +48,9 @@ class Columns {
 
   // Whether any column begin <= x < end is in the set, begin < end.
   bool hasAny(uint32_t begin, uint32_t end) const {
-    for (uint32_t w = begin / 64; w <= (end - 1) / 64; ++w)
+    for (uint32_t w = begin / 64; w <= (end - 1) / 64; ++w) {
       if (within(w, begin, end)) return true;
+    }
     return false;
   }
 

@@ -13,6 +13,9 @@
 namespace nadir {
 namespace {
 
+using Labels = LabelSets<mostLabelsOf(largestPictureSide)>;
+constexpr uint32_t mostRuns = mostRunsOf(largestPictureSide) * largestPictureSide;
+
 bool isSupported(const Img& src) {
   return src.type == IMG_TYPE_U16 && src.width >= 1 && src.width <= largestPictureSide && src.height >= 1 &&
          src.height <= largestPictureSide;
@@ -28,13 +31,12 @@ Rect_s32 scannedArea(const Img& src, const Rect_s32& aoi) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 struct CompFinder {
-  LabelSets<mostLabelsOf(largestPictureSide)> labels;
-  Run runs[mostRunsOf(largestPictureSide) * largestPictureSide];
+  nadir::Labels labels;
+  nadir::Run runs[nadir::mostRuns];
   uint32_t count;
-  Columns nonZero[largestPictureSide + 2];  // of the row above the area, of its rows, and of the row below it
+  // The columns that are not 0 in the row above the area, in its rows, and in the row below it.
+  nadir::Columns nonZero[nadir::largestPictureSide + 2];
 };
 
 namespace nadir {
@@ -105,7 +107,7 @@ void fillEntries(ComponentList& out, const CompFinder& finder, const Img& src, c
 }  // namespace
 }  // namespace nadir
 
-CompFinder* IP_CompFinder_Init(void) { return static_cast<CompFinder*>(allocate(sizeof(CompFinder))); }
+CompFinder* IP_CompFinder_Init(void) { return static_cast<CompFinder*>(nadir::allocate(sizeof(CompFinder))); }
 
 void IP_CompFinder_Close(CompFinder* finder) { std::free(finder); }
 
@@ -116,10 +118,10 @@ int32_t IP_CompFinder_Process(CompFinder* finder, const Img* src, ComponentList*
 
 int32_t IP_CompFinder_ProcessAoi(CompFinder* finder, const Img* src, const Rect_s32* aoi, ComponentList* out) {
   out->count = 0;
-  if (!isSupported(*src)) return 0;
-  const Rect_s32 area = scannedArea(*src, *aoi);
-  out->count = labelRuns(*finder, *src, area);
-  startEntries(*out, *finder);
-  fillEntries(*out, *finder, *src, area);
+  if (!nadir::isSupported(*src)) return 0;
+  const Rect_s32 area = nadir::scannedArea(*src, *aoi);
+  out->count = nadir::labelRuns(*finder, *src, area);
+  nadir::startEntries(*out, *finder);
+  nadir::fillEntries(*out, *finder, *src, area);
   return 1;
 }

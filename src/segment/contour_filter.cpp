@@ -19,20 +19,18 @@ void keepLarge(const Img& src, const Img& dst, const uint16_t* labels, const uin
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_ContourFilter(const Img* src, Img* dst, uint32_t minSize) {
-  if (!src || !dst || !matches(*src, *dst) || !isType(src->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
-  const Scratch<uint16_t> memory(mapPixels + sizeCount);
+  if (!src || !dst || !nadir::matches(*src, *dst) || !nadir::isType(src->type, IMG_TYPE_U16 | IMG_TYPE_S16)) return 0;
+  const nadir::Scratch<uint16_t> memory(nadir::mapPixels + nadir::sizeCount);
   if (!memory) return 0;
-  uint16_t *labels = memory.get(), *sizes = labels + mapPixels;
+  uint16_t *labels = memory.get(), *sizes = labels + nadir::mapPixels;
   Img labelMap;
   Vector sizeVector;
   const int32_t threshold = 0;
-  if (!IP_CompFind_CreateLabelMap(&labelMap, labels, mapPixels * 2)) return 0;
-  if (!IP_CompFind_CreateComponentSizes(&sizeVector, sizes, sizeCount * 2)) return 0;
+  if (!IP_CompFind_CreateLabelMap(&labelMap, labels, nadir::mapPixels * 2)) return 0;
+  if (!IP_CompFind_CreateComponentSizes(&sizeVector, sizes, nadir::sizeCount * 2)) return 0;
   if (!IP_CompFind_Process(src, &labelMap, &sizeVector, &threshold)) return 0;
-  keepLarge(*src, *dst, labels, sizes, minSize);
+  nadir::keepLarge(*src, *dst, labels, sizes, minSize);
   return 1;
 }
 

@@ -75,44 +75,49 @@ void numberRegions() {
   for (size_t i = 0; i < found.count; ++i) found.runs[i].label = found.labels.number(found.runs[i].label);
 }
 
+template <class F>
+void forEachFoundRun(F f) {
+  for (const Run* run = found.runs; run != found.runs + found.count; ++run) f(*run);
+}
+
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_RGE_Init(void) {
-  found.labels.clear();
+  nadir::found.labels.clear();
   return 1;
 }
 
 int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
-  if (!elev || elev->type != IMG_TYPE_U16 || elev->width > largestMapSide || elev->height > largestMapSide) return 0;
+  if (!elev || elev->type != IMG_TYPE_U16) return 0;
+  if (elev->width > nadir::largestMapSide || elev->height > nadir::largestMapSide) return 0;
   const RgeParams everything = {0, 0, 0, 0, 0, 0};
   const RgeParams& wanted = params ? *params : everything;
-  found.elev = *elev;
-  found.any = true;
-  found.count = 0;
-  found.labels.clear();
-  findRegions(*elev, clampedArea(*elev, wanted), wanted);
-  numberRegions();
+  nadir::found.elev = *elev;
+  nadir::found.any = true;
+  nadir::found.count = 0;
+  nadir::found.labels.clear();
+  findRegions(*elev, nadir::clampedArea(*elev, wanted), wanted);
+  nadir::numberRegions();
   return 1;
 }
 
 int32_t IP_RGE_CreateLabelMap(Img* map) {
-  if (!map || !found.any || map->type != IMG_TYPE_U16) return 0;
-  if (map->width < found.elev.width || map->height < found.elev.height) return 0;
-  clear(map->data, rowBytes(*map) * map->height);
-  for (const Run* run = found.runs; run != found.runs + found.count; ++run) {
-    uint16_t* labels = row<uint16_t>(*map, run->row);
-    std::fill(labels + run->start, labels + run->end, run->label);
-  }
+  if (!map || !nadir::found.any || map->type != IMG_TYPE_U16) return 0;
+  if (map->width < nadir::found.elev.width || map->height < nadir::found.elev.height) return 0;
+  nadir::clear(map->data, nadir::rowBytes(*map) * map->height);
+  nadir::forEachFoundRun([=](const nadir::Run& run) {
+    uint16_t* labels = nadir::row<uint16_t>(*map, run.row);
+    std::fill(labels + run.start, labels + run.end, run.label);
+  });
   return 1;
 }
 
 int32_t IP_RGE_CreateRegionList(RegionList* out) {
-  out->count = found.regions;
-  layOutEntries(*out, found.runs, found.count);
-  for (const Run* run = found.runs; run != found.runs + found.count; ++run)
-    appendRun(out->entries[run->label - 1], *run, cells(found.elev, run->row));
+  out->count = nadir::found.regions;
+  layOutEntries(*out, nadir::found.runs, nadir::found.count);
+  nadir::forEachFoundRun([=](const nadir::Run& run) {
+    appendRun(out->entries[run.label - 1], run, nadir::cells(nadir::found.elev, run.row));
+  });
   return 1;
 }

@@ -16,8 +16,9 @@ namespace nadir {
 template <class List>
 void layOutEntries(List& out, const Run* runs, size_t count) {
   for (uint32_t k = 0; k < out.count; ++k) out.entries[k].pixelCount = 0;
-  for (const Run* run = runs; run != runs + count; ++run)
+  for (const Run* run = runs; run != runs + count; ++run) {
     out.entries[run->label - 1].pixelCount += uint32_t{run->end} - run->start;
+  }
   uint32_t offset = 0;
   for (uint32_t k = 0; k < out.count; ++k) {
     auto& entry = out.entries[k];

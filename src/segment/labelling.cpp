@@ -84,23 +84,21 @@ bool isSupported(const Img& src) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_CompFind_CreateLabelMap(Img* map, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < mapBytes) return 0;
-  return static_cast<int32_t>(Img_Init(map, largestMapSide, largestMapSide, IMG_TYPE_U16, buffer));
+  if (bufferBytes < nadir::mapBytes) return 0;
+  return static_cast<int32_t>(Img_Init(map, nadir::largestMapSide, nadir::largestMapSide, IMG_TYPE_U16, buffer));
 }
 
 int32_t IP_CompFind_CreateComponentSizes(Vector* sizes, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < initialSizes * 2 || !Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes)) return 0;
-  return static_cast<int32_t>(Vector_Fill(sizes, 0, initialSizes));
+  if (bufferBytes < nadir::initialSizes * 2 || !Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes)) return 0;
+  return static_cast<int32_t>(Vector_Fill(sizes, 0, nadir::initialSizes));
 }
 
 int32_t IP_CompFind_Process(const Img* src, Img* labelMap, Vector* sizes, const int32_t* threshold) {
-  if (!isSupported(*src)) return 0;
+  if (!nadir::isSupported(*src)) return 0;
   labelMap->width = src->width;
   labelMap->height = src->height;
-  Labelling labelling(*src, *labelMap);
+  nadir::Labelling labelling(*src, *labelMap);
   const uint32_t components = labelling.labelRuns(static_cast<int16_t>(*threshold));
   Vector_Fill(sizes, 0, static_cast<int32_t>(std::min(components + 1, sizes->capacity)));
   labelling.fillRuns(static_cast<uint16_t*>(sizes->data), sizes->count);

@@ -67,16 +67,15 @@ void writeLabels(const uint32_t* parents, size_t count, uint16_t* labels) {
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t IP_RGrow_Process(const Img* src, const int32_t* params, Img* labels) {
-  if (!src || !params || !labels || src->type != IMG_TYPE_U16 || !matches(*src, *labels)) return 0;
-  if (pixelCount(*src) == 0) return 1;
-  const Scratch<uint32_t> parents(pixelCount(*src));
+  if (!src || !params || !labels || src->type != IMG_TYPE_U16 || !nadir::matches(*src, *labels)) return 0;
+  if (nadir::pixelCount(*src) == 0) return 1;
+  const nadir::Scratch<uint32_t> parents(nadir::pixelCount(*src));
   if (!parents) return 0;
-  Regions regions(*src, {params[0], params[1]}, parents.get());
-  for (uint32_t y = 0; y < src->height; ++y)
+  nadir::Regions regions(*src, {params[0], params[1]}, parents.get());
+  for (uint32_t y = 0; y < src->height; ++y) {
     for (uint32_t x = 0; x < src->width; ++x) regions.add(x, y);
-  writeLabels(parents.get(), pixelCount(*src), static_cast<uint16_t*>(labels->data));
+  }
+  nadir::writeLabels(parents.get(), nadir::pixelCount(*src), static_cast<uint16_t*>(labels->data));
   return 1;
 }

@@ -52,8 +52,9 @@ void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach 
     const uint32_t from = run->start, to = run->end + gap;
     uint16_t label = 0;
     while (first != aboveEnd && first->end + gap <= from) ++first;
-    for (const Run* a = first; a != aboveEnd && a->start < to; ++a)
+    for (const Run* a = first; a != aboveEnd && a->start < to; ++a) {
       if (touches(*a, *run)) label = joined(label, a->label, labels);
+    }
     run->label = label == 0 ? labels.add() : label;
   }
 }

@@ -26,25 +26,23 @@ void costsOfAnyCodes(const uint32_t* first, const uint32_t* reference, uint32_t 
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 void SGM_CalcDsiRow(const uint32_t* first, const uint32_t* reference, uint32_t width, uint32_t height,
                     uint32_t numDisparities, uint32_t row, uint8_t* costRow) {
-  std::memset(costRow, worstCost, size_t{width} * numDisparities);
-  if (isBorderRow(row, height)) return;
+  std::memset(costRow, nadir::worstCost, size_t{width} * numDisparities);
+  if (nadir::isBorderRow(row, height)) return;
   for (size_t x = 2; x + 2 < width; ++x) {
-    const size_t count = comparable(width, x, numDisparities);
-    for (size_t d = 0; d < count; ++d) costRow[x * numDisparities + d] = Rules::cost(first[x + d], reference[x]);
+    const size_t count = nadir::comparable(width, x, numDisparities);
+    for (size_t d = 0; d < count; ++d) costRow[x * numDisparities + d] = nadir::Rules::cost(first[x + d], reference[x]);
   }
 }
 
 void SGM_CalcDsiRow_neon(const uint32_t* first, const uint32_t* reference, uint32_t width, uint32_t height,
                          uint32_t numDisparities, uint32_t row, uint8_t* costRow) {
-  std::memset(costRow, worstCost, size_t{width} * disparities);
-  if (isBorderRow(row, height) || width < 5) return;
-  if (numDisparities >= disparities) {
-    stereoKernels(cpu()).costs(first, reference, width, costRow);
+  std::memset(costRow, nadir::worstCost, size_t{width} * nadir::disparities);
+  if (nadir::isBorderRow(row, height) || width < 5) return;
+  if (numDisparities >= nadir::disparities) {
+    nadir::stereoKernels(nadir::cpu()).costs(first, reference, width, costRow);
   } else {
-    costsOfAnyCodes(first, reference, width, numDisparities, costRow);
+    nadir::costsOfAnyCodes(first, reference, width, numDisparities, costRow);
   }
 }

@@ -6,13 +6,14 @@
 
 #include "core/memory.hpp"
 
+namespace nadir {
 namespace {
 
 // Stores the size, as 32 bits hold it, and allocates that much; null where the true size does not fit.
 uint8_t* block(uint64_t bytes, uint32_t* size) {
   *size = static_cast<uint32_t>(bytes);
   if (bytes > std::numeric_limits<uint32_t>::max()) return nullptr;
-  return static_cast<uint8_t*>(nadir::allocate(bytes));
+  return static_cast<uint8_t*>(allocate(bytes));
 }
 
 // In this order, up to the first that fails.
@@ -28,10 +29,11 @@ bool allocateAll(SgmDebugData* debug, uint64_t pixels, uint32_t numDisparities) 
 }
 
 }  // namespace
+}  // namespace nadir
 
 int32_t IP_SgmMakeDebugData(uint32_t width, uint32_t height, uint32_t numDisparities, SgmDebugData* debug) {
   *debug = {};
-  if (allocateAll(debug, uint64_t{width} * height, numDisparities)) return 1;
+  if (nadir::allocateAll(debug, uint64_t{width} * height, numDisparities)) return 1;
   IP_SgmFreeDebugData(debug);
   return 0;
 }

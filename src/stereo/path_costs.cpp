@@ -55,14 +55,12 @@ void nextRow(PcBuffer* pc, const uint8_t* costRow, const uint8_t* p2Row, uint8_t
 }  // namespace
 }  // namespace nadir
 
-using namespace nadir;
-
 int32_t PC_Init(PcBuffer* pc, uint32_t dir, uint32_t width, uint32_t numDisparities, int32_t p1) {
   if (!pc) return 0;
   *pc = {};
   if (dir > PC_DIR_UPRIGHT) return 0;
-  const uint64_t slotBytes = numDisparities + padBytes, count = slots(dir, width);
-  allocateBuffers(*pc, count * slotBytes, count);
+  const uint64_t slotBytes = numDisparities + nadir::padBytes, count = nadir::slots(dir, width);
+  nadir::allocateBuffers(*pc, count * slotBytes, count);
   if (!pc->costsA || !pc->costsB || !pc->minA || !pc->minB) {
     PC_Destroy(pc);
     return 0;
@@ -100,14 +98,14 @@ void PC_ResetBuffer(PcBuffer* pc) {
 void PC_NextFrame(PcBuffer* pc) { PC_ResetBuffer(pc); }
 
 void PC_SwapBuffer(PcBuffer* pc) {
-  if (pc->dir == PC_DIR_UPLEFT) swapRows(pc, 1, 0);
-  if (pc->dir == PC_DIR_UPRIGHT) swapRows(pc, 0, 1);
+  if (pc->dir == PC_DIR_UPLEFT) nadir::swapRows(pc, 1, 0);
+  if (pc->dir == PC_DIR_UPRIGHT) nadir::swapRows(pc, 0, 1);
 }
 
 void PC_NextRow(PcBuffer* pc, const uint8_t* costRow, const uint8_t* p2Row, uint8_t* sumRow) {
-  nextRow(pc, costRow, p2Row, sumRow, stereoScalar.path);
+  nadir::nextRow(pc, costRow, p2Row, sumRow, nadir::stereoScalar.path);
 }
 
 void PC_NextRow_neon(PcBuffer* pc, const uint8_t* costRow, const uint8_t* p2Row, uint8_t* sumRow) {
-  nextRow(pc, costRow, p2Row, sumRow, pathKernel(cpu(), pc->numDisparities));
+  nadir::nextRow(pc, costRow, p2Row, sumRow, nadir::pathKernel(nadir::cpu(), pc->numDisparities));
 }

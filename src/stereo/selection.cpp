@@ -3,8 +3,6 @@
 #include "simd/cpu.hpp"
 #include "stereo/kernels.hpp"
 
-using namespace nadir;
-
 uint32_t SGM_FindMinIdx(const uint8_t* costs, uint32_t count, uint8_t* minValue, uint32_t* minIndex) {
   uint8_t smallest = 255;
   uint32_t index = 255;
@@ -20,16 +18,17 @@ uint32_t SGM_FindMinIdx(const uint8_t* costs, uint32_t count, uint8_t* minValue,
 
 uint32_t SGM_FindMinIdx_neon(const uint8_t* costs, uint32_t count, uint8_t* minValue, uint32_t* minIndex) {
   if (count == 0) return SGM_FindMinIdx(costs, count, minValue, minIndex);
-  const FindMin findMin = count > 256 ? stereoScalar.findMin : stereoKernels(cpu()).findMin;
+  const nadir::FindMin findMin = count > 256 ? nadir::stereoScalar.findMin : nadir::stereoKernels(nadir::cpu()).findMin;
   findMin(costs, count, minValue, minIndex);
   return *minIndex;
 }
 
 int32_t SGM_PeakCheckExtended(const uint8_t* costs, uint32_t maxIndex, uint32_t uniquenessRatio) {
-  return static_cast<int32_t>(stereoScalar.peakCheck(costs, maxIndex, uniquenessRatio));
+  return static_cast<int32_t>(nadir::stereoScalar.peakCheck(costs, maxIndex, uniquenessRatio));
 }
 
 int32_t SGM_PeakCheckExtended_neon(const uint8_t* costs, uint32_t maxIndex, uint32_t uniquenessRatio) {
-  const PeakCheck check = maxIndex > 255 ? stereoScalar.peakCheck : stereoKernels(cpu()).peakCheck;
+  const nadir::PeakCheck check =
+      maxIndex > 255 ? nadir::stereoScalar.peakCheck : nadir::stereoKernels(nadir::cpu()).peakCheck;
   return static_cast<int32_t>(check(costs, maxIndex, uniquenessRatio));
 }

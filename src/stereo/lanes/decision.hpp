@@ -54,8 +54,9 @@ struct Decision {
     if constexpr (Simd::findsEight) {
       for (; i + 8 <= n; i += 8) {
         U16 keys[8];
-        for (size_t k = 0; k < 8; ++k)
+        for (size_t k = 0; k < 8; ++k) {
           keys[k] = smallestKeys(Numbers::load(sums + (i + k) * disparities).block, own.block);
+        }
         const U16 key = smallestInEach(keys);
         (key & U16::all(255)).store(winners.index + i);
         dividedBy256(key).store(winners.cost + i);

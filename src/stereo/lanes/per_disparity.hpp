@@ -106,8 +106,9 @@ struct PerDisparity {
 // Writes the numbers of n pixels in order of disparity.
 template <class Simd>
 void storeInOrder(const uint8_t* dealt, size_t n, uint8_t* dst) {
-  for (size_t at = 0; at < n * disparities; at += disparities)
+  for (size_t at = 0; at < n * disparities; at += disparities) {
     PerDisparity<Simd>::load(dealt + at).inOrder().store(dst + at);
+  }
 }
 
 }  // namespace nadir
