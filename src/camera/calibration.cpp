@@ -1,3 +1,4 @@
+// This file turns the parameters of a camera and its angles into calibrations.
 #include <nadir/camera.h>
 #include <nadir/matrix.h>
 
@@ -10,9 +11,9 @@ struct SineCosine {
   float sine, cosine;
 };
 
-// Of the angle turned the other way. The functions of single precision differ between processors; those of double
-// precision, narrowed, do not.
-SineCosine ofOpposite(float degrees) {
+// Gives those of the angle turned the other way. The functions of single precision differ between processors; those of
+// double precision, narrowed, do not.
+SineCosine sineCosineOfOpposite(float degrees) {
   const double radians = -(degrees * 3.1415927f) / 180.0f;
   return {static_cast<float>(std::sin(radians)), static_cast<float>(std::cos(radians))};
 }
@@ -26,7 +27,8 @@ void ip_params2internalCalib(const IntCalibParams* params, IntCalib* calib) {
 }
 
 uint32_t ip_orientation2externalCalib(const Orientation* orientation, ExtCalib* ext) {
-  const nadir::SineCosine t = nadir::ofOpposite(orientation->tilt), p = nadir::ofOpposite(orientation->pan);
+  const nadir::SineCosine t = nadir::sineCosineOfOpposite(orientation->tilt),
+                          p = nadir::sineCosineOfOpposite(orientation->pan);
   const float tilt[9] = {1, 0, 0, 0, t.cosine, t.sine, 0, -t.sine, t.cosine};
   const float pan[9] = {p.cosine, 0, -p.sine, 0, 1, 0, p.sine, 0, p.cosine};
   float worldToCamera[9];

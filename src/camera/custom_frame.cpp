@@ -1,3 +1,4 @@
+// The custom frame is laid through two pixels of the picture, on the ground below the camera.
 #include <nadir/camera.h>
 #include <nadir/matrix.h>
 

@@ -1,3 +1,4 @@
+// A polygon drawn in the picture becomes a mask of the elevation map.
 #include <nadir/camera.h>
 #include <nadir/numeric.h>
 

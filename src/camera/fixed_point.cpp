@@ -1,3 +1,5 @@
+// These are the transforms on fixed-point numbers: each widens its input, calls its twin for floats and narrows the
+// result.
 #include <nadir/camera.h>
 
 #include <cmath>

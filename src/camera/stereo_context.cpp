@@ -1,3 +1,4 @@
+// A stereo context keeps a camera and a map together; its functions call those for single records.
 #include <nadir/camera.h>
 
 uint32_t ip_stereo_init(StereoCtx* ctx, const IntCalibParams* params, const Orientation* orientation,

@@ -1,3 +1,4 @@
+// These are the transforms between world, camera and picture that all others are made of.
 #include <nadir/camera.h>
 
 #include "core/constants.hpp"

@@ -1,3 +1,4 @@
+// Image descriptors are made, filled, copied and converted here.
 #include <nadir/image.h>
 
 #include "core/memory.hpp"

@@ -1,3 +1,4 @@
+// This is a doubly linked list whose nodes come from the heap or from a pool of the caller's.
 #include <nadir/list.h>
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// This is the algebra of 3x3 matrices and vectors, with covariances and eigenvectors in the plane.
 #include "core/matrix.hpp"
 
 #include <nadir/matrix.h>

@@ -36,14 +36,14 @@ inline size_t pixelCount(const Img& img) { return size_t{img.width} * img.height
 
 inline size_t rowBytes(const Img& img) { return size_t{img.width} * img.bytesPerPixel; }
 
-// Row y, or the row y rows further down; each image has its own stride.
+// A row is found by its number; each image has its own stride.
 template <class T>
 T* row(const Img& img, size_t y) {
   return static_cast<T*>(static_cast<void*>(static_cast<unsigned char*>(img.data) + y * rowBytes(img)));
 }
 
 // Calls f(n, rows...) for the rows of images of one size, n pixels each: one pointer for each image, in their order.
-// What follows each other without gaps in all of them goes as one long row.
+// Rows that follow each other without gaps in all of them go as one long row.
 template <class T, class F, class... Images>
 void forEachRow(F f, const Images&... images) {
   const Img& first = std::get<0>(std::tie(images...));

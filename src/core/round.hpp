@@ -1,12 +1,12 @@
-// From floats to 32-bit integers, the same way on every processor.
+// This turns floats into 32-bit integers, the same way on every processor.
 #pragma once
 
 #include <cstdint>
 
 namespace nadir {
 
-// Toward zero. Out of range it is the nearest integer, and 0 for what is no number: what ARM's instruction does, while
-// other processors' differ and the language leaves it undefined.
+// The fraction is cut off. Out of range the result is the nearest integer, and 0 for what is no number: what ARM's
+// instruction does, while other processors' differ and the language leaves it undefined.
 inline int32_t truncated(double v) {
   if (v >= INT32_MAX) return INT32_MAX;
   if (v <= INT32_MIN) return INT32_MIN;

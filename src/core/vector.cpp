@@ -1,3 +1,4 @@
+// A vector lays elements of one type over a buffer of the caller's.
 #include <nadir/vector.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The version is put together as a text.
 #include <nadir/api.h>
 
 #define NADIR_TEXT_OF(x) #x

@@ -1,3 +1,4 @@
+// This walks along a line over the pixels of a raster.
 #include <nadir/geometry.h>
 
 #include <cstdlib>

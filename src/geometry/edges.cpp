@@ -1,3 +1,4 @@
+// These are the exported questions about edges.
 #include "geometry/edges.hpp"
 
 int32_t IP_Geom_EdgesIntersect(const Edge_s32* e, const Edge_s32* f) { return nadir::edgesIntersect(*e, *f); }

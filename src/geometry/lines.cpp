@@ -1,3 +1,4 @@
+// This file computes distances of points from lines and where lines meet.
 #include <nadir/geometry.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// These are the exported questions about which way points turn and whether they are equal.
 #include "geometry/orientation.hpp"
 
 int32_t IP_Geom_Orientation(int32_t ax, int32_t ay, int32_t bx, int32_t by, int32_t cx, int32_t cy) {

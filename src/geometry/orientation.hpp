@@ -30,11 +30,11 @@ inline int32_t orientation(const Point_f32& a, const Point_f32& b, const Point_f
   return cross > 0 ? 1 : -1;
 }
 
-// Strictly between lo and hi; for floats, by the tolerance.
+// Tells whether v lies between lo and hi and is none of them; floats keep away from them by the tolerance.
 inline bool strictlyBetween(int32_t v, int32_t lo, int32_t hi) { return lo < v && v < hi; }
 inline bool strictlyBetween(float v, float lo, float hi) { return v - hi <= -tolerance && v - lo >= tolerance; }
 
-// Between lo and hi, both included; for floats, up to the tolerance outside.
+// Tells whether v lies between lo and hi or is one of them; floats may lie outside by less than the tolerance.
 inline bool between(int32_t v, int32_t lo, int32_t hi) { return lo <= v && v <= hi; }
 inline bool between(float v, float lo, float hi) { return v - lo > -tolerance && v - hi < tolerance; }
 

@@ -1,3 +1,4 @@
+// This file tells what is true of polygons, mends them and measures distances from them.
 #include "geometry/polygon.hpp"
 
 #include <cfloat>

@@ -77,7 +77,7 @@ void testEveryCell(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells
 int64_t dividedUp(int64_t n, int64_t q) { return n / q + (n % q > 0); }
 int64_t dividedDown(int64_t n, int64_t q) { return -dividedUp(-n, q); }
 
-// Cells begin <= c < end of a row.
+// A span is the cells begin <= c < end of a row.
 struct Span {
   int64_t begin, end;
 };

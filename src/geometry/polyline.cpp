@@ -1,3 +1,4 @@
+// This tells on which side of a polyline a point lies.
 #include <nadir/geometry.h>
 
 #include <limits>

@@ -1,3 +1,4 @@
+// Rectangles are intersected, united and grown here.
 #include <nadir/geometry.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// This computes a point's barycentric coordinates in a triangle.
 #include <nadir/geometry.h>
 
 #include <algorithm>

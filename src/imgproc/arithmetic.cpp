@@ -1,3 +1,4 @@
+// Two images are combined pixel by pixel here.
 #include <nadir/imgproc.h>
 
 #include <algorithm>
@@ -25,7 +26,7 @@ void divideOneByOne(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t 
   for (size_t i = 0; i < n; ++i) out[i] = divided(static_cast<T>(a[i]), static_cast<T>(b[i]));
 }
 
-// Block by block, so that only blocks with a zero among the divisors take the slow way.
+// The row is divided block by block, so that only blocks with a zero among the divisors take the slow way.
 template <class T>
 void divideRow(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t n, CombineRow divide) {
   for (size_t i = 0; i < n; i += divisionBlock) {

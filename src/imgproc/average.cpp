@@ -1,3 +1,4 @@
+// Frames are averaged over time here, each pixel over those frames that have it.
 #include <nadir/imgproc.h>
 
 #include "core/pixels.hpp"

@@ -1,3 +1,4 @@
+// This halves an image of 640x480 by taking every other pixel.
 #include <nadir/imgproc.h>
 
 #include "core/pixels.hpp"

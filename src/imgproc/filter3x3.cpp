@@ -1,3 +1,4 @@
+// The median, the maximum and the morphology of 3x3 pixels walk over images here.
 #include <nadir/imgproc.h>
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// These are the 3x3 filters for AVX2.
 #include "imgproc/filter3x3_simd.hpp"
 
 namespace nadir {

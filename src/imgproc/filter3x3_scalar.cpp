@@ -5,7 +5,7 @@
 namespace nadir {
 namespace {
 
-// By value: with the references of std::min and std::max the compiler makes no vectors of most loops here.
+// These take values: with the references of std::min and std::max the compiler makes no vectors of most loops here.
 template <class T>
 T lesser(T a, T b) {
   return a < b ? a : b;

@@ -63,7 +63,7 @@ struct Filter3x3Strips {
     static Vector ofRows(const Dilate& a, const Dilate& b, const Dilate& c) { return greater(a.hi, b.hi, c.hi); }
   };
 
-  // Of pixels with data; those without stay so.
+  // The maximum is one of pixels with data; those without stay so.
   struct Maximum {
     Vector hi, centre;
 

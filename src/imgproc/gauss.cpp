@@ -1,3 +1,4 @@
+// This smooths an image with the weights 1 4 6 4 1 in both directions.
 #include <nadir/imgproc.h>
 
 #include <algorithm>
@@ -13,8 +14,8 @@ namespace {
 
 GaussSums sumsFromColumn(const GaussSums& sums, size_t column) { return {sums.high + column, sums.low + column}; }
 
-// Sums along a row of 4 pixels or more; beyond its ends it goes on with its first and its last pixel. The two sums at
-// the right end are stored crosswise, as the interface wants them.
+// Sums up along a row of 4 pixels or more; beyond its ends it goes on with its first and its last pixel. The two sums
+// at the right end are stored crosswise, as the interface wants them.
 void sumRow(const uint16_t* p, const GaussSums& sums, size_t width, const SmoothKernels& kernels) {
   const uint16_t* end = p + width;
   const uint16_t left[] = {p[0], p[0], p[0], p[1], p[2], p[3]};

@@ -1,3 +1,4 @@
+// A mask keeps or clears the pixels of an image here.
 #include <nadir/imgproc.h>
 
 #include "core/pixels.hpp"

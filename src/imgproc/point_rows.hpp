@@ -69,7 +69,7 @@ struct PointRows {
     });
   }
 
-  // From 15 on nothing but the sign is left.
+  // Shifts by 15 or more leave nothing but the sign.
   static void shiftRightS16(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t n) {
     forEachPixel(n, [=](size_t i) {
       const uint16_t count = b[i] & 0xFF, most = count < 15 ? count : uint16_t{15};
@@ -77,7 +77,7 @@ struct PointRows {
     });
   }
 
-  // In floats, which are divided several at once. A quotient that is no whole number lies at least 1 / |b| below the
+  // Floats are divided several at once. A quotient that is no whole number lies at least 1 / |b| below the
   // next one, which is more than the 2^-24 of it that rounding can add, so it is cut to the same number.
   template <class T>
   static void divide(const uint16_t* a, const uint16_t* b, uint16_t* out, size_t n) {

@@ -1,3 +1,4 @@
+// These are the kernels of thresholds, arithmetic and masks for the plain processor.
 #include "imgproc/point_rows.hpp"
 
 namespace nadir {

@@ -1,3 +1,4 @@
+// Holes are filled from ever coarser images, which hold means of what is known around them.
 #include <nadir/imgproc.h>
 
 #include <algorithm>

@@ -49,19 +49,19 @@ struct SmoothRows {
     });
   }
 
-  // Two neighbours as one word: which of them lies in the upper half does not matter here.
+  // Loads two neighbours as one word: which of them lies in the upper half does not matter here.
   static uint32_t loadPair(const uint16_t* p) {
     uint32_t pair;
     std::memcpy(&pair, p, sizeof pair);
     return pair;
   }
 
-  // Divided by 1, 2, 3 or 4; nothing known gives 0, since then the sum is 0 too.
-  static uint32_t rounded(uint32_t sum, uint32_t known) {
-    const uint32_t numerator = sum + (known >> 1);
-    const uint32_t byTwoOrOne = known == 2 ? numerator >> 1 : numerator;
-    const uint32_t byFourOrLess = known == 4 ? numerator >> 2 : byTwoOrOne;
-    return known == 3 ? numerator / 3 : byFourOrLess;
+  // The sum is divided by 1, 2, 3 or 4. Where nothing is known it is 0, and so is the result.
+  static uint32_t rounded(uint32_t sum, uint32_t knownCount) {
+    const uint32_t numerator = sum + (knownCount >> 1);
+    const uint32_t byTwoOrOne = knownCount == 2 ? numerator >> 1 : numerator;
+    const uint32_t byFourOrLess = knownCount == 4 ? numerator >> 2 : byTwoOrOne;
+    return knownCount == 3 ? numerator / 3 : byFourOrLess;
   }
 
   static void pull(const uint16_t* above, const uint16_t* below, uint16_t* coarse, size_t n) {
@@ -82,7 +82,7 @@ struct SmoothRows {
     });
   }
 
-  // In double precision, which has a vector division: both numbers and the truncated quotient are exact.
+  // The division is one of doubles, which vectors have: both numbers and the truncated quotient are exact.
   static void mean(const int32_t* sums, const uint16_t* counts, int32_t limit, uint16_t* means, size_t n) {
     forEachPixel(n, [=](size_t i) {
       const int32_t count = counts[i];

@@ -1,3 +1,4 @@
+// Thresholds set the pixels inside or outside of a range to 0 here.
 #include <nadir/imgproc.h>
 
 #include <limits>
@@ -11,7 +12,7 @@ namespace {
 
 enum class Zero { inside, outside };
 
-// Sets the pixels lo <= v <= hi, or all others, to 0. What is outside of nothing is inside of everything.
+// Sets the pixels lo <= v <= hi, or all others, to 0. Where lo > hi no pixel lies inside, and so those outside are all.
 template <class T>
 uint32_t zero(Zero where, T lo, T hi, const Img& src, const Img& dst) {
   if (lo > hi) {

@@ -1,4 +1,4 @@
-// Numbers as large digits on standard output.
+// This prints numbers as large digits on standard output.
 #include <nadir/numeric.h>
 
 #include <cstddef>
@@ -218,7 +218,7 @@ constexpr bool everyGlyphIsFull() {
 }
 static_assert(everyGlyphIsFull());
 
-// As a place in the whole object, since the walk leaves the digit's own member.
+// The glyph is a place in the whole object, since the walk leaves the digit's own member.
 const char* glyphOf(uint32_t digit) {
   const size_t place = digit == 0 ? 0 : offsetof(Digits, oneToNine) + (digit - 1) * oneToNineStep;
   return reinterpret_cast<const char*>(&digits) + place;

@@ -1,3 +1,4 @@
+// This reads the monotonic clock.
 #include <nadir/numeric.h>
 
 #include <ctime>

@@ -1,3 +1,4 @@
+// This searches a function's maximum by the golden section.
 #include <nadir/numeric.h>
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// This is a Kalman filter of a position and its velocity.
 #include <nadir/numeric.h>
 
 namespace nadir {

@@ -1,3 +1,4 @@
+// This finds the median by partitioning, without sorting.
 #include <nadir/numeric.h>
 
 #include <utility>

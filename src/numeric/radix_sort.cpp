@@ -1,3 +1,4 @@
+// This sorts indices by 16-bit keys, byte by byte.
 #include <nadir/numeric.h>
 
 #include "core/memory.hpp"

@@ -1,3 +1,4 @@
+// The component finder lists the connected components of an image with their pixels and contours.
 #include <nadir/segment.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// This clears the components that are too small.
 #include <nadir/segment.h>
 
 #include "core/memory.hpp"

@@ -1,3 +1,4 @@
+// This grows regions in an elevation map over steps that are small enough.
 #include <nadir/segment.h>
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 constexpr uint16_t mostCells = largestMapSide * largestMapSide;  // and so many runs, and labels, if every cell is one
 
-// What the last processing found, for the extractions that follow it.
+// The last processing keeps here what it found, for the extractions that follow it.
 struct Found {
   ImgC elev;
   bool any;  // whether a map was processed at all

@@ -1,3 +1,4 @@
+// This labels the connected components of an image and counts their pixels.
 #include <nadir/segment.h>
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// This asks the processor for its vector instructions.
 #include "simd/cpu.hpp"
 
 #include <nadir/api.h>
@@ -8,7 +9,7 @@ namespace nadir {
 namespace {
 
 constexpr unsigned notAsked = ~0u;
-std::atomic<unsigned> known{notAsked};
+std::atomic<unsigned> knownLevels{notAsked};
 
 unsigned askProcessor() {
 #if defined(NADIR_WITH_NEON)
@@ -29,15 +30,15 @@ unsigned askProcessor() {
 }  // namespace
 
 unsigned cpu() {
-  unsigned levels = known.load(std::memory_order_relaxed);
+  unsigned levels = knownLevels.load(std::memory_order_relaxed);
   if (levels == notAsked) {
     levels = askProcessor();
-    known.store(levels, std::memory_order_relaxed);
+    knownLevels.store(levels, std::memory_order_relaxed);
   }
   return levels;
 }
 
-void setCpu(unsigned levels) { known.store(levels, std::memory_order_relaxed); }
+void setCpu(unsigned levels) { knownLevels.store(levels, std::memory_order_relaxed); }
 
 const char* cpuName(unsigned levels) {
   if (levels & cpuAvx512) return "avx512";

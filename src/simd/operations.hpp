@@ -57,8 +57,9 @@ struct OperationsOfAll {
   static_assert(gives<decltype(movedUp(a, b)), U8>);
   static_assert(gives<decltype(movedDown(a, b)), U8>);
 
-  // What lies at an address, loaded already, moved up or down by one lane with 255 in the free one. Processors that
-  // load from any address in no time do better to load again, from the byte before that address or behind it.
+  // These move what lies at an address, loaded already, up or down by one lane and put 255 into the free one.
+  // Processors that load from any address in no time do better to load again, from the byte before that address or
+  // behind it.
   static_assert(gives<decltype(againMovedUp(bytes, a)), U8>);
   static_assert(gives<decltype(againMovedDown(bytes, a)), U8>);
 

@@ -1,3 +1,4 @@
+// This walks over a picture and takes the census of its rows.
 #include <nadir/stereo.h>
 
 #include "simd/cpu.hpp"

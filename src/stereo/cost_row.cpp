@@ -1,3 +1,4 @@
+// These are the exported functions for one row of matching costs.
 #include <nadir/stereo.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What the stereo kernels of every instruction set do, and the table that holds one set's.
+// This states what the stereo kernels of every instruction set do, and declares the table that holds one set's.
 //
 // Kernels check nothing. Each reads and writes exactly what is stated here, at any alignment.
 #pragma once
@@ -48,7 +48,7 @@ using PathRow = void (*)(const PathRowJob& job);
 using FindMin = void (*)(const uint8_t* costs, size_t count, uint8_t* minValue, uint32_t* minIndex);
 using PeakCheck = uint32_t (*)(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio);
 
-// What a pixel of a path has where the predecessor would lie outside the picture.
+// This stands for all path costs of a predecessor that would lie outside the picture.
 constexpr uint8_t noPredecessor = 255 - penaltyOne;
 
 // One row of a driver: costs, four paths, their sum and the decision, a stretch of pixels at a time.
@@ -71,7 +71,7 @@ struct SgmRowJob {
 };
 using SgmRow = void (*)(const SgmRowJob& job);
 
-// What is known of the winning disparities of some pixels.
+// The winning disparities of some pixels.
 constexpr size_t stretch = 64;
 struct Winners {
   uint16_t index[stretch], cost[stretch], below[stretch], above[stretch];  // and the sums of costs at and beside it

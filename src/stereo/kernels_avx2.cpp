@@ -1,3 +1,4 @@
+// These are the stereo kernels for AVX2.
 #include "simd/avx2.hpp"
 #include "stereo/lanes/table.hpp"
 

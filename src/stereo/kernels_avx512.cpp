@@ -1,3 +1,4 @@
+// These are the stereo kernels for AVX-512.
 #include "simd/avx512.hpp"
 #include "stereo/lanes/table.hpp"
 

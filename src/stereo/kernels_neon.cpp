@@ -1,3 +1,4 @@
+// These are the stereo kernels for NEON.
 #include "simd/neon.hpp"
 #include "stereo/lanes/table.hpp"
 

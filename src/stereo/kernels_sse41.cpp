@@ -1,3 +1,4 @@
+// These are the stereo kernels for SSE4.1.
 #include "simd/sse41.hpp"
 #include "stereo/lanes/table.hpp"
 

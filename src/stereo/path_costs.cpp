@@ -1,3 +1,4 @@
+// A path record keeps what a direction's next row of path costs needs of the last one.
 #include <nadir/stereo.h>
 
 #include <cstring>

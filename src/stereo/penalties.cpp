@@ -1,3 +1,4 @@
+// This walks over a picture and computes the penalties of its rows.
 #include "stereo/penalties.hpp"
 
 #include <nadir/stereo.h>

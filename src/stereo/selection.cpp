@@ -1,3 +1,4 @@
+// These are the exported functions that choose a pixel's disparity.
 #include <nadir/stereo.h>
 
 #include "simd/cpu.hpp"

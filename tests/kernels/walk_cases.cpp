@@ -20,7 +20,7 @@ class Rows {
     job_.uniquenessRatio = random.below(4) ? random.below(200) : random.next();
   }
 
-  // What a walk writes, in guarded memory.
+  // A walk writes these, in guarded memory.
   struct Results {
     Output<uint8_t> costs, sums, peaks, distinctness;
     Output<uint16_t> disparity;

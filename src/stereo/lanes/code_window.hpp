@@ -33,7 +33,9 @@ class CodeWindow {
   }
 
   // Block k of the candidates of column blocks * group in the first plane; that of the next column is block k + 1.
-  const uint8_t* at(size_t group, size_t k) const { return bytes_ + k % blocks * blockBytes + k / blocks + group; }
+  const uint8_t* candidates(size_t group, size_t k) const {
+    return bytes_ + k % blocks * blockBytes + k / blocks + group;
+  }
 
  private:
   alignas(64) uint8_t bytes_[planes * planeBytes] = {};
@@ -67,7 +69,7 @@ struct CodeBytes {
   }
 };
 
-// For processors that count the bits of bytes: three planes of bytes and one that holds the worst cost where a code is
+// Processors that count the bits of bytes take three planes of bytes and one that holds the worst cost where a code is
 // invalid.
 template <class Simd>
 class CountedCodes {
@@ -95,13 +97,14 @@ class CountedCodes {
   using Window = CodeWindow<Simd, 4>;
   static constexpr size_t blocks = PerDisparity<Simd>::blocks;
 
-  // What two pixels' candidates hold in one plane; most of it they have in common.
+  // Two pixels' candidates in one plane have most of their blocks in common.
   struct Candidates {
     U8 block[blocks + 1];
   };
   Candidates load(size_t group, size_t i, size_t plane) const {
     Candidates out;
-    for (size_t k = 0; k <= blocks; ++k) out.block[k] = U8::load(window_.at(group, i + k) + plane * Window::planeBytes);
+    for (size_t k = 0; k <= blocks; ++k)
+      out.block[k] = U8::load(window_.candidates(group, i + k) + plane * Window::planeBytes);
     return out;
   }
 
@@ -127,7 +130,7 @@ class CountedCodes {
   Window window_;
 };
 
-// For processors that look bytes up in a table of 16: six planes of half bytes. The tables count the bits that are
+// Processors that look bytes up in a table of 16 take six planes of half bytes. The tables count the bits that are
 // equal, so that an index with its top bit set, for which the look-up gives 0, makes the cost of an invalid code.
 template <class Simd>
 class LookedUpCodes {
@@ -159,7 +162,7 @@ class LookedUpCodes {
     const uint64_t offsets = uint64_t{reference} << 4;
     for (size_t h = 0; h < 6; ++h) tables[h] = U8::repeated16(equalBits() + (offsets >> (4 * h) & 0xF0));
     return PerDisparity<Simd>::each([&](size_t k) {
-      const uint8_t* const p = window_.at(group, i + k);
+      const uint8_t* const p = window_.candidates(group, i + k);
       U8 cost = U8::all(worstCost);
       for (size_t h = 0; h < 6; ++h) cost = cost - lookedUp(tables[h], U8::load(p + h * Window::planeBytes));
       return cost;
@@ -172,7 +175,7 @@ class LookedUpCodes {
     window_.storeNext(plane + 1, (bytes.dividedBy16() & half) | invalid);
   }
 
-  // For each half byte, 16 bytes: how many bits each other half byte has in common with it.
+  // Each half byte has 16 bytes that tell how many bits every half byte has in common with it.
   static const uint8_t* equalBits() {
     alignas(16) static constexpr struct Table {
       uint8_t v[256] = {};

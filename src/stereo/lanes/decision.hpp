@@ -1,5 +1,5 @@
-// What is decided from the sums of a stretch of pixels: the winners, which of them are distinct, and their places
-// between two disparities.
+// This decides from the sums of a stretch of pixels: who wins, which winners are distinct, and where between two
+// disparities they lie.
 #pragma once
 
 #include <cstring>
@@ -28,7 +28,7 @@ struct Decision {
     return table.v[static_cast<size_t>(d + 1)];
   }
 
-  // What decides over the pixels of a stretch.
+  // These numbers decide over the pixels of a stretch.
   struct Candidates {
     Winners winners;
     uint16_t last[stretch];   // the largest sum that is close to the winner's
@@ -69,7 +69,8 @@ struct Decision {
     }
   }
 
-  // PixelRules::lastClose. Of the product's bits 7 to 14 count, which twice the ratio moves into a word's upper byte.
+  // PixelRules::lastClose. The product counts with its bits 7 to 14, which twice the ratio moves into a word's upper
+  // byte.
   static U16 lastClose(const U16& cost, uint32_t uniquenessRatio) {
     const U16 margin = dividedBy256(cost * U16::all(static_cast<uint16_t>(2 * uniquenessRatio)));
     return min(cost + max(margin, U16::all(6)) - U16::all(1), U16::all(255));
@@ -137,8 +138,9 @@ struct Decision {
               b = U16::load(winners.above + i) - cost, lesser = min(a, b), m = a + b - lesser;
     const U16 sixteen = U16::all(16), d16 = (m - lesser) * sixteen, value = U16::load(winners.index + i) * sixteen;
     const U16 m2 = m + m, m4 = m2 + m2, m3 = m + m2, m5 = m + m4, m7 = m3 + m4, m8 = m4 + m4;
-    const auto both = [&](U16 p, U16 q) { return less(p, d16) + less(q, d16); };
-    const U16 minusShift = both(m, m3) + both(m5, m7) + (both(m + m8, m3 + m8) + both(m5 + m8, m7 + m8));
+    const auto multiplesBelow = [&](U16 p, U16 q) { return less(p, d16) + less(q, d16); };
+    const U16 minusShift = multiplesBelow(m, m3) + multiplesBelow(m5, m7) +
+                           (multiplesBelow(m + m8, m3 + m8) + multiplesBelow(m5 + m8, m7 + m8));
     return select(less(b, a), value - minusShift, value + minusShift);
   }
 

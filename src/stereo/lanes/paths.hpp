@@ -13,11 +13,11 @@ struct FourPaths {
 
   static Numbers noneBefore() { return Numbers::all(noPredecessor); }
 
-  // What a predecessor's path costs bring to each disparity: its own cost, or that of a neighbour and P1. `lowest` are
-  // the last block's numbers one lane up and `highest` the first block's one lane down, with 255 in the free lane. As
-  // every disparity has a neighbour, 255 never wins, and adding P1 to the lesser neighbour wraps no more than adding it
-  // to both.
-  static Numbers brought(const Numbers& before, const U8& lowest, const U8& highest) {
+  // Each disparity gets the least of what its predecessor has: its own path cost, or that of a neighbour and P1.
+  // `lowest` are the last block's numbers one lane up and `highest` the first block's one lane down, with 255 in the
+  // free lane. As every disparity has a neighbour, 255 never wins, and adding P1 to the lesser neighbour wraps no more
+  // than adding it to both.
+  static Numbers costsOfPredecessor(const Numbers& before, const U8& lowest, const U8& highest) {
     const U8 p1 = U8::all(penaltyOne);
     constexpr size_t last = Numbers::blocks - 1;
     return Numbers::each([&](size_t k) {
@@ -32,20 +32,20 @@ struct FourPaths {
     Numbers pathCosts = noneBefore();
     U8 smallest = U8::all(0);
 
-    Numbers next(const Numbers& cost, const U8& p2) const {
+    Numbers nextCosts(const Numbers& cost, const U8& p2) const {
       const U8 none = U8::all(255);
-      const Numbers from =
-          brought(pathCosts, movedUp(none, pathCosts.block[Numbers::blocks - 1]), movedDown(pathCosts.block[0], none));
+      const Numbers from = costsOfPredecessor(pathCosts, movedUp(none, pathCosts.block[Numbers::blocks - 1]),
+                                              movedDown(pathCosts.block[0], none));
       return cost + min(from - smallest, p2);
     }
   };
 
   // The next costs of a path from the row above, whose predecessor's, less their minimum, lie at `p`.
-  static Numbers next(const uint8_t* p, const Numbers& cost, const U8& p2) {
+  static Numbers nextCosts(const uint8_t* p, const Numbers& cost, const U8& p2) {
     const Numbers before = Numbers::load(p);
     constexpr size_t last = Numbers::blocks - 1;
-    const Numbers from =
-        brought(before, againMovedUp(p + last * U8::lanes, before.block[last]), againMovedDown(p, before.block[0]));
+    const Numbers from = costsOfPredecessor(before, againMovedUp(p + last * U8::lanes, before.block[last]),
+                                            againMovedDown(p, before.block[0]));
     return cost + min(from, p2);
   }
 
@@ -77,8 +77,8 @@ struct FourPaths {
     for (uint8_t* const end = costs + n * disparities; costs < end; costs += disparities) {
       const Numbers cost = Numbers::load(costs);
       const auto jump = Simd::Four::of(p2);
-      const Numbers a = left.next(cost, jump.v[0]), b = next(upLeftBefore, cost, jump.v[1]),
-                    c = next(up, cost, jump.v[2]), d = next(upRight + disparities, cost, jump.v[3]);
+      const Numbers a = left.nextCosts(cost, jump.v[0]), b = nextCosts(upLeftBefore, cost, jump.v[1]),
+                    c = nextCosts(up, cost, jump.v[2]), d = nextCosts(upRight + disparities, cost, jump.v[3]);
       (a + b + c + d).store(costs);
       const auto smallest =
           smallestInEach(a.smallestByLane(), b.smallestByLane(), c.smallestByLane(), d.smallestByLane());

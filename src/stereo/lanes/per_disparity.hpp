@@ -17,7 +17,7 @@ struct PerDisparity {
 
   U8 block[blocks];
 
-  // Where the number of disparity d lies.
+  // The number of disparity d lies here.
   static constexpr size_t place(size_t d) { return d % blocks * U8::lanes + d / blocks; }
 
   template <class F>
@@ -47,7 +47,7 @@ struct PerDisparity {
     return load(table.v);
   }
 
-  // From disparities in order to dealt ones, and back.
+  // dealt() deals out numbers that lie in order of disparity, inOrder() brings them back.
   PerDisparity dealt() const {
     if constexpr (blocks == 2) {
       const auto a = unzipped(block[0], block[1]);

@@ -43,7 +43,7 @@ class RowCosts {
     codes_.storeGroup(last, i / blocks, costs + i * disparities);
   }
 
-  // For codes that no census makes.
+  // Takes any codes, those that no census makes too.
   void storeAny(size_t x, uint8_t* dst) const {
     const size_t columns = x < end_ ? end_ - x : 0;
     uint8_t costs[disparities];

@@ -45,7 +45,7 @@ struct SelectionKernels {
     });
   }
 
-  // Of the three candidates behind the winner at most two are its neighbours. So one of them is a close competitor
+  // At most two of the three candidates behind the winner are its neighbours. So one of them is a close competitor
   // just when any cost at all outside the neighbourhood is close.
   static uint32_t peakCheck(const uint8_t* costs, size_t maxIndex, uint32_t uniquenessRatio) {
     uint8_t m0;
