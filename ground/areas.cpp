@@ -109,11 +109,10 @@ PolygonRecord::PolygonRecord(const std::vector<Point_s32>& corners) : words_(1 +
 
 const Polygon_s32* PolygonRecord::get() const { return reinterpret_cast<const Polygon_s32*>(words_.data()); }
 
-AreaCells cellsOf(const Area& area, const MapFrame& frame, const StereoCtx& context) {
+PlacedArea placedArea(const Area& area, const MapFrame& frame, const StereoCtx& context) {
   const Extent map = extentOf(frame);
   checkReach(area, map);
-  AreaCells a;
-  a.ground = onGround(area, context);
+  PlacedArea a{area, onGround(area, context), {}};
   a.cells = area.unit == AreaUnit::pixels ? maskOfPixels(area, frame, context) : maskOfGround(area.corners, frame);
   a.count = static_cast<size_t>(std::count(a.cells.pixels.begin(), a.cells.pixels.end(), 1));
   a.wholeOnMap = std::all_of(a.ground.begin(), a.ground.end(), [&map](const Point_s32& p) { return isOn(map, p); });

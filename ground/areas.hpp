@@ -36,7 +36,9 @@ class PolygonRecord {
   std::vector<int32_t> words_;
 };
 
-struct AreaCells {
+// An area on a map.
+struct PlacedArea {
+  Area area;
   std::vector<Point_s32> ground;  // its corners on the ground, world x and y in mm
   Grid<uint8_t> cells;            // of the map: 1 where the centre lies inside or on the edge
   size_t count = 0;               // of the ones
@@ -47,6 +49,6 @@ struct AreaCells {
 //
 // context  of the measured view.
 // Throws Error where a corner does not show the ground, or where not a single cell lies inside.
-AreaCells cellsOf(const Area& area, const MapFrame& frame, const StereoCtx& context);
+PlacedArea placedArea(const Area& area, const MapFrame& frame, const StereoCtx& context);
 
 }  // namespace nadir::ground

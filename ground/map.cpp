@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <tuple>
 
 namespace nadir::ground {
@@ -65,15 +64,6 @@ ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame&
     map.heights.pixels[ordered[begin].cell] = storedHeight(ordered[begin + rank(end - begin, rule.percentile)].height);
   }
   return map;
-}
-
-MapHeights heightsOf(const Grid<uint16_t>& heights) {
-  std::vector<uint16_t> known;
-  std::copy_if(heights.pixels.begin(), heights.pixels.end(), std::back_inserter(known),
-               [](uint16_t v) { return v != 0; });
-  if (known.empty()) return {};
-  std::sort(known.begin(), known.end());
-  return {known.size(), known.front(), known[known.size() / 2], known.back()};
 }
 
 }  // namespace nadir::ground

@@ -49,12 +49,4 @@ struct ElevationMap {
 ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ,
                           const CellRule& rule);
 
-// Of the cells with a height; all 0 where there is none.
-struct MapHeights {
-  size_t known = 0;
-  uint16_t lowest = 0, median = 0, highest = 0;  // mm
-};
-
-MapHeights heightsOf(const Grid<uint16_t>& heights);
-
 }  // namespace nadir::ground

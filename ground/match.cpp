@@ -24,12 +24,12 @@ void mirrorAndSwap(Pair& pair) {
   std::swap(pair.left, pair.right);
 }
 
-Grid<uint16_t> matchOnRightGrid(const Pair& pair, uint32_t uniqueness, tool::StageTimes& times) {
+Grid<uint16_t> matchOnRightGrid(const Pair& pair, uint32_t uniqueness, const StageRunner& run) {
   const auto [first, reference] =
-      times.measure("census", [&] { return std::make_pair(census(pair.left), census(pair.right)); });
+      stageResult(run, "census", [&] { return std::make_pair(census(pair.left), census(pair.right)); });
   Grid<uint16_t> disparity(pair.right.width, pair.right.height);
   const SgmParams params{64, uniqueness};
-  times.measure("matching", [&, &codes = first, &referenceCodes = reference] {
+  run("matching", [&, &codes = first, &referenceCodes = reference] {
     IP_SgmFull(codes.pixels.data(), referenceCodes.pixels.data(), pair.right.pixels.data(), disparity.width,
                disparity.height, &params, disparity.pixels.data(), nullptr);
   });
@@ -62,27 +62,32 @@ PixelCounts countPixels(const Grid<uint16_t>& raw, const Grid<uint16_t>& result,
     for (uint32_t x = 0; x < raw.width; ++x) {
       const bool matched = raw.at(x, y) != 0, value = result.at(x, y) != 0;
       if (value && !matched) ++counts.filled;
-      ++(value                    ? counts.value
-         : mask.at(x, y) != 0     ? counts.masked
-         : matched                ? counts.removed
-         : isBorder(x, y, result) ? counts.border
-                                  : counts.ambiguous);
+      if (value)
+        ++counts.value;
+      else if (mask.at(x, y) != 0)
+        ++counts.masked;
+      else if (matched)
+        ++counts.removed;
+      else if (isBorder(x, y, result))
+        ++counts.border;
+      else
+        ++counts.ambiguous;
     }
   return counts;
 }
 
 }  // namespace
 
-Match match(Pair pair, MatchOptions options, tool::StageTimes& times) {
+Match match(Pair pair, MatchOptions options, const StageRunner& run) {
   if (options.mask.pixels.empty()) options.mask = Grid<uint8_t>(pair.left.width, pair.left.height);
   const bool mirrored = options.grid == View::left;
-  if (mirrored) times.measure("mirroring", [&] { mirrorAndSwap(pair), mirror(options.mask); });
+  if (mirrored) run("mirroring", [&] { mirrorAndSwap(pair), mirror(options.mask); });
 
-  const Grid<uint16_t> raw = matchOnRightGrid(pair, options.uniqueness, times);
+  const Grid<uint16_t> raw = matchOnRightGrid(pair, options.uniqueness, run);
   Match match;
-  match.disparity = times.measure("post-processing", [&] { return postprocessed(raw, options); });
+  match.disparity = stageResult(run, "post-processing", [&] { return postprocessed(raw, options); });
   match.counts = countPixels(raw, match.disparity, options.mask);
-  if (mirrored) times.measure("mirroring", [&] { mirror(match.disparity); });
+  if (mirrored) run("mirroring", [&] { mirror(match.disparity); });
   return match;
 }
 

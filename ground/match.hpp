@@ -1,9 +1,9 @@
 // The library's road from a rectified pair to a disparity picture, on either picture's grid.
 #pragma once
 
+#include "ground/stages.hpp"
 #include "ground/view.hpp"
 #include "lab/grid.hpp"
-#include "tools/base/stage_times.hpp"
 
 namespace nadir::ground {
 
@@ -36,6 +36,6 @@ struct Match {
 };
 
 // Wants two pictures of one size, at least 5 x 5 pixels.
-Match match(Pair pair, MatchOptions options, tool::StageTimes& times);
+Match match(Pair pair, MatchOptions options, const StageRunner& run = runStage);
 
 }  // namespace nadir::ground

@@ -4,12 +4,12 @@
 
 namespace nadir::ground {
 
-Occupancy occupancyOf(const Area& area, const AreaCells& place, const Grid<uint16_t>& heights, const Regions& regions) {
-  Occupancy o{area, place, 0, {}, {}};
+Occupancy occupancyOf(const PlacedArea& area, const Grid<uint16_t>& heights, const Regions& regions) {
+  Occupancy o;
   std::vector<uint16_t> covered;
   std::map<uint16_t, std::vector<uint16_t>> shared;
   for (size_t i = 0; i < heights.pixels.size(); ++i) {
-    if (!place.cells.pixels[i]) continue;
+    if (!area.cells.pixels[i]) continue;
     o.seen += heights.pixels[i] != 0;
     if (const uint16_t label = regions.labels.pixels[i]) {
       covered.push_back(heights.pixels[i]);

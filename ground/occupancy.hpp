@@ -12,13 +12,11 @@ struct SharedRegion {
 };
 
 struct Occupancy {
-  Area area;
-  AreaCells place;
-  size_t seen = 0;  // of its cells, those with a height
+  size_t seen = 0;  // of the area's cells, those with a height
   CellSet covered;  // its cells that belong to any region
   std::vector<SharedRegion> regions;
 };
 
-Occupancy occupancyOf(const Area& area, const AreaCells& place, const Grid<uint16_t>& heights, const Regions& regions);
+Occupancy occupancyOf(const PlacedArea& area, const Grid<uint16_t>& heights, const Regions& regions);
 
 }  // namespace nadir::ground

@@ -18,6 +18,7 @@
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/road/pair_input.hpp"
+#include "tools/road/timed_stages.hpp"
 
 namespace nadir::tool {
 
@@ -76,7 +77,7 @@ void run(const Options& options) {
   ground::Pair pair = readInputs(options, times);
   const ground::MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing,
                                       readMaskFor(pair, options.mask)};
-  const ground::Match result = ground::match(std::move(pair), settings, times);
+  const ground::Match result = ground::match(std::move(pair), settings, timedBy(times));
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));

@@ -4,64 +4,69 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <type_traits>
 
 #include "tools/base/error.hpp"
-#include "tools/base/in_order.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/png.hpp"
+#include "tools/report/ground_json.hpp"
 #include "tools/report/ground_report.hpp"
 #include "tools/report/map_plot.hpp"
 #include "tools/report/map_texts.hpp"
 #include "tools/report/ply.hpp"
 #include "tools/report/region_plot.hpp"
 #include "tools/road/road.hpp"
+#include "tools/road/timed_stages.hpp"
 #include "tools/sequence/ground_sequence.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
-struct Options : GroundOptions {
+struct Options {
+  RoadOptions road;
   std::string left, right, folder;
   SequenceOptions sequence;
 };
 
-void writeFindings(const std::string& folder, const GroundResult& r, const Findings& findings, OutputFiles& files) {
-  files.write(folder + "/regions.png", encodePng(findings.regions.labels, regionTexts(r.frame, r.rule)));
-  files.write(folder + "/regions.preview.png", encodeRegionMap(r, findings));
-  files.write(folder + "/regions.picture.png", encodeRegionPicture(r, findings));
+void writeFindings(const std::string& folder, const ground::Setup& setup, const ground::Result& r, OutputFiles& files) {
+  files.write(folder + "/regions.png",
+              encodePng(r.findings->regions.labels, regionTexts(setup.frame, setup.settings.cells)));
+  files.write(folder + "/regions.preview.png", encodeRegionMap(setup, r));
+  files.write(folder + "/regions.picture.png", encodeRegionPicture(setup, r));
 }
 
-void writeOutputs(const std::string& folder, const GroundResult& r, OutputFiles& files) {
-  const std::string summary = groundJson(r);
+void writeOutputs(const std::string& folder, const ground::Setup& setup, const ground::Result& r, OutputFiles& files) {
+  const std::string summary = groundJson(setup, r);
   files.makeFolder(folder);
   if (!r.matched.pixels.empty())
-    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, r.view)));
-  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(r.frame, r.rule)));
-  files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, r.frame));
-  files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(r.camera.heightMm)));
-  if (r.findings) writeFindings(folder, r, *r.findings, files);
+    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, setup.settings.view)));
+  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(setup.frame, setup.settings.cells)));
+  files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, setup.frame));
+  files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(setup.camera.heightMm)));
+  if (r.findings) writeFindings(folder, setup, r, files);
   files.write(folder + "/summary.json", Bytes(summary.begin(), summary.end()));
 }
 
 void runOnPair(const Options& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   StageTimes times;
-  const GroundResult result = ground(groundSetup(options), options.left, options.right, times);
-  OutputFiles files({options.left, options.right, options.camera, options.areas, options.disparity, options.mask});
-  times.measure("writing", [&] { writeOutputs(options.folder, result, files); });
-  print(groundTable(result, times));
+  const Road road = roadOf(options.road);
+  const ground::Result result = resultOf(road, options.left, options.right, timedBy(times));
+  OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
+                     options.road.mask});
+  times.measure("writing", [&] { writeOutputs(options.folder, road.setup, result, files); });
+  print(groundTable(road.setup, result, times));
   files.commit();
 }
 
 void runOnSequence(const Options& options) {
   SequenceOptions sequence = options.sequence;
   sequence.folder = options.folder;
-  if (!options.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
-  groundSequence(FrameSource(options.left, options.right), groundSetup(options), sequence);
+  if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
+  const Road road = roadOf(options.road);
+  groundSequence(FrameSource(options.left, options.right), road, sequence);
 }
 
 void run(const Options& options, bool sequenceAsked) {
@@ -83,7 +88,7 @@ void addInputs(CLI::App& command, Options& options) {
                   "pattern, left/%06d.png")
       ->required();
   command.add_option("RIGHT", options.right, "Right picture of the same size, or the pattern of the right ones");
-  command.add_option("--camera", options.camera, "Camera file; nadir camera import makes one")
+  command.add_option("--camera", options.road.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");
   command.add_option("-o,--output", options.folder, "Receives the files below; made unless it exists")
@@ -91,19 +96,13 @@ void addInputs(CLI::App& command, Options& options) {
       ->type_name("FOLDER");
 }
 
-void addMapOptions(CLI::App& command, Options& options) {
-  command
-      .add_option("--percentile", options.rule.percentile,
-                  format("How the points of one cell become its height: this percentile of their heights; 50 is the "
-                         "median, 100 the highest point; 1 to 100 (default: %g)",
-                         options.rule.percentile))
-      ->check(numberFrom(1, 100))
-      ->type_name("P");
-  command
-      .add_option("--min-points", options.rule.minPoints,
-                  format("Cells with fewer points stay unseen, 1 to 1000000 (default: %u)", options.rule.minPoints))
-      ->check(wholeNumberFrom(1, 1000000))
-      ->type_name("N");
+void addMapOptions(CLI::App& command, RoadOptions& options) {
+  addNumber(command, "--percentile", options.cells.percentile, numberFrom(1, 100),
+            "How the points of one cell become its height: this percentile of their heights; 50 is the median, 100 the "
+            "highest point; {range} (default: {default})",
+            "P");
+  addNumber(command, "--min-points", options.cells.minPoints, wholeNumberFrom(1, 1000000),
+            "Cells with fewer points stay unseen, {range} (default: {default})", "N");
   command
       .add_option("--fill-holes", options.fillHolesM2,
                   "Fill patches of unseen cells up to this area from the heights around them (default: 0, fill none)")
@@ -111,7 +110,7 @@ void addMapOptions(CLI::App& command, Options& options) {
       ->type_name("M2");
 }
 
-void addRegionOptions(CLI::App& command, Options& options) {
+void addRegionOptions(CLI::App& command, RoadOptions& options) {
   const auto number = [&command](const char* name, auto& value, double high, const char* text, const char* unit) {
     return command.add_option(name, value, text)->check(numberFrom(0, high))->type_name(unit);
   };
@@ -139,33 +138,24 @@ void addRegionOptions(CLI::App& command, Options& options) {
 // Returns whether one of them is given.
 std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& options) {
   std::vector<CLI::Option*> all;
-  const auto number = [&](const char* name, auto& value, double low, double high, const std::string& text,
-                          const char* unit) {
-    const bool whole = std::is_integral_v<std::decay_t<decltype(value)>>;
-    all.push_back(
-        command
-            .add_option(name, value, text + format(", %g to %g (default: %g)", low, high, static_cast<double>(value)))
-            ->check(whole ? wholeNumberFrom(static_cast<uint64_t>(low), static_cast<uint64_t>(high))
-                          : numberFrom(low, high))
-            ->type_name(unit));
+  const auto number = [&](const char* name, auto& value, const NumberRange& range, const char* help, const char* unit) {
+    all.push_back(addNumber(command, name, value, range, help, unit));
   };
   SequenceRule& rule = options.rule;
-  number("--fps", rule.framesPerSecond, 0.001, 100000, "Frames per second of a sequence", "RATE");
-  number("--average", rule.averageFrames, 1, 1000, "Frames in the window that the averaged maps are means of", "N");
-  number("--track-noise", rule.track.noiseMm, 0.1, 10000,
-         "How uncertain a frame's height in an area is, standard deviation", "MM");
-  options.threads = processors();
-  all.push_back(command
-                    .add_option("--threads", options.threads,
-                                "Frames worked on at a time, 1 to 256 (default: one for each processor)")
-                    ->check(wholeNumberFrom(1, 256))
-                    ->type_name("N"));
+  number("--fps", rule.framesPerSecond, numberFrom(0.001, 100000),
+         "Frames per second of a sequence, {range} (default: {default})", "RATE");
+  number("--average", rule.averageFrames, wholeNumberFrom(1, 1000),
+         "Frames in the window that the averaged maps are means of, {range} (default: {default})", "N");
+  number("--track-noise", rule.track.noiseMm, numberFrom(0.1, 10000),
+         "How uncertain a frame's height in an area is, standard deviation, {range} (default: {default})", "MM");
+  all.push_back(addThreadsOption(command, options.threads,
+                                 "Frames worked on at a time, {range} (default: one for each processor)"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
   all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
   return [all] { return std::any_of(all.begin(), all.end(), [](const CLI::Option* o) { return o->count() > 0; }); };
 }
 
-void addMatchOptions(CLI::App& command, Options& options) {
+void addMatchOptions(CLI::App& command, RoadOptions& options) {
   CLI::Option* given =
       command
           .add_option("--disparity", options.disparity,
@@ -177,27 +167,14 @@ void addMatchOptions(CLI::App& command, Options& options) {
       ->check(positiveNumber())
       ->needs(given)
       ->type_name("N");
-  command
-      .add_option_function<std::string>(
-          "--grid", [&options](const std::string& view) { options.view = ground::viewNamed(view); },
-          "View that is measured, left or right; its camera is the world's origin (default: left)")
-      ->check(CLI::IsMember({"left", "right"}).description(""))
-      ->type_name("VIEW");
-  command
-      .add_option("--uniqueness", options.uniqueness,
-                  format("As for nadir disparity, 0 to 128 (default: %u)", options.uniqueness))
-      ->check(wholeNumberFrom(0, 128))
-      ->excludes(given)
-      ->type_name("N");
-  command
-      .add_option("--mask", options.mask,
-                  "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
-      ->excludes(given)
-      ->type_name("FILE");
-  command
-      .add_flag("--raw,--no-postproc", options.noPostprocessing,
-                "Leave out the 3x3 median and the removal and filling of single pixels")
+  addViewOption(command, "--grid", options.view,
+                "View that is measured, left or right; its camera is the world's origin (default: left)");
+  addUniquenessOption(command, options.uniqueness, "As for nadir disparity, {range} (default: {default})")
       ->excludes(given);
+  addMaskOption(command, options.mask,
+                "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
+      ->excludes(given);
+  addRawOption(command, options.noPostprocessing)->excludes(given);
 }
 
 }  // namespace
@@ -207,9 +184,9 @@ void addGroundCommand(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("ground", "Map heights above the ground and find what stands there and in areas of interest.");
   addInputs(*command, *options);
-  addMapOptions(*command, *options);
-  addRegionOptions(*command, *options);
-  addMatchOptions(*command, *options);
+  addMapOptions(*command, options->road);
+  addRegionOptions(*command, options->road);
+  addMatchOptions(*command, options->road);
   const std::function<bool()> sequenceAsked = addSequenceOptions(*command, options->sequence);
   command->footer(
       "Files:\n"

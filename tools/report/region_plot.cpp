@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/base/text.hpp"
 #include "tools/draw/signs.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/report/map_plot.hpp"
@@ -93,8 +94,8 @@ constexpr Rgb regionColours[] = {{228, 26, 28},  {55, 126, 184},  {77, 175, 74},
 
 Rgb colourOf(uint16_t label) { return regionColours[(label - 1) % std::size(regionColours)]; }
 
-// Grey, the brightest hundredth white.
-Grid<Rgb> shown(const Grid<uint16_t>& picture) {
+// The picture in grey, its brightest hundredth white.
+Grid<Rgb> greyPicture(const Grid<uint16_t>& picture) {
   std::vector<uint16_t> sorted = picture.pixels;
   const auto bright = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() * 99 / 100);
   std::nth_element(sorted.begin(), bright, sorted.end());
@@ -108,12 +109,13 @@ Grid<Rgb> shown(const Grid<uint16_t>& picture) {
 }
 
 // The label of what each pixel shows: its point lies over a cell of the region, above the ground.
-Grid<uint16_t> labelsOfPixels(const GroundResult& r, const Findings& f) {
+Grid<uint16_t> labelsOfPixels(const ground::Setup& setup, const ground::Result& r) {
   Grid<uint16_t> labels(r.picture.width, r.picture.height);
   for (const ground::WorldPoint& p : r.points) {
-    const std::optional<size_t> cell = ground::cellUnder(p.world, r.frame);
-    if (!cell || r.camera.heightMm - p.world.z <= f.rule.minHeightMm) continue;
-    labels.at(static_cast<uint32_t>(p.image.x), static_cast<uint32_t>(p.image.y)) = f.regions.labels.pixels[*cell];
+    const std::optional<size_t> cell = ground::cellUnder(p.world, setup.frame);
+    if (!cell || setup.camera.heightMm - p.world.z <= setup.settings.regions->minHeightMm) continue;
+    labels.at(static_cast<uint32_t>(p.image.x), static_cast<uint32_t>(p.image.y)) =
+        r.findings->regions.labels.pixels[*cell];
   }
   return labels;
 }
@@ -167,47 +169,47 @@ std::vector<std::optional<Spot>> outlineInPicture(const std::vector<Point_s32>& 
   return outline;
 }
 
-std::vector<NamedOutline> areasOnMap(const MapPlot& map, const ground::MapFrame& frame, const Findings& findings) {
+std::vector<NamedOutline> areasOnMap(const MapPlot& map, const ground::Setup& setup) {
   std::vector<NamedOutline> areas;
-  for (const ground::Occupancy& area : findings.areas) {
+  for (const ground::PlacedArea& area : setup.areas) {
     std::vector<std::optional<Spot>> outline;
-    for (const Point_s32& corner : area.place.ground) outline.emplace_back(spotOf(map, frame, corner.x, corner.y));
+    for (const Point_s32& corner : area.ground) outline.emplace_back(spotOf(map, setup.frame, corner.x, corner.y));
     areas.push_back({area.area.name, visibleLines(outline, map.place)});
   }
   return areas;
 }
 
-std::vector<NamedOutline> areasInPicture(const GroundResult& result, const Rect& whole, const Findings& findings) {
+std::vector<NamedOutline> areasInPicture(const ground::Setup& setup, const Rect& whole) {
   std::vector<NamedOutline> areas;
-  for (const ground::Occupancy& area : findings.areas)
-    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.place.ground, result.context), whole)});
+  for (const ground::PlacedArea& area : setup.areas)
+    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.ground, setup.context), whole)});
   return areas;
 }
 
 }  // namespace
 
-Bytes encodeRegionMap(const GroundResult& result, const Findings& findings) {
-  MapPlot map = drawMap(result.map.heights, result.frame, mapSide);
-  const std::vector<NamedOutline> areas = areasOnMap(map, result.frame, findings);
-  outlineCells(map, findings.regions.labels);
+Bytes encodeRegionMap(const ground::Setup& setup, const ground::Result& result) {
+  MapPlot map = drawMap(result.map.heights, setup.frame, mapSide);
+  const std::vector<NamedOutline> areas = areasOnMap(map, setup);
+  outlineCells(map, result.findings->regions.labels);
   drawLines(map.picture, areas);
   Signs signs(map.picture, map.place);
-  for (const ground::Region& region : findings.regions.list)
-    signs.drawAt(spotOf(map, result.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
+  for (const ground::Region& region : result.findings->regions.list)
+    signs.drawAt(spotOf(map, setup.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
   drawNames(signs, areas);
   return encodePng(map.picture, texts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
                                       "Regions are outlined in white and numbered, areas of interest in pink."));
 }
 
-Bytes encodeRegionPicture(const GroundResult& result, const Findings& findings) {
-  Grid<Rgb> picture = shown(result.picture);
-  const Grid<uint16_t> labels = labelsOfPixels(result, findings);
+Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& result) {
+  Grid<Rgb> picture = greyPicture(result.picture);
+  const Grid<uint16_t> labels = labelsOfPixels(setup, result);
   const Rect whole{0, 0, picture.width, picture.height};
-  const std::vector<NamedOutline> areas = areasInPicture(result, whole, findings);
+  const std::vector<NamedOutline> areas = areasInPicture(setup, whole);
   colourRegions(picture, labels);
   drawLines(picture, areas);
   Signs signs(picture, whole);
-  numberRegions(signs, labels, findings.regions.list.size());
+  numberRegions(signs, labels, result.findings->regions.list.size());
   drawNames(signs, areas);
   return encodePng(picture, texts("The measured picture: regions coloured and numbered, areas of interest on the "
                                   "ground outlined in pink."));

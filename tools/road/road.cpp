@@ -1,10 +1,10 @@
+// Options and files become a setup, and the files of a pair the road's input.
 #include "tools/road/road.hpp"
 
 #include <algorithm>
 
-#include "ground/holes.hpp"
-#include "ground/known_values.hpp"
 #include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
 #include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera_file.hpp"
 #include "tools/pictures/pictures.hpp"
@@ -15,31 +15,36 @@ namespace nadir::tool {
 namespace {
 
 // Regions are found on small maps only; larger cells cover the same ground.
-void checkMap(const Camera& camera, const GroundOptions& options) {
+void checkMap(const Camera& camera, const RoadOptions& options) {
+  const uint32_t most = ground::largestRegionMap;
   const uint32_t width = camera.mapWidthCells, height = camera.mapHeightCells, larger = std::max(width, height);
-  if (options.noRegions || larger <= ground::largestRegionMap) return;
-  const uint32_t cell = (larger * camera.cellMm + ground::largestRegionMap - 1) / ground::largestRegionMap;
+  if (options.noRegions || larger <= most) return;
+  const uint32_t cell = (larger * camera.cellMm + most - 1) / most;
   const auto fewer = [&](uint32_t cells) { return (cells * camera.cellMm + cell - 1) / cell; };
   throw Error(
       format("the map of %s has %s cells, and regions are found on at most %s: cell_mm = %u with %s cells covers "
              "the same ground (or leave the regions out with --no-regions)",
-             options.camera.c_str(), sizeText(width, height).c_str(),
-             sizeText(ground::largestRegionMap, ground::largestRegionMap).c_str(), cell,
+             options.camera.c_str(), sizeText(width, height).c_str(), sizeText(most, most).c_str(), cell,
              sizeText(fewer(width), fewer(height)).c_str()));
 }
 
-std::vector<ground::Area> readAllAreas(const GroundOptions& options) {
+std::vector<ground::Area> readAllAreas(const RoadOptions& options) {
+  if (options.noRegions) return {};
   const std::vector<ground::Area> ofCamera = readAreasOfCamera(options.camera);
   return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
 }
 
-Grid<uint16_t> matched(const GroundOptions& options, ground::Pair pair, StageTimes& times) {
-  const ground::MatchOptions settings{options.view, options.uniqueness, !options.noPostprocessing,
-                                      readMaskFor(pair, options.mask)};
-  return ground::match(std::move(pair), settings, times).disparity;
+ground::Settings settingsOf(const RoadOptions& options, const Camera& camera) {
+  ground::Settings settings{options.view,  options.uniqueness,  !options.noPostprocessing,
+                            options.cells, options.fillHolesM2, {}};
+  const ground::RegionRule usual = ground::usualRule(camera.cellMm);
+  if (!options.noRegions)
+    settings.regions = {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
+                        options.minAreaM2.value_or(usual.minAreaM2)};
+  return settings;
 }
 
-Grid<float> givenDisparities(const GroundOptions& options, const ground::Pair& pair) {
+Grid<float> givenDisparities(const RoadOptions& options, const ground::Pair& pair) {
   Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
   if (!sameSize(disparity, pair.left))
     throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
@@ -48,82 +53,37 @@ Grid<float> givenDisparities(const GroundOptions& options, const ground::Pair& p
   return disparity;
 }
 
-void findDisparities(GroundResult& r, const GroundOptions& options, ground::Pair pair, StageTimes& times) {
-  r.picture = r.view == ground::View::left ? pair.left : pair.right;
-  if (options.disparity.empty()) {
-    r.matched = matched(options, std::move(pair), times);
-    r.disparity = ground::unpacked(r.matched, SGM_DISP_SCALE);
-  } else {
-    r.disparity = givenDisparities(options, pair);
+ground::Input inputOf(ground::Pair pair, const RoadOptions& options) {
+  if (!options.disparity.empty()) {
+    Grid<float> disparity = givenDisparities(options, pair);
+    return {std::move(pair), {}, std::move(disparity)};
   }
-}
-
-size_t cellsIn(double squareMetres, const ElevMapParams& cells) {
-  return static_cast<size_t>(squareMetres * 1e6 / cells.cellSizeX / cells.cellSizeY + 1e-9);
-}
-
-// From disparities to heights.
-void measure(GroundResult& r, const GroundOptions& options, StageTimes& times) {
-  const auto shift = static_cast<float>(r.camera.columnShiftPx);
-  r.points =
-      times.measure("world points", [&] { return ground::worldPoints(r.disparity, r.picture, r.context, shift); });
-  r.map = times.measure("elevation map",
-                        [&] { return ground::elevationMap(r.points, r.frame, r.context.orientation.height, r.rule); });
-  if (const size_t largest = cellsIn(options.fillHolesM2, r.frame.cells))
-    r.map.filled = times.measure("hole filling", [&] { return ground::fillHoles(r.map.heights, largest); });
-  r.plane = times.measure("ground plane", [&] { return ground::fitGroundPlane(r.points, r.context); });
-}
-
-Findings find(const GroundResult& r, const GroundSetup& setup) {
-  Findings f{regionRule(setup), {}, {}};
-  f.regions = ground::findRegions(r.map.heights, r.frame, f.rule);
-  for (size_t i = 0; i < setup.areas.size(); ++i)
-    f.areas.push_back(ground::occupancyOf(setup.areas[i], setup.places[i], r.map.heights, f.regions));
-  return f;
+  Grid<uint8_t> mask = readMaskFor(pair, options.mask);
+  return {std::move(pair), std::move(mask), {}};
 }
 
 }  // namespace
 
-// The areas too, so that a mistake in the last one does not wait for the matcher.
-GroundSetup groundSetup(const GroundOptions& options) {
-  GroundSetup s{options, readCamera(options.camera), {}, {}, {}, {}};
-  checkMap(s.camera, options);
-  s.context = ground::stereoContext(s.camera, options.view);
-  s.frame = ground::mapFrame(s.context, s.camera);
-  if (!options.noRegions) s.areas = readAllAreas(options);
-  for (const ground::Area& area : s.areas) s.places.push_back(ground::cellsOf(area, s.frame, s.context));
-  return s;
+// The areas are read too, so that a mistake in the last one does not wait for the matcher.
+Road roadOf(const RoadOptions& options) {
+  const Camera camera = readCamera(options.camera);
+  checkMap(camera, options);
+  return {options, ground::setupOf(camera, settingsOf(options, camera), readAllAreas(options))};
 }
 
-ground::RegionRule regionRule(const GroundSetup& setup) {
-  const GroundOptions& options = setup.options;
-  const ground::RegionRule usual = ground::usualRule(setup.camera.cellMm);
-  return {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
-          options.minAreaM2.value_or(usual.minAreaM2)};
-}
-
-void checkSize(const ground::Pair& pair, const GroundSetup& setup) {
-  const Camera& camera = setup.camera;
+void checkSize(const ground::Pair& pair, const Road& road) {
+  const Camera& camera = road.setup.camera;
   if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
   throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
-                     sizeText(pair.left.width, pair.left.height).c_str(), setup.options.camera.c_str(),
+                     sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
                      sizeText(camera.widthPx, camera.heightPx).c_str()));
 }
 
-GroundResult ground(const GroundSetup& setup, const std::string& left, const std::string& right, StageTimes& times) {
-  const GroundOptions& options = setup.options;
-  GroundResult r{};
-  r.camera = setup.camera;
-  r.view = options.view;
-  r.rule = options.rule;
-  r.context = setup.context;
-  r.frame = setup.frame;
-  ground::Pair pair = times.measure("reading", [&] { return readPair(left, right); });
-  checkSize(pair, setup);
-  findDisparities(r, options, std::move(pair), times);
-  measure(r, options, times);
-  if (!options.noRegions) r.findings = times.measure("regions", [&] { return find(r, setup); });
-  return r;
+ground::Result resultOf(const Road& road, const std::string& left, const std::string& right,
+                        const ground::StageRunner& run) {
+  ground::Pair pair = ground::stageResult(run, "reading", [&] { return readPair(left, right); });
+  checkSize(pair, road);
+  return ground::resultOf(road.setup, inputOf(std::move(pair), road.options), run);
 }
 
 }  // namespace nadir::tool

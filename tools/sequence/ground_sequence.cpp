@@ -11,9 +11,10 @@
 #include "tools/files/folder_lock.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
-#include "tools/report/ground_report.hpp"
+#include "tools/report/map_heights.hpp"
 #include "tools/report/map_texts.hpp"
 #include "tools/road/pair_input.hpp"
+#include "tools/sequence/frame_line.hpp"
 #include "tools/sequence/frame_log.hpp"
 #include "tools/sequence/settings_difference.hpp"
 
@@ -27,7 +28,7 @@ namespace {
 struct Worked {
   std::string error;
   Grid<uint16_t> heights;
-  std::optional<Findings> findings;
+  std::optional<ground::Findings> findings;
 };
 
 std::optional<double> measuredIn(const ground::Occupancy& area) {
@@ -37,12 +38,12 @@ std::optional<double> measuredIn(const ground::Occupancy& area) {
 
 class SequenceRun {
  public:
-  SequenceRun(const FrameSource& source, const GroundSetup& setup, const SequenceOptions& options)
+  SequenceRun(const FrameSource& source, const Road& road, const SequenceOptions& options)
       : source_(source),
-        setup_(setup),
+        road_(road),
         options_(options),
         window_(options.rule.averageFrames),
-        tracks_(setup.areas.size(), ground::HeightTrack(options.rule.track)) {}
+        tracks_(road.setup.areas.size(), ground::HeightTrack(options.rule.track)) {}
 
   void go() {
     begin();
@@ -74,7 +75,7 @@ class SequenceRun {
   void begin() {
     checkMask();
     checkCamera();
-    const std::string settings = sequenceJson(setup_, options_.rule, source_);
+    const std::string settings = settingsText(road_, options_.rule, source_);
     OutputFiles files;
     files.makeFolder(options_.folder);
     lock_.emplace(options_.folder);
@@ -114,20 +115,20 @@ class SequenceRun {
 
   // These are checked here and not frame by frame: with the wrong file every frame would be damaged.
   void checkMask() const {
-    if (setup_.options.mask.empty()) return;
-    const Grid<uint8_t> mask = readMask(setup_.options.mask);
-    if (mask.width != setup_.camera.widthPx || mask.height != setup_.camera.heightPx)
+    if (road_.options.mask.empty()) return;
+    const Grid<uint8_t> mask = readMask(road_.options.mask);
+    if (mask.width != road_.setup.camera.widthPx || mask.height != road_.setup.camera.heightPx)
       throw Error(format("the mask %s is %s pixels, but the camera of %s takes pictures of %s",
-                         setup_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
-                         setup_.options.camera.c_str(),
-                         sizeText(setup_.camera.widthPx, setup_.camera.heightPx).c_str()));
+                         road_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
+                         road_.options.camera.c_str(),
+                         sizeText(road_.setup.camera.widthPx, road_.setup.camera.heightPx).c_str()));
   }
 
   // On the first frame that can be read.
   void checkCamera() const {
     std::optional<ground::Pair> pair;
     for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
-    if (pair) checkSize(*pair, setup_);
+    if (pair) checkSize(*pair, road_);
   }
 
   std::optional<ground::Pair> readable(size_t frame) const {
@@ -163,9 +164,8 @@ class SequenceRun {
   // ---- frame by frame ----
 
   Worked workOn(size_t frame) const {
-    StageTimes unused;
     try {
-      GroundResult r = ground(setup_, source_.left(frame), source_.right(frame), unused);
+      ground::Result r = resultOf(road_, source_.left(frame), source_.right(frame));
       return {"", std::move(r.map.heights), std::move(r.findings)};
     } catch (const Error& error) {
       return {error.what(), {}, {}};
@@ -180,7 +180,7 @@ class SequenceRun {
     inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
       if (watch.requested()) return false;
       if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
-      log.append(frameLine(reportOn(frame, std::move(worked)), setup_));
+      log.append(frameLine(reportOn(frame, std::move(worked)), road_.setup));
       ++done_;
       progress.advance();
       return true;
@@ -192,7 +192,7 @@ class SequenceRun {
     FrameReport report{source_.number(frame), source_.name(frame), secondsOf(frame), worked.error, 0, {}, {}};
     skipped_ += !report.error.empty();
     if (!report.error.empty()) return report;
-    report.seenCells = ground::heightsOf(worked.heights).known;
+    report.seenCells = heightsOf(worked.heights).known;
     if (!options_.rule.noMaps) writeMaps(frame, worked.heights);
     report.findings = std::move(worked.findings);
     for (size_t i = 0; i < tracks_.size(); ++i) {
@@ -203,7 +203,7 @@ class SequenceRun {
   }
 
   void writeMaps(size_t frame, const Grid<uint16_t>& heights) {
-    const TextChunks texts = mapTexts(setup_.frame, setup_.options.rule);
+    const TextChunks texts = mapTexts(road_.setup.frame, road_.setup.settings.cells);
     window_.add(heights);
     OutputFiles files;
     files.write(mapPath("elevation", frame), encodePng(heights, texts));
@@ -219,7 +219,7 @@ class SequenceRun {
   }
 
   const FrameSource& source_;
-  const GroundSetup& setup_;
+  const Road& road_;
   const SequenceOptions& options_;
   std::optional<FolderLock> lock_;
   ground::MapWindow window_;
@@ -229,8 +229,8 @@ class SequenceRun {
 
 }  // namespace
 
-void groundSequence(const FrameSource& source, const GroundSetup& setup, const SequenceOptions& options) {
-  SequenceRun(source, setup, options).go();
+void groundSequence(const FrameSource& source, const Road& road, const SequenceOptions& options) {
+  SequenceRun(source, road, options).go();
 }
 
 }  // namespace nadir::tool

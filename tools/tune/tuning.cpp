@@ -68,10 +68,9 @@ MatchSample matchSample(const std::string& folder) {
 }
 
 Grid<uint16_t> matched(const ground::Pair& pair, uint32_t uniqueness) {
-  StageTimes unused;
   ground::MatchOptions options;
   options.uniqueness = uniqueness;
-  return ground::match(pair, options, unused).disparity;
+  return ground::match(pair, options).disparity;
 }
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {

@@ -1,0 +1,31 @@
+// The parts that the JSON of a pair and the JSON of a sequence have in common.
+#pragma once
+
+#include <vector>
+
+#include "ground/camera.hpp"
+#include "ground/regions.hpp"
+#include "tools/base/json_value.hpp"
+
+namespace nadir::tool {
+
+// A measured number in thousandths of its unit, which is far below what is measured here.
+Json measuredJson(double value);
+
+// The area of so many cells to the square millimetre, so that it tells their number.
+Json squareMetresJson(size_t cells, const ground::MapFrame& frame);
+
+// A part of a whole as a fraction of 1, and 0 of nothing.
+Json shareJson(size_t part, size_t whole);
+
+// Every key of the camera file.
+Json cameraJson(const ground::Camera& camera);
+
+Json ruleJson(const ground::RegionRule& rule);
+Json cornersJson(const std::vector<Point_s32>& corners);
+Json regionJson(const ground::Region& region, const ground::MapFrame& frame);
+
+// Adds the heights of the cells, null where there is no cell.
+void addHeights(Json& json, const ground::CellSet& set);
+
+}  // namespace nadir::tool

@@ -1,0 +1,26 @@
+// What came of one frame of a sequence, and its line of frames.jsonl (docs/frames.schema.json).
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "ground/road.hpp"
+#include "ground/tracks.hpp"
+
+namespace nadir::tool {
+
+// A damaged frame has an error and nothing else.
+struct FrameReport {
+  uint64_t number;
+  std::string name;
+  double seconds;
+  std::string error;
+  size_t seenCells = 0;
+  std::optional<ground::Findings> findings;
+  std::vector<std::optional<ground::TrackedHeight>> tracks;  // of the areas
+};
+
+std::string frameLine(const FrameReport& report, const ground::Setup& setup);
+
+}  // namespace nadir::tool

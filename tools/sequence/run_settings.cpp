@@ -1,0 +1,88 @@
+// What has to be read or resolved for run.json comes first, the JSON itself is made of values alone.
+#include "tools/sequence/run_settings.hpp"
+
+#include <zlib.h>
+
+#include <filesystem>
+#include <optional>
+
+#include "tools/base/text.hpp"
+#include "tools/pictures/chunks.hpp"
+#include "tools/pictures/pictures.hpp"
+#include "tools/report/json_parts.hpp"
+
+namespace nadir::tool {
+
+namespace {
+
+// A mask is known by its pixels, so that one that was drawn anew is another one.
+struct MaskMark {
+  uint32_t width, height;
+  std::string sum;
+};
+
+std::optional<MaskMark> markOfMask(const std::string& path) {
+  if (path.empty()) return {};
+  const Grid<uint8_t> mask = readMask(path);
+  const uLong sum = crc32_z(0, mask.pixels.data(), mask.pixels.size());
+  return MaskMark{mask.width, mask.height, format("%08lx", sum)};
+}
+
+// The same for every way to write the path; a link at its end stays.
+std::string absolutePath(const std::filesystem::path& path) {
+  const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
+  return (std::filesystem::weakly_canonical(folder) / path.filename()).string();
+}
+
+Json maskJson(const std::optional<MaskMark>& mask) {
+  if (!mask) return Json();
+  return {{"width_px", mask->width}, {"height_px", mask->height}, {"crc32", mask->sum}};
+}
+
+Json areasJson(const std::vector<ground::PlacedArea>& areas) {
+  Json json = Json::array();
+  for (const ground::PlacedArea& area : areas)
+    json.push_back({{"name", area.area.name}, {"ground_mm", cornersJson(area.ground)}, {"cells", area.count}});
+  return json;
+}
+
+Json trackJson(const ground::TrackRule& rule) {
+  return {
+      {"noise_mm", rule.noiseMm}, {"acceleration_mm_per_s2", rule.accelerationMmPerS2}, {"patience_s", rule.patienceS}};
+}
+
+struct FirstPair {
+  std::string left, right;
+};
+
+Json settingsJson(const ground::Setup& setup, const SequenceRule& rule, const FirstPair& first,
+                  const std::optional<MaskMark>& mask) {
+  const ground::Settings& settings = setup.settings;
+  return {{"software", software()},
+          {"first_left", first.left},
+          {"first_right", first.right},
+          {"fps", rule.framesPerSecond},
+          {"average_frames", rule.averageFrames},
+          {"track", trackJson(rule.track)},
+          {"maps", !rule.noMaps},
+          {"camera", cameraJson(setup.camera)},
+          {"view", nameOf(settings.view)},
+          {"uniqueness", settings.uniqueness},
+          {"post_processing", settings.postprocess},
+          {"mask", maskJson(mask)},
+          {"percentile", settings.cells.percentile},
+          {"min_points", settings.cells.minPoints},
+          {"fill_holes_m2", settings.fillHolesM2},
+          {"region_rule", settings.regions ? ruleJson(*settings.regions) : Json()},
+          {"areas", areasJson(setup.areas)}};
+}
+
+}  // namespace
+
+std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source) {
+  const FirstPair first{absolutePath(source.left(0)), absolutePath(source.right(0))};
+  const Json json = settingsJson(road.setup, rule, first, markOfMask(road.options.mask));
+  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace nadir::tool
