@@ -30,11 +30,11 @@ Point3_f32 groundUnder(uint16_t x, uint16_t y, const Camera& camera) {
 
 // T such that rotation * (world - T) is the offset at the ground point.
 void placeOrigin(const Point3_f32& ground, const CustomFrameParams& frame, ExtCalib& ext) {
-  const float* S = ext.R;
-  const float x = dot(S, 1, ground.x, ground.y, ground.z) - static_cast<float>(frame.offsetX);
-  const float y = dot(S + 3, 1, ground.x, ground.y, ground.z) - static_cast<float>(frame.offsetY);
-  const float z = dot(S + 6, 1, ground.x, ground.y, ground.z);
-  for (size_t i = 0; i < 3; ++i) ext.T[i] = dot(S + i, 3, x, y, z);
+  const float* rotation = ext.R;
+  const float x = dot(rotation, 1, ground.x, ground.y, ground.z) - static_cast<float>(frame.offsetX);
+  const float y = dot(rotation + 3, 1, ground.x, ground.y, ground.z) - static_cast<float>(frame.offsetY);
+  const float z = dot(rotation + 6, 1, ground.x, ground.y, ground.z);
+  for (size_t i = 0; i < 3; ++i) ext.T[i] = dot(rotation + i, 3, x, y, z);
 }
 
 uint32_t groundFrame(const Camera& camera, const CustomFrameParams& frame, ExtCalib& ext) {

@@ -21,17 +21,18 @@ Point3_f32 scaled(const Point3_f32& p, float factor) { return {p.x * factor, p.y
 }  // namespace nadir
 
 uint32_t ip_world2cam(const Point3_f32* world, Point3_f32* cam, const ExtCalib* ext) {
-  const float* R = ext->R;
+  const float* rotation = ext->R;
   const Point3_f32 w = *world;
-  *cam = {nadir::dot(R, 3, w.x, w.y, w.z) + ext->T[0], nadir::dot(R + 1, 3, w.x, w.y, w.z) + ext->T[1],
-          nadir::dot(R + 2, 3, w.x, w.y, w.z) + ext->T[2]};
+  *cam = {nadir::dot(rotation, 3, w.x, w.y, w.z) + ext->T[0], nadir::dot(rotation + 1, 3, w.x, w.y, w.z) + ext->T[1],
+          nadir::dot(rotation + 2, 3, w.x, w.y, w.z) + ext->T[2]};
   return 1;
 }
 
 uint32_t ip_cam2world(const Point3_f32* cam, Point3_f32* world, const ExtCalib* ext) {
-  const float* R = ext->R;
+  const float* rotation = ext->R;
   const float x = cam->x - ext->T[0], y = cam->y - ext->T[1], z = cam->z - ext->T[2];
-  *world = {nadir::dot(R, 1, x, y, z), nadir::dot(R + 3, 1, x, y, z), nadir::dot(R + 6, 1, x, y, z)};
+  *world = {nadir::dot(rotation, 1, x, y, z), nadir::dot(rotation + 3, 1, x, y, z),
+            nadir::dot(rotation + 6, 1, x, y, z)};
   return 1;
 }
 

@@ -11,10 +11,10 @@
 
 namespace nadir {
 
-template <class Target, size_t VectorBytes, class T>
+template <class Target, size_t vectorBytes, class T>
 struct Filter3x3Strips {
-  typedef T Vector __attribute__((vector_size(VectorBytes)));
-  static constexpr size_t vectorLanes = VectorBytes / sizeof(T);
+  typedef T Vector __attribute__((vector_size(vectorBytes)));
+  static constexpr size_t vectorLanes = vectorBytes / sizeof(T);
 
   // How a strip's rows come from memory and go there: as whole vectors, or only their first lanes.
   struct WholeRow {
@@ -135,11 +135,11 @@ struct Filter3x3Strips {
   }
 };
 
-template <class Target, size_t VectorBytes>
+template <class Target, size_t vectorBytes>
 constexpr Filter3x3Kernels filter3x3Strips() {
-  using U8 = Filter3x3Strips<Target, VectorBytes, uint8_t>;
-  using U16 = Filter3x3Strips<Target, VectorBytes, uint16_t>;
-  using S16 = Filter3x3Strips<Target, VectorBytes, int16_t>;
+  using U8 = Filter3x3Strips<Target, vectorBytes, uint8_t>;
+  using U16 = Filter3x3Strips<Target, vectorBytes, uint16_t>;
+  using S16 = Filter3x3Strips<Target, vectorBytes, int16_t>;
   Filter3x3Kernels kernels = {};
   kernels.medianU16 = U16::template filter<typename U16::Median>;
   kernels.medianS16 = S16::template filter<typename S16::Median>;

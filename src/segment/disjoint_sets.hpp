@@ -25,12 +25,12 @@ T unite(T* parents, T a, T b) {
 
 // Provisional labels 1, 2, ... and which of them turned out to mean the same region. The root of a set is the label
 // that was given first, so the order of roots is the raster order of the regions' first pixels.
-template <uint16_t Capacity>
+template <uint16_t capacity>
 class LabelSets {
  public:
   void clear() { count_ = 0; }
 
-  // Gives a new label, a set of its own; at most Capacity of them fit.
+  // Gives a new label, a set of its own; at most capacity of them fit.
   uint16_t add() {
     ++count_;
     return parents_[count_] = count_;
@@ -53,7 +53,7 @@ class LabelSets {
 
  private:
   uint16_t count_;
-  uint16_t parents_[Capacity + 1];  // none for label 0, which stands for no label
+  uint16_t parents_[capacity + 1];  // none for label 0, which stands for no label
 };
 
 }  // namespace nadir

@@ -36,11 +36,11 @@ void checkRange(Check& check, RangeRow scalar, RangeRow tested) {
 }
 
 // Small second operands too: those count as shifts.
-template <uint16_t MinOperand>
+template <uint16_t minOperand>
 void checkCombine(Check& check, CombineRow scalar, CombineRow tested) {
   forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
-    std::vector<uint16_t> other = filled<uint16_t>(check.random, fill, n, MinOperand, 65535);
-    for (size_t i = 0; i < n; i += 2) other[i] = anyIn<uint16_t>(check.random, MinOperand, 20);
+    std::vector<uint16_t> other = filled<uint16_t>(check.random, fill, n, minOperand, 65535);
+    for (size_t i = 0; i < n; i += 2) other[i] = anyIn<uint16_t>(check.random, minOperand, 20);
     const Guarded<uint16_t> b(other, side);
     compare(check, filled<uint16_t>(check.random, fill, n, 0, 65535), side, scalar, tested,
             [&](CombineRow kernel, const uint16_t* a, uint16_t* out) { kernel(a, b.data(), out, n); });
