@@ -12,7 +12,7 @@
 namespace nadir::bench {
 namespace {
 
-constexpr int32_t kCell = 20;  // mm
+constexpr int32_t cell = 20;  // mm
 
 void markOneByOne(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells) {
   for (uint32_t r = 0; r < grid.height; ++r) {
@@ -25,8 +25,8 @@ void markOneByOne(const Polygon_s32& poly, const CellGrid& grid, uint8_t* cells)
 }
 
 void print(uint32_t side, uint32_t corners) {
-  Star star(corners, static_cast<int32_t>(side) * kCell);
-  const CellGrid grid = {kCell / 2, kCell / 2, side, side, kCell, kCell};
+  Star star(corners, static_cast<int32_t>(side) * cell);
+  const CellGrid grid = {cell / 2, cell / 2, side, side, cell, cell};
   std::vector<uint8_t> bySpans(side * side), oneByOne(side * side);
   const std::vector<double> seconds = fastest({[&] { markCellsInside(*star.record(), grid, bySpans.data()); },
                                                [&] { markOneByOne(*star.record(), grid, oneByOne.data()); }});

@@ -18,8 +18,8 @@ namespace {
 using namespace nadir::test;
 using Values = std::vector<uint32_t>;
 
-constexpr uint32_t kWidth = 30, kHeight = 9, kPixels = kWidth * kHeight, kD = 64;
-constexpr uint32_t kUntouched = 0xA7;
+constexpr uint32_t columnCount = 30, rowCount = 9, pixelCount = columnCount * rowCount, searched = 64;
+constexpr uint32_t untouched = 0xA7;
 
 // The status of a call, 1 where it has none, and what it left in its outputs.
 struct Outcome {
@@ -39,7 +39,7 @@ Values valuesOf(const std::vector<T>& data) {
   return Values(data.begin(), data.end());
 }
 
-Values pixelsOf(uint32_t value) { return Values(kPixels, value); }
+Values pixelsOf(uint32_t value) { return Values(pixelCount, value); }
 
 // ---- path costs ----
 
@@ -64,14 +64,14 @@ Values stateOf(const PcBuffer& pc) {
 }
 
 size_t pathBytes(uint32_t dir) {
-  const size_t slots[] = {1, kWidth + 1, kWidth, kWidth + 1};
-  return 2 * slots[dir] * (kD + 16 + 1);
+  const size_t slots[] = {1, columnCount + 1, columnCount, columnCount + 1};
+  return 2 * slots[dir] * (searched + 16 + 1);
 }
 
 Case pathCosts(uint32_t dir) {
   const auto call = [dir] {
     PcBuffer pc;
-    const int64_t status = PC_Init(&pc, dir, kWidth, kD, 7);
+    const int64_t status = PC_Init(&pc, dir, columnCount, searched, 7);
     const Outcome outcome{status, stateOf(pc)};
     PC_Destroy(&pc);
     return outcome;
@@ -91,7 +91,7 @@ struct Pair {
 const Pair& somePair() {
   static const Pair pair = [] {
     Random random(1);
-    Pair made{random.values<uint32_t>(kPixels, 1u << 24), {}, random.values<uint16_t>(kPixels, 65536)};
+    Pair made{random.values<uint32_t>(pixelCount, 1u << 24), {}, random.values<uint16_t>(pixelCount, 65536)};
     made.ref = made.first;
     std::rotate(made.ref.begin(), made.ref.begin() + 5, made.ref.end());
     return made;
@@ -100,17 +100,18 @@ const Pair& somePair() {
 }
 
 Outcome matchFull(SgmDebugData* debug) {
-  std::vector<uint16_t> disparity(kPixels, kUntouched);
-  const SgmParams params{kD, 10};
+  std::vector<uint16_t> disparity(pixelCount, untouched);
+  const SgmParams params{searched, 10};
   const Pair& pair = somePair();
-  IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), kWidth, kHeight, &params, disparity.data(), debug);
+  IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), columnCount, rowCount, &params, disparity.data(),
+             debug);
   return {1, valuesOf(disparity)};
 }
 
 Outcome matchDistinct(SgmDebugData* debug) {
-  std::vector<uint8_t> distinctiveness(kPixels, kUntouched);
+  std::vector<uint8_t> distinctiveness(pixelCount, untouched);
   const Pair& pair = somePair();
-  IP_Sgm(pair.first.data(), pair.ref.data(), pair.image.data(), kWidth, kHeight, distinctiveness.data(), debug);
+  IP_Sgm(pair.first.data(), pair.ref.data(), pair.image.data(), columnCount, rowCount, distinctiveness.data(), debug);
   return {1, valuesOf(distinctiveness)};
 }
 
@@ -120,14 +121,15 @@ class DebugBlocks {
   SgmDebugData* record() { return &record_; }
 
  private:
-  std::vector<uint8_t> volumes_[2] = {std::vector<uint8_t>(kPixels * kD), std::vector<uint8_t>(kPixels* kD)};
-  std::vector<uint8_t> maps_ = std::vector<uint8_t>(5 * kPixels);
-  uint8_t* map(size_t i) { return maps_.data() + i * kPixels; }
-  SgmDebugData record_{volumes_[0].data(), kPixels* kD, map(0), map(1), map(2), map(3), kPixels,
-                       volumes_[1].data(), kPixels* kD, map(4), kPixels};
+  std::vector<uint8_t> volumes_[2] = {std::vector<uint8_t>(pixelCount * searched),
+                                      std::vector<uint8_t>(pixelCount* searched)};
+  std::vector<uint8_t> maps_ = std::vector<uint8_t>(5 * pixelCount);
+  uint8_t* map(size_t i) { return maps_.data() + i * pixelCount; }
+  SgmDebugData record_{volumes_[0].data(), pixelCount* searched, map(0), map(1),    map(2), map(3), pixelCount,
+                       volumes_[1].data(), pixelCount* searched, map(4), pixelCount};
 };
 
-constexpr size_t kPenaltyBytes = 4 * kPixels;
+constexpr size_t penaltyBytes = 4 * pixelCount;
 size_t allPathBytes() { return pathBytes(0) + pathBytes(1) + pathBytes(2) + pathBytes(3); }
 
 Case driver(const std::string& name, Outcome (*match)(SgmDebugData*), bool withDebug, size_t peakRows, uint32_t left) {
@@ -136,8 +138,8 @@ Case driver(const std::string& name, Outcome (*match)(SgmDebugData*), bool withD
     return match(withDebug ? blocks.record() : nullptr);
   };
   const size_t rows = withDebug ? 0 : 2 + peakRows;
-  const size_t rowBytes = withDebug ? 0 : (2 * kD + peakRows) * kWidth;
-  return {name, 4 + rows + 4 * 4, kPenaltyBytes + rowBytes + allPathBytes(), call, [left](size_t) {
+  const size_t rowBytes = withDebug ? 0 : (2 * searched + peakRows) * columnCount;
+  return {name, 4 + rows + 4 * 4, penaltyBytes + rowBytes + allPathBytes(), call, [left](size_t) {
             return Outcome{1, pixelsOf(left)};
           }};
 }
@@ -152,33 +154,33 @@ Outcome debugOutcome(int64_t status, const SgmDebugData& debug) {
 // Sizes are stored just before their blocks: sums first, then costs, the four P2 maps, the peak map.
 Outcome debugWithout(size_t n) {
   SgmDebugData debug{};
-  debug.aggregatedVolumeSize = kPixels * kD;
-  debug.costVolumeSize = n >= 2 ? kPixels * kD : 0;
-  debug.p2Size = n >= 3 ? kPixels : 0;
-  debug.peakMapSize = n >= 7 ? kPixels : 0;
+  debug.aggregatedVolumeSize = pixelCount * searched;
+  debug.costVolumeSize = n >= 2 ? pixelCount * searched : 0;
+  debug.p2Size = n >= 3 ? pixelCount : 0;
+  debug.peakMapSize = n >= 7 ? pixelCount : 0;
   return debugOutcome(0, debug);
 }
 
 Case debugRecord() {
   const auto call = [] {
     SgmDebugData debug;
-    const int64_t status = IP_SgmMakeDebugData(kWidth, kHeight, kD, &debug);
+    const int64_t status = IP_SgmMakeDebugData(columnCount, rowCount, searched, &debug);
     const Outcome outcome = debugOutcome(status, debug);
     IP_SgmFreeDebugData(&debug);
     return outcome;
   };
-  return {"DebugRecord", 7, 2 * kPixels * kD + 5 * kPixels, call, debugWithout};
+  return {"DebugRecord", 7, 2 * pixelCount * searched + 5 * pixelCount, call, debugWithout};
 }
 
 Case postproc() {
   const auto call = [] {
-    const std::vector<uint16_t> disparity = Random(2).values<uint16_t>(kPixels, 985);
-    const std::vector<uint8_t> mask = Random(3).values<uint8_t>(kPixels, 2);
-    std::vector<uint16_t> result(kPixels, kUntouched);
-    const int64_t status = IP_SgmPostproc(disparity.data(), mask.data(), result.data(), kWidth, kHeight);
+    const std::vector<uint16_t> disparity = Random(2).values<uint16_t>(pixelCount, 985);
+    const std::vector<uint8_t> mask = Random(3).values<uint8_t>(pixelCount, 2);
+    std::vector<uint16_t> result(pixelCount, untouched);
+    const int64_t status = IP_SgmPostproc(disparity.data(), mask.data(), result.data(), columnCount, rowCount);
     return Outcome{status, valuesOf(result)};
   };
-  return {"Postproc", 1, 2 * kPixels, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+  return {"Postproc", 1, 2 * pixelCount, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
 }
 
 // ---- image operations ----
@@ -186,34 +188,35 @@ Case postproc() {
 template <class T>
 Case morphology(const std::string& name, uint32_t type, int32_t op) {
   const auto call = [type, op] {
-    std::vector<T> pixels = Random(4).values<T>(kPixels, 5), result(kPixels, kUntouched);
+    std::vector<T> pixels = Random(4).values<T>(pixelCount, 5), result(pixelCount, untouched);
     Img src, dst;
-    Img_Init(&src, kWidth, kHeight, type, pixels.data());
-    Img_Init(&dst, kWidth, kHeight, type, result.data());
+    Img_Init(&src, columnCount, rowCount, type, pixels.data());
+    Img_Init(&dst, columnCount, rowCount, type, result.data());
     const int64_t status = IP_Morph3x3(&src, &dst, op);
     return Outcome{status, valuesOf(result)};
   };
-  return {name, 1, kPixels * sizeof(T), call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+  return {name, 1, pixelCount * sizeof(T), call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
 }
 
 template <class Status>
 Case smoothing(const std::string& name, size_t bytes, int64_t statusOfFailure, Status operation) {
   const auto call = [operation] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 5), result(kPixels, kUntouched);
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
     Img src, dst;
-    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
-    Img_Init(&dst, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
+    Img_Init(&dst, columnCount, rowCount, IMG_TYPE_U16, result.data());
     const int64_t status = operation(&src, &dst);
     return Outcome{status, valuesOf(result)};
   };
-  return {name, 1, bytes, call, [=](size_t) { return Outcome{statusOfFailure, pixelsOf(kUntouched)}; }};
+  return {name, 1, bytes, call, [=](size_t) { return Outcome{statusOfFailure, pixelsOf(untouched)}; }};
 }
 
 Case gauss() {
-  return smoothing("Gauss", 6 * kWidth * sizeof(uint32_t), 0, [](Img* src, Img* dst) { return IP_Gauss(src, dst, 0); });
+  return smoothing("Gauss", 6 * columnCount * sizeof(uint32_t), 0,
+                   [](Img* src, Img* dst) { return IP_Gauss(src, dst, 0); });
 }
 
-Case pullPush() { return smoothing("PullPush", kPixels, 1, IP_PullPush); }
+Case pullPush() { return smoothing("PullPush", pixelCount, 1, IP_PullPush); }
 
 // ---- list ----
 
@@ -234,18 +237,18 @@ Case append() {
 
 Case radixSort() {
   const auto call = [] {
-    const std::vector<uint16_t> keys = Random(5).values<uint16_t>(kPixels, 65536);
-    std::vector<uint16_t> indices(kPixels, kUntouched);
-    const int64_t status = IP_Utl_RadixIdxSort(keys.data(), indices.data(), kPixels, RADIX_UNSIGNED);
+    const std::vector<uint16_t> keys = Random(5).values<uint16_t>(pixelCount, 65536);
+    std::vector<uint16_t> indices(pixelCount, untouched);
+    const int64_t status = IP_Utl_RadixIdxSort(keys.data(), indices.data(), pixelCount, RADIX_UNSIGNED);
     return Outcome{status, valuesOf(indices)};
   };
-  return {"RadixSort", 1, 2 * kPixels, call, [](size_t) { return Outcome{1, pixelsOf(kUntouched)}; }};
+  return {"RadixSort", 1, 2 * pixelCount, call, [](size_t) { return Outcome{1, pixelsOf(untouched)}; }};
 }
 
 StereoCtx someCamera() {
   const IntCalibParams inner{120 * 256, 400 * 256, 160 * 16, 120 * 16};
   const Orientation mount{2000, -60, 0};
-  const ElevMapParams map{kWidth, kHeight, 100, 100};
+  const ElevMapParams map{columnCount, rowCount, 100, 100};
   StereoCtx ctx;
   ip_stereo_init(&ctx, &inner, &mount, &map);
   return ctx;
@@ -257,15 +260,15 @@ Case elevationMask() {
     std::vector<uint32_t> square{4, 100, 60, 220, 60, 220, 180, 100, 180};  // a count and four vertices
     const Polygon_s32* polygon = reinterpret_cast<Polygon_s32*>(square.data());
     const std::vector<uint16_t> heights(320 * 240, 2000);
-    std::vector<uint8_t> cells(kPixels, kUntouched);
+    std::vector<uint8_t> cells(pixelCount, untouched);
     ImgC values;
     Img mask;
     ImgC_Init(&values, 320, 240, IMG_TYPE_U16, heights.data());
-    Img_Init(&mask, kWidth, kHeight, IMG_TYPE_U8, cells.data());
+    Img_Init(&mask, columnCount, rowCount, IMG_TYPE_U8, cells.data());
     const int64_t status = IP_Utils_CreateElevMaskFromImgPoly(polygon, &ctx, &values, &mask);
     return Outcome{status, valuesOf(cells)};
   };
-  return {"ElevationMask", 1, 614400, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+  return {"ElevationMask", 1, 614400, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
 }
 
 // ---- segmentation ----
@@ -281,44 +284,44 @@ Case componentFinder() {
 }
 
 // Room for the labels of the largest image and for the sizes of as many components as it can have.
-constexpr size_t kLabellingBytes = 2 * 128 * 128 + 2 * 4097;
+constexpr size_t labellingBytes = 2 * 128 * 128 + 2 * 4097;
 
 Case contourFilter() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 2), result(kPixels, kUntouched);
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 2), result(pixelCount, untouched);
     Img src, dst;
-    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
-    Img_Init(&dst, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
+    Img_Init(&dst, columnCount, rowCount, IMG_TYPE_U16, result.data());
     const int64_t status = IP_ContourFilter(&src, &dst, 4);
     return Outcome{status, valuesOf(result)};
   };
-  return {"ContourFilter", 2, kLabellingBytes, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+  return {"ContourFilter", 2, labellingBytes, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
 }
 
 Case contourFilterInPlace() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(kPixels, 2);
+    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 2);
     Img img;
-    Img_Init(&img, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
+    Img_Init(&img, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
     const int64_t status = IP_ContourFilter_I(&img, 4);
     return Outcome{status, valuesOf(pixels)};
   };
-  return {"ContourFilterInPlace", 2, kLabellingBytes, call, [](size_t) {
-            return Outcome{0, valuesOf(Random(6).values<uint16_t>(kPixels, 2))};
+  return {"ContourFilterInPlace", 2, labellingBytes, call, [](size_t) {
+            return Outcome{0, valuesOf(Random(6).values<uint16_t>(pixelCount, 2))};
           }};
 }
 
 Case regionGrowing() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(7).values<uint16_t>(kPixels, 5), result(kPixels, kUntouched);
+    std::vector<uint16_t> pixels = Random(7).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
     const int32_t params[] = {0, 1};
     Img src, labels;
-    Img_Init(&src, kWidth, kHeight, IMG_TYPE_U16, pixels.data());
-    Img_Init(&labels, kWidth, kHeight, IMG_TYPE_U16, result.data());
+    Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
+    Img_Init(&labels, columnCount, rowCount, IMG_TYPE_U16, result.data());
     const int64_t status = IP_RGrow_Process(&src, params, &labels);
     return Outcome{status, valuesOf(result)};
   };
-  return {"RegionGrowing", 1, 4 * kPixels, call, [](size_t) { return Outcome{0, pixelsOf(kUntouched)}; }};
+  return {"RegionGrowing", 1, 4 * pixelCount, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
 }
 
 // ---- every row, every failure ----
@@ -372,8 +375,8 @@ INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
                                            pathCosts(PC_DIR_UPRIGHT),                                  //
                                            driver("SgmFull", matchFull, false, 1, 0),                  //
                                            driver("SgmFullDebug", matchFull, true, 1, 0),              //
-                                           driver("Sgm", matchDistinct, false, 0, kUntouched),         //
-                                           driver("SgmDebug", matchDistinct, true, 0, kUntouched),     //
+                                           driver("Sgm", matchDistinct, false, 0, untouched),          //
+                                           driver("SgmDebug", matchDistinct, true, 0, untouched),      //
                                            debugRecord(), postproc(), radixSort(), elevationMask(),    //
                                            gauss(), pullPush(), append(),                              //
                                            componentFinder(), contourFilter(),                         //
@@ -435,16 +438,16 @@ TEST(NotAllocating, AListInPools) {
 TEST(NotAllocating, RefusedPathCosts) {
   PcBuffer pc;
   heap::watch();
-  PC_Init(nullptr, PC_DIR_UP, kWidth, kD, 7);
-  PC_Init(&pc, 4, kWidth, kD, 7);
+  PC_Init(nullptr, PC_DIR_UP, columnCount, searched, 7);
+  PC_Init(&pc, 4, columnCount, searched, 7);
   EXPECT_EQ(heap::allocations(), 0u);
 }
 
 TEST(NotAllocating, RowsOfPathCosts) {
   PcBuffer pc;
-  ASSERT_EQ(PC_Init(&pc, PC_DIR_UPLEFT, kWidth, kD, 7), 1);
-  const std::vector<uint8_t> costs(kWidth * kD, 3), p2(kWidth, 20);
-  std::vector<uint8_t> sums(kWidth * kD, 0);
+  ASSERT_EQ(PC_Init(&pc, PC_DIR_UPLEFT, columnCount, searched, 7), 1);
+  const std::vector<uint8_t> costs(columnCount * searched, 3), p2(columnCount, 20);
+  std::vector<uint8_t> sums(columnCount * searched, 0);
   heap::watch();
   PC_NextFrame(&pc);
   PC_NextRow(&pc, costs.data(), p2.data(), sums.data());
@@ -472,14 +475,14 @@ Asked askedByMatching(uint32_t width, uint32_t height) {
   const std::vector<uint32_t> codes(size_t{width} * height, 5);
   const std::vector<uint16_t> image(codes.size(), 5);
   std::vector<uint16_t> disparity(codes.size());
-  const SgmParams params{kD, 10};
+  const SgmParams params{searched, 10};
   heap::watch();
   IP_SgmFull(codes.data(), codes.data(), image.data(), width, height, &params, disparity.data(), nullptr);
   return {heap::allocations(), heap::bytes()};
 }
 
 TEST(MatchingMemory, DoesNotGrowWithTheHeight) {
-  const Asked low = askedByMatching(kWidth, 5), high = askedByMatching(kWidth, 40);
+  const Asked low = askedByMatching(columnCount, 5), high = askedByMatching(columnCount, 40);
   EXPECT_EQ(low.blocks, high.blocks);
   EXPECT_EQ(low.bytes, high.bytes);
 }

@@ -18,7 +18,7 @@ using model::Codes;
 using model::Variant;
 using model::Words;
 
-constexpr uint32_t searched = model::kDisparities;
+constexpr uint32_t searched = model::searchedDisparities;
 
 template <class F>
 void atEveryLevel(F check) {
@@ -45,7 +45,7 @@ void fuzzCensus(Input& in) {
 Codes anyCodes(Input& in, size_t count, bool ofPicture) {
   Codes codes = in.values<uint32_t>(count);
   for (uint32_t& code : codes) {
-    if (ofPicture) code = code >> 24 == 0 ? model::kInvalidCode : code & 0xFFFFFF;
+    if (ofPicture) code = code >> 24 == 0 ? model::invalidCode : code & 0xFFFFFF;
   }
   return codes;
 }

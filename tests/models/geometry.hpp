@@ -12,7 +12,7 @@
 
 namespace nadir::test::model {
 
-constexpr float kEps = 0.01f;
+constexpr float tolerance = 0.01f;
 
 inline int32_t signOf(int32_t v) { return (v > 0) - (v < 0); }
 
@@ -23,17 +23,17 @@ inline int32_t orientation(Point_s32 a, Point_s32 b, Point_s32 c) {
 inline int32_t orientation(Point_f32 a, Point_f32 b, Point_f32 c) {
   const float ux = b.x - a.x, uy = b.y - a.y, vx = c.x - b.x, vy = c.y - b.y;
   const float k = uy * vx - ux * vy;
-  if (std::fabs(k) < kEps) return 0;
+  if (std::fabs(k) < tolerance) return 0;
   const float u2 = ux * ux + uy * uy, v2 = vx * vx + vy * vy;
   const double length = std::sqrt(static_cast<double>(u2 > v2 ? u2 : v2));
   const float deviation = static_cast<float>(static_cast<double>(k) / length);
-  if (std::fabs(deviation) < kEps) return 0;
+  if (std::fabs(deviation) < tolerance) return 0;
   return k > 0 ? 1 : -1;
 }
 
 inline bool strictlyWithin(int32_t p, int32_t a, int32_t b) { return std::min(a, b) < p && p < std::max(a, b); }
 inline bool strictlyWithin(float p, float a, float b) {
-  return p - std::max(a, b) <= -kEps && p - std::min(a, b) >= kEps;
+  return p - std::max(a, b) <= -tolerance && p - std::min(a, b) >= tolerance;
 }
 
 template <class Point>
@@ -78,7 +78,7 @@ inline float edgeDistance(Point_f32 a, Point_f32 b, Point_f32 p) {
 
 inline int32_t intersectLines(const Line_f32& l1, const Line_f32& l2, Point_f32* out) {
   const float det = l1.dy * l2.dx - l1.dx * l2.dy;
-  if (std::fabs(det) < kEps) return 0;
+  if (std::fabs(det) < tolerance) return 0;
   const float t = (l1.x - l2.x) * l2.dy + (l2.y - l1.y) * l2.dx;
   *out = {l1.dx * t / det + l1.x, l1.dy * t / det + l1.y};
   return 1;
@@ -122,7 +122,9 @@ int32_t isSimple(const std::vector<Point>& v) {
 }
 
 inline bool onBox(int32_t p, int32_t a, int32_t b) { return std::min(a, b) <= p && p <= std::max(a, b); }
-inline bool onBox(float p, float a, float b) { return p - std::min(a, b) > -kEps && p - std::max(a, b) < kEps; }
+inline bool onBox(float p, float a, float b) {
+  return p - std::min(a, b) > -tolerance && p - std::max(a, b) < tolerance;
+}
 
 template <class Point>
 int32_t isInsideContour(const std::vector<Point>& v, Point p, uint32_t onBoundary) {

@@ -17,8 +17,8 @@ struct Search {
 // f(x) is called in the order in which the points are recorded.
 template <class Function>
 Search goldenSection(Function f, uint32_t maxEval, double a, double b, double tol) {
-  constexpr double kRatio = 1.618033988749895;
-  const volatile double d = (b - a) / kRatio;
+  constexpr double goldenRatio = 1.618033988749895;
+  const volatile double d = (b - a) / goldenRatio;
   volatile double x1 = b - d, x2 = a + d;
   Search s{{x1, x2}, {}, 0, 2, 0, 0};
   s.fs.push_back(f(x1));
@@ -27,13 +27,13 @@ Search goldenSection(Function f, uint32_t maxEval, double a, double b, double to
   while (maxEval > s.evaluations && std::abs(x1 - x2) > tol) {
     const bool left = f1 > f2;
     if (left) {
-      const volatile double step = (x2 - a) / kRatio;
+      const volatile double step = (x2 - a) / goldenRatio;
       b = x2;
       x2 = x1;
       f2 = f1;
       x1 = b - step;
     } else {
-      const volatile double step = (b - x1) / kRatio;
+      const volatile double step = (b - x1) / goldenRatio;
       a = x1;
       x1 = x2;
       f1 = f2;

@@ -11,7 +11,7 @@ using Item = std::vector<uint8_t>;
 
 class List {
  public:
-  static constexpr size_t kNowhere = SIZE_MAX;
+  static constexpr size_t nowhere = SIZE_MAX;
 
   // `slots` is the size of the pool; a dynamic list has none and never runs out of nodes.
   List(int64_t maxCount, bool isStatic, size_t slots) : maxCount_(maxCount), isStatic_(isStatic), taken_(slots) {}
@@ -25,9 +25,9 @@ class List {
   // Puts the item at `position`; `lost` is an insertion next to nothing, which takes its slot and does not give it
   // back.
   Outcome insert(size_t position, const Item& item, bool lost) {
-    if (static_cast<int64_t>(items_.size()) == maxCount_) return {kNowhere, false};
+    if (static_cast<int64_t>(items_.size()) == maxCount_) return {nowhere, false};
     const size_t slot = takeLowest();
-    if (isStatic_ && slot == kNowhere) return {kNowhere, false};
+    if (isStatic_ && slot == nowhere) return {nowhere, false};
     if (lost) return {slot, false};
     items_.insert(items_.begin() + static_cast<std::ptrdiff_t>(position), item);
     slots_.insert(slots_.begin() + static_cast<std::ptrdiff_t>(position), slot);
@@ -51,7 +51,7 @@ class List {
       taken_[slot] = true;
       return slot;
     }
-    return kNowhere;
+    return nowhere;
   }
 
   int64_t maxCount_;

@@ -15,7 +15,7 @@ using Picture16 = Picture<uint16_t>;
 
 // ---- Gauss: weights 1 4 6 4 1 in both directions, borders replicated, one rounding at the end ----
 
-constexpr uint32_t kBinomial[] = {1, 4, 6, 4, 1};
+constexpr uint32_t binomial[] = {1, 4, 6, 4, 1};
 
 inline uint32_t clamped(int64_t at, uint32_t count) {
   return static_cast<uint32_t>(std::clamp<int64_t>(at, 0, int64_t{count} - 1));
@@ -25,7 +25,7 @@ inline uint32_t clamped(int64_t at, uint32_t count) {
 template <class Value>
 uint32_t binomialSum(uint32_t at, uint32_t count, Value v) {
   uint32_t sum = 0;
-  for (uint32_t tap = 0; tap < 5; ++tap) sum += kBinomial[tap] * v(clamped(int64_t{at} + tap - 2, count));
+  for (uint32_t tap = 0; tap < 5; ++tap) sum += binomial[tap] * v(clamped(int64_t{at} + tap - 2, count));
   return sum;
 }
 

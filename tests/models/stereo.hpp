@@ -15,10 +15,10 @@ using Bytes = std::vector<uint8_t>;
 using Words = std::vector<uint16_t>;
 using Codes = std::vector<uint32_t>;
 
-constexpr uint32_t kInvalidCode = 0xFFAAA555u;
-constexpr uint8_t kNoCost = 24;
-constexpr uint32_t kDisparities = 64;
-constexpr uint32_t kP1 = 7;
+constexpr uint32_t invalidCode = 0xFFAAA555u;
+constexpr uint8_t noCost = 24;
+constexpr uint32_t searchedDisparities = 64;
+constexpr uint32_t smallPenalty = 7;
 
 inline uint8_t low8(int64_t v) { return static_cast<uint8_t>(v & 255); }
 
@@ -32,7 +32,7 @@ inline uint32_t bitsIn(uint32_t v) {
 
 inline uint32_t censusCode(const Words& src, uint32_t width, uint32_t x, uint32_t y) {
   const uint16_t centre = src[y * width + x];
-  if (centre == 0) return kInvalidCode;
+  if (centre == 0) return invalidCode;
   uint32_t code = 0;
   for (uint32_t ny = y - 2; ny <= y + 2; ++ny) {
     for (uint32_t nx = x - 2; nx <= x + 2; ++nx) {
@@ -54,7 +54,7 @@ inline Codes census(const Words& src, uint32_t width, uint32_t height, Codes bef
 // ---- matching costs ----
 
 inline uint8_t plainCost(uint32_t a, uint32_t b) {
-  if (a == kInvalidCode || b == kInvalidCode) return kNoCost;
+  if (a == invalidCode || b == invalidCode) return noCost;
   return low8(bitsIn(a ^ b));
 }
 
@@ -72,8 +72,8 @@ enum class Variant { scalar, vector };
 inline Bytes costRow(const Codes& first, const Codes& ref, uint32_t height, uint32_t numDisparities, uint32_t row,
                      Variant variant) {
   const uint32_t width = static_cast<uint32_t>(ref.size());
-  const uint32_t stride = variant == Variant::scalar ? numDisparities : kDisparities;
-  Bytes costs(size_t{width} * stride, kNoCost);
+  const uint32_t stride = variant == Variant::scalar ? numDisparities : searchedDisparities;
+  Bytes costs(size_t{width} * stride, noCost);
   if (row < 2 || row + 2 >= height || width < 5) return costs;
   for (uint32_t x = 2; x + 2 < width; ++x) {
     const uint32_t count = std::min(numDisparities, width - 2 - x);
@@ -232,8 +232,8 @@ inline uint16_t subPixel(const uint8_t* costs, uint32_t k) {
 
 // `sums` are all 64 sums of pixel x.
 inline uint8_t distinctiveness(const uint8_t* sums, uint32_t width, uint32_t x) {
-  Bytes costs(sums, sums + kDisparities);
-  const uint32_t n = std::min(width - x, kDisparities);
+  Bytes costs(sums, sums + searchedDisparities);
+  const uint32_t n = std::min(width - x, searchedDisparities);
   const Minimum first = findMin(costs.data(), n, Variant::vector);
   if (first.index == 255) return 0;
   costs[first.index == 0 ? first.index : first.index - 1] = 255;
@@ -266,9 +266,10 @@ inline Matching match(const Codes& first, const Codes& ref, const Words& image, 
   Matching all;
   all.p2 = p2Maps(image, width, height);
   std::vector<Path> paths;
-  for (uint32_t dir = 0; dir < 4; ++dir) paths.emplace_back(dir, width, kDisparities, kP1);
+  for (uint32_t dir = 0; dir < 4; ++dir) paths.emplace_back(dir, width, searchedDisparities, smallPenalty);
   for (uint32_t y = 0; y < height; ++y) {
-    const Bytes costs = costRow(rowOf(first, width, y), rowOf(ref, width, y), height, kDisparities, y, Variant::vector);
+    const Bytes costs =
+        costRow(rowOf(first, width, y), rowOf(ref, width, y), height, searchedDisparities, y, Variant::vector);
     Bytes sums(costs.size(), 0);
     for (size_t dir = 0; dir < 4; ++dir) paths[dir].nextRow(costs, rowOf(all.p2[dir], width, y), sums);
     all.costs.insert(all.costs.end(), costs.begin(), costs.end());
@@ -283,7 +284,8 @@ inline Bytes peaks(const Bytes& sums, uint32_t width, uint32_t height, uint32_t 
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x + 4 < width; ++x) {
       const size_t at = size_t{y} * width + x;
-      map[at] = low8(peakCheck(&sums[at * kDisparities], std::min(kDisparities - 1, width - 1 - x), ratio));
+      map[at] =
+          low8(peakCheck(&sums[at * searchedDisparities], std::min(searchedDisparities - 1, width - 1 - x), ratio));
     }
   }
   return map;
@@ -292,7 +294,7 @@ inline Bytes peaks(const Bytes& sums, uint32_t width, uint32_t height, uint32_t 
 inline Words disparities(const Bytes& sums, const Bytes& peakMap) {
   Words image(peakMap.size(), 0);
   for (size_t at = 0; at < image.size(); ++at) {
-    if (peakMap[at] != 0) image[at] = subPixel(&sums[at * kDisparities], peakMap[at]);
+    if (peakMap[at] != 0) image[at] = subPixel(&sums[at * searchedDisparities], peakMap[at]);
   }
   return image;
 }
@@ -302,7 +304,7 @@ inline Bytes distinctivenessMap(const Bytes& sums, uint32_t width, uint32_t heig
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x + 4 < width; ++x) {
       const size_t at = size_t{y} * width + x;
-      map[at] = distinctiveness(&sums[at * kDisparities], width, x);
+      map[at] = distinctiveness(&sums[at * searchedDisparities], width, x);
     }
   }
   return map;

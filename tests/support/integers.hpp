@@ -22,11 +22,11 @@ class Wrap {
 
 // Small, of every size, or next to where the arithmetic wraps.
 inline int32_t anyInteger(Random& random) {
-  static const int32_t kEdges[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1, -65536, 65536,
-                                   -46341,    46341,         -32768,    32767,         -1,     0};
+  static const int32_t edges[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1, -65536, 65536,
+                                  -46341,    46341,         -32768,    32767,         -1,     0};
   switch (random.below(4)) {
     case 0: return random.between(-4, 4);
-    case 1: return kEdges[random.below(sizeof kEdges / sizeof kEdges[0])];
+    case 1: return edges[random.below(sizeof edges / sizeof edges[0])];
     case 2: return static_cast<int32_t>(random.next());
     default: return random.between(-2000, 2000);
   }

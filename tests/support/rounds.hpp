@@ -12,15 +12,15 @@ namespace nadir::test {
 // Sanitizers and emulators take twenty times as long and are there for memory and for the processor, not for one more
 // shape: they take every so many of the inputs.
 #if defined(__SANITIZE_ADDRESS__) || !defined(__x86_64__)
-inline constexpr uint64_t kEvery = 11;
+inline constexpr uint64_t everyRound = 11;
 #else
-inline constexpr uint64_t kEvery = 1;
+inline constexpr uint64_t everyRound = 1;
 #endif
 
 // check(code) for all codes below `end`.
 template <class Check>
 void forEachCode(uint32_t end, Check check) {
-  for (uint64_t code = 0; code < end && !::testing::Test::HasFailure(); code += kEvery) {
+  for (uint64_t code = 0; code < end && !::testing::Test::HasFailure(); code += everyRound) {
     check(static_cast<uint32_t>(code));
   }
 }
@@ -28,7 +28,7 @@ void forEachCode(uint32_t end, Check check) {
 // check(random) for random numbers of the seeds from 1.
 template <class Check>
 void inRounds(uint64_t rounds, Check check) {
-  for (uint64_t seed = 1; seed <= rounds; seed += kEvery) {
+  for (uint64_t seed = 1; seed <= rounds; seed += everyRound) {
     Random random(seed);
     check(random);
     if (!::testing::Test::HasFailure()) continue;

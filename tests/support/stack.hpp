@@ -13,15 +13,15 @@
 namespace nadir::test {
 
 #if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kStackIsPlain = false;  // sanitizers put red zones and frames of their own on it
+inline constexpr bool stackIsPlain = false;  // sanitizers put red zones and frames of their own on it
 #else
-inline constexpr bool kStackIsPlain = true;
+inline constexpr bool stackIsPlain = true;
 #endif
 
 // Below it lies a page that must not be touched: who takes far too much crashes.
 class PaintedStack {
  public:
-  PaintedStack() { std::memset(pages_.begin(), kPaint, pages_.size()); }
+  PaintedStack() { std::memset(pages_.begin(), paint, pages_.size()); }
 
   template <class Call>
   void run(Call& call) {
@@ -39,12 +39,12 @@ class PaintedStack {
 
   // Stacks grow downwards on every processor that we support.
   size_t used() const {
-    const unsigned char* last = std::find_if(pages_.begin(), pages_.end(), [](unsigned char c) { return c != kPaint; });
+    const unsigned char* last = std::find_if(pages_.begin(), pages_.end(), [](unsigned char c) { return c != paint; });
     return static_cast<size_t>(pages_.end() - last);
   }
 
  private:
-  static constexpr unsigned char kPaint = 0xB7;
+  static constexpr unsigned char paint = 0xB7;
 
   GuardedPages pages_{size_t{1} << 20};
 };

@@ -8,22 +8,22 @@
 
 namespace {
 
-constexpr float kHeight = 3000;
+constexpr float height = 3000;
 
-const IntCalibParams kParams = {120 * 256, 400 * 256, 320 * 16, 240 * 16};
-const ElevMapParams kMap = {8, 8, 500, 500};
+const IntCalibParams drawnLens = {120 * 256, 400 * 256, 320 * 16, 240 * 16};
+const ElevMapParams drawnMap = {8, 8, 500, 500};
 
-StereoCtx mounted(float tilt, float pan = 0, const ElevMapParams& map = kMap) {
-  const Orientation orientation = {kHeight, tilt, pan};
+StereoCtx mounted(float tilt, float pan = 0, const ElevMapParams& map = drawnMap) {
+  const Orientation orientation = {height, tilt, pan};
   StereoCtx ctx;
-  ip_stereo_init(&ctx, &kParams, &orientation, &map);
+  ip_stereo_init(&ctx, &drawnLens, &orientation, &map);
   return ctx;
 }
 
 Point3_f32 ground(const StereoCtx& ctx, float x, float y) {
   const Point_f32 img = {x, y};
   Point3_f32 world;
-  ip_stereo_img2world(&ctx, &img, &world, kHeight);
+  ip_stereo_img2world(&ctx, &img, &world, height);
   return world;
 }
 
@@ -34,7 +34,7 @@ Point_f32 pictureOf(const StereoCtx& ctx, const Point3_f32& world) {
 }
 
 Point_f32 cellOf(const StereoCtx& ctx, float x, float y) {
-  const Point3_f32 world = {x, y, kHeight};
+  const Point3_f32 world = {x, y, height};
   Point_f32 map;
   ip_stereo_world2elev(&ctx, &world, &map);
   return map;
@@ -60,10 +60,10 @@ double cosine(double degrees) { return std::cos(degrees * M_PI / 180); }
 CustomFrameParams customFrame() { return {1, 520, 400, 620, 300, 70, -30}; }
 
 Point3_f32 customOf(const Point3_f32& world) {
-  const Orientation orientation = {kHeight, -30, 0};
+  const Orientation orientation = {height, -30, 0};
   const CustomFrameParams frame = customFrame();
   ExtCalib ext;
-  EXPECT_EQ(ip_params2extCalibCustom(&kParams, &orientation, &frame, &ext), 1u);
+  EXPECT_EQ(ip_params2extCalibCustom(&drawnLens, &orientation, &frame, &ext), 1u);
   Point3_f32 custom;
   ip_world2custom(&world, &custom, &ext);
   return custom;
@@ -107,7 +107,7 @@ TEST(Axes, WorldOriginIsTheCameraCentre) {
 
 TEST(Axes, WithoutTiltAndPanTheCameraLooksStraightDownAndTheAxesAgree) {
   const StereoCtx ctx = mounted(0);
-  expectNear(ground(ctx, 320, 240), 0, 0, kHeight, 0);
+  expectNear(ground(ctx, 320, 240), 0, 0, height, 0);
   const Point3_f32 cam = {100, -200, 1000};
   Point3_f32 world;
   ip_stereo_cam2world(&ctx, &cam, &world);
@@ -116,7 +116,7 @@ TEST(Axes, WithoutTiltAndPanTheCameraLooksStraightDownAndTheAxesAgree) {
 
 TEST(Axes, WorldZPointsDown) {
   const StereoCtx ctx = mounted(0);
-  const Point3_f32 onGround = {500, 0, kHeight}, raised = {500, 0, kHeight - 500};
+  const Point3_f32 onGround = {500, 0, height}, raised = {500, 0, height - 500};
   // What is nearer to the camera lies farther from the picture's centre.
   EXPECT_GT(pictureOf(ctx, raised).x, pictureOf(ctx, onGround).x);
 }
@@ -144,15 +144,15 @@ TEST(Axes, OpticalAxisFollowsTheTwoAngles) {
 
 TEST(Axes, NegativeTiltSeesFarthestAtThePicturesUpperEdge) {
   const StereoCtx ctx = mounted(-30);
-  expectNear(ground(ctx, 320, 0), 0, -5404, kHeight, 0.5);
-  expectNear(ground(ctx, 320, 240), 0, -1732, kHeight, 0.5);
-  expectNear(ground(ctx, 320, 480), 0, 50, kHeight, 0.5);
+  expectNear(ground(ctx, 320, 0), 0, -5404, height, 0.5);
+  expectNear(ground(ctx, 320, 240), 0, -1732, height, 0.5);
+  expectNear(ground(ctx, 320, 480), 0, 50, height, 0.5);
 }
 
 TEST(Axes, PositiveTiltSeesFarthestAtThePicturesLowerEdge) {
   const StereoCtx ctx = mounted(30);
-  expectNear(ground(ctx, 320, 480), 0, 5404, kHeight, 0.5);
-  expectNear(ground(ctx, 320, 0), 0, -50, kHeight, 0.5);
+  expectNear(ground(ctx, 320, 480), 0, 5404, height, 0.5);
+  expectNear(ground(ctx, 320, 0), 0, -50, height, 0.5);
 }
 
 TEST(Axes, TiltOfMinus90LooksLevelWithThePictureUpright) {
@@ -171,7 +171,7 @@ TEST(Axes, TiltOf90LooksLevelWithThePictureUpsideDown) {
 }
 
 TEST(Axes, PositivePanLooksToThePicturesLeft) {
-  expectNear(ground(mounted(-30, 20), 320, 240), -1260.8, -1732, kHeight, 0.5);
+  expectNear(ground(mounted(-30, 20), 320, 240), -1260.8, -1732, height, 0.5);
   EXPECT_LT(axisOf(mounted(0, 20)).x, 0);
   // Panned to the left, what was straight ahead appears on the right.
   EXPECT_GT(pictureOf(mounted(-90, 20), {0, -5000, 0}).x, 320);
@@ -184,10 +184,10 @@ TEST(Axes, PanIsATurnAboutTheVerticalForALevelCamera) {
 
 TEST(Axes, PictureCoversTheDrawnPieceOfGround) {
   const StereoCtx ctx = mounted(-30);
-  expectNear(ground(ctx, 0, 0), -4240, -5404, kHeight, 0.5);
-  expectNear(ground(ctx, 640, 0), 4240, -5404, kHeight, 0.5);
-  expectNear(ground(ctx, 640, 480), 2058, 50, kHeight, 1);
-  expectNear(ground(ctx, 0, 480), -2058, 50, kHeight, 1);
+  expectNear(ground(ctx, 0, 0), -4240, -5404, height, 0.5);
+  expectNear(ground(ctx, 640, 0), 4240, -5404, height, 0.5);
+  expectNear(ground(ctx, 640, 480), 2058, 50, height, 1);
+  expectNear(ground(ctx, 0, 480), -2058, 50, height, 1);
 }
 
 TEST(Axes, MapCornerIsItsSmallestWorldPoint) {
@@ -210,17 +210,17 @@ TEST(Axes, CellCentreIsHalfACellFromItsCorner) {
   const StereoCtx ctx = mounted(-30);
   const Point_f32 centre = {0.5f, 0.5f};
   Point3_f32 world;
-  ip_stereo_elev2world(&ctx, &centre, &world, kHeight);
-  expectNear(world, -1750, -3482, kHeight, 0.5);
+  ip_stereo_elev2world(&ctx, &centre, &world, height);
+  expectNear(world, -1750, -3482, height, 0.5);
 }
 
 TEST(Axes, MapOfAnUprightCameraHasFarOnTopAndRightOnTheRight) {
   const StereoCtx ctx = mounted(-30);
   const Point_f32 middle = {320, 240}, above = {320, 140}, right = {420, 240};
   Point_f32 ofMiddle, ofAbove, ofRight;
-  ip_stereo_img2elev(&ctx, &middle, &ofMiddle, kHeight);
-  ip_stereo_img2elev(&ctx, &above, &ofAbove, kHeight);
-  ip_stereo_img2elev(&ctx, &right, &ofRight, kHeight);
+  ip_stereo_img2elev(&ctx, &middle, &ofMiddle, height);
+  ip_stereo_img2elev(&ctx, &above, &ofAbove, height);
+  ip_stereo_img2elev(&ctx, &right, &ofRight, height);
   EXPECT_LT(ofAbove.y, ofMiddle.y);
   EXPECT_GT(ofRight.x, ofMiddle.x);
 }
@@ -233,7 +233,7 @@ TEST(Axes, MapIsAnchoredWithHalfItsWidthOnBothAxes) {
 
 TEST(Axes, MaskRowZeroHasTheSmallestWorldY) {
   const StereoCtx ctx = mounted(-30);
-  std::vector<uint16_t> heights(640 * 480, static_cast<uint16_t>(kHeight));
+  std::vector<uint16_t> heights(640 * 480, static_cast<uint16_t>(height));
   std::vector<uint8_t> cells(8 * 8);
   ImgC values;
   ImgC_Init(&values, 640, 480, IMG_TYPE_U16, heights.data());
@@ -250,21 +250,21 @@ TEST(Axes, MaskRowZeroHasTheSmallestWorldY) {
 }
 
 TEST(Axes, CustomZIsTheHeightAboveTheGround) {
-  EXPECT_NEAR(customOf({800, -2000, kHeight}).z, 0, 1e-2);
-  EXPECT_NEAR(customOf({800, -2000, kHeight - 500}).z, 500, 1e-2);
+  EXPECT_NEAR(customOf({800, -2000, height}).z, 0, 1e-2);
+  EXPECT_NEAR(customOf({800, -2000, height - 500}).z, 500, 1e-2);
 }
 
 TEST(Axes, CustomOriginPixelGetsTheOffset) {
   const StereoCtx ctx = mounted(-30);
   const Point3_f32 origin = ground(ctx, 520, 400);
-  expectNear(origin, 1407, -432, kHeight, 0.5);
+  expectNear(origin, 1407, -432, height, 0.5);
   expectNear(customOf(origin), 70, -30, 0, 1e-2);
 }
 
 TEST(Axes, CustomXPointsTowardsTheDirectionPixel) {
   const StereoCtx ctx = mounted(-30);
   const Point3_f32 origin = ground(ctx, 520, 400), target = ground(ctx, 620, 300);
-  expectNear(target, 2391, -1180, kHeight, 0.5);
+  expectNear(target, 2391, -1180, height, 0.5);
   const double distance = std::hypot(target.x - origin.x, target.y - origin.y);
   expectNear(customOf(target), 70 + distance, -30, 0, 1e-2);
 }
@@ -272,15 +272,15 @@ TEST(Axes, CustomXPointsTowardsTheDirectionPixel) {
 TEST(Axes, CustomYIsLeftOfXAsSeenFromAbove) {
   // Seen from above with world x to the right and y down, x of the custom frame points up and to the right.
   const Point3_f32 origin = ground(mounted(-30), 520, 400);
-  EXPECT_GT(customOf({origin.x - 100, origin.y - 100, kHeight}).y, -30);
-  EXPECT_LT(customOf({origin.x + 100, origin.y + 100, kHeight}).y, -30);
+  EXPECT_GT(customOf({origin.x - 100, origin.y - 100, height}).y, -30);
+  EXPECT_LT(customOf({origin.x + 100, origin.y + 100, height}).y, -30);
 }
 
 TEST(Axes, CustomFrameThatIsNotEnabledIsTheWorld) {
-  const Orientation orientation = {kHeight, -30, 0};
+  const Orientation orientation = {height, -30, 0};
   const CustomFrameParams frame = {0, 1, 2, 3, 4, 5, 6};
   ExtCalib ext;
-  EXPECT_EQ(ip_params2extCalibCustom(&kParams, &orientation, &frame, &ext), 1u);
+  EXPECT_EQ(ip_params2extCalibCustom(&drawnLens, &orientation, &frame, &ext), 1u);
   const Point3_f32 world = {1, 2, 3};
   Point3_f32 custom;
   ip_world2custom(&world, &custom, &ext);

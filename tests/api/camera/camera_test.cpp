@@ -11,12 +11,12 @@
 namespace nadir::test {
 namespace {
 
-constexpr float kUntouched = -777.0f;
-constexpr float kDisparityBound = 1.1920929e-7f;
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float untouched = -777.0f;
+constexpr float disparityBound = 1.1920929e-7f;
+constexpr float infinity = std::numeric_limits<float>::infinity();
 
-const IntCalib kCalib = {100, 250, 160, 120};  // mm, pixels
-const IntCalibParams kParams = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
+const IntCalib usualCalib = {100, 250, 160, 120};  // mm, pixels
+const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 ExtCalib external(float tilt, float pan) {
   const Orientation o = {2000, tilt, pan};
@@ -219,8 +219,8 @@ struct Projection {
   Point_f32 img;
 };
 
-Projection project(Point3_f32 cam, const IntCalib& calib = kCalib) {
-  Projection p = {99, {kUntouched, kUntouched}};
+Projection project(Point3_f32 cam, const IntCalib& calib = usualCalib) {
+  Projection p = {99, {untouched, untouched}};
   p.status = ip_cam2img(&cam, &p.img, &calib);
   return p;
 }
@@ -264,7 +264,7 @@ TEST(CameraToImage, HasTheBitsOfTheDocumentedFormula) {
 TEST(ImageToCamera, OfThePrincipalPointIsOnTheAxis) {
   const Point_f32 img = {160, 120};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_img2cam(&img, &cam, &kCalib, 700));
+  EXPECT_EQ(1u, ip_img2cam(&img, &cam, &usualCalib, 700));
   EXPECT_EQ(floats(Point3_f32{0, 0, 700}), floats(cam));
 }
 
@@ -285,7 +285,7 @@ TEST(ImageToCamera, InvertsTheProjection) {
   for (int round = 0; round < 300; round++) {
     const Point_f32 img = anyPixel(random);
     Point3_f32 cam;
-    ip_img2cam(&img, &cam, &kCalib, 60 + 3000 * std::fabs(anyWithin(random, 1)));
+    ip_img2cam(&img, &cam, &usualCalib, 60 + 3000 * std::fabs(anyWithin(random, 1)));
     const Projection p = project(cam);
     EXPECT_EQ(1u, p.status);
     EXPECT_NEAR(img.x, p.img.x, 1e-3);
@@ -314,7 +314,7 @@ TEST(ImageToWorld, OfThePrincipalPointStraightDownIsAtThePlane) {
   const ExtCalib e = external(0, 0);
   const Point_f32 img = {160, 120};
   Point3_f32 world;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &kCalib, 1234));
+  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 1234));
   EXPECT_EQ(0, world.x);
   EXPECT_EQ(0, world.y);
   EXPECT_EQ(1234, world.z);
@@ -340,10 +340,10 @@ TEST(ImageToWorld, LiesOnThePlaneAndUnderThePixel) {
     const ExtCalib e = external(o.tilt, o.pan);
     const Point_f32 img = {160 + anyWithin(random, 60), 120 + anyWithin(random, 60)};
     Point3_f32 world;
-    ip_img2world(&img, &world, &e, &kCalib, o.height);
+    ip_img2world(&img, &world, &e, &usualCalib, o.height);
     EXPECT_NEAR(o.height, world.z, 0.01);
     Point_f32 back;
-    EXPECT_EQ(1u, ip_world2img(&world, &back, &e, &kCalib));
+    EXPECT_EQ(1u, ip_world2img(&world, &back, &e, &usualCalib));
     EXPECT_NEAR(img.x, back.x, 0.01);
     EXPECT_NEAR(img.y, back.y, 0.01);
   }
@@ -354,9 +354,9 @@ TEST(ImageToWorld, OfARayAlongThePlaneIsInfinite) {
   const ExtCalib e = {{1, 1, 1, -1, -2, -1, 0, -1, 1}, {0, 0, 0}};
   const Point_f32 img = {160 + 250, 120 + 250};
   Point3_f32 world;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &kCalib, 2000));
-  EXPECT_EQ(kInfinity, world.x);
-  EXPECT_EQ(-kInfinity, world.y);
+  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 2000));
+  EXPECT_EQ(infinity, world.x);
+  EXPECT_EQ(-infinity, world.y);
   EXPECT_TRUE(std::isnan(world.z));
 }
 
@@ -364,7 +364,7 @@ TEST(ImageToWorld, OfARayAwayFromThePlaneIsBehindTheCamera) {
   const ExtCalib e = external(-80, 0);
   const Point_f32 img = {160, 0};
   Point3_f32 world, cam;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &kCalib, 2000));
+  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 2000));
   ip_world2cam(&world, &cam, &e);
   EXPECT_LT(cam.z, 0);
   EXPECT_NEAR(2000, world.z, 0.1);
@@ -375,23 +375,23 @@ TEST(ImageToWorld, OfARayAwayFromThePlaneIsBehindTheCamera) {
 TEST(DisparityToCamera, GivesTheDepthOfTheBaseline) {
   const Point_f32 img = {160 + 125, 120 - 250};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &kCalib, 12.5f));
+  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &usualCalib, 12.5f));
   EXPECT_EQ(floats(Point3_f32{1000, -2000, 2000}), floats(cam));
 }
 
 TEST(DisparityToCamera, RefusesWhatIsNotPositive) {
   const Point_f32 img = {1, 2};
-  for (float d : {0.0f, -0.0f, -1.0f, -kInfinity, kDisparityBound}) {
-    Point3_f32 cam = {kUntouched, kUntouched, kUntouched};
-    EXPECT_EQ(0u, ip_disp2cam(&img, &cam, &kCalib, d)) << d;
-    EXPECT_EQ(floats(Point3_f32{kUntouched, kUntouched, kUntouched}), floats(cam)) << d;
+  for (float d : {0.0f, -0.0f, -1.0f, -infinity, disparityBound}) {
+    Point3_f32 cam = {untouched, untouched, untouched};
+    EXPECT_EQ(0u, ip_disp2cam(&img, &cam, &usualCalib, d)) << d;
+    EXPECT_EQ(floats(Point3_f32{untouched, untouched, untouched}), floats(cam)) << d;
   }
 }
 
 TEST(DisparityToCamera, TakesTheSmallestAboveTheBound) {
   const Point_f32 img = {160, 120};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &kCalib, std::nextafter(kDisparityBound, 1.0f)));
+  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &usualCalib, std::nextafter(disparityBound, 1.0f)));
 }
 
 TEST(DisparityToCamera, HasTheBitsOfTheDocumentedFormula) {
@@ -412,9 +412,9 @@ TEST(DisparityToWorld, IsTheCameraPointInTheWorld) {
     const ExtCalib e = anyExternal(random);
     const Point_f32 img = anyPixel(random);
     const float d = static_cast<float>(1 + random.below(1023)) / 16;
-    const Point3_f32 cam = model::img2cam(img, kCalib, kCalib.focalLength * kCalib.baseline / d);
+    const Point3_f32 cam = model::img2cam(img, usualCalib, usualCalib.focalLength * usualCalib.baseline / d);
     Point3_f32 world;
-    ASSERT_EQ(1u, ip_disp2world(&img, &world, &e, &kCalib, d));
+    ASSERT_EQ(1u, ip_disp2world(&img, &world, &e, &usualCalib, d));
     ASSERT_EQ(floats(model::cam2world(cam, e)), floats(world));
   }
 }
@@ -422,25 +422,25 @@ TEST(DisparityToWorld, IsTheCameraPointInTheWorld) {
 TEST(DisparityToWorld, RefusesWhatIsNotPositive) {
   const ExtCalib e = external(10, 20);
   const Point_f32 img = {1, 2};
-  for (float d : {0.0f, -3.0f, kDisparityBound}) {
-    Point3_f32 world = {kUntouched, kUntouched, kUntouched};
-    EXPECT_EQ(0u, ip_disp2world(&img, &world, &e, &kCalib, d)) << d;
-    EXPECT_EQ(floats(Point3_f32{kUntouched, kUntouched, kUntouched}), floats(world)) << d;
+  for (float d : {0.0f, -3.0f, disparityBound}) {
+    Point3_f32 world = {untouched, untouched, untouched};
+    EXPECT_EQ(0u, ip_disp2world(&img, &world, &e, &usualCalib, d)) << d;
+    EXPECT_EQ(floats(Point3_f32{untouched, untouched, untouched}), floats(world)) << d;
   }
 }
 
 // --- custom ground frame
 
-const Orientation kMounting = {2000, 35, -10};
+const Orientation mounting = {2000, 35, -10};
 
-ExtCalib customCalib(const CustomFrameParams& frame, const Orientation& o = kMounting) {
+ExtCalib customCalib(const CustomFrameParams& frame, const Orientation& o = mounting) {
   ExtCalib e;
-  EXPECT_EQ(1u, ip_params2extCalibCustom(&kParams, &o, &frame, &e));
+  EXPECT_EQ(1u, ip_params2extCalibCustom(&usualLens, &o, &frame, &e));
   return e;
 }
 
-Point3_f32 ground(float x, float y, const Orientation& o = kMounting) {
-  return model::img2world({x, y}, model::externalCalib(o), model::internalCalib(kParams), o.height);
+Point3_f32 ground(float x, float y, const Orientation& o = mounting) {
+  return model::img2world({x, y}, model::externalCalib(o), model::internalCalib(usualLens), o.height);
 }
 
 Point3_f32 custom(Point3_f32 world, const ExtCalib& frame) {
@@ -465,10 +465,10 @@ TEST(CustomFrame, IsEnabledByAnyNumberButZero) {
 TEST(CustomFrame, RefusesADirectionPointAtItsOrigin) {
   const CustomFrameParams frame = {1, 100, 90, 100, 90, 5, 6};
   ExtCalib e, before;
-  for (float& v : e.R) v = kUntouched;
-  for (float& v : e.T) v = kUntouched;
+  for (float& v : e.R) v = untouched;
+  for (float& v : e.T) v = untouched;
   before = e;
-  EXPECT_EQ(0u, ip_params2extCalibCustom(&kParams, &kMounting, &frame, &e));
+  EXPECT_EQ(0u, ip_params2extCalibCustom(&usualLens, &mounting, &frame, &e));
   EXPECT_EQ(floats(before), floats(e));
 }
 
@@ -477,9 +477,9 @@ TEST(CustomFrame, RefusesGroundPointsCloserThanTheBound) {
   const Orientation o = {0.05f, 0, 0};
   const CustomFrameParams frame = {1, 160, 120, 161, 120, 0, 0};
   ExtCalib e;
-  EXPECT_EQ(0u, ip_params2extCalibCustom(&kParams, &o, &frame, &e));
+  EXPECT_EQ(0u, ip_params2extCalibCustom(&usualLens, &o, &frame, &e));
   const Orientation higher = {0.1f, 0, 0};
-  EXPECT_EQ(1u, ip_params2extCalibCustom(&kParams, &higher, &frame, &e));
+  EXPECT_EQ(1u, ip_params2extCalibCustom(&usualLens, &higher, &frame, &e));
 }
 
 TEST(CustomFrame, StraightDownTurnsYAndZRound) {
@@ -501,8 +501,8 @@ TEST(CustomFrame, HasItsDirectionPointAlongX) {
 
 TEST(CustomFrame, MeasuresZUpwardsFromTheGround) {
   const ExtCalib e = customCalib({1, 120, 200, 220, 90, 700, -300});
-  EXPECT_NEAR(kMounting.height, custom({0, 0, 0}, e).z, 0.01);
-  EXPECT_NEAR(kMounting.height - 250, custom({-80, 900, 250}, e).z, 0.01);
+  EXPECT_NEAR(mounting.height, custom({0, 0, 0}, e).z, 0.01);
+  EXPECT_NEAR(mounting.height - 250, custom({-80, 900, 250}, e).z, 0.01);
 }
 
 TEST(CustomFrame, IsRightHanded) {

@@ -22,7 +22,7 @@ namespace {
 using Shape = std::vector<Point_s32>;
 using Bytes = std::vector<uint8_t>;
 
-constexpr uint8_t kUntouched = 0xA5;
+constexpr uint8_t untouchedCell = 0xA5;
 
 // 16-bit values and the size of their picture.
 struct Values {
@@ -54,7 +54,7 @@ Result createMask(const Shape& polygon, const StereoCtx& ctx, const Values& valu
   GuardedPolygonS guardedPolygon(polygon);
   const Guarded<uint16_t> pixels(values.pixels);
   const size_t cells = size_t{ctx.mapParams.width} * ctx.mapParams.height;
-  const Guarded<uint8_t> bytes(Bytes(cells, kUntouched));
+  const Guarded<uint8_t> bytes(Bytes(cells, untouchedCell));
   ImgC image;
   Img mask;
   ImgC_Init(&image, values.width, values.height, IMG_TYPE_U16, pixels.data());
@@ -63,7 +63,9 @@ Result createMask(const Shape& polygon, const StereoCtx& ctx, const Values& valu
   return {status, bytes.values()};
 }
 
-Bytes untouched(const StereoCtx& ctx) { return Bytes(size_t{ctx.mapParams.width} * ctx.mapParams.height, kUntouched); }
+Bytes untouched(const StereoCtx& ctx) {
+  return Bytes(size_t{ctx.mapParams.width} * ctx.mapParams.height, untouchedCell);
+}
 
 // --- the model: every cell by its definition
 
@@ -235,10 +237,10 @@ size_t heightSeen(const Shape& polygon, const Values& values) {
   return static_cast<size_t>(std::count(r.mask.begin(), r.mask.end(), 1)) - 1;
 }
 
-const Shape kUnitSegment = {{0, 0}, {1, 0}};
+const Shape unitSegment = {{0, 0}, {1, 0}};
 
 TEST(ElevationMask, TakesTheLowerMiddleOfTheVerticesValues) {
-  EXPECT_EQ(30u, heightSeen(kUnitSegment, {2, 1, {30, 90}}));
+  EXPECT_EQ(30u, heightSeen(unitSegment, {2, 1, {30, 90}}));
   EXPECT_EQ(60u, heightSeen({{0, 0}, {1, 0}, {0, 0}}, {2, 1, {60, 20}}));
 }
 
@@ -246,10 +248,10 @@ TEST(ElevationMask, CountsRepeatedVerticesEachTime) {
   EXPECT_EQ(90u, heightSeen({{0, 0}, {1, 0}, {1, 0}, {0, 0}, {1, 0}}, {2, 1, {30, 90}}));
 }
 
-TEST(ElevationMask, LeavesOutVerticesWithoutAValue) { EXPECT_EQ(90u, heightSeen(kUnitSegment, {2, 1, {0, 90}})); }
+TEST(ElevationMask, LeavesOutVerticesWithoutAValue) { EXPECT_EQ(90u, heightSeen(unitSegment, {2, 1, {0, 90}})); }
 
 TEST(ElevationMask, LooksAtNoOtherPixelWhereAVertexHasAValue) {
-  EXPECT_EQ(90u, heightSeen(kUnitSegment, {4, 1, {0, 90, 7, 7}}));
+  EXPECT_EQ(90u, heightSeen(unitSegment, {4, 1, {0, 90, 7, 7}}));
 }
 
 TEST(ElevationMask, LeavesOutVerticesOutsideTheImageButProjectsThem) {
@@ -271,13 +273,13 @@ TEST(ElevationMask, ReadsThePixelsOfTheirRow) {
 }
 
 TEST(ElevationMask, TakesTheMedianOfTheWholeImageWhereNoVertexHasAValue) {
-  EXPECT_EQ(40u, heightSeen(kUnitSegment, {3, 2, {0, 0, 90, 40, 10, 0}}));
+  EXPECT_EQ(40u, heightSeen(unitSegment, {3, 2, {0, 0, 90, 40, 10, 0}}));
   EXPECT_EQ(40u, heightSeen({{0, 0}, {1, 0}, {-1, 0}}, {3, 2, {0, 0, 90, 40, 70, 20}}));
 }
 
 TEST(ElevationMask, TakesValuesWithoutASign) {
   // At 40000 the segment leaves the map: all 200 cells are marked. A negative height would mark the first alone.
-  EXPECT_EQ(199u, heightSeen(kUnitSegment, {2, 1, {40000, 40000}}));
+  EXPECT_EQ(199u, heightSeen(unitSegment, {2, 1, {40000, 40000}}));
 }
 
 TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
@@ -287,7 +289,7 @@ TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
   StereoCtx ctx = context({0, 256, 8, 8}, {1, 0, 0}, {200, 1, 1, 1});
   ctx.lowerLeft = {0, 0};
   const ImgC values = {2, 1, 4, IMG_TYPE_U16, pixels};
-  Bytes bytes(200, kUntouched);
+  Bytes bytes(200, untouchedCell);
   Img mask;
   Img_Init(&mask, 200, 1, IMG_TYPE_U8, bytes.data());
   ASSERT_EQ(1, IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask));
@@ -303,23 +305,23 @@ void expectNoHeight(const Shape& polygon, const Values& values) {
   EXPECT_EQ(untouched(ctx), r.mask);
 }
 
-TEST(ElevationMask, OfAnImageWithoutValuesIsRefused) { expectNoHeight(kUnitSegment, constant(4, 4, 0)); }
+TEST(ElevationMask, OfAnImageWithoutValuesIsRefused) { expectNoHeight(unitSegment, constant(4, 4, 0)); }
 
 TEST(ElevationMask, OfAnImageWithoutPixelsIsRefused) {
-  expectNoHeight(kUnitSegment, constant(4, 0, 0));
-  expectNoHeight(kUnitSegment, constant(0, 4, 0));
+  expectNoHeight(unitSegment, constant(4, 0, 0));
+  expectNoHeight(unitSegment, constant(0, 4, 0));
 }
 
-const Shape kOutside = {{-1, 0}, {-1, 5}, {-9, 5}};
+const Shape outside = {{-1, 0}, {-1, 5}, {-9, 5}};
 
-TEST(ElevationMask, Of65536SamplesIsRefusedAsOfNone) { expectNoHeight(kOutside, constant(256, 256, 1)); }
+TEST(ElevationMask, Of65536SamplesIsRefusedAsOfNone) { expectNoHeight(outside, constant(256, 256, 1)); }
 
-TEST(ElevationMask, OfTwice65536SamplesIsRefusedAsOfNone) { expectNoHeight(kOutside, constant(256, 512, 1)); }
+TEST(ElevationMask, OfTwice65536SamplesIsRefusedAsOfNone) { expectNoHeight(outside, constant(256, 512, 1)); }
 
 TEST(ElevationMask, CountsSamplesNotPixelsTo65536) {
   Values values = constant(256, 257, 1);
   std::fill(values.pixels.end() - 256, values.pixels.end(), uint16_t{0});
-  expectNoHeight(kOutside, values);
+  expectNoHeight(outside, values);
 }
 
 TEST(ElevationMask, Of65535SamplesUsesThemAll) {
@@ -327,7 +329,7 @@ TEST(ElevationMask, Of65535SamplesUsesThemAll) {
   Values values = constant(65535, 2, 0);
   std::fill(values.pixels.begin() + 10, values.pixels.begin() + 10 + 32767, uint16_t{20});
   std::fill(values.pixels.begin() + 10 + 32767, values.pixels.begin() + 10 + 65535, uint16_t{30});
-  EXPECT_EQ(30u, heightSeen(kUnitSegment, values));
+  EXPECT_EQ(30u, heightSeen(unitSegment, values));
 }
 
 TEST(ElevationMask, OfMoreThan65536SamplesUsesTheLastOnesThatOverwroteTheFirst) {
@@ -337,14 +339,14 @@ TEST(ElevationMask, OfMoreThan65536SamplesUsesTheLastOnesThatOverwroteTheFirst) 
   values.pixels[10 + 65536] = 50;
   values.pixels[10 + 65537] = 30;
   values.pixels[10 + 65538] = 40;
-  EXPECT_EQ(40u, heightSeen(kUnitSegment, values));
+  EXPECT_EQ(40u, heightSeen(unitSegment, values));
 }
 
 TEST(ElevationMask, Of65537SamplesUsesTheLastAlone) {
   Values values = constant(65535, 2, 0);
   std::fill(values.pixels.begin() + 10, values.pixels.begin() + 10 + 65536, uint16_t{20});
   values.pixels[10 + 65536] = 50;
-  EXPECT_EQ(50u, heightSeen(kUnitSegment, values));
+  EXPECT_EQ(50u, heightSeen(unitSegment, values));
 }
 
 // --- arguments
@@ -356,12 +358,12 @@ class ElevationMaskArguments : public testing::Test {
     Img_Init(&mask, 6, 6, IMG_TYPE_U8, bytes.data());
   }
   int32_t create() { return IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask); }
-  void expectMaskUntouched() { EXPECT_EQ(Bytes(200, kUntouched), bytes); }
+  void expectMaskUntouched() { EXPECT_EQ(Bytes(200, untouchedCell), bytes); }
 
   StereoCtx ctx = plainContext(6);
   PolygonS polygon = PolygonS(Shape{{0, 0}, {2, 0}, {2, 2}});
   uint16_t value = 1;
-  Bytes bytes = Bytes(200, kUntouched);
+  Bytes bytes = Bytes(200, untouchedCell);
   ImgC values;
   Img mask;
 };
@@ -431,7 +433,7 @@ TEST_F(ElevationMaskArguments, InputsStayAsTheyWere) {
 
 // --- everything together
 
-const IntCalibParams kCamera = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
+const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 void expectDefinition(const Shape& polygon, const StereoCtx& ctx, const Values& values) {
   const Result wanted = expectedMask(polygon, ctx, values), got = createMask(polygon, ctx, values);
@@ -459,7 +461,7 @@ TEST(ElevationMaskDefinition, HoldsForTiltedCamerasAndSelfCrossingPolygons) {
   Values values = {320, 240, random.values<uint16_t>(320 * 240, 3000)};
   for (int round = 0; round < 60; round++) {
     const Orientation o = {2000, anyWithin(random, 40), anyWithin(random, 30)};
-    const StereoCtx ctx = context(kCamera, o, anyMap(random, 40, 150));
+    const StereoCtx ctx = context(usualLens, o, anyMap(random, 40, 150));
     Shape polygon(1 + random.below(12));
     for (Point_s32& v : polygon) v = {random.between(-40, 360), random.between(40, 280)};
     expectDefinition(polygon, ctx, values);
@@ -470,7 +472,7 @@ TEST(ElevationMaskDefinition, HoldsWhereTheOrientationsWrapAround) {
   // Products of differences above 46340 mm no longer fit 32 bits; what comes out is still defined.
   Random random(112);
   for (int round = 0; round < 60; round++) {
-    StereoCtx ctx = context(kCamera, {2000, 0, 0}, {30, 30, 4000, 5000});
+    StereoCtx ctx = context(usualLens, {2000, 0, 0}, {30, 30, 4000, 5000});
     ctx.lowerLeft = {anyWithin(random, 100000), anyWithin(random, 100000)};
     Shape polygon(3 + random.below(5));
     for (Point_s32& v : polygon) v = {random.between(-500, 820), random.between(-500, 740)};
@@ -516,7 +518,7 @@ TEST(ElevationMaskDefinition, HoldsForVerticesAtTheEdgesOfThe32BitRange) {
 }
 
 TEST(ElevationMaskDefinition, HoldsForALargeMap) {
-  const StereoCtx ctx = context(kCamera, {2000, 20, 5}, {300, 200, 10, 12});
+  const StereoCtx ctx = context(usualLens, {2000, 20, 5}, {300, 200, 10, 12});
   const Shape polygon = {{20, 30}, {300, 60}, {250, 220}, {100, 100}, {60, 230}, {160, 90}};
   const Values values = constant(320, 240, 1900);
   const Result wanted = expectedMask(polygon, ctx, values);
@@ -527,7 +529,7 @@ TEST(ElevationMaskDefinition, HoldsForALargeMap) {
 TEST(ElevationMaskDefinition, HoldsForLongThinMaps) {
   const Shape polygon = {{20, 30}, {300, 60}, {250, 220}, {100, 100}};
   for (const ElevMapParams& map : {ElevMapParams{2000, 1, 2, 500}, {1, 2000, 500, 2}}) {
-    StereoCtx ctx = context(kCamera, {2000, 0, 0}, map);
+    StereoCtx ctx = context(usualLens, {2000, 0, 0}, map);
     ctx.lowerLeft = {map.width == 1 ? 0.0f : -2000.0f, map.height == 1 ? -100.0f : -2000.0f};
     expectDefinition(polygon, ctx, constant(320, 240, 1900));
   }
@@ -546,7 +548,7 @@ TEST(ElevationMaskDefinition, HoldsForPolygonsThatRunTwiceAndSpike) {
 
 TEST(ElevationMaskDefinition, OfAVertexOnTheHorizonIsStillAMask) {
   // The ray through the third vertex meets no plane; whatever it is projected to, the cells are 0 or 1.
-  StereoCtx ctx = context(kCamera, {2000, 0, 0}, {20, 20, 50, 50});
+  StereoCtx ctx = context(usualLens, {2000, 0, 0}, {20, 20, 50, 50});
   const float level[9] = {1, 0, 0, 0, 0, 1, 0, -1, 0};
   std::memcpy(ctx.extCalib.R, level, sizeof level);
   ctx.intCalib.principalY = 120.5f;

@@ -14,7 +14,7 @@
 namespace nadir::test {
 namespace {
 
-const IntCalibParams kParams = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
+const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 auto xyz(const Point3_s32& p) { return std::make_tuple(p.x, p.y, p.z); }
 auto xy(const Point_s32& p) { return std::make_tuple(p.x, p.y); }
@@ -22,7 +22,7 @@ auto xy(const Point_s32& p) { return std::make_tuple(p.x, p.y); }
 // A camera that looks straight down: every transform between world and camera is the identity.
 TrafoParams straightDown() {
   TrafoParams trafo = {};
-  trafo.intParams = kParams;
+  trafo.intParams = usualLens;
   trafo.ext.R[0] = trafo.ext.R[4] = trafo.ext.R[8] = 4096;
   return trafo;
 }
@@ -30,7 +30,7 @@ TrafoParams straightDown() {
 TrafoParams tilted(float tilt, float pan) {
   const Orientation o = {2000, tilt, pan};
   TrafoParams trafo;
-  EXPECT_EQ(1u, ip_createTrafoParams(&o, &kParams, &trafo));
+  EXPECT_EQ(1u, ip_createTrafoParams(&o, &usualLens, &trafo));
   return trafo;
 }
 
@@ -101,14 +101,14 @@ TEST(TrafoParameters, AreOneFlatRecord) {
   const Orientation o = {2000, 30, 20};
   TrafoParams trafo;
   std::memset(&trafo, 0xA5, sizeof trafo);
-  EXPECT_EQ(1u, ip_createTrafoParams(&o, &kParams, &trafo));
+  EXPECT_EQ(1u, ip_createTrafoParams(&o, &usualLens, &trafo));
   ExtCalibFixed ext;
   ip_orientation2trafo(&o, &ext);
   int32_t flat[17];
   ASSERT_EQ(sizeof flat, sizeof trafo);
   std::memcpy(flat, &trafo, sizeof flat);
   EXPECT_EQ(0, flat[0]);
-  EXPECT_EQ(0, std::memcmp(&kParams, flat + 1, sizeof kParams));
+  EXPECT_EQ(0, std::memcmp(&usualLens, flat + 1, sizeof usualLens));
   EXPECT_EQ(0, std::memcmp(&ext, flat + 5, sizeof ext));
 }
 
@@ -141,7 +141,7 @@ TEST(TrafoParameters, ComeBackWithinHalfACount) {
   ExtCalib ext;
   IntCalib calib;
   ip_trafoParams2calib(&trafo, &ext, &calib);
-  EXPECT_EQ(floats(model::internalCalib(kParams)), floats(calib));
+  EXPECT_EQ(floats(model::internalCalib(usualLens)), floats(calib));
   const ExtCalib exact = model::externalCalib(o);
   for (int i = 0; i < 9; i++) EXPECT_NEAR(exact.R[i], ext.R[i], 1.0 / 8192) << i;
   EXPECT_EQ((Floats{0, 0, 0}), floats(ext.T));
@@ -259,7 +259,7 @@ TEST(FixedImageToGround, IsTheRoundedFloatTransform) {
     const int32_t height = random.between(-60000, 60000);
     Point3_s32 world;
     ip_img2groundplane_s32(&world, &img, height, &trafo);
-    const Point3_f32 wanted = model::img2world(widened(img), widenedExternal(trafo), model::internalCalib(kParams),
+    const Point3_f32 wanted = model::img2world(widened(img), widenedExternal(trafo), model::internalCalib(usualLens),
                                                static_cast<float>(height) * 0.0625f);
     ASSERT_EQ(xyz(counts(wanted)), xyz(world));
   }
@@ -298,7 +298,7 @@ TEST(FixedImageToWorldFloat, RoundsNothing) {
     const float h = anyWithin(random, 4000);
     Point3_f32 world;
     ASSERT_EQ(1u, ip_img2world_f32(&world, &img, &trafo, h));
-    ASSERT_EQ(floats(model::img2world(img, widenedExternal(trafo), model::internalCalib(kParams), h)), floats(world));
+    ASSERT_EQ(floats(model::img2world(img, widenedExternal(trafo), model::internalCalib(usualLens), h)), floats(world));
   }
 }
 

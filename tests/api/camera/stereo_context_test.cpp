@@ -11,71 +11,71 @@
 namespace nadir::test {
 namespace {
 
-const IntCalibParams kParams = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
-const Orientation kDown = {2000, 0, 0};
-const Orientation kTilted = {1800, 40, -15};
+const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
+const Orientation lookingDown = {2000, 0, 0};
+const Orientation tilted = {1800, 40, -15};
 
 StereoCtx context(const Orientation& orientation, const ElevMapParams& map = {100, 50, 20, 40}) {
   StereoCtx ctx;
   std::memset(&ctx, 0xA5, sizeof ctx);
-  EXPECT_EQ(1u, ip_stereo_init(&ctx, &kParams, &orientation, &map));
+  EXPECT_EQ(1u, ip_stereo_init(&ctx, &usualLens, &orientation, &map));
   return ctx;
 }
 
 Point_f32 lowerLeft(const ExtCalib& e, const ElevMapParams& map, float h) {
-  const IntCalib calib = model::internalCalib(kParams);
+  const IntCalib calib = model::internalCalib(usualLens);
   Point_f32 out;
   ip_calcMapRectLowerLeft(&e, &calib, &map, &out, h);
   return out;
 }
 
-const ExtCalib kStraightDown = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
+const ExtCalib straightDown = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
 
 // --- the context
 
 TEST(StereoInit, CopiesItsInputs) {
   const ElevMapParams map = {101, 52, 23, 44};
-  const StereoCtx ctx = context(kTilted, map);
-  EXPECT_EQ(0, std::memcmp(&kParams, &ctx.intParams, sizeof kParams));
-  EXPECT_EQ(floats(kTilted), floats(ctx.orientation));
+  const StereoCtx ctx = context(tilted, map);
+  EXPECT_EQ(0, std::memcmp(&usualLens, &ctx.intParams, sizeof usualLens));
+  EXPECT_EQ(floats(tilted), floats(ctx.orientation));
   EXPECT_EQ(0, std::memcmp(&map, &ctx.mapParams, sizeof map));
 }
 
 TEST(StereoInit, MakesTheCalibrations) {
-  const StereoCtx ctx = context(kTilted);
-  EXPECT_EQ(floats(model::internalCalib(kParams)), floats(ctx.intCalib));
-  EXPECT_EQ(floats(model::externalCalib(kTilted)), floats(ctx.extCalib));
+  const StereoCtx ctx = context(tilted);
+  EXPECT_EQ(floats(model::internalCalib(usualLens)), floats(ctx.intCalib));
+  EXPECT_EQ(floats(model::externalCalib(tilted)), floats(ctx.extCalib));
 }
 
 TEST(StereoInit, AnchorsTheMapOnTheGround) {
   const ElevMapParams map = {100, 50, 20, 40};
-  const StereoCtx ctx = context(kTilted, map);
-  EXPECT_EQ(floats(lowerLeft(model::externalCalib(kTilted), map, kTilted.height)), floats(ctx.lowerLeft));
+  const StereoCtx ctx = context(tilted, map);
+  EXPECT_EQ(floats(lowerLeft(model::externalCalib(tilted), map, tilted.height)), floats(ctx.lowerLeft));
 }
 
 // --- the map's corner
 
 TEST(MapCorner, UsesTheHalfExtentAlongXOnBothAxes) {
-  EXPECT_EQ(floats(Point_f32{-1000, -1000}), floats(lowerLeft(kStraightDown, {100, 50, 20, 40}, 2000)));
+  EXPECT_EQ(floats(Point_f32{-1000, -1000}), floats(lowerLeft(straightDown, {100, 50, 20, 40}, 2000)));
 }
 
 TEST(MapCorner, HalvesAnOddWidthBeforeItMultiplies) {
-  EXPECT_EQ(floats(Point_f32{-200, -200}), floats(lowerLeft(kStraightDown, {5, 5, 100, 100}, 2000)));
+  EXPECT_EQ(floats(Point_f32{-200, -200}), floats(lowerLeft(straightDown, {5, 5, 100, 100}, 2000)));
 }
 
 TEST(MapCorner, OfAMapOneCellWideIsUnderThePrincipalPoint) {
-  EXPECT_EQ(floats(Point_f32{0, 0}), floats(lowerLeft(kStraightDown, {1, 9, 100, 100}, 2000)));
+  EXPECT_EQ(floats(Point_f32{0, 0}), floats(lowerLeft(straightDown, {1, 9, 100, 100}, 2000)));
 }
 
 TEST(MapCorner, HoldsTheLargestMap) {
   // 32767 * 65535 fits 31 bits and becomes the nearest float.
   EXPECT_EQ(floats(Point_f32{-2147385345.0f, -2147385345.0f}),
-            floats(lowerLeft(kStraightDown, {65535, 65535, 65535, 65535}, 2000)));
+            floats(lowerLeft(straightDown, {65535, 65535, 65535, 65535}, 2000)));
 }
 
 TEST(MapCorner, IsMeasuredFromThePointUnderThePrincipalPoint) {
   Random random(90);
-  const IntCalib calib = model::internalCalib(kParams);
+  const IntCalib calib = model::internalCalib(usualLens);
   for (int round = 0; round < 300; round++) {
     const ExtCalib e = model::externalCalib({0, anyWithin(random, 60), anyWithin(random, 60)});
     const ElevMapParams map = {static_cast<uint16_t>(random.next()), static_cast<uint16_t>(random.next()),
@@ -89,16 +89,16 @@ TEST(MapCorner, IsMeasuredFromThePointUnderThePrincipalPoint) {
 
 // --- world and map
 
-const ElevMapParams kMap = {100, 50, 20, 40};
-const Point_f32 kCorner = {-1000, 300};
+const ElevMapParams usualMap = {100, 50, 20, 40};
+const Point_f32 usualCorner = {-1000, 300};
 
 Point_f32 toMap(Point_f32 world) {
   Point_f32 out;
-  EXPECT_EQ(1u, ip_world2elev(&world, &out, &kMap, &kCorner));
+  EXPECT_EQ(1u, ip_world2elev(&world, &out, &usualMap, &usualCorner));
   return out;
 }
 
-TEST(WorldToMap, StartsAtTheCorner) { EXPECT_EQ(floats(Point_f32{0, 0}), floats(toMap(kCorner))); }
+TEST(WorldToMap, StartsAtTheCorner) { EXPECT_EQ(floats(Point_f32{0, 0}), floats(toMap(usualCorner))); }
 
 TEST(WorldToMap, CountsCellsOfEachAxisOwnSize) {
   EXPECT_EQ(floats(Point_f32{1, 1}), floats(toMap({-980, 340})));
@@ -113,7 +113,7 @@ TEST(WorldToMap, GoesOnOutsideTheMap) {
 TEST(MapToWorld, IsTheCornerPlusTheCells) {
   const Point_f32 map = {2.5f, -1};
   Point_f32 world;
-  EXPECT_EQ(1u, ip_elev2world(&map, &world, &kMap, &kCorner));
+  EXPECT_EQ(1u, ip_elev2world(&map, &world, &usualMap, &usualCorner));
   EXPECT_EQ(floats(Point_f32{-950, 260}), floats(world));
 }
 
@@ -137,7 +137,7 @@ TEST(WorldAndMap, HaveTheBitsOfTheDocumentedFormulas) {
 
 class StereoWrappers : public testing::Test {
  protected:
-  const StereoCtx ctx = context(kTilted);
+  const StereoCtx ctx = context(tilted);
   const ExtCalib& ext = ctx.extCalib;
   const IntCalib& calib = ctx.intCalib;
   const Point3_f32 point = {123.5f, -456.25f, 789};
@@ -233,7 +233,7 @@ TEST_F(StereoWrappers, MapToImageUsesTheGivenElevation) {
 }
 
 TEST_F(StereoWrappers, MapToImageOfANearOrHiddenPointIsRefused) {
-  const StereoCtx down = context(kDown);
+  const StereoCtx down = context(lookingDown);
   const Point_f32 map = {50, 25};
   EXPECT_EQ(0u, ip_stereo_elev2img(&down, &map, &p2, 50));
   EXPECT_EQ(0u, ip_stereo_elev2img(&down, &map, &p2, -100));

@@ -13,9 +13,9 @@ using namespace nadir::test;
 
 namespace {
 
-const std::vector<uint32_t> kTypes{IMG_TYPE_U8,  IMG_TYPE_S8,  IMG_TYPE_U16, IMG_TYPE_S16,
-                                   IMG_TYPE_U32, IMG_TYPE_S32, IMG_TYPE_F32};
-const uint32_t kSeveralBits = IMG_TYPE_U8 | IMG_TYPE_S8;
+const std::vector<uint32_t> types{IMG_TYPE_U8,  IMG_TYPE_S8,  IMG_TYPE_U16, IMG_TYPE_S16,
+                                  IMG_TYPE_U32, IMG_TYPE_S32, IMG_TYPE_F32};
+const uint32_t severalBits = IMG_TYPE_U8 | IMG_TYPE_S8;
 
 template <class T>
 std::vector<uint8_t> bytesOfPixels(const Image<T>& image) {
@@ -45,7 +45,7 @@ TEST(ImgInit, StoresWhatItIsGiven) {
 }
 
 TEST(ImgInit, DerivesTheBytesPerPixelFromTheType) {
-  for (uint32_t type : kTypes) {
+  for (uint32_t type : types) {
     SCOPED_TRACE(type);
     Img img{};
     EXPECT_EQ(Img_Init(&img, 1, 1, type, nullptr), 1u);
@@ -115,7 +115,7 @@ TEST(ImgCInit, StoresWhatItIsGiven) {
 }
 
 TEST(ImgCInit, DerivesTheBytesPerPixelFromTheType) {
-  for (uint32_t type : kTypes) {
+  for (uint32_t type : types) {
     SCOPED_TRACE(type);
     ImgC img{};
     EXPECT_EQ(ImgC_Init(&img, 1, 1, type, nullptr), 1u);
@@ -218,7 +218,7 @@ TEST(ImgFillBuffer, RefusesAnotherValueForAnUnknownType) {
 TEST(ImgFillBuffer, ClearsTheBytesThatTheDescriptorCountsWhateverTheType) {
   Image<uint8_t> image(6, 2, marks<uint8_t>(12));
   image.img.width = 2;
-  image.img.type = kSeveralBits;
+  image.img.type = severalBits;
   image.img.bytesPerPixel = 2;
   EXPECT_EQ(Img_FillBuffer(image, 0), 1u);
   std::vector<uint8_t> wanted = marks<uint8_t>(12);
@@ -311,8 +311,8 @@ TYPED_TEST(ImgCopySameType, CopiesEverySize) {
 TEST(ImgCopy, KeepsTheBytesBetweenAllTypesOfEqualSize) {
   Random random(1);
   const std::vector<uint32_t> bits = anyPixels<uint32_t>(random, 6);
-  for (uint32_t from : kTypes) {
-    for (uint32_t to : kTypes) {
+  for (uint32_t from : types) {
+    for (uint32_t to : types) {
       if (bytesOf(from) != bytesOf(to)) continue;
       SCOPED_TRACE(testing::Message() << "from " << from << " to " << to);
       Image<uint32_t> src(3, 2, bits), dst(3, 2, marks<uint32_t>(6));
@@ -360,7 +360,7 @@ TEST(ImgCopy, TakesTheSizeOfAPixelFromTheTypesNotFromTheSourcesDescriptor) {
 TEST(ImgCopy, TakesTwoUnknownTypesAsEqualAndCopiesNoByte) {
   const Image<uint32_t> src = imageOf(128);
   Image<uint32_t> dst(3, 2, std::vector<uint32_t>(6, 0xDEADBEEFu));
-  dst.retype(kSeveralBits);
+  dst.retype(severalBits);
   const ImgC source = src.readOnly();
   EXPECT_TRUE(writesNothing(dst, [&] { return Img_Copy(&source, dst); }));
 }
@@ -369,7 +369,7 @@ TEST(ImgCopy, CopiesTwoUnknownTypesByTheDestinationsBytesPerPixel) {
   Image<uint8_t> src{1, 2, 3, 4};
   Image<uint8_t> dst{9, 9, 9, 9};
   src.retype(0);
-  dst.retype(kSeveralBits);
+  dst.retype(severalBits);
   src.img.width = dst.img.width = 1;
   dst.img.bytesPerPixel = 3;
   const ImgC source = src.readOnly();
@@ -410,8 +410,8 @@ void expectRefusedCopy(uint32_t from, uint32_t to) {
 }  // namespace
 
 TEST(ImgCopy, RefusesEveryNarrowingPair) {
-  for (uint32_t from : kTypes)
-    for (uint32_t to : kTypes)
+  for (uint32_t from : types)
+    for (uint32_t to : types)
       if (bytesOf(to) < bytesOf(from)) expectRefusedCopy(from, to);
 }
 
@@ -421,11 +421,11 @@ TEST(ImgCopy, RefusesToWidenIntoF32) {
 
 TEST(ImgCopy, RefusesAnUnknownSourceType) {
   for (uint32_t from : unknownTypes())
-    for (uint32_t to : kTypes) expectRefusedCopy(from, to);
+    for (uint32_t to : types) expectRefusedCopy(from, to);
 }
 
 TEST(ImgCopy, RefusesAnUnknownDestinationType) {
-  for (uint32_t from : kTypes)
+  for (uint32_t from : types)
     for (uint32_t to : unknownTypes()) expectRefusedCopy(from, to);
 }
 

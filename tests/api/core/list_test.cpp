@@ -506,7 +506,7 @@ TEST(List, ClearErasesEveryNodeAndKeepsTheStorage) {
 
 namespace {
 
-constexpr uint32_t kItemSize = 5;
+constexpr uint32_t bytesOfItem = 5;
 
 // Does the same to a list and to its model and compares all that callers can see.
 class Twins {
@@ -531,21 +531,21 @@ class Twins {
     const std::vector<ListNode*> nodes = nodesOf(list_);
     ASSERT_EQ(nodes, nodes_);
     for (size_t i = 0; i < nodes.size(); ++i) {
-      ASSERT_EQ(std::memcmp(nodes[i]->item, wanted_.items()[i].data(), kItemSize), 0) << "item " << i;
+      ASSERT_EQ(std::memcmp(nodes[i]->item, wanted_.items()[i].data(), bytesOfItem), 0) << "item " << i;
     }
     if (pools_) comparePools();
   }
 
  private:
-  ListNode* append(const uint8_t* item) { return List_Append(&list_, item, kItemSize); }
-  ListNode* prepend(const uint8_t* item) { return List_Prepend(&list_, item, kItemSize); }
-  ListNode* before(ListNode* ref, const uint8_t* item) { return List_InsertBefore(&list_, ref, item, kItemSize); }
-  ListNode* after(ListNode* ref, const uint8_t* item) { return List_InsertAfter(&list_, ref, item, kItemSize); }
+  ListNode* append(const uint8_t* item) { return List_Append(&list_, item, bytesOfItem); }
+  ListNode* prepend(const uint8_t* item) { return List_Prepend(&list_, item, bytesOfItem); }
+  ListNode* before(ListNode* ref, const uint8_t* item) { return List_InsertBefore(&list_, ref, item, bytesOfItem); }
+  ListNode* after(ListNode* ref, const uint8_t* item) { return List_InsertAfter(&list_, ref, item, bytesOfItem); }
   ListNode* nodeAt(size_t position) const { return nodes_.empty() ? nullptr : nodes_[position]; }
 
   template <class Call>
   void insert(Random& random, size_t position, bool lost, Call call) {
-    const Item item = random.values<uint8_t>(kItemSize, 256);
+    const Item item = random.values<uint8_t>(bytesOfItem, 256);
     ListNode* node = call(item.data());
     const model::List::Outcome outcome = wanted_.insert(position, item, lost);
     ASSERT_EQ(node != nullptr, outcome.inserted);
@@ -608,7 +608,7 @@ TEST(List, AnySequenceOfCallsGivesWhatAListMustHoldInPools) {
     for (uint64_t seed = slots * 10; seed < slots * 10 + 4; ++seed) {
       SCOPED_TRACE(testing::Message() << slots << " slots, seed " << seed);
       Random random(seed);
-      Static s(static_cast<int32_t>(slots), slots, kItemSize, seed % 2 ? Guard::before : Guard::behind);
+      Static s(static_cast<int32_t>(slots), slots, bytesOfItem, seed % 2 ? Guard::before : Guard::behind);
       Twins twins(s.list, model::List(slots, true, slots), &s);
       expectAnySequence(twins, random, 150);
     }

@@ -17,7 +17,7 @@ namespace {
 using model::Matrix;
 using model::Vec;
 
-constexpr float kUntouched = -777.0f;
+constexpr float untouched = -777.0f;
 
 Matrix anyMatrix(Random& random) {
   Matrix m;
@@ -115,7 +115,7 @@ TEST(MatrixTranspose, SwapsRowsAndColumns) {
 
 TEST(MatrixTranspose, OfTheIdentityIsTheIdentity) {
   const std::vector<float> identity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-  std::vector<float> out(9, kUntouched);
+  std::vector<float> out(9, untouched);
   mTrans(identity.data(), out.data());
   EXPECT_EQ(identity, out);
 }
@@ -195,9 +195,9 @@ TEST(Covariance, OfFallingPointsIsNegative) {
 TEST(Covariance, RefusesCountsBelowTwo) {
   const uint16_t point[2] = {3, 4};
   for (int32_t count : {1, 0, -1, INT32_MIN}) {
-    float out[4] = {kUntouched, kUntouched, kUntouched, kUntouched};
+    float out[4] = {untouched, untouched, untouched, untouched};
     EXPECT_EQ(0u, IP_Alg_Covar_2x2(point, count, out)) << count;
-    EXPECT_EQ((Floats{kUntouched, kUntouched, kUntouched, kUntouched}), floats(out)) << count;
+    EXPECT_EQ((Floats{untouched, untouched, untouched, untouched}), floats(out)) << count;
   }
 }
 
@@ -224,7 +224,7 @@ struct Eigen {
 
 Eigen eigenOf(std::initializer_list<float> matrix) {
   const Guarded<float> in{std::vector<float>(matrix)};
-  const Guarded<float> values(std::vector<float>(2, kUntouched)), vectors(std::vector<float>(4, kUntouched));
+  const Guarded<float> values(std::vector<float>(2, untouched)), vectors(std::vector<float>(4, untouched));
   const uint32_t status = IP_Alg_Eigen_2x2(in.data(), values.data(), vectors.data());
   return {status, Floats(values.data(), 2), Floats(vectors.data(), 4)};
 }
@@ -232,8 +232,8 @@ Eigen eigenOf(std::initializer_list<float> matrix) {
 TEST(Eigen2x2, OfARotationIsRefused) {
   const Eigen e = eigenOf({0, 1, -1, 0});
   EXPECT_EQ(0u, e.status);
-  EXPECT_EQ((Floats{kUntouched, kUntouched}), e.values);
-  EXPECT_EQ((Floats{kUntouched, kUntouched, kUntouched, kUntouched}), e.vectors);
+  EXPECT_EQ((Floats{untouched, untouched}), e.values);
+  EXPECT_EQ((Floats{untouched, untouched, untouched, untouched}), e.vectors);
 }
 
 TEST(Eigen2x2, OfAFallingDiagonalPairsEachValueWithItsAxis) {

@@ -16,9 +16,9 @@
 namespace nadir::test {
 namespace {
 
-constexpr float kEps = 0.01f;
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-const float kBelowEps = std::nextafter(kEps, 0.0f);
+constexpr float tolerance = 0.01f;
+constexpr float infinity = std::numeric_limits<float>::infinity();
+const float belowEps = std::nextafter(tolerance, 0.0f);
 
 Point_s32 anyPoint(Random& random) { return {anyInteger(random), anyInteger(random)}; }
 
@@ -76,8 +76,8 @@ TEST(OrientationF32, TakesACrossProductBelowTheToleranceForCollinear) {
 }
 
 TEST(OrientationF32, TakesACrossProductOfExactlyTheToleranceForATurn) {
-  EXPECT_EQ(-1, turn(Point_f32{0, 0}, {1, 0}, {1, kEps}));
-  EXPECT_EQ(0, turn(Point_f32{0, 0}, {1, 0}, {1, kBelowEps}));
+  EXPECT_EQ(-1, turn(Point_f32{0, 0}, {1, 0}, {1, tolerance}));
+  EXPECT_EQ(0, turn(Point_f32{0, 0}, {1, 0}, {1, belowEps}));
 }
 
 TEST(OrientationF32, MeasuresAgainstTheLongerLeg) {
@@ -124,12 +124,12 @@ int32_t areEqual(Point_f32 p, Point_f32 q) { return IP_Geom_ArePointsEqual_f32(&
 
 TEST(PointsEqualF32, WithinTheToleranceOnBothAxes) {
   EXPECT_EQ(1, areEqual({1, 2}, {1, 2}));
-  EXPECT_EQ(1, areEqual({0, 0}, {kBelowEps, -kBelowEps}));
+  EXPECT_EQ(1, areEqual({0, 0}, {belowEps, -belowEps}));
 }
 
 TEST(PointsEqualF32, NotAtTheToleranceItself) {
-  EXPECT_EQ(0, areEqual({0, 0}, {kEps, 0}));
-  EXPECT_EQ(0, areEqual({0, 0}, {0, -kEps}));
+  EXPECT_EQ(0, areEqual({0, 0}, {tolerance, 0}));
+  EXPECT_EQ(0, areEqual({0, 0}, {0, -tolerance}));
 }
 
 TEST(PointsEqualF32, NotWhereOneAxisAloneIsFar) {
@@ -139,7 +139,7 @@ TEST(PointsEqualF32, NotWhereOneAxisAloneIsFar) {
 
 TEST(PointsEqualF32, NotForANaN) { EXPECT_EQ(0, areEqual({NAN, 0}, {NAN, 0})); }
 
-TEST(PointsEqualF32, NotForTwoInfinities) { EXPECT_EQ(0, areEqual({kInfinity, 0}, {kInfinity, 0})); }
+TEST(PointsEqualF32, NotForTwoInfinities) { EXPECT_EQ(0, areEqual({infinity, 0}, {infinity, 0})); }
 
 // --- intersection of edges
 
@@ -220,8 +220,8 @@ TEST(EdgesIntersectF32, WhereAnEndTouchesASlantedEdge) {
 
 TEST(EdgesIntersectF32, CountsATouchOnlyFromTheToleranceInwards) {
   // The second edge starts on the diagonal and leaves it on one side only, so that nothing but the touch can count.
-  EXPECT_EQ(1, intersect(Edge_f32{0, 0, 4, 4}, {kEps, kEps, 5, 0}));
-  EXPECT_EQ(0, intersect(Edge_f32{0, 0, 4, 4}, {kBelowEps, kBelowEps, 5, 0}));
+  EXPECT_EQ(1, intersect(Edge_f32{0, 0, 4, 4}, {tolerance, tolerance, 5, 0}));
+  EXPECT_EQ(0, intersect(Edge_f32{0, 0, 4, 4}, {belowEps, belowEps, 5, 0}));
 }
 
 TEST(EdgesIntersectF32, OfAnyEdgesFollowsTheInsetBox) {
@@ -483,14 +483,14 @@ TEST(IntersectLinesF32, MeetWhereTheyCross) {
 }
 
 TEST(IntersectLinesF32, OfNearlyParallelLinesLeaveTheResult) {
-  const Line_f32 l1 = {0, 5, 1, 0}, l2 = {7, 0, 1, kBelowEps};
+  const Line_f32 l1 = {0, 5, 1, 0}, l2 = {7, 0, 1, belowEps};
   Point_f32 out = {-77, -78};
   EXPECT_EQ(0, IP_Geom_IntersectLines_f32(&l1, &l2, &out));
   EXPECT_EQ(floats(Point_f32{-77, -78}), floats(out));
 }
 
 TEST(IntersectLinesF32, OfADeterminantOfExactlyTheToleranceMeet) {
-  const Line_f32 l1 = {0, 0, 1, 0}, l2 = {7, 0, 1, kEps};
+  const Line_f32 l1 = {0, 0, 1, 0}, l2 = {7, 0, 1, tolerance};
   Point_f32 out;
   EXPECT_EQ(1, IP_Geom_IntersectLines_f32(&l1, &l2, &out));
   EXPECT_EQ(floats(Point_f32{7, 0}), floats(out));
@@ -545,10 +545,10 @@ Weights expectedWeights(const std::vector<Point_s32>& t, Point_s32 p) {
   return out;
 }
 
-const std::vector<Point_s32> kTriangle = {{0, 0}, {10, 0}, {0, 10}};
+const std::vector<Point_s32> rightTriangle = {{0, 0}, {10, 0}, {0, 10}};
 
 TEST(Barycentric, WeighsTheCornersInTheirOrder) {
-  const Weights out = weigh(kTriangle, {1, 2});
+  const Weights out = weigh(rightTriangle, {1, 2});
   EXPECT_EQ(1, out.status);
   const float tenth = 1.0f / 100;
   EXPECT_EQ((Floats{70 * tenth, 10 * tenth, 20 * tenth}), floats(out.w));
@@ -563,19 +563,20 @@ TEST(Barycentric, OfTheOtherVertexOrderIsNeverInside) {
 
 TEST(Barycentric, HoldsOnTheBoundaryAndAtTheCorners) {
   for (Point_s32 p : {Point_s32{0, 0}, {10, 0}, {0, 10}, {5, 5}, {0, 3}, {3, 0}}) {
-    EXPECT_EQ(1, weigh(kTriangle, p).status) << p.x << "," << p.y;
+    EXPECT_EQ(1, weigh(rightTriangle, p).status) << p.x << "," << p.y;
   }
 }
 
 TEST(Barycentric, WritesTheWeightsOfAPointOutside) {
-  const Weights out = weigh(kTriangle, {-10, 0});
+  const Weights out = weigh(rightTriangle, {-10, 0});
   EXPECT_EQ(0, out.status);
   const float tenth = 1.0f / 100;
   EXPECT_EQ((Floats{200 * tenth, -100 * tenth, 0}), floats(out.w));
 }
 
 TEST(Barycentric, FailsBeyondEachSide) {
-  for (Point_s32 p : {Point_s32{-1, 5}, {5, -1}, {6, 5}}) EXPECT_EQ(0, weigh(kTriangle, p).status) << p.x << "," << p.y;
+  for (Point_s32 p : {Point_s32{-1, 5}, {5, -1}, {6, 5}})
+    EXPECT_EQ(0, weigh(rightTriangle, p).status) << p.x << "," << p.y;
 }
 
 TEST(Barycentric, RefusesADegenerateTriangle) {
@@ -592,8 +593,8 @@ TEST(Barycentric, RefusesEachNullPointer) {
   const Point_s32 p = {1, 1};
   float w[3] = {-77, -78, -79};
   EXPECT_EQ(-1, IP_Geom_Barycentric(nullptr, &p, w));
-  EXPECT_EQ(-1, IP_Geom_Barycentric(kTriangle.data(), nullptr, w));
-  EXPECT_EQ(-1, IP_Geom_Barycentric(kTriangle.data(), &p, nullptr));
+  EXPECT_EQ(-1, IP_Geom_Barycentric(rightTriangle.data(), nullptr, w));
+  EXPECT_EQ(-1, IP_Geom_Barycentric(rightTriangle.data(), &p, nullptr));
   EXPECT_EQ((Floats{-77, -78, -79}), floats(w));
 }
 

@@ -20,8 +20,8 @@ namespace {
 using Shape = std::vector<Point_s32>;
 using ShapeF = std::vector<Point_f32>;
 
-const Shape kSquare = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
-const Shape kBowTie = {{0, 0}, {10, 10}, {10, 0}, {0, 10}};
+const Shape squareOfTen = {{0, 0}, {10, 0}, {10, 10}, {0, 10}};
+const Shape bowTie = {{0, 0}, {10, 10}, {10, 0}, {0, 10}};
 
 Shape reversed(Shape s) {
   std::reverse(s.begin(), s.end());
@@ -79,9 +79,9 @@ Shape starShape(Random& random, size_t count) {
 int32_t isSimple(const Shape& s) { return IP_Polygon_IsSimple(PolygonS(s).get()); }
 int32_t isSimple(const ShapeF& s) { return IP_Polygon_IsSimple_f32(PolygonF(s).get()); }
 
-TEST(PolygonSimple, HoldsForASquare) { EXPECT_EQ(1, isSimple(kSquare)); }
+TEST(PolygonSimple, HoldsForASquare) { EXPECT_EQ(1, isSimple(squareOfTen)); }
 
-TEST(PolygonSimple, FailsForABowTie) { EXPECT_EQ(0, isSimple(kBowTie)); }
+TEST(PolygonSimple, FailsForABowTie) { EXPECT_EQ(0, isSimple(bowTie)); }
 
 TEST(PolygonSimple, HoldsBelowFourVerticesHoweverDegenerate) {
   EXPECT_EQ(1, isSimple(Shape{}));
@@ -118,7 +118,7 @@ TEST(PolygonSimple, FailsForAStarWithTwoDistantCornersExchanged) {
 }
 
 TEST(PolygonSimple, ReadsNothingBehindTheLastVertex) {
-  GuardedPolygonS guarded(kSquare);
+  GuardedPolygonS guarded(squareOfTen);
   EXPECT_EQ(1, IP_Polygon_IsSimple(guarded.get()));
 }
 
@@ -135,8 +135,8 @@ TEST(PolygonSimple, ComparesEveryPairOfEdges) {
 }
 
 TEST(PolygonSimpleF32, HoldsForASquareAndFailsForABowTie) {
-  EXPECT_EQ(1, isSimple(toFloat(kSquare)));
-  EXPECT_EQ(0, isSimple(toFloat(kBowTie)));
+  EXPECT_EQ(1, isSimple(toFloat(squareOfTen)));
+  EXPECT_EQ(0, isSimple(toFloat(bowTie)));
 }
 
 TEST(PolygonSimpleF32, HoldsBelowFourVertices) {
@@ -161,12 +161,12 @@ int32_t inside(const Shape& s, Point_s32 p) { return IP_Polygon_IsInside(Polygon
 int32_t inside(const ShapeF& s, Point_f32 p) { return IP_Polygon_IsInside_f32(PolygonF(s).get(), &p); }
 
 TEST(PolygonInside, CountsTheBoundaryIn) {
-  EXPECT_EQ(1, inside(kSquare, {10, 5}));
-  EXPECT_EQ(1, inside(kSquare, {0, 0}));
+  EXPECT_EQ(1, inside(squareOfTen, {10, 5}));
+  EXPECT_EQ(1, inside(squareOfTen, {0, 0}));
 }
 
 TEST(PolygonInside, IsTheSameForEitherVertexOrder) {
-  for (const Shape& s : {kSquare, reversed(kSquare)}) {
+  for (const Shape& s : {squareOfTen, reversed(squareOfTen)}) {
     EXPECT_EQ(1, contour(s, {5, 5}, 0));
     EXPECT_EQ(0, contour(s, {11, 5}, 0));
     EXPECT_EQ(0, contour(s, {-1, 5}, 0));
@@ -179,14 +179,14 @@ TEST(PolygonInside, IsTheSameForEitherVertexOrder) {
 
 TEST(PolygonInside, GivesWhateverTheCallerWantsOnTheBoundary) {
   for (Point_s32 p : {Point_s32{10, 5}, {5, 0}, {0, 5}, {5, 10}, {10, 10}}) {
-    EXPECT_EQ(7, contour(kSquare, p, 7)) << p.x << "," << p.y;
-    EXPECT_EQ(-1, contour(kSquare, p, 0xFFFFFFFFu)) << p.x << "," << p.y;
+    EXPECT_EQ(7, contour(squareOfTen, p, 7)) << p.x << "," << p.y;
+    EXPECT_EQ(-1, contour(squareOfTen, p, 0xFFFFFFFFu)) << p.x << "," << p.y;
   }
-  EXPECT_EQ(1, contour(kSquare, {5, 5}, 7));
-  EXPECT_EQ(0, contour(kSquare, {11, 5}, 7));
+  EXPECT_EQ(1, contour(squareOfTen, {5, 5}, 7));
+  EXPECT_EQ(0, contour(squareOfTen, {11, 5}, 7));
 }
 
-TEST(PolygonInside, DoesNotTakeAnEdgesExtensionForTheBoundary) { EXPECT_EQ(0, contour(kSquare, {15, 10}, 7)); }
+TEST(PolygonInside, DoesNotTakeAnEdgesExtensionForTheBoundary) { EXPECT_EQ(0, contour(squareOfTen, {15, 10}, 7)); }
 
 TEST(PolygonInside, OfNoVerticesIsNothing) {
   GuardedPolygonS none(Shape{});
@@ -222,7 +222,7 @@ TEST(PolygonInside, FailsWhereTheWindingsCancel) {
 }
 
 TEST(PolygonInside, ReadsNothingBehindTheLastVertex) {
-  GuardedPolygonS guarded(kSquare);
+  GuardedPolygonS guarded(squareOfTen);
   const Point_s32 p = {5, 5};
   EXPECT_EQ(1, IP_Polygon_IsInside(guarded.get(), &p));
 }
@@ -292,7 +292,7 @@ TEST(PolygonInside, OfAnyIntegersFollowsTheWrappedOrientations) {
 }
 
 TEST(PolygonInsideF32, CountsTheBoundaryIn) {
-  for (const Shape& s : {kSquare, reversed(kSquare)}) {
+  for (const Shape& s : {squareOfTen, reversed(squareOfTen)}) {
     EXPECT_EQ(1, inside(toFloat(s), {10, 5}));
     EXPECT_EQ(1, inside(toFloat(s), {5, 5}));
     EXPECT_EQ(0, inside(toFloat(s), {11, 5}));
@@ -300,7 +300,7 @@ TEST(PolygonInsideF32, CountsTheBoundaryIn) {
 }
 
 TEST(PolygonInsideF32, WidensTheBoundaryByLessThanTheTolerance) {
-  const ShapeF square = toFloat(kSquare);
+  const ShapeF square = toFloat(squareOfTen);
   EXPECT_EQ(1, inside(square, {5, -0.0005f}));
   EXPECT_EQ(1, inside(square, {-0.009f, 0}));
   EXPECT_EQ(0, inside(square, {-0.01f, 0}));
@@ -317,7 +317,7 @@ TEST(PolygonInsideF32, OfOneVertexIsThatPointWithinTheTolerance) {
 }
 
 TEST(PolygonInsideF32, ReadsNothingBehindTheLastVertex) {
-  GuardedPolygonF guarded(toFloat(kSquare));
+  GuardedPolygonF guarded(toFloat(squareOfTen));
   const Point_f32 p = {5, 5};
   EXPECT_EQ(1, IP_Polygon_IsInside_f32(guarded.get(), &p));
 }
@@ -421,21 +421,21 @@ Slots thinned(const Shape& s) { return remaining(s, IP_Polygon_RemoveCollinearPo
 Slots thinned(const ShapeF& s) { return remaining(s, IP_Polygon_RemoveCollinearPoints_f32); }
 
 TEST(RemoveCollinear, DropsAVertexInsideAStraightSide) {
-  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {0, 10}}));
 }
 
-TEST(RemoveCollinear, KeepsASquare) { EXPECT_EQ(slotsOf(kSquare), thinned(kSquare)); }
+TEST(RemoveCollinear, KeepsASquare) { EXPECT_EQ(slotsOf(squareOfTen), thinned(squareOfTen)); }
 
 TEST(RemoveCollinear, DropsTheFirstVertexWhereTheWalkWraps) {
   EXPECT_EQ(slotsOf({{10, 0}, {10, 10}, {0, 10}, {0, 0}}), thinned(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}));
 }
 
 TEST(RemoveCollinear, DropsARepeatedVertex) {
-  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {10, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {10, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}}));
 }
 
 TEST(RemoveCollinear, DropsASpikeThatDoublesBack) {
-  EXPECT_EQ(slotsOf(kSquare), thinned(Shape{{0, 0}, {20, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {20, 0}, {10, 0}, {10, 10}, {0, 10}}));
 }
 
 TEST(RemoveCollinear, LeavesNothingOfALine) {
@@ -464,7 +464,7 @@ TEST(RemoveCollinear, OfAnyIntegersFollowsTheWalk) {
 }
 
 TEST(RemoveCollinearF32, DropsAVertexWithinTheToleranceOfASide) {
-  EXPECT_EQ(PolygonF(toFloat(kSquare)).slots(), thinned(ShapeF{{0, 0}, {5, 0.005f}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(PolygonF(toFloat(squareOfTen)).slots(), thinned(ShapeF{{0, 0}, {5, 0.005f}, {10, 0}, {10, 10}, {0, 10}}));
 }
 
 TEST(RemoveCollinearF32, KeepsAVertexBeyondTheTolerance) {
@@ -580,14 +580,14 @@ TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
 
 float distance(const ShapeF& s, Point_f32 p) { return IP_Polygon_SquaredDist(PolygonF(s).get(), &p); }
 
-TEST(PolygonDistance, FromOutsideGoesToTheNearestCorner) { EXPECT_EQ(29.0f, distance(toFloat(kSquare), {12, 15})); }
+TEST(PolygonDistance, FromOutsideGoesToTheNearestCorner) { EXPECT_EQ(29.0f, distance(toFloat(squareOfTen), {12, 15})); }
 
 TEST(PolygonDistance, FromInsideGoesToTheNearestSide) {
-  EXPECT_EQ(25.0f, distance(toFloat(kSquare), {5, 5}));
-  EXPECT_EQ(4.0f, distance(toFloat(kSquare), {8, 5}));
+  EXPECT_EQ(25.0f, distance(toFloat(squareOfTen), {5, 5}));
+  EXPECT_EQ(4.0f, distance(toFloat(squareOfTen), {8, 5}));
 }
 
-TEST(PolygonDistance, OnTheOutlineIsZero) { EXPECT_EQ(0.0f, distance(toFloat(kSquare), {10, 5})); }
+TEST(PolygonDistance, OnTheOutlineIsZero) { EXPECT_EQ(0.0f, distance(toFloat(squareOfTen), {10, 5})); }
 
 TEST(PolygonDistance, CountsTheClosingEdge) {
   EXPECT_EQ(1.0f, distance({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, {1, 50}));
@@ -614,7 +614,7 @@ TEST(PolygonDistance, LeavesOutEdgesWhoseFootIsNoNumber) {
 }
 
 TEST(PolygonDistance, ReadsNothingBehindTheLastVertex) {
-  GuardedPolygonF guarded(toFloat(kSquare));
+  GuardedPolygonF guarded(toFloat(squareOfTen));
   const Point_f32 p = {5, 5};
   EXPECT_EQ(25.0f, IP_Polygon_SquaredDist(guarded.get(), &p));
 }

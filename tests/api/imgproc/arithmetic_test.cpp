@@ -14,7 +14,7 @@ using namespace nadir::test;
 
 namespace {
 
-const std::vector<uint32_t> kOps{IMGOP_ADD, IMGOP_SUB, IMGOP_MUL, IMGOP_DIV, IMGOP_SHR, IMGOP_SHL};
+const std::vector<uint32_t> ops{IMGOP_ADD, IMGOP_SUB, IMGOP_MUL, IMGOP_DIV, IMGOP_SHR, IMGOP_SHL};
 
 template <class T>
 T combined(T a, T b, uint32_t op) {
@@ -126,7 +126,7 @@ template <class T, class Check>
 void forEachCase(uint32_t maxHeight, Check check) {
   forEachSize(smallSizes(maxHeight), [&](Size size, Guard side, Random& random) {
     Image<T> a(size.width, size.height, side), b(size.width, size.height, side);
-    for (uint32_t op : kOps) {
+    for (uint32_t op : ops) {
       SCOPED_TRACE("operation " + std::to_string(op));
       const std::vector<T> first = anyPixels<T>(random, a.size()), second = operands<T>(random, b.size(), op);
       a.fill(first);
@@ -330,7 +330,7 @@ TYPED_TEST(ArithmeticOf, EveryZeroDivisorSignalsOnceAndTheOtherPixelsAreRight) {
 
 TYPED_TEST(ArithmeticOf, OnlyDivisionSignals) {
   const CountedDivisionsByZero signals;
-  for (uint32_t op : kOps)
+  for (uint32_t op : ops)
     if (op != IMGOP_DIV) combined<TypeParam>(5, 0, op);
   combined<TypeParam>(0, 5, IMGOP_DIV);
   EXPECT_EQ(signals.count(), 0);
@@ -340,12 +340,12 @@ TYPED_TEST(ArithmeticOf, OnlyDivisionSignals) {
 
 TEST(Arithmetic, AcceptsAnImageWithoutRowsForEveryOperation) {
   Image<uint16_t> a(5, 0), b(5, 0), out(5, 0);
-  for (uint32_t op : kOps) EXPECT_EQ(IP_ImgOpImg(a, b, out, op), 1u) << op;
+  for (uint32_t op : ops) EXPECT_EQ(IP_ImgOpImg(a, b, out, op), 1u) << op;
 }
 
 TEST(Arithmetic, AcceptsAnImageWithoutColumns) {
   Image<uint16_t> a(0, 5), b(0, 5), out(0, 5);
-  for (uint32_t op : kOps) EXPECT_EQ(IP_ImgOpImg(a, b, out, op), 1u) << op;
+  for (uint32_t op : ops) EXPECT_EQ(IP_ImgOpImg(a, b, out, op), 1u) << op;
 }
 
 TEST(Arithmetic, ChecksTypeAndOperationAlsoWithoutRows) {

@@ -390,7 +390,7 @@ TEST(ImgAvrg, LeavesTheDescriptorsAlone) {
 namespace {
 
 using Accumulate = int32_t (*)(const Img*, Img*, Img*, ImgAvrgState*);
-constexpr Accumulate kAccumulating[] = {IP_Utils_ImgAvrgInit, IP_Utils_ImgAvrgAdd};
+constexpr Accumulate accumulating[] = {IP_Utils_ImgAvrgInit, IP_Utils_ImgAvrgAdd};
 
 // Four images, each large enough for any type, that stand for a series.
 struct AnyTypes {
@@ -407,7 +407,7 @@ struct AnyTypes {
 
   // Neither Init nor Add touches anything, with these images or null in their place.
   void expectRefused(const Img* frameOrNull, Img* sumOrNull, Img* countOrNull) {
-    for (Accumulate call : kAccumulating) {
+    for (Accumulate call : accumulating) {
       const ImgAvrgState before{7, 8, 9};
       ImgAvrgState state = before;
       const auto answer = [&] { return static_cast<uint32_t>(call(frameOrNull, sumOrNull, countOrNull, &state)); };

@@ -11,11 +11,11 @@ namespace nadir::test {
 namespace {
 
 using Pixels = std::vector<uint16_t>;
-constexpr size_t kVgaPixels = 640 * 480, kQvgaPixels = 320 * 240;
+constexpr size_t vgaPixelCount = 640 * 480, qvgaPixelCount = 320 * 240;
 
 Pixels vgaPixels(uint64_t seed) {
   Random random(seed);
-  return anyPixels<uint16_t>(random, kVgaPixels);
+  return anyPixels<uint16_t>(random, vgaPixelCount);
 }
 
 Pixels everySecond(const Pixels& vga) {
@@ -25,7 +25,7 @@ Pixels everySecond(const Pixels& vga) {
   return qvga;
 }
 
-Image<uint16_t> markedQvga() { return Image<uint16_t>(320, 240, marks<uint16_t>(kQvgaPixels)); }
+Image<uint16_t> markedQvga() { return Image<uint16_t>(320, 240, marks<uint16_t>(qvgaPixelCount)); }
 
 }  // namespace
 
@@ -62,7 +62,7 @@ TEST(ScaleVga2Qvga, AcceptsEveryTypeCodeWithTheBitOfU16) {
     src.img.type = type;
     EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);
     EXPECT_TRUE(holds(dst, wanted));
-    dst.fill(marks<uint16_t>(kQvgaPixels));
+    dst.fill(marks<uint16_t>(qvgaPixelCount));
     src.img.type = IMG_TYPE_U16;
     dst.img.type = type;
     EXPECT_EQ(IP_ScaleVga2Qvga(src, dst), 1u);

@@ -12,7 +12,7 @@ using namespace nadir::test;
 
 namespace {
 
-const std::vector<int32_t> kMorphOps{MORPH_ERODE, MORPH_DILATE, MORPH_OPEN, MORPH_CLOSE, MORPH_CLEAN};
+const std::vector<int32_t> morphOps{MORPH_ERODE, MORPH_DILATE, MORPH_OPEN, MORPH_CLOSE, MORPH_CLEAN};
 
 template <class T>
 using Pixels = std::vector<T>;
@@ -380,7 +380,7 @@ TYPED_TEST(Morph3x3Of, IsExactForEverySizeAndOperation) {
     if (size.height == 1) return;
     const model::Picture<TypeParam> picture{size.width, size.height,
                                             holeyPixels<TypeParam>(random, size.width * size.height)};
-    for (int32_t op : kMorphOps) expectMorph(picture, op, side);
+    for (int32_t op : morphOps) expectMorph(picture, op, side);
   });
 }
 
@@ -390,7 +390,7 @@ TYPED_TEST(Morph3x3Of, IsRightForEveryArrangementOfHoles) {
     Random random(shift);
     auto picture = everyArrangement<TypeParam>(0, 1, shift);
     for (TypeParam& v : picture.pixels) v = static_cast<TypeParam>(v * random.between(1, 255));
-    for (int32_t op : kMorphOps) expectMorph(picture, op);
+    for (int32_t op : morphOps) expectMorph(picture, op);
   }
 }
 
@@ -398,7 +398,7 @@ TYPED_TEST(Morph3x3Of, CopiesTheBorderForEveryOperation) {
   Random random(7);
   const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, 35);
   const Image<TypeParam> src(7, 5, pixels);
-  for (int32_t op : kMorphOps) {
+  for (int32_t op : morphOps) {
     SCOPED_TRACE(op);
     Image<TypeParam> dst = marked<TypeParam>(7, 5);
     EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u);
@@ -412,7 +412,7 @@ TYPED_TEST(Morph3x3Of, CopiesTheBorderForEveryOperation) {
 
 TYPED_TEST(Morph3x3Of, CopiesImagesWithoutAnInside) {
   for (Size size : {Size{9, 2}, Size{2, 9}, Size{1, 9}, Size{1, 2}, Size{2, 2}}) {
-    for (int32_t op : kMorphOps) {
+    for (int32_t op : morphOps) {
       SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", operation " << op);
       Random random(3);
       const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, size.width * size.height);
@@ -427,19 +427,19 @@ TYPED_TEST(Morph3x3Of, CopiesImagesWithoutAnInside) {
 TEST(Morph3x3, AcceptsAnImageWithoutRowsForEveryOperation) {
   const Image<uint16_t> src(7, 0);
   Image<uint16_t> dst(7, 0);
-  for (int32_t op : kMorphOps) EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u) << op;
+  for (int32_t op : morphOps) EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u) << op;
 }
 
 TEST(Morph3x3, AcceptsAnImageWithoutColumnsForEveryOperation) {
   const Image<uint16_t> src(0, 7);
   Image<uint16_t> dst(0, 7);
-  for (int32_t op : kMorphOps) EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u) << op;
+  for (int32_t op : morphOps) EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u) << op;
 }
 
 TEST(Morph3x3, RefusesASingleRow) {
   const Image<uint16_t> src(7, 1);
   Image<uint16_t> dst = marked<uint16_t>(7, 1);
-  for (int32_t op : kMorphOps) {
+  for (int32_t op : morphOps) {
     SCOPED_TRACE(op);
     EXPECT_TRUE(refuses(dst, [&] { return IP_Morph3x3(src, dst, op); }));
   }
@@ -464,20 +464,20 @@ struct Filter {
   uint32_t (*run)(const Img*, Img*);
 };
 
-const std::initializer_list<uint32_t> kMedianTypes{IMG_TYPE_U16, IMG_TYPE_S16};
-const std::initializer_list<uint32_t> kMaximumTypes{IMG_TYPE_U16};
-const std::initializer_list<uint32_t> kMorphTypes{IMG_TYPE_U8, IMG_TYPE_U16};
+const std::initializer_list<uint32_t> medianTypes{IMG_TYPE_U16, IMG_TYPE_S16};
+const std::initializer_list<uint32_t> maximumTypes{IMG_TYPE_U16};
+const std::initializer_list<uint32_t> morphTypes{IMG_TYPE_U8, IMG_TYPE_U16};
 
 template <int32_t op>
 uint32_t morph(const Img* src, Img* dst) {
   return IP_Morph3x3(src, dst, op);
 }
 
-const Filter kFilters[] = {
-    {"Median", kMedianTypes, IP_Median3x3},     {"Maximum", kMaximumTypes, IP_Maximum3x3},
-    {"Erode", kMorphTypes, morph<MORPH_ERODE>}, {"Dilate", kMorphTypes, morph<MORPH_DILATE>},
-    {"Open", kMorphTypes, morph<MORPH_OPEN>},   {"Close", kMorphTypes, morph<MORPH_CLOSE>},
-    {"Clean", kMorphTypes, morph<MORPH_CLEAN>}, {"UnknownMorphology", kMorphTypes, morph<9>},
+const Filter filters[] = {
+    {"Median", medianTypes, IP_Median3x3},     {"Maximum", maximumTypes, IP_Maximum3x3},
+    {"Erode", morphTypes, morph<MORPH_ERODE>}, {"Dilate", morphTypes, morph<MORPH_DILATE>},
+    {"Open", morphTypes, morph<MORPH_OPEN>},   {"Close", morphTypes, morph<MORPH_CLOSE>},
+    {"Clean", morphTypes, morph<MORPH_CLEAN>}, {"UnknownMorphology", morphTypes, morph<9>},
 };
 
 class EveryFilter3x3 : public ::testing::TestWithParam<Filter> {
@@ -488,7 +488,7 @@ class EveryFilter3x3 : public ::testing::TestWithParam<Filter> {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(, EveryFilter3x3, ::testing::ValuesIn(kFilters),
+INSTANTIATE_TEST_SUITE_P(, EveryFilter3x3, ::testing::ValuesIn(filters),
                          [](const auto& filter) { return std::string(filter.param.name); });
 
 }  // namespace

@@ -11,7 +11,7 @@ using namespace nadir::test;
 
 namespace {
 
-const std::vector<uint32_t> kModes{MASK_KEEP_SET, MASK_CLEAR_SET, 2, 255, 256, 0x80000000u, 0xFFFFFFFFu};
+const std::vector<uint32_t> modes{MASK_KEEP_SET, MASK_CLEAR_SET, 2, 255, 256, 0x80000000u, 0xFFFFFFFFu};
 
 // Half of the bytes 0, the others any value: every bit alone counts as set.
 std::vector<uint8_t> anyMask(Random& random, size_t count) {
@@ -76,7 +76,7 @@ TYPED_TEST(MaskOf, IsExactForEverySizeAndMode) {
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     const Image<uint8_t> mask(size.width, size.height, maskBytes, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);
-    for (uint32_t mode : kModes) {
+    for (uint32_t mode : modes) {
       SCOPED_TRACE(mode);
       std::vector<TypeParam> wanted = pixels;
       for (size_t i = 0; i < wanted.size(); ++i) wanted[i] = model::mask(pixels[i], maskBytes[i], mode);
@@ -146,13 +146,13 @@ TEST(Mask, ReadsOneByteAPixelWhateverTheMasksBytesPerPixel) {
 TEST(Mask, AcceptsAnImageWithoutRows) {
   const Image<uint8_t> src(5, 0), mask(5, 0);
   Image<uint8_t> dst(5, 0);
-  for (uint32_t mode : kModes) EXPECT_EQ(IP_Mask(src, mask, dst, mode), 1u) << mode;
+  for (uint32_t mode : modes) EXPECT_EQ(IP_Mask(src, mask, dst, mode), 1u) << mode;
 }
 
 TEST(Mask, AcceptsAnImageWithoutColumns) {
   const Image<uint8_t> src(0, 5), mask(0, 5);
   Image<uint8_t> dst(0, 5);
-  for (uint32_t mode : kModes) EXPECT_EQ(IP_Mask(src, mask, dst, mode), 1u) << mode;
+  for (uint32_t mode : modes) EXPECT_EQ(IP_Mask(src, mask, dst, mode), 1u) << mode;
 }
 
 TEST(Mask, ChecksTypesAlsoWithoutRows) {

@@ -11,11 +11,11 @@ using namespace nadir::test;
 
 namespace {
 
-const std::vector<uint32_t> kModes{THRESH_ZERO_BELOW, THRESH_KEEP_ABOVE, THRESH_ZERO_EQUAL, THRESH_KEEP_BELOW,
-                                   THRESH_ZERO_ABOVE};
-const std::vector<int32_t> kRangeModes{THRESH_ZERO_INSIDE, THRESH_ZERO_OUTSIDE};
-const std::vector<uint32_t> kOtherModes{5, 6, 7, 8, 255, 256, 0x10000, 0x80000000u, 0xFFFFFFFFu};
-const std::vector<int32_t> kOtherRangeModes{0, 1, 2, 3, 4, 7, 8, -1, 261, 0x10005, -2147483647 - 1};
+const std::vector<uint32_t> modes{THRESH_ZERO_BELOW, THRESH_KEEP_ABOVE, THRESH_ZERO_EQUAL, THRESH_KEEP_BELOW,
+                                  THRESH_ZERO_ABOVE};
+const std::vector<int32_t> rangeModes{THRESH_ZERO_INSIDE, THRESH_ZERO_OUTSIDE};
+const std::vector<uint32_t> otherModes{5, 6, 7, 8, 255, 256, 0x10000, 0x80000000u, 0xFFFFFFFFu};
+const std::vector<int32_t> otherRangeModes{0, 1, 2, 3, 4, 7, 8, -1, 261, 0x10005, -2147483647 - 1};
 
 template <class T>
 std::vector<T> thresholded(std::initializer_list<T> row, uint32_t threshold, uint32_t mode) {
@@ -35,9 +35,9 @@ using U16 = std::vector<uint16_t>;
 using S16 = std::vector<int16_t>;
 
 // Every valid call makes pixels of this value 0, so that a write by a call that should refuse shows.
-constexpr uint32_t kAbove = 0x7000, kLo = 0x30, kHi = 0x6000;
-constexpr uint32_t kZeroing = THRESH_KEEP_ABOVE;
-constexpr int32_t kRangeZeroing = THRESH_ZERO_INSIDE;
+constexpr uint32_t above = 0x7000, rangeBegin = 0x30, rangeEnd = 0x6000;
+constexpr uint32_t zeroing = THRESH_KEEP_ABOVE;
+constexpr int32_t rangeZeroing = THRESH_ZERO_INSIDE;
 
 template <class T>
 Image<T> marked(uint32_t width, uint32_t height) {
@@ -179,7 +179,7 @@ TYPED_TEST(ThresholdOf, OneThresholdIsExactForEverySizeAndMode) {
     const auto pixels = closePixels<TypeParam>(random, size.width * size.height);
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);
-    for (uint32_t mode : kModes) {
+    for (uint32_t mode : modes) {
       const uint32_t word = anyWord(random);
       SCOPED_TRACE(testing::Message() << "mode " << mode << ", threshold " << word);
       std::vector<TypeParam> wanted = pixels;
@@ -200,7 +200,7 @@ TYPED_TEST(ThresholdOf, RangeIsExactForEverySizeAndMode) {
     const auto pixels = closePixels<TypeParam>(random, size.width * size.height);
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);
-    for (int32_t mode : kRangeModes) {
+    for (int32_t mode : rangeModes) {
       const uint32_t lo = anyWord(random), hi = anyWord(random);
       SCOPED_TRACE(testing::Message() << "mode " << mode << ", range " << lo << " to " << hi);
       std::vector<TypeParam> wanted = pixels;
@@ -249,22 +249,22 @@ TYPED_TEST(ThresholdOf, WalksEachImageWithItsOwnRowStride) {
 
 TEST(Threshold, AcceptsAnImageWithoutRowsForEveryMode) {
   Image<uint16_t> src(5, 0), dst(5, 0);
-  for (uint32_t mode : kModes) EXPECT_EQ(IP_Threshold(src, dst, 100, mode), 1u) << mode;
+  for (uint32_t mode : modes) EXPECT_EQ(IP_Threshold(src, dst, 100, mode), 1u) << mode;
 }
 
 TEST(Threshold, AcceptsAnImageWithoutColumns) {
   Image<uint16_t> src(0, 5), dst(0, 5);
-  EXPECT_EQ(IP_Threshold(src, dst, 100, kZeroing), 1u);
+  EXPECT_EQ(IP_Threshold(src, dst, 100, zeroing), 1u);
 }
 
 TEST(ThresholdRange, AcceptsAnImageWithoutRowsForEveryMode) {
   Image<uint16_t> src(5, 0), dst(5, 0);
-  for (int32_t mode : kRangeModes) EXPECT_EQ(IP_ThresholdRange(src, dst, 1, 2, mode), 1u) << mode;
+  for (int32_t mode : rangeModes) EXPECT_EQ(IP_ThresholdRange(src, dst, 1, 2, mode), 1u) << mode;
 }
 
 TEST(ThresholdRange, AcceptsAnImageWithoutColumns) {
   Image<uint16_t> src(0, 5), dst(0, 5);
-  EXPECT_EQ(IP_ThresholdRange(src, dst, 1, 2, kRangeZeroing), 1u);
+  EXPECT_EQ(IP_ThresholdRange(src, dst, 1, 2, rangeZeroing), 1u);
 }
 
 TEST(Threshold, ChecksTypeAndModeAlsoWithoutRows) {
@@ -279,20 +279,20 @@ TEST(Threshold, ChecksTypeAndModeAlsoWithoutRows) {
 // ---- refused -------------------------------------------------------------------------------------------------------
 
 TEST(Threshold, RefusesEveryOtherMode) {
-  for (uint32_t mode : kOtherModes) {
+  for (uint32_t mode : otherModes) {
     SCOPED_TRACE(mode);
     Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = marked<uint16_t>(3, 2);
-    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, kAbove, mode); }));
-    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold_I(dst, kAbove, mode); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, above, mode); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold_I(dst, above, mode); }));
   }
 }
 
 TEST(ThresholdRange, RefusesEveryOtherMode) {
-  for (int32_t mode : kOtherRangeModes) {
+  for (int32_t mode : otherRangeModes) {
     SCOPED_TRACE(mode);
     Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = marked<uint16_t>(3, 2);
-    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, kLo, kHi, mode); }));
-    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange_I(dst, kLo, kHi, mode); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, rangeBegin, rangeEnd, mode); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange_I(dst, rangeBegin, rangeEnd, mode); }));
   }
 }
 
@@ -302,8 +302,8 @@ TEST(Threshold, RefusesEveryOtherType) {
     Image<uint32_t> src = marked<uint32_t>(3, 2), dst = marked<uint32_t>(3, 2);
     src.retype(type);
     dst.retype(type);
-    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, kAbove, kZeroing); }));
-    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold_I(dst, kAbove, kZeroing); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, above, zeroing); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold_I(dst, above, zeroing); }));
   }
 }
 
@@ -313,8 +313,8 @@ TEST(ThresholdRange, RefusesEveryOtherType) {
     Image<uint32_t> src = marked<uint32_t>(3, 2), dst = marked<uint32_t>(3, 2);
     src.retype(type);
     dst.retype(type);
-    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, kLo, kHi, kRangeZeroing); }));
-    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange_I(dst, kLo, kHi, kRangeZeroing); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, rangeBegin, rangeEnd, rangeZeroing); }));
+    EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange_I(dst, rangeBegin, rangeEnd, rangeZeroing); }));
   }
 }
 
@@ -322,8 +322,8 @@ namespace {
 
 template <class S, class D>
 void expectBothRefuse(const Image<S>& src, Image<D>& dst) {
-  EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, kAbove, kZeroing); }));
-  EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, kLo, kHi, kRangeZeroing); }));
+  EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, above, zeroing); }));
+  EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, rangeBegin, rangeEnd, rangeZeroing); }));
 }
 
 }  // namespace
@@ -354,24 +354,26 @@ TEST(Threshold, RefusesWidthAndHeightExchanged) {
 
 TEST(Threshold, RefusesANullSource) {
   Image<uint16_t> dst = marked<uint16_t>(3, 2);
-  EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(nullptr, dst, kAbove, kZeroing); }));
+  EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(nullptr, dst, above, zeroing); }));
 }
 
 TEST(Threshold, RefusesANullDestination) {
   const Image<uint16_t> src(3, 2);
-  EXPECT_EQ(IP_Threshold(src, nullptr, kAbove, kZeroing), 0u);
+  EXPECT_EQ(IP_Threshold(src, nullptr, above, zeroing), 0u);
 }
 
-TEST(Threshold, RefusesANullImageInPlace) { EXPECT_EQ(IP_Threshold_I(nullptr, kAbove, kZeroing), 0u); }
+TEST(Threshold, RefusesANullImageInPlace) { EXPECT_EQ(IP_Threshold_I(nullptr, above, zeroing), 0u); }
 
 TEST(ThresholdRange, RefusesANullSource) {
   Image<uint16_t> dst = marked<uint16_t>(3, 2);
-  EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(nullptr, dst, kLo, kHi, kRangeZeroing); }));
+  EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(nullptr, dst, rangeBegin, rangeEnd, rangeZeroing); }));
 }
 
 TEST(ThresholdRange, RefusesANullDestination) {
   const Image<uint16_t> src(3, 2);
-  EXPECT_EQ(IP_ThresholdRange(src, nullptr, kLo, kHi, kRangeZeroing), 0u);
+  EXPECT_EQ(IP_ThresholdRange(src, nullptr, rangeBegin, rangeEnd, rangeZeroing), 0u);
 }
 
-TEST(ThresholdRange, RefusesANullImageInPlace) { EXPECT_EQ(IP_ThresholdRange_I(nullptr, kLo, kHi, kRangeZeroing), 0u); }
+TEST(ThresholdRange, RefusesANullImageInPlace) {
+  EXPECT_EQ(IP_ThresholdRange_I(nullptr, rangeBegin, rangeEnd, rangeZeroing), 0u);
+}

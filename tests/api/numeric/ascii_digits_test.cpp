@@ -15,10 +15,10 @@
 namespace nadir::test {
 namespace {
 
+using model::glyphColumns;
+using model::glyphRows;
 using model::Glyphs;
-using model::kGlyphColumns;
-using model::kGlyphRows;
-using model::kPrintedLines;
+using model::printedLines;
 
 // While it lives, standard output goes to a file.
 class CapturedOutput {
@@ -75,8 +75,8 @@ std::vector<std::string> linesOf(const std::string& text) {
 std::string glyphAt(size_t place, const std::string& text) {
   const std::vector<std::string> lines = linesOf(text);
   std::string glyph;
-  for (size_t row = 0; row < kGlyphRows && row < lines.size(); ++row)
-    glyph += lines[row].substr(std::min(place * (kGlyphColumns + 2), lines[row].size()), kGlyphColumns);
+  for (size_t row = 0; row < glyphRows && row < lines.size(); ++row)
+    glyph += lines[row].substr(std::min(place * (glyphColumns + 2), lines[row].size()), glyphColumns);
   return glyph;
 }
 
@@ -96,16 +96,16 @@ TEST(PrintNumAsAscii, PrintsALineForEachCharacterOfADrawing) {
     const std::string text = print(number).text;
     ASSERT_FALSE(text.empty());
     EXPECT_EQ(text.back(), '\n');
-    EXPECT_EQ(linesOf(text).size(), kPrintedLines) << number;
+    EXPECT_EQ(linesOf(text).size(), printedLines) << number;
   }
 }
 
 TEST(PrintNumAsAscii, DrawsThreeDigitsSideBySideInTheFirstLines) {
   for (uint32_t number : {0u, 42u, 999u}) {
     const std::vector<std::string> lines = linesOf(print(number).text);
-    ASSERT_GE(lines.size(), kGlyphRows);
-    for (size_t row = 0; row < kGlyphRows; ++row) {
-      ASSERT_EQ(lines[row].size(), 3 * kGlyphColumns + 4) << number << ", line " << row;
+    ASSERT_GE(lines.size(), glyphRows);
+    for (size_t row = 0; row < glyphRows; ++row) {
+      ASSERT_EQ(lines[row].size(), 3 * glyphColumns + 4) << number << ", line " << row;
       EXPECT_EQ(lines[row].substr(16, 2), "  ");
       EXPECT_EQ(lines[row].substr(34, 2), "  ");
     }
@@ -114,7 +114,7 @@ TEST(PrintNumAsAscii, DrawsThreeDigitsSideBySideInTheFirstLines) {
 
 TEST(PrintNumAsAscii, DrawsWithPrintableCharactersOnSpaces) {
   for (size_t digit = 0; digit < 10; ++digit) {
-    ASSERT_EQ(glyphs()[digit].size(), model::kGlyphBytes);
+    ASSERT_EQ(glyphs()[digit].size(), model::glyphBytes);
     size_t spaces = 0, ink = 0;
     for (char c : glyphs()[digit]) {
       EXPECT_TRUE(c >= 0x20 && c < 0x7F) << "digit " << digit << ", character code " << +c;

@@ -18,9 +18,9 @@ namespace {
 
 using Function = std::function<double(double)>;
 using Points = std::vector<double>;
-constexpr double kUnwritten = -12345.75;
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double unwritten = -12345.75;
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 // The context of the callback: the function, and where it was asked for.
 struct Objective {
@@ -45,8 +45,8 @@ Found search(const Function& f, uint32_t maxEval, double a, double b, double tol
   Objective objective{f, {}};
   const GsFunc func{evaluate, &objective};
   const size_t room = std::max(maxEval, 2u);
-  const Guarded<double> xs(Points(room, kUnwritten), side), fs(Points(room, kUnwritten), side);
-  Found found{{77, 77, kUnwritten, kUnwritten}, {}, {}, {}};
+  const Guarded<double> xs(Points(room, unwritten), side), fs(Points(room, unwritten), side);
+  Found found{{77, 77, unwritten, unwritten}, {}, {}, {}};
   IP_Optim_GsSearch(&func, maxEval, xs.data(), fs.data(), &found.result, a, b, tol);
   found.xs = xs.values();
   found.fs = fs.values();
@@ -72,8 +72,8 @@ void expectAsTheModel(const Function& f, uint32_t maxEval, double a, double b, d
   ASSERT_EQ(wanted.evaluations, got.result.evaluations);
   ASSERT_EQ(wanted.iterations, got.result.iterations);
   EXPECT_TRUE(identical(wanted.xs, got.asked));
-  wanted.xs.resize(got.xs.size(), kUnwritten);
-  wanted.fs.resize(got.fs.size(), kUnwritten);
+  wanted.xs.resize(got.xs.size(), unwritten);
+  wanted.fs.resize(got.fs.size(), unwritten);
   EXPECT_TRUE(identical(wanted.xs, got.xs));
   EXPECT_TRUE(identical(wanted.fs, got.fs));
   EXPECT_TRUE(identical(wanted.bestX, got.result.bestX)) << got.result.bestX;
@@ -143,8 +143,8 @@ TEST(GsSearch, TakesNoStepWithinTheTolerance) {
   const Found found = search(hill, 10, 0, 3, 3);
   EXPECT_EQ(found.result.iterations, 0u);
   EXPECT_EQ(found.result.evaluations, 2u);
-  EXPECT_EQ(Points(found.xs.begin() + 2, found.xs.end()), Points(8, kUnwritten));
-  EXPECT_EQ(Points(found.fs.begin() + 2, found.fs.end()), Points(8, kUnwritten));
+  EXPECT_EQ(Points(found.xs.begin() + 2, found.xs.end()), Points(8, unwritten));
+  EXPECT_EQ(Points(found.fs.begin() + 2, found.fs.end()), Points(8, unwritten));
 }
 
 TEST(GsSearch, TakesAStepOnlyAboveTheTolerance) {
@@ -155,7 +155,7 @@ TEST(GsSearch, TakesAStepOnlyAboveTheTolerance) {
 }
 
 TEST(GsSearch, TakesNoStepWhereTheToleranceIsNoNumber) {
-  EXPECT_EQ(search(hill, 10, 0, 3, kNaN).result.evaluations, 2u);
+  EXPECT_EQ(search(hill, 10, 0, 3, notANumber).result.evaluations, 2u);
 }
 
 TEST(GsSearch, StopsOnAnEmptyIntervalUnlessTheToleranceIsNegative) {
@@ -237,7 +237,7 @@ TEST(GsSearch, RecordsExactlyTheSameSearchWithEndsExchanged) {
 }
 
 TEST(GsSearch, RecordsExactlyTheSameSearchForEndsThatAreNoNumbers) {
-  for (double end : {kInfinity, -kInfinity, kNaN, std::numeric_limits<double>::max()}) {
+  for (double end : {infinity, -infinity, notANumber, std::numeric_limits<double>::max()}) {
     expectAsTheModel(hill, 10, 0, end, 1e-6);
     expectAsTheModel(hill, 10, end, 0, 1e-6);
     expectAsTheModel(hill, 10, end, 0, -1);
@@ -247,10 +247,10 @@ TEST(GsSearch, RecordsExactlyTheSameSearchForEndsThatAreNoNumbers) {
 
 // Neither value is larger than the other, so it goes right.
 TEST(GsSearch, RecordsExactlyTheSameSearchForValuesThatAreNoNumbers) {
-  expectAsTheModel([](double) { return kNaN; }, 10, 0, 3, 0);
-  expectAsTheModel([](double x) { return x < 1.5 ? kNaN : x; }, 20, 0, 3, 0);
-  expectAsTheModel([](double x) { return x < 1.5 ? x : kNaN; }, 20, 0, 3, 0);
-  expectAsTheModel([](double x) { return x < 1.5 ? kInfinity : -kInfinity; }, 20, 0, 3, 0);
+  expectAsTheModel([](double) { return notANumber; }, 10, 0, 3, 0);
+  expectAsTheModel([](double x) { return x < 1.5 ? notANumber : x; }, 20, 0, 3, 0);
+  expectAsTheModel([](double x) { return x < 1.5 ? x : notANumber; }, 20, 0, 3, 0);
+  expectAsTheModel([](double x) { return x < 1.5 ? infinity : -infinity; }, 20, 0, 3, 0);
 }
 
 }  // namespace nadir::test

@@ -180,7 +180,7 @@ TEST(Median, OfTheLargestCountFollowsTheSelection) {
 
 // --- sorting indices
 
-constexpr uint16_t kUntouched = 0xA5A5;
+constexpr uint16_t untouched = 0xA5A5;
 
 struct Order {
   uint32_t status;
@@ -188,7 +188,7 @@ struct Order {
 };
 
 Order sortIndices(const Values& keys, uint32_t mode) {
-  const Guarded<uint16_t> guardedKeys(keys), indices(Values(keys.size(), kUntouched));
+  const Guarded<uint16_t> guardedKeys(keys), indices(Values(keys.size(), untouched));
   const uint32_t status =
       IP_Utl_RadixIdxSort(guardedKeys.data(), indices.data(), static_cast<uint32_t>(keys.size()), mode);
   EXPECT_EQ(keys, guardedKeys.values());
@@ -225,29 +225,29 @@ TEST(RadixSort, RefusesAnotherMode) {
   for (uint32_t mode : {2u, 0x80000000u, 0xFFFFFFFFu}) {
     const Order o = sortIndices({300, 5, 300, 0}, mode);
     EXPECT_EQ(0u, o.status) << mode;
-    EXPECT_EQ(Values(4, kUntouched), o.indices) << mode;
+    EXPECT_EQ(Values(4, untouched), o.indices) << mode;
   }
 }
 
 TEST(RadixSort, RefusesNullPointers) {
-  Values keys = {3, 2, 1}, indices(3, kUntouched);
+  Values keys = {3, 2, 1}, indices(3, untouched);
   EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 3, 0));
   EXPECT_EQ(0u, IP_Utl_RadixIdxSort(keys.data(), nullptr, 3, 0));
   EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 0, 0));
-  EXPECT_EQ(Values(3, kUntouched), indices);
+  EXPECT_EQ(Values(3, untouched), indices);
 }
 
 TEST(RadixSort, RefusesMoreKeysThanItCanIndex) {
   const Order o = sortIndices(Values(65537, 3), 0);
   EXPECT_EQ(0u, o.status);
-  EXPECT_TRUE(Values(65537, kUntouched) == o.indices);
+  EXPECT_TRUE(Values(65537, untouched) == o.indices);
 }
 
 TEST(RadixSort, OfNoKeysSucceedsAndWritesNothing) {
-  uint16_t key = 1, index = kUntouched;
+  uint16_t key = 1, index = untouched;
   EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 0));
   EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 1));
-  EXPECT_EQ(kUntouched, index);
+  EXPECT_EQ(untouched, index);
 }
 
 TEST(RadixSort, OfOneKeyIsIndexZero) { EXPECT_EQ((Values{0}), sortIndices({999}, 1).indices); }

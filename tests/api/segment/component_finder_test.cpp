@@ -23,7 +23,7 @@ using model::Region;
 using model::Words;
 using Picture = model::Picture<uint16_t>;
 
-constexpr Rect_s32 kWhole{0, 0, 0, 0};
+constexpr Rect_s32 wholeImage{0, 0, 0, 0};
 
 struct Close {
   void operator()(CompFinder* finder) const { IP_CompFinder_Close(finder); }
@@ -82,7 +82,7 @@ class Finder {
   }
   void expectModel(const Picture& picture) {
     ASSERT_EQ(find(picture), 1);
-    expectList(model::componentList(picture, kWhole));
+    expectList(model::componentList(picture, wholeImage));
     if (::testing::Test::HasFailure()) ADD_FAILURE() << text(picture);
   }
 
@@ -106,7 +106,7 @@ std::vector<std::string> drawing(uint32_t width, uint32_t height) {
 
 using Rows = std::vector<std::string>;
 
-Rows foundIn(const Rows& rows, const Rect_s32& aoi = kWhole) {
+Rows foundIn(const Rows& rows, const Rect_s32& aoi = wholeImage) {
   EXPECT_EQ(Finder().find(drawn(rows), aoi), 1);
   return drawing(static_cast<uint32_t>(rows[0].size()), static_cast<uint32_t>(rows.size()));
 }
@@ -365,7 +365,7 @@ TEST(ComponentFinderModel, AgreesOnAreasOfEveryKind) {
 
 TEST(ComponentFinderModel, AgreesOnFullSizeShapes) {
   Finder finder;
-  inRounds(12, [&](Random& random) { finder.expectModel(anyPicture(random, 256, 256), kWhole, anySide(random)); });
+  inRounds(12, [&](Random& random) { finder.expectModel(anyPicture(random, 256, 256), wholeImage, anySide(random)); });
 }
 
 TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {

@@ -23,7 +23,7 @@ using model::Region;
 using model::Words;
 using Picture = model::Picture<uint16_t>;
 
-constexpr int32_t kLargest = std::numeric_limits<int32_t>::max(), kSmallest = std::numeric_limits<int32_t>::min();
+constexpr int32_t largest = std::numeric_limits<int32_t>::max(), smallest = std::numeric_limits<int32_t>::min();
 
 // The record is large: one for all tests, at a guard page.
 RegionList& list() {
@@ -223,19 +223,19 @@ TEST_F(ElevationRegions, ReachIntoTheLastColumnAndRow) {
 }
 
 TEST_F(ElevationRegions, AreSingleCellsWithANegativeStep) {
-  for (const int32_t step : {-1, kSmallest}) {
+  for (const int32_t step : {-1, smallest}) {
     EXPECT_EQ(labelsOf({2, 2, {5, 5, 5, 5}}, wholeMap(step)), (Words{1, 2, 3, 4})) << step;
   }
 }
 
 TEST_F(ElevationRegions, IncludeHolesWithANegativeSmallestValue) {
-  for (const int32_t bound : {-1, kSmallest}) {
+  for (const int32_t bound : {-1, smallest}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({0, 0, 3, 0}), wholeMap(2, bound)), (Words{1, 1, 2, 3})) << bound;
   }
 }
 
 TEST_F(ElevationRegions, AreNoneAboveTheLargestHeight) {
-  for (const int32_t bound : {65535, 65536, kLargest}) {
+  for (const int32_t bound : {65535, 65536, largest}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({65535, 1}), wholeMap(9, bound)), Words(2, 0)) << bound;
   }
 }
@@ -244,7 +244,7 @@ TEST_F(ElevationRegions, CompareUnsignedHeights) {
   EXPECT_EQ(labelsOf(row<uint16_t>({0x7FFF, 0x8000, 0xFFFF, 1}), wholeMap(1)), (Words{1, 1, 2, 3}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(65533)), (Words{1, 2}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(65534)), (Words{1, 1}));
-  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(kLargest)), (Words{1, 1}));
+  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(largest)), (Words{1, 1}));
 }
 
 TEST_F(ElevationRegions, AreListedWithCellsHeightsAndBox) {
@@ -288,7 +288,7 @@ TEST_F(ElevationArea, OfZerosMeansTheWholeMap) {
 
 TEST_F(ElevationArea, IsClampedToTheMap) {
   EXPECT_EQ(labelsOf(drawn({"#.#"}), {-5, -5, 99, 99, 0, 0}), (Words{1, 0, 2}));
-  EXPECT_EQ(labelsOf(drawn({"#.#"}), {kSmallest, kSmallest, kLargest, kLargest, 0, 0}), (Words{1, 0, 2}));
+  EXPECT_EQ(labelsOf(drawn({"#.#"}), {smallest, smallest, largest, largest, 0, 0}), (Words{1, 0, 2}));
 }
 
 TEST_F(ElevationArea, WithoutRowsOrColumnsHasNoRegions) {
@@ -453,7 +453,7 @@ TEST_F(ElevationRegionsRefuse, LargerMapsAndKeepTheResults) {
 namespace {
 
 int32_t anyStep(Random& random) {
-  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), kLargest, -1};
+  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largest, -1};
   return steps[random.below(7)];
 }
 
@@ -488,7 +488,7 @@ RgeParams anyParams(Random& random, const Picture& picture) {
 }  // namespace
 
 TEST_F(ElevationModel, AgreesOnEveryImageOf4By4Cells) {
-  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), wholeMap(kLargest)); });
+  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), wholeMap(largest)); });
 }
 
 TEST_F(ElevationModel, AgreesOnEveryRelief) {
@@ -535,7 +535,7 @@ TEST_F(ElevationModel, AgreesOnFullSizeTerrain) {
 
 TEST_F(ElevationModel, AgreesOnFullSizeShapes) {
   inRounds(40, [](Random& random) {
-    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(kLargest), anySide(random));
+    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(largest), anySide(random));
   });
 }
 

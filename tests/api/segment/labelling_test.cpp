@@ -20,18 +20,18 @@ using model::Picture;
 using model::Words;
 using Sizes = std::vector<uint32_t>;
 
-constexpr uint32_t kMapBytes = 128 * 128 * 2, kSizesBytes = 4096 * 2;
-constexpr uint16_t kUntouched = 0xA7A7;
+constexpr uint32_t mapBytes = 128 * 128 * 2, sizesBytes = 4096 * 2;
+constexpr uint16_t untouched = 0xA7A7;
 
 // A label map and sizes as a caller sets them up, full of marks and next to guard pages. A map may be shorter than its
 // full 128 x 128 pixels, as long as it holds those of the picture.
 class Labeller {
  public:
-  explicit Labeller(size_t mapWords = kMapBytes / 2, Guard side = Guard::behind)
-      : mapWords_(Words(mapWords, kUntouched), side), sizeWords_(kSizesBytes / 2) {
+  explicit Labeller(size_t mapWords = mapBytes / 2, Guard side = Guard::behind)
+      : mapWords_(Words(mapWords, untouched), side), sizeWords_(sizesBytes / 2) {
     Img_Init(&map, 128, 128, IMG_TYPE_U16, mapWords_.data());
-    EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, sizeWords_.data(), kSizesBytes), 1);
-    std::memcpy(sizeWords_.data(), marks().data(), kSizesBytes);
+    EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, sizeWords_.data(), sizesBytes), 1);
+    std::memcpy(sizeWords_.data(), marks().data(), sizesBytes);
   }
 
   template <class T>
@@ -43,7 +43,7 @@ class Labeller {
   }
 
   static const Words& marks() {
-    static const Words words(kMapBytes / 2, kUntouched);
+    static const Words words(mapBytes / 2, untouched);
     return words;
   }
 
@@ -135,10 +135,10 @@ Picture<uint16_t> dust() {
 
 TEST(CreateLabelMap, Lays128By128PixelsOverTheBuffer) {
   Img map{};
-  const Guarded<uint16_t> memory(Words(kMapBytes / 2, kUntouched), Guard::behind);
-  EXPECT_EQ(IP_CompFind_CreateLabelMap(&map, memory.data(), kMapBytes), 1);
+  const Guarded<uint16_t> memory(Words(mapBytes / 2, untouched), Guard::behind);
+  EXPECT_EQ(IP_CompFind_CreateLabelMap(&map, memory.data(), mapBytes), 1);
   EXPECT_TRUE(sameDescriptor(map, {128, 128, 2, IMG_TYPE_U16, memory.data()}));
-  EXPECT_EQ(memory.values(), Words(kMapBytes / 2, kUntouched));
+  EXPECT_EQ(memory.values(), Words(mapBytes / 2, untouched));
 }
 
 TEST(CreateLabelMap, AcceptsLargerBuffers) {
@@ -149,27 +149,27 @@ TEST(CreateLabelMap, AcceptsLargerBuffers) {
 }
 
 TEST(CreateLabelMap, RefusesSmallerBuffers) {
-  for (const uint32_t bytes : {0u, 1u, 16384u, kMapBytes - 1}) {
+  for (const uint32_t bytes : {0u, 1u, 16384u, mapBytes - 1}) {
     Img map{1, 2, 3, 4, nullptr};
-    uint16_t first = kUntouched;
+    uint16_t first = untouched;
     EXPECT_EQ(IP_CompFind_CreateLabelMap(&map, &first, bytes), 0) << bytes;
     EXPECT_TRUE(sameDescriptor(map, {1, 2, 3, 4, nullptr})) << bytes;
-    EXPECT_EQ(first, kUntouched);
+    EXPECT_EQ(first, untouched);
   }
 }
 
 TEST(CreateLabelMap, RefusesANullMap) {
-  uint16_t first = kUntouched;
-  EXPECT_EQ(IP_CompFind_CreateLabelMap(nullptr, &first, kMapBytes), 0);
-  EXPECT_EQ(first, kUntouched);
+  uint16_t first = untouched;
+  EXPECT_EQ(IP_CompFind_CreateLabelMap(nullptr, &first, mapBytes), 0);
+  EXPECT_EQ(first, untouched);
 }
 
 // ---- component sizes -----------------------------------------------------------------------------------------------
 
 TEST(CreateComponentSizes, Makes4096Zeros) {
   Vector sizes{};
-  const Guarded<uint16_t> memory(Words(4096, kUntouched));
-  EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, memory.data(), kSizesBytes), 1);
+  const Guarded<uint16_t> memory(Words(4096, untouched));
+  EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, memory.data(), sizesBytes), 1);
   EXPECT_EQ(sizes.count, 4096u);
   EXPECT_EQ(sizes.capacity, 4096u);
   EXPECT_EQ(sizes.elementType, uint32_t{VECTOR_TYPE_U16});
@@ -179,22 +179,22 @@ TEST(CreateComponentSizes, Makes4096Zeros) {
 
 TEST(CreateComponentSizes, TakesALargerBufferAsCapacityAndClears4096OfIt) {
   Vector sizes{};
-  const Guarded<uint16_t> memory(Words(5000, kUntouched));
+  const Guarded<uint16_t> memory(Words(5000, untouched));
   EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, memory.data(), 10000), 1);
   EXPECT_EQ(sizes.count, 4096u);
   EXPECT_EQ(sizes.capacity, 5000u);
   Words wanted(5000, 0);
-  std::fill(wanted.begin() + 4096, wanted.end(), kUntouched);
+  std::fill(wanted.begin() + 4096, wanted.end(), untouched);
   EXPECT_EQ(memory.values(), wanted);
 }
 
 TEST(CreateComponentSizes, RefusesSmallerBuffers) {
-  for (const uint32_t bytes : {0u, 1u, 4096u, kSizesBytes - 1}) {
+  for (const uint32_t bytes : {0u, 1u, 4096u, sizesBytes - 1}) {
     Vector sizes{1, 2, 3, nullptr};
-    const Guarded<uint16_t> memory(Words(4096, kUntouched));
+    const Guarded<uint16_t> memory(Words(4096, untouched));
     EXPECT_EQ(IP_CompFind_CreateComponentSizes(&sizes, memory.data(), bytes), 0) << bytes;
     EXPECT_TRUE(sizes.count == 1 && sizes.capacity == 2 && sizes.elementType == 3 && !sizes.data) << bytes;
-    EXPECT_EQ(memory.values(), Words(4096, kUntouched));
+    EXPECT_EQ(memory.values(), Words(4096, untouched));
   }
 }
 
@@ -364,11 +364,11 @@ TEST(LabellingAgain, ChangesNothingBehindItsOwnLabelsAndSizes) {
   EXPECT_EQ(labeller.label(drawn({"#.#."}), 0), 1);
   const Words map = labeller.wholeMap();
   // The first row is new; of the first call's three rows the others are still there, and one size.
-  EXPECT_EQ(Words(map.begin(), map.begin() + 13), (Words{1, 0, 2, 0, 0, 0, 0, 0, 3, 0, 4, 0, kUntouched}));
+  EXPECT_EQ(Words(map.begin(), map.begin() + 13), (Words{1, 0, 2, 0, 0, 0, 0, 0, 3, 0, 4, 0, untouched}));
   EXPECT_EQ(labeller.sizes.count, 3u);
   labeller.sizes.count = 6;
   labeller.map.height = 3;
-  EXPECT_EQ(labeller.counts(), (Sizes{2, 1, 1, 1, 1, kUntouched}));
+  EXPECT_EQ(labeller.counts(), (Sizes{2, 1, 1, 1, 1, untouched}));
 }
 
 TEST(LabellingAgain, GrowsTheMapBackToALargerImage) {

@@ -18,7 +18,7 @@ namespace {
 using model::Words;
 using Picture = model::Picture<uint16_t>;
 
-constexpr int32_t kLargest = std::numeric_limits<int32_t>::max(), kSmallest = std::numeric_limits<int32_t>::min();
+constexpr int32_t largest = std::numeric_limits<int32_t>::max(), smallest = std::numeric_limits<int32_t>::min();
 
 Words labelsOf(const Picture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
   const auto src = imageOf(picture, side);
@@ -36,7 +36,7 @@ void expectModel(const Picture& picture, int32_t threshold, int32_t maxStep, Gua
 }
 
 int32_t anyStep(Random& random) {
-  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), kLargest};
+  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largest};
   return steps[random.below(6)];
 }
 
@@ -105,24 +105,24 @@ TEST(RegionGrowing, ComparesUnsignedPixels) {
 // ---- parameters ----------------------------------------------------------------------------------------------------
 
 TEST(RegionGrowing, LabelsNothingWithANegativeStep) {
-  for (const int32_t step : {-1, kSmallest}) EXPECT_EQ(labelsOf(drawn({"##", "##"}), 0, step), Words(4, 0)) << step;
+  for (const int32_t step : {-1, smallest}) EXPECT_EQ(labelsOf(drawn({"##", "##"}), 0, step), Words(4, 0)) << step;
 }
 
 TEST(RegionGrowing, LabelsNothingAboveTheLargestPixel) {
-  for (const int32_t threshold : {65535, 65536, kLargest}) {
+  for (const int32_t threshold : {65535, 65536, largest}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({65535, 0}), threshold, 5), Words(2, 0)) << threshold;
   }
   EXPECT_EQ(labelsOf(row<uint16_t>({65535, 0}), 65534, 5), (Words{1, 0}));
 }
 
 TEST(RegionGrowing, JoinsEverythingWithAStepOf65535) {
-  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535, 1}), 0, kLargest), (Words{1, 1, 1}));
+  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535, 1}), 0, largest), (Words{1, 1, 1}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535, 1}), 0, 65533), (Words{1, 2, 3}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535, 1}), 0, 65534), (Words{1, 1, 1}));
 }
 
 TEST(RegionGrowing, TakesEveryPixelWithANegativeThreshold) {
-  for (const int32_t threshold : {-1, kSmallest}) {
+  for (const int32_t threshold : {-1, smallest}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({0, 0, 3, 0}), threshold, 2), (Words{1, 1, 2, 3})) << threshold;
   }
 }
@@ -202,7 +202,7 @@ TEST(RegionGrowingRefuses, WrongArgumentsAlsoWithoutRows) {
 // ---- against the model ---------------------------------------------------------------------------------------------
 
 TEST(RegionGrowingModel, AgreesOnEveryImageOf4By4Pixels) {
-  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), 0, kLargest); });
+  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), 0, largest); });
 }
 
 TEST(RegionGrowingModel, AgreesOnEveryRelief) {
@@ -233,7 +233,7 @@ TEST(RegionGrowingModel, AgreesOnAnyValues) {
 
 TEST(RegionGrowingModel, AgreesOnAPathThroughALargeImage) {
   Random random(2);
-  expectModel(valued<uint16_t>(random, spiral(320, 240), 100), 100, kLargest);
+  expectModel(valued<uint16_t>(random, spiral(320, 240), 100), 100, largest);
 }
 
 TEST(RegionGrowingModel, AgreesOnOneRegionThatFillsALargeImage) { expectModel(constant<uint16_t>(320, 240, 7), 0, 0); }

@@ -16,7 +16,7 @@ namespace {
 
 using Picture = model::Picture<uint16_t>;
 
-constexpr size_t kLimit = 64 * 1024;
+constexpr size_t limit = 64 * 1024;
 
 Picture filled(const Shape& shape) {
   Picture picture{shape.width, shape.height, {}};
@@ -53,13 +53,13 @@ size_t mostStackOf(uint32_t width, uint32_t height, Call call) {
 class SegmentStack : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!kStackIsPlain) GTEST_SKIP() << "the sanitizer's own use of the stack would be measured";
+    if (!stackIsPlain) GTEST_SKIP() << "the sanitizer's own use of the stack would be measured";
   }
 };
 
 // Much more than the limit, with all of it really used.
 void takeManyBytes() {
-  volatile uint8_t bytes[2 * kLimit];
+  volatile uint8_t bytes[2 * limit];
   for (size_t i = 0; i < sizeof bytes; ++i) bytes[i] = 1;
 }
 
@@ -67,7 +67,7 @@ void takeManyBytes() {
 
 TEST_F(SegmentStack, IsMeasured) {
   EXPECT_LT(stackOf([] {}), 1024u);
-  EXPECT_GT(stackOf(takeManyBytes), kLimit);
+  EXPECT_GT(stackOf(takeManyBytes), limit);
 }
 
 TEST_F(SegmentStack, OfRegionGrowing) {
@@ -79,7 +79,7 @@ TEST_F(SegmentStack, OfRegionGrowing) {
                           const int32_t params[] = {0, 1};
                           return IP_RGrow_Process(&src, params, &labels);
                         }),
-            kLimit);
+            limit);
 }
 
 TEST_F(SegmentStack, OfLabelling) {
@@ -93,7 +93,7 @@ TEST_F(SegmentStack, OfLabelling) {
                           const int32_t threshold = 0;
                           return IP_CompFind_Process(&src, &map, &sizes, &threshold);
                         }),
-            kLimit);
+            limit);
 }
 
 TEST_F(SegmentStack, OfTheComponentFinder) {
@@ -101,18 +101,18 @@ TEST_F(SegmentStack, OfTheComponentFinder) {
   const std::unique_ptr<CompFinder, void (*)(CompFinder*)> finder(IP_CompFinder_Init(), IP_CompFinder_Close);
   EXPECT_LE(
       mostStackOf(256, 256, [&](const Img& src) { return IP_CompFinder_Process(finder.get(), &src, list.get()); }),
-      kLimit);
+      limit);
 }
 
 TEST_F(SegmentStack, OfMakingAComponentFinder) {
-  EXPECT_LE(stackOf([] { IP_CompFinder_Close(IP_CompFinder_Init()); }), kLimit);
+  EXPECT_LE(stackOf([] { IP_CompFinder_Close(IP_CompFinder_Init()); }), limit);
 }
 
 TEST_F(SegmentStack, OfTheContourFilter) {
   std::vector<uint16_t> memory(128 * 128);
   Img dst;
   Img_Init(&dst, 128, 128, IMG_TYPE_U16, memory.data());
-  EXPECT_LE(mostStackOf(128, 128, [&](const Img& src) { return IP_ContourFilter(&src, &dst, 5); }), kLimit);
+  EXPECT_LE(mostStackOf(128, 128, [&](const Img& src) { return IP_ContourFilter(&src, &dst, 5); }), limit);
 }
 
 TEST_F(SegmentStack, OfElevationRegions) {
@@ -127,5 +127,5 @@ TEST_F(SegmentStack, OfElevationRegions) {
                           return IP_RGE_Init() & IP_RGE_Process(&elevation, &params) & IP_RGE_CreateLabelMap(&map) &
                                  IP_RGE_CreateRegionList(list.get());
                         }),
-            kLimit);
+            limit);
 }

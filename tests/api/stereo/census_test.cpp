@@ -13,23 +13,23 @@ using namespace nadir::test;
 using model::Codes;
 using model::Words;
 
-constexpr uint32_t kUntouched = 0x5EED1234;
-constexpr size_t kCentre = 12;
+constexpr uint32_t untouched = 0x5EED1234;
+constexpr size_t centreIndex = 12;
 
 Codes censusOf(const Words& src, uint32_t width, uint32_t height, Guard side = Guard::behind) {
   const Guarded<uint16_t> in(src, side);
-  const Guarded<uint32_t> out(Codes(src.size(), kUntouched), side);
+  const Guarded<uint32_t> out(Codes(src.size(), untouched), side);
   IP_Census_5x5(in.data(), out.data(), width, height);
   return out.values();
 }
 
 // The code of the centre of a 5x5 picture, its only pixel with a whole neighbourhood.
-uint32_t centreCode(const Words& patch) { return censusOf(patch, 5, 5)[kCentre]; }
+uint32_t centreCode(const Words& patch) { return censusOf(patch, 5, 5)[centreIndex]; }
 
 // A 5x5 picture of `around` whose centre is `centre`.
 Words patch(uint16_t centre, uint16_t around) {
   Words values(25, around);
-  values[kCentre] = centre;
+  values[centreIndex] = centre;
   return values;
 }
 
@@ -59,7 +59,7 @@ TEST(Census, EqualNeighbourLeavesItsBitClear) {
 TEST(Census, NeighboursFillTheCodeRowByRowFromBit23) {
   uint32_t bit = 23;
   for (size_t i = 0; i < 25; ++i) {
-    if (i == kCentre) continue;
+    if (i == centreIndex) continue;
     Words values = patch(1000, 2000);
     values[i] = 999;
     EXPECT_EQ(centreCode(values), 1u << bit) << "neighbour " << i;
@@ -86,7 +86,7 @@ TEST(Census, FrameOfTwoPixelsKeepsWhatItHeld) {
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x < width; ++x) {
       const bool inside = x >= 2 && x + 2 < width && y >= 2 && y + 2 < height;
-      EXPECT_EQ(out[y * width + x] == kUntouched, !inside) << x << ", " << y;
+      EXPECT_EQ(out[y * width + x] == untouched, !inside) << x << ", " << y;
     }
   }
 }
@@ -95,7 +95,7 @@ TEST(Census, PictureSmallerThanTheWindowWritesNothing) {
   for (uint32_t side = 0; side < 5; ++side) {
     for (const auto& [width, height] : {std::pair{side, 9u}, std::pair{9u, side}, std::pair{side, side}}) {
       const size_t pixels = size_t{width} * height;
-      EXPECT_TRUE(same(Codes(pixels, kUntouched), censusOf(Words(pixels, 7), width, height))) << width << "x" << height;
+      EXPECT_TRUE(same(Codes(pixels, untouched), censusOf(Words(pixels, 7), width, height))) << width << "x" << height;
     }
   }
 }
@@ -111,7 +111,7 @@ TEST(Census, InputIsOnlyRead) {
 // Few different values make equal neighbours and pixels without data frequent.
 void expectModel(uint32_t width, uint32_t height, uint32_t values) {
   const Words src = Random(width * 131 + height).values<uint16_t>(size_t{width} * height, values);
-  const Codes want = model::census(src, width, height, Codes(src.size(), kUntouched));
+  const Codes want = model::census(src, width, height, Codes(src.size(), untouched));
   for (const Guard side : {Guard::behind, Guard::before}) {
     EXPECT_TRUE(same(want, censusOf(src, width, height, side))) << width << "x" << height << " of " << values;
   }

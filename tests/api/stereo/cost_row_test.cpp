@@ -14,13 +14,13 @@ using model::Bytes;
 using model::Codes;
 using model::Variant;
 
-constexpr uint32_t kHeight = 9, kInnerRow = 4;
-constexpr uint32_t kStride = 64;
-constexpr uint8_t kGarbage = 0xEE;
+constexpr uint32_t rows = 9, innerRow = 4;
+constexpr uint32_t stride = 64;
+constexpr uint8_t garbage = 0xEE;
 
 struct Row {
-  uint32_t height = kHeight;
-  uint32_t row = kInnerRow;
+  uint32_t height = rows;
+  uint32_t row = innerRow;
   Guard side = Guard::behind;
 };
 
@@ -28,7 +28,7 @@ Bytes costRow(Variant variant, const Codes& first, const Codes& ref, uint32_t nu
   const bool isScalar = variant == Variant::scalar;
   const uint32_t width = static_cast<uint32_t>(ref.size());
   const Guarded<uint32_t> firstRow(first, at.side), refRow(ref, at.side);
-  const Guarded<uint8_t> costs(Bytes(size_t{width} * (isScalar ? numDisparities : kStride), kGarbage), at.side);
+  const Guarded<uint8_t> costs(Bytes(size_t{width} * (isScalar ? numDisparities : stride), garbage), at.side);
   const auto function = isScalar ? SGM_CalcDsiRow : SGM_CalcDsiRow_neon;
   function(firstRow.data(), refRow.data(), width, at.height, numDisparities, at.row, costs.data());
   return costs.values();
@@ -68,7 +68,7 @@ TEST_P(CostRow, IsTheNumberOfDifferingBits) {
   Codes first(70, 0), ref(70, 0xFFFFFF);
   for (uint32_t bits = 0; bits <= 24; ++bits) first[10 + bits] = (1u << bits) - 1;
   const Bytes costs = row(first, ref);
-  for (uint32_t bits = 0; bits <= 24; ++bits) EXPECT_EQ(costs[10 * kStride + bits], 24 - bits);
+  for (uint32_t bits = 0; bits <= 24; ++bits) EXPECT_EQ(costs[10 * stride + bits], 24 - bits);
 }
 
 TEST_P(CostRow, ComparesReferenceColumnXWithFirstColumnXPlusD) {
@@ -76,7 +76,7 @@ TEST_P(CostRow, ComparesReferenceColumnXWithFirstColumnXPlusD) {
   first[40] = 0;
   const Bytes costs = row(first, ref);
   for (uint32_t x = 2; x < 68; ++x) {
-    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * kStride + d], x + d == 40 ? 0 : 24) << x << ", " << d;
+    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * stride + d], x + d == 40 ? 0 : 24) << x << ", " << d;
   }
 }
 
@@ -84,9 +84,9 @@ TEST_P(CostRow, InvalidReferencePixelCosts24) {
   Codes first(80, 0x123456), ref(80, 0x123456);
   ref[30] = CENSUS_INVALID;
   const Bytes costs = row(first, ref);
-  for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[30 * kStride + d], 24);
-  EXPECT_EQ(costs[29 * kStride], 0);
-  EXPECT_EQ(costs[31 * kStride], 0);
+  for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[30 * stride + d], 24);
+  EXPECT_EQ(costs[29 * stride], 0);
+  EXPECT_EQ(costs[31 * stride], 0);
 }
 
 TEST_P(CostRow, InvalidFirstPixelCosts24) {
@@ -94,33 +94,33 @@ TEST_P(CostRow, InvalidFirstPixelCosts24) {
   first[30] = CENSUS_INVALID;
   const Bytes costs = row(first, ref);
   for (uint32_t x = 2; x <= 30; ++x) {
-    EXPECT_EQ(costs[x * kStride + 30 - x], 24) << x;
-    EXPECT_EQ(costs[x * kStride + 31 - x], 0) << x;
+    EXPECT_EQ(costs[x * stride + 30 - x], 24) << x;
+    EXPECT_EQ(costs[x * stride + 31 - x], 0) << x;
   }
 }
 
 TEST_P(CostRow, TwoInvalidPixelsCost24ThoughTheirCodesAreEqual) {
   const Codes invalid(40, CENSUS_INVALID);
-  EXPECT_TRUE(same(Bytes(40 * kStride, 24), row(invalid, invalid)));
+  EXPECT_TRUE(same(Bytes(40 * stride, 24), row(invalid, invalid)));
 }
 
 TEST_P(CostRow, BorderRowsAre24) {
   const Codes equal(40, 0x00F00F);
-  for (const uint32_t border : {0u, 1u, kHeight - 2, kHeight - 1}) {
-    EXPECT_TRUE(same(Bytes(40 * kStride, 24), row(equal, equal, 64, {kHeight, border}))) << border;
+  for (const uint32_t border : {0u, 1u, rows - 2, rows - 1}) {
+    EXPECT_TRUE(same(Bytes(40 * stride, 24), row(equal, equal, 64, {rows, border}))) << border;
   }
 }
 
 TEST_P(CostRow, RowsBetweenTheBordersAreComputed) {
   const Codes equal(40, 0x00F00F);
-  for (uint32_t y = 2; y + 2 < kHeight; ++y) EXPECT_EQ(row(equal, equal, 64, {kHeight, y})[2 * kStride], 0) << y;
+  for (uint32_t y = 2; y + 2 < rows; ++y) EXPECT_EQ(row(equal, equal, 64, {rows, y})[2 * stride], 0) << y;
 }
 
 TEST_P(CostRow, PicturesBelowFiveRowsAre24Everywhere) {
   const Codes equal(40, 0x00F00F);
   for (uint32_t height = 1; height < 5; ++height) {
     for (uint32_t y = 0; y < height; ++y) {
-      EXPECT_TRUE(same(Bytes(40 * kStride, 24), row(equal, equal, 64, {height, y}))) << y << " of " << height;
+      EXPECT_TRUE(same(Bytes(40 * stride, 24), row(equal, equal, 64, {height, y}))) << y << " of " << height;
     }
   }
 }
@@ -128,14 +128,14 @@ TEST_P(CostRow, PicturesBelowFiveRowsAre24Everywhere) {
 TEST_P(CostRow, WidthsThreeAndFourAre24Everywhere) {
   for (const uint32_t width : {3u, 4u}) {
     const Codes equal(width, 0x00F00F);
-    EXPECT_TRUE(same(Bytes(width * kStride, 24), row(equal, equal))) << width;
+    EXPECT_TRUE(same(Bytes(width * stride, 24), row(equal, equal))) << width;
   }
 }
 
 TEST_P(CostRow, WidthFiveHasOneComputedCost) {
   const Codes equal(5, 0x00F00F);
-  Bytes want(5 * kStride, 24);
-  want[2 * kStride] = 0;
+  Bytes want(5 * stride, 24);
+  want[2 * stride] = 0;
   EXPECT_TRUE(same(want, row(equal, equal)));
 }
 
@@ -143,7 +143,7 @@ TEST_P(CostRow, BorderColumnsAre24) {
   const Codes equal(90, 0);
   const Bytes costs = row(equal, equal);
   for (const uint32_t x : {0u, 1u, 88u, 89u}) {
-    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * kStride + d], 24) << x << ", " << d;
+    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * stride + d], 24) << x << ", " << d;
   }
 }
 
@@ -154,7 +154,7 @@ TEST_P(CostRow, ComputedCostsReachTheThirdColumnFromTheRight) {
   for (uint32_t k = 0; k <= width - 5; ++k) {
     const uint32_t x = width - 3 - k;
     const uint32_t computed = std::min(k + 1, 64u);
-    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * kStride + d], d < computed ? 0 : 24) << x << ", " << d;
+    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[x * stride + d], d < computed ? 0 : 24) << x << ", " << d;
   }
 }
 
@@ -177,10 +177,10 @@ TEST_P(CostRow, EqualsTheModelForCensusCodesOfEveryWidth) {
   for (uint32_t width = 3; width <= 140; ++width) {
     Random random(width);
     const Codes first = censusCodes(random, width), ref = censusCodes(random, width);
-    const uint32_t y = random.below(kHeight);
-    const Bytes want = model::costRow(first, ref, kHeight, 64, y, GetParam());
-    EXPECT_TRUE(same(want, row(first, ref, 64, {kHeight, y, Guard::behind}))) << width;
-    EXPECT_TRUE(same(want, row(first, ref, 64, {kHeight, y, Guard::before}))) << width;
+    const uint32_t y = random.below(rows);
+    const Bytes want = model::costRow(first, ref, rows, 64, y, GetParam());
+    EXPECT_TRUE(same(want, row(first, ref, 64, {rows, y, Guard::behind}))) << width;
+    EXPECT_TRUE(same(want, row(first, ref, 64, {rows, y, Guard::before}))) << width;
   }
 }
 
@@ -188,7 +188,7 @@ TEST_P(CostRow, EqualsTheModelForCodesWithAnyTopByte) {
   for (uint32_t width = 3; width <= 140; ++width) {
     Random random(1000 + width);
     const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
-    const Bytes want = model::costRow(first, ref, kHeight, 64, kInnerRow, GetParam());
+    const Bytes want = model::costRow(first, ref, rows, 64, innerRow, GetParam());
     EXPECT_TRUE(same(want, row(first, ref))) << width;
   }
 }
@@ -198,7 +198,7 @@ TEST_P(CostRow, EqualsTheModelForEveryNumberOfDisparities) {
     for (const uint32_t width : {3u, 5u, 20u, 64u, 71u}) {
       Random random(2000 + numDisparities * 100 + width);
       const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
-      const Bytes want = model::costRow(first, ref, kHeight, numDisparities, kInnerRow, GetParam());
+      const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, GetParam());
       EXPECT_TRUE(same(want, row(first, ref, numDisparities))) << numDisparities << " at " << width;
     }
   }
@@ -220,54 +220,54 @@ TEST(CostRowScalar, TakesMoreThan64Disparities) {
   for (const uint32_t numDisparities : {65u, 100u, 128u, 256u}) {
     Random random(numDisparities);
     const Codes first = censusCodes(random, 140), ref = censusCodes(random, 140);
-    const Bytes want = model::costRow(first, ref, kHeight, numDisparities, kInnerRow, Variant::scalar);
+    const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, Variant::scalar);
     EXPECT_TRUE(same(want, costRow(Variant::scalar, first, ref, numDisparities))) << numDisparities;
   }
 }
 
 TEST(CostRowScalar, OnlyTheExactInvalidCodeCosts24) {
   const Codes first(6, CENSUS_INVALID ^ 1), ref(6, CENSUS_INVALID ^ 1);
-  EXPECT_EQ(costRow(Variant::scalar, first, ref, 64)[2 * kStride], 0);
+  EXPECT_EQ(costRow(Variant::scalar, first, ref, 64)[2 * stride], 0);
 }
 
 TEST(CostRowVector, StrideIs64WhateverTheNumberOfDisparities) {
   const Codes equal(100, 0);
   for (const uint32_t numDisparities : {0u, 1u, 15u, 16u, 17u, 33u, 63u}) {
     const Bytes costs = costRow(Variant::vector, equal, equal, numDisparities);
-    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[20 * kStride + d], d < numDisparities ? 0 : 24);
+    for (uint32_t d = 0; d < 64; ++d) EXPECT_EQ(costs[20 * stride + d], d < numDisparities ? 0 : 24);
   }
 }
 
 // 18 columns from x to the third from the right: a block of 16 and a tail of 2.
-constexpr uint32_t kX = 2, kTailWidth = kX + 18 + 2;
+constexpr uint32_t firstColumn = 2, tailWidth = firstColumn + 18 + 2;
 
 TEST(CostRowVector, TopBitsOfTheFirstCodeCountInEachLowByteOfABlock) {
-  const Codes first(kTailWidth, 0x05000000), ref(kTailWidth, 0);
+  const Codes first(tailWidth, 0x05000000), ref(tailWidth, 0);
   const Bytes costs = costRow(Variant::vector, first, ref, 64);
-  for (uint32_t d = 0; d < 16; ++d) EXPECT_EQ(costs[kX * kStride + d], 6) << d;
+  for (uint32_t d = 0; d < 16; ++d) EXPECT_EQ(costs[firstColumn * stride + d], 6) << d;
 }
 
 TEST(CostRowVector, TopBitsOfTheReferenceCodeCountInEachLowByteOfABlock) {
-  const Codes first(kTailWidth, 0), ref(kTailWidth, 0x05000000);
+  const Codes first(tailWidth, 0), ref(tailWidth, 0x05000000);
   const Bytes costs = costRow(Variant::vector, first, ref, 64);
-  for (uint32_t d = 0; d < 16; ++d) EXPECT_EQ(costs[kX * kStride + d], 6) << d;
+  for (uint32_t d = 0; d < 16; ++d) EXPECT_EQ(costs[firstColumn * stride + d], 6) << d;
 }
 
 TEST(CostRowVector, TopBytesOfABlockAreOredNotCompared) {
-  const Codes first(kTailWidth, 0x03000000), ref(kTailWidth, 0x03000000);
-  EXPECT_EQ(costRow(Variant::vector, first, ref, 64)[kX * kStride], 6);
+  const Codes first(tailWidth, 0x03000000), ref(tailWidth, 0x03000000);
+  EXPECT_EQ(costRow(Variant::vector, first, ref, 64)[firstColumn * stride], 6);
 }
 
 TEST(CostRowVector, FullTopByteCosts24InABlockWhateverTheLowBytes) {
-  const Codes first(kTailWidth, 0xFF123456), ref(kTailWidth, 0x00123456);
-  EXPECT_EQ(costRow(Variant::vector, first, ref, 64)[kX * kStride], 24);
+  const Codes first(tailWidth, 0xFF123456), ref(tailWidth, 0x00123456);
+  EXPECT_EQ(costRow(Variant::vector, first, ref, 64)[firstColumn * stride], 24);
 }
 
 TEST(CostRowVector, DisparitiesBehindTheLastBlockComparePlainCodes) {
-  const Codes first(kTailWidth, 0xFF123456), ref(kTailWidth, 0x00123456);
+  const Codes first(tailWidth, 0xFF123456), ref(tailWidth, 0x00123456);
   const Bytes costs = costRow(Variant::vector, first, ref, 64);
-  EXPECT_EQ(costs[kX * kStride + 16], 8);
-  EXPECT_EQ(costs[kX * kStride + 17], 8);
+  EXPECT_EQ(costs[firstColumn * stride + 16], 8);
+  EXPECT_EQ(costs[firstColumn * stride + 17], 8);
 }
 
 TEST(CostRowVector, EqualsTheScalarOneForCensusCodes) {

@@ -16,8 +16,8 @@ using namespace nadir::test;
 using model::Bytes;
 using model::Variant;
 
-constexpr uint32_t kAllDirections[] = {PC_DIR_LEFT, PC_DIR_UPLEFT, PC_DIR_UP, PC_DIR_UPRIGHT};
-constexpr uint8_t kStartCost = 248;  // 255 - 7
+constexpr uint32_t allDirections[] = {PC_DIR_LEFT, PC_DIR_UPLEFT, PC_DIR_UP, PC_DIR_UPRIGHT};
+constexpr uint8_t startCost = 248;  // 255 - 7
 
 // A record that gives its buffers back, ready for the first row of an image.
 class Pc {
@@ -172,7 +172,7 @@ TEST_P(PathCostOf, ResetFillsCostsWithTheStartValueAndMinimaWithZero) {
   for (uint8_t* costs : {pc.record.costsA, pc.record.costsB}) std::memset(costs, 1, pc.record.costsSize);
   for (uint8_t* min : {pc.record.minA, pc.record.minB}) std::memset(min, 1, pc.record.minSize);
   PC_ResetBuffer(&pc.record);
-  const Bytes costs(pc.record.costsSize, kStartCost), mins(pc.record.minSize, 0);
+  const Bytes costs(pc.record.costsSize, startCost), mins(pc.record.minSize, 0);
   EXPECT_TRUE(same(costs, bytesAt(pc.record.costsA, costs.size())));
   EXPECT_TRUE(same(costs, bytesAt(pc.record.costsB, costs.size())));
   EXPECT_TRUE(same(mins, bytesAt(pc.record.minA, mins.size())));
@@ -209,7 +209,7 @@ TEST_P(PathCostOf, SwapAlternatesTheBuffersOfDiagonalPathsOnly) {
   expectPositions(firstPositions(pc.record), pc.record);
 }
 
-INSTANTIATE_TEST_SUITE_P(Directions, PathCostOf, ::testing::ValuesIn(kAllDirections),
+INSTANTIATE_TEST_SUITE_P(Directions, PathCostOf, ::testing::ValuesIn(allDirections),
                          [](const auto& tested) { return std::to_string(tested.param); });
 
 // ---- rows ----
@@ -221,7 +221,7 @@ struct Way {
 
 std::vector<Way> allWays() {
   std::vector<Way> ways;
-  for (const uint32_t dir : kAllDirections) {
+  for (const uint32_t dir : allDirections) {
     for (const Variant variant : {Variant::scalar, Variant::vector}) ways.push_back({dir, variant});
   }
   return ways;
@@ -359,7 +359,7 @@ TEST_P(PathCostRow, PadsKeepTheStartValue) {
   }
   for (const uint8_t* costs : {pc.record.costsA, pc.record.costsB}) {
     for (uint32_t slot = 0; slot < pc.record.costsSize; slot += d + 16) {
-      EXPECT_TRUE(same(Bytes(16, kStartCost), bytesAt(costs + slot + d, 16))) << "slot at " << slot;
+      EXPECT_TRUE(same(Bytes(16, startCost), bytesAt(costs + slot + d, 16))) << "slot at " << slot;
     }
   }
 }
@@ -443,7 +443,7 @@ TEST_P(PathCostVariant, SpareSlotOfDiagonalPathsKeepsTheStartValues) {
     }
     const uint32_t spare = dir == PC_DIR_UPLEFT ? 0 : width;
     for (const uint8_t* costs : {pc.record.costsA, pc.record.costsB}) {
-      EXPECT_TRUE(same(Bytes(d + 16, kStartCost), bytesAt(costs + spare * (d + 16), d + 16))) << dir;
+      EXPECT_TRUE(same(Bytes(d + 16, startCost), bytesAt(costs + spare * (d + 16), d + 16))) << dir;
     }
     EXPECT_EQ(pc.record.minA[spare], 0);
     EXPECT_EQ(pc.record.minB[spare], 0);
@@ -454,7 +454,7 @@ TEST_P(PathCostVariant, SpareSlotOfDiagonalPathsKeepsTheStartValues) {
 TEST_P(PathCostVariant, SumOfFourPathsIsAtMost252) {
   constexpr uint32_t width = 40, d = 64;
   std::vector<std::unique_ptr<Pc>> paths;
-  for (const uint32_t dir : kAllDirections) paths.push_back(std::make_unique<Pc>(dir, width, d));
+  for (const uint32_t dir : allDirections) paths.push_back(std::make_unique<Pc>(dir, width, d));
   Bytes sums(width * d, 0);
   for (const auto& path : paths) {
     sums = nextRow(path->record, GetParam(), Bytes(width * d, 24), Bytes(width, 39), sums);
@@ -484,7 +484,7 @@ void expectEqualVariants(uint32_t dir, uint32_t numDisparities) {
 }
 
 TEST(PathCostVariants, LeaveIdenticalBuffersForWholeBlocks) {
-  for (const uint32_t dir : kAllDirections) {
+  for (const uint32_t dir : allDirections) {
     for (const uint32_t d : {16u, 32u, 48u, 64u, 80u, 128u}) expectEqualVariants(dir, d);
   }
 }

@@ -13,7 +13,7 @@ using namespace nadir::test;
 using model::Bytes;
 using model::Words;
 
-constexpr uint16_t kGarbage = 0xA7A7;
+constexpr uint16_t garbage = 0xA7A7;
 
 struct Cleaned {
   uint32_t status;
@@ -22,7 +22,7 @@ struct Cleaned {
 
 Cleaned postproc(const Words& disparity, const Bytes& mask, uint32_t width, uint32_t height,
                  Guard side = Guard::behind) {
-  const Guarded<uint16_t> in(disparity, side), out(Words(disparity.size(), kGarbage), side);
+  const Guarded<uint16_t> in(disparity, side), out(Words(disparity.size(), garbage), side);
   const Guarded<uint8_t> masked(mask, side);
   const uint32_t status = IP_SgmPostproc(in.data(), masked.data(), out.data(), width, height);
   return {status, out.values()};
@@ -44,16 +44,16 @@ Input randomInput(uint32_t width, uint32_t height) {
 }
 
 TEST(SgmPostproc, NullPointersFail) {
-  Words disparity(25, 100), result(25, kGarbage);
+  Words disparity(25, 100), result(25, garbage);
   Bytes mask(25, 0);
   EXPECT_EQ(IP_SgmPostproc(nullptr, mask.data(), result.data(), 5, 5), 0u);
   EXPECT_EQ(IP_SgmPostproc(disparity.data(), nullptr, result.data(), 5, 5), 0u);
   EXPECT_EQ(IP_SgmPostproc(disparity.data(), mask.data(), nullptr, 5, 5), 0u);
-  EXPECT_TRUE(same(Words(25, kGarbage), result));
+  EXPECT_TRUE(same(Words(25, garbage), result));
 }
 
 TEST(SgmPostproc, NullPointersFailForImagesWithoutPixelsToo) {
-  uint16_t pixel = kGarbage;
+  uint16_t pixel = garbage;
   uint8_t mask = 0;
   EXPECT_EQ(IP_SgmPostproc(nullptr, &mask, &pixel, 0, 0), 0u);
   EXPECT_EQ(IP_SgmPostproc(&pixel, nullptr, &pixel, 0, 0), 0u);

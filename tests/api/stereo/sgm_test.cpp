@@ -16,9 +16,9 @@ using model::Bytes;
 using model::Codes;
 using model::Words;
 
-constexpr uint32_t kD = 64;
-constexpr uint8_t kGarbage = 0xA7;
-constexpr uint16_t kGarbageWord = 0xA7A7;
+constexpr uint32_t searched = 64;
+constexpr uint8_t garbage = 0xA7;
+constexpr uint16_t garbageWord = 0xA7A7;
 
 struct Pair {
   uint32_t width, height;
@@ -65,9 +65,9 @@ Pair randomPair(uint32_t width, uint32_t height, uint64_t seed) {
 }
 
 Words full(const Pair& pair, uint32_t ratio, SgmDebugData* debug = nullptr, Guard side = Guard::behind,
-           uint32_t numDisparities = kD) {
+           uint32_t numDisparities = searched) {
   const Guarded<uint32_t> first(pair.first, side), ref(pair.ref, side);
-  const Guarded<uint16_t> image(pair.image, side), out(Words(pair.pixels(), kGarbageWord), side);
+  const Guarded<uint16_t> image(pair.image, side), out(Words(pair.pixels(), garbageWord), side);
   const SgmParams params{numDisparities, ratio};
   IP_SgmFull(first.data(), ref.data(), image.data(), pair.width, pair.height, &params, out.data(), debug);
   return out.values();
@@ -76,7 +76,7 @@ Words full(const Pair& pair, uint32_t ratio, SgmDebugData* debug = nullptr, Guar
 Bytes distinct(const Pair& pair, SgmDebugData* debug = nullptr, Guard side = Guard::behind) {
   const Guarded<uint32_t> first(pair.first, side), ref(pair.ref, side);
   const Guarded<uint16_t> image(pair.image, side);
-  const Guarded<uint8_t> out(Bytes(pair.pixels(), kGarbage), side);
+  const Guarded<uint8_t> out(Bytes(pair.pixels(), garbage), side);
   IP_Sgm(first.data(), ref.data(), image.data(), pair.width, pair.height, out.data(), debug);
   return out.values();
 }
@@ -99,7 +99,7 @@ void expectSame(const Contents& want, const Contents& got) {
 class Debug {
  public:
   Debug(uint32_t width, uint32_t height) {
-    EXPECT_EQ(IP_SgmMakeDebugData(width, height, kD, &record), 1);
+    EXPECT_EQ(IP_SgmMakeDebugData(width, height, searched, &record), 1);
     fill(record.costVolume, record.costVolumeSize);
     fill(record.aggregatedVolume, record.aggregatedVolumeSize);
     fill(record.peakMap, record.peakMapSize);
@@ -113,8 +113,8 @@ class Debug {
 
   // What an image of `pixels` pixels left in the record.
   Contents contents(size_t pixels) const {
-    Contents all{take(record.costVolume, pixels * kD),
-                 take(record.aggregatedVolume, pixels * kD),
+    Contents all{take(record.costVolume, pixels * searched),
+                 take(record.aggregatedVolume, pixels * searched),
                  take(record.peakMap, pixels),
                  {}};
     for (size_t dir = 0; dir < 4; ++dir) all.p2[dir] = take(maps()[dir], pixels);
@@ -124,7 +124,7 @@ class Debug {
   SgmDebugData record;
 
  private:
-  static void fill(uint8_t* block, size_t bytes) { std::memset(block, kGarbage, bytes); }
+  static void fill(uint8_t* block, size_t bytes) { std::memset(block, garbage, bytes); }
   static Bytes take(const uint8_t* block, size_t bytes) { return Bytes(block, block + bytes); }
 };
 
@@ -167,7 +167,7 @@ TEST(SgmDebug, FreeOfAnAllZeroRecordIsHarmless) {
 
 // ---- the drivers against the model ----
 
-constexpr uint32_t kRatios[] = {0, 10, 128, 512, 40000, 0xFFFFFFFF};
+constexpr uint32_t ratios[] = {0, 10, 128, 512, 40000, 0xFFFFFFFF};
 
 struct Expected {
   Contents contents;
@@ -197,7 +197,7 @@ void expectModel(const Pair& pair, uint32_t ratio, Guard side) {
   const Debug ofDistinct(pair.width, pair.height);
   record = ofDistinct.record;
   EXPECT_TRUE(same(want.distinctiveness, distinct(pair, &record, side)));
-  want.contents.peaks.assign(pair.pixels(), kGarbage);
+  want.contents.peaks.assign(pair.pixels(), garbage);
   expectSame(want.contents, ofDistinct.contents(pair.pixels()));
 }
 
@@ -205,7 +205,7 @@ Guard sideOf(uint32_t n) { return n % 2 ? Guard::behind : Guard::before; }
 
 TEST(SgmModel, GroundOfEveryWidth) {
   for (uint32_t width = 5; width <= 140; width += width < 75 ? 1 : 4) {
-    expectModel(groundPair(width, 1 + width % 8, width), kRatios[width % 3], sideOf(width));
+    expectModel(groundPair(width, 1 + width % 8, width), ratios[width % 3], sideOf(width));
   }
 }
 
@@ -215,7 +215,7 @@ TEST(SgmModel, GroundOfEveryHeight) {
 
 TEST(SgmModel, AnyCodesOfEveryWidth) {
   for (uint32_t width = 5; width <= 140; width += width < 75 ? 1 : 4) {
-    expectModel(randomPair(width, 1 + width % 7, width), kRatios[width % 6], sideOf(width / 2));
+    expectModel(randomPair(width, 1 + width % 7, width), ratios[width % 6], sideOf(width / 2));
   }
 }
 
@@ -238,24 +238,25 @@ struct Composed {
 };
 
 Composed compose(const Pair& pair, uint32_t ratio) {
-  Contents all{Bytes(pair.pixels() * kD), Bytes(pair.pixels() * kD, 0), Bytes(pair.pixels(), 0), {}};
+  Contents all{Bytes(pair.pixels() * searched), Bytes(pair.pixels() * searched, 0), Bytes(pair.pixels(), 0), {}};
   for (Bytes& map : all.p2) map.resize(pair.pixels());
   SGM_CalcP2(pair.image.data(), pair.width, pair.height, all.p2[0].data(), all.p2[1].data(), all.p2[2].data(),
              all.p2[3].data());
   std::array<PcBuffer, 4> paths;
   for (uint32_t dir = 0; dir < 4; ++dir) {
-    EXPECT_EQ(PC_Init(&paths[dir], dir, pair.width, kD, 7), 1);
+    EXPECT_EQ(PC_Init(&paths[dir], dir, pair.width, searched, 7), 1);
     PC_NextFrame(&paths[dir]);
   }
   for (uint32_t y = 0; y < pair.height; ++y) {
     const size_t at = size_t{y} * pair.width;
-    SGM_CalcDsiRow_neon(&pair.first[at], &pair.ref[at], pair.width, pair.height, kD, y, &all.costs[at * kD]);
+    SGM_CalcDsiRow_neon(&pair.first[at], &pair.ref[at], pair.width, pair.height, searched, y,
+                        &all.costs[at * searched]);
     for (size_t dir = 0; dir < 4; ++dir) {
-      PC_NextRow_neon(&paths[dir], &all.costs[at * kD], &all.p2[dir][at], &all.sums[at * kD]);
+      PC_NextRow_neon(&paths[dir], &all.costs[at * searched], &all.p2[dir][at], &all.sums[at * searched]);
     }
     for (uint32_t x = 0; x + 4 < pair.width; ++x) {
-      const uint32_t maxIndex = std::min(kD - 1, pair.width - 1 - x);
-      all.peaks[at + x] = model::low8(SGM_PeakCheckExtended_neon(&all.sums[(at + x) * kD], maxIndex, ratio));
+      const uint32_t maxIndex = std::min(searched - 1, pair.width - 1 - x);
+      all.peaks[at + x] = model::low8(SGM_PeakCheckExtended_neon(&all.sums[(at + x) * searched], maxIndex, ratio));
     }
   }
   for (PcBuffer& path : paths) PC_Destroy(&path);
@@ -365,7 +366,7 @@ TEST(SgmFull, SubPixelOffsetLeansTowardsTheCheaperNeighbour) {
   for (size_t i = 0; i < pair.pixels(); ++i) {
     const uint32_t k = debug.record.peakMap[i];
     if (k == 0) continue;
-    const uint8_t* sums = debug.record.aggregatedVolume + i * kD;
+    const uint8_t* sums = debug.record.aggregatedVolume + i * searched;
     const bool isBelow = disparity[i]<k * 16, isAbove = disparity[i]> k * 16;
     EXPECT_TRUE(!isBelow || sums[k - 1] < sums[k + 1]) << i;
     EXPECT_TRUE(!isAbove || sums[k - 1] > sums[k + 1]) << i;
@@ -384,7 +385,7 @@ TEST(SgmFull, EqualNeighboursGiveTheWholeDisparity) {
     const Words disparity = full(pair, 0, &debug.record);
     for (size_t i = 0; i < pair.pixels(); ++i) {
       const uint32_t k = debug.record.peakMap[i];
-      const uint8_t* sums = debug.record.aggregatedVolume + i * kD;
+      const uint8_t* sums = debug.record.aggregatedVolume + i * searched;
       if (k == 0 || sums[k - 1] != sums[k + 1]) continue;
       ++equal;
       EXPECT_EQ(disparity[i], k * 16);
@@ -406,7 +407,7 @@ TEST(Sgm, PeakMapIsNotTouched) {
   const Pair pair = groundPair(50, 6, 1);
   Debug debug(pair.width, pair.height);
   distinct(pair, &debug.record);
-  EXPECT_TRUE(same(Bytes(pair.pixels(), kGarbage), debug.contents(pair.pixels()).peaks));
+  EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), debug.contents(pair.pixels()).peaks));
 }
 
 // ---- what does not count ----
@@ -463,7 +464,7 @@ TEST(SgmState, DebugRecordServesManyCalls) {
 
 TEST(SgmState, InputsAreOnlyRead) {
   const Pair pair = randomPair(70, 9, 3), before = pair;
-  const SgmParams params{kD, 10};
+  const SgmParams params{searched, 10};
   Words disparity(pair.pixels());
   Bytes map(pair.pixels());
   IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), 70, 9, &params, disparity.data(), nullptr);
@@ -471,7 +472,7 @@ TEST(SgmState, InputsAreOnlyRead) {
   EXPECT_TRUE(same(before.first, pair.first));
   EXPECT_TRUE(same(before.ref, pair.ref));
   EXPECT_TRUE(same(before.image, pair.image));
-  EXPECT_EQ(params.numDisparities, kD);
+  EXPECT_EQ(params.numDisparities, searched);
   EXPECT_EQ(params.uniquenessRatio, 10u);
 }
 
@@ -485,8 +486,8 @@ TEST(SgmDebug, P2MapsTooSmallForTheImageAreNotFilled) {
   EXPECT_TRUE(same(want, full(pair, 10, &ofFull.record)));
   distinct(pair, &ofDistinct.record);
   for (size_t dir = 0; dir < 4; ++dir) {
-    EXPECT_TRUE(same(Bytes(pair.pixels(), kGarbage), ofFull.contents(pair.pixels()).p2[dir])) << dir;
-    EXPECT_TRUE(same(Bytes(pair.pixels(), kGarbage), ofDistinct.contents(pair.pixels()).p2[dir])) << dir;
+    EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), ofFull.contents(pair.pixels()).p2[dir])) << dir;
+    EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), ofDistinct.contents(pair.pixels()).p2[dir])) << dir;
   }
 }
 
@@ -497,7 +498,7 @@ TEST(SgmDebug, P2MapsTooSmallForTheImageDoNotKeepTheVolumesFromBeingFilled) {
   full(pair, 10, &exact.record);
   full(pair, 10, &small.record);
   Contents want = exact.contents(pair.pixels());
-  for (Bytes& map : want.p2) map.assign(pair.pixels(), kGarbage);
+  for (Bytes& map : want.p2) map.assign(pair.pixels(), garbage);
   expectSame(want, small.contents(pair.pixels()));
 }
 
@@ -507,10 +508,10 @@ TEST(SgmDebug, LargerRecordIsFilledFromItsStartAndNotBehindTheImage) {
   full(pair, 10, &exact.record);
   full(pair, 10, &large.record);
   Contents want = exact.contents(pair.pixels());
-  want.costs.resize(40 * 9 * kD, kGarbage);
-  want.sums.resize(40 * 9 * kD, kGarbage);
-  want.peaks.resize(40 * 9, kGarbage);
-  for (Bytes& map : want.p2) map.resize(40 * 9, kGarbage);
+  want.costs.resize(40 * 9 * searched, garbage);
+  want.sums.resize(40 * 9 * searched, garbage);
+  want.peaks.resize(40 * 9, garbage);
+  for (Bytes& map : want.p2) map.resize(40 * 9, garbage);
   expectSame(want, large.contents(40 * 9));
 }
 
@@ -532,17 +533,17 @@ TEST(SgmDebug, RecordItselfIsNotChanged) {
 
 TEST(SgmRefused, HeightZeroWritesNothing) {
   const Pair pair = groundPair(40, 6, 1);
-  const SgmParams params{kD, 10};
-  Words disparity(40, kGarbageWord);
-  Bytes map(40, kGarbage);
+  const SgmParams params{searched, 10};
+  Words disparity(40, garbageWord);
+  Bytes map(40, garbage);
   Debug debug(40, 6);
   for (SgmDebugData* record : {static_cast<SgmDebugData*>(nullptr), &debug.record}) {
     IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 0, &params, disparity.data(), record);
     IP_Sgm(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 0, map.data(), record);
   }
-  EXPECT_TRUE(same(Words(40, kGarbageWord), disparity));
-  EXPECT_TRUE(same(Bytes(40, kGarbage), map));
-  const Bytes volume(pair.pixels() * kD, kGarbage), plane(pair.pixels(), kGarbage);
+  EXPECT_TRUE(same(Words(40, garbageWord), disparity));
+  EXPECT_TRUE(same(Bytes(40, garbage), map));
+  const Bytes volume(pair.pixels() * searched, garbage), plane(pair.pixels(), garbage);
   expectSame({volume, volume, plane, {plane, plane, plane, plane}}, debug.contents(pair.pixels()));
 }
 
