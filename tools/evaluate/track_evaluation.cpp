@@ -10,7 +10,7 @@
 #include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/line_plot.hpp"
-#include "tools/sequence/frame_log.hpp"
+#include "tools/files/frame_log.hpp"
 
 namespace nadir::tool {
 

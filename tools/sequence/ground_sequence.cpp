@@ -9,13 +9,13 @@
 #include "tools/base/progress.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/folder_lock.hpp"
+#include "tools/files/frame_log.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/map_heights.hpp"
 #include "tools/report/map_texts.hpp"
 #include "tools/road/pair_input.hpp"
 #include "tools/sequence/frame_line.hpp"
-#include "tools/sequence/frame_log.hpp"
 #include "tools/sequence/settings_difference.hpp"
 
 namespace nadir::tool {

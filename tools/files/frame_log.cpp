@@ -1,4 +1,4 @@
-#include "tools/sequence/frame_log.hpp"
+#include "tools/files/frame_log.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>
