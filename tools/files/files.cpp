@@ -4,13 +4,13 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <regex>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
+#include "tools/files/file_error.hpp"
 
 namespace nadir::tool {
 
@@ -23,16 +23,12 @@ struct CloseFile {
 };
 using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
 
-[[noreturn]] void fail(const char* what, const std::string& path, int error) {
-  throw Error(format("cannot %s %s: %s", what, path.c_str(), std::strerror(error)));
-}
-
 // A device or a folder must not be replaced by a picture. A link is followed, so that it stays a link.
 std::string checkedTarget(const std::string& path) {
   if (path.empty()) throw Error("the name of an output is empty");
   std::error_code unknown;
   const fs::path target = fs::weakly_canonical(fs::absolute(path), unknown);
-  if (unknown) fail("write", path, unknown.value());
+  if (unknown) throw fileError("write", path, unknown.value());
   const fs::file_status status = fs::status(target, unknown);
   if (fs::exists(status) && !fs::is_regular_file(status))
     throw Error("cannot write " + path + ": it is not a plain file");
@@ -47,21 +43,21 @@ bool isSameFile(const std::string& a, const std::string& b) {
 
 void writeNewFile(const std::string& path, const Bytes& bytes, const std::string& shownAs) {
   FilePtr file(std::fopen(path.c_str(), "wbx"));
-  if (!file) fail("write", shownAs, errno);
+  if (!file) throw fileError("write", shownAs, errno);
   const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-  if (!written || std::fflush(file.get()) != 0) fail("write", shownAs, errno);
+  if (!written || std::fflush(file.get()) != 0) throw fileError("write", shownAs, errno);
 }
 
 }  // namespace
 
 Bytes readFile(const std::string& path) {
   const FilePtr file(std::fopen(path.c_str(), "rb"));
-  if (!file) fail("read", path, errno);
+  if (!file) throw fileError("read", path, errno);
   Bytes bytes;
   uint8_t block[1 << 16];
   while (const size_t count = std::fread(block, 1, sizeof block, file.get()))
     bytes.insert(bytes.end(), block, block + count);
-  if (std::ferror(file.get())) fail("read", path, errno);
+  if (std::ferror(file.get())) throw fileError("read", path, errno);
   return bytes;
 }
 
@@ -82,7 +78,7 @@ void OutputFiles::makeFolder(const std::string& path) {
   if (path.empty()) throw Error("the name of the output folder is empty");
   std::error_code error;
   if (fs::create_directory(path, error)) newFolder_ = path;
-  if (error) fail("make the folder", path, error.value());
+  if (error) throw fileError("make the folder", path, error.value());
 }
 
 void OutputFiles::write(const std::string& path, const Bytes& bytes) {
@@ -97,7 +93,7 @@ void OutputFiles::write(const std::string& path, const Bytes& bytes) {
 
 void OutputFiles::commit() {
   for (File& file : files_) {
-    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) fail("write", file.target, errno);
+    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) throw fileError("write", file.target, errno);
     file.inPlace = true;
   }
   committed_ = true;

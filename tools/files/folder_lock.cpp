@@ -5,15 +5,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
-#include "tools/base/error.hpp"
+#include "tools/files/file_error.hpp"
 
 namespace nadir::tool {
 
 // The folder itself is locked, so that no file stays behind.
 FolderLock::FolderLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (folder_ < 0) throw Error("cannot use the folder " + folder + ": " + std::strerror(errno));
+  if (folder_ < 0) throw fileError("use the folder", folder, errno);
   if (flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
   close(folder_);
   throw Error("another run is writing into " + folder + ": wait for its end, or name another folder");

@@ -4,23 +4,17 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
+#include "tools/files/file_error.hpp"
 
 namespace nadir::tool {
 
-namespace {
-
-[[noreturn]] void fail(const std::string& path) { throw Error("cannot write " + path + ": " + std::strerror(errno)); }
-
-}  // namespace
-
 FrameLog::FrameLog(const std::string& path)
     : path_(path), file_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666)) {
-  if (file_ < 0) fail(path);
+  if (file_ < 0) throw fileError("write", path, errno);
 }
 
 FrameLog::~FrameLog() { close(file_); }
@@ -28,7 +22,7 @@ FrameLog::~FrameLog() { close(file_); }
 void FrameLog::append(const std::string& line) {
   for (size_t done = 0; done < line.size();) {
     const ssize_t written = write(file_, line.data() + done, line.size() - done);
-    if (written < 0 && errno != EINTR) fail(path_);
+    if (written < 0 && errno != EINTR) throw fileError("write", path_, errno);
     if (written > 0) done += static_cast<size_t>(written);
   }
 }

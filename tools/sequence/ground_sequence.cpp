@@ -8,6 +8,7 @@
 #include "tools/base/interrupt.hpp"
 #include "tools/base/progress.hpp"
 #include "tools/base/text.hpp"
+#include "tools/files/file_error.hpp"
 #include "tools/files/folder_lock.hpp"
 #include "tools/files/frame_log.hpp"
 #include "tools/pictures/pictures.hpp"
@@ -110,7 +111,7 @@ class SequenceRun {
   void cutOff(uintmax_t whole) const {
     std::error_code error;
     fs::resize_file(logPath(), whole, error);
-    if (error) throw Error("cannot write " + logPath() + ": " + error.message());
+    if (error) throw fileError("write", logPath(), error.value());
   }
 
   // These are checked here and not frame by frame: with the wrong file every frame would be damaged.
