@@ -122,10 +122,7 @@ class Reader {
   std::vector<ground::Area> areas_;
 };
 
-toml::table parseFile(const std::string& path) {
-  const Bytes bytes = readFile(path);
-  return parseToml(std::string(bytes.begin(), bytes.end()), path);
-}
+toml::table parseFile(const std::string& path) { return parseToml(readText(path), path); }
 
 }  // namespace
 

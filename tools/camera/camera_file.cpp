@@ -142,10 +142,7 @@ Camera parseCamera(const std::string& text, const std::string& path) {
   return camera;
 }
 
-Camera readCamera(const std::string& path) {
-  const Bytes bytes = readFile(path);
-  return parseCamera(std::string(bytes.begin(), bytes.end()), path);
-}
+Camera readCamera(const std::string& path) { return parseCamera(readText(path), path); }
 
 std::string cameraText(const Camera& camera) {
   std::string text =
@@ -160,7 +157,7 @@ std::string cameraText(const Camera& camera) {
 
 Bytes cameraBytes(const Camera& camera) {
   const std::string text = cameraText(camera);
-  return Bytes(text.begin(), text.end());
+  return bytesOf(text);
 }
 
 }  // namespace nadir::tool

@@ -186,10 +186,7 @@ void checkSameSize(const CalibrationFile& leftFile, const CalibrationFile& right
 
 }  // namespace
 
-CalibrationFile readCalibration(const std::string& path) {
-  const Bytes bytes = readFile(path);
-  return {path, std::string(bytes.begin(), bytes.end())};
-}
+CalibrationFile readCalibration(const std::string& path) { return {path, readText(path)}; }
 
 ImportedCamera importOpenCv(const CalibrationFile& file, double unitMm) {
   const YAML::Node root = parse(file);

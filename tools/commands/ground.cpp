@@ -46,7 +46,7 @@ void writeOutputs(const std::string& folder, const ground::Setup& setup, const g
   files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, setup.frame));
   files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(setup.camera.heightMm)));
   if (r.findings) writeFindings(folder, setup, r, files);
-  files.write(folder + "/summary.json", Bytes(summary.begin(), summary.end()));
+  files.write(folder + "/summary.json", bytesOf(summary));
 }
 
 void runOnPair(const Options& options) {

@@ -22,8 +22,7 @@ struct Options {
 };
 
 verify::Table readTable(const std::string& path) {
-  const Bytes bytes = readFile(path);
-  const std::optional<verify::Table> table = verify::parseTable({bytes.begin(), bytes.end()});
+  const std::optional<verify::Table> table = verify::parseTable(readText(path));
   if (!table || table->empty())
     throw Error("cannot use " + path + ": its lines are not a stage and a hash, as --print-hashes writes them");
   return *table;

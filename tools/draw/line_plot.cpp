@@ -111,7 +111,7 @@ Bytes encodeLinePlot(const LinePlot& plot) {
     if (curve.dot > 0) text += dotsOf(curve, x, y);
   }
   text += legend(plot) + "</svg>\n";
-  return Bytes(text.begin(), text.end());
+  return bytesOf(text);
 }
 
 }  // namespace nadir::tool

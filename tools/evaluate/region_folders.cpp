@@ -17,9 +17,8 @@ using Json = nlohmann::json;
 // A JSON file and what is to be made of it; whatever is missing or of another kind makes one sentence.
 template <class Use>
 auto useJson(const std::string& path, const char* writer, Use use) {
-  const Bytes bytes = readFile(path);
   try {
-    return use(Json::parse(bytes.begin(), bytes.end()));
+    return use(Json::parse(readText(path)));
   } catch (const Json::exception&) {
     throw Error(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
   }

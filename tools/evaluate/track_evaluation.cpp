@@ -50,8 +50,7 @@ std::vector<Point_s32> cornersOf(const nlohmann::json& area) {
 }
 
 nlohmann::json areasOf(const std::string& result) {
-  const Bytes run = readFile(result + "/run.json");
-  return nlohmann::json::parse(run.begin(), run.end()).at("areas");
+  return nlohmann::json::parse(readText(result + "/run.json")).at("areas");
 }
 
 void addFrame(std::vector<AreaTrack>& areas, const std::vector<ground::PolygonRecord>& places,

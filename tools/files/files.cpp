@@ -61,6 +61,11 @@ Bytes readFile(const std::string& path) {
   return bytes;
 }
 
+std::string readText(const std::string& path) {
+  const Bytes bytes = readFile(path);
+  return std::string(bytes.begin(), bytes.end());
+}
+
 void removeParts(const std::string& folder) {
   static const std::regex part(".*\\.[0-9]+\\.part");
   std::error_code missing;

@@ -12,7 +12,10 @@ namespace nadir::tool {
 
 using Bytes = std::vector<uint8_t>;
 
+inline Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
 Bytes readFile(const std::string& path);
+std::string readText(const std::string& path);
 
 // Removes the temporary files of a killed process from a folder; no other process may be writing there.
 void removeParts(const std::string& folder);

@@ -42,7 +42,7 @@ uint8_t grey(uint16_t intensity) { return static_cast<uint8_t>(std::min(intensit
 
 Bytes encodePly(const std::vector<ground::WorldPoint>& points, float groundZ) {
   const std::string text = header(points.size());
-  Bytes bytes(text.begin(), text.end());
+  Bytes bytes = bytesOf(text);
   for (const ground::WorldPoint& p : points) {
     for (const float v : {p.world.x, p.world.y, p.world.z, groundZ - p.world.z}) append(bytes, v);
     bytes.insert(bytes.end(), 3, grey(p.intensity));

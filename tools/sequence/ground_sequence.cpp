@@ -83,7 +83,7 @@ class SequenceRun {
     const bool begun = fs::exists(settingsPath()) || fs::exists(logPath());
     if (begun) checkResumable(settings);
     for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
-    if (!begun) files.write(settingsPath(), Bytes(settings.begin(), settings.end()));
+    if (!begun) files.write(settingsPath(), bytesOf(settings));
     if (!options_.rule.noMaps) makeMapFolders();
     files.commit();
   }
@@ -91,8 +91,7 @@ class SequenceRun {
   void checkResumable(const std::string& settings) const {
     if (!options_.resume)
       throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
-    const Bytes earlier = readFile(settingsPath());
-    const std::string difference = settingsDifference(std::string(earlier.begin(), earlier.end()), settings);
+    const std::string difference = settingsDifference(readText(settingsPath()), settings);
     if (!difference.empty())
       throw Error("cannot resume: " + settingsPath() + " tells of other settings: " + difference);
   }

@@ -109,8 +109,6 @@ Bytes regionsFile(const Rendering& r) {
 
 // ---- texts ----
 
-Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
 Camera cameraOf(const SynthSettings& settings, const Rendering& r) {
   const scene::CameraSettings& settled = settings.camera;
   const scene::View& view = r.rig.view(settled.reference);

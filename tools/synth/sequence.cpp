@@ -92,8 +92,8 @@ void writeTexts(const std::string& folder, const SynthSettings& settings, const 
     throw Error(format("%s holds a sequence already; remove it or name another folder", folder.c_str()));
   for (const NamedFile& file : synthTexts(settings, arranged(settings, {})))
     files.write(folder + "/" + file.name, file.bytes);
-  files.write(folder + "/truth.jsonl", Bytes(texts.truth.begin(), texts.truth.end()));
-  if (!areas.empty()) files.write(folder + "/areas.toml", Bytes(areas.begin(), areas.end()));
+  files.write(folder + "/truth.jsonl", bytesOf(texts.truth));
+  if (!areas.empty()) files.write(folder + "/areas.toml", bytesOf(areas));
   files.commit();
 }
 
