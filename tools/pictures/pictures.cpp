@@ -6,26 +6,18 @@
 #include "ground/known_values.hpp"
 #include "ground/map.hpp"
 #include "tools/base/error.hpp"
-#include "tools/base/text.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
-#include "tools/pictures/pgm.hpp"
-#include "tools/pictures/png.hpp"
+#include "tools/pictures/formats.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
-Raster decode(const Bytes& bytes) {
-  if (isPng(bytes)) return decodePng(bytes);
-  if (isPgm(bytes)) return decodePgm(bytes);
-  throw Error("it is neither a PNG nor a binary PGM picture");
-}
-
 Raster readRaster(const std::string& path) {
   const Bytes bytes = readFile(path);
   try {
-    return decode(bytes);
+    return decodedPicture(bytes);
   } catch (const Error& reason) {
     throw Error("cannot use " + path + ": " + reason.what());
   }
@@ -62,11 +54,6 @@ Grid<uint16_t> gridOf(Raster raster) {
 }
 
 }  // namespace
-
-void checkRasterSize(uint32_t width, uint32_t height) {
-  if (width > 65535 || height > 65535 || uint64_t{width} * height > 1u << 25)
-    throw Error("it is too large (" + sizeText(width, height) + " pixels)");
-}
 
 Grid<uint16_t> readIntensity(const std::string& path) {
   const Raster raster = readRaster(path);
