@@ -34,9 +34,9 @@ inline size_t findRuns(const Columns& inside, uint32_t row, uint32_t end, Run* r
 // Which runs of neighbouring rows may touch: those that share a column, or also those that meet at a corner.
 enum class Reach { sharedColumn, corner };
 
-// The label of a run that has one, or none yet, and turns out to touch another.
+// Joins the label of a run, 0 where it has none yet, with that of another one that it turns out to touch.
 template <class Labels>
-uint16_t joined(uint16_t label, uint16_t other, Labels& labels) {
+uint16_t joinLabels(uint16_t label, uint16_t other, Labels& labels) {
   if (label == 0 || label == other) return other;
   return labels.unite(label, other);
 }
@@ -53,7 +53,7 @@ void linkRow(const Run* above, size_t aboveCount, Run* row, size_t count, Reach 
     uint16_t label = 0;
     while (first != aboveEnd && first->end + gap <= from) ++first;
     for (const Run* a = first; a != aboveEnd && a->start < to; ++a) {
-      if (touches(*a, *run)) label = joined(label, a->label, labels);
+      if (touches(*a, *run)) label = joinLabels(label, a->label, labels);
     }
     run->label = label == 0 ? labels.add() : label;
   }
