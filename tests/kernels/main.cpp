@@ -105,31 +105,37 @@ void listHeader() {
   std::printf("\n");
 }
 
-int run(const Options& options) {
-  Registry registry;
-  addFilter3x3Cases(registry);
-  addPointCases(registry);
-  addSmoothCases(registry);
-  addStereoRowCases(registry);
-  addSelectionCases(registry);
-  addWalkCases(registry);
+Registry chosenCases(const std::string& only) {
+  Registry all, chosen;
+  for (const auto add :
+       {addFilter3x3Cases, addPointCases, addSmoothCases, addStereoRowCases, addSelectionCases, addWalkCases}) {
+    add(all);
+  }
+  for (auto& c : all) {
+    if (std::strstr(c->name(), only.c_str())) chosen.push_back(std::move(c));
+  }
+  return chosen;
+}
 
+int checkAll(const Registry& cases, uint64_t seed) {
   unsigned passed = 0, failed = 0;
-  if (options.mode == Options::list) listHeader();
-  if (options.mode == Options::check) catchCrashes();
-  for (const auto& c : registry) {
-    if (!options.only.empty() && std::strstr(c->name(), options.only.c_str()) == nullptr) continue;
-    if (options.mode == Options::list) listOne(*c);
-    if (options.mode == Options::bench) benchOne(*c);
-    if (options.mode != Options::check) continue;
+  catchCrashes();
+  for (const auto& c : cases) {
     for (const Variant& variant : variants(*c)) {
-      if (variant.level != cpuScalar) ++(checkOne(*c, variant, options.seed) ? passed : failed);
+      if (variant.level != cpuScalar) ++(checkOne(*c, variant, seed) ? passed : failed);
     }
   }
-  if (options.mode != Options::check) return 0;
   if (cpu() == cpuScalar) std::printf("this processor has scalar kernels only: nothing to compare\n");
   std::printf("%u passed, %u failed\n", passed, failed);
   return failed || (passed == 0 && cpu() != cpuScalar) ? 1 : 0;
+}
+
+int run(const Options& options) {
+  const Registry cases = chosenCases(options.only);
+  if (options.mode == Options::check) return checkAll(cases, options.seed);
+  if (options.mode == Options::list) listHeader();
+  for (const auto& c : cases) (options.mode == Options::list ? listOne : benchOne)(*c);
+  return 0;
 }
 
 constexpr const char* help =
