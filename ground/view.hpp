@@ -1,4 +1,4 @@
-// The two views of a pair, and the words for them.
+// The two views of a pair, and the words for them: options and files use the same ones.
 #pragma once
 
 #include <string>
@@ -8,9 +8,9 @@ namespace nadir::ground {
 enum class View { left, right };
 
 // "left" or "right".
-const char* nameOf(View view);
+inline const char* nameOf(View view) { return view == View::left ? "left" : "right"; }
 
 // The view of that name; every other word means the right one.
-View viewNamed(const std::string& name);
+inline View viewNamed(const std::string& name) { return name == nameOf(View::left) ? View::left : View::right; }
 
 }  // namespace nadir::ground
