@@ -36,9 +36,7 @@ struct Options {
 
 Bytes errorMap(const Grid<float>& values, const Grid<float>& truth, double range, const char* unit) {
   const Grid<Rgb> picture = plot(errors(values, truth), {-range, range, blueRed, unit});
-  return encodePng(picture,
-                   {{"Description", format("Value - truth in %s, coloured; grey: no value or no truth.", unit)},
-                    {"Software", software()}});
+  return encodePng(picture, pictureTexts(format("Value - truth in %s, coloured; grey: no value or no truth.", unit)));
 }
 
 template <class Value>

@@ -6,8 +6,7 @@ namespace nadir::tool {
 
 Bytes encodeDisparityPlot(const Grid<float>& disparity, std::pair<double, double> range) {
   const Grid<Rgb> picture = plot(disparity, {range.first, range.second, turbo, "pixels"});
-  return encodePng(picture,
-                   {{"Description", "Disparities in pixels, coloured; grey: no value."}, {"Software", software()}});
+  return encodePng(picture, pictureTexts("Disparities in pixels, coloured; grey: no value."));
 }
 
 }  // namespace nadir::tool

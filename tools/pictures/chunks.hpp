@@ -10,6 +10,8 @@
 namespace nadir::tool {
 
 namespace chunks {
+constexpr const char* description = "Description";  // keywords that PNG itself defines
+constexpr const char* software = "Software";
 constexpr const char* scale = "nadir:scale";
 constexpr const char* noValue = "nadir:no-value";
 constexpr const char* units = "nadir:units";
@@ -22,6 +24,9 @@ constexpr const char* top = "nadir:top-mm";
 // What an elevation map's text nadir:units says; other pictures say something else.
 constexpr const char* elevationUnits = "mm";
 constexpr const char* regionUnits = "region";
+
+// What every picture says of itself: what it shows, and who made it; beside `more`.
+TextChunks pictureTexts(const std::string& description, TextChunks more = {});
 
 // scale  what 1 pixel of disparity is stored as.
 // grid   the view whose pixels the disparities belong to.

@@ -81,8 +81,7 @@ MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, ui
 
 Bytes encodeMapPlot(const Grid<uint16_t>& heights, const ground::MapFrame& frame) {
   return encodePng(drawMap(heights, frame, usualSide).picture,
-                   {{"Description", "Heights above the ground in mm, coloured, seen from above; grey: unseen."},
-                    {"Software", software()}});
+                   pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen."));
 }
 
 }  // namespace nadir::tool

@@ -15,7 +15,7 @@ TextChunks mapTexts(const ground::MapFrame& frame, const ground::CellRule& rule)
 TextChunks regionTexts(const ground::MapFrame& frame, const ground::CellRule& rule) {
   TextChunks texts = mapTexts(frame, rule);
   texts[chunks::units] = regionUnits;
-  texts["Description"] =
+  texts[chunks::description] =
       "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";
   return texts;
 }

@@ -17,8 +17,6 @@ constexpr double farOutside = 100000;  // of every picture, pixels
 constexpr Rgb areaColour{255, 0, 200};
 constexpr Rgb areaSign{255, 190, 240};
 
-TextChunks texts(const char* description) { return {{"Description", description}, {"Software", software()}}; }
-
 // ---- areas ----
 
 constexpr uint32_t pen = 2;  // pixels
@@ -197,8 +195,8 @@ Bytes encodeRegionMap(const ground::Setup& setup, const ground::Result& result) 
   for (const ground::Region& region : result.findings->regions.list)
     signs.drawAt(spotOf(map, setup.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
   drawNames(signs, areas);
-  return encodePng(map.picture, texts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
-                                      "Regions are outlined in white and numbered, areas of interest in pink."));
+  return encodePng(map.picture, pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
+                                             "Regions are outlined in white and numbered, areas of interest in pink."));
 }
 
 Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& result) {
@@ -211,8 +209,9 @@ Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& resu
   Signs signs(picture, whole);
   numberRegions(signs, labels, result.findings->regions.list.size());
   drawNames(signs, areas);
-  return encodePng(picture, texts("The measured picture: regions coloured and numbered, areas of interest on the "
-                                  "ground outlined in pink."));
+  return encodePng(picture,
+                   pictureTexts("The measured picture: regions coloured and numbered, areas of interest on the "
+                                "ground outlined in pink."));
 }
 
 }  // namespace nadir::tool

@@ -28,12 +28,10 @@ ground::MapPlace placeOf(const Rendering& r) {
 // ---- pictures ----
 
 Bytes pictureFile(const Grid<uint16_t>& picture, Side side, const SynthSettings& settings) {
-  return encodePng(picture, {{"Description", format("The %s picture of a rendered pair, intensities from 16 to 4080; "
-                                                    "0 is the sensor's dead area.",
-                                                    nameOf(side))},
-                             {"nadir:scene", settings.scene},
-                             {"nadir:seed", std::to_string(settings.seed)},
-                             {"Software", software()}});
+  const std::string description = format(
+      "The %s picture of a rendered pair, intensities from 16 to 4080; 0 is the sensor's dead area.", nameOf(side));
+  return encodePng(picture, pictureTexts(description, {{"nadir:scene", settings.scene},
+                                                       {"nadir:seed", std::to_string(settings.seed)}}));
 }
 
 // value * scale, rounded; `none` where that is not a number or above `most`.
@@ -48,7 +46,7 @@ Grid<uint16_t> encoded(const Grid<double>& values, double scale, double most, ui
 
 Bytes disparityFile(const Grid<double>& disparity, Side side, const char* remark) {
   TextChunks text = disparityTexts(synthDisparityScale, viewOf(side));
-  text["Description"] = format(
+  text[chunks::description] = format(
       "True disparities of the %s picture: value / %u is the disparity in pixels, right column = left column - "
       "disparity. 0: %s.",
       nameOf(side), synthDisparityScale, remark);
@@ -66,9 +64,8 @@ Grid<double> visible(const scene::ViewTruth& truth) {
 Bytes occlusionFile(const Grid<uint8_t>& occluded, Side side) {
   Grid<uint8_t> mask = occluded;
   for (uint8_t& v : mask.pixels) v = v ? 255 : 0;
-  return encodePng(mask, {{"Description",
-                           format("255: the other picture does not show this point of the %s picture.", nameOf(side))},
-                          {"Software", software()}});
+  return encodePng(
+      mask, pictureTexts(format("255: the other picture does not show this point of the %s picture.", nameOf(side))));
 }
 
 Bytes heightFile(const Grid<double>& height, Side side) {
@@ -77,11 +74,9 @@ Bytes heightFile(const Grid<double>& height, Side side) {
       "the sky or above 8191 mm.",
       nameOf(side), synthHeightScale, unsigned{synthNoHeight});
   return encodePng(encoded(height, synthHeightScale, synthNoHeight - 1, synthNoHeight),
-                   {{chunks::scale, std::to_string(synthHeightScale)},
-                    {chunks::noValue, std::to_string(synthNoHeight)},
-                    {chunks::units, format("1/%u mm", synthHeightScale)},
-                    {"Description", description},
-                    {"Software", software()}});
+                   pictureTexts(description, {{chunks::scale, std::to_string(synthHeightScale)},
+                                              {chunks::noValue, std::to_string(synthNoHeight)},
+                                              {chunks::units, format("1/%u mm", synthHeightScale)}}));
 }
 
 // ---- the map ----
@@ -92,7 +87,7 @@ Bytes elevationFile(const Rendering& r) {
   for (size_t i = 0; i < shown.pixels.size(); ++i)
     shown.pixels[i] = r.map.inPicture.pixels[i] ? std::max(1.0, shown.pixels[i]) : 0;
   TextChunks text = elevationTexts(placeOf(r));
-  text["Description"] =
+  text[chunks::description] =
       "True height in mm above the ground of the topmost surface at each cell's centre, hidden or not; what is lower "
       "than 1 mm is 1, 0 is outside the picture. World x grows from column to column, world y from row to row.";
   return encodePng(encoded(shown, 1, 65535, 65535), text);
@@ -101,7 +96,7 @@ Bytes elevationFile(const Rendering& r) {
 Bytes regionsFile(const Rendering& r) {
   TextChunks text = elevationTexts(placeOf(r));
   text[chunks::units] = regionUnits;
-  text["Description"] =
+  text[chunks::description] =
       "The object at each cell's centre, whether the picture shows it or not: 0 is the ground, scene.json tells the "
       "others.";
   return encodePng(r.map.region, text);
