@@ -13,9 +13,9 @@
 #include "lab/random.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using Values = std::vector<uint32_t>;
 
 constexpr uint32_t columnCount = 30, rowCount = 9, pixelCount = columnCount * rowCount, searched = 64;
@@ -551,3 +551,5 @@ TEST(NotAllocating, RefusedSegmentation) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test

@@ -11,6 +11,7 @@
 
 #include "tests/counts/calls.hpp"
 
+namespace nadir::test::counts {
 namespace {
 
 // The library's memory comes from here, so that the state of libc's heap, which depends on everything before, costs
@@ -20,7 +21,6 @@ size_t arenaUsed = 0;
 
 // How deep in its page the stack begins depends on the environment and the program's path. Here it does not.
 __attribute__((noinline)) void callEverything() {
-  using namespace nadir::test::counts;
   callImages();
   callStereo();
   callSegments();
@@ -57,6 +57,8 @@ int __wrap_clock_gettime(clockid_t, timespec* now) {
 }
 }
 
+}  // namespace nadir::test::counts
+
 int main(int argc, char** argv) {
   static char output[1 << 16];
   std::setvbuf(stdout, output, _IOFBF, sizeof output);
@@ -67,6 +69,6 @@ int main(int argc, char** argv) {
   volatile char* const skipped =
       static_cast<char*>(alloca(reinterpret_cast<uintptr_t>(__builtin_frame_address(0)) % 4096 + 16));
   *skipped = 0;
-  callEverything();
+  nadir::test::counts::callEverything();
   return 0;
 }

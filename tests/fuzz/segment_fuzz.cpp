@@ -147,13 +147,13 @@ void fuzzElevationRegions(Input& in) {
 }
 
 }  // namespace
-}  // namespace nadir::test
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  using namespace nadir::test;
   constexpr void (*targets[])(Input&) = {fuzzLabelling, fuzzComponentFinder, fuzzContourFilter, fuzzRegionGrowing,
                                          fuzzElevationRegions};
   Input in(data, size);
   targets[in.below(5)](in);
   return 0;
 }
+
+}  // namespace nadir::test

@@ -187,12 +187,12 @@ void fuzzDrivers(Input& in) {
 }
 
 }  // namespace
-}  // namespace nadir::test
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  using namespace nadir::test;
   constexpr void (*targets[])(Input&) = {fuzzCensus, fuzzCostRow, fuzzPath, fuzzSelection, fuzzDrivers};
   Input in(data, size);
   targets[in.below(5)](in);
   return 0;
 }
+
+}  // namespace nadir::test

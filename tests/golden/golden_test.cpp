@@ -13,12 +13,10 @@
 
 #include "tests/golden/golden.hpp"
 
+namespace nadir::test::golden {
 namespace {
 
-using nadir::test::golden::Case;
-
 std::vector<Case> allCases() {
-  using namespace nadir::test::golden;
   std::vector<Case> all;
   for (const auto& cases :
        {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases()}) {
@@ -62,9 +60,7 @@ int compare(const std::vector<Case>& cases) {
   return wrong == 0 && golden.empty() ? 0 : 1;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   const bool writes = argc == 2 && std::string(argv[1]) == "--write";
   if (argc > 1 && !writes) {
     std::cerr << "usage: nadir_golden_tests [--write]\n";
@@ -72,3 +68,8 @@ int main(int argc, char** argv) {
   }
   return writes ? write(allCases()) : compare(allCases());
 }
+
+}  // namespace
+}  // namespace nadir::test::golden
+
+int main(int argc, char** argv) { return nadir::test::golden::run(argc, argv); }

@@ -9,8 +9,7 @@
 
 #include "tests/support/images.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 const std::vector<uint32_t> types{IMG_TYPE_U8,  IMG_TYPE_S8,  IMG_TYPE_U16, IMG_TYPE_S16,
@@ -541,3 +540,5 @@ TEST(ImgConvert, RefusesEveryOtherNewType) {
 }
 
 TEST(ImgConvert, RefusesANullImage) { EXPECT_EQ(Img_Convert_I(nullptr, IMG_TYPE_U16), 0u); }
+
+}  // namespace nadir::test

@@ -11,8 +11,7 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -192,3 +191,5 @@ TEST(VectorFill, RefusesAValueForATypeItDoesNotKnow) {
     EXPECT_TRUE(refuses(marked, [&](Vector* v) { return Vector_Fill(v, 5, 2); })) << type;
   }
 }
+
+}  // namespace nadir::test

@@ -10,8 +10,7 @@
 #include "tests/models/image_ops.hpp"
 #include "tests/support/images.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 const std::vector<uint32_t> ops{IMGOP_ADD, IMGOP_SUB, IMGOP_MUL, IMGOP_DIV, IMGOP_SHR, IMGOP_SHL};
@@ -475,3 +474,5 @@ TEST(Arithmetic, ARefusedDivisionDoesNotSignal) {
   expectRefused(a, zeros, out, IMGOP_DIV);
   EXPECT_EQ(signals.count(), 0);
 }
+
+}  // namespace nadir::test

@@ -8,8 +8,7 @@
 #include "tests/models/image_ops.hpp"
 #include "tests/support/images.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 const std::vector<int32_t> morphOps{MORPH_ERODE, MORPH_DILATE, MORPH_OPEN, MORPH_CLOSE, MORPH_CLEAN};
@@ -552,3 +551,5 @@ TEST_P(EveryFilter3x3, LeavesTheDescriptorsAlone) {
   EXPECT_TRUE(sameDescriptor(src.img, srcBefore));
   EXPECT_TRUE(sameDescriptor(dst.img, dstBefore));
 }
+
+}  // namespace nadir::test

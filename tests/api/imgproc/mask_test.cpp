@@ -7,8 +7,7 @@
 #include "tests/models/image_ops.hpp"
 #include "tests/support/images.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 const std::vector<uint32_t> modes{MASK_KEEP_SET, MASK_CLEAR_SET, 2, 255, 256, 0x80000000u, 0xFFFFFFFFu};
@@ -257,3 +256,5 @@ TEST(Mask, InPlaceRefusesANullMask) {
   Image<uint8_t> image = marked<uint8_t>(3, 2);
   EXPECT_TRUE(refuses(image, [&] { return IP_Mask_I(image, nullptr, MASK_KEEP_SET); }));
 }
+
+}  // namespace nadir::test

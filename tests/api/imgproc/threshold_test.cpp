@@ -7,8 +7,7 @@
 #include "tests/models/image_ops.hpp"
 #include "tests/support/images.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 const std::vector<uint32_t> modes{THRESH_ZERO_BELOW, THRESH_KEEP_ABOVE, THRESH_ZERO_EQUAL, THRESH_KEEP_BELOW,
@@ -377,3 +376,5 @@ TEST(ThresholdRange, RefusesANullDestination) {
 TEST(ThresholdRange, RefusesANullImageInPlace) {
   EXPECT_EQ(IP_ThresholdRange_I(nullptr, rangeBegin, rangeEnd, rangeZeroing), 0u);
 }
+
+}  // namespace nadir::test

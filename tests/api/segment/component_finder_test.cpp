@@ -15,8 +15,7 @@
 #include "tests/support/regions.hpp"
 #include "tests/support/rounds.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using model::Region;
@@ -472,3 +471,5 @@ TEST(ComponentFinderAgain, WorksOnTwoImagesInTurn) {
 }
 
 TEST(ComponentFinderClose, AcceptsNull) { IP_CompFinder_Close(nullptr); }
+
+}  // namespace nadir::test

@@ -10,8 +10,7 @@
 #include "tests/support/rounds.hpp"
 #include "tests/support/same.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using model::Picture;
@@ -210,3 +209,5 @@ TEST(ContourFilterLimits, HoldsAsManyComponentsAsThereCanBe) {
   expectModel(dust, 2);
   expectModel(dust, 128 * 128);
 }
+
+}  // namespace nadir::test

@@ -15,8 +15,7 @@
 #include "tests/support/rounds.hpp"
 #include "tests/support/same.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using model::Region;
@@ -588,3 +587,5 @@ TEST_F(ElevationLimits, IsRightAgainAfterThem) {
     expectModel(anyTerrain(random, 5, 5), wholeMap(1));
   }
 }
+
+}  // namespace nadir::test

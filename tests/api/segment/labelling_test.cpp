@@ -12,8 +12,7 @@
 #include "tests/support/rounds.hpp"
 #include "tests/support/same.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using model::Picture;
@@ -427,3 +426,5 @@ TEST(LabellingLimits, IsRightAgainAfterThem) {
     expectModel(valued<uint16_t>(random, anyShape(random, 30, 20), 0), 0);
   });
 }
+
+}  // namespace nadir::test

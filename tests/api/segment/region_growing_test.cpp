@@ -11,8 +11,7 @@
 #include "tests/support/rounds.hpp"
 #include "tests/support/same.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using model::Words;
@@ -237,3 +236,5 @@ TEST(RegionGrowingModel, AgreesOnAPathThroughALargeImage) {
 }
 
 TEST(RegionGrowingModel, AgreesOnOneRegionThatFillsALargeImage) { expectModel(constant<uint16_t>(320, 240, 7), 0, 0); }
+
+}  // namespace nadir::test

@@ -10,8 +10,7 @@
 #include "tests/support/pictures.hpp"
 #include "tests/support/stack.hpp"
 
-using namespace nadir::test;
-
+namespace nadir::test {
 namespace {
 
 using Picture = model::Picture<uint16_t>;
@@ -129,3 +128,5 @@ TEST_F(SegmentStack, OfElevationRegions) {
                         }),
             limit);
 }
+
+}  // namespace nadir::test

@@ -7,9 +7,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Codes;
 using model::Words;
 
@@ -126,3 +126,5 @@ TEST(Census, EqualsTheModelForEveryHeight) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test

@@ -7,9 +7,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Bytes;
 using model::Codes;
 using model::Variant;
@@ -279,3 +279,5 @@ TEST(CostRowVector, EqualsTheScalarOneForCensusCodes) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test

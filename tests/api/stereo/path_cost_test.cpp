@@ -10,9 +10,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Bytes;
 using model::Variant;
 
@@ -490,3 +490,5 @@ TEST(PathCostVariants, LeaveIdenticalBuffersForWholeBlocks) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test

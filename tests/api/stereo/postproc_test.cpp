@@ -7,9 +7,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Bytes;
 using model::Words;
 
@@ -186,3 +186,5 @@ TEST(SgmPostproc, EqualsTheModelForEveryHeight) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test

@@ -7,9 +7,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Bytes;
 using model::Variant;
 using model::Words;
@@ -419,3 +419,5 @@ INSTANTIATE_TEST_SUITE_P(Variants, PeakCheck, ::testing::Values(Variant::scalar,
                          [](const auto& tested) { return tested.param == Variant::scalar ? "Scalar" : "Vector"; });
 
 }  // namespace
+
+}  // namespace nadir::test

@@ -9,9 +9,9 @@
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
 
+namespace nadir::test {
 namespace {
 
-using namespace nadir::test;
 using model::Bytes;
 using model::Codes;
 using model::Words;
@@ -579,3 +579,5 @@ TEST(SgmRefused, NumbersOfDisparitiesOtherThan64GiveNone) {
 }
 
 }  // namespace
+
+}  // namespace nadir::test
