@@ -21,7 +21,7 @@ const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 ExtCalib external(float tilt, float pan) {
   const Orientation o = {2000, tilt, pan};
   ExtCalib e;
-  EXPECT_EQ(1u, ip_orientation2externalCalib(&o, &e));
+  EXPECT_EQ(ip_orientation2externalCalib(&o, &e), 1u);
   return e;
 }
 
@@ -59,7 +59,7 @@ TEST(InternalCalib, ScalesTheStoredIntegers) {
   const IntCalibParams params = {25600 + 128, 256, 16 + 8, -1};
   IntCalib calib;
   ip_params2internalCalib(&params, &calib);
-  EXPECT_EQ((Floats{100.5f, 1, 1.5f, -0.0625f}), floats(calib));
+  EXPECT_EQ(floats(calib), (Floats{100.5f, 1, 1.5f, -0.0625f}));
 }
 
 TEST(InternalCalib, ConvertsToFloatBeforeItScales) {
@@ -67,14 +67,14 @@ TEST(InternalCalib, ConvertsToFloatBeforeItScales) {
   const IntCalibParams params = {16777217, INT32_MAX, INT32_MIN, 16777219};
   IntCalib calib;
   ip_params2internalCalib(&params, &calib);
-  EXPECT_EQ((Floats{65536, 8388608, -134217728, 1048576.25f}), floats(calib));
+  EXPECT_EQ(floats(calib), (Floats{65536, 8388608, -134217728, 1048576.25f}));
 }
 
 TEST(ExternalCalib, OfACameraThatLooksStraightDownIsTheIdentity) {
   const ExtCalib e = external(0, 0);
   const float identity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   for (int i = 0; i < 9; i++) EXPECT_EQ(identity[i], e.R[i]) << i;  // zeros of either sign
-  EXPECT_EQ((Floats{0, 0, 0}), floats(e.T));
+  EXPECT_EQ(floats(e.T), (Floats{0, 0, 0}));
 }
 
 TEST(ExternalCalib, OfATiltRaisesTheOpticalAxisAlongY) {
@@ -112,8 +112,8 @@ TEST(ExternalCalib, HasTheBitsOfTheDocumentedProduct) {
                                     : Orientation{0, static_cast<float>(random.between(-360, 360)) / 4,
                                                   static_cast<float>(random.between(-720, 720)) / 4};
     ExtCalib e;
-    ASSERT_EQ(1u, ip_orientation2externalCalib(&o, &e));
-    ASSERT_EQ(floats(model::externalCalib(o)), floats(e)) << o.tilt << " " << o.pan;
+    ASSERT_EQ(ip_orientation2externalCalib(&o, &e), 1u);
+    ASSERT_EQ(floats(e), floats(model::externalCalib(o))) << o.tilt << " " << o.pan;
   }
 }
 
@@ -137,9 +137,9 @@ TEST(WorldAndCamera, AreTheSameForACameraThatLooksStraightDown) {
   const ExtCalib e = external(0, 0);
   const Point3_f32 p = {12.5f, -7, 900};
   Point3_f32 out;
-  EXPECT_EQ(1u, ip_world2cam(&p, &out, &e));
+  EXPECT_EQ(ip_world2cam(&p, &out, &e), 1u);
   EXPECT_EQ(floats(p), floats(out));
-  EXPECT_EQ(1u, ip_cam2world(&p, &out, &e));
+  EXPECT_EQ(ip_cam2world(&p, &out, &e), 1u);
   EXPECT_EQ(floats(p), floats(out));
 }
 
@@ -147,24 +147,24 @@ TEST(WorldToCamera, TransposesThenTranslates) {
   const ExtCalib e = {{0, 1, 0, 0, 0, 1, 1, 0, 0}, {10, 20, 30}};
   const Point3_f32 world = {1, 2, 3};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_world2cam(&world, &cam, &e));
-  EXPECT_EQ(floats(Point3_f32{13, 21, 32}), floats(cam));
+  EXPECT_EQ(ip_world2cam(&world, &cam, &e), 1u);
+  EXPECT_EQ(floats(cam), floats(Point3_f32{13, 21, 32}));
 }
 
 TEST(CameraToWorld, TakesTheTranslationOffThenRotates) {
   const ExtCalib e = {{0, 1, 0, 0, 0, 1, 1, 0, 0}, {10, 20, 30}};
   const Point3_f32 cam = {13, 21, 32};
   Point3_f32 world;
-  EXPECT_EQ(1u, ip_cam2world(&cam, &world, &e));
-  EXPECT_EQ(floats(Point3_f32{1, 2, 3}), floats(world));
+  EXPECT_EQ(ip_cam2world(&cam, &world, &e), 1u);
+  EXPECT_EQ(floats(world), floats(Point3_f32{1, 2, 3}));
 }
 
 TEST(WorldToCustom, IsTheRotationOfTheDifference) {
   const ExtCalib e = {{0, 1, 0, 0, 0, 1, 1, 0, 0}, {10, 20, 30}};
   const Point3_f32 world = {13, 21, 32};
   Point3_f32 custom;
-  EXPECT_EQ(1u, ip_world2custom(&world, &custom, &e));
-  EXPECT_EQ(floats(Point3_f32{1, 2, 3}), floats(custom));
+  EXPECT_EQ(ip_world2custom(&world, &custom, &e), 1u);
+  EXPECT_EQ(floats(custom), floats(Point3_f32{1, 2, 3}));
 }
 
 TEST(WorldAndCamera, HaveTheBitsOfTheDocumentedProducts) {
@@ -173,12 +173,12 @@ TEST(WorldAndCamera, HaveTheBitsOfTheDocumentedProducts) {
     const ExtCalib e = anyExternal(random);
     const Point3_f32 p = anyPoint3(random, 5000);
     Point3_f32 out;
-    ASSERT_EQ(1u, ip_world2cam(&p, &out, &e));
-    ASSERT_EQ(floats(model::world2cam(p, e)), floats(out));
-    ASSERT_EQ(1u, ip_cam2world(&p, &out, &e));
-    ASSERT_EQ(floats(model::cam2world(p, e)), floats(out));
-    ASSERT_EQ(1u, ip_world2custom(&p, &out, &e));
-    ASSERT_EQ(floats(model::cam2world(p, e)), floats(out));
+    ASSERT_EQ(ip_world2cam(&p, &out, &e), 1u);
+    ASSERT_EQ(floats(out), floats(model::world2cam(p, e)));
+    ASSERT_EQ(ip_cam2world(&p, &out, &e), 1u);
+    ASSERT_EQ(floats(out), floats(model::cam2world(p, e)));
+    ASSERT_EQ(ip_world2custom(&p, &out, &e), 1u);
+    ASSERT_EQ(floats(out), floats(model::cam2world(p, e)));
   }
 }
 
@@ -203,13 +203,13 @@ TEST(WorldAndCamera, MayBeComputedInPlace) {
   const Point3_f32 p = anyPoint3(random, 5000);
   Point3_f32 q = p;
   ip_world2cam(&q, &q, &e);
-  EXPECT_EQ(floats(model::world2cam(p, e)), floats(q));
+  EXPECT_EQ(floats(q), floats(model::world2cam(p, e)));
   q = p;
   ip_cam2world(&q, &q, &e);
-  EXPECT_EQ(floats(model::cam2world(p, e)), floats(q));
+  EXPECT_EQ(floats(q), floats(model::cam2world(p, e)));
   q = p;
   ip_world2custom(&q, &q, &e);
-  EXPECT_EQ(floats(model::cam2world(p, e)), floats(q));
+  EXPECT_EQ(floats(q), floats(model::cam2world(p, e)));
 }
 
 // --- camera and image
@@ -227,27 +227,27 @@ Projection project(Point3_f32 cam, const IntCalib& calib = usualCalib) {
 
 TEST(CameraToImage, AtFiftyMillimetresIsWrittenButRefused) {
   const Projection p = project({10, -20, 50});
-  EXPECT_EQ(0u, p.status);
-  EXPECT_EQ(floats(Point_f32{210, 20}), floats(p.img));
+  EXPECT_EQ(p.status, 0u);
+  EXPECT_EQ(floats(p.img), floats(Point_f32{210, 20}));
 }
 
 TEST(CameraToImage, BeyondFiftyMillimetresDividesByTheDepth) {
   const Projection p = project({51, -102, 51});
-  EXPECT_EQ(1u, p.status);
-  EXPECT_EQ(floats(Point_f32{410, -380}), floats(p.img));
-  EXPECT_EQ(1u, project({0, 0, std::nextafter(50.0f, 51.0f)}).status);
+  EXPECT_EQ(p.status, 1u);
+  EXPECT_EQ(floats(p.img), floats(Point_f32{410, -380}));
+  EXPECT_EQ(project({0, 0, std::nextafter(50.0f, 51.0f)}).status, 1u);
 }
 
 TEST(CameraToImage, BehindTheCameraDividesByFifty) {
   const Projection p = project({10, -20, -100});
-  EXPECT_EQ(0u, p.status);
-  EXPECT_EQ(floats(Point_f32{210, 20}), floats(p.img));
+  EXPECT_EQ(p.status, 0u);
+  EXPECT_EQ(floats(p.img), floats(Point_f32{210, 20}));
 }
 
 TEST(CameraToImage, OfADepthThatIsNoNumberDividesByFifty) {
   const Projection p = project({10, -20, std::numeric_limits<float>::quiet_NaN()});
-  EXPECT_EQ(0u, p.status);
-  EXPECT_EQ(floats(Point_f32{210, 20}), floats(p.img));
+  EXPECT_EQ(p.status, 0u);
+  EXPECT_EQ(floats(p.img), floats(Point_f32{210, 20}));
 }
 
 TEST(CameraToImage, HasTheBitsOfTheDocumentedFormula) {
@@ -257,15 +257,15 @@ TEST(CameraToImage, HasTheBitsOfTheDocumentedFormula) {
     const Point3_f32 cam = anyPoint3(random, 3000);
     const Projection p = project(cam, calib);
     ASSERT_EQ(cam.z > 50, p.status);
-    ASSERT_EQ(floats(model::cam2img(cam, calib)), floats(p.img));
+    ASSERT_EQ(floats(p.img), floats(model::cam2img(cam, calib)));
   }
 }
 
 TEST(ImageToCamera, OfThePrincipalPointIsOnTheAxis) {
   const Point_f32 img = {160, 120};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_img2cam(&img, &cam, &usualCalib, 700));
-  EXPECT_EQ(floats(Point3_f32{0, 0, 700}), floats(cam));
+  EXPECT_EQ(ip_img2cam(&img, &cam, &usualCalib, 700), 1u);
+  EXPECT_EQ(floats(cam), floats(Point3_f32{0, 0, 700}));
 }
 
 TEST(ImageToCamera, HasTheBitsOfTheDocumentedFormula) {
@@ -275,8 +275,8 @@ TEST(ImageToCamera, HasTheBitsOfTheDocumentedFormula) {
     const Point_f32 img = anyPixel(random);
     const float z = anyWithin(random, 5000);
     Point3_f32 cam;
-    ASSERT_EQ(1u, ip_img2cam(&img, &cam, &calib, z));
-    ASSERT_EQ(floats(model::img2cam(img, calib, z)), floats(cam));
+    ASSERT_EQ(ip_img2cam(&img, &cam, &calib, z), 1u);
+    ASSERT_EQ(floats(cam), floats(model::img2cam(img, calib, z)));
   }
 }
 
@@ -287,7 +287,7 @@ TEST(ImageToCamera, InvertsTheProjection) {
     Point3_f32 cam;
     ip_img2cam(&img, &cam, &usualCalib, 60 + 3000 * std::fabs(anyWithin(random, 1)));
     const Projection p = project(cam);
-    EXPECT_EQ(1u, p.status);
+    EXPECT_EQ(p.status, 1u);
     EXPECT_NEAR(img.x, p.img.x, 1e-3);
     EXPECT_NEAR(img.y, p.img.y, 1e-3);
   }
@@ -302,7 +302,7 @@ TEST(WorldToImage, GivesTheProjectionsResultAndPoint) {
     const Point3_f32 world = anyPoint3(random, 3000), cam = model::world2cam(world, e);
     Point_f32 img;
     ASSERT_EQ(cam.z > 50, ip_world2img(&world, &img, &e, &calib));
-    ASSERT_EQ(floats(model::cam2img(cam, calib)), floats(img));
+    ASSERT_EQ(floats(img), floats(model::cam2img(cam, calib)));
     refused += cam.z <= 50;
   }
   EXPECT_GT(refused, 100);
@@ -314,10 +314,10 @@ TEST(ImageToWorld, OfThePrincipalPointStraightDownIsAtThePlane) {
   const ExtCalib e = external(0, 0);
   const Point_f32 img = {160, 120};
   Point3_f32 world;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 1234));
-  EXPECT_EQ(0, world.x);
-  EXPECT_EQ(0, world.y);
-  EXPECT_EQ(1234, world.z);
+  EXPECT_EQ(ip_img2world(&img, &world, &e, &usualCalib, 1234), 1u);
+  EXPECT_EQ(world.x, 0);
+  EXPECT_EQ(world.y, 0);
+  EXPECT_EQ(world.z, 1234);
 }
 
 TEST(ImageToWorld, HasTheBitsOfTheDocumentedIntersection) {
@@ -328,8 +328,8 @@ TEST(ImageToWorld, HasTheBitsOfTheDocumentedIntersection) {
     const Point_f32 img = anyPixel(random);
     const float h = anyWithin(random, 4000);
     Point3_f32 world;
-    ASSERT_EQ(1u, ip_img2world(&img, &world, &e, &calib, h));
-    ASSERT_EQ(floats(model::img2world(img, e, calib, h)), floats(world));
+    ASSERT_EQ(ip_img2world(&img, &world, &e, &calib, h), 1u);
+    ASSERT_EQ(floats(world), floats(model::img2world(img, e, calib, h)));
   }
 }
 
@@ -343,7 +343,7 @@ TEST(ImageToWorld, LiesOnThePlaneAndUnderThePixel) {
     ip_img2world(&img, &world, &e, &usualCalib, o.height);
     EXPECT_NEAR(o.height, world.z, 0.01);
     Point_f32 back;
-    EXPECT_EQ(1u, ip_world2img(&world, &back, &e, &usualCalib));
+    EXPECT_EQ(ip_world2img(&world, &back, &e, &usualCalib), 1u);
     EXPECT_NEAR(img.x, back.x, 0.01);
     EXPECT_NEAR(img.y, back.y, 0.01);
   }
@@ -354,9 +354,9 @@ TEST(ImageToWorld, OfARayAlongThePlaneIsInfinite) {
   const ExtCalib e = {{1, 1, 1, -1, -2, -1, 0, -1, 1}, {0, 0, 0}};
   const Point_f32 img = {160 + 250, 120 + 250};
   Point3_f32 world;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 2000));
-  EXPECT_EQ(infinity, world.x);
-  EXPECT_EQ(-infinity, world.y);
+  EXPECT_EQ(ip_img2world(&img, &world, &e, &usualCalib, 2000), 1u);
+  EXPECT_EQ(world.x, infinity);
+  EXPECT_EQ(world.y, -infinity);
   EXPECT_TRUE(std::isnan(world.z));
 }
 
@@ -364,7 +364,7 @@ TEST(ImageToWorld, OfARayAwayFromThePlaneIsBehindTheCamera) {
   const ExtCalib e = external(-80, 0);
   const Point_f32 img = {160, 0};
   Point3_f32 world, cam;
-  EXPECT_EQ(1u, ip_img2world(&img, &world, &e, &usualCalib, 2000));
+  EXPECT_EQ(ip_img2world(&img, &world, &e, &usualCalib, 2000), 1u);
   ip_world2cam(&world, &cam, &e);
   EXPECT_LT(cam.z, 0);
   EXPECT_NEAR(2000, world.z, 0.1);
@@ -375,23 +375,23 @@ TEST(ImageToWorld, OfARayAwayFromThePlaneIsBehindTheCamera) {
 TEST(DisparityToCamera, GivesTheDepthOfTheBaseline) {
   const Point_f32 img = {160 + 125, 120 - 250};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &usualCalib, 12.5f));
-  EXPECT_EQ(floats(Point3_f32{1000, -2000, 2000}), floats(cam));
+  EXPECT_EQ(ip_disp2cam(&img, &cam, &usualCalib, 12.5f), 1u);
+  EXPECT_EQ(floats(cam), floats(Point3_f32{1000, -2000, 2000}));
 }
 
 TEST(DisparityToCamera, RefusesWhatIsNotPositive) {
   const Point_f32 img = {1, 2};
   for (float d : {0.0f, -0.0f, -1.0f, -infinity, disparityBound}) {
     Point3_f32 cam = {untouched, untouched, untouched};
-    EXPECT_EQ(0u, ip_disp2cam(&img, &cam, &usualCalib, d)) << d;
-    EXPECT_EQ(floats(Point3_f32{untouched, untouched, untouched}), floats(cam)) << d;
+    EXPECT_EQ(ip_disp2cam(&img, &cam, &usualCalib, d), 0u) << d;
+    EXPECT_EQ(floats(cam), floats(Point3_f32{untouched, untouched, untouched})) << d;
   }
 }
 
 TEST(DisparityToCamera, TakesTheSmallestAboveTheBound) {
   const Point_f32 img = {160, 120};
   Point3_f32 cam;
-  EXPECT_EQ(1u, ip_disp2cam(&img, &cam, &usualCalib, std::nextafter(disparityBound, 1.0f)));
+  EXPECT_EQ(ip_disp2cam(&img, &cam, &usualCalib, std::nextafter(disparityBound, 1.0f)), 1u);
 }
 
 TEST(DisparityToCamera, HasTheBitsOfTheDocumentedFormula) {
@@ -401,8 +401,8 @@ TEST(DisparityToCamera, HasTheBitsOfTheDocumentedFormula) {
     const Point_f32 img = anyPixel(random);
     const float d = static_cast<float>(1 + random.below(1023)) / 16;
     Point3_f32 cam;
-    ASSERT_EQ(1u, ip_disp2cam(&img, &cam, &calib, d));
-    ASSERT_EQ(floats(model::img2cam(img, calib, calib.focalLength * calib.baseline / d)), floats(cam));
+    ASSERT_EQ(ip_disp2cam(&img, &cam, &calib, d), 1u);
+    ASSERT_EQ(floats(cam), floats(model::img2cam(img, calib, calib.focalLength * calib.baseline / d)));
   }
 }
 
@@ -414,8 +414,8 @@ TEST(DisparityToWorld, IsTheCameraPointInTheWorld) {
     const float d = static_cast<float>(1 + random.below(1023)) / 16;
     const Point3_f32 cam = model::img2cam(img, usualCalib, usualCalib.focalLength * usualCalib.baseline / d);
     Point3_f32 world;
-    ASSERT_EQ(1u, ip_disp2world(&img, &world, &e, &usualCalib, d));
-    ASSERT_EQ(floats(model::cam2world(cam, e)), floats(world));
+    ASSERT_EQ(ip_disp2world(&img, &world, &e, &usualCalib, d), 1u);
+    ASSERT_EQ(floats(world), floats(model::cam2world(cam, e)));
   }
 }
 
@@ -424,8 +424,8 @@ TEST(DisparityToWorld, RefusesWhatIsNotPositive) {
   const Point_f32 img = {1, 2};
   for (float d : {0.0f, -3.0f, disparityBound}) {
     Point3_f32 world = {untouched, untouched, untouched};
-    EXPECT_EQ(0u, ip_disp2world(&img, &world, &e, &usualCalib, d)) << d;
-    EXPECT_EQ(floats(Point3_f32{untouched, untouched, untouched}), floats(world)) << d;
+    EXPECT_EQ(ip_disp2world(&img, &world, &e, &usualCalib, d), 0u) << d;
+    EXPECT_EQ(floats(world), floats(Point3_f32{untouched, untouched, untouched})) << d;
   }
 }
 
@@ -435,7 +435,7 @@ const Orientation mounting = {2000, 35, -10};
 
 ExtCalib customCalib(const CustomFrameParams& frame, const Orientation& o = mounting) {
   ExtCalib e;
-  EXPECT_EQ(1u, ip_params2extCalibCustom(&usualLens, &o, &frame, &e));
+  EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &o, &frame, &e), 1u);
   return e;
 }
 
@@ -445,14 +445,14 @@ Point3_f32 ground(float x, float y, const Orientation& o = mounting) {
 
 Point3_f32 custom(Point3_f32 world, const ExtCalib& frame) {
   Point3_f32 out;
-  EXPECT_EQ(1u, ip_world2custom(&world, &out, &frame));
+  EXPECT_EQ(ip_world2custom(&world, &out, &frame), 1u);
   return out;
 }
 
 TEST(CustomFrame, NotEnabledIsTheWorldFrameWhateverElseItHolds) {
   const ExtCalib e = customCalib({0, 10, 10, 10, 10, 123456, -99});
-  EXPECT_EQ((Floats{1, 0, 0, 0, 1, 0, 0, 0, 1}), floats(e.R));
-  EXPECT_EQ((Floats{0, 0, 0}), floats(e.T));
+  EXPECT_EQ(floats(e.R), (Floats{1, 0, 0, 0, 1, 0, 0, 0, 1}));
+  EXPECT_EQ(floats(e.T), (Floats{0, 0, 0}));
 }
 
 TEST(CustomFrame, IsEnabledByAnyNumberButZero) {
@@ -468,7 +468,7 @@ TEST(CustomFrame, RefusesADirectionPointAtItsOrigin) {
   for (float& v : e.R) v = untouched;
   for (float& v : e.T) v = untouched;
   before = e;
-  EXPECT_EQ(0u, ip_params2extCalibCustom(&usualLens, &mounting, &frame, &e));
+  EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &mounting, &frame, &e), 0u);
   EXPECT_EQ(floats(before), floats(e));
 }
 
@@ -477,9 +477,9 @@ TEST(CustomFrame, RefusesGroundPointsCloserThanTheBound) {
   const Orientation o = {0.05f, 0, 0};
   const CustomFrameParams frame = {1, 160, 120, 161, 120, 0, 0};
   ExtCalib e;
-  EXPECT_EQ(0u, ip_params2extCalibCustom(&usualLens, &o, &frame, &e));
+  EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &o, &frame, &e), 0u);
   const Orientation higher = {0.1f, 0, 0};
-  EXPECT_EQ(1u, ip_params2extCalibCustom(&usualLens, &higher, &frame, &e));
+  EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &higher, &frame, &e), 1u);
 }
 
 TEST(CustomFrame, StraightDownTurnsYAndZRound) {

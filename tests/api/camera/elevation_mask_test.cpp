@@ -36,7 +36,7 @@ Values constant(uint16_t width, uint16_t height, uint16_t value) {
 
 StereoCtx context(const IntCalibParams& params, const Orientation& orientation, const ElevMapParams& map) {
   StereoCtx ctx;
-  EXPECT_EQ(1u, ip_stereo_init(&ctx, &params, &orientation, &map));
+  EXPECT_EQ(ip_stereo_init(&ctx, &params, &orientation, &map), 1u);
   return ctx;
 }
 
@@ -139,20 +139,20 @@ using Rows = std::vector<std::string>;
 
 TEST(ElevationMask, MarksTheCellsInsideAndOnTheBoundary) {
   const Result r = createMask({{0, 0}, {2, 0}, {2, 1}, {0, 1}}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ(1, r.status);
-  EXPECT_EQ((Rows{"......", "......", "......", "...###", "...###", "......"}), rows(r, 6));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(rows(r, 6), (Rows{"......", "......", "......", "...###", "...###", "......"}));
 }
 
 TEST(ElevationMask, HasTheSmallestWorldYInItsFirstRow) {
   const Result r = createMask({{0, -3}, {2, -3}, {1, -1}}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ((Rows{"......", "...###", "....#.", "....#.", "......", "......"}), rows(r, 6));
+  EXPECT_EQ(rows(r, 6), (Rows{"......", "...###", "....#.", "....#.", "......", "......"}));
 }
 
 TEST(ElevationMask, RoundsNegativeCoordinatesToOneMoreThanTheirFloor) {
   // Every vertex is a whole number: -3 becomes -2, and -1 becomes 0.
   const Result r = createMask({{-3, -1}, {1, -1}, {1, 1}, {-3, 1}}, plainContext(8), constant(1, 1, 1));
-  EXPECT_EQ((Rows{"........", "........", "........", "........", "..####..", "..####..", "........", "........"}),
-            rows(r, 8));
+  EXPECT_EQ(rows(r, 8),
+            (Rows{"........", "........", "........", "........", "..####..", "..####..", "........", "........"}));
 }
 
 // The columns that a flat polygon from x = left to x = right marks in a map from -8 to 7.
@@ -168,62 +168,62 @@ std::string columnsFrom(int32_t left16, int32_t right16) {
 }
 
 TEST(ElevationMask, RoundsEachVertexToWholeMillimetres) {
-  EXPECT_EQ("........###.....", columnsFrom(-3, 45));    // -0.1875 becomes 0, 2.8125 becomes 2
-  EXPECT_EQ(".......#####....", columnsFrom(-19, 61));   // -1.1875 becomes -1, 3.8125 becomes 3
-  EXPECT_EQ("........####....", columnsFrom(-2, 62));    // -0.125 becomes 0, 3.875 becomes 3
-  EXPECT_EQ("........#.......", columnsFrom(-16, 0));    // -1 becomes 0
-  EXPECT_EQ(".....####.......", columnsFrom(-59, -11));  // -3.6875 becomes -3, -0.6875 becomes 0
+  EXPECT_EQ(columnsFrom(-3, 45), "........###.....");    // -0.1875 becomes 0, 2.8125 becomes 2
+  EXPECT_EQ(columnsFrom(-19, 61), ".......#####....");   // -1.1875 becomes -1, 3.8125 becomes 3
+  EXPECT_EQ(columnsFrom(-2, 62), "........####....");    // -0.125 becomes 0, 3.875 becomes 3
+  EXPECT_EQ(columnsFrom(-16, 0), "........#.......");    // -1 becomes 0
+  EXPECT_EQ(columnsFrom(-59, -11), ".....####.......");  // -3.6875 becomes -3, -0.6875 becomes 0
 }
 
 TEST(ElevationMask, TakesTheCentreOfACellRoundedDown) {
   // Cells of 5 and 3 mm have their centres 2 and 1 mm in.
   StereoCtx ctx = context({0, 256, 8, 8}, {1, 0, 0}, {4, 4, 5, 3});
   ctx.lowerLeft = {0, 0};
-  EXPECT_EQ((Rows{"....", ".#..", "....", "...."}), rows(createMask({{7, 4}}, ctx, constant(1, 1, 1)), 4));
-  EXPECT_EQ((Rows{"....", "....", "....", "...."}), rows(createMask({{8, 4}}, ctx, constant(1, 1, 1)), 4));
-  EXPECT_EQ((Rows{"....", "....", "....", "...."}), rows(createMask({{7, 5}}, ctx, constant(1, 1, 1)), 4));
+  EXPECT_EQ(rows(createMask({{7, 4}}, ctx, constant(1, 1, 1)), 4), (Rows{"....", ".#..", "....", "...."}));
+  EXPECT_EQ(rows(createMask({{8, 4}}, ctx, constant(1, 1, 1)), 4), (Rows{"....", "....", "....", "...."}));
+  EXPECT_EQ(rows(createMask({{7, 5}}, ctx, constant(1, 1, 1)), 4), (Rows{"....", "....", "....", "...."}));
 }
 
 TEST(ElevationMask, TruncatesTheMapsCornerTowardsZero) {
   StereoCtx ctx = plainContext(6);
   ctx.lowerLeft = {-3.75f, -2.5f};
-  EXPECT_EQ((Rows{"......", "......", "...#..", "......", "......", "......"}),
-            rows(createMask({{0, 0}}, ctx, constant(1, 1, 1)), 6));
+  EXPECT_EQ(rows(createMask({{0, 0}}, ctx, constant(1, 1, 1)), 6),
+            (Rows{"......", "......", "...#..", "......", "......", "......"}));
   ctx.lowerLeft = {-0.75f, 0.75f};
-  EXPECT_EQ((Rows{"#.....", "......", "......", "......", "......", "......"}),
-            rows(createMask({{0, 0}}, ctx, constant(1, 1, 1)), 6));
+  EXPECT_EQ(rows(createMask({{0, 0}}, ctx, constant(1, 1, 1)), 6),
+            (Rows{"#.....", "......", "......", "......", "......", "......"}));
 }
 
 TEST(ElevationMask, OfCollinearVerticesIsTheSegment) {
   const Result r = createMask({{0, 0}, {2, 2}, {1, 1}}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ((Rows{"......", "......", "......", "...#..", "....#.", ".....#"}), rows(r, 6));
+  EXPECT_EQ(rows(r, 6), (Rows{"......", "......", "......", "...#..", "....#.", ".....#"}));
 }
 
 TEST(ElevationMask, OfNoVerticesIsEmpty) {
   const Result r = createMask({}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ(1, r.status);
-  EXPECT_EQ(Bytes(36, 0), r.mask);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.mask, Bytes(36, 0));
 }
 
 TEST(ElevationMask, KeepsWhatIsWoundTwice) {
   const Result r =
       createMask({{0, 0}, {2, 0}, {2, 2}, {0, 2}, {0, 0}, {2, 0}, {2, 2}, {0, 2}}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ((Rows{"......", "......", "......", "...###", "...###", "...###"}), rows(r, 6));
+  EXPECT_EQ(rows(r, 6), (Rows{"......", "......", "......", "...###", "...###", "...###"}));
 }
 
 TEST(ElevationMask, ClearsCellsThatWereSet) {
   const Result r = createMask({{100, 100}, {120, 100}, {100, 120}}, plainContext(6), constant(1, 1, 1));
-  EXPECT_EQ(1, r.status);
-  EXPECT_EQ(Bytes(36, 0), r.mask);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.mask, Bytes(36, 0));
 }
 
 TEST(ElevationMask, OfAMapOfOneCell) {
-  EXPECT_EQ(Bytes{1}, createMask({{-3, -3}, {3, -3}, {3, 3}, {-3, 3}}, plainContext(1), constant(1, 1, 1)).mask);
-  EXPECT_EQ(Bytes{0}, createMask({{1, 1}, {3, 1}, {3, 3}, {1, 3}}, plainContext(1), constant(1, 1, 1)).mask);
+  EXPECT_EQ(createMask({{-3, -3}, {3, -3}, {3, 3}, {-3, 3}}, plainContext(1), constant(1, 1, 1)).mask, Bytes{1});
+  EXPECT_EQ(createMask({{1, 1}, {3, 1}, {3, 3}, {1, 3}}, plainContext(1), constant(1, 1, 1)).mask, Bytes{0});
 }
 
 TEST(ElevationMask, OfAMapWithoutCellsSucceeds) {
-  EXPECT_EQ(1, createMask({{0, 0}, {2, 0}, {2, 1}}, plainContext(0), constant(1, 1, 1)).status);
+  EXPECT_EQ(createMask({{0, 0}, {2, 0}, {2, 1}}, plainContext(0), constant(1, 1, 1)).status, 1);
 }
 
 // --- the height
@@ -233,32 +233,32 @@ size_t heightSeen(const Shape& polygon, const Values& values) {
   StereoCtx ctx = context({0, 256, 8, 8}, {1, 0, 0}, {200, 1, 1, 1});
   ctx.lowerLeft = {0, 0};
   const Result r = createMask(polygon, ctx, values);
-  EXPECT_EQ(1, r.status);
+  EXPECT_EQ(r.status, 1);
   return static_cast<size_t>(std::count(r.mask.begin(), r.mask.end(), 1)) - 1;
 }
 
 const Shape unitSegment = {{0, 0}, {1, 0}};
 
 TEST(ElevationMask, TakesTheLowerMiddleOfTheVerticesValues) {
-  EXPECT_EQ(30u, heightSeen(unitSegment, {2, 1, {30, 90}}));
-  EXPECT_EQ(60u, heightSeen({{0, 0}, {1, 0}, {0, 0}}, {2, 1, {60, 20}}));
+  EXPECT_EQ(heightSeen(unitSegment, {2, 1, {30, 90}}), 30u);
+  EXPECT_EQ(heightSeen({{0, 0}, {1, 0}, {0, 0}}, {2, 1, {60, 20}}), 60u);
 }
 
 TEST(ElevationMask, CountsRepeatedVerticesEachTime) {
-  EXPECT_EQ(90u, heightSeen({{0, 0}, {1, 0}, {1, 0}, {0, 0}, {1, 0}}, {2, 1, {30, 90}}));
+  EXPECT_EQ(heightSeen({{0, 0}, {1, 0}, {1, 0}, {0, 0}, {1, 0}}, {2, 1, {30, 90}}), 90u);
 }
 
-TEST(ElevationMask, LeavesOutVerticesWithoutAValue) { EXPECT_EQ(90u, heightSeen(unitSegment, {2, 1, {0, 90}})); }
+TEST(ElevationMask, LeavesOutVerticesWithoutAValue) { EXPECT_EQ(heightSeen(unitSegment, {2, 1, {0, 90}}), 90u); }
 
 TEST(ElevationMask, LooksAtNoOtherPixelWhereAVertexHasAValue) {
-  EXPECT_EQ(90u, heightSeen(unitSegment, {4, 1, {0, 90, 7, 7}}));
+  EXPECT_EQ(heightSeen(unitSegment, {4, 1, {0, 90, 7, 7}}), 90u);
 }
 
 TEST(ElevationMask, LeavesOutVerticesOutsideTheImageButProjectsThem) {
-  EXPECT_EQ(50u, heightSeen({{0, 0}, {2, 0}}, {2, 1, {25, 99}}));  // two pixels at 25
+  EXPECT_EQ(heightSeen({{0, 0}, {2, 0}}, {2, 1, {25, 99}}), 50u);  // two pixels at 25
   // A column too far is not the next row's first pixel, nor is a row too far anything.
-  EXPECT_EQ(40u, heightSeen({{0, 0}, {2, 0}}, {2, 2, {20, 10, 10, 10}}));
-  EXPECT_EQ(20u, heightSeen({{0, 0}, {1, 0}, {-1, 1}, {0, 2}, {0, -1}}, {2, 2, {20, 20, 5, 5}}));
+  EXPECT_EQ(heightSeen({{0, 0}, {2, 0}}, {2, 2, {20, 10, 10, 10}}), 40u);
+  EXPECT_EQ(heightSeen({{0, 0}, {1, 0}, {-1, 1}, {0, 2}, {0, -1}}, {2, 2, {20, 20, 5, 5}}), 20u);
 }
 
 TEST(ElevationMask, ReadsThePixelsOfTheirRow) {
@@ -266,20 +266,20 @@ TEST(ElevationMask, ReadsThePixelsOfTheirRow) {
   const Shape polygon = {{0, 0}, {1, 0}, {0, 1}, {1, 2}};
   Values values = constant(2, 3, 0);
   values.pixels[2] = 70;
-  EXPECT_EQ(70u, heightSeen(polygon, values));
+  EXPECT_EQ(heightSeen(polygon, values), 70u);
   values.pixels[2] = 0;
   values.pixels[5] = 80;
-  EXPECT_EQ(80u, heightSeen(polygon, values));
+  EXPECT_EQ(heightSeen(polygon, values), 80u);
 }
 
 TEST(ElevationMask, TakesTheMedianOfTheWholeImageWhereNoVertexHasAValue) {
-  EXPECT_EQ(40u, heightSeen(unitSegment, {3, 2, {0, 0, 90, 40, 10, 0}}));
-  EXPECT_EQ(40u, heightSeen({{0, 0}, {1, 0}, {-1, 0}}, {3, 2, {0, 0, 90, 40, 70, 20}}));
+  EXPECT_EQ(heightSeen(unitSegment, {3, 2, {0, 0, 90, 40, 10, 0}}), 40u);
+  EXPECT_EQ(heightSeen({{0, 0}, {1, 0}, {-1, 0}}, {3, 2, {0, 0, 90, 40, 70, 20}}), 40u);
 }
 
 TEST(ElevationMask, TakesValuesWithoutASign) {
   // At 40000 the segment leaves the map: all 200 cells are marked. A negative height would mark the first alone.
-  EXPECT_EQ(199u, heightSeen(unitSegment, {2, 1, {40000, 40000}}));
+  EXPECT_EQ(heightSeen(unitSegment, {2, 1, {40000, 40000}}), 199u);
 }
 
 TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
@@ -292,8 +292,8 @@ TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
   Bytes bytes(200, untouchedCell);
   Img mask;
   Img_Init(&mask, 200, 1, IMG_TYPE_U8, bytes.data());
-  ASSERT_EQ(1, IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask));
-  EXPECT_EQ(61, std::count(bytes.begin(), bytes.end(), 1));
+  ASSERT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask), 1);
+  EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 1), 61);
 }
 
 // --- no height
@@ -301,7 +301,7 @@ TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
 void expectNoHeight(const Shape& polygon, const Values& values) {
   const StereoCtx ctx = plainContext(6);
   const Result r = createMask(polygon, ctx, values);
-  EXPECT_EQ(0, r.status);
+  EXPECT_EQ(r.status, 0);
   EXPECT_EQ(untouched(ctx), r.mask);
 }
 
@@ -329,7 +329,7 @@ TEST(ElevationMask, Of65535SamplesUsesThemAll) {
   Values values = constant(65535, 2, 0);
   std::fill(values.pixels.begin() + 10, values.pixels.begin() + 10 + 32767, uint16_t{20});
   std::fill(values.pixels.begin() + 10 + 32767, values.pixels.begin() + 10 + 65535, uint16_t{30});
-  EXPECT_EQ(30u, heightSeen(unitSegment, values));
+  EXPECT_EQ(heightSeen(unitSegment, values), 30u);
 }
 
 TEST(ElevationMask, OfMoreThan65536SamplesUsesTheLastOnesThatOverwroteTheFirst) {
@@ -339,14 +339,14 @@ TEST(ElevationMask, OfMoreThan65536SamplesUsesTheLastOnesThatOverwroteTheFirst) 
   values.pixels[10 + 65536] = 50;
   values.pixels[10 + 65537] = 30;
   values.pixels[10 + 65538] = 40;
-  EXPECT_EQ(40u, heightSeen(unitSegment, values));
+  EXPECT_EQ(heightSeen(unitSegment, values), 40u);
 }
 
 TEST(ElevationMask, Of65537SamplesUsesTheLastAlone) {
   Values values = constant(65535, 2, 0);
   std::fill(values.pixels.begin() + 10, values.pixels.begin() + 10 + 65536, uint16_t{20});
   values.pixels[10 + 65536] = 50;
-  EXPECT_EQ(50u, heightSeen(unitSegment, values));
+  EXPECT_EQ(heightSeen(unitSegment, values), 50u);
 }
 
 // --- arguments
@@ -358,7 +358,7 @@ class ElevationMaskArguments : public testing::Test {
     Img_Init(&mask, 6, 6, IMG_TYPE_U8, bytes.data());
   }
   int32_t create() { return IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask); }
-  void expectMaskUntouched() { EXPECT_EQ(Bytes(200, untouchedCell), bytes); }
+  void expectMaskUntouched() { EXPECT_EQ(bytes, Bytes(200, untouchedCell)); }
 
   StereoCtx ctx = plainContext(6);
   PolygonS polygon = PolygonS(Shape{{0, 0}, {2, 0}, {2, 2}});
@@ -369,14 +369,14 @@ class ElevationMaskArguments : public testing::Test {
 };
 
 TEST_F(ElevationMaskArguments, OfTheFixtureAreGood) {
-  EXPECT_EQ(1, create());
-  EXPECT_EQ(6, std::count(bytes.begin(), bytes.end(), 1));
+  EXPECT_EQ(create(), 1);
+  EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 1), 6);
 }
 
 TEST_F(ElevationMaskArguments, AMaskOfAnotherTypeIsLeftButStillASuccess) {
   for (uint32_t type : {uint32_t{IMG_TYPE_U16}, uint32_t{IMG_TYPE_S8}, 3u, 0u}) {
     Img_Init(&mask, 6, 6, type, bytes.data());
-    EXPECT_EQ(1, create()) << type;
+    EXPECT_EQ(create(), 1) << type;
     expectMaskUntouched();
   }
 }
@@ -384,7 +384,7 @@ TEST_F(ElevationMaskArguments, AMaskOfAnotherTypeIsLeftButStillASuccess) {
 TEST_F(ElevationMaskArguments, AMaskOfAnotherSizeIsLeftButStillASuccess) {
   for (auto [width, height] : {std::pair<uint32_t, uint32_t>{7, 6}, {6, 7}, {5, 6}, {6, 5}, {4, 9}}) {
     Img_Init(&mask, width, height, IMG_TYPE_U8, bytes.data());
-    EXPECT_EQ(1, create()) << width << " x " << height;
+    EXPECT_EQ(create(), 1) << width << " x " << height;
     expectMaskUntouched();
   }
 }
@@ -392,14 +392,14 @@ TEST_F(ElevationMaskArguments, AMaskOfAnotherSizeIsLeftButStillASuccess) {
 TEST_F(ElevationMaskArguments, AWrongMaskDoesNotHideThatThereIsNoValue) {
   value = 0;
   Img_Init(&mask, 7, 6, IMG_TYPE_U8, bytes.data());
-  EXPECT_EQ(0, create());
+  EXPECT_EQ(create(), 0);
 }
 
 TEST_F(ElevationMaskArguments, NullPointersAreRefused) {
-  EXPECT_EQ(0, IP_Utils_CreateElevMaskFromImgPoly(nullptr, &ctx, &values, &mask));
-  EXPECT_EQ(0, IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), nullptr, &values, &mask));
-  EXPECT_EQ(0, IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, nullptr, &mask));
-  EXPECT_EQ(0, IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, nullptr));
+  EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(nullptr, &ctx, &values, &mask), 0);
+  EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), nullptr, &values, &mask), 0);
+  EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, nullptr, &mask), 0);
+  EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, nullptr), 0);
   expectMaskUntouched();
 }
 
@@ -407,7 +407,7 @@ TEST_F(ElevationMaskArguments, MoreThanAHundredVerticesAreRefusedUnread) {
   // Only a hundred are there.
   for (uint32_t count : {101u, 65536u, 0x80000001u, 0xFFFFFFFFu}) {
     GuardedPolygonS tooMany(Shape(100, {1, 1}), count);
-    EXPECT_EQ(0, IP_Utils_CreateElevMaskFromImgPoly(tooMany.get(), &ctx, &values, &mask)) << count;
+    EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(tooMany.get(), &ctx, &values, &mask), 0) << count;
     expectMaskUntouched();
   }
 }
@@ -419,16 +419,16 @@ TEST_F(ElevationMaskArguments, AHundredVerticesAreTaken) {
     circle.push_back({static_cast<int32_t>(40 * std::cos(angle)), static_cast<int32_t>(40 * std::sin(angle))});
   }
   const StereoCtx wide = plainContext(100);
-  EXPECT_EQ(expectedMask(circle, wide, constant(1, 1, 1)).mask, createMask(circle, wide, constant(1, 1, 1)).mask);
+  EXPECT_EQ(createMask(circle, wide, constant(1, 1, 1)).mask, expectedMask(circle, wide, constant(1, 1, 1)).mask);
 }
 
 TEST_F(ElevationMaskArguments, InputsStayAsTheyWere) {
   const StereoCtx before = ctx;
   const auto vertices = polygon.slots();
   create();
-  EXPECT_EQ(0, std::memcmp(&before, &ctx, sizeof ctx));
-  EXPECT_EQ(vertices, polygon.slots());
-  EXPECT_EQ(1, value);
+  EXPECT_EQ(std::memcmp(&before, &ctx, sizeof ctx), 0);
+  EXPECT_EQ(polygon.slots(), vertices);
+  EXPECT_EQ(value, 1);
 }
 
 // --- everything together
@@ -437,7 +437,7 @@ const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 void expectDefinition(const Shape& polygon, const StereoCtx& ctx, const Values& values) {
   const Result wanted = expectedMask(polygon, ctx, values), got = createMask(polygon, ctx, values);
-  ASSERT_EQ(wanted.status, got.status) << text(polygon);
+  ASSERT_EQ(got.status, wanted.status) << text(polygon);
   ASSERT_TRUE(wanted.mask == got.mask) << text(polygon) << " on " << ctx.mapParams.width << " x "
                                        << ctx.mapParams.height << " cells";
 }
@@ -554,8 +554,8 @@ TEST(ElevationMaskDefinition, OfAVertexOnTheHorizonIsStillAMask) {
   ctx.intCalib.principalY = 120.5f;
   ctx.lowerLeft = {-500, 0};
   const Result r = createMask({{150, 20}, {170, 20}, {160, 120}}, ctx, constant(320, 240, 700));
-  EXPECT_EQ(1, r.status);
-  EXPECT_EQ(0, std::count_if(r.mask.begin(), r.mask.end(), [](uint8_t v) { return v > 1; }));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(std::count_if(r.mask.begin(), r.mask.end(), [](uint8_t v) { return v > 1; }), 0);
 }
 
 }  // namespace

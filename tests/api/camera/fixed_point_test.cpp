@@ -30,7 +30,7 @@ TrafoParams straightDown() {
 TrafoParams tilted(float tilt, float pan) {
   const Orientation o = {2000, tilt, pan};
   TrafoParams trafo;
-  EXPECT_EQ(1u, ip_createTrafoParams(&o, &usualLens, &trafo));
+  EXPECT_EQ(ip_createTrafoParams(&o, &usualLens, &trafo), 1u);
   return trafo;
 }
 
@@ -66,9 +66,9 @@ TEST(TrafoParameters, OfACameraStraightDownAreTheIdentityIn4096ths) {
   const Orientation o = {2000, 0, 0};
   ExtCalibFixed ext;
   std::memset(&ext, 0xA5, sizeof ext);
-  EXPECT_EQ(1u, ip_orientation2trafo(&o, &ext));
+  EXPECT_EQ(ip_orientation2trafo(&o, &ext), 1u);
   const TrafoParams wanted = straightDown();
-  EXPECT_EQ(0, std::memcmp(&wanted.ext, &ext, sizeof ext));
+  EXPECT_EQ(std::memcmp(&wanted.ext, &ext, sizeof ext), 0);
 }
 
 TEST(TrafoParameters, RoundCoefficientsToTheNearest) {
@@ -77,9 +77,9 @@ TEST(TrafoParameters, RoundCoefficientsToTheNearest) {
     const Orientation o = {0, anyWithin(random, 180), anyWithin(random, 180)};
     const ExtCalib e = model::externalCalib(o);
     ExtCalibFixed ext;
-    ASSERT_EQ(1u, ip_orientation2trafo(&o, &ext));
-    for (int i = 0; i < 9; i++) ASSERT_EQ(static_cast<int32_t>(std::round(e.R[i] * 4096)), ext.R[i]);
-    for (int32_t t : ext.T) ASSERT_EQ(0, t);
+    ASSERT_EQ(ip_orientation2trafo(&o, &ext), 1u);
+    for (int i = 0; i < 9; i++) ASSERT_EQ(ext.R[i], static_cast<int32_t>(std::round(e.R[i] * 4096)));
+    for (int32_t t : ext.T) ASSERT_EQ(t, 0);
   }
 }
 
@@ -89,27 +89,27 @@ TEST(TrafoParameters, RoundNegativeHalvesAwayFromZero) {
   auto coefficient = [](float tilt) { return model::externalCalib({0, tilt, 0}).R[7] * 4096; };
   while (coefficient(degrees) > -0.5f) degrees = std::nextafter(degrees, 1.0f);
   while (coefficient(degrees) < -0.5f) degrees = std::nextafter(degrees, 0.0f);
-  ASSERT_EQ(-0.5f, coefficient(degrees));
+  ASSERT_EQ(coefficient(degrees), -0.5f);
   ExtCalibFixed ext;
   const Orientation o = {0, degrees, 0};
   ip_orientation2trafo(&o, &ext);
-  EXPECT_EQ(-1, ext.R[7]);
-  EXPECT_EQ(1, ext.R[5]);
+  EXPECT_EQ(ext.R[7], -1);
+  EXPECT_EQ(ext.R[5], 1);
 }
 
 TEST(TrafoParameters, AreOneFlatRecord) {
   const Orientation o = {2000, 30, 20};
   TrafoParams trafo;
   std::memset(&trafo, 0xA5, sizeof trafo);
-  EXPECT_EQ(1u, ip_createTrafoParams(&o, &usualLens, &trafo));
+  EXPECT_EQ(ip_createTrafoParams(&o, &usualLens, &trafo), 1u);
   ExtCalibFixed ext;
   ip_orientation2trafo(&o, &ext);
   int32_t flat[17];
   ASSERT_EQ(sizeof flat, sizeof trafo);
   std::memcpy(flat, &trafo, sizeof flat);
-  EXPECT_EQ(0, flat[0]);
-  EXPECT_EQ(0, std::memcmp(&usualLens, flat + 1, sizeof usualLens));
-  EXPECT_EQ(0, std::memcmp(&ext, flat + 5, sizeof ext));
+  EXPECT_EQ(flat[0], 0);
+  EXPECT_EQ(std::memcmp(&usualLens, flat + 1, sizeof usualLens), 0);
+  EXPECT_EQ(std::memcmp(&ext, flat + 5, sizeof ext), 0);
 }
 
 TEST(TrafoParameters, CopyTheInternalOnesWhateverTheyHold) {
@@ -117,7 +117,7 @@ TEST(TrafoParameters, CopyTheInternalOnesWhateverTheyHold) {
   const IntCalibParams odd = {INT32_MIN, INT32_MAX, -1, 0};
   TrafoParams trafo;
   ip_createTrafoParams(&o, &odd, &trafo);
-  EXPECT_EQ(0, std::memcmp(&odd, &trafo.intParams, sizeof odd));
+  EXPECT_EQ(std::memcmp(&odd, &trafo.intParams, sizeof odd), 0);
 }
 
 TEST(TrafoParameters, WidenToFloats) {
@@ -129,9 +129,9 @@ TEST(TrafoParameters, WidenToFloats) {
     std::memcpy(&trafo, flat, sizeof trafo);
     ExtCalib ext;
     IntCalib calib;
-    ASSERT_EQ(1u, ip_trafoParams2calib(&trafo, &ext, &calib));
-    ASSERT_EQ(floats(widenedExternal(trafo)), floats(ext));
-    ASSERT_EQ(floats(model::internalCalib(trafo.intParams)), floats(calib));
+    ASSERT_EQ(ip_trafoParams2calib(&trafo, &ext, &calib), 1u);
+    ASSERT_EQ(floats(ext), floats(widenedExternal(trafo)));
+    ASSERT_EQ(floats(calib), floats(model::internalCalib(trafo.intParams)));
   }
 }
 
@@ -141,10 +141,10 @@ TEST(TrafoParameters, ComeBackWithinHalfACount) {
   ExtCalib ext;
   IntCalib calib;
   ip_trafoParams2calib(&trafo, &ext, &calib);
-  EXPECT_EQ(floats(model::internalCalib(usualLens)), floats(calib));
+  EXPECT_EQ(floats(calib), floats(model::internalCalib(usualLens)));
   const ExtCalib exact = model::externalCalib(o);
   for (int i = 0; i < 9; i++) EXPECT_NEAR(exact.R[i], ext.R[i], 1.0 / 8192) << i;
-  EXPECT_EQ((Floats{0, 0, 0}), floats(ext.T));
+  EXPECT_EQ(floats(ext.T), (Floats{0, 0, 0}));
 }
 
 // --- transforms
@@ -154,7 +154,7 @@ TEST(FixedWorldToCamera, StraightDownIsTheIdentity) {
   for (Point3_s32 p : {Point3_s32{0, 0, 0}, {1, -1, 32000}, {-16, 17, -8388607}}) {
     Point3_s32 cam;
     ip_world2cam_s32(&cam, &p, &trafo);
-    EXPECT_EQ(xyz(p), xyz(cam));
+    EXPECT_EQ(xyz(cam), xyz(p));
   }
 }
 
@@ -165,7 +165,7 @@ TEST(FixedWorldToCamera, RoundsHalvesUp) {
   const Point3_s32 world = {-1, 1, -3};
   Point3_s32 cam;
   ip_world2cam_s32(&cam, &world, &trafo);
-  EXPECT_EQ(xyz({0, 1, -1}), xyz(cam));
+  EXPECT_EQ(xyz(cam), xyz({0, 1, -1}));
 }
 
 TEST(FixedWorldToCamera, AddsTheHalfInSinglePrecision) {
@@ -174,7 +174,7 @@ TEST(FixedWorldToCamera, AddsTheHalfInSinglePrecision) {
   const Point3_s32 world = {8388609, 8388611, -8388609};
   Point3_s32 cam;
   ip_world2cam_s32(&cam, &world, &trafo);
-  EXPECT_EQ(xyz({8388610, 8388612, -8388608}), xyz(cam));
+  EXPECT_EQ(xyz(cam), xyz({8388610, 8388612, -8388608}));
 }
 
 TEST(FixedWorldToCamera, AddsTheTranslation) {
@@ -185,7 +185,7 @@ TEST(FixedWorldToCamera, AddsTheTranslation) {
   const Point3_s32 world = {100, 200, 300};
   Point3_s32 cam;
   ip_world2cam_s32(&cam, &world, &trafo);
-  EXPECT_EQ(xyz({105, 194, 307}), xyz(cam));
+  EXPECT_EQ(xyz(cam), xyz({105, 194, 307}));
 }
 
 TEST(FixedWorldToCamera, IsTheRoundedFloatTransform) {
@@ -195,7 +195,7 @@ TEST(FixedWorldToCamera, IsTheRoundedFloatTransform) {
     const Point3_s32 world = anyPoint3(random, 100000);
     Point3_s32 cam;
     ip_world2cam_s32(&cam, &world, &trafo);
-    ASSERT_EQ(xyz(counts(model::world2cam(widened(world), widenedExternal(trafo)))), xyz(cam));
+    ASSERT_EQ(xyz(cam), xyz(counts(model::world2cam(widened(world), widenedExternal(trafo)))));
   }
 }
 
@@ -224,12 +224,12 @@ Point_s32 image(Point3_s32 world, const TrafoParams& trafo) {
 
 TEST(FixedWorldToImage, ProjectsTo16thsOfAPixel) {
   // 200 mm right and 100 mm up at 1000 mm.
-  EXPECT_EQ(xy({(160 + 50) * 16, (120 - 25) * 16}), xy(image({200 * 16, -100 * 16, 1000 * 16}, straightDown())));
+  EXPECT_EQ(xy(image({200 * 16, -100 * 16, 1000 * 16}, straightDown())), xy({(160 + 50) * 16, (120 - 25) * 16}));
 }
 
 TEST(FixedWorldToImage, IsWrittenForPointsTheProjectionRefuses) {
-  EXPECT_EQ(xy({(160 + 50) * 16, 120 * 16}), xy(image({10 * 16, 0, 50 * 16}, straightDown())));
-  EXPECT_EQ(xy({(160 + 50) * 16, 120 * 16}), xy(image({10 * 16, 0, -9000}, straightDown())));
+  EXPECT_EQ(xy(image({10 * 16, 0, 50 * 16}, straightDown())), xy({(160 + 50) * 16, 120 * 16}));
+  EXPECT_EQ(xy(image({10 * 16, 0, -9000}, straightDown())), xy({(160 + 50) * 16, 120 * 16}));
 }
 
 TEST(FixedWorldToImage, IsTheRoundedFloatTransform) {
@@ -238,7 +238,7 @@ TEST(FixedWorldToImage, IsTheRoundedFloatTransform) {
     const TrafoParams trafo = anyTrafo(random);
     const Point3_s32 world = anyPoint3(random, 50000);
     const Point3_f32 cam = model::world2cam(widened(world), widenedExternal(trafo));
-    ASSERT_EQ(xy(counts(model::cam2img(cam, model::internalCalib(trafo.intParams)))), xy(image(world, trafo)));
+    ASSERT_EQ(xy(image(world, trafo)), xy(counts(model::cam2img(cam, model::internalCalib(trafo.intParams)))));
   }
 }
 
@@ -247,7 +247,7 @@ TEST(FixedImageToGround, StraightDownScalesByTheHeight) {
   const TrafoParams trafo = straightDown();
   Point3_s32 world;
   ip_img2groundplane_s32(&world, &img, 2000 * 16, &trafo);
-  EXPECT_EQ(xyz({200 * 16, -400 * 16, 2000 * 16}), xyz(world));
+  EXPECT_EQ(xyz(world), xyz({200 * 16, -400 * 16, 2000 * 16}));
 }
 
 TEST(FixedImageToGround, IsTheRoundedFloatTransform) {
@@ -261,7 +261,7 @@ TEST(FixedImageToGround, IsTheRoundedFloatTransform) {
     ip_img2groundplane_s32(&world, &img, height, &trafo);
     const Point3_f32 wanted = model::img2world(widened(img), widenedExternal(trafo), model::internalCalib(usualLens),
                                                static_cast<float>(height) * 0.0625f);
-    ASSERT_EQ(xyz(counts(wanted)), xyz(world));
+    ASSERT_EQ(xyz(world), xyz(counts(wanted)));
   }
 }
 
@@ -273,21 +273,21 @@ TEST(FixedImageToGround, RoundsMinusAHalfUpToZero) {
   const Point_s32 img = {16, 48};
   Point3_s32 world;
   ip_img2groundplane_s32(&world, &img, 1, &trafo);
-  EXPECT_EQ(0, world.x);
-  EXPECT_EQ(2, world.y);
+  EXPECT_EQ(world.x, 0);
+  EXPECT_EQ(world.y, 2);
 }
 
 TEST(FixedOutOfRange, BecomesTheNearestIntegerAndNaNZero) {
   // f * x / 50 with f = 8388608 pixels goes beyond the range on either side; a plane along the ray is no number.
   TrafoParams trafo = straightDown();
   trafo.intParams = {0, INT32_MAX, 0, 0};
-  EXPECT_EQ(xy({INT32_MAX, INT32_MIN}), xy(image({1000000, -1000000, 0}, trafo)));
+  EXPECT_EQ(xy(image({1000000, -1000000, 0}, trafo)), xy({INT32_MAX, INT32_MIN}));
   TrafoParams level = straightDown();
   level.ext.R[8] = 0;
   const Point_s32 principal = {160 * 16, 120 * 16};
   Point3_s32 world = {-777, -777, -777};
   ip_img2groundplane_s32(&world, &principal, 2000 * 16, &level);
-  EXPECT_EQ(xyz({0, 0, 0}), xyz(world));
+  EXPECT_EQ(xyz(world), xyz({0, 0, 0}));
 }
 
 TEST(FixedImageToWorldFloat, RoundsNothing) {
@@ -297,8 +297,8 @@ TEST(FixedImageToWorldFloat, RoundsNothing) {
     const Point_f32 img = {160 + anyWithin(random, 160), 120 + anyWithin(random, 120)};
     const float h = anyWithin(random, 4000);
     Point3_f32 world;
-    ASSERT_EQ(1u, ip_img2world_f32(&world, &img, &trafo, h));
-    ASSERT_EQ(floats(model::img2world(img, widenedExternal(trafo), model::internalCalib(usualLens), h)), floats(world));
+    ASSERT_EQ(ip_img2world_f32(&world, &img, &trafo, h), 1u);
+    ASSERT_EQ(floats(world), floats(model::img2world(img, widenedExternal(trafo), model::internalCalib(usualLens), h)));
   }
 }
 
@@ -307,20 +307,20 @@ TEST(FixedImageToWorldFloat, RoundsNothing) {
 TEST(FixedMapRect, RunsRoundTheCentre) {
   const TrafoParams trafo = straightDown();
   Point3_s32 corner[4];
-  EXPECT_EQ(1u, ip_calcMapRect_s32(corner, 1000, 32000, &trafo));
-  EXPECT_EQ(xyz({-500, -500, 32000}), xyz(corner[0]));
-  EXPECT_EQ(xyz({-500, 500, 32000}), xyz(corner[1]));
-  EXPECT_EQ(xyz({500, 500, 32000}), xyz(corner[2]));
-  EXPECT_EQ(xyz({500, -500, 32000}), xyz(corner[3]));
+  EXPECT_EQ(ip_calcMapRect_s32(corner, 1000, 32000, &trafo), 1u);
+  EXPECT_EQ(xyz(corner[0]), xyz({-500, -500, 32000}));
+  EXPECT_EQ(xyz(corner[1]), xyz({-500, 500, 32000}));
+  EXPECT_EQ(xyz(corner[2]), xyz({500, 500, 32000}));
+  EXPECT_EQ(xyz(corner[3]), xyz({500, -500, 32000}));
 }
 
 TEST(FixedMapRect, HalvesAnOddSizeTowardsZero) {
   const TrafoParams trafo = straightDown();
   Point3_s32 corner[4];
   ip_calcMapRect_s32(corner, 5, 32000, &trafo);
-  EXPECT_EQ(xyz({-2, -2, 32000}), xyz(corner[0]));
+  EXPECT_EQ(xyz(corner[0]), xyz({-2, -2, 32000}));
   ip_calcMapRect_s32(corner, -5, 32000, &trafo);
-  EXPECT_EQ(xyz({2, 2, 32000}), xyz(corner[0]));
+  EXPECT_EQ(xyz(corner[0]), xyz({2, 2, 32000}));
 }
 
 TEST(FixedMapRect, IsCentredUnderThePrincipalPoint) {
@@ -332,45 +332,45 @@ TEST(FixedMapRect, IsCentredUnderThePrincipalPoint) {
     const int32_t size = random.between(-50000, 50000), height = random.between(-40000, 40000), half = size / 2;
     Point3_s32 g, corner[4];
     ip_img2groundplane_s32(&g, &principal, height, &trafo);
-    ASSERT_EQ(1u, ip_calcMapRect_s32(corner, size, height, &trafo));
-    ASSERT_EQ(xyz({g.x - half, g.y - half, g.z}), xyz(corner[0]));
-    ASSERT_EQ(xyz({g.x - half, g.y + half, g.z}), xyz(corner[1]));
-    ASSERT_EQ(xyz({g.x + half, g.y + half, g.z}), xyz(corner[2]));
-    ASSERT_EQ(xyz({g.x + half, g.y - half, g.z}), xyz(corner[3]));
+    ASSERT_EQ(ip_calcMapRect_s32(corner, size, height, &trafo), 1u);
+    ASSERT_EQ(xyz(corner[0]), xyz({g.x - half, g.y - half, g.z}));
+    ASSERT_EQ(xyz(corner[1]), xyz({g.x - half, g.y + half, g.z}));
+    ASSERT_EQ(xyz(corner[2]), xyz({g.x + half, g.y + half, g.z}));
+    ASSERT_EQ(xyz(corner[3]), xyz({g.x + half, g.y - half, g.z}));
   }
 }
 
 // --- millimetres and grids
 
 TEST(CalibrationCoordinate, IsSixteenPerMillimetre) {
-  EXPECT_EQ(0, ip_millimeter2CalibCoord_s32(0));
-  EXPECT_EQ(-48, ip_millimeter2CalibCoord_s32(-3));
-  EXPECT_EQ(INT32_MAX - 15, ip_millimeter2CalibCoord_s32(INT32_MAX / 16));
+  EXPECT_EQ(ip_millimeter2CalibCoord_s32(0), 0);
+  EXPECT_EQ(ip_millimeter2CalibCoord_s32(-3), -48);
+  EXPECT_EQ(ip_millimeter2CalibCoord_s32(INT32_MAX / 16), INT32_MAX - 15);
 }
 
 TEST(CalibrationCoordinate, WrapsAround) {
-  EXPECT_EQ(-16, ip_millimeter2CalibCoord_s32(INT32_MAX));
-  EXPECT_EQ(0, ip_millimeter2CalibCoord_s32(INT32_MIN));
+  EXPECT_EQ(ip_millimeter2CalibCoord_s32(INT32_MAX), -16);
+  EXPECT_EQ(ip_millimeter2CalibCoord_s32(INT32_MIN), 0);
 }
 
 TEST(CalibrationCoordinate, GoesBackRoundedDown) {
-  EXPECT_EQ(-1, ip_calibCoord2Millimeter_s32(-1));
-  EXPECT_EQ(-1, ip_calibCoord2Millimeter_s32(-16));
-  EXPECT_EQ(-2, ip_calibCoord2Millimeter_s32(-17));
-  EXPECT_EQ(0, ip_calibCoord2Millimeter_s32(15));
-  EXPECT_EQ(1, ip_calibCoord2Millimeter_s32(16));
-  EXPECT_EQ(-134217728, ip_calibCoord2Millimeter_s32(INT32_MIN));
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(-1), -1);
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(-16), -1);
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(-17), -2);
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(15), 0);
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(16), 1);
+  EXPECT_EQ(ip_calibCoord2Millimeter_s32(INT32_MIN), -134217728);
 }
 
-TEST(GridCentre, IsHalfACellIntoTheCell) { EXPECT_EQ(125, ip_gridCoord2Coord_s32(2, 100, 10)); }
+TEST(GridCentre, IsHalfACellIntoTheCell) { EXPECT_EQ(ip_gridCoord2Coord_s32(2, 100, 10), 125); }
 
-TEST(GridCentre, HalvesAnOddCellDown) { EXPECT_EQ(127, ip_gridCoord2Coord_s32(2, 100, 11)); }
+TEST(GridCentre, HalvesAnOddCellDown) { EXPECT_EQ(ip_gridCoord2Coord_s32(2, 100, 11), 127); }
 
-TEST(GridCentre, OfANegativeCellIsBelowTheOrigin) { EXPECT_EQ(95, ip_gridCoord2Coord_s32(-1, 100, 10)); }
+TEST(GridCentre, OfANegativeCellIsBelowTheOrigin) { EXPECT_EQ(ip_gridCoord2Coord_s32(-1, 100, 10), 95); }
 
 TEST(GridCentre, TakesTheCellSizeWithoutASign) {
-  EXPECT_EQ(0x40000000, ip_gridCoord2Coord_s32(0, 0, 0x80000000u));
-  EXPECT_EQ(INT32_MAX, ip_gridCoord2Coord_s32(0, 0, 0xFFFFFFFFu));
+  EXPECT_EQ(ip_gridCoord2Coord_s32(0, 0, 0x80000000u), 0x40000000);
+  EXPECT_EQ(ip_gridCoord2Coord_s32(0, 0, 0xFFFFFFFFu), INT32_MAX);
 }
 
 TEST(GridCentre, OfAnyIntegersWrapsAround) {
@@ -378,31 +378,31 @@ TEST(GridCentre, OfAnyIntegersWrapsAround) {
   for (int round = 0; round < 1000; round++) {
     const int32_t g = anyInteger(random), o = anyInteger(random), c = anyInteger(random);
     const int32_t half = static_cast<int32_t>(static_cast<uint32_t>(c) >> 1);
-    ASSERT_EQ((Wrap(half) + Wrap(c) * g + o).value(), ip_gridCoord2Coord_s32(g, o, static_cast<uint32_t>(c)));
+    ASSERT_EQ(ip_gridCoord2Coord_s32(g, o, static_cast<uint32_t>(c)), (Wrap(half) + Wrap(c) * g + o).value());
   }
 }
 
 TEST(GridCell, IsTheWholeNumberOfCellsFromTheOrigin) {
-  EXPECT_EQ(2, ip_coord2GridCoord_s32(125, 100, 10));
-  EXPECT_EQ(2, ip_coord2GridCoord_s32(129, 100, 10));
-  EXPECT_EQ(3, ip_coord2GridCoord_s32(130, 100, 10));
+  EXPECT_EQ(ip_coord2GridCoord_s32(125, 100, 10), 2);
+  EXPECT_EQ(ip_coord2GridCoord_s32(129, 100, 10), 2);
+  EXPECT_EQ(ip_coord2GridCoord_s32(130, 100, 10), 3);
 }
 
 TEST(GridCell, BelowTheOriginIsZero) {
-  EXPECT_EQ(0, ip_coord2GridCoord_s32(99, 100, 1));
-  EXPECT_EQ(0, ip_coord2GridCoord_s32(-5000, 100, 1));
+  EXPECT_EQ(ip_coord2GridCoord_s32(99, 100, 1), 0);
+  EXPECT_EQ(ip_coord2GridCoord_s32(-5000, 100, 1), 0);
 }
 
-TEST(GridCell, OfCellsWithoutSizeIsZero) { EXPECT_EQ(0, ip_coord2GridCoord_s32(125, 100, 0)); }
+TEST(GridCell, OfCellsWithoutSizeIsZero) { EXPECT_EQ(ip_coord2GridCoord_s32(125, 100, 0), 0); }
 
 TEST(GridCell, DividesByTheCellSizeWithoutASign) {
-  EXPECT_EQ(0, ip_coord2GridCoord_s32(INT32_MAX, 0, 0x80000000u));
-  EXPECT_EQ(1, ip_coord2GridCoord_s32(INT32_MAX, 0, 0x7FFFFFFFu));
+  EXPECT_EQ(ip_coord2GridCoord_s32(INT32_MAX, 0, 0x80000000u), 0);
+  EXPECT_EQ(ip_coord2GridCoord_s32(INT32_MAX, 0, 0x7FFFFFFFu), 1);
 }
 
 TEST(GridCell, WrapsTheDifferenceBeforeItLooksAtTheSign) {
-  EXPECT_EQ(0, ip_coord2GridCoord_s32(INT32_MAX, -1, 1));
-  EXPECT_EQ(INT32_MAX, ip_coord2GridCoord_s32(INT32_MIN, 1, 1));
+  EXPECT_EQ(ip_coord2GridCoord_s32(INT32_MAX, -1, 1), 0);
+  EXPECT_EQ(ip_coord2GridCoord_s32(INT32_MIN, 1, 1), INT32_MAX);
 }
 
 TEST(GridCell, OfAnyIntegersFollowsTheWrappedDifference) {
@@ -411,7 +411,7 @@ TEST(GridCell, OfAnyIntegersFollowsTheWrappedDifference) {
     const int32_t x = anyInteger(random), o = anyInteger(random);
     const uint32_t c = static_cast<uint32_t>(anyInteger(random));
     const uint32_t difference = static_cast<uint32_t>(std::max((Wrap(x) - o).value(), 0));
-    ASSERT_EQ(c == 0 ? 0 : static_cast<int32_t>(difference / c), ip_coord2GridCoord_s32(x, o, c));
+    ASSERT_EQ(ip_coord2GridCoord_s32(x, o, c), c == 0 ? 0 : static_cast<int32_t>(difference / c));
   }
 }
 

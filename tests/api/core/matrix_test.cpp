@@ -32,7 +32,7 @@ TEST(MatrixCopy, KeepsEveryBit) {
   Guarded<float> src(9), dst(9);
   std::memcpy(src.data(), source, sizeof source);
   mCopy(src.data(), dst.data());
-  EXPECT_EQ(0, std::memcmp(source, dst.data(), sizeof source));
+  EXPECT_EQ(std::memcmp(source, dst.data(), sizeof source), 0);
 }
 
 TEST(MatrixProduct, AddsTheFirstTwoTermsBeforeTheThird) {
@@ -41,7 +41,7 @@ TEST(MatrixProduct, AddsTheFirstTwoTermsBeforeTheThird) {
   const float b[9] = {1, 1, 1, 1, 1, 1, 1, 1, 1};
   float c[9];
   mmMul(a, b, c);
-  EXPECT_EQ((Floats{0, 0, 0, 0, 0, 0, 1, 1, 1}), floats(c));
+  EXPECT_EQ(floats(c), (Floats{0, 0, 0, 0, 0, 0, 1, 1, 1}));
 }
 
 TEST(MatrixProduct, HasTheBitsOfTheDocumentedSum) {
@@ -50,7 +50,7 @@ TEST(MatrixProduct, HasTheBitsOfTheDocumentedSum) {
     const Matrix a = anyMatrix(random), b = anyMatrix(random);
     Matrix c;
     mmMul(a.data(), b.data(), c.data());
-    ASSERT_EQ(floats(model::product(a, b)), floats(c));
+    ASSERT_EQ(floats(c), floats(model::product(a, b)));
   }
 }
 
@@ -61,7 +61,7 @@ TEST(MatrixProduct, KeepsInfinitiesAndSubnormals) {
     for (float& v : a) v = anyNumber(random);
     for (float& v : b) v = anyNumber(random);
     mmMul(a.data(), b.data(), c.data());
-    ASSERT_EQ(floats(model::product(a, b)), floats(c));
+    ASSERT_EQ(floats(c), floats(model::product(a, b)));
   }
 }
 
@@ -79,7 +79,7 @@ TEST(MatrixProduct, ByTheIdentityIsTheOtherFactor) {
 TEST(MatrixProduct, TouchesNothingBehindItsNineElements) {
   const Guarded<float> a(std::vector<float>(9, 2)), b(std::vector<float>(9, 3)), c(9);
   mmMul(a.data(), b.data(), c.data());
-  EXPECT_EQ(std::vector<float>(9, 18), c.values());
+  EXPECT_EQ(c.values(), std::vector<float>(9, 18));
 }
 
 TEST(MatrixVectorProduct, AddsTheFirstTwoTermsBeforeTheThird) {
@@ -87,7 +87,7 @@ TEST(MatrixVectorProduct, AddsTheFirstTwoTermsBeforeTheThird) {
   const float v[3] = {1, 1, 1};
   float w[3];
   mvMul(m, v, w);
-  EXPECT_EQ((Floats{0, 0, 1}), floats(w));
+  EXPECT_EQ(floats(w), (Floats{0, 0, 1}));
 }
 
 TEST(MatrixVectorProduct, HasTheBitsOfTheDocumentedSum) {
@@ -97,57 +97,57 @@ TEST(MatrixVectorProduct, HasTheBitsOfTheDocumentedSum) {
     const Vec v = {anyWithin(random, 1e4f), anyWithin(random, 1), anyWithin(random, 1e-3f)};
     Vec w;
     mvMul(m.data(), v.data(), w.data());
-    ASSERT_EQ(floats(model::product(m, v)), floats(w));
+    ASSERT_EQ(floats(w), floats(model::product(m, v)));
   }
 }
 
 TEST(MatrixVectorProduct, TouchesNothingBehindItsThreeElements) {
   const Guarded<float> m(std::vector<float>(9, 2)), v(std::vector<float>(3, 5)), w(3);
   mvMul(m.data(), v.data(), w.data());
-  EXPECT_EQ(std::vector<float>(3, 30), w.values());
+  EXPECT_EQ(w.values(), std::vector<float>(3, 30));
 }
 
 TEST(MatrixTranspose, SwapsRowsAndColumns) {
   const Guarded<float> src(std::vector<float>{1, 2, 3, 4, 5, 6, 7, 8, 9}), dst(9);
   mTrans(src.data(), dst.data());
-  EXPECT_EQ((std::vector<float>{1, 4, 7, 2, 5, 8, 3, 6, 9}), dst.values());
+  EXPECT_EQ(dst.values(), (std::vector<float>{1, 4, 7, 2, 5, 8, 3, 6, 9}));
 }
 
 TEST(MatrixTranspose, OfTheIdentityIsTheIdentity) {
   const std::vector<float> identity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   std::vector<float> out(9, untouched);
   mTrans(identity.data(), out.data());
-  EXPECT_EQ(identity, out);
+  EXPECT_EQ(out, identity);
 }
 
 TEST(VectorSum, IsElementByElement) {
   const Guarded<float> a(std::vector<float>{1, -2, 0.5f}), b(std::vector<float>{10, 20, 0.25f}), c(3);
   vvAdd(a.data(), b.data(), c.data());
-  EXPECT_EQ((std::vector<float>{11, 18, 0.75f}), c.values());
+  EXPECT_EQ(c.values(), (std::vector<float>{11, 18, 0.75f}));
 }
 
 TEST(VectorSum, MayBeWrittenOverEitherOperand) {
   float a[3] = {1, 2, 3};
   float b[3] = {10, 20, 30};
   vvAdd(a, b, a);
-  EXPECT_EQ((Floats{11, 22, 33}), floats(a));
+  EXPECT_EQ(floats(a), (Floats{11, 22, 33}));
   vvAdd(a, b, b);
-  EXPECT_EQ((Floats{21, 42, 63}), floats(b));
+  EXPECT_EQ(floats(b), (Floats{21, 42, 63}));
 }
 
 TEST(VectorDifference, IsFirstMinusSecond) {
   const Guarded<float> a(std::vector<float>{1, -2, 0.5f}), b(std::vector<float>{10, 20, 0.25f}), c(3);
   vvSub(a.data(), b.data(), c.data());
-  EXPECT_EQ((std::vector<float>{-9, -22, 0.25f}), c.values());
+  EXPECT_EQ(c.values(), (std::vector<float>{-9, -22, 0.25f}));
 }
 
 TEST(VectorDifference, MayBeWrittenOverEitherOperand) {
   float a[3] = {1, 2, 3};
   float b[3] = {10, 20, 30};
   vvSub(a, b, b);
-  EXPECT_EQ((Floats{-9, -18, -27}), floats(b));
+  EXPECT_EQ(floats(b), (Floats{-9, -18, -27}));
   vvSub(a, b, a);
-  EXPECT_EQ((Floats{10, 20, 30}), floats(a));
+  EXPECT_EQ(floats(a), (Floats{10, 20, 30}));
 }
 
 uint32_t covarianceOf(const std::vector<uint16_t>& points, float* out) {
@@ -176,35 +176,35 @@ Floats expectedCovariance(const std::vector<uint16_t>& points) {
 
 TEST(Covariance, OfTwoPointsUsesTheUnbiasedEstimator) {
   float out[4];
-  EXPECT_EQ(1u, covarianceOf({0, 0, 2, 2}, out));
-  EXPECT_EQ((Floats{2, 2, 2, 2}), floats(out));
+  EXPECT_EQ(covarianceOf({0, 0, 2, 2}, out), 1u);
+  EXPECT_EQ(floats(out), (Floats{2, 2, 2, 2}));
 }
 
 TEST(Covariance, KeepsTheVariancesOfXAndYApart) {
   float out[4];
-  EXPECT_EQ(1u, covarianceOf({0, 5, 4, 5, 8, 5}, out));
-  EXPECT_EQ((Floats{16, 0, 0, 0}), floats(out));
+  EXPECT_EQ(covarianceOf({0, 5, 4, 5, 8, 5}, out), 1u);
+  EXPECT_EQ(floats(out), (Floats{16, 0, 0, 0}));
 }
 
 TEST(Covariance, OfFallingPointsIsNegative) {
   float out[4];
-  EXPECT_EQ(1u, covarianceOf({0, 2, 2, 0}, out));
-  EXPECT_EQ((Floats{2, -2, -2, 2}), floats(out));
+  EXPECT_EQ(covarianceOf({0, 2, 2, 0}, out), 1u);
+  EXPECT_EQ(floats(out), (Floats{2, -2, -2, 2}));
 }
 
 TEST(Covariance, RefusesCountsBelowTwo) {
   const uint16_t point[2] = {3, 4};
   for (int32_t count : {1, 0, -1, INT32_MIN}) {
     float out[4] = {untouched, untouched, untouched, untouched};
-    EXPECT_EQ(0u, IP_Alg_Covar_2x2(point, count, out)) << count;
-    EXPECT_EQ((Floats{untouched, untouched, untouched, untouched}), floats(out)) << count;
+    EXPECT_EQ(IP_Alg_Covar_2x2(point, count, out), 0u) << count;
+    EXPECT_EQ(floats(out), (Floats{untouched, untouched, untouched, untouched})) << count;
   }
 }
 
 TEST(Covariance, ReadsNoPointWhereThereIsNone) {
   const Guarded<uint16_t> nothing(0);
   float out[4];
-  EXPECT_EQ(0u, IP_Alg_Covar_2x2(nothing.data(), 0, out));
+  EXPECT_EQ(IP_Alg_Covar_2x2(nothing.data(), 0, out), 0u);
 }
 
 TEST(Covariance, HasTheBitsOfTwoSinglePrecisionPasses) {
@@ -212,8 +212,8 @@ TEST(Covariance, HasTheBitsOfTwoSinglePrecisionPasses) {
   for (size_t count : {2u, 3u, 7u, 8u, 9u, 33u, 1000u}) {
     const std::vector<uint16_t> points = random.values<uint16_t>(2 * count, 65536);
     float out[4];
-    ASSERT_EQ(1u, covarianceOf(points, out));
-    EXPECT_EQ(expectedCovariance(points), floats(out)) << count;
+    ASSERT_EQ(covarianceOf(points, out), 1u);
+    EXPECT_EQ(floats(out), expectedCovariance(points)) << count;
   }
 }
 
@@ -231,68 +231,68 @@ Eigen eigenOf(std::initializer_list<float> matrix) {
 
 TEST(Eigen2x2, OfARotationIsRefused) {
   const Eigen e = eigenOf({0, 1, -1, 0});
-  EXPECT_EQ(0u, e.status);
-  EXPECT_EQ((Floats{untouched, untouched}), e.values);
-  EXPECT_EQ((Floats{untouched, untouched, untouched, untouched}), e.vectors);
+  EXPECT_EQ(e.status, 0u);
+  EXPECT_EQ(e.values, (Floats{untouched, untouched}));
+  EXPECT_EQ(e.vectors, (Floats{untouched, untouched, untouched, untouched}));
 }
 
 TEST(Eigen2x2, OfAFallingDiagonalPairsEachValueWithItsAxis) {
   const Eigen e = eigenOf({3, 0, 0, 1});
-  EXPECT_EQ(1u, e.status);
-  EXPECT_EQ((Floats{3, 1}), e.values);
-  EXPECT_EQ((Floats{1, 0, 0, 1}), e.vectors);
+  EXPECT_EQ(e.status, 1u);
+  EXPECT_EQ(e.values, (Floats{3, 1}));
+  EXPECT_EQ(e.vectors, (Floats{1, 0, 0, 1}));
 }
 
 TEST(Eigen2x2, OfARisingDiagonalStillPairsTheLargerValueWithTheFirstAxis) {
   const Eigen e = eigenOf({1, 0, 0, 3});
-  EXPECT_EQ(1u, e.status);
-  EXPECT_EQ((Floats{3, 1}), e.values);
-  EXPECT_EQ((Floats{1, 0, 0, 1}), e.vectors);
+  EXPECT_EQ(e.status, 1u);
+  EXPECT_EQ(e.values, (Floats{3, 1}));
+  EXPECT_EQ(e.vectors, (Floats{1, 0, 0, 1}));
 }
 
 TEST(Eigen2x2, OfASymmetricMatrix) {
   const Eigen e = eigenOf({2, 1, 1, 2});
-  EXPECT_EQ(1u, e.status);
-  EXPECT_EQ((Floats{3, 1}), e.values);
-  EXPECT_EQ((Floats{1, 1, -1, 1}), e.vectors);
+  EXPECT_EQ(e.status, 1u);
+  EXPECT_EQ(e.values, (Floats{3, 1}));
+  EXPECT_EQ(e.vectors, (Floats{1, 1, -1, 1}));
 }
 
 TEST(Eigen2x2, OfAnUpperTriangleTakesItsVectorsFromTheFirstRow) {
   const Eigen e = eigenOf({1, 2, 0, 3});
-  EXPECT_EQ((Floats{3, 1}), e.values);
-  EXPECT_EQ((Floats{2, 2, 2, 0}), e.vectors);
+  EXPECT_EQ(e.values, (Floats{3, 1}));
+  EXPECT_EQ(e.vectors, (Floats{2, 2, 2, 0}));
 }
 
 TEST(Eigen2x2, OfADoubleValueGivesTheSameVectorTwice) {
   const Eigen e = eigenOf({2, 1, 0, 2});
-  EXPECT_EQ(1u, e.status);
-  EXPECT_EQ((Floats{2, 2}), e.values);
-  EXPECT_EQ((Floats{1, 0, 1, 0}), e.vectors);
+  EXPECT_EQ(e.status, 1u);
+  EXPECT_EQ(e.values, (Floats{2, 2}));
+  EXPECT_EQ(e.vectors, (Floats{1, 0, 1, 0}));
 }
 
 TEST(Eigen2x2, TakesAnEntryOfExactlyTheMachineEpsilonForZero) {
-  EXPECT_EQ((Floats{1, 0, 0, 1}), eigenOf({3, FLT_EPSILON, FLT_EPSILON, 1}).vectors);
+  EXPECT_EQ(eigenOf({3, FLT_EPSILON, FLT_EPSILON, 1}).vectors, (Floats{1, 0, 0, 1}));
 }
 
 TEST(Eigen2x2, TakesAnEntryJustAboveTheMachineEpsilonForItself) {
   const float entry = std::nextafter(FLT_EPSILON, 1.0f);
-  EXPECT_EQ((Floats{2, entry, 0, entry}), eigenOf({3, 0, entry, 1}).vectors);
-  EXPECT_EQ((Floats{entry, 0, entry, -2}), eigenOf({3, entry, 0, 1}).vectors);
+  EXPECT_EQ(eigenOf({3, 0, entry, 1}).vectors, (Floats{2, entry, 0, entry}));
+  EXPECT_EQ(eigenOf({3, entry, 0, 1}).vectors, (Floats{entry, 0, entry, -2}));
 }
 
-TEST(Eigen2x2, TakesANegativeEntryByItsMagnitude) { EXPECT_EQ((Floats{2, -1, 0, -1}), eigenOf({3, 0, -1, 1}).vectors); }
+TEST(Eigen2x2, TakesANegativeEntryByItsMagnitude) { EXPECT_EQ(eigenOf({3, 0, -1, 1}).vectors, (Floats{2, -1, 0, -1})); }
 
 TEST(Eigen2x2, MayBeWrittenOverTheMatrix) {
   float matrix[4] = {2, 1, 1, 2}, values[2];
-  EXPECT_EQ(1u, IP_Alg_Eigen_2x2(matrix, values, matrix));
-  EXPECT_EQ((Floats{3, 1}), floats(values));
-  EXPECT_EQ((Floats{1, 1, -1, 1}), floats(matrix));
+  EXPECT_EQ(IP_Alg_Eigen_2x2(matrix, values, matrix), 1u);
+  EXPECT_EQ(floats(values), (Floats{3, 1}));
+  EXPECT_EQ(floats(matrix), (Floats{1, 1, -1, 1}));
 }
 
 TEST(Eigen2x2, OfANaNIsNoFailure) {
   const Eigen e = eigenOf({NAN, 1, 1, 2});
-  EXPECT_EQ(1u, e.status);
-  EXPECT_EQ((Floats{NAN, NAN}), e.values);
+  EXPECT_EQ(e.status, 1u);
+  EXPECT_EQ(e.values, (Floats{NAN, NAN}));
 }
 
 TEST(Eigen2x2, HasTheBitsOfTheDocumentedFormulas) {
@@ -303,14 +303,14 @@ TEST(Eigen2x2, HasTheBitsOfTheDocumentedFormulas) {
                 d = anyWithin(random, 10);
     const float tr = a + d, det = a * d - b * c, disc = tr * tr * 0.25f - det;
     const Eigen e = eigenOf({a, b, c, d});
-    ASSERT_EQ(disc < 0 ? 0u : 1u, e.status);
+    ASSERT_EQ(e.status, disc < 0 ? 0u : 1u);
     if (disc < 0) {
       complexOnes++;
       continue;
     }
     const float s = std::sqrt(disc), l1 = tr * 0.5f + s, l2 = tr * 0.5f - s;
-    ASSERT_EQ((Floats{l1, l2}), e.values);
-    ASSERT_EQ((Floats{l1 - d, c, l2 - d, c}), e.vectors);
+    ASSERT_EQ(e.values, (Floats{l1, l2}));
+    ASSERT_EQ(e.vectors, (Floats{l1 - d, c, l2 - d, c}));
   }
   EXPECT_GT(complexOnes, 50);
 }

@@ -50,44 +50,44 @@ Cells expectedLine(Point_s32 from, Point_s32 to) {
   }
 }
 
-TEST(Bresenham, OfAFlatLine) { EXPECT_EQ((Cells{{0, 0}, {1, 0}, {2, 1}, {3, 1}}), line({0, 0}, {3, 1})); }
+TEST(Bresenham, OfAFlatLine) { EXPECT_EQ(line({0, 0}, {3, 1}), (Cells{{0, 0}, {1, 0}, {2, 1}, {3, 1}})); }
 
-TEST(Bresenham, OfASteepLine) { EXPECT_EQ((Cells{{0, 0}, {0, 1}, {1, 2}, {1, 3}}), line({0, 0}, {1, 3})); }
+TEST(Bresenham, OfASteepLine) { EXPECT_EQ(line({0, 0}, {1, 3}), (Cells{{0, 0}, {0, 1}, {1, 2}, {1, 3}})); }
 
-TEST(Bresenham, FromAPointToItselfVisitsItOnce) { EXPECT_EQ((Cells{{0, 0}}), line({0, 0}, {0, 0})); }
+TEST(Bresenham, FromAPointToItselfVisitsItOnce) { EXPECT_EQ(line({0, 0}, {0, 0}), (Cells{{0, 0}})); }
 
-TEST(Bresenham, GoesBackwardsAlongARow) { EXPECT_EQ((Cells{{2, 5}, {1, 5}, {0, 5}, {-1, 5}}), line({2, 5}, {-1, 5})); }
+TEST(Bresenham, GoesBackwardsAlongARow) { EXPECT_EQ(line({2, 5}, {-1, 5}), (Cells{{2, 5}, {1, 5}, {0, 5}, {-1, 5}})); }
 
-TEST(Bresenham, GoesUpAColumn) { EXPECT_EQ((Cells{{-3, 1}, {-3, 0}, {-3, -1}}), line({-3, 1}, {-3, -1})); }
+TEST(Bresenham, GoesUpAColumn) { EXPECT_EQ(line({-3, 1}, {-3, -1}), (Cells{{-3, 1}, {-3, 0}, {-3, -1}})); }
 
 TEST(Bresenham, OfADiagonalMovesOnBothAxesAtOnce) {
-  EXPECT_EQ((Cells{{0, 0}, {1, 1}, {2, 2}, {3, 3}}), line({0, 0}, {3, 3}));
-  EXPECT_EQ((Cells{{0, 0}, {-1, 1}, {-2, 2}}), line({0, 0}, {-2, 2}));
+  EXPECT_EQ(line({0, 0}, {3, 3}), (Cells{{0, 0}, {1, 1}, {2, 2}, {3, 3}}));
+  EXPECT_EQ(line({0, 0}, {-2, 2}), (Cells{{0, 0}, {-1, 1}, {-2, 2}}));
 }
 
 TEST(Bresenham, TakesAnotherWayBackWhereItPassesHalfWay) {
-  EXPECT_EQ((Cells{{0, 0}, {1, 0}, {2, 1}}), line({0, 0}, {2, 1}));
-  EXPECT_EQ((Cells{{2, 1}, {1, 1}, {0, 0}}), line({2, 1}, {0, 0}));
+  EXPECT_EQ(line({0, 0}, {2, 1}), (Cells{{0, 0}, {1, 0}, {2, 1}}));
+  EXPECT_EQ(line({2, 1}, {0, 0}), (Cells{{2, 1}, {1, 1}, {0, 0}}));
 }
 
 TEST(Bresenham, PassesTheCallersNumberThrough) {
   const Point_s32 p = {0, 0};
   for (int32_t number : {INT32_MIN, -1, 7}) {
     IP_Utils_Bresenham(&p, &p, number, visit);
-    EXPECT_EQ(number, lastUserData);
+    EXPECT_EQ(lastUserData, number);
   }
 }
 
 TEST(Bresenham, WorksAtTheEndsOfTheRange) {
-  EXPECT_EQ((Cells{{INT32_MAX - 1, INT32_MIN + 1}, {INT32_MAX, INT32_MIN}}),
-            line({INT32_MAX - 1, INT32_MIN + 1}, {INT32_MAX, INT32_MIN}));
-  EXPECT_EQ((Cells{{INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}}),
-            line({INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}));
+  EXPECT_EQ(line({INT32_MAX - 1, INT32_MIN + 1}, {INT32_MAX, INT32_MIN}),
+            (Cells{{INT32_MAX - 1, INT32_MIN + 1}, {INT32_MAX, INT32_MIN}}));
+  EXPECT_EQ(line({INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}),
+            (Cells{{INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}}));
 }
 
 TEST(Bresenham, OfEveryShortLineFollowsTheErrorTerm) {
   for (int32_t y = -7; y <= 7; y++) {
-    for (int32_t x = -7; x <= 7; x++) ASSERT_EQ(expectedLine({1, -2}, {x, y}), line({1, -2}, {x, y})) << x << "," << y;
+    for (int32_t x = -7; x <= 7; x++) ASSERT_EQ(line({1, -2}, {x, y}), expectedLine({1, -2}, {x, y})) << x << "," << y;
   }
 }
 
@@ -96,7 +96,7 @@ TEST(Bresenham, OfAnyLineFollowsTheErrorTerm) {
   for (int round = 0; round < 200; round++) {
     const Point_s32 from = {random.between(-300, 300), random.between(-300, 300)};
     const Point_s32 to = {random.between(-300, 300), random.between(-300, 300)};
-    ASSERT_EQ(expectedLine(from, to), line(from, to));
+    ASSERT_EQ(line(from, to), expectedLine(from, to));
   }
 }
 
@@ -106,7 +106,7 @@ TEST(Bresenham, StaysWithinHalfACellOfTheLine) {
     const Point_s32 to = {random.between(-200, 200), random.between(-200, 200)};
     const int64_t longer = std::max(std::abs(to.x), std::abs(to.y));
     const Cells cells = line({0, 0}, to);
-    ASSERT_EQ(static_cast<size_t>(longer) + 1, cells.size());
+    ASSERT_EQ(cells.size(), static_cast<size_t>(longer) + 1);
     for (auto [x, y] : cells) ASSERT_LE(2 * std::llabs(int64_t{x} * to.y - int64_t{y} * to.x), longer);
   }
 }

@@ -79,33 +79,33 @@ Shape starShape(Random& random, size_t count) {
 int32_t isSimple(const Shape& s) { return IP_Polygon_IsSimple(PolygonS(s).get()); }
 int32_t isSimple(const ShapeF& s) { return IP_Polygon_IsSimple_f32(PolygonF(s).get()); }
 
-TEST(PolygonSimple, HoldsForASquare) { EXPECT_EQ(1, isSimple(squareOfTen)); }
+TEST(PolygonSimple, HoldsForASquare) { EXPECT_EQ(isSimple(squareOfTen), 1); }
 
-TEST(PolygonSimple, FailsForABowTie) { EXPECT_EQ(0, isSimple(bowTie)); }
+TEST(PolygonSimple, FailsForABowTie) { EXPECT_EQ(isSimple(bowTie), 0); }
 
 TEST(PolygonSimple, HoldsBelowFourVerticesHoweverDegenerate) {
-  EXPECT_EQ(1, isSimple(Shape{}));
-  EXPECT_EQ(1, isSimple(Shape{{1, 1}}));
-  EXPECT_EQ(1, isSimple(Shape{{1, 1}, {1, 1}}));
-  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {9, 9}, {4, 4}}));
+  EXPECT_EQ(isSimple(Shape{}), 1);
+  EXPECT_EQ(isSimple(Shape{{1, 1}}), 1);
+  EXPECT_EQ(isSimple(Shape{{1, 1}, {1, 1}}), 1);
+  EXPECT_EQ(isSimple(Shape{{0, 0}, {9, 9}, {4, 4}}), 1);
 }
 
 TEST(PolygonSimple, FailsWhereAVertexDoublesBackAlongASlantedEdge) {
-  EXPECT_EQ(0, isSimple(Shape{{0, 0}, {8, 8}, {4, 4}, {0, 9}}));
+  EXPECT_EQ(isSimple(Shape{{0, 0}, {8, 8}, {4, 4}, {0, 9}}), 0);
 }
 
 TEST(PolygonSimple, HoldsWhereAVertexDoublesBackAlongAHorizontalEdge) {
-  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {8, 0}, {4, 0}, {4, 9}}));
+  EXPECT_EQ(isSimple(Shape{{0, 0}, {8, 0}, {4, 0}, {4, 9}}), 1);
 }
 
 TEST(PolygonSimple, TestsTheClosingEdge) {
-  EXPECT_EQ(0, isSimple(Shape{{0, 0}, {4, 0}, {4, 6}, {8, 3}, {8, 7}}));
-  EXPECT_EQ(1, isSimple(Shape{{0, 0}, {4, 0}, {4, 2}, {8, 3}, {8, 7}}));
+  EXPECT_EQ(isSimple(Shape{{0, 0}, {4, 0}, {4, 6}, {8, 3}, {8, 7}}), 0);
+  EXPECT_EQ(isSimple(Shape{{0, 0}, {4, 0}, {4, 2}, {8, 3}, {8, 7}}), 1);
 }
 
 TEST(PolygonSimple, HoldsForStars) {
   Random random(30);
-  for (size_t count = 4; count < 20; count++) EXPECT_EQ(1, isSimple(starShape(random, count))) << count;
+  for (size_t count = 4; count < 20; count++) EXPECT_EQ(isSimple(starShape(random, count)), 1) << count;
 }
 
 TEST(PolygonSimple, FailsForAStarWithTwoDistantCornersExchanged) {
@@ -113,13 +113,13 @@ TEST(PolygonSimple, FailsForAStarWithTwoDistantCornersExchanged) {
   for (size_t count = 8; count < 20; count++) {
     Shape s = starShape(random, count);
     std::swap(s[1], s[1 + count / 2]);
-    EXPECT_EQ(0, isSimple(s)) << count;
+    EXPECT_EQ(isSimple(s), 0) << count;
   }
 }
 
 TEST(PolygonSimple, ReadsNothingBehindTheLastVertex) {
   GuardedPolygonS guarded(squareOfTen);
-  EXPECT_EQ(1, IP_Polygon_IsSimple(guarded.get()));
+  EXPECT_EQ(IP_Polygon_IsSimple(guarded.get()), 1);
 }
 
 TEST(PolygonSimple, ComparesEveryPairOfEdges) {
@@ -127,7 +127,7 @@ TEST(PolygonSimple, ComparesEveryPairOfEdges) {
   int simple = 0, crossed = 0;
   for (int round = 0; round < 3000; round++) {
     const Shape s = round % 3 ? anyShape(random, 8, 4) : extremeShape(random, 8);
-    ASSERT_EQ(model::isSimple(s), isSimple(s)) << text(s);
+    ASSERT_EQ(isSimple(s), model::isSimple(s)) << text(s);
     if (s.size() > 3) (isSimple(s) ? simple : crossed)++;
   }
   EXPECT_GT(simple, 100);
@@ -135,20 +135,20 @@ TEST(PolygonSimple, ComparesEveryPairOfEdges) {
 }
 
 TEST(PolygonSimpleF32, HoldsForASquareAndFailsForABowTie) {
-  EXPECT_EQ(1, isSimple(toFloat(squareOfTen)));
-  EXPECT_EQ(0, isSimple(toFloat(bowTie)));
+  EXPECT_EQ(isSimple(toFloat(squareOfTen)), 1);
+  EXPECT_EQ(isSimple(toFloat(bowTie)), 0);
 }
 
 TEST(PolygonSimpleF32, HoldsBelowFourVertices) {
-  EXPECT_EQ(1, isSimple(ShapeF{}));
-  EXPECT_EQ(1, isSimple(ShapeF{{0, 0}, {9, 9}, {4, 4}}));
+  EXPECT_EQ(isSimple(ShapeF{}), 1);
+  EXPECT_EQ(isSimple(ShapeF{{0, 0}, {9, 9}, {4, 4}}), 1);
 }
 
 TEST(PolygonSimpleF32, ComparesEveryPairOfEdges) {
   Random random(33);
   for (int round = 0; round < 1500; round++) {
     const ShapeF s = anyShapeF(random, 8);
-    ASSERT_EQ(model::isSimple(s), isSimple(s)) << text(s);
+    ASSERT_EQ(isSimple(s), model::isSimple(s)) << text(s);
   }
 }
 
@@ -161,70 +161,70 @@ int32_t inside(const Shape& s, Point_s32 p) { return IP_Polygon_IsInside(Polygon
 int32_t inside(const ShapeF& s, Point_f32 p) { return IP_Polygon_IsInside_f32(PolygonF(s).get(), &p); }
 
 TEST(PolygonInside, CountsTheBoundaryIn) {
-  EXPECT_EQ(1, inside(squareOfTen, {10, 5}));
-  EXPECT_EQ(1, inside(squareOfTen, {0, 0}));
+  EXPECT_EQ(inside(squareOfTen, {10, 5}), 1);
+  EXPECT_EQ(inside(squareOfTen, {0, 0}), 1);
 }
 
 TEST(PolygonInside, IsTheSameForEitherVertexOrder) {
   for (const Shape& s : {squareOfTen, reversed(squareOfTen)}) {
-    EXPECT_EQ(1, contour(s, {5, 5}, 0));
-    EXPECT_EQ(0, contour(s, {11, 5}, 0));
-    EXPECT_EQ(0, contour(s, {-1, 5}, 0));
-    EXPECT_EQ(0, contour(s, {5, -1}, 0));
-    EXPECT_EQ(0, contour(s, {5, 11}, 0));
-    EXPECT_EQ(0, contour(s, {10, 5}, 0));
-    EXPECT_EQ(1, inside(s, {10, 5}));
+    EXPECT_EQ(contour(s, {5, 5}, 0), 1);
+    EXPECT_EQ(contour(s, {11, 5}, 0), 0);
+    EXPECT_EQ(contour(s, {-1, 5}, 0), 0);
+    EXPECT_EQ(contour(s, {5, -1}, 0), 0);
+    EXPECT_EQ(contour(s, {5, 11}, 0), 0);
+    EXPECT_EQ(contour(s, {10, 5}, 0), 0);
+    EXPECT_EQ(inside(s, {10, 5}), 1);
   }
 }
 
 TEST(PolygonInside, GivesWhateverTheCallerWantsOnTheBoundary) {
   for (Point_s32 p : {Point_s32{10, 5}, {5, 0}, {0, 5}, {5, 10}, {10, 10}}) {
-    EXPECT_EQ(7, contour(squareOfTen, p, 7)) << p.x << "," << p.y;
-    EXPECT_EQ(-1, contour(squareOfTen, p, 0xFFFFFFFFu)) << p.x << "," << p.y;
+    EXPECT_EQ(contour(squareOfTen, p, 7), 7) << p.x << "," << p.y;
+    EXPECT_EQ(contour(squareOfTen, p, 0xFFFFFFFFu), -1) << p.x << "," << p.y;
   }
-  EXPECT_EQ(1, contour(squareOfTen, {5, 5}, 7));
-  EXPECT_EQ(0, contour(squareOfTen, {11, 5}, 7));
+  EXPECT_EQ(contour(squareOfTen, {5, 5}, 7), 1);
+  EXPECT_EQ(contour(squareOfTen, {11, 5}, 7), 0);
 }
 
-TEST(PolygonInside, DoesNotTakeAnEdgesExtensionForTheBoundary) { EXPECT_EQ(0, contour(squareOfTen, {15, 10}, 7)); }
+TEST(PolygonInside, DoesNotTakeAnEdgesExtensionForTheBoundary) { EXPECT_EQ(contour(squareOfTen, {15, 10}, 7), 0); }
 
 TEST(PolygonInside, OfNoVerticesIsNothing) {
   GuardedPolygonS none(Shape{});
   const Point_s32 p = {0, 0};
-  EXPECT_EQ(0, IP_Polygon_IsInsideContour(none.get(), &p, 1));
-  EXPECT_EQ(0, IP_Polygon_IsInside(none.get(), &p));
+  EXPECT_EQ(IP_Polygon_IsInsideContour(none.get(), &p, 1), 0);
+  EXPECT_EQ(IP_Polygon_IsInside(none.get(), &p), 0);
 }
 
 TEST(PolygonInside, OfOneVertexIsThatPoint) {
-  EXPECT_EQ(1, inside(Shape{{3, 4}}, {3, 4}));
-  EXPECT_EQ(0, inside(Shape{{3, 4}}, {3, 5}));
-  EXPECT_EQ(0, inside(Shape{{3, 4}}, {2, 4}));
+  EXPECT_EQ(inside(Shape{{3, 4}}, {3, 4}), 1);
+  EXPECT_EQ(inside(Shape{{3, 4}}, {3, 5}), 0);
+  EXPECT_EQ(inside(Shape{{3, 4}}, {2, 4}), 0);
 }
 
 TEST(PolygonInside, OfTwoVerticesIsTheSegment) {
   const Shape segment = {{0, 0}, {4, 2}};
-  EXPECT_EQ(1, inside(segment, {2, 1}));
-  EXPECT_EQ(0, inside(segment, {6, 3}));
-  EXPECT_EQ(0, inside(segment, {2, 2}));
+  EXPECT_EQ(inside(segment, {2, 1}), 1);
+  EXPECT_EQ(inside(segment, {6, 3}), 0);
+  EXPECT_EQ(inside(segment, {2, 2}), 0);
 }
 
 TEST(PolygonInside, HoldsWhereThePolygonWindsTwice) {
   // A square run round twice in the same direction, and once in each of two overlapping places.
   const Shape twice = {{0, 0}, {8, 0}, {8, 8}, {0, 8}, {0, 0}, {8, 0}, {8, 8}, {0, 8}};
-  EXPECT_EQ(1, inside(twice, {4, 4}));
+  EXPECT_EQ(inside(twice, {4, 4}), 1);
   const Shape overlap = {{0, 0}, {8, 0}, {8, 8}, {4, 8}, {4, 2}, {12, 2}, {12, 6}, {0, 6}};
-  EXPECT_EQ(1, contour(overlap, {6, 4}, 0));
+  EXPECT_EQ(contour(overlap, {6, 4}, 0), 1);
 }
 
 TEST(PolygonInside, FailsWhereTheWindingsCancel) {
   const Shape backAndForth = {{0, 0}, {8, 0}, {8, 8}, {0, 8}, {0, 0}, {0, 8}, {8, 8}, {8, 0}};
-  EXPECT_EQ(0, inside(backAndForth, {4, 4}));
+  EXPECT_EQ(inside(backAndForth, {4, 4}), 0);
 }
 
 TEST(PolygonInside, ReadsNothingBehindTheLastVertex) {
   GuardedPolygonS guarded(squareOfTen);
   const Point_s32 p = {5, 5};
-  EXPECT_EQ(1, IP_Polygon_IsInside(guarded.get(), &p));
+  EXPECT_EQ(IP_Polygon_IsInside(guarded.get(), &p), 1);
 }
 
 // Exact, in 64 bits, and by another road: on a segment by the dot product, windings by a ray along +y.
@@ -286,40 +286,40 @@ TEST(PolygonInside, OfAnyIntegersFollowsTheWrappedOrientations) {
     const Shape s = extremeShape(random, 8);
     const Point_s32 p = {anyInteger(random), anyInteger(random)};
     const uint32_t onBoundary = random.below(3);
-    ASSERT_EQ(model::isInsideContour(s, p, onBoundary), contour(s, p, onBoundary))
+    ASSERT_EQ(contour(s, p, onBoundary), model::isInsideContour(s, p, onBoundary))
         << text(s) << "at " << p.x << "," << p.y;
   }
 }
 
 TEST(PolygonInsideF32, CountsTheBoundaryIn) {
   for (const Shape& s : {squareOfTen, reversed(squareOfTen)}) {
-    EXPECT_EQ(1, inside(toFloat(s), {10, 5}));
-    EXPECT_EQ(1, inside(toFloat(s), {5, 5}));
-    EXPECT_EQ(0, inside(toFloat(s), {11, 5}));
+    EXPECT_EQ(inside(toFloat(s), {10, 5}), 1);
+    EXPECT_EQ(inside(toFloat(s), {5, 5}), 1);
+    EXPECT_EQ(inside(toFloat(s), {11, 5}), 0);
   }
 }
 
 TEST(PolygonInsideF32, WidensTheBoundaryByLessThanTheTolerance) {
   const ShapeF square = toFloat(squareOfTen);
-  EXPECT_EQ(1, inside(square, {5, -0.0005f}));
-  EXPECT_EQ(1, inside(square, {-0.009f, 0}));
-  EXPECT_EQ(0, inside(square, {-0.01f, 0}));
-  EXPECT_EQ(0, inside(square, {-0.011f, 0}));
-  EXPECT_EQ(1, inside(square, {10.009f, 0}));
-  EXPECT_EQ(0, inside(square, {10.011f, 0}));
+  EXPECT_EQ(inside(square, {5, -0.0005f}), 1);
+  EXPECT_EQ(inside(square, {-0.009f, 0}), 1);
+  EXPECT_EQ(inside(square, {-0.01f, 0}), 0);
+  EXPECT_EQ(inside(square, {-0.011f, 0}), 0);
+  EXPECT_EQ(inside(square, {10.009f, 0}), 1);
+  EXPECT_EQ(inside(square, {10.011f, 0}), 0);
 }
 
-TEST(PolygonInsideF32, OfNoVerticesIsNothing) { EXPECT_EQ(0, inside(ShapeF{}, {0, 0})); }
+TEST(PolygonInsideF32, OfNoVerticesIsNothing) { EXPECT_EQ(inside(ShapeF{}, {0, 0}), 0); }
 
 TEST(PolygonInsideF32, OfOneVertexIsThatPointWithinTheTolerance) {
-  EXPECT_EQ(1, inside(ShapeF{{3, 4}}, {3.005f, 3.995f}));
-  EXPECT_EQ(0, inside(ShapeF{{3, 4}}, {3.02f, 4}));
+  EXPECT_EQ(inside(ShapeF{{3, 4}}, {3.005f, 3.995f}), 1);
+  EXPECT_EQ(inside(ShapeF{{3, 4}}, {3.02f, 4}), 0);
 }
 
 TEST(PolygonInsideF32, ReadsNothingBehindTheLastVertex) {
   GuardedPolygonF guarded(toFloat(squareOfTen));
   const Point_f32 p = {5, 5};
-  EXPECT_EQ(1, IP_Polygon_IsInside_f32(guarded.get(), &p));
+  EXPECT_EQ(IP_Polygon_IsInside_f32(guarded.get(), &p), 1);
 }
 
 TEST(PolygonInsideF32, OfAnyPolygonFollowsTheTolerantOrientations) {
@@ -329,7 +329,7 @@ TEST(PolygonInsideF32, OfAnyPolygonFollowsTheTolerantOrientations) {
     const ShapeF s = anyShapeF(random, 8);
     const ShapeF points = anyShapeF(random, 6);
     for (Point_f32 p : points) {
-      ASSERT_EQ(model::isInsideContour(s, p, 1), inside(s, p)) << text(s) << "at " << p.x << "," << p.y;
+      ASSERT_EQ(inside(s, p), model::isInsideContour(s, p, 1)) << text(s) << "at " << p.x << "," << p.y;
       hits += inside(s, p);
     }
   }
@@ -345,51 +345,51 @@ Slots slotsOf(const Shape& s) { return PolygonS(s).slots(); }
 TEST(PolygonErase, MovesTheLaterVerticesDownAndLeavesTheFreedSlot) {
   GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}, {4, -4}});
   IP_Polygon_Erase(p.get(), 1);
-  EXPECT_EQ(3u, p.count());
-  EXPECT_EQ(slotsOf({{1, -1}, {3, -3}, {4, -4}, {4, -4}}), p.slots());
+  EXPECT_EQ(p.count(), 3u);
+  EXPECT_EQ(p.slots(), slotsOf({{1, -1}, {3, -3}, {4, -4}, {4, -4}}));
 }
 
 TEST(PolygonErase, OfTheFirstVertexMovesAllOthers) {
   GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
   IP_Polygon_Erase(p.get(), 0);
-  EXPECT_EQ(2u, p.count());
-  EXPECT_EQ(slotsOf({{2, -2}, {3, -3}, {3, -3}}), p.slots());
+  EXPECT_EQ(p.count(), 2u);
+  EXPECT_EQ(p.slots(), slotsOf({{2, -2}, {3, -3}, {3, -3}}));
 }
 
 TEST(PolygonErase, OfTheLastVertexMovesNone) {
   GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
   IP_Polygon_Erase(p.get(), 2);
-  EXPECT_EQ(2u, p.count());
-  EXPECT_EQ(slotsOf({{1, -1}, {2, -2}, {3, -3}}), p.slots());
+  EXPECT_EQ(p.count(), 2u);
+  EXPECT_EQ(p.slots(), slotsOf({{1, -1}, {2, -2}, {3, -3}}));
 }
 
 TEST(PolygonErase, OfTheOnlyVertexLeavesNone) {
   GuardedPolygonS p(Shape{{1, -1}});
   IP_Polygon_Erase(p.get(), 0);
-  EXPECT_EQ(0u, p.count());
+  EXPECT_EQ(p.count(), 0u);
 }
 
 TEST(PolygonErase, OfAnIndexThatIsNoVertexChangesNothing) {
   for (uint32_t index : {3u, 4u, 0x80000000u, 0xFFFFFFFFu}) {
     GuardedPolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}});
     IP_Polygon_Erase(p.get(), index);
-    EXPECT_EQ(3u, p.count()) << index;
-    EXPECT_EQ(slotsOf({{1, -1}, {2, -2}, {3, -3}}), p.slots()) << index;
+    EXPECT_EQ(p.count(), 3u) << index;
+    EXPECT_EQ(p.slots(), slotsOf({{1, -1}, {2, -2}, {3, -3}})) << index;
   }
 }
 
 TEST(PolygonErase, OfAnEmptyPolygonChangesNothing) {
   GuardedPolygonS p(Shape{});
   IP_Polygon_Erase(p.get(), 0);
-  EXPECT_EQ(0u, p.count());
+  EXPECT_EQ(p.count(), 0u);
 }
 
 TEST(PolygonErase, StaysWithinTheVerticesInUse) {
   // Two vertices in use of four stored: the others are not moved.
   PolygonS p(Shape{{1, -1}, {2, -2}, {3, -3}, {4, -4}}, 2);
   IP_Polygon_Erase(p.get(), 0);
-  EXPECT_EQ(1u, p.count());
-  EXPECT_EQ(slotsOf({{2, -2}, {2, -2}, {3, -3}, {4, -4}}), p.slots());
+  EXPECT_EQ(p.count(), 1u);
+  EXPECT_EQ(p.slots(), slotsOf({{2, -2}, {2, -2}, {3, -3}, {4, -4}}));
 }
 
 TEST(PolygonEraseF32, MovesBitsNotNumbers) {
@@ -397,15 +397,15 @@ TEST(PolygonEraseF32, MovesBitsNotNumbers) {
   std::vector<Point_s32> bits = {{1, 1}, {2, 2}, {0x7F812345, INT32_MIN}};
   StoredPolygon<Point_s32, Guarded<uint32_t>> p(bits);
   IP_Polygon_Erase_f32(reinterpret_cast<Polygon_f32*>(p.get()), 0);
-  EXPECT_EQ(2u, p.count());
-  EXPECT_EQ(slotsOf({{2, 2}, {0x7F812345, INT32_MIN}, {0x7F812345, INT32_MIN}}), p.slots());
+  EXPECT_EQ(p.count(), 2u);
+  EXPECT_EQ(p.slots(), slotsOf({{2, 2}, {0x7F812345, INT32_MIN}, {0x7F812345, INT32_MIN}}));
 }
 
 TEST(PolygonEraseF32, OfAnIndexThatIsNoVertexChangesNothing) {
   GuardedPolygonF p(ShapeF{{1, -1}, {2, -2}});
   IP_Polygon_Erase_f32(p.get(), 2);
-  EXPECT_EQ(2u, p.count());
-  EXPECT_EQ(PolygonF(ShapeF{{1, -1}, {2, -2}}).slots(), p.slots());
+  EXPECT_EQ(p.count(), 2u);
+  EXPECT_EQ(p.slots(), PolygonF(ShapeF{{1, -1}, {2, -2}}).slots());
 }
 
 template <class Point>
@@ -421,69 +421,69 @@ Slots thinned(const Shape& s) { return remaining(s, IP_Polygon_RemoveCollinearPo
 Slots thinned(const ShapeF& s) { return remaining(s, IP_Polygon_RemoveCollinearPoints_f32); }
 
 TEST(RemoveCollinear, DropsAVertexInsideAStraightSide) {
-  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(thinned(Shape{{0, 0}, {5, 0}, {10, 0}, {10, 10}, {0, 10}}), slotsOf(squareOfTen));
 }
 
-TEST(RemoveCollinear, KeepsASquare) { EXPECT_EQ(slotsOf(squareOfTen), thinned(squareOfTen)); }
+TEST(RemoveCollinear, KeepsASquare) { EXPECT_EQ(thinned(squareOfTen), slotsOf(squareOfTen)); }
 
 TEST(RemoveCollinear, DropsTheFirstVertexWhereTheWalkWraps) {
-  EXPECT_EQ(slotsOf({{10, 0}, {10, 10}, {0, 10}, {0, 0}}), thinned(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}));
+  EXPECT_EQ(thinned(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}}), slotsOf({{10, 0}, {10, 10}, {0, 10}, {0, 0}}));
 }
 
 TEST(RemoveCollinear, DropsARepeatedVertex) {
-  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {10, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(thinned(Shape{{0, 0}, {10, 0}, {10, 0}, {10, 0}, {10, 10}, {0, 10}}), slotsOf(squareOfTen));
 }
 
 TEST(RemoveCollinear, DropsASpikeThatDoublesBack) {
-  EXPECT_EQ(slotsOf(squareOfTen), thinned(Shape{{0, 0}, {20, 0}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(thinned(Shape{{0, 0}, {20, 0}, {10, 0}, {10, 10}, {0, 10}}), slotsOf(squareOfTen));
 }
 
 TEST(RemoveCollinear, LeavesNothingOfALine) {
-  EXPECT_EQ(Slots(), thinned(Shape{{0, 0}, {1, 1}, {2, 2}}));
-  EXPECT_EQ(Slots(), thinned(Shape{{0, 0}, {4, 2}, {2, 1}, {-6, -3}, {0, 0}}));
+  EXPECT_EQ(thinned(Shape{{0, 0}, {1, 1}, {2, 2}}), Slots());
+  EXPECT_EQ(thinned(Shape{{0, 0}, {4, 2}, {2, 1}, {-6, -3}, {0, 0}}), Slots());
 }
 
 TEST(RemoveCollinear, LeavesNothingBelowThreeVertices) {
-  EXPECT_EQ(Slots(), thinned(Shape{}));
-  EXPECT_EQ(Slots(), thinned(Shape{{3, 4}}));
-  EXPECT_EQ(Slots(), thinned(Shape{{3, 4}, {5, 9}}));
+  EXPECT_EQ(thinned(Shape{}), Slots());
+  EXPECT_EQ(thinned(Shape{{3, 4}}), Slots());
+  EXPECT_EQ(thinned(Shape{{3, 4}, {5, 9}}), Slots());
 }
 
 TEST(RemoveCollinear, StaysWithinThePolygon) {
   GuardedPolygonS p(Shape{{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}});
   IP_Polygon_RemoveCollinearPoints(p.get());
-  EXPECT_EQ(4u, p.count());
+  EXPECT_EQ(p.count(), 4u);
 }
 
 TEST(RemoveCollinear, OfAnyIntegersFollowsTheWalk) {
   Random random(37);
   for (int round = 0; round < 3000; round++) {
     const Shape s = round % 3 ? anyShape(random, 8, 2) : extremeShape(random, 8);
-    ASSERT_EQ(slotsOf(model::withoutCollinearPoints(s)), thinned(s)) << text(s);
+    ASSERT_EQ(thinned(s), slotsOf(model::withoutCollinearPoints(s))) << text(s);
   }
 }
 
 TEST(RemoveCollinearF32, DropsAVertexWithinTheToleranceOfASide) {
-  EXPECT_EQ(PolygonF(toFloat(squareOfTen)).slots(), thinned(ShapeF{{0, 0}, {5, 0.005f}, {10, 0}, {10, 10}, {0, 10}}));
+  EXPECT_EQ(thinned(ShapeF{{0, 0}, {5, 0.005f}, {10, 0}, {10, 10}, {0, 10}}), PolygonF(toFloat(squareOfTen)).slots());
 }
 
 TEST(RemoveCollinearF32, KeepsAVertexBeyondTheTolerance) {
   const ShapeF bent = {{0, 0}, {5, 0.02f}, {10, 0}, {10, 10}, {0, 10}};
-  EXPECT_EQ(PolygonF(bent).slots(), thinned(bent));
+  EXPECT_EQ(thinned(bent), PolygonF(bent).slots());
 }
 
 TEST(RemoveCollinearF32, LeavesNothingOfALineOrOfFewerThanThreeVertices) {
-  EXPECT_EQ(Slots(), thinned(ShapeF{{0, 0}, {1, 1}, {2, 2}}));
-  EXPECT_EQ(Slots(), thinned(ShapeF{{3, 4}, {5, 9}}));
-  EXPECT_EQ(Slots(), thinned(ShapeF{{3, 4}}));
-  EXPECT_EQ(Slots(), thinned(ShapeF{}));
+  EXPECT_EQ(thinned(ShapeF{{0, 0}, {1, 1}, {2, 2}}), Slots());
+  EXPECT_EQ(thinned(ShapeF{{3, 4}, {5, 9}}), Slots());
+  EXPECT_EQ(thinned(ShapeF{{3, 4}}), Slots());
+  EXPECT_EQ(thinned(ShapeF{}), Slots());
 }
 
 TEST(RemoveCollinearF32, OfAnyPolygonFollowsTheWalk) {
   Random random(38);
   for (int round = 0; round < 2000; round++) {
     const ShapeF s = anyShapeF(random, 8);
-    ASSERT_EQ(PolygonF(model::withoutCollinearPoints(s)).slots(), thinned(s)) << text(s);
+    ASSERT_EQ(thinned(s), PolygonF(model::withoutCollinearPoints(s)).slots()) << text(s);
   }
 }
 
@@ -493,48 +493,48 @@ int32_t side(const Shape& s, Point_s32 p) { return IP_Polyline_Orientation(Polyg
 int32_t side(const ShapeF& s, Point_f32 p) { return IP_Polyline_Orientation_f32(PolygonF(s).get(), &p); }
 
 TEST(PolylineSide, HasTheSignOfTheOrientation) {
-  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}}, {5, 3}));
-  EXPECT_EQ(1, side(Shape{{0, 0}, {10, 0}}, {5, -3}));
-  EXPECT_EQ(0, side(Shape{{0, 0}, {10, 0}}, {25, 0}));
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}}, {5, 3}), -1);
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}}, {5, -3}), 1);
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}}, {25, 0}), 0);
 }
 
 TEST(PolylineSide, IsUndefinedBelowTwoVertices) {
-  EXPECT_EQ(-2, side(Shape{}, {5, 3}));
-  EXPECT_EQ(-2, side(Shape{{0, 0}}, {5, 3}));
+  EXPECT_EQ(side(Shape{}, {5, 3}), -2);
+  EXPECT_EQ(side(Shape{{0, 0}}, {5, 3}), -2);
 }
 
 TEST(PolylineSide, IsUndefinedForNullPointers) {
   PolygonS line(Shape{{0, 0}, {10, 0}});
   const Point_s32 p = {5, 3};
-  EXPECT_EQ(-2, IP_Polyline_Orientation(nullptr, &p));
-  EXPECT_EQ(-2, IP_Polyline_Orientation(line.get(), nullptr));
+  EXPECT_EQ(IP_Polyline_Orientation(nullptr, &p), -2);
+  EXPECT_EQ(IP_Polyline_Orientation(line.get(), nullptr), -2);
 }
 
 TEST(PolylineSide, HasNoClosingSegment) {
   // The point lies on the line from the last vertex back to the first, which is no segment.
-  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {3, 3}));
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, 10}}, {3, 3}), -1);
 }
 
 TEST(PolylineSide, OfEquallyNearSegmentsTakesTheFirst) {
   // At distance 3 from both lines, to the right of the first and to the left of the second.
-  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {7, 3}));
-  EXPECT_EQ(1, side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}));
-  EXPECT_EQ(1, side(Shape{{0, 0}, {10, 0}, {10, -10}}, {7, -3}));
-  EXPECT_EQ(-1, side(Shape{{0, 0}, {10, 0}, {10, 10}}, {13, 3}));
-  EXPECT_EQ(1, side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}));
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, 10}}, {7, 3}), -1);
+  EXPECT_EQ(side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}), 1);
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, -10}}, {7, -3}), 1);
+  EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, 10}}, {13, 3}), -1);
+  EXPECT_EQ(side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}), 1);
 }
 
 TEST(PolylineSide, GoesByALineThatPassesNearEvenIfItsSegmentIsFar) {
   // The second segment's line runs through y = 20, 1 above the point; the segment itself is 80 away.
-  EXPECT_EQ(1, side(Shape{{0, 10}, {20, 10}, {100, 20}, {120, 20}}, {0, 19}));
+  EXPECT_EQ(side(Shape{{0, 10}, {20, 10}, {100, 20}, {120, 20}}, {0, 19}), 1);
 }
 
-TEST(PolylineSide, OfASegmentWithoutLengthIsZero) { EXPECT_EQ(0, side(Shape{{0, 0}, {10, 0}, {10, 0}}, {5, 3})); }
+TEST(PolylineSide, OfASegmentWithoutLengthIsZero) { EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, 0}}, {5, 3}), 0); }
 
 TEST(PolylineSide, ReadsNothingBehindTheLastVertex) {
   GuardedPolygonS guarded(Shape{{0, 0}, {10, 0}});
   const Point_s32 p = {5, 3};
-  EXPECT_EQ(-1, IP_Polyline_Orientation(guarded.get(), &p));
+  EXPECT_EQ(IP_Polyline_Orientation(guarded.get(), &p), -1);
 }
 
 TEST(PolylineSide, OfAnyIntegersFollowsTheWrappedDistances) {
@@ -543,28 +543,28 @@ TEST(PolylineSide, OfAnyIntegersFollowsTheWrappedDistances) {
     const Shape s = round % 2 ? anyShape(random, 6, 10) : extremeShape(random, 6);
     const Point_s32 p = round % 2 ? Point_s32{random.between(-12, 12), random.between(-12, 12)}
                                   : Point_s32{anyInteger(random), anyInteger(random)};
-    ASSERT_EQ(model::polylineOrientation(s, p), side(s, p)) << text(s) << "at " << p.x << "," << p.y;
+    ASSERT_EQ(side(s, p), model::polylineOrientation(s, p)) << text(s) << "at " << p.x << "," << p.y;
   }
 }
 
 TEST(PolylineSideF32, HasTheSignOfTheOrientation) {
-  EXPECT_EQ(-1, side(ShapeF{{0, 0}, {10, 0}}, {5, 3}));
-  EXPECT_EQ(1, side(ShapeF{{0, 0}, {10, 0}}, {5, -3}));
-  EXPECT_EQ(0, side(ShapeF{{0, 0}, {10, 0}}, {25, 0.005f}));
+  EXPECT_EQ(side(ShapeF{{0, 0}, {10, 0}}, {5, 3}), -1);
+  EXPECT_EQ(side(ShapeF{{0, 0}, {10, 0}}, {5, -3}), 1);
+  EXPECT_EQ(side(ShapeF{{0, 0}, {10, 0}}, {25, 0.005f}), 0);
 }
 
 TEST(PolylineSideF32, IsUndefinedForNullPointersAndBelowTwoVertices) {
   PolygonF line(ShapeF{{0, 0}, {10, 0}});
   const Point_f32 p = {5, 3};
-  EXPECT_EQ(-2, IP_Polyline_Orientation_f32(nullptr, &p));
-  EXPECT_EQ(-2, IP_Polyline_Orientation_f32(line.get(), nullptr));
-  EXPECT_EQ(-2, side(ShapeF{}, {5, 3}));
-  EXPECT_EQ(-2, side(ShapeF{{0, 0}}, {5, 3}));
+  EXPECT_EQ(IP_Polyline_Orientation_f32(nullptr, &p), -2);
+  EXPECT_EQ(IP_Polyline_Orientation_f32(line.get(), nullptr), -2);
+  EXPECT_EQ(side(ShapeF{}, {5, 3}), -2);
+  EXPECT_EQ(side(ShapeF{{0, 0}}, {5, 3}), -2);
 }
 
 TEST(PolylineSideF32, IsUndefinedWhereEveryDistanceOverflows) {
-  EXPECT_EQ(-2, side(ShapeF{{0, 0}, {1, 0}}, {0, 1e30f}));
-  EXPECT_EQ(-2, side(ShapeF{{0, 0}, {1, 0}}, {0, std::numeric_limits<float>::quiet_NaN()}));
+  EXPECT_EQ(side(ShapeF{{0, 0}, {1, 0}}, {0, 1e30f}), -2);
+  EXPECT_EQ(side(ShapeF{{0, 0}, {1, 0}}, {0, std::numeric_limits<float>::quiet_NaN()}), -2);
 }
 
 TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
@@ -572,7 +572,7 @@ TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
   for (int round = 0; round < 3000; round++) {
     const ShapeF s = anyShapeF(random, 6);
     const Point_f32 p = {anyWithin(random, 2), anyWithin(random, 2)};
-    ASSERT_EQ(model::polylineOrientation(s, p), side(s, p)) << text(s) << "at " << p.x << "," << p.y;
+    ASSERT_EQ(side(s, p), model::polylineOrientation(s, p)) << text(s) << "at " << p.x << "," << p.y;
   }
 }
 
@@ -580,43 +580,43 @@ TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
 
 float distance(const ShapeF& s, Point_f32 p) { return IP_Polygon_SquaredDist(PolygonF(s).get(), &p); }
 
-TEST(PolygonDistance, FromOutsideGoesToTheNearestCorner) { EXPECT_EQ(29.0f, distance(toFloat(squareOfTen), {12, 15})); }
+TEST(PolygonDistance, FromOutsideGoesToTheNearestCorner) { EXPECT_EQ(distance(toFloat(squareOfTen), {12, 15}), 29.0f); }
 
 TEST(PolygonDistance, FromInsideGoesToTheNearestSide) {
-  EXPECT_EQ(25.0f, distance(toFloat(squareOfTen), {5, 5}));
-  EXPECT_EQ(4.0f, distance(toFloat(squareOfTen), {8, 5}));
+  EXPECT_EQ(distance(toFloat(squareOfTen), {5, 5}), 25.0f);
+  EXPECT_EQ(distance(toFloat(squareOfTen), {8, 5}), 4.0f);
 }
 
-TEST(PolygonDistance, OnTheOutlineIsZero) { EXPECT_EQ(0.0f, distance(toFloat(squareOfTen), {10, 5})); }
+TEST(PolygonDistance, OnTheOutlineIsZero) { EXPECT_EQ(distance(toFloat(squareOfTen), {10, 5}), 0.0f); }
 
 TEST(PolygonDistance, CountsTheClosingEdge) {
-  EXPECT_EQ(1.0f, distance({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, {1, 50}));
+  EXPECT_EQ(distance({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, {1, 50}), 1.0f);
 }
 
-TEST(PolygonDistance, OfNoVerticesIsTheLargestFloat) { EXPECT_EQ(3.4028235e38f, distance({}, {0, 0})); }
+TEST(PolygonDistance, OfNoVerticesIsTheLargestFloat) { EXPECT_EQ(distance({}, {0, 0}), 3.4028235e38f); }
 
-TEST(PolygonDistance, OfOneVertexIsToThatVertex) { EXPECT_EQ(25.0f, distance({{3, 4}}, {0, 0})); }
+TEST(PolygonDistance, OfOneVertexIsToThatVertex) { EXPECT_EQ(distance({{3, 4}}, {0, 0}), 25.0f); }
 
 TEST(PolygonDistance, OfAnEdgeShorterThanATenthGoesToItsNearerEnd) {
   // Between the ends the foot would be 1 away; the ends are a little farther.
   const float atEnd = 0.04f * 0.04f + 1.0f;
-  EXPECT_EQ(atEnd, distance({{-0.05f, 0}, {0.04f, 0}}, {0, 1}));
-  EXPECT_EQ(atEnd, distance({{0.04f, 0}, {-0.05f, 0}}, {0, 1}));
+  EXPECT_EQ(distance({{-0.05f, 0}, {0.04f, 0}}, {0, 1}), atEnd);
+  EXPECT_EQ(distance({{0.04f, 0}, {-0.05f, 0}}, {0, 1}), atEnd);
 }
 
 TEST(PolygonDistance, OfAnEdgeOfATenthAndMoreUsesTheFoot) {
-  EXPECT_EQ(1.0f, distance({{-0.06f, 0}, {0.06f, 0}}, {0, 1}));
+  EXPECT_EQ(distance({{-0.06f, 0}, {0.06f, 0}}, {0, 1}), 1.0f);
 }
 
 TEST(PolygonDistance, LeavesOutEdgesWhoseFootIsNoNumber) {
   // The squared length of the long edges overflows.
-  EXPECT_EQ(3.4028235e38f, distance({{-1e25f, 0}, {1e25f, 0}}, {0, 1}));
+  EXPECT_EQ(distance({{-1e25f, 0}, {1e25f, 0}}, {0, 1}), 3.4028235e38f);
 }
 
 TEST(PolygonDistance, ReadsNothingBehindTheLastVertex) {
   GuardedPolygonF guarded(toFloat(squareOfTen));
   const Point_f32 p = {5, 5};
-  EXPECT_EQ(25.0f, IP_Polygon_SquaredDist(guarded.get(), &p));
+  EXPECT_EQ(IP_Polygon_SquaredDist(guarded.get(), &p), 25.0f);
 }
 
 TEST(PolygonDistance, HasTheBitsOfTheDocumentedSteps) {

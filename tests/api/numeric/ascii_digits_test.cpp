@@ -159,9 +159,9 @@ TEST(PrintNumAsAscii, PrintsWhatFollowsTheDrawingsInMemory) {
   for (uint32_t number = 3; number < 1000; number += 41) numbers.push_back(number);
   for (uint32_t number : numbers) {
     const std::vector<std::string> wanted = linesOf(block.printed(number)), got = linesOf(print(number).text);
-    ASSERT_EQ(wanted.size(), got.size()) << number;
+    ASSERT_EQ(got.size(), wanted.size()) << number;
     for (size_t line = 0; line < wanted.size(); ++line)
-      ASSERT_EQ(wanted[line], got[line]) << number << ", line " << line;
+      ASSERT_EQ(got[line], wanted[line]) << number << ", line " << line;
   }
 }
 

@@ -69,8 +69,8 @@ void expectAsTheModel(const Function& f, uint32_t maxEval, double a, double b, d
   SCOPED_TRACE(testing::Message() << "at most " << maxEval << " in [" << a << ", " << b << "], tolerance " << tol);
   model::Search wanted = model::goldenSection(f, maxEval, a, b, tol);
   const Found got = search(f, maxEval, a, b, tol, side);
-  ASSERT_EQ(wanted.evaluations, got.result.evaluations);
-  ASSERT_EQ(wanted.iterations, got.result.iterations);
+  ASSERT_EQ(got.result.evaluations, wanted.evaluations);
+  ASSERT_EQ(got.result.iterations, wanted.iterations);
   EXPECT_TRUE(identical(wanted.xs, got.asked));
   wanted.xs.resize(got.xs.size(), unwritten);
   wanted.fs.resize(got.fs.size(), unwritten);

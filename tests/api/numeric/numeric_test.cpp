@@ -73,31 +73,31 @@ uint16_t expectedSelection(Values& a) {
 
 TEST(Median, OfOneValueIsThatValue) {
   const Selection s = select({5});
-  EXPECT_EQ(1u, s.status);
-  EXPECT_EQ(5, s.median);
+  EXPECT_EQ(s.status, 1u);
+  EXPECT_EQ(s.median, 5);
 }
 
 TEST(Median, OfTwoValuesIsTheSmallerAndSortsThem) {
   const Selection s = select({7, 3});
-  EXPECT_EQ(1u, s.status);
-  EXPECT_EQ(3, s.median);
-  EXPECT_EQ((Values{3, 7}), s.values);
+  EXPECT_EQ(s.status, 1u);
+  EXPECT_EQ(s.median, 3);
+  EXPECT_EQ(s.values, (Values{3, 7}));
 }
 
-TEST(Median, OfTwoSortedValuesLeavesThem) { EXPECT_EQ((Values{3, 7}), select({3, 7}).values); }
+TEST(Median, OfTwoSortedValuesLeavesThem) { EXPECT_EQ(select({3, 7}).values, (Values{3, 7})); }
 
-TEST(Median, OfFourValuesIsTheLowerMiddle) { EXPECT_EQ(2, select({4, 1, 3, 2}).median); }
+TEST(Median, OfFourValuesIsTheLowerMiddle) { EXPECT_EQ(select({4, 1, 3, 2}).median, 2); }
 
-TEST(Median, OfThreeEqualValuesIsThatValue) { EXPECT_EQ(9, select({9, 9, 9}).median); }
+TEST(Median, OfThreeEqualValuesIsThatValue) { EXPECT_EQ(select({9, 9, 9}).median, 9); }
 
-TEST(Median, ComparesWithoutASign) { EXPECT_EQ(0x8000, select({0xFFFF, 1, 0x8000}).median); }
+TEST(Median, ComparesWithoutASign) { EXPECT_EQ(select({0xFFFF, 1, 0x8000}).median, 0x8000); }
 
 TEST(Median, RefusesNullPointersAndNoValues) {
   uint16_t values[3] = {3, 2, 1}, median = 77;
-  EXPECT_EQ(0u, IP_Utl_Median_u16(nullptr, 3, &median));
-  EXPECT_EQ(0u, IP_Utl_Median_u16(values, 3, nullptr));
-  EXPECT_EQ(0u, IP_Utl_Median_u16(values, 0, &median));
-  EXPECT_EQ(77, median);
+  EXPECT_EQ(IP_Utl_Median_u16(nullptr, 3, &median), 0u);
+  EXPECT_EQ(IP_Utl_Median_u16(values, 3, nullptr), 0u);
+  EXPECT_EQ(IP_Utl_Median_u16(values, 0, &median), 0u);
+  EXPECT_EQ(median, 77);
   EXPECT_EQ((Values{3, 2, 1}), Values(values, values + 3));
 }
 
@@ -106,16 +106,16 @@ TEST(Median, RefusesMoreValuesThanItCanIndex) {
   values[0] = 9;
   const Values before = values;
   uint16_t median = 77;
-  EXPECT_EQ(0u, IP_Utl_Median_u16(values.data(), 65537, &median));
-  EXPECT_EQ(77, median);
+  EXPECT_EQ(IP_Utl_Median_u16(values.data(), 65537, &median), 0u);
+  EXPECT_EQ(median, 77);
   EXPECT_TRUE(before == values);
 }
 
 TEST(Median, MayBeWrittenIntoTheValues) {
   Values values = {4, 1, 3, 2, 5}, wanted = values;
   wanted[4] = expectedSelection(wanted);
-  EXPECT_EQ(1u, IP_Utl_Median_u16(values.data(), 5, &values[4]));
-  EXPECT_EQ(wanted, values);
+  EXPECT_EQ(IP_Utl_Median_u16(values.data(), 5, &values[4]), 1u);
+  EXPECT_EQ(values, wanted);
 }
 
 TEST(Median, OfEveryOrderOfSixValuesFollowsTheSelection) {
@@ -123,12 +123,12 @@ TEST(Median, OfEveryOrderOfSixValuesFollowsTheSelection) {
   do {
     Values wanted = order;
     const uint16_t median = expectedSelection(wanted);
-    ASSERT_EQ(3, median);
+    ASSERT_EQ(median, 3);
     Values values = order;
     uint16_t got = 0;
     IP_Utl_Median_u16(values.data(), 6, &got);
-    ASSERT_EQ(median, got);
-    ASSERT_EQ(wanted, values);
+    ASSERT_EQ(got, median);
+    ASSERT_EQ(values, wanted);
   } while (std::next_permutation(order.begin(), order.end()));
 }
 
@@ -142,10 +142,10 @@ TEST(Median, OfAnyValuesFollowsTheSelection) {
     const uint16_t median = expectedSelection(wanted);
     std::sort(sorted.begin(), sorted.end());
     const Selection s = select(values, round % 2 ? Guard::before : Guard::behind);
-    ASSERT_EQ(1u, s.status);
-    ASSERT_EQ(sorted[(count - 1) / 2], s.median) << "of " << count;
-    ASSERT_EQ(median, s.median);
-    ASSERT_EQ(wanted, s.values) << "of " << count;
+    ASSERT_EQ(s.status, 1u);
+    ASSERT_EQ(s.median, sorted[(count - 1) / 2]) << "of " << count;
+    ASSERT_EQ(s.median, median);
+    ASSERT_EQ(s.values, wanted) << "of " << count;
   }
 }
 
@@ -156,7 +156,7 @@ TEST(Median, OfSortedAndReversedValuesFollowsTheSelection) {
     for (int direction = 0; direction < 2; direction++) {
       Values wanted = values;
       expectedSelection(wanted);
-      EXPECT_EQ(wanted, select(values).values) << count;
+      EXPECT_EQ(select(values).values, wanted) << count;
       std::reverse(values.begin(), values.end());
     }
   }
@@ -164,8 +164,8 @@ TEST(Median, OfSortedAndReversedValuesFollowsTheSelection) {
 
 TEST(Median, Of65535EqualValuesIsThatValue) {
   const Selection s = select(Values(65535, 1234));
-  EXPECT_EQ(1u, s.status);
-  EXPECT_EQ(1234, s.median);
+  EXPECT_EQ(s.status, 1u);
+  EXPECT_EQ(s.median, 1234);
 }
 
 TEST(Median, OfTheLargestCountFollowsTheSelection) {
@@ -174,7 +174,7 @@ TEST(Median, OfTheLargestCountFollowsTheSelection) {
   Values wanted = values;
   const uint16_t median = expectedSelection(wanted);
   const Selection s = select(values);
-  EXPECT_EQ(median, s.median);
+  EXPECT_EQ(s.median, median);
   EXPECT_TRUE(wanted == s.values);
 }
 
@@ -191,7 +191,7 @@ Order sortIndices(const Values& keys, uint32_t mode) {
   const Guarded<uint16_t> guardedKeys(keys), indices(Values(keys.size(), untouched));
   const uint32_t status =
       IP_Utl_RadixIdxSort(guardedKeys.data(), indices.data(), static_cast<uint32_t>(keys.size()), mode);
-  EXPECT_EQ(keys, guardedKeys.values());
+  EXPECT_EQ(guardedKeys.values(), keys);
   return {status, indices.values()};
 }
 
@@ -205,52 +205,52 @@ Values stableOrder(const Values& keys, uint32_t mode) {
 
 TEST(RadixSort, KeepsEqualKeysInTheirOrder) {
   const Order o = sortIndices({300, 5, 300, 0}, 0);
-  EXPECT_EQ(1u, o.status);
-  EXPECT_EQ((Values{3, 1, 0, 2}), o.indices);
+  EXPECT_EQ(o.status, 1u);
+  EXPECT_EQ(o.indices, (Values{3, 1, 0, 2}));
 }
 
 TEST(RadixSort, OfSignedKeysPutsNegativeOnesFirst) {
-  EXPECT_EQ((Values{2, 0, 3, 1}), sortIndices({0xFFFF, 1, 0x8000, 0}, 1).indices);
+  EXPECT_EQ(sortIndices({0xFFFF, 1, 0x8000, 0}, 1).indices, (Values{2, 0, 3, 1}));
 }
 
 TEST(RadixSort, OfUnsignedKeysPutsTheSamePatternsLast) {
-  EXPECT_EQ((Values{3, 1, 2, 0}), sortIndices({0xFFFF, 1, 0x8000, 0}, 0).indices);
+  EXPECT_EQ(sortIndices({0xFFFF, 1, 0x8000, 0}, 0).indices, (Values{3, 1, 2, 0}));
 }
 
 TEST(RadixSort, OfNegativeKeysTakesTheLowByteWithoutASign) {
-  EXPECT_EQ((Values{1, 0, 3, 2}), sortIndices({0x80FF, 0x8001, 0x0180, 0x017F}, 1).indices);
+  EXPECT_EQ(sortIndices({0x80FF, 0x8001, 0x0180, 0x017F}, 1).indices, (Values{1, 0, 3, 2}));
 }
 
 TEST(RadixSort, RefusesAnotherMode) {
   for (uint32_t mode : {2u, 0x80000000u, 0xFFFFFFFFu}) {
     const Order o = sortIndices({300, 5, 300, 0}, mode);
-    EXPECT_EQ(0u, o.status) << mode;
-    EXPECT_EQ(Values(4, untouched), o.indices) << mode;
+    EXPECT_EQ(o.status, 0u) << mode;
+    EXPECT_EQ(o.indices, Values(4, untouched)) << mode;
   }
 }
 
 TEST(RadixSort, RefusesNullPointers) {
   Values keys = {3, 2, 1}, indices(3, untouched);
-  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 3, 0));
-  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(keys.data(), nullptr, 3, 0));
-  EXPECT_EQ(0u, IP_Utl_RadixIdxSort(nullptr, indices.data(), 0, 0));
-  EXPECT_EQ(Values(3, untouched), indices);
+  EXPECT_EQ(IP_Utl_RadixIdxSort(nullptr, indices.data(), 3, 0), 0u);
+  EXPECT_EQ(IP_Utl_RadixIdxSort(keys.data(), nullptr, 3, 0), 0u);
+  EXPECT_EQ(IP_Utl_RadixIdxSort(nullptr, indices.data(), 0, 0), 0u);
+  EXPECT_EQ(indices, Values(3, untouched));
 }
 
 TEST(RadixSort, RefusesMoreKeysThanItCanIndex) {
   const Order o = sortIndices(Values(65537, 3), 0);
-  EXPECT_EQ(0u, o.status);
+  EXPECT_EQ(o.status, 0u);
   EXPECT_TRUE(Values(65537, untouched) == o.indices);
 }
 
 TEST(RadixSort, OfNoKeysSucceedsAndWritesNothing) {
   uint16_t key = 1, index = untouched;
-  EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 0));
-  EXPECT_EQ(1u, IP_Utl_RadixIdxSort(&key, &index, 0, 1));
+  EXPECT_EQ(IP_Utl_RadixIdxSort(&key, &index, 0, 0), 1u);
+  EXPECT_EQ(IP_Utl_RadixIdxSort(&key, &index, 0, 1), 1u);
   EXPECT_EQ(untouched, index);
 }
 
-TEST(RadixSort, OfOneKeyIsIndexZero) { EXPECT_EQ((Values{0}), sortIndices({999}, 1).indices); }
+TEST(RadixSort, OfOneKeyIsIndexZero) { EXPECT_EQ(sortIndices({999}, 1).indices, (Values{0})); }
 
 TEST(RadixSort, OfAnyKeysIsAStableSort) {
   Random random(62);
@@ -260,7 +260,7 @@ TEST(RadixSort, OfAnyKeysIsAStableSort) {
     if (round % 5 == 0) {
       for (uint16_t& key : keys) key = static_cast<uint16_t>(key << 8 | key >> 8);
     }
-    ASSERT_EQ(stableOrder(keys, mode), sortIndices(keys, mode).indices);
+    ASSERT_EQ(sortIndices(keys, mode).indices, stableOrder(keys, mode));
   }
 }
 
