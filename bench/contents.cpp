@@ -27,7 +27,7 @@ std::vector<uint16_t> full(uint32_t side) {
 
 template <uint32_t Percent>
 std::vector<uint16_t> noise(uint32_t side) {
-  test::Random random(17);
+  lab::Random random(17);
   return draw(side, [&](uint32_t, uint32_t) { return random.below(100) < Percent; });
 }
 

@@ -29,9 +29,9 @@ bool isPointOperation(const std::string& name) {
 
 }  // namespace
 
-std::vector<Limit> memoryLimits(const Scene& scene) {
+std::vector<Limit> memoryLimits(const lab::TexturedPair& pair) {
   Works works;
-  addImgprocWorks(works, scene);
+  addImgprocWorks(works, pair);
   std::vector<Limit> found;
   for (const Work& work : works)
     if (isPointOperation(work.name)) found.push_back(againstCopy(work));
@@ -40,7 +40,7 @@ std::vector<Limit> memoryLimits(const Scene& scene) {
 
 std::vector<Limit> sortingLimits() {
   constexpr uint32_t count = 65536;
-  const auto keys = std::make_shared<std::vector<uint16_t>>(test::Random(3).values<uint16_t>(count, 65536));
+  const auto keys = std::make_shared<std::vector<uint16_t>>(lab::Random(3).values<uint16_t>(count, 65536));
   const auto indices = std::make_shared<std::vector<uint16_t>>(count);
   const auto byKey = [=](uint16_t a, uint16_t b) { return (*keys)[a] < (*keys)[b]; };
   return {{"IP_Utl_RadixIdxSort", "std::stable_sort",

@@ -14,7 +14,7 @@ struct Limit {
   std::function<void()> ours, theirs;
 };
 
-std::vector<Limit> memoryLimits(const Scene& scene);
+std::vector<Limit> memoryLimits(const lab::TexturedPair& pair);
 std::vector<Limit> sortingLimits();
 
 }  // namespace nadir::bench

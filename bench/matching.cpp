@@ -5,10 +5,10 @@
 
 namespace nadir::bench {
 
-Matching::Matching(const Scene& pair)
-    : scene(pair),
-      width(pair.width),
-      height(pair.height),
+Matching::Matching(const lab::TexturedPair& matched)
+    : pair(matched),
+      width(matched.width),
+      height(matched.height),
       pixels(uint64_t{width} * height),
       censusFirst(pixels),
       censusRef(pixels),
@@ -16,8 +16,8 @@ Matching::Matching(const Scene& pair)
       cleaned(pixels),
       distinctiveness(pixels) {
   if (!IP_SgmMakeDebugData(width, height, disparities, &steps)) std::abort();
-  census(scene.first, censusFirst);
-  census(scene.reference, censusRef);
+  census(pair.first, censusFirst);
+  census(pair.reference, censusRef);
   match(&steps);
 }
 
@@ -28,15 +28,15 @@ void Matching::census(const std::vector<uint16_t>& picture, std::vector<uint32_t
 }
 
 void Matching::match(SgmDebugData* debug) {
-  IP_SgmFull(censusFirst.data(), censusRef.data(), scene.reference.data(), width, height, &params, disparity.data(),
+  IP_SgmFull(censusFirst.data(), censusRef.data(), pair.reference.data(), width, height, &params, disparity.data(),
              debug);
 }
 
-void Matching::clean() { IP_SgmPostproc(disparity.data(), scene.mask.data(), cleaned.data(), width, height); }
+void Matching::clean() { IP_SgmPostproc(disparity.data(), pair.mask.data(), cleaned.data(), width, height); }
 
 void Matching::wholeFrame() {
-  census(scene.first, censusFirst);
-  census(scene.reference, censusRef);
+  census(pair.first, censusFirst);
+  census(pair.reference, censusRef);
   match(nullptr);
   clean();
 }

@@ -14,7 +14,7 @@ struct Matching {
   static constexpr uint32_t disparities = 64;
   static constexpr SgmParams params = {disparities, 10};
 
-  Scene scene;
+  lab::TexturedPair pair;
   uint32_t width, height;
   uint64_t pixels;
   std::vector<uint32_t> censusFirst, censusRef;
@@ -22,7 +22,7 @@ struct Matching {
   std::vector<uint16_t> disparity, cleaned;
   std::vector<uint8_t> distinctiveness;
 
-  explicit Matching(const Scene& pair);
+  explicit Matching(const lab::TexturedPair& matched);
   ~Matching();
   Matching(const Matching&) = delete;
   Matching& operator=(const Matching&) = delete;

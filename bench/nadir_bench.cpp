@@ -48,12 +48,12 @@ int run(int argc, char** argv) {
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
   bool found = false;
   const std::vector<Level> present = levels();
-  for (const Scene& scene : {makeScene(320, 240), makeScene(640, 480)}) {
-    const Works works = allWorks(scene);
+  for (const lab::TexturedPair& pair : {lab::texturedPair(320, 240), lab::texturedPair(640, 480)}) {
+    const Works works = allWorks(pair);
     for (const Level& level : present) {
       if (!wanted.empty() && wanted != level.name) continue;
       found = true;
-      registerWorks(works, sizeText(scene), level);
+      registerWorks(works, lab::sizeText(pair), level);
     }
   }
   if (!found) {

@@ -40,11 +40,11 @@ void printHead(const std::vector<const char*>& names, const std::vector<Level>& 
   std::printf("|\n");
 }
 
-void printLevels(const Scene& scene) {
+void printLevels(const lab::TexturedPair& pair) {
   const std::vector<Level> all = levels();
-  std::printf("\n### %s pixels\n\n", sizeText(scene).c_str());
+  std::printf("\n### %s pixels\n\n", lab::sizeText(pair).c_str());
   printHead({""}, all);
-  for (const Work& work : allWorks(scene)) {
+  for (const Work& work : allWorks(pair)) {
     if (work.pixels == 0) continue;
     const std::vector<double> seconds = fastest(atLevels(work.run, all));
     std::printf("| %s |", work.name.c_str());
@@ -67,11 +67,11 @@ void printPeers(const std::string& size, const std::vector<Peer>& found, const s
   }
 }
 
-void printAllPeers(const Scene (&scenes)[2]) {
+void printAllPeers(const lab::TexturedPair (&pairs)[2]) {
   std::vector<Level> columns = levels();
   if (columns.size() > 1) columns.erase(columns.begin());  // a peer without vectors is none
   printHead({"size", "ours", "OpenCV"}, columns);
-  for (const Scene& scene : scenes) printPeers(sizeText(scene), peers(scene), columns);
+  for (const lab::TexturedPair& pair : pairs) printPeers(lab::sizeText(pair), peers(pair), columns);
   for (uint32_t side : {128u, 256u})
     printPeers(std::to_string(side) + "x" + std::to_string(side), componentPeers(side), columns);
   printPeers("1000x1000", polygonPeers(), columns);
@@ -91,7 +91,7 @@ void printLimits(const std::string& size, const std::vector<Limit>& found) {
 void printMatchingGrowth() {
   std::printf("| size | ratio |\n|---|--:|\n");
   const auto matchingOf = [](uint32_t width, uint32_t height) {
-    return std::make_shared<Matching>(makeScene(width, height));
+    return std::make_shared<Matching>(lab::texturedPair(width, height));
   };
   const auto usual = matchingOf(640, 480);
   const uint32_t sizes[][2] = {{160, 120}, {320, 240}, {1280, 960}, {2560, 1920}};
@@ -99,19 +99,19 @@ void printMatchingGrowth() {
     const auto other = matchingOf(size[0], size[1]);
     const std::vector<double> seconds = fastest({[&] { usual->match(nullptr); }, [&] { other->match(nullptr); }});
     const double pixels = static_cast<double>(other->pixels) / static_cast<double>(usual->pixels);
-    std::printf("| %s | %.2f |\n", sizeText(other->scene).c_str(), seconds[1] / seconds[0] / pixels);
+    std::printf("| %s | %.2f |\n", lab::sizeText(other->pair).c_str(), seconds[1] / seconds[0] / pixels);
     std::fflush(stdout);
   }
 }
 
-void printHeap(const Scene& scene) {
-  Matching matching(scene);
+void printHeap(const lab::TexturedPair& pair) {
+  Matching matching(pair);
   const double imageBytes = static_cast<double>(matching.pixels * sizeof(uint16_t));
   const auto print = [&](const char* what, const std::function<void()>& call) {
-    test::heap::watch();
+    lab::heap::watch();
     call();
-    std::printf("| %s | %s | %zu | %.3f |\n", sizeText(scene).c_str(), what, test::heap::allocations(),
-                static_cast<double>(test::heap::bytes()) / imageBytes);
+    std::printf("| %s | %s | %zu | %.3f |\n", lab::sizeText(pair).c_str(), what, lab::heap::allocations(),
+                static_cast<double>(lab::heap::bytes()) / imageBytes);
   };
   print("IP_SgmFull", [&] { matching.match(nullptr); });
   print("IP_SgmPostproc", [&] { matching.clean(); });
@@ -120,22 +120,22 @@ void printHeap(const Scene& scene) {
 
 void run() {
   const unsigned best = cpu();
-  const Scene scenes[] = {makeScene(320, 240), makeScene(640, 480)};
+  const lab::TexturedPair pairs[] = {lab::texturedPair(320, 240), lab::texturedPair(640, 480)};
   std::printf("## Vector levels\n\nSpeed as a multiple of the scalar code's, all levels in one run.\n");
-  for (const Scene& scene : scenes) printLevels(scene);
+  for (const lab::TexturedPair& pair : pairs) printLevels(pair);
   setCpu(best);
 
   std::printf(
       "\n## OpenCV\n\nIts time divided by ours, one thread each, in one run, ours at each vector level. Its matchers "
       "take 8-bit\npictures and have other costs, paths and checks: they do the same task, not the same "
       "computation.\n\n");
-  printAllPeers(scenes);
+  printAllPeers(pairs);
   setCpu(best);
 
   std::printf(
       "\n## Limits\n\nOur time divided by that of memcpy over the same bytes, or of std::stable_sort: near 1 is the "
       "machine's limit.\n\n| size | ours | against | ratio |\n|---|---|---|--:|\n");
-  for (const Scene& scene : scenes) printLimits(sizeText(scene), memoryLimits(scene));
+  for (const lab::TexturedPair& pair : pairs) printLimits(lab::sizeText(pair), memoryLimits(pair));
   printLimits("65536 keys", sortingLimits());
 
   std::printf("\n## Matching\n\nThe time of a pixel in IP_SgmFull, divided by that in a picture of 640x480.\n\n");
@@ -155,7 +155,7 @@ void run() {
 
   std::printf("\n## Memory\n\nWhat a call allocates in all, divided by the bytes of one 16-bit picture.\n\n");
   std::printf("| size | call | allocations | ratio |\n|---|---|--:|--:|\n");
-  for (const Scene& scene : scenes) printHeap(scene);
+  for (const lab::TexturedPair& pair : pairs) printHeap(pair);
 }
 
 }  // namespace

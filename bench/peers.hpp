@@ -16,7 +16,7 @@ struct Peer {
 };
 
 // Empty in a build without any of them.
-std::vector<Peer> peers(const Scene& scene);
+std::vector<Peer> peers(const lab::TexturedPair& pair);
 std::vector<Peer> componentPeers(uint32_t side);  // of square pictures
 std::vector<Peer> polygonPeers();                 // of 1000 x 1000 cells
 

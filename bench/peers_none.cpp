@@ -3,7 +3,7 @@
 
 namespace nadir::bench {
 
-std::vector<Peer> peers(const Scene&) { return {}; }
+std::vector<Peer> peers(const lab::TexturedPair&) { return {}; }
 std::vector<Peer> componentPeers(uint32_t) { return {}; }
 std::vector<Peer> polygonPeers() { return {}; }
 

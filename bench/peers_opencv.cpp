@@ -18,15 +18,15 @@
 namespace nadir::bench {
 namespace {
 
-cv::Mat picture16(const Scene& scene, const std::vector<uint16_t>& pixels) {
-  return cv::Mat(static_cast<int>(scene.height), static_cast<int>(scene.width), CV_16U,
+cv::Mat picture16(const lab::TexturedPair& pair, const std::vector<uint16_t>& pixels) {
+  return cv::Mat(static_cast<int>(pair.height), static_cast<int>(pair.width), CV_16U,
                  const_cast<uint16_t*>(pixels.data()))
       .clone();
 }
 
-cv::Mat picture8(const Scene& scene, const std::vector<uint16_t>& pixels) {
+cv::Mat picture8(const lab::TexturedPair& pair, const std::vector<uint16_t>& pixels) {
   cv::Mat out;
-  picture16(scene, pixels).convertTo(out, CV_8U, 1.0 / 16);
+  picture16(pair, pixels).convertTo(out, CV_8U, 1.0 / 16);
   return out;
 }
 
@@ -34,8 +34,8 @@ using Matchings = std::shared_ptr<Matching>;
 
 Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const std::string& ourName,
              const Matchings& matching, const Call& ours) {
-  const Scene& scene = matching->scene;
-  const cv::Mat left = picture8(scene, scene.first), right = picture8(scene, scene.reference);
+  const lab::TexturedPair& pair = matching->pair;
+  const cv::Mat left = picture8(pair, pair.first), right = picture8(pair, pair.reference);
   return {name, ourName, ours, [=] {
             cv::Mat disparity;
             theirs->compute(left, right, disparity);
@@ -48,33 +48,33 @@ cv::Ptr<cv::StereoMatcher> semiGlobal(int mode) {
   return cv::StereoSGBM::create(0, Matching::disparities, block, p1, p2, 1, 0, 10, 0, 0, mode);
 }
 
-Peer filter(const Scene& scene, const char* theirName, void (*theirs)(const cv::Mat&, cv::Mat&), const char* ourName,
-            void (*ours)(const Img*, Img*)) {
-  const auto src = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
-  const auto dst = makePicture(scene.width, scene.height, IMG_TYPE_U16, scene.reference);
-  const cv::Mat picture = picture16(scene, scene.reference);
-  return {theirName, ourName, [=] { ours(&src->img, &dst->img); },
+Peer filter(const lab::TexturedPair& pair, const char* theirName, void (*theirs)(const cv::Mat&, cv::Mat&),
+            const char* ourName, void (*ours)(const Img*, Img*)) {
+  const auto src = makePicture(pair.width, pair.height, pair.reference);
+  const auto dst = makePicture(pair.width, pair.height, pair.reference);
+  const cv::Mat picture = picture16(pair, pair.reference);
+  return {theirName, ourName, [=] { ours(&src->image, &dst->image); },
           [=, out = picture.clone()]() mutable { theirs(picture, out); }};
 }
 
-Peer median(const Scene& scene) {
+Peer median(const lab::TexturedPair& pair) {
   return filter(
-      scene, "medianBlur 3x3, 16 bits", [](const cv::Mat& src, cv::Mat& dst) { cv::medianBlur(src, dst, 3); },
+      pair, "medianBlur 3x3, 16 bits", [](const cv::Mat& src, cv::Mat& dst) { cv::medianBlur(src, dst, 3); },
       "IP_Median3x3", [](const Img* src, Img* dst) { IP_Median3x3(src, dst); });
 }
 
 // The kernel that OpenCV takes for 5 x 5 pixels without a width of its own is ours: 1 4 6 4 1.
-Peer gauss(const Scene& scene) {
+Peer gauss(const lab::TexturedPair& pair) {
   return filter(
-      scene, "GaussianBlur 5x5, 16 bits",
+      pair, "GaussianBlur 5x5, 16 bits",
       [](const cv::Mat& src, cv::Mat& dst) { cv::GaussianBlur(src, dst, cv::Size(5, 5), 0, 0, cv::BORDER_REPLICATE); },
       "IP_Gauss", [](const Img* src, Img* dst) { IP_Gauss(src, dst, 0); });
 }
 
 // Theirs takes the maximum as it is; ours knows pixels without data.
-Peer dilate(const Scene& scene) {
+Peer dilate(const lab::TexturedPair& pair) {
   return filter(
-      scene, "dilate 3x3, 16 bits",
+      pair, "dilate 3x3, 16 bits",
       [](const cv::Mat& src, cv::Mat& dst) {
         cv::dilate(src, dst, cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3)));
       },
@@ -106,8 +106,8 @@ Peer cellsInPolygon() {
 
 // Ours labels and counts; or it lists the pixels of every component besides.
 Peer components(const std::string& ours, Call (*prepare)(const Picture16&), const Content& content, uint32_t side) {
-  const Picture16 src = makePicture(side, side, IMG_TYPE_U16, content.draw(side));
-  const cv::Mat foreground = cv::Mat(src->img.height, src->img.width, CV_16U, src->pixels.data()) > 0;
+  const Picture16 src = makePicture(side, side, content.draw(side));
+  const cv::Mat foreground = cv::Mat(src->image.height, src->image.width, CV_16U, src->grid.pixels.data()) > 0;
   return {"connectedComponentsWithStats, " + content.name, ours, prepare(src), [=] {
             cv::Mat labels, stats, centroids;
             cv::connectedComponentsWithStats(foreground, labels, stats, centroids, 8, CV_32S);
@@ -126,9 +126,9 @@ std::vector<Peer> componentPeers(uint32_t side) {
   return found;
 }
 
-std::vector<Peer> peers(const Scene& scene) {
+std::vector<Peer> peers(const lab::TexturedPair& pair) {
   cv::setNumThreads(1);
-  const auto matching = std::make_shared<Matching>(scene);
+  const auto matching = std::make_shared<Matching>(pair);
   const Call match = [=] { matching->match(nullptr); }, wholeFrame = [=] { matching->wholeFrame(); };
   const auto threeWay = semiGlobal(cv::StereoSGBM::MODE_SGBM_3WAY), fourPaths = semiGlobal(cv::StereoSGBM::MODE_HH4);
   const auto blocks = cv::StereoBM::create(Matching::disparities, 15);
@@ -136,9 +136,9 @@ std::vector<Peer> peers(const Scene& scene) {
           matcher("StereoSGBM MODE_HH4, 64 disparities", fourPaths, "IP_SgmFull", matching, match),
           matcher("StereoBM, 64 disparities, blocks of 15", blocks, "IP_SgmFull", matching, match),
           matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", threeWay, "whole frame", matching, wholeFrame),
-          median(scene),
-          gauss(scene),
-          dilate(scene)};
+          median(pair),
+          gauss(pair),
+          dilate(pair)};
 }
 
 std::vector<Peer> polygonPeers() { return {cellsInPolygon()}; }

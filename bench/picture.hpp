@@ -1,28 +1,17 @@
-// An Img with memory of its own.
+// A picture that several works share.
 #pragma once
 
-#include <nadir/image.h>
-
 #include <memory>
+#include <utility>
 #include <vector>
+
+#include "lab/image.hpp"
 
 namespace nadir::bench {
 
 template <class T>
-struct Picture {
-  std::vector<T> pixels;
-  Img img;
-
-  Picture(uint32_t width, uint32_t height, uint32_t type, std::vector<T> values) : pixels(std::move(values)) {
-    Img_Init(&img, width, height, type, pixels.data());
-  }
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
-};
-
-template <class T>
-std::shared_ptr<Picture<T>> makePicture(uint32_t width, uint32_t height, uint32_t type, std::vector<T> values) {
-  return std::make_shared<Picture<T>>(width, height, type, std::move(values));
+std::shared_ptr<lab::Picture<T>> makePicture(uint32_t width, uint32_t height, std::vector<T> pixels) {
+  return std::make_shared<lab::Picture<T>>(width, height, std::move(pixels));
 }
 
 }  // namespace nadir::bench

@@ -8,12 +8,10 @@
 namespace nadir::bench {
 namespace {
 
-Picture16 likeThat(const Picture16& src) {
-  return makePicture(src->img.width, src->img.height, IMG_TYPE_U16, src->pixels);
-}
+Picture16 likeThat(const Picture16& src) { return makePicture(src->image.width, src->image.height, src->grid.pixels); }
 
 void process(const Picture16& elev, int32_t maxStep) {
-  const Img& img = elev->img;
+  const Img& img = elev->image;
   const ImgC map = {img.width, img.height, img.bytesPerPixel, img.type, img.data};
   const RgeParams params = {0, 0, 0, 0, maxStep, 0};
   IP_RGE_Process(&map, &params);
@@ -28,19 +26,19 @@ Call labelling(const Picture16& src) {
     const int32_t threshold = 0;
     Vector sizes;
     IP_CompFind_CreateComponentSizes(&sizes, memory->data(), 4096 * 2);
-    IP_CompFind_Process(&src->img, &map->img, &sizes, &threshold);
+    IP_CompFind_Process(&src->image, &map->image, &sizes, &threshold);
   };
 }
 
 Call smallBlobsRemoved(const Picture16& src) {
   const auto dst = likeThat(src);
-  return [=] { IP_ContourFilter(&src->img, &dst->img, 20); };
+  return [=] { IP_ContourFilter(&src->image, &dst->image, 20); };
 }
 
 Call componentsFound(const Picture16& src) {
   const std::shared_ptr<CompFinder> finder(IP_CompFinder_Init(), IP_CompFinder_Close);
   const auto list = std::make_shared<ComponentList>();
-  return [=] { IP_CompFinder_Process(finder.get(), &src->img, list.get()); };
+  return [=] { IP_CompFinder_Process(finder.get(), &src->image, list.get()); };
 }
 
 Call regionsMapped(const Picture16& elev, int32_t maxStep) {
@@ -48,7 +46,7 @@ Call regionsMapped(const Picture16& elev, int32_t maxStep) {
   const auto map = likeThat(elev);
   return [=] {
     process(elev, maxStep);
-    IP_RGE_CreateLabelMap(&map->img);
+    IP_RGE_CreateLabelMap(&map->image);
   };
 }
 
@@ -65,7 +63,7 @@ Call regionsGrown(const Picture16& src, int32_t maxStep) {
   const auto labels = likeThat(src);
   return [=] {
     const int32_t params[] = {0, maxStep};
-    IP_RGrow_Process(&src->img, params, &labels->img);
+    IP_RGrow_Process(&src->image, params, &labels->image);
   };
 }
 

@@ -9,7 +9,7 @@
 namespace nadir::bench {
 
 using Call = std::function<void()>;
-using Picture16 = std::shared_ptr<Picture<uint16_t>>;
+using Picture16 = std::shared_ptr<lab::Picture<uint16_t>>;
 
 Call labelling(const Picture16& src);                        // IP_CompFind_Process
 Call smallBlobsRemoved(const Picture16& src);                // IP_ContourFilter

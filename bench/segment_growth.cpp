@@ -10,9 +10,7 @@
 namespace nadir::bench {
 namespace {
 
-Picture16 square(const Content& content, uint32_t side) {
-  return makePicture(side, side, IMG_TYPE_U16, content.draw(side));
-}
+Picture16 square(const Content& content, uint32_t side) { return makePicture(side, side, content.draw(side)); }
 
 // The time of a pixel in a large picture, as a multiple of that in a small one.
 template <class Prepare>

@@ -1,4 +1,4 @@
-// The functions of segment.h, on the upper left corner of the scene where its size is beyond theirs.
+// The functions of segment.h, on the upper left corner of the pair where its size is beyond theirs.
 #include <algorithm>
 
 #include "bench/segment_calls.hpp"
@@ -7,26 +7,26 @@
 namespace nadir::bench {
 namespace {
 
-// The darker half of the scene becomes background.
-Picture16 corner(const Scene& scene, uint32_t maxSide) {
-  const uint32_t width = std::min(scene.width, maxSide), height = std::min(scene.height, maxSide);
+// The darker half of the pair becomes background.
+Picture16 corner(const lab::TexturedPair& pair, uint32_t maxSide) {
+  const uint32_t width = std::min(pair.width, maxSide), height = std::min(pair.height, maxSide);
   std::vector<uint16_t> pixels;
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x < width; ++x) {
-      const uint16_t value = scene.reference[y * scene.width + x];
+      const uint16_t value = pair.reference[y * pair.width + x];
       pixels.push_back(value > 1800 ? value : uint16_t{0});
     }
   }
-  return makePicture(width, height, IMG_TYPE_U16, std::move(pixels));
+  return makePicture(width, height, std::move(pixels));
 }
 
 }  // namespace
 
-void addSegmentWorks(Works& works, const Scene& scene) {
+void addSegmentWorks(Works& works, const lab::TexturedPair& pair) {
   constexpr int32_t maxStep = 40;
-  const Picture16 small = corner(scene, 128), middle = corner(scene, 256), large = corner(scene, 65535);
+  const Picture16 small = corner(pair, 128), middle = corner(pair, 256), large = corner(pair, 65535);
   const auto add = [&](const char* name, const Picture16& src, uint64_t bytesPerPixel, const Call& call) {
-    works.push_back({name, src->pixels.size(), bytesPerPixel * src->pixels.size(), call});
+    works.push_back({name, src->grid.pixels.size(), bytesPerPixel * src->grid.pixels.size(), call});
   };
   add("IP_CompFind_Process", small, 4, labelling(small));
   add("IP_ContourFilter", small, 4, smallBlobsRemoved(small));

@@ -13,7 +13,7 @@ constexpr uint64_t volume = Matching::disparities;  // bytes per pixel
 constexpr int32_t penaltyOne = 7;
 
 void addCostWorks(Works& works, const Shared& m) {
-  works.push_back({"IP_Census_5x5", m->pixels, 6 * m->pixels, [=] { m->census(m->scene.first, m->censusFirst); }});
+  works.push_back({"IP_Census_5x5", m->pixels, 6 * m->pixels, [=] { m->census(m->pair.first, m->censusFirst); }});
   const auto rows = [=](auto calcRow) {
     return [=] {
       for (uint32_t y = 0; y < m->height; ++y) {
@@ -27,7 +27,7 @@ void addCostWorks(Works& works, const Shared& m) {
   works.push_back({"SGM_CalcDsiRow", m->pixels, bytes, rows(SGM_CalcDsiRow)});
   works.push_back({"SGM_CalcDsiRow_neon", m->pixels, bytes, rows(SGM_CalcDsiRow_neon)});
   works.push_back({"SGM_CalcP2", m->pixels, 6 * m->pixels, [=] {
-                     SGM_CalcP2(m->scene.reference.data(), m->width, m->height, m->steps.p2Left, m->steps.p2UpLeft,
+                     SGM_CalcP2(m->pair.reference.data(), m->width, m->height, m->steps.p2Left, m->steps.p2UpLeft,
                                 m->steps.p2Up, m->steps.p2UpRight);
                    }});
 }
@@ -107,7 +107,7 @@ void addFrameWorks(Works& works, const Shared& m) {
   works.push_back({"IP_SgmFull with debug data", m->pixels, matchBytes + (2 * volume + 5) * m->pixels,
                    [=] { m->match(&m->steps); }});
   works.push_back({"IP_Sgm", m->pixels, 11 * m->pixels, [=] {
-                     IP_Sgm(m->censusFirst.data(), m->censusRef.data(), m->scene.reference.data(), m->width, m->height,
+                     IP_Sgm(m->censusFirst.data(), m->censusRef.data(), m->pair.reference.data(), m->width, m->height,
                             m->distinctiveness.data(), nullptr);
                    }});
   works.push_back({"IP_SgmMakeDebugData and Free", 0, 0, [=] {
@@ -121,8 +121,8 @@ void addFrameWorks(Works& works, const Shared& m) {
 
 }  // namespace
 
-void addStereoWorks(Works& works, const Scene& scene) {
-  const auto matching = std::make_shared<Matching>(scene);
+void addStereoWorks(Works& works, const lab::TexturedPair& pair) {
+  const auto matching = std::make_shared<Matching>(pair);
   addCostWorks(works, matching);
   addPathWorks(works, matching);
   addSelectionWorks(works, matching);

@@ -1,17 +1,17 @@
 // The list of everything that is timed, and the levels at which it is.
 #include "bench/work.hpp"
 
-#include "lab/levels.hpp"
 #include "simd/cpu.hpp"
+#include "tests/support/levels.hpp"
 
 namespace nadir::bench {
 
-Works allWorks(const Scene& scene) {
+Works allWorks(const lab::TexturedPair& pair) {
   Works works;
-  addImageWorks(works, scene);
-  addImgprocWorks(works, scene);
-  addSegmentWorks(works, scene);
-  addStereoWorks(works, scene);
+  addImageWorks(works, pair);
+  addImgprocWorks(works, pair);
+  addSegmentWorks(works, pair);
+  addStereoWorks(works, pair);
   return works;
 }
 

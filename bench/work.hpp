@@ -20,12 +20,12 @@ struct Work {
 using Works = std::vector<Work>;
 
 // One function per public header. The works keep what they need alive.
-void addImageWorks(Works& works, const Scene& scene);
-void addImgprocWorks(Works& works, const Scene& scene);
-void addSegmentWorks(Works& works, const Scene& scene);
-void addStereoWorks(Works& works, const Scene& scene);
+void addImageWorks(Works& works, const lab::TexturedPair& pair);
+void addImgprocWorks(Works& works, const lab::TexturedPair& pair);
+void addSegmentWorks(Works& works, const lab::TexturedPair& pair);
+void addStereoWorks(Works& works, const lab::TexturedPair& pair);
 
-Works allWorks(const Scene& scene);
+Works allWorks(const lab::TexturedPair& pair);
 
 struct Level {
   std::string name;

@@ -9,7 +9,7 @@
 
 #include "lab/grid.hpp"
 
-namespace nadir::verify {
+namespace nadir::lab {
 
 // FNV-1a over the values' bytes, the lowest first whatever the processor's order
 // (G. Fowler, L. C. Noll, K.-P. Vo, http://www.isthe.com/chongo/tech/comp/fnv).
@@ -40,7 +40,7 @@ class Fingerprint {
   }
 
   template <class T>
-  Fingerprint& add(const lab::Grid<T>& grid) {
+  Fingerprint& add(const Grid<T>& grid) {
     return add(grid.pixels);
   }
 
@@ -57,4 +57,4 @@ class Fingerprint {
   uint64_t state_ = 0xCBF29CE484222325u;
 };
 
-}  // namespace nadir::verify
+}  // namespace nadir::lab

@@ -8,7 +8,7 @@ void* __real_calloc(size_t count, size_t size);
 void __real_free(void* block);
 }
 
-namespace nadir::test::heap {
+namespace nadir::lab::heap {
 namespace {
 
 struct State {
@@ -39,9 +39,9 @@ size_t bytes() { return state.bytes; }
 size_t failures() { return state.failures; }
 size_t liveBlocks() { return state.live; }
 
-}  // namespace nadir::test::heap
+}  // namespace nadir::lab::heap
 
-namespace heap = nadir::test::heap;
+namespace heap = nadir::lab::heap;
 
 extern "C" {
 

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace nadir::test::heap {
+namespace nadir::lab::heap {
 
 enum class Failing { never, once, fromThenOn };
 
@@ -15,4 +15,4 @@ size_t bytes();        // asked for since watch()
 size_t failures();     // since watch()
 size_t liveBlocks();   // not given back yet, whenever they were allocated
 
-}  // namespace nadir::test::heap
+}  // namespace nadir::lab::heap

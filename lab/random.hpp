@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace nadir::test {
+namespace nadir::lab {
 
 // xorshift64* (S. Vigna, "An experimental exploration of Marsaglia's xorshift generators, scrambled", 2016).
 class Random {
@@ -38,4 +38,4 @@ class Random {
   uint64_t state_;
 };
 
-}  // namespace nadir::test
+}  // namespace nadir::lab

@@ -3,12 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "lab/random.hpp"
-
-namespace nadir::bench {
+namespace nadir::lab {
 namespace {
-
-using test::Random;
 
 // Random values on a grid with linear interpolation in between, at three scales: gravel, stones and stains.
 class Texture {
@@ -34,7 +30,8 @@ class Texture {
   std::vector<uint16_t> values_;
 };
 
-// Of the reference picture's pixel, in units of the picture's sides. At most 55 pixels are searched at any size.
+// The disparity of the reference picture's pixel, whose place is given in units of the picture's sides. It is below 55
+// at any size.
 double disparityAt(double x, double y) {
   const double ground = 6 + 34 * y;
   const bool onBox = (x > 0.2 && x < 0.4 && y > 0.3 && y < 0.55) || (x > 0.6 && x < 0.75 && y > 0.5 && y < 0.9);
@@ -48,19 +45,35 @@ uint16_t seen(double intensity, Random& random) {
 
 }  // namespace
 
-Scene makeScene(uint32_t width, uint32_t height) {
+TexturedPair texturedPair(uint32_t width, uint32_t height) {
   Random random(width);
   const Texture texture(random);
-  Scene scene{width, height, {}, {}, {}};
+  TexturedPair pair{width, height, {}, {}, {}};
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x < width; ++x) {
       const double u = double(x) / width, v = double(y) / height;
-      scene.first.push_back(seen(texture.at(x, y), random));
-      scene.reference.push_back(seen(texture.at(x + disparityAt(u, v), y), random));
-      scene.mask.push_back(std::abs(u - 0.5) + 0.3 * v > 0.75 ? 255 : 0);
+      pair.first.push_back(seen(texture.at(x, y), random));
+      pair.reference.push_back(seen(texture.at(x + disparityAt(u, v), y), random));
+      pair.mask.push_back(std::abs(u - 0.5) + 0.3 * v > 0.75 ? 255 : 0);
     }
   }
-  return scene;
+  return pair;
 }
 
-}  // namespace nadir::bench
+TexturedPair shiftedRows(uint32_t width, uint32_t height, uint32_t reach,
+                         const std::function<uint32_t(uint32_t y)>& shiftOf, Random& random) {
+  TexturedPair pair{width, height, {}, {}, {}};
+  for (uint32_t y = 0; y < height; ++y) {
+    const auto texture = random.values<uint16_t>(width + reach, 5000);
+    const auto seenAt = [&](uint32_t x) {
+      return static_cast<uint16_t>(texture[x] % 97 ? texture[x] + random.below(90) : 0);
+    };
+    for (uint32_t x = 0; x < width; ++x) {
+      pair.first.push_back(seenAt(x));
+      pair.reference.push_back(seenAt(x + shiftOf(y)));
+    }
+  }
+  return pair;
+}
+
+}  // namespace nadir::lab

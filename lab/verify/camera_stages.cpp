@@ -1,6 +1,5 @@
 #include <cmath>
 
-#include "lab/verify/picture.hpp"
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

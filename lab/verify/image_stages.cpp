@@ -1,4 +1,3 @@
-#include "lab/verify/picture.hpp"
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

@@ -4,7 +4,6 @@
 
 #include "lab/scene/ready_scenes.hpp"
 #include "lab/scene/render.hpp"
-#include "lab/verify/picture.hpp"
 
 namespace nadir::verify {
 

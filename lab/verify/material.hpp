@@ -8,6 +8,7 @@
 
 namespace nadir::verify {
 
+using lab::converted;
 using lab::Grid;
 
 struct Material {

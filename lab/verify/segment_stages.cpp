@@ -1,6 +1,5 @@
 #include <memory>
 
-#include "lab/verify/picture.hpp"
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

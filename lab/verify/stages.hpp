@@ -4,9 +4,13 @@
 #include <string>
 
 #include "lab/fingerprint.hpp"
+#include "lab/image.hpp"
 #include "lab/verify/material.hpp"
 
 namespace nadir::verify {
+
+using lab::Fingerprint;
+using lab::Picture;
 
 struct Stage {
   std::string name;

@@ -90,7 +90,7 @@ struct Pair {
 
 const Pair& somePair() {
   static const Pair pair = [] {
-    Random random(1);
+    lab::Random random(1);
     Pair made{random.values<uint32_t>(pixelCount, 1u << 24), {}, random.values<uint16_t>(pixelCount, 65536)};
     made.ref = made.first;
     std::rotate(made.ref.begin(), made.ref.begin() + 5, made.ref.end());
@@ -174,8 +174,8 @@ Case debugRecord() {
 
 Case postproc() {
   const auto call = [] {
-    const std::vector<uint16_t> disparity = Random(2).values<uint16_t>(pixelCount, 985);
-    const std::vector<uint8_t> mask = Random(3).values<uint8_t>(pixelCount, 2);
+    const std::vector<uint16_t> disparity = lab::Random(2).values<uint16_t>(pixelCount, 985);
+    const std::vector<uint8_t> mask = lab::Random(3).values<uint8_t>(pixelCount, 2);
     std::vector<uint16_t> result(pixelCount, untouched);
     const int64_t status = IP_SgmPostproc(disparity.data(), mask.data(), result.data(), columnCount, rowCount);
     return Outcome{status, valuesOf(result)};
@@ -188,7 +188,7 @@ Case postproc() {
 template <class T>
 Case morphology(const std::string& name, uint32_t type, int32_t op) {
   const auto call = [type, op] {
-    std::vector<T> pixels = Random(4).values<T>(pixelCount, 5), result(pixelCount, untouched);
+    std::vector<T> pixels = lab::Random(4).values<T>(pixelCount, 5), result(pixelCount, untouched);
     Img src, dst;
     Img_Init(&src, columnCount, rowCount, type, pixels.data());
     Img_Init(&dst, columnCount, rowCount, type, result.data());
@@ -201,7 +201,7 @@ Case morphology(const std::string& name, uint32_t type, int32_t op) {
 template <class Status>
 Case smoothing(const std::string& name, size_t bytes, int64_t statusOfFailure, Status operation) {
   const auto call = [operation] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
+    std::vector<uint16_t> pixels = lab::Random(6).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
     Img src, dst;
     Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
     Img_Init(&dst, columnCount, rowCount, IMG_TYPE_U16, result.data());
@@ -237,7 +237,7 @@ Case append() {
 
 Case radixSort() {
   const auto call = [] {
-    const std::vector<uint16_t> keys = Random(5).values<uint16_t>(pixelCount, 65536);
+    const std::vector<uint16_t> keys = lab::Random(5).values<uint16_t>(pixelCount, 65536);
     std::vector<uint16_t> indices(pixelCount, untouched);
     const int64_t status = IP_Utl_RadixIdxSort(keys.data(), indices.data(), pixelCount, RADIX_UNSIGNED);
     return Outcome{status, valuesOf(indices)};
@@ -288,7 +288,7 @@ constexpr size_t labellingBytes = 2 * 128 * 128 + 2 * 4097;
 
 Case contourFilter() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 2), result(pixelCount, untouched);
+    std::vector<uint16_t> pixels = lab::Random(6).values<uint16_t>(pixelCount, 2), result(pixelCount, untouched);
     Img src, dst;
     Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
     Img_Init(&dst, columnCount, rowCount, IMG_TYPE_U16, result.data());
@@ -300,20 +300,20 @@ Case contourFilter() {
 
 Case contourFilterInPlace() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(6).values<uint16_t>(pixelCount, 2);
+    std::vector<uint16_t> pixels = lab::Random(6).values<uint16_t>(pixelCount, 2);
     Img img;
     Img_Init(&img, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
     const int64_t status = IP_ContourFilter_I(&img, 4);
     return Outcome{status, valuesOf(pixels)};
   };
   return {"ContourFilterInPlace", 2, labellingBytes, call, [](size_t) {
-            return Outcome{0, valuesOf(Random(6).values<uint16_t>(pixelCount, 2))};
+            return Outcome{0, valuesOf(lab::Random(6).values<uint16_t>(pixelCount, 2))};
           }};
 }
 
 Case regionGrowing() {
   const auto call = [] {
-    std::vector<uint16_t> pixels = Random(7).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
+    std::vector<uint16_t> pixels = lab::Random(7).values<uint16_t>(pixelCount, 5), result(pixelCount, untouched);
     const int32_t params[] = {0, 1};
     Img src, labels;
     Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
@@ -328,23 +328,23 @@ Case regionGrowing() {
 
 class Allocating : public ::testing::TestWithParam<Case> {
  protected:
-  void SetUp() override { heap::watch(); }
+  void SetUp() override { lab::heap::watch(); }
 
   void expectOutcome(const Outcome& want, const Outcome& got) const {
     EXPECT_EQ(got.status, want.status);
     EXPECT_TRUE(same(want.output, got.output));
   }
 
-  void failEachInTurn(heap::Failing failing) const {
+  void failEachInTurn(lab::heap::Failing failing) const {
     const Outcome whole = GetParam().call();
-    const size_t live = heap::liveBlocks();
+    const size_t live = lab::heap::liveBlocks();
     for (size_t n = 1;; ++n) {
       SCOPED_TRACE(testing::Message() << "allocation " << n << " fails");
-      heap::watch(failing, n);
+      lab::heap::watch(failing, n);
       const Outcome got = GetParam().call();
-      const bool failed = heap::failures() > 0;
-      heap::watch();
-      EXPECT_EQ(heap::liveBlocks(), live) << "leaked";
+      const bool failed = lab::heap::failures() > 0;
+      lab::heap::watch();
+      EXPECT_EQ(lab::heap::liveBlocks(), live) << "leaked";
       expectOutcome(failed ? GetParam().failed(n) : whole, got);
       if (!failed) break;
     }
@@ -352,23 +352,23 @@ class Allocating : public ::testing::TestWithParam<Case> {
 };
 
 TEST_P(Allocating, SucceedsAndGivesEverythingBack) {
-  const size_t live = heap::liveBlocks();
+  const size_t live = lab::heap::liveBlocks();
   const Outcome outcome = GetParam().call();
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.output, GetParam().failed(1).output) << "a failure would not be noticed";
-  EXPECT_EQ(heap::liveBlocks(), live);
+  EXPECT_EQ(lab::heap::liveBlocks(), live);
 }
 
 TEST_P(Allocating, AsksForNoMoreThanItsBounds) {
   GetParam().call();
-  EXPECT_GE(heap::allocations(), 1u);
-  EXPECT_LE(heap::allocations(), GetParam().blocks);
-  EXPECT_LE(heap::bytes(), GetParam().bytes);
+  EXPECT_GE(lab::heap::allocations(), 1u);
+  EXPECT_LE(lab::heap::allocations(), GetParam().blocks);
+  EXPECT_LE(lab::heap::bytes(), GetParam().bytes);
 }
 
-TEST_P(Allocating, SurvivesTheFailureOfEachAllocation) { failEachInTurn(heap::Failing::once); }
+TEST_P(Allocating, SurvivesTheFailureOfEachAllocation) { failEachInTurn(lab::heap::Failing::once); }
 
-TEST_P(Allocating, SurvivesTheFailureOfEachAllocationAndAllBehindIt) { failEachInTurn(heap::Failing::fromThenOn); }
+TEST_P(Allocating, SurvivesTheFailureOfEachAllocationAndAllBehindIt) { failEachInTurn(lab::heap::Failing::fromThenOn); }
 
 INSTANTIATE_TEST_SUITE_P(Calls, Allocating,
                          ::testing::Values(pathCosts(PC_DIR_LEFT), pathCosts(PC_DIR_UPLEFT), pathCosts(PC_DIR_UP),
@@ -396,11 +396,11 @@ TEST(ListMemory, AFailedInsertionLeavesTheListAsItWas) {
     List_Init(&list, 5);
     ListNode* head = List_Append(&list, &items[0], sizeof items[0]);
     ListNode* tail = List_Append(&list, &items[1], sizeof items[1]);
-    const size_t live = heap::liveBlocks();
-    heap::watch(heap::Failing::once, failing);
+    const size_t live = lab::heap::liveBlocks();
+    lab::heap::watch(lab::heap::Failing::once, failing);
     EXPECT_EQ(List_InsertAfter(&list, head, &items[2], sizeof items[2]), nullptr);
-    heap::watch();
-    EXPECT_EQ(heap::liveBlocks(), live);
+    lab::heap::watch();
+    EXPECT_EQ(lab::heap::liveBlocks(), live);
     EXPECT_EQ(list.count, 2u);
     EXPECT_EQ(head->next, tail);
     EXPECT_EQ(tail->prev, head);
@@ -409,15 +409,15 @@ TEST(ListMemory, AFailedInsertionLeavesTheListAsItWas) {
 }
 
 TEST(ListMemory, ErasingAndClearingGiveEverythingBack) {
-  const size_t live = heap::liveBlocks();
+  const size_t live = lab::heap::liveBlocks();
   List list;
   List_Init(&list, -1);
   for (uint32_t i = 0; i < 9; ++i) List_Prepend(&list, &i, sizeof i);
-  EXPECT_EQ(heap::liveBlocks(), live + 18);
+  EXPECT_EQ(lab::heap::liveBlocks(), live + 18);
   List_Erase(&list, list.head->next);
-  EXPECT_EQ(heap::liveBlocks(), live + 16);
+  EXPECT_EQ(lab::heap::liveBlocks(), live + 16);
   List_Clear(&list);
-  EXPECT_EQ(heap::liveBlocks(), live);
+  EXPECT_EQ(lab::heap::liveBlocks(), live);
 }
 
 // ---- calls that must not allocate ----
@@ -428,19 +428,19 @@ TEST(NotAllocating, AListInPools) {
   List list;
   List_Init(&list, 3);
   ListStatic_Init(&list, 3, nodes.data(), items.data());
-  heap::watch();
+  lab::heap::watch();
   for (uint32_t i = 0; i < 4; ++i) List_Append(&list, &i, sizeof i);
   List_Erase(&list, list.head);
   List_Clear(&list);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 TEST(NotAllocating, RefusedPathCosts) {
   PcBuffer pc;
-  heap::watch();
+  lab::heap::watch();
   PC_Init(nullptr, PC_DIR_UP, columnCount, searched, 7);
   PC_Init(&pc, 4, columnCount, searched, 7);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 TEST(NotAllocating, RowsOfPathCosts) {
@@ -448,22 +448,22 @@ TEST(NotAllocating, RowsOfPathCosts) {
   ASSERT_EQ(PC_Init(&pc, PC_DIR_UPLEFT, columnCount, searched, 7), 1);
   const std::vector<uint8_t> costs(columnCount * searched, 3), p2(columnCount, 20);
   std::vector<uint8_t> sums(columnCount * searched, 0);
-  heap::watch();
+  lab::heap::watch();
   PC_NextFrame(&pc);
   PC_NextRow(&pc, costs.data(), p2.data(), sums.data());
   PC_NextRow_neon(&pc, costs.data(), p2.data(), sums.data());
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
   PC_Destroy(&pc);
 }
 
 TEST(NotAllocating, PostprocOfNullPointers) {
   uint16_t pixels[16] = {};
   uint8_t mask[16] = {};
-  heap::watch();
+  lab::heap::watch();
   IP_SgmPostproc(nullptr, mask, pixels, 4, 4);
   IP_SgmPostproc(pixels, nullptr, pixels, 4, 4);
   IP_SgmPostproc(pixels, mask, nullptr, 4, 4);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 // A matching keeps a few rows: what it asks for depends on the width alone.
@@ -476,9 +476,9 @@ Asked askedByMatching(uint32_t width, uint32_t height) {
   const std::vector<uint16_t> image(codes.size(), 5);
   std::vector<uint16_t> disparity(codes.size());
   const SgmParams params{searched, 10};
-  heap::watch();
+  lab::heap::watch();
   IP_SgmFull(codes.data(), codes.data(), image.data(), width, height, &params, disparity.data(), nullptr);
-  return {heap::allocations(), heap::bytes()};
+  return {lab::heap::allocations(), lab::heap::bytes()};
 }
 
 TEST(MatchingMemory, DoesNotGrowWithTheHeight) {
@@ -498,43 +498,43 @@ TEST(NotAllocating, SinglePassMorphologyAndMedian) {
   Img src, dst;
   Img_Init(&src, 8, 8, IMG_TYPE_U16, pixels.data());
   Img_Init(&dst, 8, 8, IMG_TYPE_U16, result.data());
-  heap::watch();
+  lab::heap::watch();
   for (const int32_t op : {MORPH_ERODE, MORPH_DILATE, MORPH_CLEAN}) IP_Morph3x3(&src, &dst, op);
   IP_Median3x3(&src, &dst);
   IP_Maximum3x3(&src, &dst);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 TEST(NotAllocating, LabellingAndFindingComponents) {
-  std::vector<uint16_t> pixels = Random(8).values<uint16_t>(64, 2), labels(128 * 128), sizes(4096);
+  std::vector<uint16_t> pixels = lab::Random(8).values<uint16_t>(64, 2), labels(128 * 128), sizes(4096);
   Img src, map;
   Vector counts;
   Img_Init(&src, 8, 8, IMG_TYPE_U16, pixels.data());
   const auto list = std::make_unique<ComponentList>();
   CompFinder* finder = IP_CompFinder_Init();
   const int32_t threshold = 0;
-  heap::watch();
+  lab::heap::watch();
   IP_CompFind_CreateLabelMap(&map, labels.data(), 32768);
   IP_CompFind_CreateComponentSizes(&counts, sizes.data(), 8192);
   EXPECT_EQ(IP_CompFind_Process(&src, &map, &counts, &threshold), 1);
   EXPECT_EQ(IP_CompFinder_Process(finder, &src, list.get()), 1);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
   IP_CompFinder_Close(finder);
 }
 
 TEST(NotAllocating, RegionsOfElevationMaps) {
-  std::vector<uint16_t> heights = Random(9).values<uint16_t>(64, 5), labels(64);
+  std::vector<uint16_t> heights = lab::Random(9).values<uint16_t>(64, 5), labels(64);
   ImgC elevation;
   Img map;
   ImgC_Init(&elevation, 8, 8, IMG_TYPE_U16, heights.data());
   Img_Init(&map, 8, 8, IMG_TYPE_U16, labels.data());
   const auto list = std::make_unique<RegionList>();
-  heap::watch();
+  lab::heap::watch();
   EXPECT_EQ(IP_RGE_Init(), 1);
   EXPECT_EQ(IP_RGE_Process(&elevation, nullptr), 1);
   EXPECT_EQ(IP_RGE_CreateLabelMap(&map), 1);
   EXPECT_EQ(IP_RGE_CreateRegionList(list.get()), 1);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 TEST(NotAllocating, RefusedSegmentation) {
@@ -543,11 +543,11 @@ TEST(NotAllocating, RefusedSegmentation) {
   Img small, large;
   Img_Init(&small, 2, 2, IMG_TYPE_U16, pixels);
   Img_Init(&large, 129, 2, IMG_TYPE_U16, pixels);
-  heap::watch();
+  lab::heap::watch();
   EXPECT_EQ(IP_ContourFilter(&small, &large, 2), 0);
   EXPECT_EQ(IP_ContourFilter(nullptr, &small, 2), 0);
   EXPECT_EQ(IP_RGrow_Process(&small, params, &large), 0);
-  EXPECT_EQ(heap::allocations(), 0u);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
 }
 
 }  // namespace

@@ -10,13 +10,13 @@ namespace nadir::test::counts {
 namespace {
 
 // In a small range, so that equal, collinear and touching things are among them.
-Point_s32 point(Random& random) { return {random.between(-20, 20), random.between(-20, 20)}; }
-Point_f32 pointF(Random& random) {
+Point_s32 point(lab::Random& random) { return {random.between(-20, 20), random.between(-20, 20)}; }
+Point_f32 pointF(lab::Random& random) {
   const Point_s32 p = point(random);
   return {static_cast<float>(p.x) / 4.0f, static_cast<float>(p.y) / 4.0f};
 }
 
-void callPoints(Random& random) {
+void callPoints(lab::Random& random) {
   const Point_s32 a = point(random), b = point(random), c = point(random), triangle[3] = {a, b, c}, at = point(random);
   const Point_f32 d = pointF(random), e = pointF(random), f = pointF(random);
   float weights[3];
@@ -26,7 +26,7 @@ void callPoints(Random& random) {
   IP_Geom_Barycentric(triangle, &at, weights);
 }
 
-void callEdges(Random& random) {
+void callEdges(lab::Random& random) {
   const Point_s32 a = point(random), b = point(random), c = point(random), d = point(random);
   const Point_f32 e = pointF(random), f = pointF(random), g = pointF(random), h = pointF(random);
   const Edge_s32 first{a.x, a.y, b.x, b.y}, second{c.x, c.y, d.x, d.y};
@@ -38,7 +38,7 @@ void callEdges(Random& random) {
   IP_Geom_EdgePoint2_SquaredDistance_f32(&firstF, &g);
 }
 
-void callLines(Random& random) {
+void callLines(lab::Random& random) {
   const Point_s32 a = point(random), b = point(random), c = point(random), d = point(random);
   const Point_f32 e = pointF(random), f = pointF(random), g = pointF(random), h = pointF(random);
   const Line_s32 first{a.x, a.y, b.x, b.y}, second{c.x, c.y, d.x, d.y};
@@ -51,7 +51,7 @@ void callLines(Random& random) {
   IP_Geom_IntersectLines_f32(&firstF, &secondF, &crossingF);
 }
 
-void callRectangles(Random& random) {
+void callRectangles(lab::Random& random) {
   const Point_s32 a = point(random), b = point(random);
   const Rect_s32 r{a.x, a.y, a.x + 15, a.y + 12}, s{b.x, b.y, b.x + 9, b.y + 20};
   const Rect_u32 t{random.below(12), random.below(12), 15, 15}, u{random.below(12), random.below(12), 13, 19};
@@ -72,7 +72,7 @@ std::vector<Point> ring() {
           {-40, 0}, {-35, -15}, {-20, -26}, {0, -30}, {20, -26}, {35, 20}};
 }
 
-void callPolygons(Random& random) {
+void callPolygons(lab::Random& random) {
   PolygonS polygon(ring<Point_s32>());
   PolygonF polygonF(ring<Point_f32>());
   const Point_s32 p = point(random);
@@ -91,7 +91,7 @@ void callPolygons(Random& random) {
   IP_Polygon_RemoveCollinearPoints_f32(polygonF.get());
 }
 
-void callDigitalLine(Random& random) {
+void callDigitalLine(lab::Random& random) {
   const Point_s32 from = point(random), to{from.x + 50, from.y + 23};
   IP_Utils_Bresenham(&from, &to, 0, [](int32_t, int32_t, int32_t) {});
 }
@@ -99,7 +99,7 @@ void callDigitalLine(Random& random) {
 }  // namespace
 
 void callGeometry() {
-  Random random(1);
+  lab::Random random(1);
   for (int i = 0; i < 50; ++i) {
     callPoints(random);
     callEdges(random);

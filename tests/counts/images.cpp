@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "lab/image.hpp"
 #include "lab/random.hpp"
 #include "tests/counts/calls.hpp"
 
@@ -10,45 +11,43 @@ namespace nadir::test::counts {
 namespace {
 
 // Not a multiple of any vector.
-constexpr uint16_t kWidth = 167, kHeight = 61;
-constexpr size_t kPixels = size_t{kWidth} * kHeight;
+constexpr uint16_t pictureWidth = 167, pictureHeight = 61;
+constexpr size_t picturePixels = size_t{pictureWidth} * pictureHeight;
 
 template <class T>
-struct Picture {
-  Picture(uint32_t type, std::vector<T> values, uint16_t width = kWidth, uint16_t height = kHeight)
-      : pixels(std::move(values)), img{width, height, sizeof(T), type, pixels.data()} {}
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
-  operator Img*() { return &img; }
+lab::Picture<T> pictureOf(std::vector<T> pixels) {
+  return lab::Picture<T>(pictureWidth, pictureHeight, std::move(pixels));
+}
 
-  std::vector<T> pixels;
-  Img img;
-};
+template <class T>
+lab::Picture<T> zeros() {
+  return lab::Picture<T>(pictureWidth, pictureHeight);
+}
 
 // Below `bound`, a third of them 0.
-std::vector<uint16_t> holes(uint64_t seed, uint32_t bound = 65536) {
-  Random random(seed);
-  std::vector<uint16_t> values = random.values<uint16_t>(kPixels, bound);
+lab::Picture<uint16_t> holes(uint64_t seed, uint32_t bound = 65536) {
+  lab::Random random(seed);
+  std::vector<uint16_t> values = random.values<uint16_t>(picturePixels, bound);
   for (uint16_t& value : values) value = random.below(3) == 0 ? uint16_t{0} : value;
-  return values;
+  return pictureOf(std::move(values));
 }
 
 struct Inputs {
-  Picture<uint16_t> a{IMG_TYPE_U16, holes(1, 4096)}, b{IMG_TYPE_U16, holes(2)}, out{IMG_TYPE_U16, holes(3)};
-  Picture<uint8_t> shape{IMG_TYPE_U8, Random(4).values<uint8_t>(kPixels, 2)};
+  lab::Picture<uint16_t> a = holes(1, 4096), b = holes(2), out = holes(3);
+  lab::Picture<uint8_t> shape = pictureOf(lab::Random(4).values<uint8_t>(picturePixels, 2));
 };
 
 void callDescriptors() {
   Inputs in;
   Img img;
   ImgC imgC;
-  done(Img_Init(&img, kWidth, kHeight, IMG_TYPE_U16, in.a.pixels.data()));
-  done(ImgC_Init(&imgC, kWidth, kHeight, IMG_TYPE_U16, in.b.pixels.data()));
+  done(Img_Init(&img, pictureWidth, pictureHeight, IMG_TYPE_U16, in.a.grid.pixels.data()));
+  done(ImgC_Init(&imgC, pictureWidth, pictureHeight, IMG_TYPE_U16, in.b.grid.pixels.data()));
   done(Img_FillBuffer(&img, 1234));
   done(Img_Copy(&imgC, &img));
-  Picture<int32_t> wide(IMG_TYPE_S32, std::vector<int32_t>(kPixels));
+  auto wide = zeros<int32_t>();
   done(Img_Copy(&imgC, wide));
-  Picture<int16_t> sign(IMG_TYPE_S16, Random(5).values<int16_t>(kPixels, 65536));
+  auto sign = pictureOf(lab::Random(5).values<int16_t>(picturePixels, 65536));
   done(Img_Convert_I(sign, IMG_TYPE_U16));
 }
 
@@ -62,8 +61,8 @@ void callPointOperations() {
     done(IP_ThresholdRange(in.b, in.out, 1000, 30000, mode));
     done(IP_ThresholdRange_I(in.out, 2000, 20000, mode));
   }
-  Picture<uint16_t> amounts(IMG_TYPE_U16, Random(6).values<uint16_t>(kPixels, 15));
-  for (uint16_t& amount : amounts.pixels) ++amount;
+  auto amounts = pictureOf(lab::Random(6).values<uint16_t>(picturePixels, 15));
+  for (uint16_t& amount : amounts.grid.pixels) ++amount;
   for (uint32_t op = IMGOP_ADD; op <= IMGOP_SHL; ++op) {
     done(IP_ImgOpImg(in.b, amounts, in.out, op));
     done(IP_ImgOpImg_I(in.out, amounts, op));
@@ -81,15 +80,14 @@ void callFilters() {
   for (int32_t op = MORPH_ERODE; op <= MORPH_CLEAN; ++op) done(IP_Morph3x3(in.b, in.out, op));
   done(IP_Gauss(in.b, in.out, 0));
   done(IP_PullPush(in.b, in.out));
-  Picture<uint16_t> vga(IMG_TYPE_U16, Random(7).values<uint16_t>(640 * 480, 65536), 640, 480);
-  Picture<uint16_t> qvga(IMG_TYPE_U16, std::vector<uint16_t>(320 * 240), 320, 240);
+  lab::Picture<uint16_t> vga(640, 480, lab::Random(7).values<uint16_t>(640 * 480, 65536)), qvga(320, 240);
   done(IP_ScaleVga2Qvga(vga, qvga));
 }
 
 void callAverages() {
   Inputs in;
-  Picture<int32_t> sum(IMG_TYPE_S32, std::vector<int32_t>(kPixels));
-  Picture<uint16_t> count(IMG_TYPE_U16, std::vector<uint16_t>(kPixels));
+  auto sum = zeros<int32_t>();
+  auto count = zeros<uint16_t>();
   ImgAvrgState state;
   done(IP_Utils_ImgAvrgInit(in.out, sum, count, &state));
   state.invalidValue = 0;

@@ -20,14 +20,14 @@ void callMatrices() {
   mvMul(a, b, image);
   vvAdd(a, b, sum);
   vvSub(a, b, difference);
-  const auto points = Random(1).values<uint16_t>(200, 3000);
+  const auto points = lab::Random(1).values<uint16_t>(200, 3000);
   float covariance[4], values[2], vectors[4];
   done(IP_Alg_Covar_2x2(points.data(), 100, covariance));
   done(IP_Alg_Eigen_2x2(covariance, values, vectors));
 }
 
 void callSorting() {
-  auto values = Random(2).values<uint16_t>(1000, 65536);
+  auto values = lab::Random(2).values<uint16_t>(1000, 65536);
   std::vector<uint16_t> indices(values.size());
   uint16_t median;
   done(IP_Utl_RadixIdxSort(values.data(), indices.data(), 1000, RADIX_UNSIGNED));

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "lab/image.hpp"
 #include "lab/random.hpp"
 #include "tests/counts/calls.hpp"
 #include "tests/support/shapes.hpp"
@@ -11,60 +12,50 @@
 namespace nadir::test::counts {
 namespace {
 
-constexpr uint16_t kSide = 128;
+constexpr uint16_t side = 128;
 
-struct Picture {
-  explicit Picture(std::vector<uint16_t> values)
-      : pixels(std::move(values)), img{kSide, kSide, 2, IMG_TYPE_U16, pixels.data()} {}
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
-
-  std::vector<uint16_t> pixels;
-  Img img;
-};
-
-std::vector<uint16_t> terrain() {
-  Random random(1);
-  return anyTerrain(random, kSide, kSide).pixels;
+lab::Picture<uint16_t> terrain() {
+  lab::Random random(1);
+  return lab::Picture<uint16_t>(side, side, anyTerrain(random, side, side).pixels);
 }
 
 void callLabels() {
-  Picture src(terrain());
-  std::vector<uint16_t> mapMemory(kSide * kSide), sizeMemory(4097);
+  auto src = terrain();
+  std::vector<uint16_t> mapMemory(side * side), sizeMemory(4097);
   Img map;
   Vector sizes;
   const int32_t threshold = 0;
-  done(IP_CompFind_CreateLabelMap(&map, mapMemory.data(), 2 * kSide * kSide));
+  done(IP_CompFind_CreateLabelMap(&map, mapMemory.data(), 2 * side * side));
   done(IP_CompFind_CreateComponentSizes(&sizes, sizeMemory.data(), 2 * 4097));
-  done(IP_CompFind_Process(&src.img, &map, &sizes, &threshold));
+  done(IP_CompFind_Process(&src.image, &map, &sizes, &threshold));
 }
 
 void callComponents() {
-  Picture src(terrain());
+  auto src = terrain();
   const auto list = std::make_unique<ComponentList>();
   CompFinder* finder = IP_CompFinder_Init();
   const Rect_s32 aoi{5, 9, 100, 90};
-  done(IP_CompFinder_Process(finder, &src.img, list.get()));
-  done(IP_CompFinder_ProcessAoi(finder, &src.img, &aoi, list.get()));
+  done(IP_CompFinder_Process(finder, &src.image, list.get()));
+  done(IP_CompFinder_ProcessAoi(finder, &src.image, &aoi, list.get()));
   IP_CompFinder_Close(finder);
 }
 
 void callContours() {
-  Picture src(terrain()), dst(terrain());
-  done(IP_ContourFilter(&src.img, &dst.img, 20));
-  done(IP_ContourFilter_I(&src.img, 20));
+  auto src = terrain(), dst = terrain();
+  done(IP_ContourFilter(&src.image, &dst.image, 20));
+  done(IP_ContourFilter_I(&src.image, 20));
 }
 
 void callGrowing() {
-  Picture elevation(terrain()), labels(terrain());
+  auto elevation = terrain(), labels = terrain();
   const int32_t params[] = {0, 3};
-  done(IP_RGrow_Process(&elevation.img, params, &labels.img));
+  done(IP_RGrow_Process(&elevation.image, params, &labels.image));
   const auto list = std::make_unique<RegionList>();
-  const ImgC map{kSide, kSide, 2, IMG_TYPE_U16, elevation.pixels.data()};
+  const ImgC map{side, side, 2, IMG_TYPE_U16, elevation.grid.pixels.data()};
   const RgeParams whole{0, 0, 0, 0, 3, 0};
   done(IP_RGE_Init());
   done(IP_RGE_Process(&map, &whole));
-  done(IP_RGE_CreateLabelMap(&labels.img));
+  done(IP_RGE_CreateLabelMap(&labels.image));
   done(IP_RGE_CreateRegionList(list.get()));
 }
 

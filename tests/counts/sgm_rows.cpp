@@ -11,18 +11,18 @@
 
 int main(int argc, char** argv) {
   const uint32_t rows = argc == 2 ? static_cast<uint32_t>(std::atoi(argv[1])) : 0;
-  const nadir::bench::Scene scene = nadir::bench::makeScene(640, 480);
-  if (rows < 5 || rows > scene.height) {
-    std::fprintf(stderr, "usage: nadir_sgm_rows ROWS, 5 to %u\n", scene.height);
+  const nadir::lab::TexturedPair pair = nadir::lab::texturedPair(640, 480);
+  if (rows < 5 || rows > pair.height) {
+    std::fprintf(stderr, "usage: nadir_sgm_rows ROWS, 5 to %u\n", pair.height);
     return 2;
   }
-  const size_t pixels = size_t{scene.width} * scene.height, start = size_t{scene.width} * ((scene.height - rows) / 2);
+  const size_t pixels = size_t{pair.width} * pair.height, start = size_t{pair.width} * ((pair.height - rows) / 2);
   std::vector<uint32_t> first(pixels, CENSUS_INVALID), reference(pixels, CENSUS_INVALID);
-  IP_Census_5x5(scene.first.data(), first.data(), scene.width, scene.height);
-  IP_Census_5x5(scene.reference.data(), reference.data(), scene.width, scene.height);
+  IP_Census_5x5(pair.first.data(), first.data(), pair.width, pair.height);
+  IP_Census_5x5(pair.reference.data(), reference.data(), pair.width, pair.height);
   const SgmParams params = {64, 10};
-  std::vector<uint16_t> disparity(size_t{scene.width} * rows);
-  IP_SgmFull(&first[start], &reference[start], &scene.reference[start], scene.width, rows, &params, disparity.data(),
+  std::vector<uint16_t> disparity(size_t{pair.width} * rows);
+  IP_SgmFull(&first[start], &reference[start], &pair.reference[start], pair.width, rows, &params, disparity.data(),
              nullptr);
   size_t matched = 0;
   for (const uint16_t value : disparity) matched += value != 0;

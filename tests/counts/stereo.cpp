@@ -10,33 +10,33 @@
 namespace nadir::test::counts {
 namespace {
 
-constexpr uint32_t kDisparities = 64;
+constexpr uint32_t disparityCount = 64;
 
 struct Pair {
-  bench::Scene scene = bench::makeScene(163, 41);
-  uint32_t width = scene.width, height = scene.height;
+  lab::TexturedPair pair = lab::texturedPair(163, 41);
+  uint32_t width = pair.width, height = pair.height;
   size_t pixels = size_t{width} * height;
   std::vector<uint32_t> first = std::vector<uint32_t>(pixels, CENSUS_INVALID), reference = first;
 
   void census() {
-    IP_Census_5x5(scene.first.data(), first.data(), width, height);
-    IP_Census_5x5(scene.reference.data(), reference.data(), width, height);
+    IP_Census_5x5(pair.first.data(), first.data(), width, height);
+    IP_Census_5x5(pair.reference.data(), reference.data(), width, height);
   }
 };
 
 void callSteps(const Pair& pair) {
-  std::vector<uint8_t> costs(size_t{pair.width} * kDisparities), sums(costs.size());
+  std::vector<uint8_t> costs(size_t{pair.width} * disparityCount), sums(costs.size());
   const size_t row = size_t{10} * pair.width;
   for (const auto function : {SGM_CalcDsiRow, SGM_CalcDsiRow_neon}) {
-    function(&pair.first[row], &pair.reference[row], pair.width, pair.height, kDisparities, 10, costs.data());
+    function(&pair.first[row], &pair.reference[row], pair.width, pair.height, disparityCount, 10, costs.data());
   }
   std::vector<uint8_t> p2[4];
   for (auto& map : p2) map.resize(pair.pixels);
-  SGM_CalcP2(pair.scene.reference.data(), pair.width, pair.height, p2[0].data(), p2[1].data(), p2[2].data(),
+  SGM_CalcP2(pair.pair.reference.data(), pair.width, pair.height, p2[0].data(), p2[1].data(), p2[2].data(),
              p2[3].data());
   for (uint32_t dir = PC_DIR_LEFT; dir <= PC_DIR_UPRIGHT; ++dir) {
     PcBuffer pc;
-    done(PC_Init(&pc, dir, pair.width, kDisparities, 7));
+    done(PC_Init(&pc, dir, pair.width, disparityCount, 7));
     PC_ResetBuffer(&pc);
     PC_NextFrame(&pc);
     for (const auto function : {PC_NextRow, PC_NextRow_neon}) {
@@ -49,28 +49,28 @@ void callSteps(const Pair& pair) {
 }
 
 void callSelection() {
-  const auto costs = Random(1).values<uint8_t>(size_t{40} * kDisparities, 100);
-  for (size_t at = 0; at < costs.size(); at += kDisparities) {
+  const auto costs = lab::Random(1).values<uint8_t>(size_t{40} * disparityCount, 100);
+  for (size_t at = 0; at < costs.size(); at += disparityCount) {
     uint8_t value;
     uint32_t index;
-    SGM_FindMinIdx(&costs[at], kDisparities, &value, &index);
-    SGM_FindMinIdx_neon(&costs[at], kDisparities, &value, &index);
-    SGM_PeakCheckExtended(&costs[at], kDisparities - 1, 10);
-    SGM_PeakCheckExtended_neon(&costs[at], kDisparities - 1, 10);
+    SGM_FindMinIdx(&costs[at], disparityCount, &value, &index);
+    SGM_FindMinIdx_neon(&costs[at], disparityCount, &value, &index);
+    SGM_PeakCheckExtended(&costs[at], disparityCount - 1, 10);
+    SGM_PeakCheckExtended_neon(&costs[at], disparityCount - 1, 10);
   }
 }
 
 void callMatcher(const Pair& pair) {
-  const SgmParams params = {kDisparities, 10};
+  const SgmParams params = {disparityCount, 10};
   std::vector<uint16_t> disparity(pair.pixels), cleaned(pair.pixels);
   std::vector<uint8_t> distinctness(pair.pixels);
-  IP_SgmFull(pair.first.data(), pair.reference.data(), pair.scene.reference.data(), pair.width, pair.height, &params,
+  IP_SgmFull(pair.first.data(), pair.reference.data(), pair.pair.reference.data(), pair.width, pair.height, &params,
              disparity.data(), nullptr);
-  IP_Sgm(pair.first.data(), pair.reference.data(), pair.scene.reference.data(), pair.width, pair.height,
+  IP_Sgm(pair.first.data(), pair.reference.data(), pair.pair.reference.data(), pair.width, pair.height,
          distinctness.data(), nullptr);
-  done(IP_SgmPostproc(disparity.data(), pair.scene.mask.data(), cleaned.data(), pair.width, pair.height));
+  done(IP_SgmPostproc(disparity.data(), pair.pair.mask.data(), cleaned.data(), pair.width, pair.height));
   SgmDebugData debug;
-  done(IP_SgmMakeDebugData(pair.width, pair.height, kDisparities, &debug));
+  done(IP_SgmMakeDebugData(pair.width, pair.height, disparityCount, &debug));
   IP_SgmFreeDebugData(&debug);
 }
 

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "lab/levels.hpp"
 #include "tests/fuzz/input.hpp"
 #include "tests/models/stereo.hpp"
+#include "tests/support/levels.hpp"
 
 namespace nadir::test {
 namespace {

@@ -12,46 +12,48 @@ struct Mounting {
   ElevMapParams map;
 };
 
-constexpr int kRounds = 200;
+constexpr int rounds = 200;
 
-float angle(Random& random, int32_t reach) { return static_cast<float>(random.between(-reach * 8, reach * 8)) / 8.0f; }
+float angle(lab::Random& random, int32_t reach) {
+  return static_cast<float>(random.between(-reach * 8, reach * 8)) / 8.0f;
+}
 
-Mounting anyMounting(Random& random) {
+Mounting anyMounting(lab::Random& random) {
   return {{random.between(50, 200) * 256, random.between(300, 900) * 256 + 17, 160 * 16 + 5, 120 * 16 - 3},
           {static_cast<float>(random.between(1500, 4000)), angle(random, 40) - 45, angle(random, 30)},
           {static_cast<uint16_t>(random.between(20, 100)), static_cast<uint16_t>(random.between(20, 100)), 50, 40}};
 }
 
-StereoCtx anyContext(Random& random) {
+StereoCtx anyContext(lab::Random& random) {
   const Mounting mounting = anyMounting(random);
   StereoCtx ctx;
   ip_stereo_init(&ctx, &mounting.inner, &mounting.orientation, &mounting.map);
   return ctx;
 }
 
-Point_f32 anyPixel(Random& random) {
+Point_f32 anyPixel(lab::Random& random) {
   return {static_cast<float>(random.between(0, 640)) / 2.0f, static_cast<float>(random.between(0, 480)) / 2.0f};
 }
 
-Point3_f32 anyWorldPoint(Random& random) {
+Point3_f32 anyWorldPoint(lab::Random& random) {
   const auto any = [&] { return static_cast<float>(random.between(-30000, 30000)) / 7.0f; };
   return {any(), any(), any()};
 }
 
-Hash& add(Hash& hash, const Point_f32& p) { return hash.add(p.x).add(p.y); }
-Hash& add(Hash& hash, const Point3_f32& p) { return hash.add(p.x).add(p.y).add(p.z); }
-Hash& add(Hash& hash, const Point_s32& p) { return hash.add(p.x).add(p.y); }
-Hash& add(Hash& hash, const Point3_s32& p) { return hash.add(p.x).add(p.y).add(p.z); }
+Fingerprint& add(Fingerprint& hash, const Point_f32& p) { return hash.add(p.x).add(p.y); }
+Fingerprint& add(Fingerprint& hash, const Point3_f32& p) { return hash.add(p.x).add(p.y).add(p.z); }
+Fingerprint& add(Fingerprint& hash, const Point_s32& p) { return hash.add(p.x).add(p.y); }
+Fingerprint& add(Fingerprint& hash, const Point3_s32& p) { return hash.add(p.x).add(p.y).add(p.z); }
 
-void add(Hash& hash, const ExtCalib& ext) {
+void add(Fingerprint& hash, const ExtCalib& ext) {
   for (const float value : ext.R) hash.add(value);
   for (const float value : ext.T) hash.add(value);
 }
 
-Hash contexts() {
-  Hash hash;
-  Random random(1);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint contexts() {
+  Fingerprint hash;
+  lab::Random random(1);
+  for (int i = 0; i < rounds; ++i) {
     const StereoCtx ctx = anyContext(random);
     const IntCalib& inner = ctx.intCalib;
     hash.add(inner.baseline).add(inner.focalLength).add(inner.principalX).add(inner.principalY);
@@ -61,10 +63,10 @@ Hash contexts() {
   return hash;
 }
 
-Hash spaceToPicture() {
-  Hash hash;
-  Random random(2);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint spaceToPicture() {
+  Fingerprint hash;
+  lab::Random random(2);
+  for (int i = 0; i < rounds; ++i) {
     const StereoCtx ctx = anyContext(random);
     const Point3_f32 world = anyWorldPoint(random);
     Point3_f32 cam, back;
@@ -78,10 +80,10 @@ Hash spaceToPicture() {
   return hash;
 }
 
-Hash pictureToSpace() {
-  Hash hash;
-  Random random(3);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint pictureToSpace() {
+  Fingerprint hash;
+  lab::Random random(3);
+  for (int i = 0; i < rounds; ++i) {
     const StereoCtx ctx = anyContext(random);
     const Point_f32 img = anyPixel(random);
     const float disparity = static_cast<float>(random.between(1, 1000)) / 16.0f;
@@ -96,10 +98,10 @@ Hash pictureToSpace() {
   return hash;
 }
 
-Hash customFrames() {
-  Hash hash;
-  Random random(4);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint customFrames() {
+  Fingerprint hash;
+  lab::Random random(4);
+  for (int i = 0; i < rounds; ++i) {
     const Mounting mounting = anyMounting(random);
     const CustomFrameParams frame{1, 100, 120, static_cast<uint16_t>(120 + random.below(100)), 150, 500, -300};
     const Point3_f32 world = anyWorldPoint(random);
@@ -113,17 +115,17 @@ Hash customFrames() {
   return hash;
 }
 
-TrafoParams anyTrafo(Random& random) {
+TrafoParams anyTrafo(lab::Random& random) {
   const Mounting mounting = anyMounting(random);
   TrafoParams trafo;
   ip_createTrafoParams(&mounting.orientation, &mounting.inner, &trafo);
   return trafo;
 }
 
-Hash fixedPoint() {
-  Hash hash;
-  Random random(5);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint fixedPoint() {
+  Fingerprint hash;
+  lab::Random random(5);
+  for (int i = 0; i < rounds; ++i) {
     const TrafoParams trafo = anyTrafo(random);
     const Point3_s32 world{random.between(-50000, 50000), random.between(-50000, 50000), random.between(0, 60000)};
     const Point_s32 pixel{random.between(0, 5120), random.between(0, 3840)};
@@ -140,10 +142,10 @@ Hash fixedPoint() {
   return hash;
 }
 
-Hash gridCoordinates() {
-  Hash hash;
-  Random random(6);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint gridCoordinates() {
+  Fingerprint hash;
+  lab::Random random(6);
+  for (int i = 0; i < rounds; ++i) {
     const int32_t any = random.between(-100000, 100000), origin = random.between(-5000, 5000);
     hash.add(ip_millimeter2CalibCoord_s32(any)).add(ip_calibCoord2Millimeter_s32(any));
     hash.add(ip_gridCoord2Coord_s32(any % 300, origin, random.below(200)));
@@ -152,9 +154,9 @@ Hash gridCoordinates() {
   return hash;
 }
 
-Hash elevationMasks() {
-  Hash hash;
-  Random random(7);
+Fingerprint elevationMasks() {
+  Fingerprint hash;
+  lab::Random random(7);
   for (int i = 0; i < 20; ++i) {
     const StereoCtx ctx = anyContext(random);
     std::vector<uint32_t> polygon{5};  // a count and five vertices

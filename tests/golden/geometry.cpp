@@ -7,21 +7,21 @@ namespace nadir::test::golden {
 namespace {
 
 // Coordinates in a small range, so that equal, collinear and touching things are frequent.
-int32_t coordinate(Random& random) { return random.between(-20, 20); }
-float fraction(Random& random) { return static_cast<float>(random.between(-80, 80)) / 4.0f; }
+int32_t coordinate(lab::Random& random) { return random.between(-20, 20); }
+float fraction(lab::Random& random) { return static_cast<float>(random.between(-80, 80)) / 4.0f; }
 
-Point_s32 point(Random& random) { return {coordinate(random), coordinate(random)}; }
-Point_f32 pointF(Random& random) { return {fraction(random), fraction(random)}; }
+Point_s32 point(lab::Random& random) { return {coordinate(random), coordinate(random)}; }
+Point_f32 pointF(lab::Random& random) { return {fraction(random), fraction(random)}; }
 
-Hash& add(Hash& hash, const Point_s32& p) { return hash.add(p.x).add(p.y); }
-Hash& add(Hash& hash, const Point_f32& p) { return hash.add(p.x).add(p.y); }
+Fingerprint& add(Fingerprint& hash, const Point_s32& p) { return hash.add(p.x).add(p.y); }
+Fingerprint& add(Fingerprint& hash, const Point_f32& p) { return hash.add(p.x).add(p.y); }
 
-constexpr int kRounds = 2000;
+constexpr int rounds = 2000;
 
-Hash points() {
-  Hash hash;
-  Random random(1);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint points() {
+  Fingerprint hash;
+  lab::Random random(1);
+  for (int i = 0; i < rounds; ++i) {
     const Point_s32 a = point(random), b = point(random), c = point(random);
     hash.add(IP_Geom_Orientation(a.x, a.y, b.x, b.y, c.x, c.y));
     const Point_f32 d = pointF(random), e = pointF(random), f = pointF(random);
@@ -33,10 +33,10 @@ Hash points() {
   return hash;
 }
 
-Hash edges() {
-  Hash hash;
-  Random random(2);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint edges() {
+  Fingerprint hash;
+  lab::Random random(2);
+  for (int i = 0; i < rounds; ++i) {
     const Point_s32 a = point(random), b = point(random), c = point(random), d = point(random);
     const Edge_s32 e{a.x, a.y, b.x, b.y}, f{c.x, c.y, d.x, d.y};
     hash.add(IP_Geom_EdgesIntersect(&e, &f)).add(IP_Geom_EdgePoint2_SquaredDistance_s32(&e, &c));
@@ -48,10 +48,10 @@ Hash edges() {
   return hash;
 }
 
-Hash lines() {
-  Hash hash;
-  Random random(3);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint lines() {
+  Fingerprint hash;
+  lab::Random random(3);
+  for (int i = 0; i < rounds; ++i) {
     const int32_t reach = i % 2 ? 20 : 3000;
     const auto any = [&] { return random.between(-reach, reach); };
     const Line_s32 a{any(), any(), any(), any()}, b{any(), any(), any(), any()};
@@ -69,14 +69,14 @@ Hash lines() {
 }
 
 template <class Rect>
-Hash& addRect(Hash& hash, const Rect& r) {
+Fingerprint& addRect(Fingerprint& hash, const Rect& r) {
   return hash.add(r.x0).add(r.y0).add(r.x1).add(r.y1);
 }
 
-Hash rectangles() {
-  Hash hash;
-  Random random(4);
-  for (int i = 0; i < kRounds; ++i) {
+Fingerprint rectangles() {
+  Fingerprint hash;
+  lab::Random random(4);
+  for (int i = 0; i < rounds; ++i) {
     const auto any = [&] { return random.between(-9, 9); };
     const Rect_s32 a{any(), any(), any(), any()}, b{any(), any(), any(), any()};
     Rect_s32 all{1, 2, 3, 4}, common{1, 2, 3, 4}, grown = a;
@@ -98,7 +98,7 @@ Hash rectangles() {
 template <class Polygon, class Point>
 class Ring {
  public:
-  Ring(Random& random, Point (*any)(Random&)) : words_(1 + 2 * 12) {
+  Ring(lab::Random& random, Point (*any)(lab::Random&)) : words_(1 + 2 * 12) {
     words_[0] = 3 + random.below(10);
     for (size_t i = 0; i < 12; ++i) {
       const Point p = any(random);
@@ -112,9 +112,9 @@ class Ring {
   std::vector<uint32_t> words_;
 };
 
-Hash polygons() {
-  Hash hash;
-  Random random(5);
+Fingerprint polygons() {
+  Fingerprint hash;
+  lab::Random random(5);
   for (int i = 0; i < 300; ++i) {
     Ring<Polygon_s32, Point_s32> ring(random, point);
     hash.add(IP_Polygon_IsSimple(ring.get()));
@@ -131,9 +131,9 @@ Hash polygons() {
   return hash;
 }
 
-Hash polygonsF() {
-  Hash hash;
-  Random random(6);
+Fingerprint polygonsF() {
+  Fingerprint hash;
+  lab::Random random(6);
   for (int i = 0; i < 300; ++i) {
     Ring<Polygon_f32, Point_f32> ring(random, pointF);
     hash.add(IP_Polygon_IsSimple_f32(ring.get()));
@@ -153,9 +153,9 @@ Hash polygonsF() {
 // The callback has no place for a pointer to where its points shall go.
 std::vector<int32_t> visited;
 
-Hash digitalLines() {
-  Hash hash;
-  Random random(7);
+Fingerprint digitalLines() {
+  Fingerprint hash;
+  lab::Random random(7);
   for (int i = 0; i < 300; ++i) {
     const Point_s32 from = point(random), to = point(random);
     visited.clear();

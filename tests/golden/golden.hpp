@@ -9,11 +9,11 @@
 
 namespace nadir::test::golden {
 
-using Hash = verify::Fingerprint;
+using lab::Fingerprint;
 
 struct Case {
   std::string name;
-  std::function<Hash()> run;
+  std::function<Fingerprint()> run;
 };
 
 // A file each.

@@ -2,149 +2,132 @@
 
 #include <utility>
 
+#include "lab/image.hpp"
 #include "lab/random.hpp"
 #include "tests/golden/golden.hpp"
 
 namespace nadir::test::golden {
 namespace {
 
-constexpr uint32_t kWidth = 83, kHeight = 21, kPixels = kWidth * kHeight;
+constexpr uint32_t pictureWidth = 83, pictureHeight = 21, picturePixels = pictureWidth * pictureHeight;
 
-uint32_t typeOf(uint8_t) { return IMG_TYPE_U8; }
-uint32_t typeOf(int8_t) { return IMG_TYPE_S8; }
-uint32_t typeOf(uint16_t) { return IMG_TYPE_U16; }
-uint32_t typeOf(int16_t) { return IMG_TYPE_S16; }
-uint32_t typeOf(uint32_t) { return IMG_TYPE_U32; }
-uint32_t typeOf(int32_t) { return IMG_TYPE_S32; }
-uint32_t typeOf(float) { return IMG_TYPE_F32; }
-
-// Pixels with their descriptor.
 template <class T>
-struct Picture {
-  explicit Picture(std::vector<T> values) : pixels(std::move(values)) {
-    Img_Init(&img, kWidth, kHeight, typeOf(T{}), pixels.data());
-  }
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
-
-  std::vector<T> pixels;
-  Img img;
-};
+lab::Picture<T> pictureOf(std::vector<T> pixels) {
+  return lab::Picture<T>(pictureWidth, pictureHeight, std::move(pixels));
+}
 
 // Full of values that differ from any result, so that pixels left out show.
 template <class T>
-struct Blank : Picture<T> {
-  Blank() : Picture<T>(std::vector<T>(kPixels, static_cast<T>(0x5A))) {}
-};
+lab::Picture<T> blank() {
+  return lab::Picture<T>(pictureWidth, pictureHeight, static_cast<T>(0x5A));
+}
 
 // Values below `bound`, a third of them 0.
 template <class T>
-struct Holes : Picture<T> {
-  explicit Holes(uint64_t seed, uint32_t bound = 65536) : Picture<T>(make(seed, bound)) {}
-
- private:
-  static std::vector<T> make(uint64_t seed, uint32_t bound) {
-    Random random(seed);
-    std::vector<T> values(kPixels);
-    for (T& value : values) value = random.below(3) == 0 ? T{0} : static_cast<T>(random.below(bound));
-    return values;
-  }
-};
+lab::Picture<T> holes(uint64_t seed, uint32_t bound = 65536) {
+  lab::Random random(seed);
+  std::vector<T> values(picturePixels);
+  for (T& value : values) value = random.below(3) == 0 ? T{0} : static_cast<T>(random.below(bound));
+  return pictureOf(std::move(values));
+}
 
 // ---- thresholds, arithmetic, masks, filters ----
 
 template <class T>
-Hash threshold(uint32_t mode) {
-  Holes<T> src(1, 4096), inPlace(1, 4096);
-  Blank<T> dst;
-  Hash hash;
-  hash.done(IP_Threshold(&src.img, &dst.img, 2000, mode)).add(dst.pixels);
-  return hash.done(IP_Threshold_I(&inPlace.img, 0x8FFFF, mode)).add(inPlace.pixels);
+Fingerprint threshold(uint32_t mode) {
+  auto src = holes<T>(1, 4096), inPlace = holes<T>(1, 4096);
+  auto dst = blank<T>();
+  Fingerprint hash;
+  hash.done(IP_Threshold(&src.image, &dst.image, 2000, mode)).add(dst.grid.pixels);
+  return hash.done(IP_Threshold_I(&inPlace.image, 0x8FFFF, mode)).add(inPlace.grid.pixels);
 }
 
 template <class T>
-Hash thresholdRange(int32_t mode) {
-  Holes<T> src(2), inPlace(2);
-  Blank<T> dst;
-  Hash hash;
-  hash.done(IP_ThresholdRange(&src.img, &dst.img, 1000, 30000, mode)).add(dst.pixels);
-  return hash.done(IP_ThresholdRange_I(&inPlace.img, 0xC000, 0x3000, mode)).add(inPlace.pixels);
+Fingerprint thresholdRange(int32_t mode) {
+  auto src = holes<T>(2), inPlace = holes<T>(2);
+  auto dst = blank<T>();
+  Fingerprint hash;
+  hash.done(IP_ThresholdRange(&src.image, &dst.image, 1000, 30000, mode)).add(dst.grid.pixels);
+  return hash.done(IP_ThresholdRange_I(&inPlace.image, 0xC000, 0x3000, mode)).add(inPlace.grid.pixels);
 }
 
 template <class T>
-Hash arithmetic(uint32_t op) {
-  Holes<T> a(3), inPlace(4);
-  Picture<T> b(Random(5).values<T>(kPixels, 65536));
-  for (size_t i = 0; i < kPixels; ++i) {
-    if (op == IMGOP_SHL || op == IMGOP_SHR) b.pixels[i] = static_cast<T>(i % 40 == 39 ? 255 : i % 40);
-    if (b.pixels[i] == 0) b.pixels[i] = 1;
+Fingerprint arithmetic(uint32_t op) {
+  auto a = holes<T>(3), inPlace = holes<T>(4);
+  auto b = pictureOf(lab::Random(5).values<T>(picturePixels, 65536));
+  for (size_t i = 0; i < picturePixels; ++i) {
+    if (op == IMGOP_SHL || op == IMGOP_SHR) b.grid.pixels[i] = static_cast<T>(i % 40 == 39 ? 255 : i % 40);
+    if (b.grid.pixels[i] == 0) b.grid.pixels[i] = 1;
   }
-  Blank<T> out;
-  Hash hash;
-  hash.done(IP_ImgOpImg(&a.img, &b.img, &out.img, op)).add(out.pixels);
-  return hash.done(IP_ImgOpImg_I(&inPlace.img, &b.img, op)).add(inPlace.pixels);
+  auto out = blank<T>();
+  Fingerprint hash;
+  hash.done(IP_ImgOpImg(&a.image, &b.image, &out.image, op)).add(out.grid.pixels);
+  return hash.done(IP_ImgOpImg_I(&inPlace.image, &b.image, op)).add(inPlace.grid.pixels);
 }
 
 template <class T>
-Hash mask(uint32_t mode) {
-  Picture<T> src(Random(6).values<T>(kPixels, 65536)), inPlace(Random(7).values<T>(kPixels, 65536));
-  Holes<uint8_t> shape(8, 256);
-  Blank<T> dst;
-  Hash hash;
-  hash.done(IP_Mask(&src.img, &shape.img, &dst.img, mode)).add(dst.pixels);
-  return hash.done(IP_Mask_I(&inPlace.img, &shape.img, mode)).add(inPlace.pixels);
+Fingerprint mask(uint32_t mode) {
+  auto src = pictureOf(lab::Random(6).values<T>(picturePixels, 65536)),
+       inPlace = pictureOf(lab::Random(7).values<T>(picturePixels, 65536));
+  auto shape = holes<uint8_t>(8, 256);
+  auto dst = blank<T>();
+  Fingerprint hash;
+  hash.done(IP_Mask(&src.image, &shape.image, &dst.image, mode)).add(dst.grid.pixels);
+  return hash.done(IP_Mask_I(&inPlace.image, &shape.image, mode)).add(inPlace.grid.pixels);
 }
 
 template <class T>
-Hash filter(uint32_t (*operation)(const Img*, Img*), uint64_t seed) {
-  Holes<T> src(seed);
-  Blank<T> dst;
-  return Hash().done(operation(&src.img, &dst.img)).add(dst.pixels);
+Fingerprint filter(uint32_t (*operation)(const Img*, Img*), uint64_t seed) {
+  auto src = holes<T>(seed);
+  auto dst = blank<T>();
+  return Fingerprint().done(operation(&src.image, &dst.image)).add(dst.grid.pixels);
 }
 
 template <class T>
-Hash morphology(int32_t op) {
-  Holes<T> src(9);
-  Blank<T> dst;
-  return Hash().done(IP_Morph3x3(&src.img, &dst.img, op)).add(dst.pixels);
+Fingerprint morphology(int32_t op) {
+  auto src = holes<T>(9);
+  auto dst = blank<T>();
+  return Fingerprint().done(IP_Morph3x3(&src.image, &dst.image, op)).add(dst.grid.pixels);
 }
 
 // ---- smoothing, hole filling, halving, averages over time ----
 
-Hash gauss() {
-  Picture<uint16_t> src(Random(30).values<uint16_t>(kPixels, 65536));
-  Blank<uint16_t> dst;
-  Hash hash;
-  hash.done(IP_Gauss(&src.img, &dst.img, 0)).add(dst.pixels);
-  return hash.done(IP_Gauss(&src.img, &src.img, 0)).add(src.pixels);
+Fingerprint gauss() {
+  auto src = pictureOf(lab::Random(30).values<uint16_t>(picturePixels, 65536));
+  auto dst = blank<uint16_t>();
+  Fingerprint hash;
+  hash.done(IP_Gauss(&src.image, &dst.image, 0)).add(dst.grid.pixels);
+  return hash.done(IP_Gauss(&src.image, &src.image, 0)).add(src.grid.pixels);
 }
 
-Hash pullPush(uint32_t bound) {
-  Holes<uint16_t> src(31, bound);
-  Blank<uint16_t> dst;
-  return Hash().done(IP_PullPush(&src.img, &dst.img)).add(dst.pixels);
+Fingerprint pullPush(uint32_t bound) {
+  auto src = holes<uint16_t>(31, bound);
+  auto dst = blank<uint16_t>();
+  return Fingerprint().done(IP_PullPush(&src.image, &dst.image)).add(dst.grid.pixels);
 }
 
-Hash halving() {
-  std::vector<uint16_t> pixels = Random(32).values<uint16_t>(640 * 480, 65536), half(320 * 240);
+Fingerprint halving() {
+  std::vector<uint16_t> pixels = lab::Random(32).values<uint16_t>(640 * 480, 65536), half(320 * 240);
   Img src, dst;
   Img_Init(&src, 640, 480, IMG_TYPE_U16, pixels.data());
   Img_Init(&dst, 320, 240, IMG_TYPE_U16, half.data());
-  return Hash().done(IP_ScaleVga2Qvga(&src, &dst)).add(half);
+  return Fingerprint().done(IP_ScaleVga2Qvga(&src, &dst)).add(half);
 }
 
-Hash averages(uint32_t invalidValue, uint32_t minValidPercent) {
-  Blank<uint16_t> count, out;
-  Blank<int32_t> sum;
+Fingerprint averages(uint32_t invalidValue, uint32_t minValidPercent) {
+  auto count = blank<uint16_t>(), out = blank<uint16_t>();
+  auto sum = blank<int32_t>();
   ImgAvrgState state;
-  Hash hash;
-  hash.done(IP_Utils_ImgAvrgInit(&out.img, &sum.img, &count.img, &state));
+  Fingerprint hash;
+  hash.done(IP_Utils_ImgAvrgInit(&out.image, &sum.image, &count.image, &state));
   state.invalidValue = invalidValue;
   state.minValidPercent = minValidPercent;
   for (uint64_t seed = 33; seed < 42; ++seed) {
-    Holes<uint16_t> frame(seed);
-    hash.done(IP_Utils_ImgAvrgAdd(&frame.img, &sum.img, &count.img, &state)).add(sum.pixels).add(count.pixels);
-    hash.done(IP_Utils_ImgAvrgProcess(&out.img, &sum.img, &count.img, &state)).add(out.pixels);
+    auto frame = holes<uint16_t>(seed);
+    hash.done(IP_Utils_ImgAvrgAdd(&frame.image, &sum.image, &count.image, &state))
+        .add(sum.grid.pixels)
+        .add(count.grid.pixels);
+    hash.done(IP_Utils_ImgAvrgProcess(&out.image, &sum.image, &count.image, &state)).add(out.grid.pixels);
   }
   return hash;
 }
@@ -152,23 +135,23 @@ Hash averages(uint32_t invalidValue, uint32_t minValidPercent) {
 // ---- fill, copy, convert ----
 
 template <class T>
-Hash fill() {
-  Blank<T> img;
-  return Hash().done(Img_FillBuffer(&img.img, 0xF1234567)).add(img.pixels);
+Fingerprint fill() {
+  auto img = blank<T>();
+  return Fingerprint().done(Img_FillBuffer(&img.image, 0xF1234567)).add(img.grid.pixels);
 }
 
 template <class From, class To>
-Hash copy() {
-  Picture<From> src(Random(10).values<From>(kPixels, 0xFFFFFFFF));
-  Blank<To> dst;
+Fingerprint copy() {
+  auto src = pictureOf(lab::Random(10).values<From>(picturePixels, 0xFFFFFFFF));
+  auto dst = blank<To>();
   ImgC from;
-  ImgC_Init(&from, kWidth, kHeight, typeOf(From{}), src.pixels.data());
-  return Hash().done(Img_Copy(&from, &dst.img)).add(dst.pixels);
+  ImgC_Init(&from, pictureWidth, pictureHeight, lab::typeOf<From>, src.grid.pixels.data());
+  return Fingerprint().done(Img_Copy(&from, &dst.image)).add(dst.grid.pixels);
 }
 
-Hash convert() {
-  Picture<int16_t> img(Random(11).values<int16_t>(kPixels, 65536));
-  return Hash().done(Img_Convert_I(&img.img, IMG_TYPE_U16)).add(img.pixels).add(img.img.type);
+Fingerprint convert() {
+  auto img = pictureOf(lab::Random(11).values<int16_t>(picturePixels, 65536));
+  return Fingerprint().done(Img_Convert_I(&img.image, IMG_TYPE_U16)).add(img.grid.pixels).add(img.image.type);
 }
 
 // ---- the table ----

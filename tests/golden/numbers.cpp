@@ -9,15 +9,15 @@
 namespace nadir::test::golden {
 namespace {
 
-std::vector<float> floats(Random& random, size_t count) {
+std::vector<float> floats(lab::Random& random, size_t count) {
   std::vector<float> values(count);
   for (float& value : values) value = static_cast<float>(random.between(-100000, 100000)) / 37.0f;
   return values;
 }
 
-Hash matrices() {
-  Hash hash;
-  Random random(1);
+Fingerprint matrices() {
+  Fingerprint hash;
+  lab::Random random(1);
   for (int i = 0; i < 50; ++i) {
     const auto a = floats(random, 9), b = floats(random, 9);
     std::vector<float> product(9), transposed(9), copied(9), image(3), sum(3), difference(3);
@@ -32,9 +32,9 @@ Hash matrices() {
   return hash;
 }
 
-Hash covariances() {
-  Hash hash;
-  Random random(2);
+Fingerprint covariances() {
+  Fingerprint hash;
+  lab::Random random(2);
   for (int32_t count = 2; count < 60; ++count) {
     const auto points = random.values<uint16_t>(2 * static_cast<size_t>(count), count % 2 ? 300 : 65536);
     std::vector<float> covariance(4), values(2), vectors(4);
@@ -44,9 +44,9 @@ Hash covariances() {
   return hash;
 }
 
-Hash medians() {
-  Hash hash;
-  Random random(3);
+Fingerprint medians() {
+  Fingerprint hash;
+  lab::Random random(3);
   for (uint32_t count = 1; count < 200; ++count) {
     auto values = random.values<uint16_t>(count, count % 2 ? 65536 : 12);
     uint16_t median = 0;
@@ -55,9 +55,9 @@ Hash medians() {
   return hash;
 }
 
-Hash radixSort(uint32_t mode) {
-  Hash hash;
-  Random random(4);
+Fingerprint radixSort(uint32_t mode) {
+  Fingerprint hash;
+  lab::Random random(4);
   for (uint32_t count = 0; count < 200; ++count) {
     const auto keys = random.values<uint16_t>(count + 1, count % 2 ? 65536 : 12);
     std::vector<uint16_t> indices(count + 1);
@@ -67,9 +67,9 @@ Hash radixSort(uint32_t mode) {
 }
 
 // A value that moves, measured with errors at uneven times.
-Hash tracking() {
-  Hash hash;
-  Random random(5);
+Fingerprint tracking() {
+  Fingerprint hash;
+  lab::Random random(5);
   for (int run = 0; run < 20; ++run) {
     const auto sigmas = floats(random, 3);
     Kalman1d filter = {};
@@ -89,9 +89,9 @@ Hash tracking() {
 // Of parabolas: no function of the mathematics library, whose last bits are its own.
 double parabola(void* top, double x) { return -(x - *static_cast<double*>(top)) * (x - *static_cast<double*>(top)); }
 
-Hash searches() {
-  Hash hash;
-  Random random(6);
+Fingerprint searches() {
+  Fingerprint hash;
+  lab::Random random(6);
   for (uint32_t maxEval = 0; maxEval < 60; ++maxEval) {
     double top = random.between(-1000, 1000) / 7.0;
     const GsFunc function{parabola, &top};
@@ -104,9 +104,9 @@ Hash searches() {
 }
 
 // Everything that a list of random insertions and erasures holds, after each of them.
-Hash lists(bool isStatic) {
-  Hash hash;
-  Random random(7);
+Fingerprint lists(bool isStatic) {
+  Fingerprint hash;
+  lab::Random random(7);
   std::vector<ListNode> nodes(20);
   std::vector<uint32_t> items(20);
   List list;
@@ -149,8 +149,8 @@ std::vector<char> printed(Print print) {
   return text;
 }
 
-Hash digits() {
-  Hash hash;
+Fingerprint digits() {
+  Fingerprint hash;
   for (const uint32_t number : {0u, 7u, 42u, 123u, 456u, 789u, 999u, 1000u}) {
     int32_t result = 0;
     hash.add(printed([&] { result = IP_Utils_PrintNumAsAscii(number); })).add(result);

@@ -3,12 +3,13 @@
 #include <array>
 
 #include "lab/random.hpp"
+#include "lab/textured_pair.hpp"
 #include "tests/golden/golden.hpp"
 
 namespace nadir::test::golden {
 namespace {
 
-constexpr uint32_t kD = 64;
+constexpr uint32_t disparityCount = 64;
 
 struct Stereo {
   uint32_t width = 121, height = 15;
@@ -24,44 +25,35 @@ std::vector<uint32_t> censusOf(const std::vector<uint16_t>& image, const Stereo&
   return codes;
 }
 
-// A textured ground whose disparity grows with y, with noise and pixels without data.
+// A ground whose disparity grows with y.
 Stereo ground() {
   Stereo stereo;
-  Random random(12);
-  std::vector<uint16_t> first(stereo.pixels());
-  stereo.image.resize(stereo.pixels());
-  for (uint32_t y = 0; y < stereo.height; ++y) {
-    const std::vector<uint16_t> texture = random.values<uint16_t>(stereo.width + 60, 5000);
-    const auto seen = [&](uint32_t x) {
-      return static_cast<uint16_t>(texture[x] % 97 ? texture[x] + random.below(90) : 0);
-    };
-    for (uint32_t x = 0; x < stereo.width; ++x) {
-      first[y * stereo.width + x] = seen(x);
-      stereo.image[y * stereo.width + x] = seen(x + 4 + 2 * y);
-    }
-  }
-  stereo.first = censusOf(first, stereo);
-  stereo.ref = censusOf(stereo.image, stereo);
+  lab::Random random(12);
+  lab::TexturedPair pair = lab::shiftedRows(
+      stereo.width, stereo.height, 60, [](uint32_t y) { return 4 + 2 * y; }, random);
+  stereo.first = censusOf(pair.first, stereo);
+  stereo.ref = censusOf(pair.reference, stereo);
+  stereo.image = std::move(pair.reference);
   return stereo;
 }
 
 // Codes that no census makes.
 Stereo anyCodes() {
   Stereo stereo = ground();
-  stereo.first = Random(13).values<uint32_t>(stereo.pixels(), 0xFFFFFFFF);
-  stereo.ref = Random(14).values<uint32_t>(stereo.pixels(), 0xFFFFFFFF);
+  stereo.first = lab::Random(13).values<uint32_t>(stereo.pixels(), 0xFFFFFFFF);
+  stereo.ref = lab::Random(14).values<uint32_t>(stereo.pixels(), 0xFFFFFFFF);
   return stereo;
 }
 
-Hash census() { return Hash().add(ground().first).add(ground().ref); }
+Fingerprint census() { return Fingerprint().add(ground().first).add(ground().ref); }
 
 using CostRow = void (*)(const uint32_t*, const uint32_t*, uint32_t, uint32_t, uint32_t, uint32_t, uint8_t*);
 
-Hash costRows(CostRow function, uint32_t numDisparities) {
-  Hash hash;
+Fingerprint costRows(CostRow function, uint32_t numDisparities) {
+  Fingerprint hash;
   for (const Stereo& stereo : {ground(), anyCodes()}) {
     for (uint32_t y = 0; y < stereo.height; ++y) {
-      std::vector<uint8_t> costs(stereo.width * kD, 0);
+      std::vector<uint8_t> costs(stereo.width * disparityCount, 0);
       function(&stereo.first[y * stereo.width], &stereo.ref[y * stereo.width], stereo.width, stereo.height,
                numDisparities, y, costs.data());
       hash.add(costs);
@@ -72,11 +64,11 @@ Hash costRows(CostRow function, uint32_t numDisparities) {
 
 using NextRow = void (*)(PcBuffer*, const uint8_t*, const uint8_t*, uint8_t*);
 
-Hash pathCosts(NextRow function, uint32_t dir, uint32_t numDisparities) {
+Fingerprint pathCosts(NextRow function, uint32_t dir, uint32_t numDisparities) {
   constexpr uint32_t width = 37;
-  Random random(15 + dir);
+  lab::Random random(15 + dir);
   PcBuffer pc;
-  Hash hash;
+  Fingerprint hash;
   hash.done(PC_Init(&pc, dir, width, numDisparities, 7));
   PC_NextFrame(&pc);
   for (int y = 0; y < 5; ++y) {
@@ -90,23 +82,23 @@ Hash pathCosts(NextRow function, uint32_t dir, uint32_t numDisparities) {
   return hash;
 }
 
-Hash penalties() {
+Fingerprint penalties() {
   const Stereo stereo = ground();
   std::array<std::vector<uint8_t>, 4> maps;
   for (auto& map : maps) map.resize(stereo.pixels());
   SGM_CalcP2(stereo.image.data(), stereo.width, stereo.height, maps[0].data(), maps[1].data(), maps[2].data(),
              maps[3].data());
-  Hash hash;
+  Fingerprint hash;
   for (const auto& map : maps) hash.add(map);
   return hash;
 }
 
 using FindMin = uint32_t (*)(const uint8_t*, uint32_t, uint8_t*, uint32_t*);
 
-Hash minima(FindMin function) {
-  Hash hash;
+Fingerprint minima(FindMin function) {
+  Fingerprint hash;
   for (uint32_t count = 0; count <= 256; ++count) {
-    const auto costs = Random(count).values<uint8_t>(count + 1, count % 5 ? 256 : 3);
+    const auto costs = lab::Random(count).values<uint8_t>(count + 1, count % 5 ? 256 : 3);
     uint8_t value = 0;
     uint32_t index = 0;
     function(costs.data(), count, &value, &index);
@@ -117,11 +109,11 @@ Hash minima(FindMin function) {
 
 using PeakCheck = int32_t (*)(const uint8_t*, uint32_t, uint32_t);
 
-Hash peaks(PeakCheck function) {
-  Hash hash;
+Fingerprint peaks(PeakCheck function) {
+  Fingerprint hash;
   for (uint32_t maxIndex = 0; maxIndex < 256; ++maxIndex) {
     for (const uint32_t ratio : {0u, 10u, 128u, 700u, 0xFFFFFFFFu}) {
-      auto costs = Random(maxIndex).values<uint8_t>(maxIndex + 1, 230);
+      auto costs = lab::Random(maxIndex).values<uint8_t>(maxIndex + 1, 230);
       costs[maxIndex / 2] = static_cast<uint8_t>(maxIndex % 16);
       hash.add(function(costs.data(), maxIndex, ratio));
     }
@@ -129,9 +121,11 @@ Hash peaks(PeakCheck function) {
   return hash;
 }
 
-void addBlock(Hash& hash, const uint8_t* block, size_t bytes) { hash.add(std::vector<uint8_t>(block, block + bytes)); }
+void addBlock(Fingerprint& hash, const uint8_t* block, size_t bytes) {
+  hash.add(std::vector<uint8_t>(block, block + bytes));
+}
 
-void addDebug(Hash& hash, const SgmDebugData& debug) {
+void addDebug(Fingerprint& hash, const SgmDebugData& debug) {
   addBlock(hash, debug.costVolume, debug.costVolumeSize);
   addBlock(hash, debug.aggregatedVolume, debug.aggregatedVolumeSize);
   for (const uint8_t* map : {debug.p2Left, debug.p2UpLeft, debug.p2Up, debug.p2UpRight}) {
@@ -139,12 +133,12 @@ void addDebug(Hash& hash, const SgmDebugData& debug) {
   }
 }
 
-Hash full(const Stereo& stereo, uint32_t ratio, bool withDebug) {
-  const SgmParams params{kD, ratio};
+Fingerprint full(const Stereo& stereo, uint32_t ratio, bool withDebug) {
+  const SgmParams params{disparityCount, ratio};
   std::vector<uint16_t> disparity(stereo.pixels());
   SgmDebugData debug;
-  Hash hash;
-  hash.done(IP_SgmMakeDebugData(stereo.width, stereo.height, kD, &debug));
+  Fingerprint hash;
+  hash.done(IP_SgmMakeDebugData(stereo.width, stereo.height, disparityCount, &debug));
   IP_SgmFull(stereo.first.data(), stereo.ref.data(), stereo.image.data(), stereo.width, stereo.height, &params,
              disparity.data(), withDebug ? &debug : nullptr);
   hash.add(disparity);
@@ -156,11 +150,11 @@ Hash full(const Stereo& stereo, uint32_t ratio, bool withDebug) {
   return hash;
 }
 
-Hash distinct(const Stereo& stereo, bool withDebug) {
+Fingerprint distinct(const Stereo& stereo, bool withDebug) {
   std::vector<uint8_t> map(stereo.pixels());
   SgmDebugData debug;
-  Hash hash;
-  hash.done(IP_SgmMakeDebugData(stereo.width, stereo.height, kD, &debug));
+  Fingerprint hash;
+  hash.done(IP_SgmMakeDebugData(stereo.width, stereo.height, disparityCount, &debug));
   IP_Sgm(stereo.first.data(), stereo.ref.data(), stereo.image.data(), stereo.width, stereo.height, map.data(),
          withDebug ? &debug : nullptr);
   hash.add(map);
@@ -169,14 +163,14 @@ Hash distinct(const Stereo& stereo, bool withDebug) {
   return hash;
 }
 
-Hash postproc() {
+Fingerprint postproc() {
   constexpr uint32_t width = 83, height = 21;
-  Random random(20);
+  lab::Random random(20);
   auto disparity = random.values<uint16_t>(width * height, 985);
   for (uint16_t& value : disparity) value = random.below(3) ? value : uint16_t{0};
   const auto mask = random.values<uint8_t>(width * height, 2);
   std::vector<uint16_t> result(width * height);
-  return Hash().done(IP_SgmPostproc(disparity.data(), mask.data(), result.data(), width, height)).add(result);
+  return Fingerprint().done(IP_SgmPostproc(disparity.data(), mask.data(), result.data(), width, height)).add(result);
 }
 
 void addPathCosts(std::vector<Case>& cases) {

@@ -35,7 +35,7 @@ void check(Check& check, Filter3x3<T> scalar, Filter3x3<T> tested) {
 template <class T>
 void bench(Filter3x3<T> filter) {
   constexpr size_t width = 640, height = 480;
-  static const std::vector<T> src = Random(7).values<T>(width * height, 65536);
+  static const std::vector<T> src = lab::Random(7).values<T>(width * height, 65536);
   static std::vector<T> dst(width * height);
   filter(src.data(), width, dst.data() + width + 1, width, height - 2, width - 2);
 }

@@ -32,13 +32,13 @@ inline const char* nameOf(Fill fill) {
 constexpr size_t widest = 4 * 32 + 1;  // four of the widest vectors of 16-bit words, and one more
 
 template <class T>
-T anyIn(Random& random, T lo, T hi) {
+T anyIn(lab::Random& random, T lo, T hi) {
   const uint64_t count = static_cast<uint64_t>(int64_t{hi} - int64_t{lo}) + 1;
   return static_cast<T>(int64_t{lo} + static_cast<int64_t>(random.next() % count));
 }
 
 template <class T>
-std::vector<T> filled(Random& random, Fill fill, size_t n, T lo, T hi) {
+std::vector<T> filled(lab::Random& random, Fill fill, size_t n, T lo, T hi) {
   std::vector<T> out(n, lo);
   for (size_t i = 0; i < n; ++i) {
     const T anything = anyIn(random, lo, hi);
@@ -102,7 +102,7 @@ class Check {
   const std::string& inputs() const { return inputs_; }
   size_t comparisons() const { return comparisons_; }
 
-  Random random;
+  lab::Random random;
 
  private:
   void fail(const std::string& what) {

@@ -9,9 +9,9 @@
 #include <cstring>
 #include <set>
 
-#include "lab/levels.hpp"
 #include "simd/cpu.hpp"
 #include "tests/kernels/harness.hpp"
+#include "tests/support/levels.hpp"
 
 namespace nadir::test {
 namespace {

@@ -59,7 +59,7 @@ void checkMask(Check& check, MaskRow<T> scalar, MaskRow<T> tested) {
 template <class T>
 const std::vector<T>& benchPixels() {
   static const std::vector<T> pixels = [] {
-    std::vector<T> any = Random(7).values<T>(benchPixelCount, 65536);
+    std::vector<T> any = lab::Random(7).values<T>(benchPixelCount, 65536);
     std::replace(any.begin(), any.end(), T{0}, T{1});
     return any;
   }();

@@ -47,7 +47,7 @@ void checkPeak(Check& check, PeakCheck scalar, PeakCheck tested) {
   });
 }
 
-void setWinner(Winners& winners, size_t i, Random& random, unsigned below, unsigned above) {
+void setWinner(Winners& winners, size_t i, lab::Random& random, unsigned below, unsigned above) {
   const unsigned cost = random.below(256u - (below > above ? below : above));
   winners.index[i] = static_cast<uint16_t>(2 + random.below(60));
   winners.cost[i] = static_cast<uint16_t>(cost);
@@ -80,7 +80,7 @@ void checkRefine(Check& check, Refine scalar, Refine tested) {
 }
 
 const std::vector<uint8_t>& benchCosts() {
-  static const std::vector<uint8_t> costs = Random(7).values<uint8_t>(640 * 64, 253);
+  static const std::vector<uint8_t> costs = lab::Random(7).values<uint8_t>(640 * 64, 253);
   return costs;
 }
 

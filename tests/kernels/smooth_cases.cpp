@@ -101,7 +101,7 @@ void forRows(F f) {
 }
 
 const uint16_t* benchPixels() {
-  static const std::vector<uint16_t> row = Random(7).values<uint16_t>(2 * benchWidth, 65536);
+  static const std::vector<uint16_t> row = lab::Random(7).values<uint16_t>(2 * benchWidth, 65536);
   return row.data();
 }
 
@@ -116,7 +116,7 @@ void benchAcross(Across across) {
 }
 
 void benchDown(Down down) {
-  static std::vector<uint16_t> sums = Random(8).values<uint16_t>(2 * gaussRowCount * benchWidth, largestSum + 1);
+  static std::vector<uint16_t> sums = lab::Random(8).values<uint16_t>(2 * gaussRowCount * benchWidth, largestSum + 1);
   static std::vector<uint16_t> second(benchWidth);
   GaussRows rows;
   for (size_t k = 0; k < gaussRowCount; ++k) rows.row[k] = {&sums[2 * k * benchWidth], &sums[(2 * k + 1) * benchWidth]};
@@ -132,8 +132,8 @@ void benchPush(Push push) {
 }
 
 void benchMean(Mean mean) {
-  static const std::vector<int32_t> sums = Random(9).values<int32_t>(benchWidth, 1u << 20);
-  static const std::vector<uint16_t> counts = Random(10).values<uint16_t>(benchWidth, 17);
+  static const std::vector<int32_t> sums = lab::Random(9).values<int32_t>(benchWidth, 1u << 20);
+  static const std::vector<uint16_t> counts = lab::Random(10).values<uint16_t>(benchWidth, 17);
   forRows([=] { mean(sums.data(), counts.data(), 8, benchOutput(), benchWidth); });
 }
 

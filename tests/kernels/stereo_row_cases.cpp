@@ -18,7 +18,7 @@ void checkCensus(Check& check, CensusRow scalar, CensusRow tested) {
 }
 
 void benchCensus(CensusRow census) {
-  static const std::vector<uint16_t> pixels = Random(7).values<uint16_t>(5 * 640, 4096);
+  static const std::vector<uint16_t> pixels = lab::Random(7).values<uint16_t>(5 * 640, 4096);
   static std::vector<uint32_t> codes(636);
   const uint16_t* const rows[5] = {&pixels[0], &pixels[640], &pixels[1280], &pixels[1920], &pixels[2560]};
   for (int i = 0; i < 480; ++i) census(rows, codes.data(), codes.size());
@@ -39,13 +39,13 @@ void checkPenalties(Check& check, PenaltyRow scalar, PenaltyRow tested) {
 }
 
 void benchPenalties(PenaltyRow penalties) {
-  static const std::vector<uint16_t> pixels = Random(7).values<uint16_t>(1280, 4096);
+  static const std::vector<uint16_t> pixels = lab::Random(7).values<uint16_t>(1280, 4096);
   static std::vector<uint8_t> out(640);
   for (int i = 0; i < 4 * 480; ++i) penalties(&pixels[0], &pixels[640], out.data(), out.size());
 }
 
 // Codes that a census makes, valid and invalid ones, and some that it does not.
-std::vector<uint32_t> codes(Random& random, Fill fill, size_t n, bool strangeToo) {
+std::vector<uint32_t> codes(lab::Random& random, Fill fill, size_t n, bool strangeToo) {
   std::vector<uint32_t> out = filled<uint32_t>(random, fill, n, 0, 0xFFFFFF);
   for (uint32_t& code : out) {
     if (random.below(9) == 0) code = censusInvalid;
@@ -68,8 +68,8 @@ void checkCosts(Check& check, CostRow scalar, CostRow tested) {
 }
 
 void benchCosts(CostRow costs) {
-  static const std::vector<uint32_t> first = Random(7).values<uint32_t>(640, 1 << 24);
-  static const std::vector<uint32_t> reference = Random(8).values<uint32_t>(640, 1 << 24);
+  static const std::vector<uint32_t> first = lab::Random(7).values<uint32_t>(640, 1 << 24);
+  static const std::vector<uint32_t> reference = lab::Random(8).values<uint32_t>(640, 1 << 24);
   static std::vector<uint8_t> out(640 * disparities);
   for (int i = 0; i < 20; ++i) costs(first.data(), reference.data(), 640, out.data());
 }
@@ -113,7 +113,7 @@ void checkPath(Check& check, PathRow scalar, PathRow tested) {
 
 void benchPath(PathRow path) {
   constexpr size_t width = 640, n = 64, slot = n + 16;
-  static const std::vector<uint8_t> costs = Random(7).values<uint8_t>(width * n, 25), p2(width, 39);
+  static const std::vector<uint8_t> costs = lab::Random(7).values<uint8_t>(width * n, 25), p2(width, 39);
   static std::vector<uint8_t> sums(width * n), here(width * slot, 20), least(width, 9);
   for (int i = 0; i < 20; ++i) {
     path({width, n, 7, 248, costs.data(), p2.data(), sums.data(), here.data(), least.data(), here.data(), least.data(),

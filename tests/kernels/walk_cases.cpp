@@ -10,7 +10,7 @@ class Rows {
  public:
   static constexpr size_t count = 4;
 
-  Rows(Random& random, size_t width, bool anyCodes)
+  Rows(lab::Random& random, size_t width, bool anyCodes)
       : width_(width),
         first_(codes(random, width, anyCodes)),
         reference_(codes(random, width, anyCodes)),
@@ -65,7 +65,7 @@ class Rows {
     walk(job);
   }
 
-  static Guarded<uint32_t> codes(Random& random, size_t width, bool anyCodes) {
+  static Guarded<uint32_t> codes(lab::Random& random, size_t width, bool anyCodes) {
     std::vector<uint32_t> out = random.values<uint32_t>(count * width, 1 << 24);
     for (uint32_t& code : out) {
       if (random.below(10) == 0) code = censusInvalid;
@@ -100,7 +100,7 @@ void checkWalk(Check& check, SgmRow scalar, SgmRow tested) {
 }
 
 void benchWalk(SgmRow walk) {
-  static Random random(7);
+  static lab::Random random(7);
   static const Rows rows(random, 640, false);
   static Rows::Results results(rows);
   for (int i = 0; i < 5; ++i) rows.run(walk, results, false);

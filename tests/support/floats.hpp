@@ -54,12 +54,12 @@ Floats floats(const Record& record) {
 }
 
 // In (-range, range), with a full mantissa.
-inline float anyWithin(Random& random, float range) {
+inline float anyWithin(lab::Random& random, float range) {
   return static_cast<float>(random.between(-8388607, 8388607)) / 8388608.0f * range;
 }
 
 // Any number but a NaN: of every magnitude, both zeros, infinities, subnormals.
-inline float anyNumber(Random& random) {
+inline float anyNumber(lab::Random& random) {
   const float value = floatOf(random.next());
   return value == value ? value : floatOf(random.next() & 0x80000000u);
 }

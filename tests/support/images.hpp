@@ -16,27 +16,11 @@
 #include <type_traits>
 #include <vector>
 
+#include "lab/image.hpp"
 #include "lab/random.hpp"
 #include "tests/support/guarded.hpp"
 
 namespace nadir::test {
-
-template <class T>
-inline constexpr uint32_t typeOf = 0;
-template <>
-inline constexpr uint32_t typeOf<uint8_t> = IMG_TYPE_U8;
-template <>
-inline constexpr uint32_t typeOf<int8_t> = IMG_TYPE_S8;
-template <>
-inline constexpr uint32_t typeOf<uint16_t> = IMG_TYPE_U16;
-template <>
-inline constexpr uint32_t typeOf<int16_t> = IMG_TYPE_S16;
-template <>
-inline constexpr uint32_t typeOf<uint32_t> = IMG_TYPE_U32;
-template <>
-inline constexpr uint32_t typeOf<int32_t> = IMG_TYPE_S32;
-template <>
-inline constexpr uint32_t typeOf<float> = IMG_TYPE_F32;
 
 // Numbered type parameters say little in a report; these names, U8 to F32, say what failed.
 struct TypeName {
@@ -74,7 +58,7 @@ template <class T>
 class Image {
  public:
   Image(uint32_t width, uint32_t height, Guard side = Guard::behind)
-      : img{static_cast<uint16_t>(width), static_cast<uint16_t>(height), sizeof(T), typeOf<T>, nullptr},
+      : img{static_cast<uint16_t>(width), static_cast<uint16_t>(height), sizeof(T), lab::typeOf<T>, nullptr},
         size_(size_t{width} * height),
         pages_(std::make_unique<Guarded<T>>(size_, side)),
         first_(pages_->data()) {
@@ -121,7 +105,7 @@ std::vector<T> marks(size_t count) {
 
 // Random pixels, a quarter of them extremes.
 template <class T>
-std::vector<T> anyPixels(Random& random, size_t count) {
+std::vector<T> anyPixels(lab::Random& random, size_t count) {
   static const T extremes[] = {0, 1, static_cast<T>(-1), std::numeric_limits<T>::min(), std::numeric_limits<T>::max()};
   std::vector<T> out(count);
   for (T& v : out) v = random.below(4) ? static_cast<T>(random.next()) : extremes[random.below(5)];
@@ -193,7 +177,7 @@ void forEachSize(const std::vector<Size>& sizes, Check check) {
       const uint64_t seed = size.width * 1000u + size.height;
       SCOPED_TRACE(std::to_string(size.width) + " x " + std::to_string(size.height) + ", guard page " +
                    (side == Guard::behind ? "behind" : "before") + ", seed " + std::to_string(seed));
-      Random random(seed);
+      lab::Random random(seed);
       check(size, side, random);
       if (::testing::Test::HasFailure()) return;
     }

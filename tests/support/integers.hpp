@@ -21,7 +21,7 @@ class Wrap {
 };
 
 // Small, of every size, or next to where the arithmetic wraps.
-inline int32_t anyInteger(Random& random) {
+inline int32_t anyInteger(lab::Random& random) {
   static const int32_t edges[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1, -65536, 65536,
                                   -46341,    46341,         -32768,    32767,         -1,     0};
   switch (random.below(4)) {

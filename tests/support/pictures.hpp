@@ -46,7 +46,7 @@ inline model::Picture<uint16_t> ofBits(uint32_t width, uint32_t height, uint32_t
 
 // Random values above `threshold` inside the shape, at most `threshold` outside. T must have both.
 template <class T>
-model::Picture<T> valued(Random& random, const Shape& shape, int32_t threshold) {
+model::Picture<T> valued(lab::Random& random, const Shape& shape, int32_t threshold) {
   using Limits = std::numeric_limits<T>;
   model::Picture<T> picture{shape.width, shape.height, {}};
   for (const uint8_t inside : shape.pixels) {
@@ -77,6 +77,6 @@ Image<T> imageOf(const model::Picture<T>& picture, Guard side = Guard::behind) {
   return Image<T>(picture.width, picture.height, picture.pixels, side);
 }
 
-inline Guard anySide(Random& random) { return random.below(2) ? Guard::before : Guard::behind; }
+inline Guard anySide(lab::Random& random) { return random.below(2) ? Guard::before : Guard::behind; }
 
 }  // namespace nadir::test

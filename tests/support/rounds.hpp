@@ -29,7 +29,7 @@ void forEachCode(uint32_t end, Check check) {
 template <class Check>
 void inRounds(uint64_t rounds, Check check) {
   for (uint64_t seed = 1; seed <= rounds; seed += everyRound) {
-    Random random(seed);
+    lab::Random random(seed);
     check(random);
     if (!::testing::Test::HasFailure()) continue;
     ADD_FAILURE() << "at seed " << seed;

@@ -25,11 +25,11 @@ Shape shapeOf(uint32_t width, uint32_t height, Inside inside) {
 }
 
 // `percent` of the pixels.
-inline Shape noise(Random& random, uint32_t width, uint32_t height, uint32_t percent) {
+inline Shape noise(lab::Random& random, uint32_t width, uint32_t height, uint32_t percent) {
   return shapeOf(width, height, [&](uint32_t, uint32_t) { return random.below(100) < percent; });
 }
 
-inline Shape blobs(Random& random, uint32_t width, uint32_t height) {
+inline Shape blobs(lab::Random& random, uint32_t width, uint32_t height) {
   Shape shape = shapeOf(width, height, [](uint32_t, uint32_t) { return false; });
   for (uint32_t n = 1 + random.below(12); n > 0; --n) {
     const uint32_t x0 = random.below(width), y0 = random.below(height);
@@ -81,7 +81,7 @@ inline Shape spiral(uint32_t width, uint32_t height) {
 }
 
 // Rooms in every second row and column, some of the walls between them open.
-inline Shape maze(Random& random, uint32_t width, uint32_t height, uint32_t percentOpen) {
+inline Shape maze(lab::Random& random, uint32_t width, uint32_t height, uint32_t percentOpen) {
   return shapeOf(width, height, [&](uint32_t x, uint32_t y) {
     if (x % 2 == 0 && y % 2 == 0) return true;
     return x % 2 + y % 2 == 1 && random.below(100) < percentOpen;
@@ -115,7 +115,7 @@ inline Shape turned(const Shape& shape, uint32_t turns) {
 }
 
 // Numbers are drawn one after the other, never as two arguments of a call, whose order is the compiler's.
-inline Shape anyPlainShape(Random& random, uint32_t width, uint32_t height) {
+inline Shape anyPlainShape(lab::Random& random, uint32_t width, uint32_t height) {
   const uint32_t few = random.below(4), fewer = random.below(3), direction = random.below(4);
   switch (random.below(10)) {
     case 0: return blobs(random, width, height);
@@ -131,7 +131,7 @@ inline Shape anyPlainShape(Random& random, uint32_t width, uint32_t height) {
 }
 
 // Any of them, every second one as it is, the others with some pixels changed or the last column set.
-inline Shape anyShape(Random& random, uint32_t width, uint32_t height) {
+inline Shape anyShape(lab::Random& random, uint32_t width, uint32_t height) {
   const uint32_t turns = random.below(4), change = random.below(6);
   Shape shape = turned(anyPlainShape(random, width, height), turns);
   if (change == 0) {
@@ -147,7 +147,7 @@ struct Extent {
 };
 
 // Mostly small, where the special cases are; single rows and columns; now and then up to `largest`.
-inline Extent anyExtent(Random& random, uint32_t largest) {
+inline Extent anyExtent(lab::Random& random, uint32_t largest) {
   const auto upTo = [&](uint32_t n) { return 1 + random.below(n); };
   switch (random.below(32)) {
     case 0: return {upTo(largest), upTo(largest)};
@@ -164,7 +164,7 @@ inline Extent anyExtent(Random& random, uint32_t largest) {
 }
 
 // Heights that climb, stand in blocks, or vary a little from pixel to pixel.
-inline Terrain anyHeights(Random& random, uint32_t width, uint32_t height) {
+inline Terrain anyHeights(lab::Random& random, uint32_t width, uint32_t height) {
   const uint32_t kind = random.below(4), base = 1 + random.below(60000), range = 1 + random.below(6);
   const uint32_t perColumn = random.below(5), perRow = random.below(5), block = 1 + random.below(6);
   const std::vector<uint32_t> steps = random.values<uint32_t>(64, 20);
@@ -180,7 +180,7 @@ inline Terrain anyHeights(Random& random, uint32_t width, uint32_t height) {
 }
 
 // Heights inside a shape; outside it holes or one level, so that flat land goes on there.
-inline Terrain anyTerrain(Random& random, uint32_t width, uint32_t height) {
+inline Terrain anyTerrain(lab::Random& random, uint32_t width, uint32_t height) {
   Terrain terrain = anyHeights(random, width, height);
   const Shape shape = anyShape(random, width, height);
   if (random.below(4) == 0) return terrain;

@@ -25,27 +25,27 @@ ExtCalib external(float tilt, float pan) {
   return e;
 }
 
-Orientation anyOrientation(Random& random) {
+Orientation anyOrientation(lab::Random& random) {
   return {1000 + anyWithin(random, 900), anyWithin(random, 89), anyWithin(random, 180)};
 }
 
 // A rotation with a translation, as a calibration that comes from elsewhere may have.
-ExtCalib anyExternal(Random& random) {
+ExtCalib anyExternal(lab::Random& random) {
   ExtCalib e = model::externalCalib(anyOrientation(random));
   for (float& t : e.T) t = anyWithin(random, 500);
   return e;
 }
 
-IntCalib anyInternal(Random& random) {
+IntCalib anyInternal(lab::Random& random) {
   return {100 + anyWithin(random, 50), 300 + anyWithin(random, 100), 160 + anyWithin(random, 40),
           120 + anyWithin(random, 40)};
 }
 
-Point3_f32 anyPoint3(Random& random, float range) {
+Point3_f32 anyPoint3(lab::Random& random, float range) {
   return {anyWithin(random, range), anyWithin(random, range), anyWithin(random, range)};
 }
 
-Point_f32 anyPixel(Random& random) { return {160 + anyWithin(random, 200), 120 + anyWithin(random, 200)}; }
+Point_f32 anyPixel(lab::Random& random) { return {160 + anyWithin(random, 200), 120 + anyWithin(random, 200)}; }
 
 void expectNear(Point3_f32 wanted, Point3_f32 got, float tolerance) {
   EXPECT_NEAR(wanted.x, got.x, tolerance);
@@ -106,7 +106,7 @@ TEST(ExternalCalib, DoesNotLookAtTheHeight) {
 }
 
 TEST(ExternalCalib, HasTheBitsOfTheDocumentedProduct) {
-  Random random(70);
+  lab::Random random(70);
   for (int round = 0; round < 2000; round++) {
     const Orientation o = round % 2 ? anyOrientation(random)
                                     : Orientation{0, static_cast<float>(random.between(-360, 360)) / 4,
@@ -118,7 +118,7 @@ TEST(ExternalCalib, HasTheBitsOfTheDocumentedProduct) {
 }
 
 TEST(ExternalCalib, IsARotation) {
-  Random random(71);
+  lab::Random random(71);
   for (int round = 0; round < 100; round++) {
     const Orientation o = anyOrientation(random);
     const ExtCalib e = external(o.tilt, o.pan);
@@ -168,7 +168,7 @@ TEST(WorldToCustom, IsTheRotationOfTheDifference) {
 }
 
 TEST(WorldAndCamera, HaveTheBitsOfTheDocumentedProducts) {
-  Random random(72);
+  lab::Random random(72);
   for (int round = 0; round < 1000; round++) {
     const ExtCalib e = anyExternal(random);
     const Point3_f32 p = anyPoint3(random, 5000);
@@ -183,7 +183,7 @@ TEST(WorldAndCamera, HaveTheBitsOfTheDocumentedProducts) {
 }
 
 TEST(WorldAndCamera, InvertEachOther) {
-  Random random(73);
+  lab::Random random(73);
   for (int round = 0; round < 300; round++) {
     const ExtCalib e = anyExternal(random);
     const Point3_f32 p = anyPoint3(random, 5000);
@@ -198,7 +198,7 @@ TEST(WorldAndCamera, InvertEachOther) {
 }
 
 TEST(WorldAndCamera, MayBeComputedInPlace) {
-  Random random(74);
+  lab::Random random(74);
   const ExtCalib e = anyExternal(random);
   const Point3_f32 p = anyPoint3(random, 5000);
   Point3_f32 q = p;
@@ -251,7 +251,7 @@ TEST(CameraToImage, OfADepthThatIsNoNumberDividesByFifty) {
 }
 
 TEST(CameraToImage, HasTheBitsOfTheDocumentedFormula) {
-  Random random(75);
+  lab::Random random(75);
   for (int round = 0; round < 1000; round++) {
     const IntCalib calib = anyInternal(random);
     const Point3_f32 cam = anyPoint3(random, 3000);
@@ -269,7 +269,7 @@ TEST(ImageToCamera, OfThePrincipalPointIsOnTheAxis) {
 }
 
 TEST(ImageToCamera, HasTheBitsOfTheDocumentedFormula) {
-  Random random(76);
+  lab::Random random(76);
   for (int round = 0; round < 1000; round++) {
     const IntCalib calib = anyInternal(random);
     const Point_f32 img = anyPixel(random);
@@ -281,7 +281,7 @@ TEST(ImageToCamera, HasTheBitsOfTheDocumentedFormula) {
 }
 
 TEST(ImageToCamera, InvertsTheProjection) {
-  Random random(77);
+  lab::Random random(77);
   for (int round = 0; round < 300; round++) {
     const Point_f32 img = anyPixel(random);
     Point3_f32 cam;
@@ -294,7 +294,7 @@ TEST(ImageToCamera, InvertsTheProjection) {
 }
 
 TEST(WorldToImage, GivesTheProjectionsResultAndPoint) {
-  Random random(78);
+  lab::Random random(78);
   int refused = 0;
   for (int round = 0; round < 500; round++) {
     const ExtCalib e = anyExternal(random);
@@ -321,7 +321,7 @@ TEST(ImageToWorld, OfThePrincipalPointStraightDownIsAtThePlane) {
 }
 
 TEST(ImageToWorld, HasTheBitsOfTheDocumentedIntersection) {
-  Random random(79);
+  lab::Random random(79);
   for (int round = 0; round < 1000; round++) {
     const ExtCalib e = anyExternal(random);
     const IntCalib calib = anyInternal(random);
@@ -334,7 +334,7 @@ TEST(ImageToWorld, HasTheBitsOfTheDocumentedIntersection) {
 }
 
 TEST(ImageToWorld, LiesOnThePlaneAndUnderThePixel) {
-  Random random(80);
+  lab::Random random(80);
   for (int round = 0; round < 300; round++) {
     const Orientation o = {2000, anyWithin(random, 40), anyWithin(random, 20)};
     const ExtCalib e = external(o.tilt, o.pan);
@@ -395,7 +395,7 @@ TEST(DisparityToCamera, TakesTheSmallestAboveTheBound) {
 }
 
 TEST(DisparityToCamera, HasTheBitsOfTheDocumentedFormula) {
-  Random random(81);
+  lab::Random random(81);
   for (int round = 0; round < 500; round++) {
     const IntCalib calib = anyInternal(random);
     const Point_f32 img = anyPixel(random);
@@ -407,7 +407,7 @@ TEST(DisparityToCamera, HasTheBitsOfTheDocumentedFormula) {
 }
 
 TEST(DisparityToWorld, IsTheCameraPointInTheWorld) {
-  Random random(82);
+  lab::Random random(82);
   for (int round = 0; round < 500; round++) {
     const ExtCalib e = anyExternal(random);
     const Point_f32 img = anyPixel(random);
@@ -514,7 +514,7 @@ TEST(CustomFrame, IsRightHanded) {
 }
 
 TEST(CustomFrame, IsTheTurnedDifferenceFromItsOriginPlusTheOffsets) {
-  Random random(83);
+  lab::Random random(83);
   for (int round = 0; round < 200; round++) {
     const CustomFrameParams frame = {1,
                                      static_cast<uint16_t>(random.below(160)),
@@ -546,7 +546,7 @@ ExtCalib expectedCustom(const Orientation& o, const CustomFrameParams& frame) {
 }
 
 TEST(CustomFrame, HasTheBitsOfTheDocumentedSteps) {
-  Random random(84);
+  lab::Random random(84);
   for (int round = 0; round < 500; round++) {
     const Orientation o = {1000 + anyWithin(random, 900), anyWithin(random, 40), anyWithin(random, 40)};
     const bool axisParallel = round % 5 == 0;

@@ -442,13 +442,13 @@ void expectDefinition(const Shape& polygon, const StereoCtx& ctx, const Values& 
                                        << ctx.mapParams.height << " cells";
 }
 
-ElevMapParams anyMap(Random& random, uint32_t side, uint32_t cell) {
+ElevMapParams anyMap(lab::Random& random, uint32_t side, uint32_t cell) {
   return {static_cast<uint16_t>(1 + random.below(side)), static_cast<uint16_t>(1 + random.below(side)),
           static_cast<uint16_t>(1 + random.below(cell)), static_cast<uint16_t>(1 + random.below(cell))};
 }
 
 TEST(ElevationMaskDefinition, HoldsForPlainPolygonsOfEveryKind) {
-  Random random(110);
+  lab::Random random(110);
   for (int round = 0; round < 400; round++) {
     Shape polygon(random.below(10));
     for (Point_s32& v : polygon) v = {random.between(-8, 8), random.between(-8, 8)};
@@ -457,7 +457,7 @@ TEST(ElevationMaskDefinition, HoldsForPlainPolygonsOfEveryKind) {
 }
 
 TEST(ElevationMaskDefinition, HoldsForTiltedCamerasAndSelfCrossingPolygons) {
-  Random random(111);
+  lab::Random random(111);
   Values values = {320, 240, random.values<uint16_t>(320 * 240, 3000)};
   for (int round = 0; round < 60; round++) {
     const Orientation o = {2000, anyWithin(random, 40), anyWithin(random, 30)};
@@ -470,7 +470,7 @@ TEST(ElevationMaskDefinition, HoldsForTiltedCamerasAndSelfCrossingPolygons) {
 
 TEST(ElevationMaskDefinition, HoldsWhereTheOrientationsWrapAround) {
   // Products of differences above 46340 mm no longer fit 32 bits; what comes out is still defined.
-  Random random(112);
+  lab::Random random(112);
   for (int round = 0; round < 60; round++) {
     StereoCtx ctx = context(usualLens, {2000, 0, 0}, {30, 30, 4000, 5000});
     ctx.lowerLeft = {anyWithin(random, 100000), anyWithin(random, 100000)};
@@ -481,7 +481,7 @@ TEST(ElevationMaskDefinition, HoldsWhereTheOrientationsWrapAround) {
 }
 
 TEST(ElevationMaskDefinition, HoldsAtEveryScale) {
-  Random random(115);
+  lab::Random random(115);
   for (int scale = 3; scale < 30; scale++) {
     const int32_t range = 1 << scale;
     const uint16_t cell = static_cast<uint16_t>(std::clamp(range / 12, 1, 65535));
@@ -504,7 +504,7 @@ TEST(ElevationMaskDefinition, HoldsWhereCellCentresWrapAround) {
 }
 
 TEST(ElevationMaskDefinition, HoldsForVerticesAtTheEdgesOfThe32BitRange) {
-  Random random(113);
+  lab::Random random(113);
   for (int round = 0; round < 60; round++) {
     Shape polygon(3 + random.below(5));
     // Far, but still integers of 32 bits where the plain context projects them to.
@@ -536,7 +536,7 @@ TEST(ElevationMaskDefinition, HoldsForLongThinMaps) {
 }
 
 TEST(ElevationMaskDefinition, HoldsForPolygonsThatRunTwiceAndSpike) {
-  Random random(114);
+  lab::Random random(114);
   for (int round = 0; round < 100; round++) {
     // A few places, visited again and again: repeated vertices, edges there and back, windings of more than one.
     Shape places(2 + random.below(4)), polygon(1 + random.below(30));

@@ -34,13 +34,13 @@ TrafoParams tilted(float tilt, float pan) {
   return trafo;
 }
 
-TrafoParams anyTrafo(Random& random) {
+TrafoParams anyTrafo(lab::Random& random) {
   TrafoParams trafo = tilted(anyWithin(random, 80), anyWithin(random, 80));
   for (int32_t& t : trafo.ext.T) t = random.between(-8000, 8000);
   return trafo;
 }
 
-Point3_s32 anyPoint3(Random& random, int32_t range) {
+Point3_s32 anyPoint3(lab::Random& random, int32_t range) {
   return {random.between(-range, range), random.between(-range, range), random.between(-range, range)};
 }
 
@@ -72,7 +72,7 @@ TEST(TrafoParameters, OfACameraStraightDownAreTheIdentityIn4096ths) {
 }
 
 TEST(TrafoParameters, RoundCoefficientsToTheNearest) {
-  Random random(100);
+  lab::Random random(100);
   for (int round = 0; round < 500; round++) {
     const Orientation o = {0, anyWithin(random, 180), anyWithin(random, 180)};
     const ExtCalib e = model::externalCalib(o);
@@ -121,7 +121,7 @@ TEST(TrafoParameters, CopyTheInternalOnesWhateverTheyHold) {
 }
 
 TEST(TrafoParameters, WidenToFloats) {
-  Random random(101);
+  lab::Random random(101);
   for (int round = 0; round < 300; round++) {
     int32_t flat[17];
     for (int32_t& v : flat) v = round % 2 ? anyInteger(random) : random.between(-9000, 9000);
@@ -189,7 +189,7 @@ TEST(FixedWorldToCamera, AddsTheTranslation) {
 }
 
 TEST(FixedWorldToCamera, IsTheRoundedFloatTransform) {
-  Random random(102);
+  lab::Random random(102);
   for (int round = 0; round < 1000; round++) {
     const TrafoParams trafo = anyTrafo(random);
     const Point3_s32 world = anyPoint3(random, 100000);
@@ -201,7 +201,7 @@ TEST(FixedWorldToCamera, IsTheRoundedFloatTransform) {
 
 TEST(FixedWorldToCamera, IsNearTheUnroundedOrientation) {
   // Three coefficients, each up to 2^-13 off, times up to 5000 mm, and half a count.
-  Random random(103);
+  lab::Random random(103);
   for (int round = 0; round < 300; round++) {
     const Orientation o = {2000, anyWithin(random, 80), anyWithin(random, 80)};
     const TrafoParams trafo = tilted(o.tilt, o.pan);
@@ -233,7 +233,7 @@ TEST(FixedWorldToImage, IsWrittenForPointsTheProjectionRefuses) {
 }
 
 TEST(FixedWorldToImage, IsTheRoundedFloatTransform) {
-  Random random(104);
+  lab::Random random(104);
   for (int round = 0; round < 1000; round++) {
     const TrafoParams trafo = anyTrafo(random);
     const Point3_s32 world = anyPoint3(random, 50000);
@@ -251,7 +251,7 @@ TEST(FixedImageToGround, StraightDownScalesByTheHeight) {
 }
 
 TEST(FixedImageToGround, IsTheRoundedFloatTransform) {
-  Random random(105);
+  lab::Random random(105);
   for (int round = 0; round < 1000; round++) {
     TrafoParams trafo = tilted(anyWithin(random, 40), anyWithin(random, 40));
     for (int32_t& t : trafo.ext.T) t = random.between(-8000, 8000);
@@ -291,7 +291,7 @@ TEST(FixedOutOfRange, BecomesTheNearestIntegerAndNaNZero) {
 }
 
 TEST(FixedImageToWorldFloat, RoundsNothing) {
-  Random random(106);
+  lab::Random random(106);
   for (int round = 0; round < 500; round++) {
     const TrafoParams trafo = anyTrafo(random);
     const Point_f32 img = {160 + anyWithin(random, 160), 120 + anyWithin(random, 120)};
@@ -324,7 +324,7 @@ TEST(FixedMapRect, HalvesAnOddSizeTowardsZero) {
 }
 
 TEST(FixedMapRect, IsCentredUnderThePrincipalPoint) {
-  Random random(107);
+  lab::Random random(107);
   for (int round = 0; round < 300; round++) {
     TrafoParams trafo = tilted(anyWithin(random, 50), anyWithin(random, 50));
     trafo.intParams.principalX = random.between(-100, 5000);
@@ -374,7 +374,7 @@ TEST(GridCentre, TakesTheCellSizeWithoutASign) {
 }
 
 TEST(GridCentre, OfAnyIntegersWrapsAround) {
-  Random random(108);
+  lab::Random random(108);
   for (int round = 0; round < 1000; round++) {
     const int32_t g = anyInteger(random), o = anyInteger(random), c = anyInteger(random);
     const int32_t half = static_cast<int32_t>(static_cast<uint32_t>(c) >> 1);
@@ -406,7 +406,7 @@ TEST(GridCell, WrapsTheDifferenceBeforeItLooksAtTheSign) {
 }
 
 TEST(GridCell, OfAnyIntegersFollowsTheWrappedDifference) {
-  Random random(109);
+  lab::Random random(109);
   for (int round = 0; round < 1000; round++) {
     const int32_t x = anyInteger(random), o = anyInteger(random);
     const uint32_t c = static_cast<uint32_t>(anyInteger(random));

@@ -74,7 +74,7 @@ TEST(MapCorner, HoldsTheLargestMap) {
 }
 
 TEST(MapCorner, IsMeasuredFromThePointUnderThePrincipalPoint) {
-  Random random(90);
+  lab::Random random(90);
   const IntCalib calib = model::internalCalib(usualLens);
   for (int round = 0; round < 300; round++) {
     const ExtCalib e = model::externalCalib({0, anyWithin(random, 60), anyWithin(random, 60)});
@@ -118,7 +118,7 @@ TEST(MapToWorld, IsTheCornerPlusTheCells) {
 }
 
 TEST(WorldAndMap, HaveTheBitsOfTheDocumentedFormulas) {
-  Random random(91);
+  lab::Random random(91);
   for (int round = 0; round < 500; round++) {
     const ElevMapParams map = {1, 1, static_cast<uint16_t>(1 + random.below(65535)),
                                static_cast<uint16_t>(1 + random.below(65535))};
@@ -241,7 +241,7 @@ TEST_F(StereoWrappers, MapToImageOfANearOrHiddenPointIsRefused) {
 }
 
 TEST_F(StereoWrappers, ImageAndMapInvertEachOther) {
-  Random random(92);
+  lab::Random random(92);
   for (int round = 0; round < 200; round++) {
     const Point_f32 img = {160 + anyWithin(random, 60), 120 + anyWithin(random, 60)};
     Point_f32 map, back;

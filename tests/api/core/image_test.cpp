@@ -154,7 +154,7 @@ using AllTypes = ::testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, 
 TYPED_TEST_SUITE(ImgFillBufferOf, AllTypes, TypeName);
 
 TYPED_TEST(ImgFillBufferOf, SetsEveryPixelOfEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     const uint32_t value = 1 + random.below(100);
     Image<TypeParam> image(size.width, size.height, side);
     EXPECT_EQ(Img_FillBuffer(image, value), 1u);
@@ -163,7 +163,7 @@ TYPED_TEST(ImgFillBufferOf, SetsEveryPixelOfEverySize) {
 }
 
 TYPED_TEST(ImgFillBufferOf, ClearsEveryPixelOfEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random&) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random&) {
     Image<TypeParam> image(size.width, size.height, marks<TypeParam>(size.width * size.height), side);
     EXPECT_EQ(Img_FillBuffer(image, 0), 1u);
     EXPECT_TRUE(holds(image, std::vector<TypeParam>(image.size(), TypeParam{0})));
@@ -257,7 +257,7 @@ TYPED_TEST_SUITE(ImgCopyWidening, WideningPairs, PairName);
 TYPED_TEST(ImgCopyWidening, ExtendsBySignednessOfTheSource) {
   using S = typename TypeParam::Source;
   using D = typename TypeParam::Destination;
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     const std::vector<S> pixels = anyPixels<S>(random, size.width * size.height);
     const Image<S> src(size.width, size.height, pixels, side);
     Image<D> dst(size.width, size.height, side);
@@ -296,7 +296,7 @@ class ImgCopySameType : public ::testing::Test {};
 TYPED_TEST_SUITE(ImgCopySameType, AllTypes, TypeName);
 
 TYPED_TEST(ImgCopySameType, CopiesEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     Image<TypeParam> src(size.width, size.height, side);
     Image<TypeParam> dst(size.width, size.height, side);
     src.fill(random.values<TypeParam>(src.size(), 250));
@@ -308,7 +308,7 @@ TYPED_TEST(ImgCopySameType, CopiesEverySize) {
 
 // Every ordered pair of types with pixels of the same size, values that a conversion would change.
 TEST(ImgCopy, KeepsTheBytesBetweenAllTypesOfEqualSize) {
-  Random random(1);
+  lab::Random random(1);
   const std::vector<uint32_t> bits = anyPixels<uint32_t>(random, 6);
   for (uint32_t from : types) {
     for (uint32_t to : types) {
@@ -500,7 +500,7 @@ TEST(ImgConvert, ChangesOnlyTheTypeOfTheDescriptor) {
 }
 
 TEST(ImgConvert, ConvertsEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     Image<int16_t> image(size.width, size.height, anyPixels<int16_t>(random, size.width * size.height), side);
     std::vector<int16_t> wanted = image.pixels();
     for (int16_t& v : wanted) v = std::max(v, int16_t{0});

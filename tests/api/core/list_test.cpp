@@ -235,7 +235,7 @@ TEST(List, TakesACopyOfAnItemOfItsOwn) {
 
 TEST(List, DynamicItemsMayDifferInSize) {
   Dynamic d(-1);
-  Random random(1);
+  lab::Random random(1);
   std::vector<Item> wanted;
   for (uint32_t size = 1; size < 300; size += 13) {
     wanted.push_back(random.values<uint8_t>(size, 256));
@@ -513,7 +513,7 @@ class Twins {
  public:
   Twins(List& list, model::List wanted, const Static* pools) : list_(list), wanted_(std::move(wanted)), pools_(pools) {}
 
-  void anyCall(Random& random) {
+  void anyCall(lab::Random& random) {
     const uint32_t kind = random.below(20);
     const bool empty = wanted_.items().empty();
     const size_t at = empty ? 0 : random.below(static_cast<uint32_t>(wanted_.items().size()));
@@ -544,7 +544,7 @@ class Twins {
   ListNode* nodeAt(size_t position) const { return nodes_.empty() ? nullptr : nodes_[position]; }
 
   template <class Call>
-  void insert(Random& random, size_t position, bool lost, Call call) {
+  void insert(lab::Random& random, size_t position, bool lost, Call call) {
     const Item item = random.values<uint8_t>(bytesOfItem, 256);
     ListNode* node = call(item.data());
     const model::List::Outcome outcome = wanted_.insert(position, item, lost);
@@ -581,7 +581,7 @@ class Twins {
   std::vector<ListNode*> nodes_;
 };
 
-void expectAnySequence(Twins& twins, Random& random, uint32_t calls) {
+void expectAnySequence(Twins& twins, lab::Random& random, uint32_t calls) {
   for (uint32_t call = 0; call < calls; ++call) {
     SCOPED_TRACE(testing::Message() << "call " << call);
     twins.anyCall(random);
@@ -596,7 +596,7 @@ TEST(List, AnySequenceOfCallsGivesWhatAListMustHoldOnTheHeap) {
   const DocumentedLeak leak;
   for (int32_t maxCount : {0, 1, 2, 3, 10, -1, -2}) {
     SCOPED_TRACE(testing::Message() << "at most " << maxCount << ", seed " << maxCount + 100);
-    Random random(static_cast<uint64_t>(maxCount + 100));
+    lab::Random random(static_cast<uint64_t>(maxCount + 100));
     Dynamic d(maxCount);
     Twins twins(d.list, model::List(maxCount, false, 0), nullptr);
     expectAnySequence(twins, random, 400);
@@ -607,7 +607,7 @@ TEST(List, AnySequenceOfCallsGivesWhatAListMustHoldInPools) {
   for (uint32_t slots = 0; slots < 12; ++slots) {
     for (uint64_t seed = slots * 10; seed < slots * 10 + 4; ++seed) {
       SCOPED_TRACE(testing::Message() << slots << " slots, seed " << seed);
-      Random random(seed);
+      lab::Random random(seed);
       Static s(static_cast<int32_t>(slots), slots, bytesOfItem, seed % 2 ? Guard::before : Guard::behind);
       Twins twins(s.list, model::List(slots, true, slots), &s);
       expectAnySequence(twins, random, 150);

@@ -19,7 +19,7 @@ using model::Vec;
 
 constexpr float untouched = -777.0f;
 
-Matrix anyMatrix(Random& random) {
+Matrix anyMatrix(lab::Random& random) {
   Matrix m;
   for (float& v : m) v = anyWithin(random, 1000);
   return m;
@@ -45,7 +45,7 @@ TEST(MatrixProduct, AddsTheFirstTwoTermsBeforeTheThird) {
 }
 
 TEST(MatrixProduct, HasTheBitsOfTheDocumentedSum) {
-  Random random(1);
+  lab::Random random(1);
   for (int round = 0; round < 300; round++) {
     const Matrix a = anyMatrix(random), b = anyMatrix(random);
     Matrix c;
@@ -55,7 +55,7 @@ TEST(MatrixProduct, HasTheBitsOfTheDocumentedSum) {
 }
 
 TEST(MatrixProduct, KeepsInfinitiesAndSubnormals) {
-  Random random(2);
+  lab::Random random(2);
   for (int round = 0; round < 300; round++) {
     Matrix a, b, c;
     for (float& v : a) v = anyNumber(random);
@@ -67,7 +67,7 @@ TEST(MatrixProduct, KeepsInfinitiesAndSubnormals) {
 
 TEST(MatrixProduct, ByTheIdentityIsTheOtherFactor) {
   const Matrix identity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-  Random random(3);
+  lab::Random random(3);
   const Matrix a = anyMatrix(random);
   Matrix left, right;
   mmMul(identity.data(), a.data(), left.data());
@@ -91,7 +91,7 @@ TEST(MatrixVectorProduct, AddsTheFirstTwoTermsBeforeTheThird) {
 }
 
 TEST(MatrixVectorProduct, HasTheBitsOfTheDocumentedSum) {
-  Random random(4);
+  lab::Random random(4);
   for (int round = 0; round < 500; round++) {
     const Matrix m = anyMatrix(random);
     const Vec v = {anyWithin(random, 1e4f), anyWithin(random, 1), anyWithin(random, 1e-3f)};
@@ -208,7 +208,7 @@ TEST(Covariance, ReadsNoPointWhereThereIsNone) {
 }
 
 TEST(Covariance, HasTheBitsOfTwoSinglePrecisionPasses) {
-  Random random(5);
+  lab::Random random(5);
   for (size_t count : {2u, 3u, 7u, 8u, 9u, 33u, 1000u}) {
     const std::vector<uint16_t> points = random.values<uint16_t>(2 * count, 65536);
     float out[4];
@@ -296,7 +296,7 @@ TEST(Eigen2x2, OfANaNIsNoFailure) {
 }
 
 TEST(Eigen2x2, HasTheBitsOfTheDocumentedFormulas) {
-  Random random(6);
+  lab::Random random(6);
   int complexOnes = 0;
   for (int round = 0; round < 500; round++) {
     const float a = anyWithin(random, 10), b = anyWithin(random, 10), c = anyWithin(random, 10),

@@ -92,7 +92,7 @@ TEST(Bresenham, OfEveryShortLineFollowsTheErrorTerm) {
 }
 
 TEST(Bresenham, OfAnyLineFollowsTheErrorTerm) {
-  Random random(50);
+  lab::Random random(50);
   for (int round = 0; round < 200; round++) {
     const Point_s32 from = {random.between(-300, 300), random.between(-300, 300)};
     const Point_s32 to = {random.between(-300, 300), random.between(-300, 300)};
@@ -101,7 +101,7 @@ TEST(Bresenham, OfAnyLineFollowsTheErrorTerm) {
 }
 
 TEST(Bresenham, StaysWithinHalfACellOfTheLine) {
-  Random random(51);
+  lab::Random random(51);
   for (int round = 0; round < 100; round++) {
     const Point_s32 to = {random.between(-200, 200), random.between(-200, 200)};
     const int64_t longer = std::max(std::abs(to.x), std::abs(to.y));

@@ -20,10 +20,10 @@ constexpr float tolerance = 0.01f;
 constexpr float infinity = std::numeric_limits<float>::infinity();
 const float belowEps = std::nextafter(tolerance, 0.0f);
 
-Point_s32 anyPoint(Random& random) { return {anyInteger(random), anyInteger(random)}; }
+Point_s32 anyPoint(lab::Random& random) { return {anyInteger(random), anyInteger(random)}; }
 
 // Mostly on a small grid of quarters, so that equal, collinear and touching points are frequent.
-Point_f32 anyPointF(Random& random) {
+Point_f32 anyPointF(lab::Random& random) {
   if (random.below(8) == 0) return {anyWithin(random, 1000), anyWithin(random, 1000)};
   const float nudge = random.below(4) == 0 ? anyWithin(random, 0.03f) : 0.0f;
   return {static_cast<float>(random.between(-3, 3)) / 4, static_cast<float>(random.between(-3, 3)) / 4 + nudge};
@@ -51,7 +51,7 @@ TEST(Orientation, WrapsAroundIn32Bits) {
 }
 
 TEST(Orientation, OfAnyIntegersIsTheWrappedCrossProductsSign) {
-  Random random(10);
+  lab::Random random(10);
   for (int round = 0; round < 3000; round++) {
     const Point_s32 a = anyPoint(random), b = anyPoint(random), c = anyPoint(random);
     ASSERT_EQ(turn(a, b, c), model::orientation(a, b, c))
@@ -97,7 +97,7 @@ TEST(OrientationF32, OfANaNIsNegative) {
 }
 
 TEST(OrientationF32, OfAnyPointsFollowsBothTolerances) {
-  Random random(11);
+  lab::Random random(11);
   int zeros = 0;
   for (int round = 0; round < 3000; round++) {
     const Point_f32 a = anyPointF(random), b = anyPointF(random), c = anyPointF(random);
@@ -109,7 +109,7 @@ TEST(OrientationF32, OfAnyPointsFollowsBothTolerances) {
 }
 
 TEST(OrientationF32, OfNumbersOfEveryMagnitude) {
-  Random random(12);
+  lab::Random random(12);
   for (int round = 0; round < 3000; round++) {
     const Point_f32 a = {anyNumber(random), anyNumber(random)}, b = {anyNumber(random), anyNumber(random)},
                     c = {anyNumber(random), anyNumber(random)};
@@ -189,7 +189,7 @@ TEST(EdgesIntersect, NotWhereCollinearHorizontalEdgesOverlap) {
 }
 
 TEST(EdgesIntersect, OfAnyIntegersFollowsTheWrappedOrientations) {
-  Random random(13);
+  lab::Random random(13);
   int hits = 0;
   for (int round = 0; round < 4000; round++) {
     const bool small = round % 2 == 0;
@@ -225,7 +225,7 @@ TEST(EdgesIntersectF32, CountsATouchOnlyFromTheToleranceInwards) {
 }
 
 TEST(EdgesIntersectF32, OfAnyEdgesFollowsTheInsetBox) {
-  Random random(14);
+  lab::Random random(14);
   int hits = 0;
   for (int round = 0; round < 4000; round++) {
     const Point_f32 a = anyPointF(random), b = anyPointF(random), c = anyPointF(random), d = anyPointF(random);
@@ -251,7 +251,7 @@ TEST(PointOnEdgeF32, HoldsFarBeyondEitherEnd) {
 TEST(PointOnEdgeF32, FailsBesideTheLine) { EXPECT_EQ(isOn({0, 0, 4, 0}, {2, 0.5f}), 0); }
 
 TEST(PointOnEdgeF32, IsCollinearityForAnyFinitePoint) {
-  Random random(15);
+  lab::Random random(15);
   for (int round = 0; round < 2000; round++) {
     const Point_f32 a = anyPointF(random), b = anyPointF(random), p = anyPointF(random);
     ASSERT_EQ(isOn({a.x, a.y, b.x, b.y}, p), model::orientation(a, b, p) == 0);
@@ -284,7 +284,7 @@ TEST(LineDistance, MayBeNegativeWhereSquaresWrap) {
 }
 
 TEST(LineDistance, OfAnyIntegersWrapsAround) {
-  Random random(16);
+  lab::Random random(16);
   for (int round = 0; round < 4000; round++) {
     const Point_s32 a = anyPoint(random), d = anyPoint(random), p = anyPoint(random);
     ASSERT_EQ(distance(Line_s32{a.x, a.y, d.x, d.y}, p), model::lineDistance({a.x, a.y, d.x, d.y}, p))
@@ -307,7 +307,7 @@ TEST(LineDistanceF32, OfALineTooFarOutToTellItsEndIsZero) {
 TEST(LineDistanceF32, OfANaNDirectionIsZero) { EXPECT_EQ(distance(Line_f32{0, 0, NAN, 0}, {5, 3}), 0.0f); }
 
 TEST(LineDistanceF32, HasTheBitsOfTheDocumentedFormula) {
-  Random random(17);
+  lab::Random random(17);
   for (int round = 0; round < 3000; round++) {
     const Line_f32 l = {anyWithin(random, 500), anyWithin(random, 500), anyWithin(random, 50), anyWithin(random, 50)};
     const Point_f32 p = {anyWithin(random, 500), anyWithin(random, 500)};
@@ -316,7 +316,7 @@ TEST(LineDistanceF32, HasTheBitsOfTheDocumentedFormula) {
 }
 
 TEST(LineDistanceF32, OfNumbersOfEveryMagnitude) {
-  Random random(18);
+  lab::Random random(18);
   for (int round = 0; round < 3000; round++) {
     const Line_f32 l = {anyNumber(random), anyNumber(random), anyNumber(random), anyNumber(random)};
     const Point_f32 p = {anyNumber(random), anyNumber(random)};
@@ -329,7 +329,7 @@ TEST(EdgeDistance, IsToTheLineBeyondTheEnds) { EXPECT_EQ(distance(Edge_s32{0, 0,
 TEST(EdgeDistance, OfAnEdgeWithoutLengthIsZero) { EXPECT_EQ(distance(Edge_s32{4, 4, 4, 4}, {50, 60}), 0); }
 
 TEST(EdgeDistance, OfAnyIntegersWrapsAround) {
-  Random random(19);
+  lab::Random random(19);
   for (int round = 0; round < 3000; round++) {
     const Point_s32 a = anyPoint(random), b = anyPoint(random), p = anyPoint(random);
     ASSERT_EQ(distance(Edge_s32{a.x, a.y, b.x, b.y}, p), model::edgeDistance(a, b, p))
@@ -342,7 +342,7 @@ TEST(EdgeDistanceF32, IsToTheLineBeyondTheEnds) { EXPECT_EQ(distance(Edge_f32{0,
 TEST(EdgeDistanceF32, OfAnEdgeWithoutLengthIsZero) { EXPECT_EQ(distance(Edge_f32{4, 4, 4, 4}, {50, 60}), 0.0f); }
 
 TEST(EdgeDistanceF32, HasTheBitsOfTheLineThroughItsEnds) {
-  Random random(20);
+  lab::Random random(20);
   for (int round = 0; round < 3000; round++) {
     const Point_f32 a = {anyWithin(random, 500), anyWithin(random, 500)}, b = {anyWithin(random, 500), a.y},
                     p = {anyWithin(random, 500), anyWithin(random, 500)};
@@ -427,7 +427,7 @@ TEST(IntersectLines, LeavesTheLinesAsTheyWere) {
   EXPECT_EQ(l2.dy, 1000);
 }
 
-int32_t anyDirection(Random& random) {
+int32_t anyDirection(lab::Random& random) {
   switch (random.below(4)) {
     case 0: return random.between(-3, 3);
     case 1: return random.between(-300, 300);
@@ -438,7 +438,7 @@ int32_t anyDirection(Random& random) {
 }
 
 TEST(IntersectLines, OfAnyPointsAndDirectionsWrapsAround) {
-  Random random(21);
+  lab::Random random(21);
   int met = 0;
   for (int round = 0; round < 5000; round++) {
     auto line = [&] {
@@ -503,7 +503,7 @@ TEST(IntersectLinesF32, OfShortDirectionsAreParallelHoweverTheyCross) {
 }
 
 TEST(IntersectLinesF32, HasTheBitsOfTheDocumentedFormula) {
-  Random random(22);
+  lab::Random random(22);
   int met = 0;
   for (int round = 0; round < 4000; round++) {
     auto number = [&] { return round % 4 ? anyWithin(random, 100) : anyNumber(random); };
@@ -599,7 +599,7 @@ TEST(Barycentric, RefusesEachNullPointer) {
 }
 
 TEST(Barycentric, OfAnyIntegersWrapsAround) {
-  Random random(23);
+  lab::Random random(23);
   int inside = 0;
   for (int round = 0; round < 5000; round++) {
     const bool small = round % 2 == 0;
@@ -643,7 +643,7 @@ bool isEmpty(const Rect& r) {
 }
 
 template <class Rect>
-Rect anyRect(Random& random) {
+Rect anyRect(lab::Random& random) {
   using C = typename RectOps<Rect>::Coordinate;
   auto side = [&] { return static_cast<C>(random.below(2) ? anyInteger(random) : random.between(-3, 3)); };
   return {side(), side(), side(), side()};
@@ -680,7 +680,7 @@ TYPED_TEST(Rectangles, DoNotOverlapWhereOneIsEmpty) {
 }
 
 TYPED_TEST(Rectangles, OverlapIsTheFourStrictComparisonsForAnySides) {
-  Random random(24);
+  lab::Random random(24);
   int hits = 0;
   for (int round = 0; round < 4000; round++) {
     const TypeParam a = anyRect<TypeParam>(random), b = anyRect<TypeParam>(random);
@@ -731,7 +731,7 @@ TYPED_TEST(Rectangles, UnionUsesInvertedOnesAsTheyStand) {
 }
 
 TYPED_TEST(Rectangles, UnionTakesTheOuterSidesOfAny) {
-  Random random(25);
+  lab::Random random(25);
   for (int round = 0; round < 4000; round++) {
     const TypeParam a = anyRect<TypeParam>(random), b = anyRect<TypeParam>(random);
     TypeParam out = {11, 12, 13, 14}, wanted = out;
@@ -773,7 +773,7 @@ TEST(RectIntersection, OfAnEmptyOneInsideAnotherIsThatEmptyOne) {
 }
 
 TEST(RectIntersection, OfAnySidesFollowsTheFourComparisons) {
-  Random random(26);
+  lab::Random random(26);
   for (int round = 0; round < 4000; round++) {
     const Rect_s32 a = anyRect<Rect_s32>(random), b = anyRect<Rect_s32>(random);
     Rect_s32 wanted = {0, 0, 0, 0};

@@ -34,20 +34,20 @@ ShapeF toFloat(const Shape& s) {
   return out;
 }
 
-Shape anyShape(Random& random, uint32_t maxCount, int32_t range) {
+Shape anyShape(lab::Random& random, uint32_t maxCount, int32_t range) {
   Shape s(random.below(maxCount + 1));
   for (Point_s32& p : s) p = {random.between(-range, range), random.between(-range, range)};
   return s;
 }
 
-Shape extremeShape(Random& random, uint32_t maxCount) {
+Shape extremeShape(lab::Random& random, uint32_t maxCount) {
   Shape s(random.below(maxCount + 1));
   for (Point_s32& p : s) p = {anyInteger(random), anyInteger(random)};
   return s;
 }
 
 // On quarters, with some points a little off them.
-ShapeF anyShapeF(Random& random, uint32_t maxCount) {
+ShapeF anyShapeF(lab::Random& random, uint32_t maxCount) {
   ShapeF s(random.below(maxCount + 1));
   for (Point_f32& p : s) {
     p = {static_cast<float>(random.between(-4, 4)) / 4, static_cast<float>(random.between(-4, 4)) / 4};
@@ -64,7 +64,7 @@ std::string text(const std::vector<Point>& shape) {
 }
 
 // Corners in order around the origin: no two edges can meet.
-Shape starShape(Random& random, size_t count) {
+Shape starShape(lab::Random& random, size_t count) {
   Shape s;
   for (size_t k = 0; k < count; k++) {
     const double angle = 6.283185307179586 * static_cast<double>(k) / static_cast<double>(count);
@@ -104,12 +104,12 @@ TEST(PolygonSimple, TestsTheClosingEdge) {
 }
 
 TEST(PolygonSimple, HoldsForStars) {
-  Random random(30);
+  lab::Random random(30);
   for (size_t count = 4; count < 20; count++) EXPECT_EQ(isSimple(starShape(random, count)), 1) << count;
 }
 
 TEST(PolygonSimple, FailsForAStarWithTwoDistantCornersExchanged) {
-  Random random(31);
+  lab::Random random(31);
   for (size_t count = 8; count < 20; count++) {
     Shape s = starShape(random, count);
     std::swap(s[1], s[1 + count / 2]);
@@ -123,7 +123,7 @@ TEST(PolygonSimple, ReadsNothingBehindTheLastVertex) {
 }
 
 TEST(PolygonSimple, ComparesEveryPairOfEdges) {
-  Random random(32);
+  lab::Random random(32);
   int simple = 0, crossed = 0;
   for (int round = 0; round < 3000; round++) {
     const Shape s = round % 3 ? anyShape(random, 8, 4) : extremeShape(random, 8);
@@ -145,7 +145,7 @@ TEST(PolygonSimpleF32, HoldsBelowFourVertices) {
 }
 
 TEST(PolygonSimpleF32, ComparesEveryPairOfEdges) {
-  Random random(33);
+  lab::Random random(33);
   for (int round = 0; round < 1500; round++) {
     const ShapeF s = anyShapeF(random, 8);
     ASSERT_EQ(isSimple(s), model::isSimple(s)) << text(s);
@@ -265,7 +265,7 @@ TEST(PolygonInside, AgreesWithAnotherRayForEverySmallPolygon) {
 }
 
 TEST(PolygonInside, AgreesWithAnotherRayForSelfCrossingPolygons) {
-  Random random(34);
+  lab::Random random(34);
   int hits = 0;
   for (int round = 0; round < 500; round++) {
     const Shape s = anyShape(random, 12, round % 2 ? 4 : 10000);
@@ -281,7 +281,7 @@ TEST(PolygonInside, AgreesWithAnotherRayForSelfCrossingPolygons) {
 }
 
 TEST(PolygonInside, OfAnyIntegersFollowsTheWrappedOrientations) {
-  Random random(35);
+  lab::Random random(35);
   for (int round = 0; round < 2000; round++) {
     const Shape s = extremeShape(random, 8);
     const Point_s32 p = {anyInteger(random), anyInteger(random)};
@@ -323,7 +323,7 @@ TEST(PolygonInsideF32, ReadsNothingBehindTheLastVertex) {
 }
 
 TEST(PolygonInsideF32, OfAnyPolygonFollowsTheTolerantOrientations) {
-  Random random(36);
+  lab::Random random(36);
   int hits = 0;
   for (int round = 0; round < 3000; round++) {
     const ShapeF s = anyShapeF(random, 8);
@@ -456,7 +456,7 @@ TEST(RemoveCollinear, StaysWithinThePolygon) {
 }
 
 TEST(RemoveCollinear, OfAnyIntegersFollowsTheWalk) {
-  Random random(37);
+  lab::Random random(37);
   for (int round = 0; round < 3000; round++) {
     const Shape s = round % 3 ? anyShape(random, 8, 2) : extremeShape(random, 8);
     ASSERT_EQ(thinned(s), slotsOf(model::withoutCollinearPoints(s))) << text(s);
@@ -480,7 +480,7 @@ TEST(RemoveCollinearF32, LeavesNothingOfALineOrOfFewerThanThreeVertices) {
 }
 
 TEST(RemoveCollinearF32, OfAnyPolygonFollowsTheWalk) {
-  Random random(38);
+  lab::Random random(38);
   for (int round = 0; round < 2000; round++) {
     const ShapeF s = anyShapeF(random, 8);
     ASSERT_EQ(thinned(s), PolygonF(model::withoutCollinearPoints(s)).slots()) << text(s);
@@ -538,7 +538,7 @@ TEST(PolylineSide, ReadsNothingBehindTheLastVertex) {
 }
 
 TEST(PolylineSide, OfAnyIntegersFollowsTheWrappedDistances) {
-  Random random(39);
+  lab::Random random(39);
   for (int round = 0; round < 3000; round++) {
     const Shape s = round % 2 ? anyShape(random, 6, 10) : extremeShape(random, 6);
     const Point_s32 p = round % 2 ? Point_s32{random.between(-12, 12), random.between(-12, 12)}
@@ -568,7 +568,7 @@ TEST(PolylineSideF32, IsUndefinedWhereEveryDistanceOverflows) {
 }
 
 TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
-  Random random(40);
+  lab::Random random(40);
   for (int round = 0; round < 3000; round++) {
     const ShapeF s = anyShapeF(random, 6);
     const Point_f32 p = {anyWithin(random, 2), anyWithin(random, 2)};
@@ -620,7 +620,7 @@ TEST(PolygonDistance, ReadsNothingBehindTheLastVertex) {
 }
 
 TEST(PolygonDistance, HasTheBitsOfTheDocumentedSteps) {
-  Random random(41);
+  lab::Random random(41);
   for (int round = 0; round < 2000; round++) {
     ShapeF s = anyShapeF(random, 6);
     const float scale = round % 2 ? 1.0f : 57.0f;
@@ -646,7 +646,7 @@ double exactDistance(const Shape& s, double px, double py) {
 }
 
 TEST(PolygonDistance, IsNearTheExactOne) {
-  Random random(42);
+  lab::Random random(42);
   for (int round = 0; round < 1000; round++) {
     Shape s = anyShape(random, 6, 40);
     s.push_back({random.between(-40, 40), random.between(-40, 40)});

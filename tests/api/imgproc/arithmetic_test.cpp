@@ -104,7 +104,7 @@ namespace {
 
 // Second operands: anything for the sums, no zero for the quotient, half of them below 20 for the shifts.
 template <class T>
-std::vector<T> operands(Random& random, size_t count, uint32_t op) {
+std::vector<T> operands(lab::Random& random, size_t count, uint32_t op) {
   std::vector<T> out = anyPixels<T>(random, count);
   for (T& v : out) {
     if (op == IMGOP_DIV && (v == 0 || random.below(2))) v = static_cast<T>(random.between(1, 9));
@@ -123,7 +123,7 @@ std::vector<T> wantedOf(const std::vector<T>& a, const std::vector<T>& b, uint32
 // check(op, a, b, wanted) for every size and operation.
 template <class T, class Check>
 void forEachCase(uint32_t maxHeight, Check check) {
-  forEachSize(smallSizes(maxHeight), [&](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(maxHeight), [&](Size size, Guard side, lab::Random& random) {
     Image<T> a(size.width, size.height, side), b(size.width, size.height, side);
     for (uint32_t op : ops) {
       SCOPED_TRACE("operation " + std::to_string(op));
@@ -313,18 +313,19 @@ TYPED_TEST(ArithmeticOf, DivisionByZeroInPlaceGivesZeroInEitherOperand) {
 TYPED_TEST(ArithmeticOf, EveryZeroDivisorSignalsOnceAndTheOtherPixelsAreRight) {
   const CountedDivisionsByZero signals;
   int zeros = 0;
-  forEachSize({{1, 1}, {7, 3}, {8, 2}, {31, 2}, {32, 1}, {33, 1}, {70, 2}}, [&](Size size, Guard side, Random& random) {
-    const auto dividends = anyPixels<TypeParam>(random, size.width * size.height);
-    auto divisors = operands<TypeParam>(random, dividends.size(), IMGOP_DIV);
-    for (TypeParam& v : divisors)
-      if (random.below(3) == 0) v = 0;
-    zeros += static_cast<int>(std::count(divisors.begin(), divisors.end(), TypeParam{0}));
-    const Image<TypeParam> a(size.width, size.height, dividends, side), b(size.width, size.height, divisors, side);
-    Image<TypeParam> out(size.width, size.height, side);
-    EXPECT_EQ(IP_ImgOpImg(a, b, out, IMGOP_DIV), 1u);
-    EXPECT_TRUE(holds(out, wantedOf(dividends, divisors, IMGOP_DIV)));
-    EXPECT_EQ(signals.count(), zeros);
-  });
+  forEachSize(
+      {{1, 1}, {7, 3}, {8, 2}, {31, 2}, {32, 1}, {33, 1}, {70, 2}}, [&](Size size, Guard side, lab::Random& random) {
+        const auto dividends = anyPixels<TypeParam>(random, size.width * size.height);
+        auto divisors = operands<TypeParam>(random, dividends.size(), IMGOP_DIV);
+        for (TypeParam& v : divisors)
+          if (random.below(3) == 0) v = 0;
+        zeros += static_cast<int>(std::count(divisors.begin(), divisors.end(), TypeParam{0}));
+        const Image<TypeParam> a(size.width, size.height, dividends, side), b(size.width, size.height, divisors, side);
+        Image<TypeParam> out(size.width, size.height, side);
+        EXPECT_EQ(IP_ImgOpImg(a, b, out, IMGOP_DIV), 1u);
+        EXPECT_TRUE(holds(out, wantedOf(dividends, divisors, IMGOP_DIV)));
+        EXPECT_EQ(signals.count(), zeros);
+      });
 }
 
 TYPED_TEST(ArithmeticOf, OnlyDivisionSignals) {

@@ -57,7 +57,7 @@ Series begun(uint32_t width, uint32_t height = 1) {
 // ---- init ----------------------------------------------------------------------------------------------------------
 
 TEST(ImgAvrgInit, SetsTheStateAndClearsTheAccumulators) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     Series s(size.width, size.height, side);
     const Pixels pixels = anyPixels<uint16_t>(random, s.frame.size());
     s.frame.fill(pixels);
@@ -169,7 +169,7 @@ TEST(ImgAvrgAdd, CountsFramesWithoutPixels) {
 }
 
 TEST(ImgAvrgAdd, IsExactForEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     Series s(size.width, size.height, side);
     s.state = {random.below(2) ? 0u : 0xFFFFu, 33, 5};
     Sums sums = anyPixels<int32_t>(random, s.sum.size());
@@ -323,7 +323,7 @@ TEST(ImgAvrgProcess, LeavesTheAccumulatorsAndTheState) {
 }
 
 TEST(ImgAvrgProcess, IsExactForEverySize) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     Series s(size.width, size.height, side);
     s.state = {random.next(), random.below(101), random.below(2) ? random.below(100) : random.below(65536)};
     const int32_t limit = static_cast<int32_t>(s.state.minValidPercent * s.state.frameCount) / 100;

@@ -14,7 +14,7 @@ using Pixels = std::vector<uint16_t>;
 constexpr size_t vgaPixelCount = 640 * 480, qvgaPixelCount = 320 * 240;
 
 Pixels vgaPixels(uint64_t seed) {
-  Random random(seed);
+  lab::Random random(seed);
   return anyPixels<uint16_t>(random, vgaPixelCount);
 }
 

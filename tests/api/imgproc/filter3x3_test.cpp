@@ -48,7 +48,7 @@ Image<T> marked(uint32_t width, uint32_t height) {
 
 // Pixels as disparity images have them: every draw mixes holes, few values and any values in another proportion.
 template <class T>
-Pixels<T> holeyPixels(Random& random, size_t count) {
+Pixels<T> holeyPixels(lab::Random& random, size_t count) {
   Pixels<T> out = anyPixels<T>(random, count);
   const uint32_t holes = random.below(4), few = random.below(4);
   for (T& v : out) {
@@ -81,7 +81,7 @@ using MedianTypes = ::testing::Types<uint16_t, int16_t>;
 TYPED_TEST_SUITE(MedianOf, MedianTypes, TypeName);
 
 TEST(Median3x3, IsTheFifthOfNineValuesInAnyOrder) {
-  Random random(9);
+  lab::Random random(9);
   Pixels<uint16_t> nine{1, 2, 3, 4, 5, 6, 7, 8, 9};
   for (int round = 0; round < 200; ++round) {
     EXPECT_EQ(medianOf(nine), 5);
@@ -112,7 +112,7 @@ TYPED_TEST(MedianOf, IsRightForEveryArrangementOfTwoValues) {
 
 // Compares every pixel, so borders, and the column that an odd width leaves, must hold what they held.
 TYPED_TEST(MedianOf, IsExactForEverySizeAndWritesNothingElse) {
-  forEachSize(smallSizes(6), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(6), [](Size size, Guard side, lab::Random& random) {
     if (size.width < 4 || size.height < 3) return;
     const model::Picture<TypeParam> picture{size.width, size.height,
                                             holeyPixels<TypeParam>(random, size.width * size.height)};
@@ -197,7 +197,7 @@ TEST(Maximum3x3, LooksAtEveryNeighbour) {
 TEST(Maximum3x3, ComparesAsUnsigned) { EXPECT_EQ(maximumOf({0x7FFF, 0x8000, 1, 1, 1, 1, 1, 1, 1}), 0x8000); }
 
 TEST(Maximum3x3, IsExactForEverySizeAndWritesNothingElse) {
-  forEachSize(smallSizes(6), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(6), [](Size size, Guard side, lab::Random& random) {
     const model::Picture<uint16_t> picture{size.width, size.height,
                                            holeyPixels<uint16_t>(random, size.width * size.height)};
     model::Picture<uint16_t> wanted{size.width, size.height, marks<uint16_t>(picture.pixels.size())};
@@ -375,7 +375,7 @@ TYPED_TEST(Morph3x3Of, NumbersItsOperationsAsDocumented) {
 
 // Two rows or more; the border is part of the comparison.
 TYPED_TEST(Morph3x3Of, IsExactForEverySizeAndOperation) {
-  forEachSize(smallSizes(6), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(6), [](Size size, Guard side, lab::Random& random) {
     if (size.height == 1) return;
     const model::Picture<TypeParam> picture{size.width, size.height,
                                             holeyPixels<TypeParam>(random, size.width * size.height)};
@@ -386,7 +386,7 @@ TYPED_TEST(Morph3x3Of, IsExactForEverySizeAndOperation) {
 TYPED_TEST(Morph3x3Of, IsRightForEveryArrangementOfHoles) {
   for (uint32_t shift : {0u, 1u}) {
     SCOPED_TRACE(shift);
-    Random random(shift);
+    lab::Random random(shift);
     auto picture = everyArrangement<TypeParam>(0, 1, shift);
     for (TypeParam& v : picture.pixels) v = static_cast<TypeParam>(v * random.between(1, 255));
     for (int32_t op : morphOps) expectMorph(picture, op);
@@ -394,7 +394,7 @@ TYPED_TEST(Morph3x3Of, IsRightForEveryArrangementOfHoles) {
 }
 
 TYPED_TEST(Morph3x3Of, CopiesTheBorderForEveryOperation) {
-  Random random(7);
+  lab::Random random(7);
   const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, 35);
   const Image<TypeParam> src(7, 5, pixels);
   for (int32_t op : morphOps) {
@@ -413,7 +413,7 @@ TYPED_TEST(Morph3x3Of, CopiesImagesWithoutAnInside) {
   for (Size size : {Size{9, 2}, Size{2, 9}, Size{1, 9}, Size{1, 2}, Size{2, 2}}) {
     for (int32_t op : morphOps) {
       SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", operation " << op);
-      Random random(3);
+      lab::Random random(3);
       const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, size.width * size.height);
       const Image<TypeParam> src(size.width, size.height, pixels);
       Image<TypeParam> dst = marked<TypeParam>(size.width, size.height);

@@ -26,7 +26,7 @@ Pixels smoothed(uint32_t width, uint32_t height, const Pixels& pixels) {
 }
 
 // Any pixels, pixels of the two extremes only, or the largest pixels with a few holes, so that sums become largest.
-Pixels somePixels(Random& random, size_t count) {
+Pixels somePixels(lab::Random& random, size_t count) {
   Pixels pixels = anyPixels<uint16_t>(random, count);
   const uint32_t kind = random.below(3);
   for (uint16_t& v : pixels) {
@@ -144,7 +144,7 @@ TEST(Gauss, ReplicatesBothRowsAroundTheMiddleOfThree) {
 // ---- every size ----------------------------------------------------------------------------------------------------
 
 TEST(Gauss, IsExactForEverySizeAndInPlace) {
-  forEachSize(sizes(), [](Size size, Guard side, Random& random) {
+  forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
     const Picture16 picture{size.width, size.height, somePixels(random, size.width * size.height)};
     const Pixels wanted = model::gauss(picture).pixels;
     const Image<uint16_t> src(size.width, size.height, picture.pixels, side);
@@ -161,7 +161,7 @@ TEST(Gauss, IsExactForEverySizeAndInPlace) {
 TEST(Gauss, IsExactForTheWidestAndTheHighestImages) {
   for (const Size size : {Size{65535, 3}, Size{4, 65535}, Size{640, 100}}) {
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
-    Random random(size.width);
+    lab::Random random(size.width);
     const Picture16 picture{size.width, size.height, somePixels(random, size_t{size.width} * size.height)};
     EXPECT_TRUE(
         samePixels(model::gauss(picture).pixels, smoothed(size.width, size.height, picture.pixels), size.width));
@@ -169,7 +169,7 @@ TEST(Gauss, IsExactForTheWidestAndTheHighestImages) {
 }
 
 TEST(Gauss, MayWorkInPlaceThroughTwoDescriptors) {
-  Random random(5);
+  lab::Random random(5);
   const Picture16 picture{13, 6, somePixels(random, 13 * 6)};
   Image<uint16_t> image(13, 6, picture.pixels);
   Img second = image.img;
@@ -182,7 +182,7 @@ TEST(Gauss, SmoothsIntoAnImageThatOverlapsTheSource) {
   for (uint32_t shift : {1u, 7u, 9u, 10u, 27u, 40u, 60u}) {
     for (bool behind : {false, true}) {
       SCOPED_TRACE(testing::Message() << shift << " pixels " << (behind ? "behind" : "before"));
-      Random random(shift);
+      lab::Random random(shift);
       const Picture16 picture{9, 7, somePixels(random, 9 * 7)};
       const Guarded<uint16_t> memory(9 * 7 + shift);
       uint16_t* const from = memory.data() + (behind ? 0 : shift);

@@ -13,7 +13,7 @@ namespace {
 const std::vector<uint32_t> modes{MASK_KEEP_SET, MASK_CLEAR_SET, 2, 255, 256, 0x80000000u, 0xFFFFFFFFu};
 
 // Half of the bytes 0, the others any value: every bit alone counts as set.
-std::vector<uint8_t> anyMask(Random& random, size_t count) {
+std::vector<uint8_t> anyMask(lab::Random& random, size_t count) {
   std::vector<uint8_t> out(count);
   for (uint8_t& v : out) v = static_cast<uint8_t>(random.below(2) * random.below(256));
   return out;
@@ -69,7 +69,7 @@ TYPED_TEST(MaskOf, EveryNonZeroMaskByteCountsAsSet) {
 }
 
 TYPED_TEST(MaskOf, IsExactForEverySizeAndMode) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     const auto pixels = anyPixels<TypeParam>(random, size.width * size.height);
     const auto maskBytes = anyMask(random, pixels.size());
     const Image<TypeParam> src(size.width, size.height, pixels, side);

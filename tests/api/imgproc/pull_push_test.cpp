@@ -26,7 +26,7 @@ Pixels filled(uint32_t width, uint32_t height, const Pixels& pixels) {
 }
 
 // From none to nearly nothing but holes, single or in columns; now and then with few or only the largest values.
-Pixels holeyPixels(Random& random, uint32_t width, uint32_t height) {
+Pixels holeyPixels(lab::Random& random, uint32_t width, uint32_t height) {
   const uint32_t density = random.below(9), largest = random.below(4), block = 1 + random.below(4);
   Pixels pixels = anyPixels<uint16_t>(random, size_t{width} * height);
   std::vector<bool> holes(width / block + 1);
@@ -97,7 +97,7 @@ TEST(PullPush, StopsWhereOneSideIs1) {
 // ---- properties ----------------------------------------------------------------------------------------------------
 
 TEST(PullPush, ReturnsAnImageWithoutHolesUnchanged) {
-  forEachSize(sizes(), [](Size size, Guard side, Random& random) {
+  forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
     Pixels pixels = anyPixels<uint16_t>(random, size.width * size.height);
     std::replace(pixels.begin(), pixels.end(), uint16_t{0}, uint16_t{9});
     const Image<uint16_t> src(size.width, size.height, pixels, side);
@@ -115,7 +115,7 @@ TEST(PullPush, ReturnsAnImageOfHolesAsHoles) {
 }
 
 TEST(PullPush, NeverChangesAPixelThatIsNoHole) {
-  forEachSize(sizes(), [](Size size, Guard, Random& random) {
+  forEachSize(sizes(), [](Size size, Guard, lab::Random& random) {
     const Pixels pixels = holeyPixels(random, size.width, size.height);
     const Pixels result = filled(size.width, size.height, pixels);
     for (size_t i = 0; i < pixels.size(); ++i) {
@@ -127,7 +127,7 @@ TEST(PullPush, NeverChangesAPixelThatIsNoHole) {
 }
 
 TEST(PullPush, IsExactForEverySizeAndInPlace) {
-  forEachSize(sizes(), [](Size size, Guard side, Random& random) {
+  forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
     const Picture16 picture{size.width, size.height, holeyPixels(random, size.width, size.height)};
     const Pixels wanted = model::pullPush(picture).pixels;
     const Image<uint16_t> src(size.width, size.height, picture.pixels, side);
@@ -144,7 +144,7 @@ TEST(PullPush, IsExactForEverySizeAndInPlace) {
 TEST(PullPush, IsExactForLongImages) {
   for (const Size size : {Size{65535, 2}, Size{2, 65535}, Size{65535, 9}, Size{640, 120}}) {
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
-    Random random(size.height);
+    lab::Random random(size.height);
     const Picture16 picture{size.width, size.height, holeyPixels(random, size.width, size.height)};
     EXPECT_TRUE(
         samePixels(model::pullPush(picture).pixels, filled(size.width, size.height, picture.pixels), size.width));
@@ -152,7 +152,7 @@ TEST(PullPush, IsExactForLongImages) {
 }
 
 TEST(PullPush, MayWorkInPlaceThroughTwoDescriptors) {
-  Random random(5);
+  lab::Random random(5);
   const Picture16 picture{13, 6, holeyPixels(random, 13, 6)};
   Image<uint16_t> image(13, 6, picture.pixels);
   Img second = image.img;

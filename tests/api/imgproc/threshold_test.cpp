@@ -158,7 +158,7 @@ namespace {
 
 // Close to one another and extremes in between, so that equality and both ends of the range occur.
 template <class T>
-std::vector<T> closePixels(Random& random, size_t count) {
+std::vector<T> closePixels(lab::Random& random, size_t count) {
   std::vector<T> out = anyPixels<T>(random, count);
   for (T& v : out)
     if (random.below(2)) v = static_cast<T>(random.between(-3, 3));
@@ -166,7 +166,7 @@ std::vector<T> closePixels(Random& random, size_t count) {
 }
 
 // The low 16 bits near a pixel's value or anything, the high ones anything.
-uint32_t anyWord(Random& random) {
+uint32_t anyWord(lab::Random& random) {
   const uint32_t low = random.below(2) ? static_cast<uint32_t>(random.between(-3, 3)) : random.next();
   return (low & 0xFFFFu) | (random.next() & 0xFFFF0000u);
 }
@@ -174,7 +174,7 @@ uint32_t anyWord(Random& random) {
 }  // namespace
 
 TYPED_TEST(ThresholdOf, OneThresholdIsExactForEverySizeAndMode) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     const auto pixels = closePixels<TypeParam>(random, size.width * size.height);
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);
@@ -195,7 +195,7 @@ TYPED_TEST(ThresholdOf, OneThresholdIsExactForEverySizeAndMode) {
 }
 
 TYPED_TEST(ThresholdOf, RangeIsExactForEverySizeAndMode) {
-  forEachSize(smallSizes(3), [](Size size, Guard side, Random& random) {
+  forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
     const auto pixels = closePixels<TypeParam>(random, size.width * size.height);
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);

@@ -86,7 +86,7 @@ double hill(double x) { return -(x - 1) * (x - 1); }
 double scatter(double x) {
   uint64_t bits;
   std::memcpy(&bits, &x, sizeof bits);
-  return static_cast<double>(Random(bits).below(8));
+  return static_cast<double>(lab::Random(bits).below(8));
 }
 
 }  // namespace
@@ -204,7 +204,7 @@ TEST(GsSearch, LeavesTheFunctionRecordAlone) {
 // ---- every number of it --------------------------------------------------------------------------------------------
 
 TEST(GsSearch, RecordsExactlyTheSameSearchForAnyHill) {
-  Random random(80);
+  lab::Random random(80);
   for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE(testing::Message() << "round " << round << ", seed 80");
     const double a = random.between(-1000, 1000) / 7.0, b = a + random.between(1, 5000) / 11.0;
@@ -217,7 +217,7 @@ TEST(GsSearch, RecordsExactlyTheSameSearchForAnyHill) {
 }
 
 TEST(GsSearch, RecordsExactlyTheSameSearchForAnyFunction) {
-  Random random(81);
+  lab::Random random(81);
   for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE(testing::Message() << "round " << round << ", seed 81");
     const double a = random.between(-1000, 1000) / 7.0, b = random.between(-1000, 1000) / 13.0;

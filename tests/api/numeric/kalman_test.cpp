@@ -41,7 +41,7 @@ Floats covariance(const Kalman1d& f) { return Floats(f.P, 4); }
 Floats noise(const Kalman1d& f) { return Floats(f.Q, 4); }
 
 // A state in which P need not be symmetric, so that every product has factors of its own.
-Kalman1d anyFilter(Random& random, float range) {
+Kalman1d anyFilter(lab::Random& random, float range) {
   Kalman1d filter;
   float values[sizeof filter / sizeof(float)];
   for (float& v : values) v = anyWithin(random, range);
@@ -49,7 +49,7 @@ Kalman1d anyFilter(Random& random, float range) {
   return filter;
 }
 
-Kalman1d wildFilter(Random& random) {
+Kalman1d wildFilter(lab::Random& random) {
   Kalman1d filter;
   float values[sizeof filter / sizeof(float)];
   for (float& v : values) v = anyNumber(random);
@@ -75,7 +75,7 @@ TEST(Kalman1d, CreateWritesZerosWithoutASign) {
 }
 
 TEST(Kalman1d, CreateIsExactForAnyNumbers) {
-  Random random(70);
+  lab::Random random(70);
   for (int round = 0; round < 500; ++round) {
     float a[5];
     for (float& v : a) v = round % 2 ? anyNumber(random) : anyWithin(random, 100);
@@ -122,7 +122,7 @@ TEST(Kalman1d, PredictTakesNothingFromTheNoiseOfTheLastPrediction) {
 }
 
 TEST(Kalman1d, PredictIsExactForAnyState) {
-  Random random(71);
+  lab::Random random(71);
   for (int round = 0; round < 3000; ++round) {
     const Kalman1d filter = anyFilter(random, round % 2 ? 10.0f : 3000.0f);
     const float dt = anyWithin(random, 3);
@@ -131,7 +131,7 @@ TEST(Kalman1d, PredictIsExactForAnyState) {
 }
 
 TEST(Kalman1d, PredictIsExactForNumbersOfEveryMagnitude) {
-  Random random(72);
+  lab::Random random(72);
   for (int round = 0; round < 3000; ++round) {
     const Kalman1d filter = wildFilter(random);
     const float dt = anyNumber(random);
@@ -178,7 +178,7 @@ TEST(Kalman1d, UpdateWithTheValueItselfOnlyShrinksTheCovariance) {
 }
 
 TEST(Kalman1d, UpdateChangesTheStateAndItsCovarianceAlone) {
-  Random random(73);
+  lab::Random random(73);
   const Kalman1d before = anyFilter(random, 10), after = updated(before, 3);
   EXPECT_EQ(noise(after), noise(before));
   EXPECT_EQ((Floats{after.R, after.sigmaZ, after.sigmaV, after.sigmaA}),
@@ -186,7 +186,7 @@ TEST(Kalman1d, UpdateChangesTheStateAndItsCovarianceAlone) {
 }
 
 TEST(Kalman1d, UpdateIsExactForAnyState) {
-  Random random(74);
+  lab::Random random(74);
   for (int round = 0; round < 3000; ++round) {
     const Kalman1d filter = anyFilter(random, round % 2 ? 10.0f : 3000.0f);
     const float z = anyWithin(random, 100);
@@ -195,7 +195,7 @@ TEST(Kalman1d, UpdateIsExactForAnyState) {
 }
 
 TEST(Kalman1d, UpdateIsExactForNumbersOfEveryMagnitude) {
-  Random random(75);
+  lab::Random random(75);
   for (int round = 0; round < 3000; ++round) {
     const Kalman1d filter = wildFilter(random);
     const float z = anyNumber(random);
@@ -206,7 +206,7 @@ TEST(Kalman1d, UpdateIsExactForNumbersOfEveryMagnitude) {
 // ---- tracking ------------------------------------------------------------------------------------------------------
 
 TEST(Kalman1d, TracksAnySeriesOfMeasurementsExactly) {
-  Random random(76);
+  lab::Random random(76);
   for (int series = 0; series < 20; ++series) {
     Kalman1d got = created(anyWithin(random, 100), anyWithin(random, 5), 2.3f, 1.7f, 0.9f), wanted = got;
     for (int step = 0; step < 100; ++step) {

@@ -133,7 +133,7 @@ TEST(Median, OfEveryOrderOfSixValuesFollowsTheSelection) {
 }
 
 TEST(Median, OfAnyValuesFollowsTheSelection) {
-  Random random(60);
+  lab::Random random(60);
   for (uint32_t round = 0; round < 600; round++) {
     const size_t count = round < 60 ? round + 1 : 1 + random.below(300);
     const uint32_t distinct = round % 3 == 0 ? 65536 : round % 3 == 1 ? 3 : 20;
@@ -169,7 +169,7 @@ TEST(Median, Of65535EqualValuesIsThatValue) {
 }
 
 TEST(Median, OfTheLargestCountFollowsTheSelection) {
-  Random random(61);
+  lab::Random random(61);
   const Values values = random.values<uint16_t>(65536, 65536);
   Values wanted = values;
   const uint16_t median = expectedSelection(wanted);
@@ -253,7 +253,7 @@ TEST(RadixSort, OfNoKeysSucceedsAndWritesNothing) {
 TEST(RadixSort, OfOneKeyIsIndexZero) { EXPECT_EQ(sortIndices({999}, 1).indices, (Values{0})); }
 
 TEST(RadixSort, OfAnyKeysIsAStableSort) {
-  Random random(62);
+  lab::Random random(62);
   for (uint32_t round = 0; round < 200; round++) {
     const uint32_t mode = round % 2, distinct = round % 3 ? 65536 : 5;
     Values keys = random.values<uint16_t>(random.below(400), distinct);
@@ -265,7 +265,7 @@ TEST(RadixSort, OfAnyKeysIsAStableSort) {
 }
 
 TEST(RadixSort, OfTheLargestCountIsAStableSort) {
-  Random random(63);
+  lab::Random random(63);
   const Values keys = random.values<uint16_t>(65536, 65536);
   for (uint32_t mode : {0u, 1u}) EXPECT_TRUE(stableOrder(keys, mode) == sortIndices(keys, mode).indices) << mode;
 }

@@ -125,12 +125,12 @@ Picture fence(uint32_t height) {
   return picture;
 }
 
-Picture anyPicture(Random& random, uint32_t width, uint32_t height) {
+Picture anyPicture(lab::Random& random, uint32_t width, uint32_t height) {
   return valued<uint16_t>(random, anyShape(random, width, height), 0);
 }
 
 // Around the picture, inside it, beyond it, inverted, empty or anything.
-Rect_s32 anyArea(Random& random, uint32_t width, uint32_t height) {
+Rect_s32 anyArea(lab::Random& random, uint32_t width, uint32_t height) {
   const int32_t w = static_cast<int32_t>(width), h = static_cast<int32_t>(height);
   switch (random.below(8)) {
     case 0: return {anyInteger(random), anyInteger(random), anyInteger(random), anyInteger(random)};
@@ -200,7 +200,7 @@ TEST(ComponentFinder, TakesAnyValueButZero) {
 }
 
 TEST(ComponentFinder, FillsThePoolsWithTheLargestImage) {
-  Random random(3);
+  lab::Random random(3);
   Picture picture{256, 256, random.values<uint16_t>(65536, 65535)};
   for (uint16_t& value : picture.pixels) ++value;
   Finder().expectModel(picture);
@@ -337,7 +337,7 @@ TEST(ComponentFinderModel, AgreesOnEveryImageOf3By5Pixels) {
 
 TEST(ComponentFinderModel, AgreesOnEveryAreaOfAnImage) {
   Finder finder;
-  Random random(5);
+  lab::Random random(5);
   const Picture picture = valued<uint16_t>(random, noise(random, 6, 5, 70), 0);
   for (int32_t x0 = -1; x0 <= 7; ++x0)
     for (int32_t y0 = -1; y0 <= 6; ++y0)
@@ -347,7 +347,7 @@ TEST(ComponentFinderModel, AgreesOnEveryAreaOfAnImage) {
 
 TEST(ComponentFinderModel, AgreesOnShapesOfEveryKind) {
   Finder finder;
-  inRounds(8000, [&](Random& random) {
+  inRounds(8000, [&](lab::Random& random) {
     const Extent size = anyExtent(random, 256);
     finder.expectModel(anyPicture(random, size.width, size.height));
   });
@@ -355,7 +355,7 @@ TEST(ComponentFinderModel, AgreesOnShapesOfEveryKind) {
 
 TEST(ComponentFinderModel, AgreesOnAreasOfEveryKind) {
   Finder finder;
-  inRounds(8000, [&](Random& random) {
+  inRounds(8000, [&](lab::Random& random) {
     const Extent size = anyExtent(random, 256);
     finder.expectModel(anyPicture(random, size.width, size.height), anyArea(random, size.width, size.height),
                        anySide(random));
@@ -364,12 +364,13 @@ TEST(ComponentFinderModel, AgreesOnAreasOfEveryKind) {
 
 TEST(ComponentFinderModel, AgreesOnFullSizeShapes) {
   Finder finder;
-  inRounds(12, [&](Random& random) { finder.expectModel(anyPicture(random, 256, 256), wholeImage, anySide(random)); });
+  inRounds(12,
+           [&](lab::Random& random) { finder.expectModel(anyPicture(random, 256, 256), wholeImage, anySide(random)); });
 }
 
 TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {
   Finder finder;
-  Random random(1);
+  lab::Random random(1);
   forEachCode(101, [&](uint32_t percent) {
     const uint32_t width = percent % 10 == 0 ? 256 : 60;
     finder.expectModel(valued<uint16_t>(random, noise(random, width, 40, percent), 0));
@@ -408,7 +409,7 @@ namespace {
 
 // More than 16384 runs, in every second row and in all rows, regular and not.
 std::vector<Picture> manyRuns() {
-  Random random(9);
+  lab::Random random(9);
   return {fence(129), fence(256), valued<uint16_t>(random, noise(random, 256, 256, 40), 0),
           valued<uint16_t>(random, maze(random, 256, 256, 30), 0)};
 }
@@ -422,7 +423,7 @@ TEST(ComponentFinderLimits, HoldsMoreRunsThanThereCanBeComponents) {
 
 TEST(ComponentFinderLimits, IsRightAgainAfterThem) {
   Finder finder;
-  Random random(4);
+  lab::Random random(4);
   std::vector<Picture> largest = manyRuns();
   largest.push_back(dust(256, 256));
   for (const Picture& picture : largest) {
@@ -437,7 +438,7 @@ TEST(ComponentFinderLimits, IsRightAgainAfterThem) {
 // ---- one finder, many calls ----------------------------------------------------------------------------------------
 
 TEST(ComponentFinderAgain, IsAsGoodAsNew) {
-  inRounds(20, [](Random& random) {
+  inRounds(20, [](lab::Random& random) {
     Finder finder;
     for (int i = 0; i < 5; ++i) {
       const Extent size = anyExtent(random, 256);
@@ -451,7 +452,7 @@ TEST(ComponentFinderAgain, IsAsGoodAsNew) {
 
 TEST(ComponentFinderAgain, IsRightAfterARefusedImage) {
   Finder finder;
-  Random random(6);
+  lab::Random random(6);
   Image<uint16_t> large(257, 1), otherType(8, 8), otherBits(8, 8);
   otherType.retype(IMG_TYPE_S16);
   otherBits.retype(IMG_TYPE_U16 | IMG_TYPE_S16);
@@ -464,7 +465,7 @@ TEST(ComponentFinderAgain, IsRightAfterARefusedImage) {
 
 TEST(ComponentFinderAgain, WorksOnTwoImagesInTurn) {
   Finder one, other;
-  inRounds(30, [&](Random& random) {
+  inRounds(30, [&](lab::Random& random) {
     one.expectModel(anyPicture(random, 40, 30));
     other.expectModel(anyPicture(random, 30, 40));
   });

@@ -164,7 +164,7 @@ TEST(ContourFilterRefuses, SizesOutside1To128) {
 
 namespace {
 
-uint32_t anySizeFor(Random& random, const Extent& extent) {
+uint32_t anySizeFor(lab::Random& random, const Extent& extent) {
   return random.below(3) ? random.below(8) : random.below(2 * extent.width * extent.height);
 }
 
@@ -177,7 +177,7 @@ TEST(ContourFilterModel, AgreesOnEveryImageOf4By3Pixels) {
 }
 
 TEST(ContourFilterModel, AgreesOnU16ShapesOfEveryKind) {
-  inRounds(3000, [](Random& random) {
+  inRounds(3000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
     expectModel(valued<uint16_t>(random, anyShape(random, size.width, size.height), 0), anySizeFor(random, size),
                 anySide(random));
@@ -185,7 +185,7 @@ TEST(ContourFilterModel, AgreesOnU16ShapesOfEveryKind) {
 }
 
 TEST(ContourFilterModel, AgreesOnS16ShapesOfEveryKind) {
-  inRounds(3000, [](Random& random) {
+  inRounds(3000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
     expectModel(valued<int16_t>(random, anyShape(random, size.width, size.height), 0), anySizeFor(random, size),
                 anySide(random));
@@ -193,7 +193,7 @@ TEST(ContourFilterModel, AgreesOnS16ShapesOfEveryKind) {
 }
 
 TEST(ContourFilterModel, AgreesOnFullSizeShapes) {
-  inRounds(20, [](Random& random) {
+  inRounds(20, [](lab::Random& random) {
     expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), random.below(3000), anySide(random));
   });
 }

@@ -402,7 +402,7 @@ TEST_F(ElevationState, IsReplacedByTheNextProcessing) {
 }
 
 TEST_F(ElevationState, OfOneProcessingPlaysNoPartInTheNext) {
-  inRounds(200, [](Random& random) {
+  inRounds(200, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128), otherSize = anyExtent(random, 128);
     const Picture picture = anyTerrain(random, size.width, size.height);
     const RgeParams params = wholeMap(random.between(0, 3));
@@ -451,18 +451,18 @@ TEST_F(ElevationRegionsRefuse, LargerMapsAndKeepTheResults) {
 
 namespace {
 
-int32_t anyStep(Random& random) {
+int32_t anyStep(lab::Random& random) {
   const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largest, -1};
   return steps[random.below(7)];
 }
 
-int32_t anyBound(Random& random, const Picture& picture) {
+int32_t anyBound(lab::Random& random, const Picture& picture) {
   const uint16_t some = picture.pixels[random.below(static_cast<uint32_t>(picture.pixels.size()))];
   const int32_t bounds[] = {0, 0, some, some - 1, random.between(-5, 70000)};
   return bounds[random.below(5)];
 }
 
-RgeParams anyParams(Random& random, const Picture& picture) {
+RgeParams anyParams(lab::Random& random, const Picture& picture) {
   const int32_t w = static_cast<int32_t>(picture.width), h = static_cast<int32_t>(picture.height);
   RgeParams params{0, 0, 0, 0, anyStep(random), anyBound(random, picture)};
   switch (random.below(6)) {
@@ -501,7 +501,7 @@ TEST_F(ElevationModel, AgreesOnEveryRelief) {
 }
 
 TEST_F(ElevationModel, AgreesOnEveryAreaOfAMap) {
-  Random random(5);
+  lab::Random random(5);
   const Picture picture = anyHeights(random, 6, 5);
   for (int32_t x0 = -1; x0 <= 7; ++x0)
     for (int32_t y0 = -1; y0 <= 6; ++y0)
@@ -510,7 +510,7 @@ TEST_F(ElevationModel, AgreesOnEveryAreaOfAMap) {
 }
 
 TEST_F(ElevationModel, AgreesOnTerrainOfEveryKind) {
-  inRounds(10000, [](Random& random) {
+  inRounds(10000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
     const Picture picture = anyTerrain(random, size.width, size.height);
     expectModel(picture, anyParams(random, picture), anySide(random));
@@ -518,7 +518,7 @@ TEST_F(ElevationModel, AgreesOnTerrainOfEveryKind) {
 }
 
 TEST_F(ElevationModel, AgreesOnAnyValues) {
-  inRounds(2000, [](Random& random) {
+  inRounds(2000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
     expectModel(picture, anyParams(random, picture), anySide(random));
@@ -526,20 +526,20 @@ TEST_F(ElevationModel, AgreesOnAnyValues) {
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeTerrain) {
-  inRounds(40, [](Random& random) {
+  inRounds(40, [](lab::Random& random) {
     const Picture picture = anyTerrain(random, 128, 128);
     expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeShapes) {
-  inRounds(40, [](Random& random) {
+  inRounds(40, [](lab::Random& random) {
     expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(largest), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesInLargerMaps) {
-  inRounds(500, [](Random& random) {
+  inRounds(500, [](lab::Random& random) {
     const Extent size = anyExtent(random, 40);
     const Picture picture = anyTerrain(random, size.width, size.height);
     const RgeParams params = anyParams(random, picture);
@@ -579,7 +579,7 @@ TEST_F(ElevationLimits, Holds16384RegionsOfOneCell) {
 }
 
 TEST_F(ElevationLimits, IsRightAgainAfterThem) {
-  Random random(8);
+  lab::Random random(8);
   for (int i = 0; i < 5; ++i) {
     expectModel(noTwoAlike(), wholeMap(1));
     expectModel(anyTerrain(random, 128, 100), wholeMap(1));

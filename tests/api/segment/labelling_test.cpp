@@ -314,7 +314,7 @@ TEST(LabellingModel, AgreesOnEveryImageOf3By4Pixels) {
 }
 
 TEST(LabellingModel, AgreesOnU16ShapesOfEveryKind) {
-  inRounds(8000, [](Random& random) {
+  inRounds(8000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
     const int32_t threshold = random.below(2) ? 0 : random.between(0, 32767);
     const Shape shape = anyShape(random, size.width, size.height);
@@ -323,7 +323,7 @@ TEST(LabellingModel, AgreesOnU16ShapesOfEveryKind) {
 }
 
 TEST(LabellingModel, AgreesOnS16ShapesOfEveryKind) {
-  inRounds(8000, [](Random& random) {
+  inRounds(8000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
     const int32_t threshold = random.below(2) ? 0 : random.between(-32768, 32766);
     const Shape shape = anyShape(random, size.width, size.height);
@@ -332,7 +332,7 @@ TEST(LabellingModel, AgreesOnS16ShapesOfEveryKind) {
 }
 
 TEST(LabellingModel, AgreesOnAnyValuesAndAnyThreshold) {
-  inRounds(4000, [](Random& random) {
+  inRounds(4000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 40);
     const int32_t threshold = static_cast<int32_t>(random.next());
     const size_t pixels = size_t{size.width} * size.height;
@@ -342,13 +342,13 @@ TEST(LabellingModel, AgreesOnAnyValuesAndAnyThreshold) {
 }
 
 TEST(LabellingModel, AgreesOnFullSizeShapes) {
-  inRounds(40, [](Random& random) {
+  inRounds(40, [](lab::Random& random) {
     expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), 0, anySide(random));
   });
 }
 
 TEST(LabellingModel, AgreesOnNoiseOfEveryDensity) {
-  Random random(1);
+  lab::Random random(1);
   forEachCode(101, [&](uint32_t percent) {
     const uint32_t width = percent % 10 == 0 ? 128 : 40;
     expectModel(valued<uint16_t>(random, noise(random, width, 60, percent), 0), 0);
@@ -420,7 +420,7 @@ TEST(LabellingLimits, CountsAll4096ComponentsInALongerVector) {
 }
 
 TEST(LabellingLimits, IsRightAgainAfterThem) {
-  inRounds(50, [](Random& random) {
+  inRounds(50, [](lab::Random& random) {
     Labeller labeller;
     labeller.label(dust(), 0);
     expectModel(valued<uint16_t>(random, anyShape(random, 30, 20), 0), 0);

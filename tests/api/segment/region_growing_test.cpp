@@ -34,12 +34,12 @@ void expectModel(const Picture& picture, int32_t threshold, int32_t maxStep, Gua
     ADD_FAILURE() << "threshold " << threshold << ", step " << maxStep << ", " << text(picture);
 }
 
-int32_t anyStep(Random& random) {
+int32_t anyStep(lab::Random& random) {
   const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largest};
   return steps[random.below(6)];
 }
 
-int32_t anyThreshold(Random& random, const Picture& picture) {
+int32_t anyThreshold(lab::Random& random, const Picture& picture) {
   const uint16_t some = picture.pixels[random.below(static_cast<uint32_t>(picture.pixels.size()))];
   const int32_t thresholds[] = {0, 0, some, some - (some > 0), random.between(0, 70000)};
   return thresholds[random.below(5)];
@@ -129,7 +129,7 @@ TEST(RegionGrowing, TakesEveryPixelWithANegativeThreshold) {
 // ---- the images ----------------------------------------------------------------------------------------------------
 
 TEST(RegionGrowing, MayLabelTheImageItself) {
-  inRounds(300, [](Random& random) {
+  inRounds(300, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture = anyTerrain(random, size.width, size.height);
     auto image = imageOf(picture, anySide(random));
@@ -215,7 +215,7 @@ TEST(RegionGrowingModel, AgreesOnEveryRelief) {
 }
 
 TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {
-  inRounds(8000, [](Random& random) {
+  inRounds(8000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 150);
     const Picture picture = anyTerrain(random, size.width, size.height);
     expectModel(picture, anyThreshold(random, picture), anyStep(random), anySide(random));
@@ -223,7 +223,7 @@ TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {
 }
 
 TEST(RegionGrowingModel, AgreesOnAnyValues) {
-  inRounds(2000, [](Random& random) {
+  inRounds(2000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
     const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
     expectModel(picture, random.between(-1, 65535), random.between(-1, 65535), anySide(random));
@@ -231,7 +231,7 @@ TEST(RegionGrowingModel, AgreesOnAnyValues) {
 }
 
 TEST(RegionGrowingModel, AgreesOnAPathThroughALargeImage) {
-  Random random(2);
+  lab::Random random(2);
   expectModel(valued<uint16_t>(random, spiral(320, 240), 100), 100, largest);
 }
 

@@ -25,7 +25,7 @@ Picture filled(const Shape& shape) {
 
 // One region; one long path; as much to merge as there can be; all the small pieces there can be.
 std::vector<Picture> hardPictures(uint32_t width, uint32_t height) {
-  Random random(1);
+  lab::Random random(1);
   return {constant<uint16_t>(width, height, 100),
           filled(spiral(width, height)),
           filled(zip(width, height)),

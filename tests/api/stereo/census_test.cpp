@@ -82,7 +82,7 @@ TEST(Census, ComparesUnsigned) {
 
 TEST(Census, FrameOfTwoPixelsKeepsWhatItHeld) {
   constexpr uint32_t width = 37, height = 9;
-  const Codes out = censusOf(Random(1).values<uint16_t>(width * height, 65536), width, height);
+  const Codes out = censusOf(lab::Random(1).values<uint16_t>(width * height, 65536), width, height);
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x < width; ++x) {
       const bool inside = x >= 2 && x + 2 < width && y >= 2 && y + 2 < height;
@@ -101,7 +101,7 @@ TEST(Census, PictureSmallerThanTheWindowWritesNothing) {
 }
 
 TEST(Census, InputIsOnlyRead) {
-  const Words src = Random(2).values<uint16_t>(20 * 8, 65536);
+  const Words src = lab::Random(2).values<uint16_t>(20 * 8, 65536);
   const Guarded<uint16_t> in(src);
   const Guarded<uint32_t> out(20 * 8);
   IP_Census_5x5(in.data(), out.data(), 20, 8);
@@ -110,7 +110,7 @@ TEST(Census, InputIsOnlyRead) {
 
 // Few different values make equal neighbours and pixels without data frequent.
 void expectModel(uint32_t width, uint32_t height, uint32_t values) {
-  const Words src = Random(width * 131 + height).values<uint16_t>(size_t{width} * height, values);
+  const Words src = lab::Random(width * 131 + height).values<uint16_t>(size_t{width} * height, values);
   const Codes want = model::census(src, width, height, Codes(src.size(), untouched));
   for (const Guard side : {Guard::behind, Guard::before}) {
     EXPECT_TRUE(same(want, censusOf(src, width, height, side))) << width << "x" << height << " of " << values;

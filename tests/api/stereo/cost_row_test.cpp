@@ -35,7 +35,7 @@ Bytes costRow(Variant variant, const Codes& first, const Codes& ref, uint32_t nu
 }
 
 // Codes as the census makes them: 24 bits, or invalid (one in eight).
-Codes censusCodes(Random& random, uint32_t width) {
+Codes censusCodes(lab::Random& random, uint32_t width) {
   Codes codes = random.values<uint32_t>(width, 1u << 24);
   for (uint32_t& code : codes) {
     if (random.below(8) == 0) code = CENSUS_INVALID;
@@ -44,7 +44,7 @@ Codes censusCodes(Random& random, uint32_t width) {
 }
 
 // Codes with any top byte; many are invalid or differ from it in a single bit.
-Codes anyCodes(Random& random, uint32_t width) {
+Codes anyCodes(lab::Random& random, uint32_t width) {
   Codes codes(width);
   for (uint32_t& code : codes) {
     const uint32_t kind = random.below(6);
@@ -159,7 +159,7 @@ TEST_P(CostRow, ComputedCostsReachTheThirdColumnFromTheRight) {
 }
 
 TEST_P(CostRow, CodesOfTheTwoBorderColumnsDoNotCount) {
-  Random random(3);
+  lab::Random random(3);
   Codes first = censusCodes(random, 75), ref = censusCodes(random, 75);
   const Bytes want = row(first, ref);
   for (const size_t x : {0u, 1u, 73u, 74u}) first[x] = ref[x] = random.next();
@@ -167,7 +167,7 @@ TEST_P(CostRow, CodesOfTheTwoBorderColumnsDoNotCount) {
 }
 
 TEST_P(CostRow, EveryCostOfCensusCodesIsAtMost24) {
-  Random random(4);
+  lab::Random random(4);
   const Codes first = censusCodes(random, 140), ref = censusCodes(random, 140);
   const Bytes costs = row(first, ref);
   EXPECT_LE(*std::max_element(costs.begin(), costs.end()), 24);
@@ -175,7 +175,7 @@ TEST_P(CostRow, EveryCostOfCensusCodesIsAtMost24) {
 
 TEST_P(CostRow, EqualsTheModelForCensusCodesOfEveryWidth) {
   for (uint32_t width = 3; width <= 140; ++width) {
-    Random random(width);
+    lab::Random random(width);
     const Codes first = censusCodes(random, width), ref = censusCodes(random, width);
     const uint32_t y = random.below(rows);
     const Bytes want = model::costRow(first, ref, rows, 64, y, GetParam());
@@ -186,7 +186,7 @@ TEST_P(CostRow, EqualsTheModelForCensusCodesOfEveryWidth) {
 
 TEST_P(CostRow, EqualsTheModelForCodesWithAnyTopByte) {
   for (uint32_t width = 3; width <= 140; ++width) {
-    Random random(1000 + width);
+    lab::Random random(1000 + width);
     const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
     const Bytes want = model::costRow(first, ref, rows, 64, innerRow, GetParam());
     EXPECT_TRUE(same(want, row(first, ref))) << width;
@@ -196,7 +196,7 @@ TEST_P(CostRow, EqualsTheModelForCodesWithAnyTopByte) {
 TEST_P(CostRow, EqualsTheModelForEveryNumberOfDisparities) {
   for (uint32_t numDisparities = 0; numDisparities <= 64; ++numDisparities) {
     for (const uint32_t width : {3u, 5u, 20u, 64u, 71u}) {
-      Random random(2000 + numDisparities * 100 + width);
+      lab::Random random(2000 + numDisparities * 100 + width);
       const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
       const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, GetParam());
       EXPECT_TRUE(same(want, row(first, ref, numDisparities))) << numDisparities << " at " << width;
@@ -218,7 +218,7 @@ TEST(CostRowScalar, StrideIsTheNumberOfDisparities) {
 
 TEST(CostRowScalar, TakesMoreThan64Disparities) {
   for (const uint32_t numDisparities : {65u, 100u, 128u, 256u}) {
-    Random random(numDisparities);
+    lab::Random random(numDisparities);
     const Codes first = censusCodes(random, 140), ref = censusCodes(random, 140);
     const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, Variant::scalar);
     EXPECT_TRUE(same(want, costRow(Variant::scalar, first, ref, numDisparities))) << numDisparities;
@@ -272,7 +272,7 @@ TEST(CostRowVector, DisparitiesBehindTheLastBlockComparePlainCodes) {
 
 TEST(CostRowVector, EqualsTheScalarOneForCensusCodes) {
   for (uint32_t width = 3; width <= 140; ++width) {
-    Random random(3000 + width);
+    lab::Random random(3000 + width);
     const Codes first = censusCodes(random, width), ref = censusCodes(random, width);
     EXPECT_TRUE(same(costRow(Variant::scalar, first, ref, 64), costRow(Variant::vector, first, ref, 64))) << width;
   }

@@ -242,7 +242,7 @@ class PathCostRow : public ::testing::TestWithParam<Way> {
 
   void expectModel(uint32_t width, uint32_t numDisparities, int32_t p1, uint32_t costBound, uint32_t p2Bound,
                    uint32_t rows, Guard side) const {
-    Random random(width * 1000 + numDisparities);
+    lab::Random random(width * 1000 + numDisparities);
     Pc pc(dir(), width, numDisparities, p1);
     model::Path path(dir(), width, numDisparities, p1);
     for (uint32_t y = 0; y < rows; ++y) {
@@ -351,7 +351,7 @@ TEST_P(PathCostRow, StoredPositionsMoveOnlyByTheSwap) {
 
 TEST_P(PathCostRow, PadsKeepTheStartValue) {
   constexpr uint32_t width = 5, d = 32;
-  Random random(dir());
+  lab::Random random(dir());
   Pc pc(dir(), width, d);
   for (int y = 0; y < 3; ++y) {
     const Bytes costs = random.values<uint8_t>(width * d, 256), p2 = random.values<uint8_t>(width, 256);
@@ -366,7 +366,7 @@ TEST_P(PathCostRow, PadsKeepTheStartValue) {
 
 TEST_P(PathCostRow, NextFrameForgetsTheImageBefore) {
   constexpr uint32_t width = 7, d = 16;
-  Random random(5);
+  lab::Random random(5);
   const Bytes costs = random.values<uint8_t>(width * d, 25), p2 = random.values<uint8_t>(width, 40);
   Pc pc(dir(), width, d);
   const Bytes first = pathCosts(pc, costs, p2);
@@ -377,7 +377,7 @@ TEST_P(PathCostRow, NextFrameForgetsTheImageBefore) {
 
 TEST_P(PathCostRow, CostsOfTheMatcherStayBelow64) {
   constexpr uint32_t width = 30, d = 64;
-  Random random(6);
+  lab::Random random(6);
   Pc pc(dir(), width, d);
   for (int y = 0; y < 6; ++y) {
     Bytes p2(width);
@@ -435,7 +435,7 @@ TEST_P(PathCostVariant, FirstRowOfVerticalAndDiagonalPathsStartsEverywhere) {
 TEST_P(PathCostVariant, SpareSlotOfDiagonalPathsKeepsTheStartValues) {
   constexpr uint32_t width = 5, d = 32;
   for (const uint32_t dir : {PC_DIR_UPLEFT, PC_DIR_UPRIGHT}) {
-    Random random(dir);
+    lab::Random random(dir);
     Pc pc(dir, width, d);
     for (int y = 0; y < 3; ++y) {
       const Bytes costs = random.values<uint8_t>(width * d, 256), p2 = random.values<uint8_t>(width, 256);
@@ -468,7 +468,7 @@ INSTANTIATE_TEST_SUITE_P(Variants, PathCostVariant, ::testing::Values(Variant::s
 // Costs, minima and sums of both variants after the same rows.
 void expectEqualVariants(uint32_t dir, uint32_t numDisparities) {
   constexpr uint32_t width = 9;
-  Random random(dir * 1000 + numDisparities);
+  lab::Random random(dir * 1000 + numDisparities);
   Pc one(dir, width, numDisparities), other(dir, width, numDisparities);
   const uint32_t costBytes = one.record.costsSize, minBytes = one.record.minSize;
   for (uint32_t y = 0; y < 4; ++y) {

@@ -35,7 +35,7 @@ struct Input {
 };
 
 Input randomInput(uint32_t width, uint32_t height) {
-  Random random(width * 100 + height);
+  lab::Random random(width * 100 + height);
   Input in{random.values<uint16_t>(size_t{width} * height, 985), random.values<uint8_t>(size_t{width} * height, 6)};
   const uint32_t holes = 1 + random.below(5);
   for (uint16_t& value : in.disparity) value = random.below(6) < holes ? uint16_t{0} : value;

@@ -101,7 +101,7 @@ TEST(P2, SingleColumnHasOnlyUpperPredecessors) {
 }
 
 void expectModelMaps(uint32_t width, uint32_t height, uint32_t bound) {
-  const Words image = Random(width * 100 + height).values<uint16_t>(size_t{width} * height, bound);
+  const Words image = lab::Random(width * 100 + height).values<uint16_t>(size_t{width} * height, bound);
   const Maps want = model::p2Maps(image, width, height);
   for (const Guard side : {Guard::behind, Guard::before}) {
     const Maps got = p2Maps(image, width, height, side);
@@ -183,7 +183,7 @@ TEST_P(FindMin, LastOf256Costs) {
 
 TEST_P(FindMin, EqualsTheModelForEveryCount) {
   for (uint32_t count = 0; count <= 256; ++count) {
-    Random random(count);
+    lab::Random random(count);
     for (const uint32_t bound : {2u, 256u}) {
       Bytes costs = random.values<uint8_t>(count, bound);
       if (count % 3 == 0) {
@@ -379,7 +379,7 @@ TEST_P(PeakCheck, EveryPlaceOfAWinnerOf256) {
 
 TEST_P(PeakCheck, ReadsNothingOutsideItsCosts) {
   for (size_t count = 1; count <= 256; ++count) {
-    const Bytes costs = Random(count).values<uint8_t>(count, 256);
+    const Bytes costs = lab::Random(count).values<uint8_t>(count, 256);
     EXPECT_EQ(check(costs, 10, Guard::behind), check(costs, 10, Guard::before)) << count;
   }
 }
@@ -387,7 +387,7 @@ TEST_P(PeakCheck, ReadsNothingOutsideItsCosts) {
 TEST_P(PeakCheck, EqualsTheModelForAnyCosts) {
   constexpr uint32_t ratios[] = {0, 1, 10, 100, 128, 500, 512, 532, 40000, 0x80000001, 0xFFFFFFFF};
   for (size_t count = 1; count <= 256; ++count) {
-    Random random(count);
+    lab::Random random(count);
     for (const uint32_t bound : {3u, 40u, 256u}) {
       const uint32_t ratio = ratios[random.below(11)];
       expectModel(random.values<uint8_t>(count, bound), ratio);
@@ -397,7 +397,7 @@ TEST_P(PeakCheck, EqualsTheModelForAnyCosts) {
 
 // Costs near a threshold: one valley, the rest a little above it.
 TEST_P(PeakCheck, EqualsTheModelForValleys) {
-  Random random(9);
+  lab::Random random(9);
   uint32_t accepted = 0;
   for (int i = 0; i < 3000; ++i) {
     const uint32_t ratio = random.below(300), bottom = random.below(200);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "lab/random.hpp"
+#include "lab/textured_pair.hpp"
 #include "tests/models/stereo.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/same.hpp"
@@ -28,32 +29,23 @@ struct Pair {
   size_t pixels() const { return size_t{width} * height; }
 };
 
-// A textured ground seen twice: reference pixel x shows what first pixel x + shift shows, the shift growing with y,
-// with some noise and some pixels without data.
+// A ground seen twice, the shift growing with y. Each picture lacks the data of some pixels that the other one has.
 Pair groundPair(uint32_t width, uint32_t height, uint64_t seed) {
-  Random random(seed);
-  Pair pair{width, height, {}, {}, {}};
-  Words first(pair.pixels());
-  pair.image.resize(pair.pixels());
-  for (uint32_t y = 0; y < height; ++y) {
-    const Words texture = random.values<uint16_t>(width + 80, 4000);
-    const uint32_t shift = 2 + static_cast<uint32_t>(seed % 17) + y / 3;
-    for (uint32_t x = 0; x < width; ++x) {
-      const auto seen = [&](uint32_t at) {
-        return static_cast<uint16_t>(random.below(40) == 0 ? 0 : 1 + texture[at] + random.below(60));
-      };
-      first[y * width + x] = seen(x);
-      pair.image[y * width + x] = seen(x + shift);
-    }
-  }
-  pair.first = model::census(first, width, height, Codes(pair.pixels(), CENSUS_INVALID));
-  pair.ref = model::census(pair.image, width, height, Codes(pair.pixels(), CENSUS_INVALID));
+  lab::Random random(seed);
+  const uint32_t topShift = 2 + static_cast<uint32_t>(seed % 17);
+  lab::TexturedPair seen = lab::shiftedRows(
+      width, height, 80, [=](uint32_t y) { return topShift + y / 3; }, random);
+  for (Words* picture : {&seen.first, &seen.reference})
+    for (uint16_t& value : *picture) value = random.below(40) == 0 ? uint16_t{0} : value;
+  Pair pair{width, height, {}, {}, seen.reference};
+  pair.first = model::census(seen.first, width, height, Codes(pair.pixels(), CENSUS_INVALID));
+  pair.ref = model::census(seen.reference, width, height, Codes(pair.pixels(), CENSUS_INVALID));
   return pair;
 }
 
 // Any codes and intensities at all. Few different codes make many costs equal.
 Pair randomPair(uint32_t width, uint32_t height, uint64_t seed) {
-  Random random(seed);
+  lab::Random random(seed);
   Pair pair{width, height, {}, {}, {}};
   const uint32_t mask = random.below(2) ? 0xFFFFFFFF : 0x00000103;
   for (Codes* codes : {&pair.first, &pair.ref}) {
@@ -220,7 +212,7 @@ TEST(SgmModel, AnyCodesOfEveryWidth) {
 }
 
 TEST(SgmModel, AnyRatio) {
-  Random random(11);
+  lab::Random random(11);
   const Pair pair = groundPair(60, 6, 3);
   const Bytes sums = modelOf(pair, 0).contents.sums;
   for (int i = 0; i < 40; ++i) {
@@ -280,7 +272,7 @@ TEST(SgmComposition, OfGround) {
 }
 
 TEST(SgmComposition, OfAnyCodesAndRatios) {
-  Random random(12);
+  lab::Random random(12);
   for (int i = 0; i < 12; ++i) {
     const uint32_t width = 5 + random.below(130), height = 1 + random.below(9), ratio = random.next();
     expectComposition(randomPair(width, height, random.next()), ratio);
@@ -291,7 +283,7 @@ TEST(SgmComposition, OfAnyCodesAndRatios) {
 
 TEST(SgmFull, FindsTheShiftOfAShiftedPicture) {
   constexpr uint32_t width = 80, height = 8, shift = 11;
-  Random random(13);
+  lab::Random random(13);
   Pair pair{width, height, random.values<uint32_t>(width * height, 1u << 24), {}, Words(width * height, 500)};
   pair.ref = pair.first;
   for (uint32_t i = 0; i + shift < width * height; ++i) pair.ref[i] = pair.first[i + shift];
@@ -413,7 +405,7 @@ TEST(Sgm, PeakMapIsNotTouched) {
 // ---- what does not count ----
 
 Pair withFrame(Pair pair, uint64_t seed) {
-  Random random(seed);
+  lab::Random random(seed);
   for (uint32_t y = 0; y < pair.height; ++y) {
     for (uint32_t x = 0; x < pair.width; ++x) {
       const bool inside = x >= 2 && x + 2 < pair.width && y >= 2 && y + 2 < pair.height;

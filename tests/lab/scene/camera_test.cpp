@@ -60,7 +60,7 @@ TEST(SceneCamera, EveryPixelOfTheGroundUnderEveryTurn) {
 }
 
 TEST(SceneCamera, ProjectsAsThePinholeDoes) {
-  Random random(1);
+  lab::Random random(1);
   for (const Side reference : {Side::left, Side::right}) {
     const CameraSettings settings = cameraAt(-35, 20, reference);
     const scene::Rig rig = makeRig(settings);

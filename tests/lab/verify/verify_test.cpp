@@ -112,15 +112,15 @@ TEST(VerifyTable, RefusesOtherText) {
 
 // Values that differ in one bit, in their order or in their number have other hashes.
 TEST(Fingerprint, TellsBitsApart) {
-  const auto of = [](const std::vector<uint16_t>& values) { return verify::Fingerprint().add(values).value(); };
+  const auto of = [](const std::vector<uint16_t>& values) { return lab::Fingerprint().add(values).value(); };
   const std::vector<uint64_t> hashes = {of({}), of({0}), of({0, 0}), of({1, 0}), of({0, 1}), of({256, 0})};
   for (size_t i = 0; i < hashes.size(); ++i) EXPECT_EQ(std::count(hashes.begin(), hashes.end(), hashes[i]), 1) << i;
-  EXPECT_NE(verify::Fingerprint().add(0.0f).value(), verify::Fingerprint().add(-0.0f).value());
+  EXPECT_NE(lab::Fingerprint().add(0.0f).value(), lab::Fingerprint().add(-0.0f).value());
 }
 
 TEST(Fingerprint, IsTheKnownFunction) {
-  EXPECT_EQ(verify::Fingerprint().value(), 0xcbf29ce484222325u);
-  EXPECT_EQ(verify::Fingerprint().add(uint8_t{'a'}).value(), 0xaf63dc4c8601ec8cu);
+  EXPECT_EQ(lab::Fingerprint().value(), 0xcbf29ce484222325u);
+  EXPECT_EQ(lab::Fingerprint().add(uint8_t{'a'}).value(), 0xaf63dc4c8601ec8cu);
 }
 
 }  // namespace
