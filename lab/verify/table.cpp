@@ -1,4 +1,4 @@
-// Written by scripts/record/verify-table.
+// The hashes that nadir verify compares with, written by scripts/record/verify-table.
 #include "lab/verify/verify.hpp"
 
 namespace nadir::verify {
