@@ -1,3 +1,4 @@
+// The pairs' pixels, drawn from random numbers.
 #include "lab/textured_pair.hpp"
 
 #include <algorithm>

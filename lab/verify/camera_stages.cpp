@@ -1,3 +1,4 @@
+// The stages of the camera.
 #include <cmath>
 
 #include "lab/verify/stages.hpp"

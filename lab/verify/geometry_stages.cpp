@@ -1,3 +1,4 @@
+// The stages of geometry.
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

@@ -1,3 +1,4 @@
+// The stages that make images from images.
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

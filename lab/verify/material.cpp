@@ -1,3 +1,4 @@
+// The material: a small scene, rendered once.
 #include "lab/verify/material.hpp"
 
 #include <cmath>

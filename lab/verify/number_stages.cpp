@@ -1,3 +1,4 @@
+// The stages of numbers, lists and vectors.
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

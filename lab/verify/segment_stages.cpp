@@ -1,3 +1,4 @@
+// The stages that find components and regions.
 #include <memory>
 
 #include "lab/verify/stages.hpp"

@@ -1,3 +1,4 @@
+// All stages in their order, and the one of the material itself.
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

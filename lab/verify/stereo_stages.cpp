@@ -1,3 +1,4 @@
+// The stages of matching.
 #include "lab/verify/stages.hpp"
 
 namespace nadir::verify {

@@ -1,3 +1,4 @@
+// Hashes against a table, and tables as text.
 #include "lab/verify/verify.hpp"
 
 #include <algorithm>

@@ -551,5 +551,4 @@ TEST(NotAllocating, RefusedSegmentation) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test

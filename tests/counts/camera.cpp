@@ -1,3 +1,4 @@
+// Calls of camera.h.
 #include <nadir/camera.h>
 
 #include <vector>

@@ -1,3 +1,4 @@
+// Calls of geometry.h.
 #include <nadir/geometry.h>
 
 #include <vector>

@@ -1,3 +1,4 @@
+// Calls of image.h and imgproc.h.
 #include <nadir/image.h>
 #include <nadir/imgproc.h>
 

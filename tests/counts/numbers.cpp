@@ -1,3 +1,4 @@
+// Calls of the headers of numbers, of list.h and of api.h.
 #include <nadir/api.h>
 #include <nadir/list.h>
 #include <nadir/matrix.h>

@@ -1,3 +1,4 @@
+// Calls of segment.h and vector.h.
 #include <nadir/segment.h>
 #include <nadir/vector.h>
 

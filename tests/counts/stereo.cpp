@@ -1,3 +1,4 @@
+// Calls of stereo.h.
 #include <nadir/stereo.h>
 
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// Results of the camera's functions.
 #include <nadir/nadir.h>
 
 #include "lab/random.hpp"

@@ -1,3 +1,4 @@
+// Results of the functions of points, lines, rectangles and polygons.
 #include <nadir/nadir.h>
 
 #include "lab/random.hpp"

@@ -1,3 +1,4 @@
+// Results of the functions that make images from images.
 #include <nadir/nadir.h>
 
 #include <utility>

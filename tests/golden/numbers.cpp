@@ -1,3 +1,4 @@
+// Results of the functions of numbers and of lists.
 #include <nadir/nadir.h>
 #include <unistd.h>
 

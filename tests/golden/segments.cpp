@@ -1,3 +1,4 @@
+// Results of the functions that find components and regions, and of vectors.
 #include <nadir/nadir.h>
 
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// Results of matching, step by step and as a whole.
 #include <nadir/nadir.h>
 
 #include <array>

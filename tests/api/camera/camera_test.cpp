@@ -53,7 +53,7 @@ void expectNear(Point3_f32 wanted, Point3_f32 got, float tolerance) {
   EXPECT_NEAR(wanted.z, got.z, tolerance);
 }
 
-// --- calibration records
+// ---- calibration records ----
 
 TEST(InternalCalib, ScalesTheStoredIntegers) {
   const IntCalibParams params = {25600 + 128, 256, 16 + 8, -1};
@@ -131,7 +131,7 @@ TEST(ExternalCalib, IsARotation) {
   }
 }
 
-// --- world and camera
+// ---- world and camera ----
 
 TEST(WorldAndCamera, AreTheSameForACameraThatLooksStraightDown) {
   const ExtCalib e = external(0, 0);
@@ -212,7 +212,7 @@ TEST(WorldAndCamera, MayBeComputedInPlace) {
   EXPECT_EQ(floats(q), floats(model::cam2world(p, e)));
 }
 
-// --- camera and image
+// ---- camera and image ----
 
 struct Projection {
   uint32_t status;
@@ -308,7 +308,7 @@ TEST(WorldToImage, GivesTheProjectionsResultAndPoint) {
   EXPECT_GT(refused, 100);
 }
 
-// --- image to world
+// ---- image to world ----
 
 TEST(ImageToWorld, OfThePrincipalPointStraightDownIsAtThePlane) {
   const ExtCalib e = external(0, 0);
@@ -370,7 +370,7 @@ TEST(ImageToWorld, OfARayAwayFromThePlaneIsBehindTheCamera) {
   EXPECT_NEAR(2000, world.z, 0.1);
 }
 
-// --- disparities
+// ---- disparities ----
 
 TEST(DisparityToCamera, GivesTheDepthOfTheBaseline) {
   const Point_f32 img = {160 + 125, 120 - 250};
@@ -429,7 +429,7 @@ TEST(DisparityToWorld, RefusesWhatIsNotPositive) {
   }
 }
 
-// --- custom ground frame
+// ---- custom ground frame ----
 
 const Orientation mounting = {2000, 35, -10};
 

@@ -67,7 +67,7 @@ Bytes untouched(const StereoCtx& ctx) {
   return Bytes(size_t{ctx.mapParams.width} * ctx.mapParams.height, untouchedCell);
 }
 
-// --- the model: every cell by its definition
+// ---- the model: every cell by its definition ----
 
 std::vector<uint16_t> samplesOf(const Shape& polygon, const Values& values) {
   std::vector<uint16_t> samples;
@@ -135,7 +135,7 @@ std::vector<std::string> rows(const Result& result, size_t width) {
 
 using Rows = std::vector<std::string>;
 
-// --- which cells are marked
+// ---- which cells are marked ----
 
 TEST(ElevationMask, MarksTheCellsInsideAndOnTheBoundary) {
   const Result r = createMask({{0, 0}, {2, 0}, {2, 1}, {0, 1}}, plainContext(6), constant(1, 1, 1));
@@ -226,7 +226,7 @@ TEST(ElevationMask, OfAMapWithoutCellsSucceeds) {
   EXPECT_EQ(createMask({{0, 0}, {2, 0}, {2, 1}}, plainContext(0), constant(1, 1, 1)).status, 1);
 }
 
-// --- the height
+// ---- the height ----
 
 // At value h the vertices of this segment are h times as far apart: as many cells are marked.
 size_t heightSeen(const Shape& polygon, const Values& values) {
@@ -296,7 +296,7 @@ TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
   EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 1), 61);
 }
 
-// --- no height
+// ---- no height ----
 
 void expectNoHeight(const Shape& polygon, const Values& values) {
   const StereoCtx ctx = plainContext(6);
@@ -349,7 +349,7 @@ TEST(ElevationMask, Of65537SamplesUsesTheLastAlone) {
   EXPECT_EQ(heightSeen(unitSegment, values), 50u);
 }
 
-// --- arguments
+// ---- arguments ----
 
 class ElevationMaskArguments : public testing::Test {
  protected:
@@ -431,7 +431,7 @@ TEST_F(ElevationMaskArguments, InputsStayAsTheyWere) {
   EXPECT_EQ(value, 1);
 }
 
-// --- everything together
+// ---- everything together ----
 
 const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 

@@ -60,7 +60,7 @@ int32_t counts(float v) { return static_cast<int32_t>(std::floor(0.5f + v * 16))
 Point3_s32 counts(Point3_f32 p) { return {counts(p.x), counts(p.y), counts(p.z)}; }
 Point_s32 counts(Point_f32 p) { return {counts(p.x), counts(p.y)}; }
 
-// --- parameters
+// ---- parameters ----
 
 TEST(TrafoParameters, OfACameraStraightDownAreTheIdentityIn4096ths) {
   const Orientation o = {2000, 0, 0};
@@ -147,7 +147,7 @@ TEST(TrafoParameters, ComeBackWithinHalfACount) {
   EXPECT_EQ(floats(ext.T), (Floats{0, 0, 0}));
 }
 
-// --- transforms
+// ---- transforms ----
 
 TEST(FixedWorldToCamera, StraightDownIsTheIdentity) {
   const TrafoParams trafo = straightDown();
@@ -302,7 +302,7 @@ TEST(FixedImageToWorldFloat, RoundsNothing) {
   }
 }
 
-// --- the map's rectangle
+// ---- the map's rectangle ----
 
 TEST(FixedMapRect, RunsRoundTheCentre) {
   const TrafoParams trafo = straightDown();
@@ -340,7 +340,7 @@ TEST(FixedMapRect, IsCentredUnderThePrincipalPoint) {
   }
 }
 
-// --- millimetres and grids
+// ---- millimetres and grids ----
 
 TEST(CalibrationCoordinate, IsSixteenPerMillimetre) {
   EXPECT_EQ(ip_millimeter2CalibCoord_s32(0), 0);

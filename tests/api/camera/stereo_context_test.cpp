@@ -31,7 +31,7 @@ Point_f32 lowerLeft(const ExtCalib& e, const ElevMapParams& map, float h) {
 
 const ExtCalib straightDown = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
 
-// --- the context
+// ---- the context ----
 
 TEST(StereoInit, CopiesItsInputs) {
   const ElevMapParams map = {101, 52, 23, 44};
@@ -53,7 +53,7 @@ TEST(StereoInit, AnchorsTheMapOnTheGround) {
   EXPECT_EQ(floats(ctx.lowerLeft), floats(lowerLeft(model::externalCalib(tilted), map, tilted.height)));
 }
 
-// --- the map's corner
+// ---- the map's corner ----
 
 TEST(MapCorner, UsesTheHalfExtentAlongXOnBothAxes) {
   EXPECT_EQ(floats(lowerLeft(straightDown, {100, 50, 20, 40}, 2000)), floats(Point_f32{-1000, -1000}));
@@ -87,7 +87,7 @@ TEST(MapCorner, IsMeasuredFromThePointUnderThePrincipalPoint) {
   }
 }
 
-// --- world and map
+// ---- world and map ----
 
 const ElevMapParams usualMap = {100, 50, 20, 40};
 const Point_f32 usualCorner = {-1000, 300};
@@ -133,7 +133,7 @@ TEST(WorldAndMap, HaveTheBitsOfTheDocumentedFormulas) {
   }
 }
 
-// --- the wrappers, each against the transform that it stands for
+// ---- the wrappers, each against the transform that it stands for ----
 
 class StereoWrappers : public testing::Test {
  protected:

@@ -31,7 +31,7 @@ Image<uint32_t> imageOf(uint32_t type) {
 
 }  // namespace
 
-// ---- Img_Init ------------------------------------------------------------------------------------------------------
+// ---- Img_Init ----
 
 TEST(ImgInit, StoresWhatItIsGiven) {
   uint16_t pixel = 0;
@@ -145,7 +145,7 @@ TEST(ImgCInit, RefusesANullDescriptor) {
   EXPECT_EQ(ImgC_Init(nullptr, 1, 1, IMG_TYPE_U8, &pixel), 0u);
 }
 
-// ---- Img_FillBuffer ------------------------------------------------------------------------------------------------
+// ---- Img_FillBuffer ----
 
 template <class T>
 class ImgFillBufferOf : public ::testing::Test {};
@@ -230,7 +230,7 @@ TEST(ImgFillBuffer, RefusesANullImage) {
   EXPECT_EQ(Img_FillBuffer(nullptr, 7), 0u);
 }
 
-// ---- Img_Copy: widening --------------------------------------------------------------------------------------------
+// ---- Img_Copy: widening ----
 
 template <class S, class D>
 struct Widening {
@@ -289,7 +289,7 @@ TEST(ImgCopy, MakesMinusOneInS8TheLargestU32) { EXPECT_EQ(copied<uint32_t>(int8_
 TEST(ImgCopy, KeepsTheLargestU16InS32) { EXPECT_EQ(copied<int32_t>(uint16_t{65535}), 65535); }
 TEST(ImgCopy, KeepsMinusOneFromS16ToS32) { EXPECT_EQ(copied<int32_t>(int16_t{-1}), -1); }
 
-// ---- Img_Copy: bytes unchanged -------------------------------------------------------------------------------------
+// ---- Img_Copy: bytes unchanged ----
 
 template <class T>
 class ImgCopySameType : public ::testing::Test {};
@@ -393,7 +393,7 @@ TEST(ImgCopy, LeavesTheDestinationsDescriptorAlone) {
   EXPECT_TRUE(sameDescriptor(dst.img, before));
 }
 
-// ---- Img_Copy: refused ---------------------------------------------------------------------------------------------
+// ---- Img_Copy: refused ----
 
 namespace {
 
@@ -477,7 +477,7 @@ TEST(ImgCopy, RefusesAnUnsupportedPairAlsoWithoutRows) {
   EXPECT_EQ(Img_Copy(&floats, narrower), 0u);
 }
 
-// ---- Img_Convert_I -------------------------------------------------------------------------------------------------
+// ---- Img_Convert_I ----
 
 TEST(ImgConvert, MakesNegativePixelsZeroAndKeepsTheOthers) {
   Image<int16_t> image{-5, 0, 7};

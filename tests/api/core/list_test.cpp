@@ -99,7 +99,7 @@ List garbage() {
 
 }  // namespace
 
-// ---- making a list -------------------------------------------------------------------------------------------------
+// ---- making a list ----
 
 TEST(List, InitMakesAnyRecordAnEmptyDynamicList) {
   for (int32_t maxCount : {0, 1, 77, -1, INT32_MAX, INT32_MIN}) {
@@ -150,7 +150,7 @@ TEST(List, IterIsTheHead) {
   EXPECT_EQ(List_Iter(&d.list), first);
 }
 
-// ---- inserting -----------------------------------------------------------------------------------------------------
+// ---- inserting ----
 
 TEST(List, AFirstNodeIsHeadAndTail) {
   for (auto insert : {List_Append, List_Prepend}) {
@@ -249,7 +249,7 @@ TEST(List, DynamicItemsMayDifferInSize) {
   }
 }
 
-// ---- how many nodes ------------------------------------------------------------------------------------------------
+// ---- how many nodes ----
 
 TEST(List, AMaximumOf0RejectsEveryInsertion) {
   Dynamic dynamic(0);
@@ -322,7 +322,7 @@ TEST(List, AStaticListWithANegativeMaximumRejectsEveryInsertion) {
   }
 }
 
-// ---- the pools -----------------------------------------------------------------------------------------------------
+// ---- the pools ----
 
 TEST(List, AStaticListTakesItsNodesAndItemsInOrder) {
   Static s(3, 3, 4);
@@ -382,7 +382,7 @@ TEST(List, AStaticListLooksForFreeNodesInItsPoolOnly) {
   EXPECT_EQ(texts(s.list), (Texts{"two"}));
 }
 
-// ---- inserting next to nothing into a list that is not empty
+// ---- inserting next to nothing into a list that is not empty ----
 // ---------------------------------------------------------
 
 TEST(List, InsertingNextToNothingFailsAndLeavesTheList) {
@@ -430,7 +430,7 @@ TEST(List, ClearDoesNotFreeASlotLostThatWay) {
   EXPECT_EQ(append(s.list, "end"), &s.nodes[2]);
 }
 
-// ---- erasing -------------------------------------------------------------------------------------------------------
+// ---- erasing ----
 
 TEST(List, ErasingTheHeadOfTwoMakesTheOtherHeadAndTail) {
   Dynamic d(2);
@@ -502,7 +502,7 @@ TEST(List, ClearErasesEveryNodeAndKeepsTheStorage) {
   EXPECT_EQ(List_Iter(&inPool.list), &inPool.nodes[0]);
 }
 
-// ---- any sequence of calls -----------------------------------------------------------------------------------------
+// ---- any sequence of calls ----
 
 namespace {
 

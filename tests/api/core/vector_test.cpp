@@ -60,7 +60,7 @@ template <class Call>
 
 }  // namespace
 
-// ---- Vector_Init ---------------------------------------------------------------------------------------------------
+// ---- Vector_Init ----
 
 TEST(VectorInit, HoldsAsManyWholeElementsAsThereAreBytesFor) {
   for (const Type& type : types) {
@@ -94,7 +94,7 @@ TEST(VectorInit, RefusesOtherTypes) {
   }
 }
 
-// ---- Vector_Clear --------------------------------------------------------------------------------------------------
+// ---- Vector_Clear ----
 
 TEST(VectorClear, EmptiesTheVectorAndLeavesItsBytes) {
   Marked marked(VECTOR_TYPE_U8, 6);
@@ -110,7 +110,7 @@ TEST(VectorClear, OfAnEmptyVectorSucceeds) {
   EXPECT_EQ(marked.vector.count, 0u);
 }
 
-// ---- Vector_Fill ---------------------------------------------------------------------------------------------------
+// ---- Vector_Fill ----
 
 TEST(VectorFill, WritesTheLowBitsOfTheValueIntoExactlyTheFirstElements) {
   for (const Type& type : types) {

@@ -29,7 +29,7 @@ Point_f32 anyPointF(lab::Random& random) {
   return {static_cast<float>(random.between(-3, 3)) / 4, static_cast<float>(random.between(-3, 3)) / 4 + nudge};
 }
 
-// --- orientation
+// ---- orientation ----
 
 int32_t turn(Point_s32 a, Point_s32 b, Point_s32 c) { return IP_Geom_Orientation(a.x, a.y, b.x, b.y, c.x, c.y); }
 int32_t turn(Point_f32 a, Point_f32 b, Point_f32 c) { return IP_Geom_Orientation_f32(&a, &b, &c); }
@@ -118,7 +118,7 @@ TEST(OrientationF32, OfNumbersOfEveryMagnitude) {
   }
 }
 
-// --- equality of points
+// ---- equality of points ----
 
 int32_t areEqual(Point_f32 p, Point_f32 q) { return IP_Geom_ArePointsEqual_f32(&p, &q); }
 
@@ -141,7 +141,7 @@ TEST(PointsEqualF32, NotForANaN) { EXPECT_EQ(areEqual({NAN, 0}, {NAN, 0}), 0); }
 
 TEST(PointsEqualF32, NotForTwoInfinities) { EXPECT_EQ(areEqual({infinity, 0}, {infinity, 0}), 0); }
 
-// --- intersection of edges
+// ---- intersection of edges ----
 
 int32_t intersect(Edge_s32 e, Edge_s32 f) { return IP_Geom_EdgesIntersect(&e, &f); }
 int32_t intersect(Edge_f32 e, Edge_f32 f) { return IP_Geom_EdgesIntersect_f32(&e, &f); }
@@ -237,7 +237,7 @@ TEST(EdgesIntersectF32, OfAnyEdgesFollowsTheInsetBox) {
   EXPECT_GT(hits, 200);
 }
 
-// --- point on edge
+// ---- point on edge ----
 
 int32_t isOn(Edge_f32 e, Point_f32 p) { return IP_Geom_IsPointOnEdge_f32(&e, &p); }
 
@@ -258,7 +258,7 @@ TEST(PointOnEdgeF32, IsCollinearityForAnyFinitePoint) {
   }
 }
 
-// --- squared distances
+// ---- squared distances ----
 
 int32_t distance(Line_s32 l, Point_s32 p) { return IP_Geom_LinePoint2_SquaredDistance_s32(&l, &p); }
 float distance(Line_f32 l, Point_f32 p) { return IP_Geom_LinePoint2_SquaredDistance_f32(&l, &p); }
@@ -351,7 +351,7 @@ TEST(EdgeDistanceF32, HasTheBitsOfTheLineThroughItsEnds) {
   }
 }
 
-// --- intersection of lines
+// ---- intersection of lines ----
 
 struct Crossing {
   int32_t status;
@@ -516,7 +516,7 @@ TEST(IntersectLinesF32, HasTheBitsOfTheDocumentedFormula) {
   EXPECT_GT(met, 2000);
 }
 
-// --- barycentric weights
+// ---- barycentric weights ----
 
 struct Weights {
   int32_t status;
@@ -615,7 +615,7 @@ TEST(Barycentric, OfAnyIntegersWrapsAround) {
   EXPECT_GT(inside, 100);
 }
 
-// --- rectangles
+// ---- rectangles ----
 
 template <class Rect>
 struct RectOps;

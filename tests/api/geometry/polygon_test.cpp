@@ -74,7 +74,7 @@ Shape starShape(lab::Random& random, size_t count) {
   return s;
 }
 
-// --- simplicity
+// ---- simplicity ----
 
 int32_t isSimple(const Shape& s) { return IP_Polygon_IsSimple(PolygonS(s).get()); }
 int32_t isSimple(const ShapeF& s) { return IP_Polygon_IsSimple_f32(PolygonF(s).get()); }
@@ -152,7 +152,7 @@ TEST(PolygonSimpleF32, ComparesEveryPairOfEdges) {
   }
 }
 
-// --- point in polygon
+// ---- point in polygon ----
 
 int32_t contour(const Shape& s, Point_s32 p, uint32_t onBoundary) {
   return IP_Polygon_IsInsideContour(PolygonS(s).get(), &p, onBoundary);
@@ -336,7 +336,7 @@ TEST(PolygonInsideF32, OfAnyPolygonFollowsTheTolerantOrientations) {
   EXPECT_GT(hits, 500);
 }
 
-// --- removal of vertices
+// ---- removal of vertices ----
 
 using Slots = std::vector<std::pair<uint32_t, uint32_t>>;
 
@@ -487,7 +487,7 @@ TEST(RemoveCollinearF32, OfAnyPolygonFollowsTheWalk) {
   }
 }
 
-// --- side of a polyline
+// ---- side of a polyline ----
 
 int32_t side(const Shape& s, Point_s32 p) { return IP_Polyline_Orientation(PolygonS(s).get(), &p); }
 int32_t side(const ShapeF& s, Point_f32 p) { return IP_Polyline_Orientation_f32(PolygonF(s).get(), &p); }
@@ -576,7 +576,7 @@ TEST(PolylineSideF32, OfAnyPolylineFollowsTheLineDistances) {
   }
 }
 
-// --- distance from the outline
+// ---- distance from the outline ----
 
 float distance(const ShapeF& s, Point_f32 p) { return IP_Polygon_SquaredDist(PolygonF(s).get(), &p); }
 

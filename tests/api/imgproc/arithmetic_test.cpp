@@ -28,7 +28,7 @@ int16_t s16(int16_t a, int16_t b, uint32_t op) { return combined(a, b, op); }
 
 }  // namespace
 
-// ---- single values, U16 --------------------------------------------------------------------------------------------
+// ---- single values, U16 ----
 
 TEST(ArithmeticU16, SumWraps) { EXPECT_EQ(u16(65535, 1, IMGOP_ADD), 0); }
 TEST(ArithmeticU16, DifferenceWrapsBelowZero) { EXPECT_EQ(u16(0, 1, IMGOP_SUB), 65535); }
@@ -52,7 +52,7 @@ TEST(ArithmeticU16, ShiftCountIsTheLowByte) {
   EXPECT_EQ(u16(0x0F0F, 0x0100, IMGOP_SHL), 0x0F0F);
 }
 
-// ---- single values, S16 --------------------------------------------------------------------------------------------
+// ---- single values, S16 ----
 
 TEST(ArithmeticS16, SumWraps) { EXPECT_EQ(s16(32767, 1, IMGOP_ADD), -32768); }
 TEST(ArithmeticS16, DifferenceWraps) { EXPECT_EQ(s16(-32768, 1, IMGOP_SUB), 32767); }
@@ -92,7 +92,7 @@ TEST(Arithmetic, NumbersItsOperationsAsDocumented) {
   for (uint32_t op = 0; op < 6; ++op) EXPECT_EQ(u16(20, 2, op), wanted[op]) << op;
 }
 
-// ---- every size, against the model ---------------------------------------------------------------------------------
+// ---- every size, against the model ----
 
 template <class T>
 class ArithmeticOf : public ::testing::Test {};
@@ -248,7 +248,7 @@ TYPED_TEST(ArithmeticOf, WalksEachImageWithItsOwnRowStride) {
   }
 }
 
-// ---- division by zero ----------------------------------------------------------------------------------------------
+// ---- division by zero ----
 
 namespace {
 
@@ -336,7 +336,7 @@ TYPED_TEST(ArithmeticOf, OnlyDivisionSignals) {
   EXPECT_EQ(signals.count(), 0);
 }
 
-// ---- images without pixels -----------------------------------------------------------------------------------------
+// ---- images without pixels ----
 
 TEST(Arithmetic, AcceptsAnImageWithoutRowsForEveryOperation) {
   Image<uint16_t> a(5, 0), b(5, 0), out(5, 0);
@@ -355,7 +355,7 @@ TEST(Arithmetic, ChecksTypeAndOperationAlsoWithoutRows) {
   EXPECT_EQ(IP_ImgOpImg(bytes, bytes, bytes, IMGOP_ADD), 0u);
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 namespace {
 

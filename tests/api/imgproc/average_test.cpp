@@ -54,7 +54,7 @@ Series begun(uint32_t width, uint32_t height = 1) {
 
 }  // namespace
 
-// ---- init ----------------------------------------------------------------------------------------------------------
+// ---- init ----
 
 TEST(ImgAvrgInit, SetsTheStateAndClearsTheAccumulators) {
   forEachSize(smallSizes(3), [](Size size, Guard side, lab::Random& random) {
@@ -102,7 +102,7 @@ TEST(ImgAvrgInit, ClearsEveryByteThatTheDescriptorsName) {
   EXPECT_EQ(counts.pixels(), Pixels(12, 0));
 }
 
-// ---- add -----------------------------------------------------------------------------------------------------------
+// ---- add ----
 
 TEST(ImgAvrgAdd, SumsAndCountsValidPixels) {
   Series s = begun(3);
@@ -212,7 +212,7 @@ TEST(ImgAvrg, AcceptsCountsWhoseDescriptorNamesAnotherHeight) {
   EXPECT_EQ(s.average(), (Pixels{1, 0, 3, 4, 5, 0}));
 }
 
-// ---- process -------------------------------------------------------------------------------------------------------
+// ---- process ----
 
 TEST(ImgAvrgProcess, AveragesWhatWasValidInMoreThanTheStatedShareOfFrames) {
   Series s = begun(1);
@@ -349,7 +349,7 @@ TEST(ImgAvrgProcess, AcceptsImagesWithoutPixels) {
   }
 }
 
-// ---- all three -----------------------------------------------------------------------------------------------------
+// ---- all three ----
 
 // One column, its rows further apart than its pixels are wide, in one image after the other.
 TEST(ImgAvrg, WalksEachImageWithItsOwnRowStride) {
@@ -385,7 +385,7 @@ TEST(ImgAvrg, LeavesTheDescriptorsAlone) {
   EXPECT_TRUE(sameDescriptor(before[3], s.out.img));
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 namespace {
 

@@ -98,7 +98,7 @@ TEST(ScaleVga2Qvga, WalksEachImageWithItsOwnRowStride) {
   }
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 TEST(ScaleVga2Qvga, RefusesEveryTypeCodeWithoutTheBitOfU16) {
   Image<uint16_t> src(640, 480), dst = markedQvga();

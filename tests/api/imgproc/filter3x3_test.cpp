@@ -72,7 +72,7 @@ model::Picture<T> everyArrangement(T low, T high, uint32_t shift) {
 
 }  // namespace
 
-// ---- median --------------------------------------------------------------------------------------------------------
+// ---- median ----
 
 template <class T>
 class MedianOf : public ::testing::Test {};
@@ -177,7 +177,7 @@ TEST(Median3x3, RefusesFewerThanFourColumns) {
   }
 }
 
-// ---- maximum -------------------------------------------------------------------------------------------------------
+// ---- maximum ----
 
 TEST(Maximum3x3, KeepsAZeroPixelAmongLargeOnes) {
   EXPECT_EQ(maximumOf({1000, 1000, 1000, 1000, 0, 1000, 1000, 1000, 1000}), 0);
@@ -237,7 +237,7 @@ TEST(Maximum3x3, AcceptsFewerThanThreeColumnsAndWritesNothing) {
   }
 }
 
-// ---- morphology ----------------------------------------------------------------------------------------------------
+// ---- morphology ----
 
 template <class T>
 class Morph3x3Of : public ::testing::Test {};
@@ -453,7 +453,7 @@ TYPED_TEST(Morph3x3Of, AcceptsEveryOtherOperationAndWritesNothing) {
   }
 }
 
-// ---- refused, all three filters ------------------------------------------------------------------------------------
+// ---- refused, all three filters ----
 
 namespace {
 

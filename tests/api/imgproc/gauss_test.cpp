@@ -46,7 +46,7 @@ std::vector<Size> sizes() {
 
 }  // namespace
 
-// ---- the kernel ----------------------------------------------------------------------------------------------------
+// ---- the kernel ----
 
 TEST(Gauss, ReturnsAConstantImageUnchanged) {
   for (uint32_t value : {0u, 1u, 127u, 128u, 255u, 256u, 32767u, 32768u, 65534u, 65535u}) {
@@ -85,7 +85,7 @@ TEST(Gauss, GivesEachPixelItsWeightAtEveryPlace) {
   }
 }
 
-// ---- borders -------------------------------------------------------------------------------------------------------
+// ---- borders ----
 
 namespace {
 
@@ -141,7 +141,7 @@ TEST(Gauss, ReplicatesBothRowsAroundTheMiddleOfThree) {
   EXPECT_EQ(smoothedColumn({0, 0, 1600}), (Pixels{100, 500, 1100}));
 }
 
-// ---- every size ----------------------------------------------------------------------------------------------------
+// ---- every size ----
 
 TEST(Gauss, IsExactForEverySizeAndInPlace) {
   forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
@@ -228,7 +228,7 @@ TEST(Gauss, WalksEachImageWithItsOwnRowStride) {
     for (size_t x = 0; x < 8; ++x) EXPECT_EQ(dst.data()[y * 8 + x], x < 4 ? wanted[y * 4 + x] : 0x7777) << x << y;
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 namespace {
 

@@ -30,7 +30,7 @@ std::vector<T> masked(std::initializer_list<T> row, std::initializer_list<uint8_
 
 }  // namespace
 
-// ---- single values and every size ----------------------------------------------------------------------------------
+// ---- single values and every size ----
 
 template <class T>
 class MaskOf : public ::testing::Test {};
@@ -109,7 +109,7 @@ TYPED_TEST(MaskOf, LeavesTheDescriptorsAlone) {
   EXPECT_TRUE(sameDescriptor(dst.img, dstBefore));
 }
 
-// ---- the mask's own size is not looked at --------------------------------------------------------------------------
+// ---- the mask's own size is not looked at ----
 
 namespace {
 
@@ -140,7 +140,7 @@ TEST(Mask, ReadsOneByteAPixelWhateverTheMasksBytesPerPixel) {
   EXPECT_TRUE(holds(dst, {0, 2, 3, 4, 0, 0}));
 }
 
-// ---- images without pixels -----------------------------------------------------------------------------------------
+// ---- images without pixels ----
 
 TEST(Mask, AcceptsAnImageWithoutRows) {
   const Image<uint8_t> src(5, 0), mask(5, 0);
@@ -162,7 +162,7 @@ TEST(Mask, ChecksTypesAlsoWithoutRows) {
   EXPECT_EQ(IP_Mask(signedWords, bytes, signedWords, MASK_KEEP_SET), 0u);
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 namespace {
 

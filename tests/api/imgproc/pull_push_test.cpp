@@ -49,7 +49,7 @@ std::vector<Size> sizes() {
 
 }  // namespace
 
-// ---- single holes --------------------------------------------------------------------------------------------------
+// ---- single holes ----
 
 TEST(PullPush, FillsAHoleWithTheRoundedMeanOfItsBlock) {
   Pixels pixels{10, 20, 1, 1, 30, 0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, wanted = pixels;
@@ -94,7 +94,7 @@ TEST(PullPush, StopsWhereOneSideIs1) {
   EXPECT_EQ(filled(2, 4, {0, 0, 0, 0, 5, 0, 0, 0}), (Pixels{0, 0, 0, 0, 5, 5, 5, 5}));
 }
 
-// ---- properties ----------------------------------------------------------------------------------------------------
+// ---- properties ----
 
 TEST(PullPush, ReturnsAnImageWithoutHolesUnchanged) {
   forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
@@ -169,7 +169,7 @@ TEST(PullPush, LeavesTheDescriptorsAlone) {
   EXPECT_TRUE(sameDescriptor(dst.img, dstBefore));
 }
 
-// ---- the number of levels ------------------------------------------------------------------------------------------
+// ---- the number of levels ----
 
 // One pixel must go through all eleven halvings to fill the rest.
 TEST(PullPush, FillsAnImageWhoseSmallerSideIs4095) {
@@ -188,7 +188,7 @@ TEST(PullPush, RefusesAnImageWhoseSmallerSideIs4096) {
   EXPECT_EQ(std::count(image.data(), image.data() + image.size(), 0), 4096 * 4096 - 1);
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 namespace {
 

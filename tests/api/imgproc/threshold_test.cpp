@@ -45,7 +45,7 @@ Image<T> marked(uint32_t width, uint32_t height) {
 
 }  // namespace
 
-// ---- one threshold, U16 --------------------------------------------------------------------------------------------
+// ---- one threshold, U16 ----
 
 TEST(Threshold, Mode0ZeroesBelowAndKeepsThePixelThatEqualsTheThreshold) {
   EXPECT_EQ(thresholded<uint16_t>({99, 100, 101}, 100, THRESH_ZERO_BELOW), (U16{0, 100, 101}));
@@ -100,7 +100,7 @@ TEST(Threshold, ComparesU16PixelsAsUnsigned) {
   EXPECT_EQ(thresholded<uint16_t>({1, 32767, 32768, 65535}, 32767, THRESH_KEEP_ABOVE), (U16{0, 0, 32768, 65535}));
 }
 
-// ---- range ---------------------------------------------------------------------------------------------------------
+// ---- range ----
 
 TEST(ThresholdRange, Mode5ZeroesTheRangeWithBothBounds) {
   EXPECT_EQ(rangeThresholded<uint16_t>({9, 10, 20, 21}, 10, 20, THRESH_ZERO_INSIDE), (U16{9, 0, 0, 21}));
@@ -146,7 +146,7 @@ TEST(ThresholdRange, ReadsTheBoundsAsUnsignedForU16) {
             (U16{0, 0, 32768, 0}));
 }
 
-// ---- every size, against the model ---------------------------------------------------------------------------------
+// ---- every size, against the model ----
 
 template <class T>
 class ThresholdOf : public ::testing::Test {};
@@ -244,7 +244,7 @@ TYPED_TEST(ThresholdOf, WalksEachImageWithItsOwnRowStride) {
   EXPECT_EQ(apart.pixels(), (std::vector<TypeParam>{7, 2, 0, 4, 9, 6}));
 }
 
-// ---- images without pixels -----------------------------------------------------------------------------------------
+// ---- images without pixels ----
 
 TEST(Threshold, AcceptsAnImageWithoutRowsForEveryMode) {
   Image<uint16_t> src(5, 0), dst(5, 0);
@@ -275,7 +275,7 @@ TEST(Threshold, ChecksTypeAndModeAlsoWithoutRows) {
   EXPECT_EQ(IP_ThresholdRange(bytes, bytes, 1, 2, 5), 0u);
 }
 
-// ---- refused -------------------------------------------------------------------------------------------------------
+// ---- refused ----
 
 TEST(Threshold, RefusesEveryOtherMode) {
   for (uint32_t mode : otherModes) {

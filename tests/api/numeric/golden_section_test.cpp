@@ -91,7 +91,7 @@ double scatter(double x) {
 
 }  // namespace
 
-// ---- what it finds -------------------------------------------------------------------------------------------------
+// ---- what it finds ----
 
 TEST(GsSearch, ConvergesToTheMaximum) {
   const Found found = search(hill, 100, 0, 3, 1e-6);
@@ -116,7 +116,7 @@ TEST(GsSearch, ReportsAValueThatItEvaluated) {
   }
 }
 
-// ---- where it stops ------------------------------------------------------------------------------------------------
+// ---- where it stops ----
 
 TEST(GsSearch, EvaluatesTwoPointsHoweverFewItMay) {
   for (uint32_t maxEval : {0u, 1u, 2u}) {
@@ -163,7 +163,7 @@ TEST(GsSearch, StopsOnAnEmptyIntervalUnlessTheToleranceIsNegative) {
   EXPECT_EQ(search(hill, 10, 2, 2, -1).result.evaluations, 10u);
 }
 
-// ---- which way it goes ---------------------------------------------------------------------------------------------
+// ---- which way it goes ----
 
 TEST(GsSearch, GoesRightOnEveryTieAndReportsTheRightPoint) {
   const Found found = search([](double) { return 4.0; }, 12, 0, 3, 0);
@@ -201,7 +201,7 @@ TEST(GsSearch, LeavesTheFunctionRecordAlone) {
   EXPECT_EQ(func.context, &objective);
 }
 
-// ---- every number of it --------------------------------------------------------------------------------------------
+// ---- every number of it ----
 
 TEST(GsSearch, RecordsExactlyTheSameSearchForAnyHill) {
   lab::Random random(80);

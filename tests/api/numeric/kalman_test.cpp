@@ -61,7 +61,7 @@ Kalman1d wildFilter(lab::Random& random) {
 
 TEST(Kalman1d, IsFourteenFloats) { EXPECT_EQ(sizeof(Kalman1d), 14 * sizeof(float)); }
 
-// ---- create --------------------------------------------------------------------------------------------------------
+// ---- create ----
 
 TEST(Kalman1d, CreateSetsEverythingButQ) {
   const Kalman1d filter = created(10, -2, 3, 4, 5), before = garbage();
@@ -84,7 +84,7 @@ TEST(Kalman1d, CreateIsExactForAnyNumbers) {
   }
 }
 
-// ---- predict -------------------------------------------------------------------------------------------------------
+// ---- predict ----
 
 TEST(Kalman1d, PredictCarriesTheVarianceOfTheRateIntoTheValue) {
   const Kalman1d filter = predicted(created(10, 0, 2, 1, 0), 1);
@@ -139,7 +139,7 @@ TEST(Kalman1d, PredictIsExactForNumbersOfEveryMagnitude) {
   }
 }
 
-// ---- update --------------------------------------------------------------------------------------------------------
+// ---- update ----
 
 TEST(Kalman1d, UpdateMeetsHalfWayWhereBothAreEquallySure) {
   const Kalman1d filter = updated(created(10, 1, 2, 1, 0), 20);
@@ -203,7 +203,7 @@ TEST(Kalman1d, UpdateIsExactForNumbersOfEveryMagnitude) {
   }
 }
 
-// ---- tracking ------------------------------------------------------------------------------------------------------
+// ---- tracking ----
 
 TEST(Kalman1d, TracksAnySeriesOfMeasurementsExactly) {
   lab::Random random(76);

@@ -14,7 +14,7 @@ namespace {
 
 using Values = std::vector<uint16_t>;
 
-// --- median
+// ---- median ----
 
 struct Selection {
   uint32_t status;
@@ -178,7 +178,7 @@ TEST(Median, OfTheLargestCountFollowsTheSelection) {
   EXPECT_TRUE(wanted == s.values);
 }
 
-// --- sorting indices
+// ---- sorting indices ----
 
 constexpr uint16_t untouched = 0xA5A5;
 

@@ -167,7 +167,7 @@ Rect_s32 anyArea(lab::Random& random, uint32_t width, uint32_t height) {
 
 }  // namespace
 
-// ---- what is one component -----------------------------------------------------------------------------------------
+// ---- what is one component ----
 
 TEST(ComponentFinder, ListsPositionsValuesAndBoxInRasterOrder) {
   const Picture picture{4, 2, {0, 7, 0, 0, 6, 5, 0, 0}};
@@ -207,7 +207,7 @@ TEST(ComponentFinder, FillsThePoolsWithTheLargestImage) {
   EXPECT_EQ(list().entries[0].pixelCount, 65536u);
 }
 
-// ---- the last column -----------------------------------------------------------------------------------------------
+// ---- the last column ----
 
 TEST(ComponentFinder, KeepsRunsThatEndInTheLastColumn) {
   EXPECT_EQ(foundIn({".###"}), (Rows{".aaa"}));
@@ -228,7 +228,7 @@ TEST(ComponentFinder, MeansTheLastColumnOfTheArea) {
   EXPECT_EQ(foundIn({"...##", "..#.#", ".##.#"}, {0, 0, 4, 3}), (Rows{".....", "..a..", ".aa.."}));
 }
 
-// ---- contours ------------------------------------------------------------------------------------------------------
+// ---- contours ----
 
 TEST(ComponentContour, IsAllButTheInside) {
   EXPECT_EQ(foundIn({".....", ".###.", ".###.", ".###.", "....."}),
@@ -258,7 +258,7 @@ TEST(ComponentContour, EndsAtTheAreasFirstAndLastColumn) {
   EXPECT_EQ(foundIn({"#####", "#####", "#####"}, {1, 0, 4, 3}), (Rows{".aaa.", ".a1a.", ".aaa."}));
 }
 
-// ---- areas of interest ---------------------------------------------------------------------------------------------
+// ---- areas of interest ----
 
 TEST(ComponentArea, ReportsOnlyThePartInside) {
   EXPECT_EQ(foundIn({"####", "####", "####", "####"}, {1, 1, 3, 3}), (Rows{"....", ".aa.", ".aa.", "...."}));
@@ -294,7 +294,7 @@ TEST(ComponentArea, OutsideTheImageHasNoComponents) {
 
 TEST(ComponentArea, OfOneColumnHasNoComponents) { EXPECT_EQ(foundIn({"##", "##"}, {0, 0, 1, 2}), (Rows{"..", ".."})); }
 
-// ---- refused images ------------------------------------------------------------------------------------------------
+// ---- refused images ----
 
 TEST(ComponentFinderRefuses, SizesOutside1To256) {
   uint16_t pixel = 1;
@@ -323,7 +323,7 @@ TEST(ComponentFinderRefuses, OtherSizesWhateverTheArea) {
   EXPECT_EQ(list().count, 0u);
 }
 
-// ---- against the model, all with one finder ------------------------------------------------------------------------
+// ---- against the model, all with one finder ----
 
 TEST(ComponentFinderModel, AgreesOnEveryImageOf4By3Pixels) {
   Finder finder;
@@ -377,7 +377,7 @@ TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {
   });
 }
 
-// ---- the most there can be -----------------------------------------------------------------------------------------
+// ---- the most there can be ----
 
 TEST(ComponentFinderLimits, Finds16383Components) {
   Picture picture = dust(256, 256);
@@ -435,7 +435,7 @@ TEST(ComponentFinderLimits, IsRightAgainAfterThem) {
   }
 }
 
-// ---- one finder, many calls ----------------------------------------------------------------------------------------
+// ---- one finder, many calls ----
 
 TEST(ComponentFinderAgain, IsAsGoodAsNew) {
   inRounds(20, [](lab::Random& random) {

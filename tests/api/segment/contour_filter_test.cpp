@@ -52,7 +52,7 @@ using Rows = std::vector<std::string>;
 
 }  // namespace
 
-// ---- what stays ----------------------------------------------------------------------------------------------------
+// ---- what stays ----
 
 TEST(ContourFilter, RemovesComponentsSmallerThanTheSize) {
   EXPECT_EQ(filtered({"#..##.", "......", ".##...", ".#....", "......"}, 3),
@@ -91,7 +91,7 @@ TEST(ContourFilter, ComparesTheSizeAsUnsigned) {
   }
 }
 
-// ---- what has no label ---------------------------------------------------------------------------------------------
+// ---- what has no label ----
 
 TEST(ContourFilter, JudgesRunsThatReachTheLastColumnByTheSizeOfTheBackground) {
   // Four pixels without a label: two holes and the run of two at the border.
@@ -111,7 +111,7 @@ TEST(ContourFilter, TakesLargeU16ForForeground) {
   EXPECT_EQ(filtered(row<uint16_t>({0x8000, 0xFFFF, 0, 0x8000, 0}), 2), (Pixels<uint16_t>{0x8000, 0xFFFF, 0, 0, 0}));
 }
 
-// ---- refused images ------------------------------------------------------------------------------------------------
+// ---- refused images ----
 
 TEST(ContourFilterRefuses, NullImages) {
   Image<uint16_t> img(4, 4, marks<uint16_t>(16));
@@ -160,7 +160,7 @@ TEST(ContourFilterRefuses, SizesOutside1To128) {
   }
 }
 
-// ---- against the model ---------------------------------------------------------------------------------------------
+// ---- against the model ----
 
 namespace {
 

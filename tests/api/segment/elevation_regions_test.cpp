@@ -32,7 +32,7 @@ RegionList& list() {
 
 RgeParams wholeMap(int32_t maxStep, int32_t minValue = 0) { return {0, 0, 0, 0, maxStep, minValue}; }
 
-// ---- before anything was processed: this runs before the tests do
+// ---- before anything was processed: this runs before the tests do ----
 
 struct Fresh {
   int32_t mapBeforeInit, listBeforeInit, init, mapAfterInit, refused, mapAfterRefused, mapAfterEmptyArea;
@@ -69,7 +69,7 @@ Fresh observeFreshState() {
 
 const Fresh fresh = observeFreshState();
 
-// ---- a processed map
+// ---- a processed map ----
 
 class Processed {
  public:
@@ -163,7 +163,7 @@ using ElevationLimits = ElevationRegions;
 
 }  // namespace
 
-// ---- what is one region --------------------------------------------------------------------------------------------
+// ---- what is one region ----
 
 TEST_F(ElevationRegions, SplitWhereTheStepIsTooLarge) {
   EXPECT_EQ(labelsOf(row<uint16_t>({5, 6, 7}), wholeMap(0)), (Words{1, 2, 3}));
@@ -273,7 +273,7 @@ TEST_F(ElevationRegions, AreNoneInAMapWithoutCells) {
   }
 }
 
-// ---- areas of interest ---------------------------------------------------------------------------------------------
+// ---- areas of interest ----
 
 TEST_F(ElevationArea, CutsRegions) {
   const Picture picture = drawn({"##.##", "##.##", "#####"});
@@ -304,7 +304,7 @@ TEST_F(ElevationArea, WithoutRowsOrColumnsHasNoRegions) {
   }
 }
 
-// ---- label maps ----------------------------------------------------------------------------------------------------
+// ---- label maps ----
 
 TEST_F(ElevationLabelMap, MayBeLargerThanTheProcessedMap) {
   const Processed processed(drawn({"#.#", ".##"}), wholeMap(0));
@@ -343,7 +343,7 @@ TEST_F(ElevationLabelMap, IsRefusedIfOfAnotherType) {
   }
 }
 
-// ---- what is kept --------------------------------------------------------------------------------------------------
+// ---- what is kept ----
 
 TEST_F(ElevationState, IsEmptyBeforeTheFirstProcessing) {
   EXPECT_EQ(fresh.mapBeforeInit, 0);
@@ -411,7 +411,7 @@ TEST_F(ElevationState, OfOneProcessingPlaysNoPartInTheNext) {
   });
 }
 
-// ---- refused maps --------------------------------------------------------------------------------------------------
+// ---- refused maps ----
 
 TEST_F(ElevationRegionsRefuse, AMissingMapAndKeepTheResults) {
   const Picture picture = drawn({"#.#", "###", ".#."});
@@ -447,7 +447,7 @@ TEST_F(ElevationRegionsRefuse, LargerMapsAndKeepTheResults) {
   }
 }
 
-// ---- against the model ---------------------------------------------------------------------------------------------
+// ---- against the model ----
 
 namespace {
 
@@ -550,7 +550,7 @@ TEST_F(ElevationModel, AgreesInLargerMaps) {
   });
 }
 
-// ---- the most there can be -----------------------------------------------------------------------------------------
+// ---- the most there can be ----
 
 TEST_F(ElevationLimits, Holds16383Regions) {
   Picture picture = noTwoAlike();

@@ -130,7 +130,7 @@ Picture<uint16_t> dust() {
 
 }  // namespace
 
-// ---- label maps ----------------------------------------------------------------------------------------------------
+// ---- label maps ----
 
 TEST(CreateLabelMap, Lays128By128PixelsOverTheBuffer) {
   Img map{};
@@ -163,7 +163,7 @@ TEST(CreateLabelMap, RefusesANullMap) {
   EXPECT_EQ(first, untouched);
 }
 
-// ---- component sizes -----------------------------------------------------------------------------------------------
+// ---- component sizes ----
 
 TEST(CreateComponentSizes, Makes4096Zeros) {
   Vector sizes{};
@@ -197,7 +197,7 @@ TEST(CreateComponentSizes, RefusesSmallerBuffers) {
   }
 }
 
-// ---- what is one component -----------------------------------------------------------------------------------------
+// ---- what is one component ----
 
 TEST(Labelling, JoinsPixelsThatTouchAtACorner) {
   const std::vector<std::string> rows{"#..", ".#.", "..."};
@@ -237,7 +237,7 @@ TEST(Labelling, OfOnePixelIsBackgroundWhateverItsValue) {
   EXPECT_EQ(sizesOf(row<uint16_t>({9}), 0), (Sizes{1}));
 }
 
-// ---- the right border ----------------------------------------------------------------------------------------------
+// ---- the right border ----
 
 TEST(Labelling, NeverLabelsThePixelInTheLastColumn) { EXPECT_EQ(sizesOf({".#.#"}), (Sizes{3, 1})); }
 
@@ -254,7 +254,7 @@ TEST(Labelling, LabelsNothingInAnImageOfOneColumn) { EXPECT_EQ(sizesOf({"#", "#"
 
 TEST(Labelling, LabelsARunThatEndsAColumnBeforeTheLast) { EXPECT_EQ(labelsOf({"###."}), (Words{1, 1, 1, 0})); }
 
-// ---- threshold -----------------------------------------------------------------------------------------------------
+// ---- threshold ----
 
 TEST(Labelling, TakesPixelsGreaterThanTheThreshold) {
   EXPECT_EQ(sizesOf(row<uint16_t>({5, 0, 6, 0, 7, 0}), 6), (Sizes{5, 1}));
@@ -282,7 +282,7 @@ TEST(Labelling, OfU16WithAThresholdOf32768IsOneRunPerRowAndSoNothing) {
   }
 }
 
-// ---- refused images ------------------------------------------------------------------------------------------------
+// ---- refused images ----
 
 TEST(Labelling, RefusesSizesOutside1To128) {
   uint16_t pixel = 0;
@@ -303,7 +303,7 @@ TEST(Labelling, RefusesOtherTypes) {
   }
 }
 
-// ---- against the model ---------------------------------------------------------------------------------------------
+// ---- against the model ----
 
 TEST(LabellingModel, AgreesOnEveryImageOf5By3Pixels) {
   forEachCode(1u << 15, [&](uint32_t bits) { expectModel(ofBits(5, 3, bits), 0); });
@@ -355,7 +355,7 @@ TEST(LabellingModel, AgreesOnNoiseOfEveryDensity) {
   });
 }
 
-// ---- calls in a row ------------------------------------------------------------------------------------------------
+// ---- calls in a row ----
 
 TEST(LabellingAgain, ChangesNothingBehindItsOwnLabelsAndSizes) {
   Labeller labeller;
@@ -378,7 +378,7 @@ TEST(LabellingAgain, GrowsTheMapBackToALargerImage) {
   EXPECT_EQ(labeller.counts(), (Sizes{128 * 128}));
 }
 
-// ---- limits --------------------------------------------------------------------------------------------------------
+// ---- limits ----
 
 TEST(LabellingLimits, Finds4095Components) {
   Picture<uint16_t> picture = dust();

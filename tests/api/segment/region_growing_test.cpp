@@ -58,7 +58,7 @@ uint32_t answered(int32_t status) { return static_cast<uint32_t>(status); }
 
 }  // namespace
 
-// ---- what is one region --------------------------------------------------------------------------------------------
+// ---- what is one region ----
 
 TEST(RegionGrowing, SplitsWhereTheStepIsTooLarge) {
   EXPECT_EQ(labelsOf(row<uint16_t>({10, 11, 30}), 5, 2), (Words{1, 1, 2}));
@@ -101,7 +101,7 @@ TEST(RegionGrowing, ComparesUnsignedPixels) {
   EXPECT_EQ(labelsOf(row<uint16_t>({0x8000, 0x7FFF, 0xFFFF, 0}), 5, 1), (Words{1, 1, 2, 0}));
 }
 
-// ---- parameters ----------------------------------------------------------------------------------------------------
+// ---- parameters ----
 
 TEST(RegionGrowing, LabelsNothingWithANegativeStep) {
   for (const int32_t step : {-1, smallest}) EXPECT_EQ(labelsOf(drawn({"##", "##"}), 0, step), Words(4, 0)) << step;
@@ -126,7 +126,7 @@ TEST(RegionGrowing, TakesEveryPixelWithANegativeThreshold) {
   }
 }
 
-// ---- the images ----------------------------------------------------------------------------------------------------
+// ---- the images ----
 
 TEST(RegionGrowing, MayLabelTheImageItself) {
   inRounds(300, [](lab::Random& random) {
@@ -157,7 +157,7 @@ TEST(RegionGrowing, OfNoPixelsSucceeds) {
   }
 }
 
-// ---- refused arguments ---------------------------------------------------------------------------------------------
+// ---- refused arguments ----
 
 TEST(RegionGrowingRefuses, NullPointers) {
   const Image<uint16_t> src(4, 3);
@@ -198,7 +198,7 @@ TEST(RegionGrowingRefuses, WrongArgumentsAlsoWithoutRows) {
   EXPECT_EQ(IP_RGrow_Process(src, params, src), 0);
 }
 
-// ---- against the model ---------------------------------------------------------------------------------------------
+// ---- against the model ----
 
 TEST(RegionGrowingModel, AgreesOnEveryImageOf4By4Pixels) {
   forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), 0, largest); });

@@ -126,5 +126,4 @@ TEST(Census, EqualsTheModelForEveryHeight) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test

@@ -279,5 +279,4 @@ TEST(CostRowVector, EqualsTheScalarOneForCensusCodes) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test

@@ -490,5 +490,4 @@ TEST(PathCostVariants, LeaveIdenticalBuffersForWholeBlocks) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test

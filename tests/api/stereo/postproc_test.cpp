@@ -186,5 +186,4 @@ TEST(SgmPostproc, EqualsTheModelForEveryHeight) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test

@@ -419,5 +419,4 @@ INSTANTIATE_TEST_SUITE_P(Variants, PeakCheck, ::testing::Values(Variant::scalar,
                          [](const auto& tested) { return tested.param == Variant::scalar ? "Scalar" : "Vector"; });
 
 }  // namespace
-
 }  // namespace nadir::test

@@ -571,5 +571,4 @@ TEST(SgmRefused, NumbersOfDisparitiesOtherThan64GiveNone) {
 }
 
 }  // namespace
-
 }  // namespace nadir::test
