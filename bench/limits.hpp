@@ -1,4 +1,4 @@
-// What no implementation can be much faster than.
+// The limits that no implementation can be much faster than.
 #pragma once
 
 #include <functional>

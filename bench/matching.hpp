@@ -31,7 +31,7 @@ struct Matching {
   void match(SgmDebugData* debug);
   void clean();
 
-  // From two pictures to a cleaned disparity image.
+  // Makes a cleaned disparity image of two pictures.
   void wholeFrame();
 };
 

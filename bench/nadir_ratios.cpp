@@ -77,7 +77,7 @@ void printAllPeers(const lab::TexturedPair (&pairs)[2]) {
   printPeers("1000x1000", polygonPeers(), columns);
 }
 
-// What the machine itself does with as many bytes, or the standard library with as many keys.
+// The machine itself copies as many bytes, and the standard library sorts as many keys.
 void printLimits(const std::string& size, const std::vector<Limit>& found) {
   for (const Limit& limit : found) {
     const std::vector<double> seconds = fastest({limit.ours, limit.theirs});

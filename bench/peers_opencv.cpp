@@ -42,7 +42,7 @@ Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const s
           }};
 }
 
-// Without the speckle filter, while our whole frame is with ours.
+// Theirs runs without its speckle filter, while our whole frame runs with ours.
 cv::Ptr<cv::StereoMatcher> semiGlobal(int mode) {
   constexpr int block = 5, p1 = 8 * block * block, p2 = 32 * block * block;
   return cv::StereoSGBM::create(0, Matching::disparities, block, p1, p2, 1, 0, 10, 0, 0, mode);

@@ -1,4 +1,4 @@
-// That the time of segmentation grows with the number of pixels alone.
+// The proof that the time of segmentation grows with the number of pixels alone.
 #pragma once
 
 namespace nadir::bench {

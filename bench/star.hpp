@@ -19,7 +19,7 @@ class Star {
   Polygon_s32* record() { return reinterpret_cast<Polygon_s32*>(memory_.data()); }
 
  private:
-  // On a diamond, which needs no trigonometry.
+  // The corners lie on diamonds, which need no trigonometry.
   static Point_s32 corner(uint32_t k, uint32_t corners, int32_t side) {
     const int32_t reach = side * (k % 2 ? 9 : 4) / 20;
     const int32_t along = static_cast<int32_t>(4 * k * 1000 / corners);  // thousandths of a quarter

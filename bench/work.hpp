@@ -1,4 +1,4 @@
-// What is timed: a list of calls for one size of image, which the benchmark and the table of ratios share.
+// The works that are timed: a list of calls for one size of image, which the benchmark and the table of ratios share.
 #pragma once
 
 #include <cstdint>

@@ -44,7 +44,7 @@ class Fingerprint {
     return add(grid.pixels);
   }
 
-  // For the result of a call that must succeed: a refused one has no results to stand for.
+  // Takes the status of a call that must succeed: a refused one has no results to stand for.
   template <class Status>
   Fingerprint& done(Status status) {
     if (status != 1) throw std::runtime_error("the library refused a call that tested processors accept");

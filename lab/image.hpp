@@ -46,7 +46,7 @@ template <class T>
 struct Picture {
   explicit Picture(Grid<T> pixels) : grid(std::move(pixels)), image(imageOf(grid)) {}
   Picture(uint32_t width, uint32_t height, T value = T{}) : Picture(Grid<T>(width, height, value)) {}
-  // With the code of another type of the same size where one is given.
+  // The descriptor names another type of the same size where one is given.
   Picture(uint32_t width, uint32_t height, std::vector<T> values, uint32_t type = typeOf<T>)
       : Picture(Grid<T>(width, height, std::move(values))) {
     image.type = type;

@@ -19,10 +19,10 @@ class Random {
     return static_cast<uint32_t>((state_ * 0x2545F4914F6CDD1Du) >> 32);
   }
 
-  // In [0, n); n must not be 0.
+  // A number in [0, n); n must not be 0.
   uint32_t below(uint32_t n) { return next() % n; }
 
-  // In [lo, hi].
+  // A number in [lo, hi].
   int32_t between(int32_t lo, int32_t hi) {
     return lo + static_cast<int32_t>(below(static_cast<uint32_t>(hi - lo) + 1));
   }

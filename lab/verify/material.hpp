@@ -1,4 +1,4 @@
-// What the stages work on: a rendered scene and what is known about it. Nothing of it comes from the library, so that a
+// The stages' material: a rendered scene and what is known about it. Nothing of it comes from the library, so that a
 // stage that goes wrong spoils no other.
 #pragma once
 

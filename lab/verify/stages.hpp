@@ -19,7 +19,7 @@ struct Stage {
 
 using Stages = std::vector<Stage>;
 
-// In the order of a picture's way through the library; first the material itself.
+// They stand in the order of a picture's way through the library; first the material itself.
 Stages allStages();
 
 // A file each.

@@ -14,7 +14,8 @@ struct Record {
 
 using Table = std::vector<Record>;
 
-// What the tested processors agree on: x86-64 at every level of its vector instructions, armv7, aarch64, s390x.
+// The hashes that the tested processors agree on: x86-64 at every level of its vector instructions, armv7, aarch64,
+// s390x.
 const Table& builtInTable();
 
 struct Finding {

@@ -10,7 +10,7 @@
 namespace nadir::test::counts {
 namespace {
 
-// In a small range, so that equal, collinear and touching things are among them.
+// The range is small, so that equal, collinear and touching things are among them.
 Point_s32 point(lab::Random& random) { return {random.between(-20, 20), random.between(-20, 20)}; }
 Point_f32 pointF(lab::Random& random) {
   const Point_s32 p = point(random);

@@ -25,7 +25,7 @@ lab::Picture<T> zeros() {
   return lab::Picture<T>(pictureWidth, pictureHeight);
 }
 
-// Below `bound`, a third of them 0.
+// Values below `bound`, a third of them 0.
 lab::Picture<uint16_t> holes(uint64_t seed, uint32_t bound = 65536) {
   lab::Random random(seed);
   std::vector<uint16_t> values = random.values<uint16_t>(picturePixels, bound);

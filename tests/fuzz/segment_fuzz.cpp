@@ -39,7 +39,7 @@ Rect_s32 anyArea(Input& in, const Picture& picture) {
   return {near(picture.width), near(picture.height), near(picture.width), near(picture.height)};
 }
 
-// On the heap, so that the sanitizer sees its ends.
+// The memory lies on the heap, so that the sanitizer sees its ends.
 struct Pixels {
   explicit Pixels(const Picture& picture, uint32_t type = IMG_TYPE_U16) : values(picture.pixels) {
     Img_Init(&img, picture.width, picture.height, type, values.data());

@@ -87,7 +87,7 @@ Fingerprint tracking() {
   return hash;
 }
 
-// Of parabolas: no function of the mathematics library, whose last bits are its own.
+// The functions searched are parabolas: the last bits of a function of the mathematics library are its own.
 double parabola(void* top, double x) { return -(x - *static_cast<double*>(top)) * (x - *static_cast<double*>(top)); }
 
 Fingerprint searches() {
@@ -132,7 +132,7 @@ Fingerprint lists(bool isStatic) {
   return hash;
 }
 
-// What `print` writes to standard output.
+// The text that `print` writes to standard output.
 template <class Print>
 std::vector<char> printed(Print print) {
   std::fflush(stdout);

@@ -41,7 +41,7 @@ bool strictlyInBox(Point p, Point a, Point b) {
   return strictlyWithin(p.x, a.x, b.x) && strictlyWithin(p.y, a.y, b.y);
 }
 
-// Of the edges e0-e1 and f0-f1.
+// The edges are e0-e1 and f0-f1.
 template <class Point>
 int32_t edgesIntersect(Point e0, Point e1, Point f0, Point f1) {
   const int32_t o1 = orientation(e0, e1, f0), o2 = orientation(e0, e1, f1);

@@ -16,7 +16,7 @@ class List {
   // `slots` is the size of the pool; a dynamic list has none and never runs out of nodes.
   List(int64_t maxCount, bool isStatic, size_t slots) : maxCount_(maxCount), isStatic_(isStatic), taken_(slots) {}
 
-  // What an insertion does: the slot that it takes and whether the list then holds the item.
+  // An insertion takes this slot, and the list then holds the item or does not.
   struct Outcome {
     size_t slot;
     bool inserted;

@@ -80,7 +80,7 @@ inline void fillHoles(Picture16& fine, const Picture16& coarse) {
     }
 }
 
-// For pictures of 2 x 2 pixels or more whose smaller side is below 4096.
+// The model holds for pictures of 2 x 2 pixels or more whose smaller side is below 4096.
 inline Picture16 pullPush(const Picture16& src) {
   std::vector<Picture16> levels{src};
   do levels.push_back(halved(levels.back()));

@@ -45,7 +45,7 @@ class Floats {
   std::vector<float> values_;
 };
 
-// Of a record, or an array, that is made of floats and nothing else.
+// The numbers of a record, or an array, that is made of floats and nothing else.
 template <class Record>
 Floats floats(const Record& record) {
   float values[sizeof(Record) / sizeof(float)];
@@ -53,7 +53,7 @@ Floats floats(const Record& record) {
   return Floats(values, sizeof(Record) / sizeof(float));
 }
 
-// In (-range, range), with a full mantissa.
+// A number in (-range, range), with a full mantissa.
 inline float anyWithin(lab::Random& random, float range) {
   return static_cast<float>(random.between(-8388607, 8388607)) / 8388608.0f * range;
 }

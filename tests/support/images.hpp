@@ -141,7 +141,7 @@ template <class T, class Call>
   const uint32_t answer = call();
   if (answer != status) return ::testing::AssertionFailure() << "answered " << answer << ", wanted " << status;
   if (!sameDescriptor(descriptor, image.img)) return ::testing::AssertionFailure() << "changed the descriptor";
-  // As bytes: floats may hold patterns that do not equal themselves.
+  // Bytes are compared, since floats may hold patterns that do not equal themselves.
   if (image.size() != 0 && std::memcmp(before.data(), image.data(), image.size() * sizeof(T)) != 0)
     return ::testing::AssertionFailure() << "answered " << answer << " as wanted, but wrote pixels";
   return ::testing::AssertionSuccess();

@@ -71,7 +71,7 @@ std::string text(const model::Picture<T>& picture) {
   return out;
 }
 
-// As an image with a guard page on one side.
+// The picture as an image with a guard page on one side.
 template <class T>
 Image<T> imageOf(const model::Picture<T>& picture, Guard side = Guard::behind) {
   return Image<T>(picture.width, picture.height, picture.pixels, side);

@@ -31,7 +31,7 @@ class StoredPolygon {
 
   explicit StoredPolygon(const std::vector<Point>& vertices)
       : StoredPolygon(vertices, static_cast<uint32_t>(vertices.size())) {}
-  // With a count that need not be the number of vertices stored.
+  // The count need not be the number of vertices stored.
   StoredPolygon(const std::vector<Point>& vertices, uint32_t count) : words_(1 + 2 * vertices.size()) {
     words_.data()[0] = count;
     if (!vertices.empty()) std::memcpy(words_.data() + 1, vertices.data(), vertices.size() * sizeof(Point));

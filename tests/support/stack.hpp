@@ -18,7 +18,7 @@ inline constexpr bool stackIsPlain = false;  // sanitizers put red zones and fra
 inline constexpr bool stackIsPlain = true;
 #endif
 
-// Below it lies a page that must not be touched: who takes far too much crashes.
+// A page that must not be touched lies below it: who takes far too much crashes.
 class PaintedStack {
  public:
   PaintedStack() { std::memset(pages_.begin(), paint, pages_.size()); }

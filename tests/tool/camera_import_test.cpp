@@ -1,4 +1,4 @@
-// What nadir camera import takes from calibrations, checked against numbers worked out by hand.
+// Tests of what nadir camera import takes from calibrations, checked against numbers worked out by hand.
 #include <gtest/gtest.h>
 
 #include <algorithm>

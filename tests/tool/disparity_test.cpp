@@ -34,7 +34,7 @@ class Disparity : public testing::Test {
     return readPng(folder.path("d.png")).samples;
   }
 
-  // What the library makes of the pair on the right grid.
+  // The disparities that the library makes of the pair on the right grid.
   std::vector<uint16_t> library(uint32_t uniqueness) const {
     std::vector<uint32_t> first(left.samples.size()), reference(left.samples.size());
     std::vector<uint16_t> result(left.samples.size());

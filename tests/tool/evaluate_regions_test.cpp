@@ -61,7 +61,7 @@ class EvaluateRegions : public testing::Test {
     return parseJson(outcome.out);
   }
 
-  // Of object 1, as "verdict, labels".
+  // The line of object 1, as "verdict, labels".
   std::string verdict() {
     const Json first = judged()["verdicts"][0];
     return first["verdict"].get<std::string>() + first["labels"].dump();

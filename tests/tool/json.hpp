@@ -12,7 +12,7 @@ namespace nadir::test {
 
 using Json = nlohmann::json;
 
-// What is no JSON fails the test and gives null.
+// A text that is no JSON fails the test and gives null.
 inline Json parseJson(const std::string& text) {
   const Json json = Json::parse(text, nullptr, false);
   EXPECT_FALSE(json.is_discarded()) << text;

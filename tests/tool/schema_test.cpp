@@ -23,7 +23,7 @@ class GroundSchema : public testing::Test {
     return readJson(folder.path("result/summary.json"));
   }
 
-  // What does not fit, "" where everything does.
+  // The place that does not fit, "" where everything does.
   static std::string mistakesIn(const Json& json) { return mistakes(NADIR_SCHEMA, {json})[0]; }
 
   Folder folder;

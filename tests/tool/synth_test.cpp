@@ -234,7 +234,7 @@ class SynthMounts : public testing::TestWithParam<Mount> {
 TEST_P(SynthMounts, TheLibraryFindsTheSameHeights) {
   int count = 0;
   forEachPoint([&](const Point3_f32& world, double truth, double depth) {
-    // What half a step of the stored disparity is worth, and single precision.
+    // The bound is half a step of the stored disparity, and single precision.
     const double tolerance = depth * depth / (187.5 * 130) / 512 + 0.5;
     ASSERT_NEAR(3000 - world.z, truth, tolerance);
     ++count;

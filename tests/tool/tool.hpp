@@ -59,7 +59,7 @@ class Folder {
   // and the signal's number.
   Outcome runUntil(const std::vector<std::string>& arguments, const std::function<bool()>& ready, int signal) const;
 
-  // What a shell counts: 0 of a file that does not exist.
+  // The bytes that a shell counts: 0 of a file that does not exist.
   int linesOf(const std::string& file) const;
 
  private:

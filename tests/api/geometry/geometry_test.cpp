@@ -529,7 +529,7 @@ Weights weigh(const std::vector<Point_s32>& triangle, Point_s32 p) {
   return out;
 }
 
-// What the reasoning on 32-bit integers gives.
+// The model reasons on 32-bit integers.
 Weights expectedWeights(const std::vector<Point_s32>& t, Point_s32 p) {
   const Point_s32 &a = t[0], &b = t[1], &c = t[2];
   const Wrap abx = Wrap(b.x) - a.x, aby = Wrap(b.y) - a.y, acx = Wrap(c.x) - a.x, acy = Wrap(c.y) - a.y;

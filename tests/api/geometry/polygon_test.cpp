@@ -46,7 +46,7 @@ Shape extremeShape(lab::Random& random, uint32_t maxCount) {
   return s;
 }
 
-// On quarters, with some points a little off them.
+// The points lie on quarters, some of them a little off.
 ShapeF anyShapeF(lab::Random& random, uint32_t maxCount) {
   ShapeF s(random.below(maxCount + 1));
   for (Point_f32& p : s) {
@@ -516,7 +516,7 @@ TEST(PolylineSide, HasNoClosingSegment) {
 }
 
 TEST(PolylineSide, OfEquallyNearSegmentsTakesTheFirst) {
-  // At distance 3 from both lines, to the right of the first and to the left of the second.
+  // The point lies at distance 3 from both lines, to the right of the first and to the left of the second.
   EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, 10}}, {7, 3}), -1);
   EXPECT_EQ(side(Shape{{10, 10}, {10, 0}, {0, 0}}, {7, 3}), 1);
   EXPECT_EQ(side(Shape{{0, 0}, {10, 0}, {10, -10}}, {7, -3}), 1);
@@ -631,7 +631,7 @@ TEST(PolygonDistance, HasTheBitsOfTheDocumentedSteps) {
   }
 }
 
-// In double precision, by clamping the foot's parameter.
+// The model clamps the foot's parameter, in double precision.
 double exactDistance(const Shape& s, double px, double py) {
   double best = std::numeric_limits<double>::infinity();
   for (size_t k = 0; k < s.size(); k++) {

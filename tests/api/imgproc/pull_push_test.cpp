@@ -25,7 +25,7 @@ Pixels filled(uint32_t width, uint32_t height, const Pixels& pixels) {
   return dst.pixels();
 }
 
-// From none to nearly nothing but holes, single or in columns; now and then with few or only the largest values.
+// Holes are single or in columns, from none to nearly everywhere; now and then the values are few or only the largest.
 Pixels holeyPixels(lab::Random& random, uint32_t width, uint32_t height) {
   const uint32_t density = random.below(9), largest = random.below(4), block = 1 + random.below(4);
   Pixels pixels = anyPixels<uint16_t>(random, size_t{width} * height);
@@ -179,7 +179,7 @@ TEST(PullPush, FillsAnImageWhoseSmallerSideIs4095) {
   EXPECT_EQ(std::count(image.data(), image.data() + image.size(), 7), 4095 * 4095);
 }
 
-// In place, so that it does not matter whether the source is copied before the call fails.
+// The calls work in place, so that it does not matter whether the source is copied before the call fails.
 TEST(PullPush, RefusesAnImageWhoseSmallerSideIs4096) {
   Image<uint16_t> image(4096, 4096);
   image.data()[1] = 7;

@@ -40,7 +40,7 @@ struct Found {
   Points asked;
 };
 
-// With arrays as long as they must be and no longer.
+// The arrays are as long as they must be and no longer.
 Found search(const Function& f, uint32_t maxEval, double a, double b, double tol, Guard side = Guard::behind) {
   Objective objective{f, {}};
   const GsFunc func{evaluate, &objective};

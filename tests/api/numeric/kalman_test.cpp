@@ -12,7 +12,7 @@
 namespace nadir::test {
 namespace {
 
-// What a filter holds before it is created: no number that a call would write.
+// A filter holds this before it is created: no number that a call would write.
 Kalman1d garbage() {
   Kalman1d filter;
   float values[sizeof filter / sizeof(float)];

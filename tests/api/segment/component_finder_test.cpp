@@ -118,7 +118,7 @@ Picture dust(uint32_t width, uint32_t height) {
   return picture;
 }
 
-// As many runs as there can be in rows of 256 columns, 128 in each.
+// There are as many runs as rows of 256 columns can have, 128 in each.
 Picture fence(uint32_t height) {
   Picture picture = constant<uint16_t>(256, height, 0);
   for (size_t i = 0; i < picture.pixels.size(); i += 2) picture.pixels[i] = static_cast<uint16_t>(1 + i);

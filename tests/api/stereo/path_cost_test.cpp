@@ -257,7 +257,7 @@ class PathCostRow : public ::testing::TestWithParam<Way> {
   }
 
  private:
-  // What the row left in the buffers for the next one.
+  // The state that the row left in the buffers for the next one.
   void expectSlots(const model::Path& path, const PcBuffer& pc, uint32_t row) const {
     const bool swapped = row % 2 == 1;
     const uint8_t* costs = dir() % 2 == 1 && swapped ? pc.costsB : pc.costsA;

@@ -103,7 +103,7 @@ class Debug {
 
   std::array<uint8_t*, 4> maps() const { return {record.p2Left, record.p2UpLeft, record.p2Up, record.p2UpRight}; }
 
-  // What an image of `pixels` pixels left in the record.
+  // The blocks as an image of `pixels` pixels left them in the record.
   Contents contents(size_t pixels) const {
     Contents all{take(record.costVolume, pixels * searched),
                  take(record.aggregatedVolume, pixels * searched),

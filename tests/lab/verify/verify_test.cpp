@@ -27,7 +27,7 @@ std::vector<std::string> differing(const Findings& findings) {
 
 Table hashes(const Material& of) { return verify::hashesOf(verify::allStages(), of); }
 
-// What this processor makes of the material.
+// The hashes that this processor makes of the material.
 const Table& ownHashes() {
   static const Table own = hashes(material());
   return own;
