@@ -9,8 +9,8 @@
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
-#include "tools/synth/files.hpp"
-#include "tools/synth/sequence.hpp"
+#include "tools/synth/scene_files.hpp"
+#include "tools/synth/scene_sequence.hpp"
 
 namespace nadir::tool {
 

@@ -1,4 +1,4 @@
-#include "tools/synth/sequence.hpp"
+#include "tools/synth/scene_sequence.hpp"
 
 #include <algorithm>
 #include <filesystem>

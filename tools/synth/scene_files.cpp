@@ -1,4 +1,4 @@
-#include "tools/synth/files.hpp"
+#include "tools/synth/scene_files.hpp"
 
 #include <algorithm>
 #include <cmath>

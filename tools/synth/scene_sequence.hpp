@@ -1,7 +1,7 @@
 // A sequence of frames of a scene in which something moves.
 #pragma once
 
-#include "tools/synth/files.hpp"
+#include "tools/synth/scene_files.hpp"
 
 namespace nadir::tool {
 
