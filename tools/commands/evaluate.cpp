@@ -15,7 +15,8 @@
 #include "tools/draw/plot.hpp"
 #include "tools/evaluate/evaluation.hpp"
 #include "tools/evaluate/evaluation_report.hpp"
-#include "tools/evaluate/region_evaluation.hpp"
+#include "tools/evaluate/region_folders.hpp"
+#include "tools/evaluate/region_report.hpp"
 #include "tools/evaluate/track_evaluation.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -115,7 +116,7 @@ void runOnFolders(const Options& options) {
   if (!std::filesystem::is_directory(options.truth))
     throw Error(options.truth + " must be a folder that nadir synth wrote, because " + options.input + " is a folder");
   allowOnly({"--json"}, options, "a folder of a pair");
-  const RegionEvaluation evaluation = evaluateRegions(options.input, options.truth);
+  const RegionEvaluation evaluation = evaluateRegionFolders(options.input, options.truth);
   print(options.json ? regionJson(evaluation) : regionTable(evaluation));
 }
 

@@ -1,3 +1,4 @@
+// Errors of grids of measurements, and which of the truth a matcher can know.
 #include "tools/evaluate/evaluation.hpp"
 
 #include <cmath>
@@ -23,7 +24,7 @@ double shareAbove(const Values& values, double limit) {
   return mean(values, [limit](double v) { return std::abs(v) > limit ? 1.0 : 0.0; });
 }
 
-Values known(const Grid<float>& grid) {
+Values knownValues(const Grid<float>& grid) {
   Values values;
   std::copy_if(grid.pixels.begin(), grid.pixels.end(), std::back_inserter(values),
                [](float v) { return !std::isnan(v); });
@@ -78,7 +79,7 @@ Grid<float> errors(const Grid<float>& values, const Grid<float>& truth) {
 }
 
 Evaluation evaluate(const Grid<float>& values, const Grid<float>& truth) {
-  const Values error = known(errors(values, truth));
+  const Values error = knownValues(errors(values, truth));
   Evaluation e;
   e.pixels = truth.pixels.size();
   e.truth = ground::countKnown(truth);

@@ -1,3 +1,4 @@
+// The figures of an evaluation, as a table for people and as JSON for programs.
 #include "tools/evaluate/evaluation_report.hpp"
 
 #include "tools/base/json_value.hpp"

@@ -7,11 +7,11 @@
 
 namespace nadir::tool {
 
-// size  of the pictures, in words.
+// `size` is that of the pictures, in words.
 std::string disparityTable(const Evaluation& evaluation, const std::string& size);
 std::string heightTable(const Evaluation& evaluation, const std::string& size);
 
-// Shares are fractions of 1, what is unknown is null.
+// Shares are fractions of 1; what is unknown is null.
 std::string disparityJson(const Evaluation& evaluation);
 std::string heightJson(const Evaluation& evaluation);
 

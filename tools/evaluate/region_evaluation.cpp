@@ -1,3 +1,4 @@
+// Judges each object by the regions that share cells with it.
 #include "tools/evaluate/region_evaluation.hpp"
 
 #include <algorithm>
@@ -23,12 +24,12 @@ class Overlaps {
   }
 
   size_t cellsOf(const Thing& object) const { return countOf(objects_, object.number); }
-  size_t shared(const Thing& object, const Thing& region) const {
+  size_t sharedCells(const Thing& object, const Thing& region) const {
     return countOf(shared_, std::pair(object.number, region.number));
   }
 
-  bool belong(const Thing& object, const Thing& region) const {
-    const size_t both = shared(object, region);
+  bool belongTogether(const Thing& object, const Thing& region) const {
+    const size_t both = sharedCells(object, region);
     return both > 0 && 2 * both >= std::min(cellsOf(object), countOf(regions_, region.number));
   }
 
@@ -46,7 +47,7 @@ class Overlaps {
 using Things = std::vector<Thing>;
 
 template <class Condition>
-Things those(const Things& things, Condition condition) {
+Things thingsWith(const Things& things, Condition condition) {
   Things chosen;
   std::copy_if(things.begin(), things.end(), std::back_inserter(chosen), condition);
   return chosen;
@@ -56,17 +57,18 @@ Verdict verdictOf(const Thing& object, const Things& regions, const Things& obje
   size_t covered = 0;
   bool merged = false;
   for (const Thing& region : regions) {
-    covered += overlaps.shared(object, region);
+    covered += overlaps.sharedCells(object, region);
     merged |= std::count_if(objects.begin(), objects.end(),
-                            [&](const Thing& other) { return overlaps.belong(other, region); }) > 1;
+                            [&](const Thing& other) { return overlaps.belongTogether(other, region); }) > 1;
   }
   if (4 * covered < overlaps.cellsOf(object) || regions.empty()) return Verdict::missed;
   if (merged) return Verdict::merged;
   return regions.size() > 1 ? Verdict::split : Verdict::found;
 }
 
-Judged judged(const Thing& object, const ThingMap& found, const Things& objects, const Overlaps& overlaps) {
-  const Things regions = those(found.things, [&](const Thing& region) { return overlaps.belong(object, region); });
+Judged judgedObject(const Thing& object, const ThingMap& found, const Things& objects, const Overlaps& overlaps) {
+  const Things regions =
+      thingsWith(found.things, [&](const Thing& region) { return overlaps.belongTogether(object, region); });
   Judged j{object, verdictOf(object, regions, objects, overlaps), {}};
   for (const Thing& region : regions) j.regions.push_back(region.number);
   if (j.verdict == Verdict::found) {
@@ -95,11 +97,12 @@ size_t RegionEvaluation::count(Verdict verdict) const {
 
 RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known) {
   const Overlaps overlaps(found, truth, known);
-  const Things objects = those(truth.things, [&](const Thing& object) { return overlaps.cellsOf(object) > 0; });
+  const Things objects = thingsWith(truth.things, [&](const Thing& object) { return overlaps.cellsOf(object) > 0; });
   RegionEvaluation e;
-  for (const Thing& object : objects) e.objects.push_back(judged(object, found, objects, overlaps));
-  e.falseRegions = those(found.things, [&](const Thing& region) {
-    return std::none_of(objects.begin(), objects.end(), [&](const Thing& o) { return overlaps.belong(o, region); });
+  for (const Thing& object : objects) e.objects.push_back(judgedObject(object, found, objects, overlaps));
+  e.falseRegions = thingsWith(found.things, [&](const Thing& region) {
+    return std::none_of(objects.begin(), objects.end(),
+                        [&](const Thing& o) { return overlaps.belongTogether(o, region); });
   });
   return e;
 }

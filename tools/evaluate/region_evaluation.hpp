@@ -1,7 +1,6 @@
 // The regions that nadir ground found against the objects of a rendered scene.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -54,13 +53,5 @@ struct RegionEvaluation {
 
 // Where `known` is 0 the truth does not count. Objects without a single known cell are left out.
 RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known);
-
-// Folders that nadir ground and nadir synth wrote. Throws Error where they do not belong together.
-RegionEvaluation evaluateRegions(const std::string& resultFolder, const std::string& sceneFolder);
-
-std::string regionTable(const RegionEvaluation& evaluation);
-
-// Lengths in mm, what is unknown is null.
-std::string regionJson(const RegionEvaluation& evaluation);
 
 }  // namespace nadir::tool

@@ -1,10 +1,11 @@
-// What evaluateRegions reads: the folders of nadir ground and nadir synth.
+// Reads maps of regions and the lists that tell about them from the two folders.
+#include "tools/evaluate/region_folders.hpp"
+
 #include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
-#include "tools/evaluate/region_evaluation.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/pictures.hpp"
 
@@ -62,7 +63,7 @@ Grid<uint8_t> knownCells(const std::string& path) {
 
 }  // namespace
 
-RegionEvaluation evaluateRegions(const std::string& resultFolder, const std::string& sceneFolder) {
+RegionEvaluation evaluateRegionFolders(const std::string& resultFolder, const std::string& sceneFolder) {
   ThingMap found = readMap(resultFolder + "/regions.png"), truth = readMap(sceneFolder + "/regions_gt.png");
   found.things = foundIn(resultFolder + "/summary.json");
   truth.things = objectsIn(sceneFolder + "/scene.json");

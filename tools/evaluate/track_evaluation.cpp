@@ -1,3 +1,4 @@
+// Reads tracked heights and the truth about them, frame by frame, and tells how far they are apart.
 #include "tools/evaluate/track_evaluation.hpp"
 
 #include <nadir/nadir.h>
@@ -18,28 +19,28 @@ namespace {
 
 float millimetres(const nlohmann::json& value) { return value.is_number() ? value.get<float>() : std::nanf(""); }
 
-// The truth about one frame: who is where.
-struct Standing {
+// An object of the truth at the time of one frame.
+struct TrueObject {
   Point_s32 place;
   float height;
 };
-using Moment = std::vector<Standing>;
+using TrueObjects = std::vector<TrueObject>;
 
-Moment momentOf(const nlohmann::json& line) {
-  Moment moment;
+TrueObjects objectsOf(const nlohmann::json& line) {
+  TrueObjects objects;
   for (const nlohmann::json& object : line.at("objects")) {
     const auto whole = [&object](const char* key) {
       return static_cast<int32_t>(std::lround(object.at(key).get<double>()));
     };
-    moment.push_back({{whole("x_mm"), whole("y_mm")}, object.at("height_mm").get<float>()});
+    objects.push_back({{whole("x_mm"), whole("y_mm")}, object.at("height_mm").get<float>()});
   }
-  return moment;
+  return objects;
 }
 
-float tallestIn(const ground::PolygonRecord& area, const Moment& moment) {
+float tallestIn(const ground::PolygonRecord& area, const TrueObjects& objects) {
   float tallest = std::nanf("");
-  for (const Standing& s : moment)
-    if (IP_Polygon_IsInside(area.get(), &s.place)) tallest = std::fmax(tallest, s.height);
+  for (const TrueObject& o : objects)
+    if (IP_Polygon_IsInside(area.get(), &o.place)) tallest = std::fmax(tallest, o.height);
   return tallest;
 }
 
@@ -54,20 +55,20 @@ nlohmann::json areasOf(const std::string& result) {
 }
 
 void addFrame(std::vector<AreaTrack>& areas, const std::vector<ground::PolygonRecord>& places,
-              const nlohmann::json& line, const Moment& moment) {
+              const nlohmann::json& line, const TrueObjects& objects) {
   for (size_t i = 0; i < areas.size(); ++i) {
     const bool skipped = line.contains("error");
     const nlohmann::json none, &found = skipped ? none : line.at("areas").at(i);
     areas[i].seconds.push_back(line.at("time_s"));
-    areas[i].truth.push_back(tallestIn(places[i], moment));
+    areas[i].truth.push_back(tallestIn(places[i], objects));
     areas[i].tracked.push_back(skipped ? std::nanf("") : millimetres(found.at("tracked_mm")));
     areas[i].single.push_back(skipped ? std::nanf("") : millimetres(found.at("highest_mm")));
   }
 }
 
-std::vector<AreaTrack> read(const std::string& result, const std::string& sequence) {
-  std::vector<Moment> truth;
-  forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(momentOf(line)); });
+std::vector<AreaTrack> joinedTracks(const std::string& result, const std::string& sequence) {
+  std::vector<TrueObjects> truth;
+  forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(objectsOf(line)); });
   std::vector<AreaTrack> areas;
   std::vector<ground::PolygonRecord> places;
   for (const nlohmann::json& area : areasOf(result)) {
@@ -83,7 +84,7 @@ std::vector<AreaTrack> read(const std::string& result, const std::string& sequen
   return areas;
 }
 
-Evaluation judged(const std::vector<float>& values, const AreaTrack& area) {
+Evaluation evaluationOf(const std::vector<float>& values, const AreaTrack& area) {
   const auto row = [](const std::vector<float>& v) {
     Grid<float> grid(static_cast<uint32_t>(v.size()), 1);
     grid.pixels = v;
@@ -120,7 +121,7 @@ std::vector<AreaTrack> readTracks(const std::string& result, const std::string& 
   if (!std::filesystem::exists(sequence + "/truth.jsonl"))
     throw Error(sequence + " is no sequence of nadir synth: it has no truth.jsonl");
   try {
-    return read(result, sequence);
+    return joinedTracks(result, sequence);
   } catch (const nlohmann::json::exception&) {
     throw Error("cannot compare " + result + " with " + sequence + ": their files are not those of this version");
   }
@@ -129,11 +130,11 @@ std::vector<AreaTrack> readTracks(const std::string& result, const std::string& 
 std::string trackTable(const std::vector<AreaTrack>& areas) {
   Table table;
   for (const AreaTrack& area : areas) {
-    const Evaluation tracked = judged(area.tracked, area);
+    const Evaluation tracked = evaluationOf(area.tracked, area);
     table.heading(area.name, "");
     table.line("  frames with somebody", static_cast<double>(tracked.truth), format("of %zu", tracked.pixels), 0);
     addErrors(table, "tracked", tracked);
-    addErrors(table, "single", judged(area.single, area));
+    addErrors(table, "single", evaluationOf(area.single, area));
   }
   return table.text();
 }
@@ -141,12 +142,12 @@ std::string trackTable(const std::vector<AreaTrack>& areas) {
 std::string trackJson(const std::vector<AreaTrack>& areas) {
   Json json = {{"areas", Json::array()}};
   for (const AreaTrack& area : areas) {
-    const Evaluation tracked = judged(area.tracked, area);
+    const Evaluation tracked = evaluationOf(area.tracked, area);
     json["areas"].push_back({{"name", area.name},
                              {"frames", tracked.pixels},
                              {"frames_with_truth", tracked.truth},
                              {"tracked", errorsJson(tracked)},
-                             {"single", errorsJson(judged(area.single, area))}});
+                             {"single", errorsJson(evaluationOf(area.single, area))}});
   }
   return json.dump(2) + "\n";
 }

@@ -1,16 +1,17 @@
-// What nadir evaluate tells about regions.
+// The verdicts on objects and regions, as a table for people and as JSON for programs.
+#include "tools/evaluate/region_report.hpp"
+
 #include <algorithm>
 #include <cmath>
 
 #include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
-#include "tools/evaluate/region_evaluation.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
-// Of the objects that were found; NaN where none was.
+// How far the objects that were found are off; NaN where none was found.
 struct Errors {
   double positionMean = std::nan(""), positionLargest = std::nan("");
   double heightMean = std::nan(""), heightMeanAbsolute = std::nan(""), heightLargest = std::nan("");
