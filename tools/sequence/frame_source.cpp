@@ -7,6 +7,7 @@
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
+#include "tools/pictures/formats.hpp"
 
 namespace nadir::tool {
 
@@ -39,11 +40,6 @@ std::vector<fs::path> filesIn(const std::string& folder) {
     if (entry.is_regular_file()) files.push_back(entry.path().filename());
   if (unreadable) throw Error("cannot read the folder " + folder + ": " + unreadable.message());
   return files;
-}
-
-bool isPicture(const fs::path& file) {
-  const std::string extension = file.extension().string();
-  return extension == ".png" || extension == ".pgm" || extension == ".PNG" || extension == ".PGM";
 }
 
 }  // namespace
@@ -90,7 +86,8 @@ void FrameSource::listFolder(const std::string& folder) {
   right_.folder = folder + "/right/";
   for (const fs::path& file : filesIn(left_.folder)) {
     const std::string name = file.stem().string(), digits = digitsAtEnd(name);
-    if (isPicture(file) && !digits.empty()) frames_.push_back({numberOf(digits), name, file.extension().string()});
+    if (hasPictureEnding(file.string()) && !digits.empty())
+      frames_.push_back({numberOf(digits), name, file.extension().string()});
   }
   if (frames_.empty())
     throw Error("there is no frame in " + folder + ": none of the pictures in " + left_.folder +
