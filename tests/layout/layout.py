@@ -26,8 +26,7 @@ ROOMS = {
     # what tests, benchmarks and the program share
     "lab": "include/nadir",
     "lab/scene": "include/nadir lab",
-    "lab/calls": "include/nadir lab lab/scene",
-    "lab/verify": "include/nadir lab lab/scene lab/calls",
+    "lab/verify": "include/nadir lab lab/scene",
     # the road from a pair of pictures to what stands on the ground
     "ground": "include/nadir",
     # the program
@@ -52,14 +51,14 @@ ROOMS = {
     "tools": "include/nadir lab tools/base tools/pictures tools/commands",
     # everything that runs them
     "examples": "include/nadir",
-    "bench": "include/nadir lab lab/calls src/core src/simd src/geometry src/imgproc src/segment src/stereo",
     "tests/models": "include/nadir lab",
-    "tests/support": "include/nadir lab tests/models",
+    "tests/support": "include/nadir lab src/simd tests/models",
+    "bench": "include/nadir lab src/core src/simd src/geometry src/imgproc src/segment src/stereo tests/support",
     "tests/api": "include/nadir lab tests/models tests/support",
     "tests/alloc": "include/nadir lab tests/models tests/support",
-    "tests/golden": "include/nadir lab lab/calls tests/support",
-    "tests/counts": "include/nadir lab lab/calls tests/support",
-    "tests/lab": "include/nadir lab lab/scene lab/calls lab/verify",
+    "tests/golden": "include/nadir lab tests/support",
+    "tests/counts": "include/nadir lab tests/support",
+    "tests/lab": "include/nadir lab lab/scene lab/verify",
     "tests/kernels": "include/nadir lab src/core src/simd src/imgproc src/stereo tests/support",
     "tests/fuzz": "include/nadir lab src/simd tests/models tests/support",
     "tests/abi": "include/nadir",
@@ -75,7 +74,6 @@ EXCEPTIONS = {
     ("ground", "tools/base/error.hpp"): "the road's mistakes are told by the program",
     ("ground", "tools/base/text.hpp"): "the same",
     ("tests/models", "tests/support/integers.hpp"): "a model needs the integers' edges, shapes need a model",
-    ("lab", "simd/cpu.hpp"): "a test that goes through the levels must ask and set them",
 }
 
 LARGEST_FOLDER = 30  # sources in one folder outside of tests/: more of them are a hall in which nothing is found
