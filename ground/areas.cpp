@@ -1,3 +1,4 @@
+// Polygons in pixels or on the ground become cells of the map.
 #include "ground/areas.hpp"
 
 #include <algorithm>
@@ -37,13 +38,13 @@ void checkReach(const Area& area, const Extent& map) {
                                   areaReach / 1000, map.left, map.top, map.right, map.bottom));
 }
 
-// World z of the ground, in the whole millimetres that the library's mask takes.
+// The ground's world z in the whole millimetres that the library's mask takes.
 double groundZ(const StereoCtx& context) { return std::round(context.orientation.height); }
 
-// Whole millimetres as the library's mask has them: floor(mm) + 0.5, less its fraction.
+// The library's mask rounds corners this way: floor(mm) + 0.5, less its fraction.
 int32_t wholeMm(float mm) { return static_cast<int32_t>(std::floor(mm) + 0.5); }
 
-// What is seen there lies before the camera, unless the ray rises to the sky.
+// A ground point that is seen lies before the camera, unless the ray rises to the sky.
 bool seesGround(const Point_f32& pixel, const StereoCtx& context, Point3_f32& ground) {
   Point_f32 back;
   ip_stereo_img2world(&context, &pixel, &ground, static_cast<float>(groundZ(context)));

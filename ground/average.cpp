@@ -1,3 +1,4 @@
+// The averages of the library, over a window of maps.
 #include "ground/average.hpp"
 
 #include "lab/image.hpp"

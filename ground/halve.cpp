@@ -1,3 +1,4 @@
+// Each block of 2 x 2 pixels becomes one.
 #include "ground/halve.hpp"
 
 #include "tools/base/error.hpp"

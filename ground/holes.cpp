@@ -1,3 +1,4 @@
+// Patches are numbered by region growing and filled by pull and push.
 #include "ground/holes.hpp"
 
 #include <nadir/nadir.h>
@@ -12,7 +13,7 @@ namespace nadir::ground {
 
 namespace {
 
-// Patches of unseen cells, numbered.
+// Every patch of unseen cells gets a number of its own, all other cells 0.
 Grid<uint16_t> patches(const Grid<uint16_t>& heights) {
   Grid<uint16_t> labels(heights.width, heights.height);
   for (size_t i = 0; i < labels.pixels.size(); ++i) labels.pixels[i] = heights.pixels[i] == 0;
@@ -28,7 +29,7 @@ std::vector<size_t> sizesOf(const Grid<uint16_t>& labels) {
   return sizes;
 }
 
-// Without any hole, but where a map shows nothing at all.
+// No hole is left, unless the map shows nothing at all.
 Grid<uint16_t> allFilled(Grid<uint16_t> heights) {
   Img image = imageOf(heights);
   if (!IP_PullPush(&image, &image))

@@ -1,3 +1,4 @@
+// Points are sorted by cell and height, and every cell takes one of its heights.
 #include "ground/map.hpp"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ struct Sample {
   bool operator<(const Sample& other) const { return std::tie(cell, height) < std::tie(other.cell, other.height); }
 };
 
-// In order of cell and height.
+// The samples come in order of cell and height.
 std::vector<Sample> samples(const std::vector<WorldPoint>& points, const MapFrame& frame, float groundZ) {
   std::vector<Sample> samples;
   for (const WorldPoint& p : points)
@@ -23,7 +24,8 @@ std::vector<Sample> samples(const std::vector<WorldPoint>& points, const MapFram
   return samples;
 }
 
-// The smallest value that `percentile` percent of the values do not exceed.
+// The place of the smallest value that `percentile` percent of the values do not exceed. A whole number may come out a
+// little too large, which must not reach for the next value.
 size_t rank(size_t count, double percentile) {
   const auto place = static_cast<size_t>(std::ceil(percentile / 100 * static_cast<double>(count) - 1e-9));
   return std::clamp<size_t>(place, 1, count) - 1;

@@ -14,7 +14,7 @@ namespace nadir::ground {
 
 using lab::Grid;
 
-// Where the cells lie.
+// The map as the library's functions take it: its cells, and where they lie.
 struct MapFrame {
   ElevMapParams cells;
   Point_f32 corner;  // world x and y of cell (0, 0)'s outer corner, mm: the smallest of the map
@@ -31,7 +31,7 @@ std::optional<size_t> cellUnder(const Point3_f32& world, const MapFrame& frame);
 constexpr float lowestStoredMm = 1;
 constexpr float highestStoredMm = 65535;
 
-// Rounded into the range that a seen cell can have.
+// The height rounded into the range that a seen cell can have.
 uint16_t storedHeight(double mm);
 
 struct CellRule {

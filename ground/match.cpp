@@ -1,3 +1,4 @@
+// Census, semi-global matching and the clean-up, all on the right grid; the left one is its mirror image.
 #include "ground/match.hpp"
 
 #include <nadir/nadir.h>
@@ -51,7 +52,7 @@ Grid<uint16_t> postprocessed(const Grid<uint16_t>& raw, const MatchOptions& opti
   return disparity;
 }
 
-// On the matcher's own grid.
+// The border lies where it is on the matcher's own grid.
 bool isBorder(uint32_t x, uint32_t y, const Grid<uint16_t>& disparity) {
   return x < 2 || x + 4 >= disparity.width || y < 2 || y + 2 >= disparity.height;
 }

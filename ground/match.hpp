@@ -1,4 +1,4 @@
-// The library's road from a rectified pair to a disparity picture, on either picture's grid.
+// Matching: from a rectified pair to a disparity picture, on either view's grid.
 #pragma once
 
 #include "ground/stages.hpp"

@@ -1,3 +1,4 @@
+// The cells of an area, counted by what stands on them.
 #include "ground/occupancy.hpp"
 
 #include <map>

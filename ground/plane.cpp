@@ -14,12 +14,25 @@ namespace nadir::ground {
 
 namespace {
 
+// Three points lie on a plane that holds the share s of all points with a probability of s^3, so that 500 triples miss
+// it altogether with (1 - s^3)^500: once in 2600 runs for a quarter of the points, once in 55 for a fifth. For a tenth
+// it is missed more often than found (61 in 100), which is why less than a tenth is not called the ground at all.
 constexpr int hypotheses = 500;
-constexpr size_t judges = 4000;  // points that a hypothesis is tried on
+constexpr double leastShare = 0.1;
+
+// A hypothesis is tried on 2000 to 4000 of the points where there are more. Its share is then known with a standard
+// deviation of sqrt(0.25 / 2000) = 1.1 percent points at most, far less than what tells the ground from a table.
+constexpr size_t judges = 4000;
+
+// Rendered pairs with the usual noise settle after three or four rounds. With forty times that noise they go on for
+// thirty, but after ten the height is within 0.2 percent and the tilt within 0.3 degrees of where they end.
 constexpr int refinements = 10;
+
+// A mount that somebody measured is not further off: ten degrees make heights wrong by 18 percent of the camera's
+// height at that distance from its foot (tan 10 degrees). Beyond a quarter of the height the plane may be another one,
+// such as a table of 750 mm below a camera at 3 m.
 constexpr double largestTurnDeg = 10;
 constexpr double largestHeightChange = 0.25;
-constexpr double leastShare = 0.1;
 
 constexpr double degree = 0.017453292519943295;
 
@@ -93,9 +106,9 @@ struct Judge {
 
 std::vector<Place> everyNth(const std::vector<Place>& places) {
   const size_t step = places.size() / judges + 1;
-  std::vector<Place> some;
-  for (size_t i = 0; i < places.size(); i += step) some.push_back(places[i]);
-  return some;
+  std::vector<Place> chosen;
+  for (size_t i = 0; i < places.size(); i += step) chosen.push_back(places[i]);
+  return chosen;
 }
 
 Plane throughThree(const std::vector<Place>& places, std::mt19937& random) {

@@ -1,3 +1,4 @@
+// The library places the points; here it is told about the camera.
 #include "ground/points.hpp"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-// From disparities to points in the world.
+// Points in the world, made of disparities.
 #pragma once
 
 #include <nadir/nadir.h>

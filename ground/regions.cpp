@@ -1,3 +1,4 @@
+// The library grows the regions; here they are measured, and the small ones dropped.
 #include "ground/regions.hpp"
 
 #include <algorithm>
@@ -15,9 +16,9 @@ namespace {
 // IP_RGE_* have one state for the whole process.
 std::mutex growing;
 
-// In sides of a cell and in cells. A cell that is half on an object and half beside it has a height in between, so a
-// larger step would join things that touch; on the ground nearly all noise stays below the height, and what exceeds it
-// are single cells and small islands at the edges of objects.
+// Height and step count in sides of a cell, the area in cells. A cell that is half on an object and half beside it has
+// a height in between, so a larger step would join things that touch; on the ground nearly all noise stays below the
+// height, and what exceeds it are single cells and small islands at the edges of objects.
 constexpr double usualHeight = 1.5, usualStep = 1, usualArea = 30;
 
 std::unique_ptr<RegionList> grown(const Grid<uint16_t>& heights, const RegionRule& rule) {

@@ -1,3 +1,4 @@
+// A Kalman filter of height and rate, begun and ended by who comes and goes.
 #include "ground/tracks.hpp"
 
 #include <cmath>
@@ -6,7 +7,7 @@ namespace nadir::ground {
 
 namespace {
 
-// Who comes into an area may be getting up or bending down: mm per second.
+// A head that enters an area may be rising or bending down: mm per second.
 constexpr float firstRateDeviation = 300;
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Every mistake in a list of areas is found in one reading.
 #include "tools/camera/areas_file.hpp"
 
 #include <algorithm>

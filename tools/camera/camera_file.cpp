@@ -1,3 +1,4 @@
+// The table of a camera file's keys, and what reads and writes them.
 #include "tools/camera/camera_file.hpp"
 
 #include <algorithm>

@@ -25,7 +25,7 @@ struct CameraKey {
   const char* meaning;
 };
 
-// In the file's order.
+// The keys stand in the file's order.
 const std::vector<CameraKey>& cameraKeys();
 
 // A whole number.

@@ -1,3 +1,4 @@
+// The colours and the texts of a picture of disparities.
 #include "tools/draw/disparity_plot.hpp"
 
 #include "tools/pictures/chunks.hpp"

@@ -1,3 +1,4 @@
+// The texts of disparities and of elevation maps.
 #include "tools/pictures/chunks.hpp"
 
 #include <nadir/nadir.h>

@@ -1,3 +1,4 @@
+// Files of pictures are decoded, checked and made what the caller works on.
 #include "tools/pictures/pictures.hpp"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// The table that nadir ground prints.
 #include "tools/report/ground_report.hpp"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// Cells become squares of colour, with axes beside them.
 #include "tools/report/map_plot.hpp"
 
 #include <cmath>

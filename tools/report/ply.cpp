@@ -1,3 +1,4 @@
+// Header and vertices of a point cloud.
 #include "tools/report/ply.hpp"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ void append(Bytes& bytes, float value) {
   for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<uint8_t>(bits >> shift));
 }
 
-// From the range of a 12-bit camera.
+// The range of a 12-bit camera becomes that of a byte.
 uint8_t grey(uint16_t intensity) { return static_cast<uint8_t>(std::min(intensity >> 4, 255)); }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// Outlines, colours and names on the map and on the picture.
 #include "tools/report/region_plot.hpp"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ void drawLines(Grid<Rgb>& picture, const std::vector<NamedOutline>& areas) {
     for (const Line& line : area.lines) drawLine(picture, line.from, line.to, pen, areaColour);
 }
 
-// At the topmost spot of what is seen of each outline.
+// A name stands at the topmost spot of what is seen of its outline.
 void drawNames(Signs& signs, const std::vector<NamedOutline>& areas) {
   for (const NamedOutline& area : areas) {
     std::optional<Spot> highest;

@@ -10,7 +10,7 @@ namespace nadir::tool {
 // with their names.
 Bytes encodeRegionMap(const ground::Setup& setup, const ground::Result& result);
 
-// On the measured view's picture: what belongs to a region is coloured.
+// The measured view's picture, where what belongs to a region is coloured.
 Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& result);
 
 }  // namespace nadir::tool

@@ -1,3 +1,4 @@
+// Pictures that do not fit together are refused here, before anything is matched.
 #include "tools/road/pair_input.hpp"
 
 #include "tools/base/error.hpp"

@@ -1,3 +1,4 @@
+// The names in a folder, or those that fit a pattern, become frames in their order.
 #include "tools/sequence/frame_source.hpp"
 
 #include <algorithm>

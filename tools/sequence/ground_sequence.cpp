@@ -1,3 +1,4 @@
+// A run over the frames, which can go on where it was interrupted at any moment.
 #include "tools/sequence/ground_sequence.hpp"
 
 #include <filesystem>
@@ -25,7 +26,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What the threads hand over: all that is kept of a frame.
+// The threads hand this over: all that is kept of a frame.
 struct Worked {
   std::string error;
   Grid<uint16_t> heights;
@@ -100,7 +101,7 @@ class SequenceRun {
     for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
   }
 
-  // Of a new run there is nothing yet.
+  // A new run has nothing to take up.
   void takeUp() {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
     if (fs::exists(logPath())) cutOff(whole);
@@ -124,7 +125,7 @@ class SequenceRun {
                          sizeText(road_.setup.camera.widthPx, road_.setup.camera.heightPx).c_str()));
   }
 
-  // On the first frame that can be read.
+  // The first frame that can be read tells.
   void checkCamera() const {
     std::optional<ground::Pair> pair;
     for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
@@ -152,7 +153,7 @@ class SequenceRun {
     ++done_;
   }
 
-  // With the last maps that were written. A damaged frame has none.
+  // The last maps that were written go into it. A damaged frame has none.
   void refillWindow() {
     std::vector<size_t> last;
     for (size_t frame = done_; frame > 0 && last.size() < options_.rule.averageFrames; --frame)

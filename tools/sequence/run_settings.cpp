@@ -1,4 +1,4 @@
-// What has to be read or resolved for run.json comes first, the JSON itself is made of values alone.
+// Files are read and paths resolved first; the JSON of run.json is then made of values alone.
 #include "tools/sequence/run_settings.hpp"
 
 #include <zlib.h>
@@ -28,7 +28,7 @@ std::optional<MaskMark> markOfMask(const std::string& path) {
   return MaskMark{mask.width, mask.height, format("%08lx", sum)};
 }
 
-// The same for every way to write the path; a link at its end stays.
+// Every way to write a path gives the same one; a link at its end stays.
 std::string absolutePath(const std::filesystem::path& path) {
   const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
   return (std::filesystem::weakly_canonical(folder) / path.filename()).string();

@@ -1,3 +1,4 @@
+// The first difference of two JSON objects, in words.
 #include "tools/sequence/settings_difference.hpp"
 
 #include <nlohmann/json.hpp>

@@ -1,3 +1,4 @@
+// The library's search asked about whole numbers.
 #include "tools/tune/best_setting.hpp"
 
 #include <nadir/nadir.h>
@@ -12,6 +13,7 @@ namespace nadir::tool {
 
 namespace {
 
+// The search may stop where its two inner points stand for the same whole number or for neighbours.
 constexpr double tolerance = 0.5;
 
 struct Range {
@@ -19,7 +21,7 @@ struct Range {
   uint32_t next(double x) const { return static_cast<uint32_t>(std::clamp<double>(std::floor(x + 0.5), low, high)); }
 };
 
-// What the library calls back. An exception must not travel through it: the first one waits here, and the search
+// The library calls this back. An exception must not travel through it: the first one waits here, and the search
 // runs to its end without asking again.
 class Asked {
  public:

@@ -1,3 +1,4 @@
+// The settings that can be tuned, and how each one is scored.
 #include "tools/tune/tuning.hpp"
 
 #include <nadir/nadir.h>
@@ -88,7 +89,7 @@ struct MapSample {
   Grid<float> truth;
 };
 
-// Matched once: the settings of the map come later on the road.
+// The pair is matched once, because the settings of the map come later on the road.
 MapSample mapSample(const std::string& folder) {
   const ground::Pair pair = readPair(folder + "/left.png", folder + "/right.png");
   const Camera camera = readCamera(folder + "/camera.toml");
@@ -117,12 +118,12 @@ ground::CellRule withMinPoints(uint32_t points) { return {ground::CellRule().per
 
 // ---- the list ----
 
-struct Known {
+struct KnownSetting {
   Tunable tunable;
   Objective (*objective)(const std::vector<std::string>&, const Judge&);
 };
 
-const Known known[] = {
+const KnownSetting knownSettings[] = {
     {{"uniqueness", 0, 128, ground::MatchOptions().uniqueness, "px", 2,
       "the matcher's peak check, judged by disparity_gt.png"},
      matchObjective},
@@ -139,14 +140,14 @@ const Known known[] = {
 const std::vector<Tunable>& tunables() {
   static const std::vector<Tunable> all = [] {
     std::vector<Tunable> list;
-    for (const Known& k : known) list.push_back(k.tunable);
+    for (const KnownSetting& k : knownSettings) list.push_back(k.tunable);
     return list;
   }();
   return all;
 }
 
 Objective objectiveOf(const Tunable& tunable, const std::vector<std::string>& folders, const Judge& judge) {
-  for (const Known& k : known)
+  for (const KnownSetting& k : knownSettings)
     if (std::string(k.tunable.name) == tunable.name) return k.objective(folders, judge);
   throw Error(format("there is no setting %s", tunable.name));
 }
