@@ -1,3 +1,4 @@
+// Sine and cosine as sums of their power series.
 #include "lab/scene/angle.hpp"
 
 namespace nadir::scene {

@@ -8,7 +8,7 @@ struct Angle {
   double sine, cosine;
 };
 
-// degrees  from -180 to 180
+// The degrees lie from -180 to 180.
 Angle angle(double degrees);
 
 }  // namespace nadir::scene

@@ -28,7 +28,7 @@ struct ImagePoint {
 };
 
 // One of the two cameras: where it is, and which way its picture lies in the world.
-struct View {
+struct Pinhole {
   Vec centre, right, down, forward;  // the directions have length 1
   double focal, principalX, principalY;
   uint32_t width, height;
@@ -41,11 +41,11 @@ struct View {
 };
 
 struct Rig {
-  View left, right;
+  Pinhole left, right;
   double baseline, mountingHeight;
   Side reference;
 
-  const View& view(Side side) const { return side == Side::left ? left : right; }
+  const Pinhole& camera(Side side) const { return side == Side::left ? left : right; }
 };
 
 Rig makeRig(const CameraSettings& settings);

@@ -20,9 +20,11 @@ inline uint64_t hashAt(uint64_t key, int64_t x, int64_t y, int64_t z = 0) {
 // The upper 53 bits as a number in [0, 1).
 inline double fraction(uint64_t bits) { return static_cast<double>(bits >> 11) / 9007199254740992.0; }
 
-class Random {
+// The draws that lay out a scene, one after the other. lab has another generator; this one stays, because every scene
+// that a seed has given so far follows from these very numbers.
+class SceneDraws {
  public:
-  explicit Random(uint64_t seed) : key_(mixed(seed + 1)) {}
+  explicit SceneDraws(uint64_t seed) : key_(mixed(seed + 1)) {}
   uint64_t bits() { return hashAt(key_, ++drawn_, 0); }
   double between(double low, double high) { return low + (high - low) * fraction(bits()); }
 

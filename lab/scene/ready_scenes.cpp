@@ -1,3 +1,4 @@
+// The scenes by name: what stands where, before the seed moves it a little.
 #include "lab/scene/ready_scenes.hpp"
 
 #include <algorithm>
@@ -13,9 +14,9 @@ namespace {
 class Builder {
  public:
   Builder(const Rig& rig, const std::string& name, uint64_t seed, double seconds)
-      : view_(rig.view(rig.reference)), random_(seed), seconds_(seconds) {
+      : camera_(rig.camera(rig.reference)), draws_(seed), seconds_(seconds) {
     scene_ = {
-        name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, random_.bits(), "ground", {}, {}}}};
+        name, seed, rig.mountingHeight, 0, {{makeGround(rig.mountingHeight), 0, 1, draws_.bits(), "ground", {}, {}}}};
   }
 
   Scene take() { return std::move(scene_); }
@@ -23,12 +24,12 @@ class Builder {
   // Lengths are given for a camera 3 m above the ground.
   double scaled(double length) const { return length * scene_.groundZ / 3000; }
 
-  // At most once among the arguments of a call: they are evaluated in another order on another machine.
-  double jitter(double most) { return random_.between(-most, most); }
+  // A call may have it at most once among its arguments: another machine evaluates them in another order.
+  double jitter(double most) { return draws_.between(-most, most); }
 
-  // height  instead of where the ground is seen, where what is so high above it is
+  // With a height it is the place above which what is so high is seen there.
   Site site(double across, double down, double degrees = 0, double height = 0) {
-    const Ray ray = view_.ray(across * (view_.width - 1), down * (view_.height - 1));
+    const Ray ray = camera_.ray(across * (camera_.width - 1), down * (camera_.height - 1));
     // Where the picture shows the sky, the object is put on the ground at a moderate distance.
     const double depth = (scene_.groundZ - height) / std::max(ray.direction.z, 0.3);
     const Vec place = ray.at(depth);
@@ -61,7 +62,7 @@ class Builder {
     add(makeCapsule(s, radius, height), "capsule", s, height, {{"radius_mm", radius}, {"height_mm", height}});
   }
 
-  // height  of the walker at its tallest, in mid-step
+  // The height is that in mid-step, when a walker is tallest.
   void walker(const Walk& walk, double radius, double height) {
     const Footing now = walk.at(seconds_);
     const double stoop = height - now.dip;
@@ -82,12 +83,12 @@ class Builder {
   void add(const Solid& solid, const char* kind, const Site& s, double top, const Numbers& more) {
     Numbers numbers = {{"x_mm", s.x}, {"y_mm", s.y}};
     numbers.insert(numbers.end(), more.begin(), more.end());
-    scene_.objects.push_back({solid, region_, random_.between(0.7, 1.4), random_.bits(), kind, numbers, {}});
+    scene_.objects.push_back({solid, region_, draws_.between(0.7, 1.4), draws_.bits(), kind, numbers, {}});
     scene_.tallest = std::max(scene_.tallest, top);
   }
 
-  View view_;
-  Random random_;
+  Pinhole camera_;
+  SceneDraws draws_;
   double seconds_;
   Scene scene_;
   uint32_t region_ = 0;
@@ -183,12 +184,12 @@ void cropRows(Builder& b) {
 
 void emptyFloor(Builder&) {}
 
-struct Known {
+struct SceneRecipe {
   ReadyScene scene;
   void (*build)(Builder&);
 };
 
-constexpr Known known[] = {
+constexpr SceneRecipe recipes[] = {
     {{"boxes", "six boxes of different heights, turned this way and that"}, boxes},
     {{"people", "six upright capsules of the size of people"}, people},
     {{"walkers", "two adults and a child who walk to and fro"}, walkers},
@@ -203,7 +204,7 @@ constexpr Known known[] = {
 const std::vector<ReadyScene>& readyScenes() {
   static const std::vector<ReadyScene> all = [] {
     std::vector<ReadyScene> scenes;
-    for (const Known& k : known) scenes.push_back(k.scene);
+    for (const SceneRecipe& recipe : recipes) scenes.push_back(recipe.scene);
     return scenes;
   }();
   return all;
@@ -211,8 +212,8 @@ const std::vector<ReadyScene>& readyScenes() {
 
 Scene makeScene(const std::string& name, const Rig& rig, uint64_t seed, double seconds) {
   Builder builder(rig, name, seed, seconds);
-  for (const Known& k : known)
-    if (name == k.scene.name) k.build(builder);
+  for (const SceneRecipe& recipe : recipes)
+    if (name == recipe.scene.name) recipe.build(builder);
   return builder.take();
 }
 

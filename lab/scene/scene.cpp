@@ -1,3 +1,4 @@
+// Finds what a ray meets first.
 #include "lab/scene/scene.hpp"
 
 namespace nadir::scene {

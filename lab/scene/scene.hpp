@@ -1,4 +1,4 @@
-// What the cameras look at.
+// A scene: the objects that the cameras look at.
 #pragma once
 
 #include <string>
@@ -28,7 +28,7 @@ struct Scene {
   std::vector<Object> objects;  // the ground first
 };
 
-// What a ray meets first.
+// The object that a ray meets first, and where.
 struct Sight {
   const Object* object = nullptr;  // null: nothing, the ray goes over the horizon
   Hit hit;

@@ -1,3 +1,4 @@
+// The bodies: how they are made, and where a ray meets each of them.
 #include "lab/scene/solids.hpp"
 
 #include <algorithm>

@@ -19,7 +19,7 @@ struct Ground {
   double z;
 };
 
-// What lies behind all of its planes: the points p with dot(normal, p) <= limit.
+// The points p that lie behind all of its planes: dot(normal, p) <= limit.
 struct Polyhedron {
   struct Plane {
     Vec normal;
@@ -70,10 +70,11 @@ Solid makeRamp(const Site& site, const Extent& extent);
 // A box whose two long sides lean inwards: `crest` is what its width has become at the top.
 Solid makeRidge(const Site& site, const Extent& extent, double crest);
 
-// radius  of its circle at `base` above the ground; not less than the height, which is measured from the base
+// The radius is that of its circle at `base` above the ground, and not less than the height, which is measured from
+// the base.
 Solid makeDome(const Site& site, double radius, double height, double base = 0);
 
-// height  not less than twice the radius
+// The height must not be less than twice the radius.
 Solid makeCapsule(const Site& site, double radius, double height);
 
 }  // namespace nadir::scene

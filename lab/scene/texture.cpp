@@ -1,3 +1,4 @@
+// Patterns are noise on lattices of several widths, of which each distance shows those that a picture resolves.
 #include "lab/scene/texture.hpp"
 
 #include <cmath>
@@ -10,16 +11,16 @@ namespace {
 
 double blend(double a, double b, double share) { return a + (b - a) * share; }
 
-// 3 t^2 - 2 t^3
+// 3 t^2 - 2 t^3, which is level at both ends: the lattice does not show.
 double smooth(double t) { return t * t * (3 - 2 * t); }
 
-// From 0 at `from` to 1 at `to`.
+// Rises from 0 at `from` to 1 at `to`.
 double ramp(double v, double from, double to) {
   if (v <= from) return 0;
   return v >= to ? 1 : (v - from) / (to - from);
 }
 
-// A lattice coordinate: the cell, and how far into it.
+// A coordinate on the lattice: its cell, and how far into the cell it lies.
 struct Position {
   int64_t cell;
   double share;

@@ -12,7 +12,7 @@ inline Vec operator-(const Vec& a, const Vec& b) { return {a.x - b.x, a.y - b.y,
 inline Vec operator*(const Vec& a, double factor) { return {a.x * factor, a.y * factor, a.z * factor}; }
 inline double dot(const Vec& a, const Vec& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
-// Where a ray is after `distance` times its direction.
+// A ray is at at(distance) after `distance` times its direction.
 struct Ray {
   Vec origin, direction;
   Vec at(double distance) const { return origin + direction * distance; }

@@ -1,3 +1,4 @@
+// Where a walker is after so many seconds, and how tall.
 #include "lab/scene/walk.hpp"
 
 #include <cmath>

@@ -13,7 +13,7 @@ struct Footing {
 };
 
 struct Walk {
-  std::vector<Site> corners;  // from the last one back to the first; of two: to and fro
+  std::vector<Site> corners;  // the last one leads back to the first, so that two mean to and fro
   double speed;               // mm per second
   double step;                // mm
   double bob;                 // how much the head goes up and down, mm

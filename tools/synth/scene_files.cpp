@@ -106,12 +106,12 @@ Bytes regionsFile(const Rendering& r) {
 
 Camera cameraOf(const SynthSettings& settings, const Rendering& r) {
   const scene::CameraSettings& settled = settings.camera;
-  const scene::View& view = r.rig.view(settled.reference);
+  const scene::Pinhole& seenFrom = r.rig.camera(settled.reference);
   Camera camera;
   camera.baselineMm = settled.baseline;
   camera.focalPx = settled.focal;
-  camera.principalXPx = view.principalX;
-  camera.principalYPx = view.principalY;
+  camera.principalXPx = seenFrom.principalX;
+  camera.principalYPx = seenFrom.principalY;
   camera.widthPx = settled.width;
   camera.heightPx = settled.height;
   camera.heightMm = settled.mountingHeight;
