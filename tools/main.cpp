@@ -1,3 +1,4 @@
+// The program: it gives the command line to its command, and turns what goes wrong into a sentence and a status.
 #include <fcntl.h>
 #include <nadir/nadir.h>
 #include <unistd.h>
@@ -26,7 +27,8 @@ int complain(const char* sentence, int status) {
   return status;
 }
 
-// Closed, one of them would become the number of the next file that is opened, and messages would land in that file.
+// If one of them were closed, it would become the number of the next file that is opened, and messages would land in
+// that file.
 void openStandardStreams() {
   int opened = 0;
   while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
@@ -58,7 +60,7 @@ std::string fullName(const CLI::App& command) {
   return (command.get_parent() ? fullName(*command.get_parent()) + " " : "") + command.get_name();
 }
 
-// What was mistyped says more than what is missing because of it.
+// A word that was mistyped says more than what is missing because of it.
 std::string mistakeIn(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = app.remaining(true);
   if (unknown.empty()) return error.what();

@@ -27,7 +27,7 @@ class Builder {
   // A call may have it at most once among its arguments: another machine evaluates them in another order.
   double jitter(double most) { return draws_.between(-most, most); }
 
-  // With a height it is the place above which what is so high is seen there.
+  // The site is where the ground is seen; with a height, where a point that high above the site is seen.
   Site site(double across, double down, double degrees = 0, double height = 0) {
     const Ray ray = camera_.ray(across * (camera_.width - 1), down * (camera_.height - 1));
     // Where the picture shows the sky, the object is put on the ground at a moderate distance.

@@ -37,7 +37,7 @@ constexpr double skyIntensity = 3200;
 // With this and the pattern's depth the surfaces use nearly all of the sensor's range, and few pixels are cut at its
 // ends: in each ready scene at seed 1, without noise, at most 0.1 percent at either.
 constexpr double groundIntensity = 1700;
-constexpr double patternDepth = 0.9;  // below 1: a surface gets darker, but not black
+constexpr double patternDepth = 0.9;  // below 1, so that few surfaces become black
 
 // The light comes from above, a little from the side, so that the ground gets 0.92 of it and the four sides of a box
 // differ: 0.79, 0.74, 0.46 and 0.41. The direction's numbers are 9, 12 and -20 over 25, whose length is 1 without a

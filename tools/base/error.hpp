@@ -1,4 +1,4 @@
-// What a command throws when it cannot go on. main() prints it as one sentence and ends with its status.
+// The error that a command throws when it cannot go on: main() prints its sentence and ends with its status.
 #pragma once
 
 #include <stdexcept>
@@ -11,7 +11,7 @@ struct Error : std::runtime_error {
   int status;
 };
 
-// A run over many frames, or a comparison of many results, that has done what it could.
+// The status of a run over many frames, or of a comparison of many results, that has done what it could.
 constexpr int someFramesSkipped = 3;
 constexpr int someNotCompared = 3;
 constexpr int interrupted = 130;  // as a shell says of a program that Ctrl-C ended

@@ -1,4 +1,4 @@
-// Items worked on several at a time and handed over in their order.
+// Works on several items at a time and hands them over in their order.
 #pragma once
 
 #include <algorithm>

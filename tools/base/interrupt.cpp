@@ -1,3 +1,4 @@
+// Signals that are remembered, or held back, for as long as an object lives.
 #include "tools/base/interrupt.hpp"
 
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// The bar on a terminal and the lines elsewhere, with rate and remaining time.
 #include "tools/base/progress.hpp"
 
 #include <unistd.h>

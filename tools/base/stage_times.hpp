@@ -38,8 +38,8 @@ class StageTimes {
   };
 
   double& milliseconds(const std::string& name) {
-    for (auto& [known, time] : stages_)
-      if (known == name) return time;
+    for (auto& [measured, time] : stages_)
+      if (measured == name) return time;
     return stages_.emplace_back(name, 0.0).second;
   }
 

@@ -1,3 +1,4 @@
+// Texts of any length from printf patterns, and tables whose columns are aligned.
 #include "tools/base/text.hpp"
 
 #include <algorithm>

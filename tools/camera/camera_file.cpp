@@ -19,7 +19,7 @@ constexpr bool optional = true;
 // The angles end short of 90 degrees: the map is centred where the optical axis meets the ground.
 constexpr double steepest = 89.9;
 
-// As few digits as give the same number again, without an exponent.
+// The fewest digits that give the same number again, without an exponent.
 std::string shortest(double value) {
   char digits[400];
   const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed).ptr;
@@ -75,7 +75,7 @@ void readMap(const toml::table& top, Camera& camera, Mistakes& mistakes) {
 
 // ---- writing ----
 
-std::string line(const Camera& camera, const CameraKey& key) {
+std::string lineFor(const Camera& camera, const CameraKey& key) {
   const bool known = isKnown(camera, key);
   const std::string assignment =
       known ? format("%s = %s", key.name, shortest(valueOf(camera, key)).c_str()) : format("# %s =", key.name);
@@ -151,14 +151,11 @@ std::string cameraText(const Camera& camera) {
   std::string table;
   for (const CameraKey& key : cameraKeys()) {
     if (key.table != table) text += format("\n[%s]\n", (table = key.table).c_str());
-    text += line(camera, key);
+    text += lineFor(camera, key);
   }
   return text;
 }
 
-Bytes cameraBytes(const Camera& camera) {
-  const std::string text = cameraText(camera);
-  return bytesOf(text);
-}
+Bytes cameraBytes(const Camera& camera) { return bytesOf(cameraText(camera)); }
 
 }  // namespace nadir::tool

@@ -28,7 +28,7 @@ struct CameraKey {
 // The keys stand in the file's order.
 const std::vector<CameraKey>& cameraKeys();
 
-// A whole number.
+// True where the value is a whole number.
 bool isCount(const CameraKey& key);
 
 bool isKnown(const Camera& camera, const CameraKey& key);

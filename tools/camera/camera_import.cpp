@@ -1,3 +1,4 @@
+// Reads calibrations in YAML and takes the camera out of their projection matrices.
 #include "tools/camera/camera_import.hpp"
 
 #include <yaml-cpp/yaml.h>
@@ -48,7 +49,7 @@ struct Entry {
   YAML::Node value;
 };
 
-// The first of the names that is there.
+// The entry under the first of the names that is there.
 std::optional<Entry> find(const YAML::Node& root, std::initializer_list<const char*> names) {
   for (const char* name : names)
     for (const auto& pair : root)
@@ -71,7 +72,7 @@ struct Matrix {
   double at(size_t row, size_t column) const { return numbers[row * columns + column]; }
 };
 
-// Rows one after the other, as a list or under "data".
+// Rows stand one after the other, as a list or under "data".
 Matrix matrix(const CalibrationFile& file, const Entry& entry, size_t rows, size_t columns) {
   const YAML::Node data = entry.value.IsMap() ? entry.value["data"] : entry.value;
   if (!data || !data.IsSequence() || data.size() != rows * columns)

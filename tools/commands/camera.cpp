@@ -20,7 +20,7 @@ struct Options {
   std::vector<std::optional<double>> values;  // of cameraKeys(), in their order
 };
 
-// A map to begin with.
+// A map to begin with, which fits in what region growing takes.
 constexpr uint32_t usualCells = 128;
 constexpr uint32_t usualCellMm = 50;
 

@@ -1,4 +1,4 @@
-// The commands. Each lives in command_NAME.cpp and adds itself to the command line: its options, its help, and a
+// The commands: each lives in a file of its name and adds itself to the command line: its options, its help, and a
 // callback that does the work and throws Error where it cannot.
 #pragma once
 

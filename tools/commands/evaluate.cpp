@@ -55,7 +55,7 @@ void checkPlace(const ground::MapPlace& map, const ground::MapPlace& truth) {
                map.leftMm, map.topMm, map.cellMm, truth.leftMm, truth.topMm, truth.cellMm));
 }
 
-// Seen in a mirror the right picture is a left one.
+// The right picture, seen in a mirror, is a left one.
 Grid<float> visibleTruth(Grid<float> truth, ground::View grid) {
   if (grid == ground::View::left) return visibleInRight(truth);
   mirror(truth);
@@ -111,7 +111,7 @@ void runOnSequences(const Options& options) {
   files.commit();
 }
 
-// Regions are judged by all that the two folders hold.
+// No option is for regions but --json, because all that the two folders hold is compared.
 void runOnFolders(const Options& options) {
   if (!std::filesystem::is_directory(options.truth))
     throw Error(options.truth + " must be a folder that nadir synth wrote, because " + options.input + " is a folder");

@@ -43,7 +43,7 @@ CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help);
 CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
 
-// What a picture of disparities is divided by; 0 leaves it to the file.
+// The number that a picture of disparities is divided by; 0 leaves it to the file.
 CLI::Option* addScaleOption(CLI::App& command, double& scale);
 
 // Sets the default, a thread for each processor, too.

@@ -53,8 +53,8 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
   const Rendering rendering = render(settings);
   OutputFiles files;
   files.makeFolder(folder);
-  for (const auto& some : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
-    for (const NamedFile& file : some) files.write(folder + "/" + file.name, file.bytes);
+  for (const auto& group : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
+    for (const NamedFile& file : group) files.write(folder + "/" + file.name, file.bytes);
   print(report(settings, rendering));
   files.commit();
 }

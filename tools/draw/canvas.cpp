@@ -1,3 +1,4 @@
+// Rectangles, text and lines, drawn pixel by pixel and cut at the picture's borders.
 #include "tools/draw/canvas.hpp"
 
 #include <stb_easy_font.h>
@@ -9,7 +10,7 @@ namespace nadir::tool {
 
 namespace {
 
-// 1, 2 or 5 times a power of ten.
+// The next 1, 2 or 5 times a power of ten.
 double tickStep(double wanted) {
   double step = 1e-6;
   for (int i = 0; step < wanted; ++i) step *= i % 3 == 1 ? 2.5 : 2;
@@ -77,8 +78,8 @@ std::optional<Line> clipped(const Line& line, const Rect& rect) {
   };
   const double dx = line.to.x - line.from.x, dy = line.to.y - line.from.y;
   if (!narrow(line.from.x, dx, rect.left, rect.width) || !narrow(line.from.y, dy, rect.top, rect.height)) return {};
-  const auto at = [&](double t) { return Spot{line.from.x + t * dx, line.from.y + t * dy}; };
-  return Line{at(first), at(last)};
+  const auto spotAt = [&](double t) { return Spot{line.from.x + t * dx, line.from.y + t * dy}; };
+  return Line{spotAt(first), spotAt(last)};
 }
 
 Rgb blended(Rgb under, Rgb over, double share) {

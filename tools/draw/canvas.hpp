@@ -21,7 +21,7 @@ struct Rect {
   uint32_t left, top, width, height;
 };
 
-// What lies outside the picture is left out.
+// The part that lies outside of the picture is left out.
 void fill(Grid<Rgb>& picture, const Rect& rect, Rgb colour);
 void drawText(Grid<Rgb>& picture, uint32_t left, uint32_t top, std::string text, uint32_t scale = 1);
 uint32_t textWidth(std::string text);

@@ -1,3 +1,4 @@
+// The two colour maps: a polynomial, and a table whose classes are joined.
 #include "tools/draw/colours.hpp"
 
 #include <algorithm>
@@ -9,7 +10,9 @@ namespace {
 
 using Polynomial = double[6];
 
-double at(const Polynomial& c, double t) { return c[0] + t * (c[1] + t * (c[2] + t * (c[3] + t * (c[4] + t * c[5])))); }
+double valueOf(const Polynomial& c, double t) {
+  return c[0] + t * (c[1] + t * (c[2] + t * (c[3] + t * (c[4] + t * c[5]))));
+}
 
 uint8_t byte(double unit) { return static_cast<uint8_t>(std::clamp(unit, 0.0, 1.0) * 255 + 0.5); }
 
@@ -24,7 +27,7 @@ Rgb turbo(double t) {
   // Below this the fit falls to black.
   static constexpr double start = 0.04;
   t = start + std::clamp(t, 0.0, 1.0) * (1 - start);
-  return {byte(at(red, t)), byte(at(green, t)), byte(at(blue, t))};
+  return {byte(valueOf(red, t)), byte(valueOf(green, t)), byte(valueOf(blue, t))};
 }
 
 Rgb blueRed(double t) {

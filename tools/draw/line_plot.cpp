@@ -1,3 +1,4 @@
+// Writes axes, curves and a legend as SVG.
 #include "tools/draw/line_plot.hpp"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ constexpr double legendRow = 16;
 struct Axis {
   double low, high;  // values
   double from, to;   // pixels
-  double at(double value) const { return from + (to - from) * (value - low) / (high - low); }
+  double placeOf(double value) const { return from + (to - from) * (value - low) / (high - low); }
 };
 
 std::string escaped(const std::string& text) {
@@ -55,9 +56,11 @@ std::string stroke(double x1, double y1, double x2, double y2, const char* colou
 std::string grid(const Axis& x, const Axis& y) {
   std::string text;
   for (const double v : tickValues(x.low, x.high, static_cast<uint32_t>(x.to - x.from), tickDistance))
-    text += stroke(x.at(v), y.from, x.at(v), y.to, "#ddd") + textAt(x.at(v), y.from + 16, "middle", format("%g", v));
+    text += stroke(x.placeOf(v), y.from, x.placeOf(v), y.to, "#ddd") +
+            textAt(x.placeOf(v), y.from + 16, "middle", format("%g", v));
   for (const double v : tickValues(y.low, y.high, static_cast<uint32_t>(y.from - y.to), tickDistance / 2))
-    text += stroke(x.from, y.at(v), x.to, y.at(v), "#ddd") + textAt(x.from - 6, y.at(v) + 4, "end", format("%g", v));
+    text += stroke(x.from, y.placeOf(v), x.to, y.placeOf(v), "#ddd") +
+            textAt(x.from - 6, y.placeOf(v) + 4, "end", format("%g", v));
   return text + stroke(x.from, y.from, x.to, y.from, "#000") + stroke(x.from, y.from, x.from, y.to, "#000");
 }
 
@@ -65,7 +68,7 @@ std::string lineThrough(const Curve& curve, const Axis& x, const Axis& y) {
   std::string path;
   bool pen = false;
   for (const PlotPoint& p : curve.points) {
-    if (!std::isnan(p.y)) path += format("%c%.1f %.1f", pen ? 'L' : 'M', x.at(p.x), y.at(p.y));
+    if (!std::isnan(p.y)) path += format("%c%.1f %.1f", pen ? 'L' : 'M', x.placeOf(p.x), y.placeOf(p.y));
     pen = !std::isnan(p.y);
   }
   return format("<path d=\"%s\" fill=\"none\" stroke=\"%s\" stroke-width=\"1.5\"/>\n", path.c_str(), curve.colour);
@@ -75,8 +78,8 @@ std::string dotsOf(const Curve& curve, const Axis& x, const Axis& y) {
   std::string text;
   for (const PlotPoint& p : curve.points)
     if (!std::isnan(p.y))
-      text += format("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"%.1f\" fill=\"%s\"/>\n", x.at(p.x), y.at(p.y), curve.dot,
-                     curve.colour);
+      text += format("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"%.1f\" fill=\"%s\"/>\n", x.placeOf(p.x), y.placeOf(p.y),
+                     curve.dot, curve.colour);
   return text;
 }
 

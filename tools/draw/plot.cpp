@@ -1,3 +1,4 @@
+// Draws values in colours, with a bar, its ticks, and arrows where values lie beyond it.
 #include "tools/draw/plot.hpp"
 
 #include <cmath>
@@ -33,7 +34,7 @@ void drawTicks(Grid<Rgb>& picture, const Rect& bar, const ColourScale& scale) {
   }
 }
 
-// On an end of the bar: there are values beyond it, drawn in its colour. Row 0 lies at the bar.
+// An arrow on an end of the bar says that there are values beyond it, drawn in its colour. Row 0 lies at the bar.
 template <class RowAt>
 void drawArrow(Grid<Rgb>& picture, uint32_t barX, Rgb colour, RowAt rowAt) {
   for (uint32_t i = 0; i < arrowHeight; ++i) fill(picture, {barX + i, rowAt(i), barWidth - 2 * i, 1}, colour);

@@ -1,3 +1,4 @@
+// Finds a free place for each sign, and draws it.
 #include "tools/draw/signs.hpp"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ std::string cutTo(uint32_t pixels, std::string text, uint32_t scale) {
   return text;
 }
 
-uint32_t inside(double wanted, uint32_t size, uint32_t begin, uint32_t room) {
+uint32_t movedInside(double wanted, uint32_t size, uint32_t begin, uint32_t room) {
   return begin + static_cast<uint32_t>(std::clamp<double>(wanted - size / 2.0 - begin, 0, room - std::min(size, room)));
 }
 
@@ -23,8 +24,8 @@ uint32_t inside(double wanted, uint32_t size, uint32_t begin, uint32_t room) {
 
 Rect Signs::boxAround(const Spot& middle, const std::string& text, uint32_t scale) const {
   const uint32_t width = scale * (textWidth(text) + 3), height = scale * (textHeight + 2);
-  return {inside(middle.x, width, room_.left, room_.width), inside(middle.y, height, room_.top, room_.height), width,
-          height};
+  return {movedInside(middle.x, width, room_.left, room_.width), movedInside(middle.y, height, room_.top, room_.height),
+          width, height};
 }
 
 bool Signs::isFree(const Rect& box) const {
@@ -38,16 +39,16 @@ void Signs::draw(const Rect& box, const std::string& text, uint32_t scale, Rgb c
 }
 
 void Signs::drawAt(const Spot& middle, const std::string& text, uint32_t scale, Rgb box) {
-  const std::string shown = cutTo(room_.width, text, scale);
-  draw(boxAround(middle, shown, scale), shown, scale, box);
+  const std::string fitting = cutTo(room_.width, text, scale);
+  draw(boxAround(middle, fitting, scale), fitting, scale, box);
 }
 
 void Signs::drawNear(const Spot& middle, const std::string& text, uint32_t scale, Rgb box) {
-  const std::string shown = cutTo(room_.width, text, scale);
+  const std::string fitting = cutTo(room_.width, text, scale);
   for (double away = 0; away < room_.height; ++away)
     for (const double y : {middle.y + away, middle.y - away}) {
-      const Rect place = boxAround({middle.x, y}, shown, scale);
-      if (isFree(place)) return draw(place, shown, scale, box);
+      const Rect place = boxAround({middle.x, y}, fitting, scale);
+      if (isFree(place)) return draw(place, fitting, scale, box);
     }
 }
 

@@ -13,10 +13,10 @@ class Signs {
  public:
   Signs(Grid<Rgb>& picture, const Rect& room) : picture_(picture), room_(room) {}
 
-  // Around the spot, whatever is there.
+  // Draws a sign around the spot, whatever is there.
   void drawAt(const Spot& middle, const std::string& text, uint32_t scale, Rgb box);
 
-  // As near above or below the spot as the signs that are there leave room; nowhere if there is none.
+  // Draws it as near above or below the spot as the signs that are there leave room, and nowhere if they leave none.
   void drawNear(const Spot& middle, const std::string& text, uint32_t scale, Rgb box);
 
  private:

@@ -1,4 +1,4 @@
-// What nadir evaluate prints.
+// The words and the JSON in which nadir evaluate tells how far values are from the truth.
 #pragma once
 
 #include <string>

@@ -26,7 +26,9 @@ struct ThingMap {
   std::vector<Thing> things;
 };
 
-// A region belongs to an object if they share at least half of the cells of the smaller of the two.
+// A region belongs to an object if they share at least half of the cells of the smaller of the two: an object that is
+// half hidden keeps its region, and one that a region merely touches does not get it. Less than a quarter of an
+// object's cells says neither where it stands nor how high it is.
 enum class Verdict {
   found,   // one region belongs to it, and to no other object; it holds at least a quarter of the object's cells
   missed,  // no region belongs to it, or together they hold less than a quarter of its cells
@@ -51,7 +53,7 @@ struct RegionEvaluation {
   size_t count(Verdict verdict) const;
 };
 
-// Where `known` is 0 the truth does not count. Objects without a single known cell are left out.
+// The truth does not count where `known` is 0. Objects without a single known cell are left out.
 RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known);
 
 }  // namespace nadir::tool

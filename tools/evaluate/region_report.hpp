@@ -1,4 +1,4 @@
-// What nadir evaluate tells about regions.
+// The words and the JSON in which nadir evaluate tells about regions.
 #pragma once
 
 #include <string>

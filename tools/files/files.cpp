@@ -1,3 +1,4 @@
+// Reads files at once, and writes the outputs of a command under temporary names first.
 #include "tools/files/files.hpp"
 
 #include <unistd.h>
@@ -35,7 +36,7 @@ std::string checkedTarget(const std::string& path) {
   return target.string();
 }
 
-// By whatever path, or link, it is named.
+// The same file may be named by another path, or by a link.
 bool isSameFile(const std::string& a, const std::string& b) {
   std::error_code missing;
   return fs::equivalent(a, b, missing) && !missing;

@@ -1,3 +1,4 @@
+// A lock on the folder itself, which the system releases when the process ends.
 #include "tools/files/folder_lock.hpp"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// Appends whole lines to a log, and reads them back up to where a killed run has stopped.
 #include "tools/files/frame_log.hpp"
 
 #include <fcntl.h>

@@ -16,7 +16,7 @@ class FrameLog {
   FrameLog& operator=(const FrameLog&) = delete;
   ~FrameLog();
 
-  // In one go: whoever reads along sees the whole line or nothing of it.
+  // Writes in one go, so that whoever reads along sees the whole line or nothing of it.
   void append(const std::string& line);
 
  private:

@@ -1,3 +1,4 @@
+// Mistakes in TOML files, told by line and key.
 #include "tools/files/toml_file.hpp"
 
 #include <algorithm>

@@ -10,7 +10,7 @@
 
 namespace nadir::tool {
 
-// What is wrong with a file, collected so that one run tells all of it.
+// The mistakes in a file, collected so that one run tells all of them.
 class Mistakes {
  public:
   explicit Mistakes(const std::string& path) : path_(path) {}
@@ -31,7 +31,7 @@ toml::table parseToml(const std::string& text, const std::string& path);
 uint32_t lineOf(const toml::node& node);
 uint32_t lineOf(const toml::key& key);
 
-// In words, with its article.
+// The type in words, with its article.
 const char* typeName(const toml::node& node);
 
 }  // namespace nadir::tool

@@ -21,11 +21,11 @@ constexpr const char* left = "nadir:left-mm";
 constexpr const char* top = "nadir:top-mm";
 }  // namespace chunks
 
-// What an elevation map's text nadir:units says; other pictures say something else.
+// The text nadir:units says this of an elevation map, and something else of other pictures.
 constexpr const char* elevationUnits = "mm";
 constexpr const char* regionUnits = "region";
 
-// What every picture says of itself: what it shows, and who made it; beside `more`.
+// The texts that every picture carries, what it shows and who made it, beside `more`.
 TextChunks pictureTexts(const std::string& description, TextChunks more = {});
 
 // scale  what 1 pixel of disparity is stored as.
@@ -35,7 +35,7 @@ TextChunks disparityTexts(unsigned scale, ground::View grid);
 // The texts of an elevation map in mm.
 TextChunks elevationTexts(const ground::MapPlace& place);
 
-// Who made a file.
+// The program and its version, as files say who made them.
 std::string software();
 
 }  // namespace nadir::tool

@@ -1,3 +1,4 @@
+// Decodes binary PGM.
 #include "tools/pictures/pgm.hpp"
 
 #include <cctype>

@@ -17,7 +17,7 @@ using lab::Grid;
 // with the weights of ITU-R BT.601.
 Grid<uint16_t> readIntensity(const std::string& path);
 
-// An 8-bit picture; not 0 means "discard".
+// Reads an 8-bit picture, in which every value but 0 means "discard".
 Grid<uint8_t> readMask(const std::string& path);
 
 // Disparities in pixels, NaN where there is none. The file is a 16-bit grey PNG of pixels * scale, 0 for none.
@@ -42,7 +42,7 @@ struct LabelPicture {
 
 LabelPicture readLabels(const std::string& path);
 
-// As stored: mm, 0 for unseen, where nadir ground has written the file.
+// The heights as they are stored: mm, 0 for unseen, where nadir ground has written the file.
 Grid<uint16_t> readElevation(const std::string& path);
 
 // Unseen cells hold the value that the file names, 0 where it names none.

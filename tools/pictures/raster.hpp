@@ -1,4 +1,4 @@
-// What a picture file holds, whatever its format.
+// The samples and texts that a picture file holds, whatever its format.
 #pragma once
 
 #include <cstdint>

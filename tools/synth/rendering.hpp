@@ -16,7 +16,7 @@ struct SynthSettings {
   nadir::scene::Sensor sensor{5, false, 0};
 };
 
-// Of a sequence; a single pair is its first frame.
+// A frame of a sequence and its time; a single pair is the first frame.
 struct Moment {
   uint32_t frame = 0;
   double seconds = 0;

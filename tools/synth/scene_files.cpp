@@ -1,3 +1,4 @@
+// Encodes the pictures of a scene, and what is true about it, as files.
 #include "tools/synth/scene_files.hpp"
 
 #include <algorithm>
@@ -53,8 +54,8 @@ Bytes disparityFile(const Grid<double>& disparity, Side side, const char* remark
   return encodePng(encoded(disparity, synthDisparityScale, 65535, 0), text);
 }
 
-// What a matcher can find: the points that both pictures show.
-Grid<double> visible(const scene::ViewTruth& truth) {
+// A matcher can find the points that both pictures show.
+Grid<double> visibleDisparities(const scene::ViewTruth& truth) {
   Grid<double> disparity = truth.disparity;
   for (size_t i = 0; i < disparity.pixels.size(); ++i)
     if (truth.occluded.pixels[i]) disparity.pixels[i] = 0;
@@ -81,7 +82,7 @@ Bytes heightFile(const Grid<double>& height, Side side) {
 
 // ---- the map ----
 
-// As nadir ground encodes its map: 0 is kept for what is not seen, so the ground is 1 mm high.
+// The map is encoded as nadir ground does it: 0 is kept for what is not seen, so the ground is 1 mm high.
 Bytes elevationFile(const Rendering& r) {
   Grid<double> shown = r.map.elevation;
   for (size_t i = 0; i < shown.pixels.size(); ++i)
@@ -144,7 +145,7 @@ struct TrueRegion {
   double highest = 0;            // mm
 };
 
-// By number; a region that no cell shows is not there.
+// The regions by number; one that no cell shows is not there.
 std::map<uint32_t, TrueRegion> trueRegions(const Rendering& r) {
   std::map<uint32_t, TrueRegion> regions;
   for (uint32_t y = 0; y < r.map.region.height; ++y)
@@ -162,7 +163,7 @@ std::map<uint32_t, TrueRegion> trueRegions(const Rendering& r) {
   return regions;
 }
 
-// Named as in the summary of nadir ground.
+// The keys are those of the summary of nadir ground.
 Json regionJson(uint32_t number, const TrueRegion& region, const Rendering& r) {
   const auto cells = static_cast<double>(region.cells);
   const double cell = r.mapLayout.cell;
@@ -215,7 +216,7 @@ std::vector<NamedFile> synthPictures(const SynthSettings& settings, const Render
 std::vector<NamedFile> synthTruth(const Rendering& r) {
   const char* dense = "above the horizon, or more than 255 pixels";
   const char* matched = "the right picture does not show the point, or above the horizon, or more than 255 pixels";
-  return {{"disparity_gt.png", disparityFile(visible(r.leftTruth), Side::left, matched)},
+  return {{"disparity_gt.png", disparityFile(visibleDisparities(r.leftTruth), Side::left, matched)},
           {"disparity_left_gt.png", disparityFile(r.leftTruth.disparity, Side::left, dense)},
           {"disparity_right_gt.png", disparityFile(r.rightTruth.disparity, Side::right, dense)},
           {"occlusion_left.png", occlusionFile(r.leftTruth.occluded, Side::left)},

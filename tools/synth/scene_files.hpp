@@ -9,7 +9,7 @@
 
 namespace nadir::tool {
 
-// Of disparities, of heights and of elevations.
+// How the true values are stored: pixels and mm times a scale, and what stands for no height.
 constexpr unsigned synthDisparityScale = 256;
 constexpr unsigned synthHeightScale = 8;
 constexpr uint16_t synthNoHeight = 65535;

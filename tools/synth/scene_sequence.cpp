@@ -1,3 +1,4 @@
+// Renders the frames of a sequence, several at a time, and writes each as a whole.
 #include "tools/synth/scene_sequence.hpp"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ namespace {
 
 Moment momentOf(uint32_t frame, const SequenceSettings& sequence) { return {frame, frame / sequence.framesPerSecond}; }
 
-// Where a walker has been.
+// The rectangle in which a walker has been.
 struct Way {
   double left = std::numeric_limits<double>::infinity(), top = left, right = -left, bottom = -left;
   void add(const scene::Vec& place) {
@@ -50,7 +51,7 @@ SequenceTexts textsOf(const SynthSettings& settings, const SequenceSettings& seq
   return texts;
 }
 
-// A walker and an arm's length around.
+// Each area holds a walker's way, and an arm's length around it for the walker's body.
 std::string areasText(const std::map<uint32_t, Way>& ways) {
   constexpr double around = 400;
   std::string text;
