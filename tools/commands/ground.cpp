@@ -103,30 +103,26 @@ void addMapOptions(CLI::App& command, RoadOptions& options) {
             "P");
   addNumber(command, "--min-points", options.cells.minPoints, wholeNumberFrom(1, 1000000),
             "Cells with fewer points stay unseen, {range} (default: {default})", "N");
-  command
-      .add_option("--fill-holes", options.fillHolesM2,
-                  "Fill patches of unseen cells up to this area from the heights around them (default: 0, fill none)")
-      ->check(numberFrom(0, 1e6))
-      ->type_name("M2");
+  addNumber(command, "--fill-holes", options.fillHolesM2, numberFrom(0, 1e6),
+            "Fill patches of unseen cells up to this area from the heights around them (default: {default}, fill none)",
+            "M2");
 }
 
 void addRegionOptions(CLI::App& command, RoadOptions& options) {
-  const auto number = [&command](const char* name, auto& value, double high, const char* text, const char* unit) {
-    return command.add_option(name, value, text)->check(numberFrom(0, high))->type_name(unit);
-  };
   CLI::Option* without =
       command.add_flag("--no-regions", options.noRegions,
                        "Stop at the elevation map, which may then have more than 128 x 128 cells; areas are not read");
-  number("--min-height", options.minHeightMm, 65534,
-         "Regions are cells higher than this (default: one and a half sides of a cell, 60 mm for cells of 40 mm)", "MM")
+  addNumber(command, "--min-height", options.minHeightMm, numberFrom(0, 65534),
+            "Regions are cells higher than this (default: one and a half sides of a cell, 60 mm for cells of 40 mm)",
+            "MM")
       ->excludes(without);
-  number("--max-step", options.maxStepMm, 65535,
-         "Neighbouring cells that differ in height by more than this are not joined (default: the side of a cell, a "
-         "slope of 45 degrees)",
-         "MM")
+  addNumber(command, "--max-step", options.maxStepMm, numberFrom(0, 65535),
+            "Neighbouring cells that differ in height by more than this are not joined (default: the side of a cell, a "
+            "slope of 45 degrees)",
+            "MM")
       ->excludes(without);
-  number("--min-area", options.minAreaM2, 1e6,
-         "Smaller regions are dropped (default: thirty cells, 0.048 m2 for cells of 40 mm)", "M2")
+  addNumber(command, "--min-area", options.minAreaM2, numberFrom(0, 1e6),
+            "Smaller regions are dropped (default: thirty cells, 0.048 m2 for cells of 40 mm)", "M2")
       ->excludes(without);
   command
       .add_option("--areas", options.areas,
@@ -161,12 +157,9 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
           .add_option("--disparity", options.disparity,
                       "Do not match: take these disparities of the view, a 16-bit grey PNG with 0 for none")
           ->type_name("FILE");
-  command
-      .add_option("--disparity-scale", options.disparityScale,
-                  "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)")
-      ->check(positiveNumber())
-      ->needs(given)
-      ->type_name("N");
+  addNumber(command, "--disparity-scale", options.disparityScale, positiveNumber(),
+            "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)", "N")
+      ->needs(given);
   addViewOption(command, "--grid", options.view,
                 "View that is measured, left or right; its camera is the world's origin (default: left)");
   addUniquenessOption(command, options.uniqueness, "As for nadir disparity, {range} (default: {default})")

@@ -10,7 +10,6 @@ namespace nadir::tool {
 struct NumberRange {
   std::string words;  // "0 to 128"
   CLI::Validator check;
-  operator CLI::Validator() const { return check; }
 };
 
 NumberRange numberFrom(double low, double high);

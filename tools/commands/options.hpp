@@ -16,14 +16,14 @@ namespace nadir::tool {
 std::string helpWith(std::string help, const std::string& range, const std::string& defaultValue);
 
 // Adds an option that takes a number. In its help {range} stands for the numbers that it takes, and {default} for the
-// value that it has before the command line is read.
+// value that it has before the command line is read; a value that may be absent has no default to name.
 template <class Number>
 CLI::Option* addNumber(CLI::App& command, const char* name, Number& value, const NumberRange& range, const char* help,
                        const char* unit) {
   std::string defaultValue;
   if constexpr (std::is_floating_point_v<Number>)
     defaultValue = format("%g", value);
-  else
+  else if constexpr (std::is_integral_v<Number>)
     defaultValue = std::to_string(value);
   return command.add_option(name, value, helpWith(help, range.words, defaultValue))
       ->check(range.check)

@@ -8,7 +8,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
-#include "tools/commands/number_range.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/draw/line_plot.hpp"
 #include "tools/tune/tuning.hpp"
 
@@ -111,25 +111,16 @@ void addTuneCommand(CLI::App& app) {
   command->add_option("--setting", options->setting, "One of the settings below (default: " + options->setting + ")")
       ->check(CLI::IsMember(settingNames()).description(""))
       ->type_name("NAME");
-  command->add_option("--from", options->low, "Least value that is tried (default: the setting's range)")
-      ->check(wholeNumberFrom(0, UINT32_MAX))
-      ->type_name("N");
-  command->add_option("--to", options->high, "Largest value that is tried (default: the setting's range)")
-      ->check(wholeNumberFrom(0, UINT32_MAX))
-      ->type_name("N");
-  command
-      ->add_option("--wrong-costs", options->wrongCosts,
-                   "What a wrong value costs, 0 to 1000; a right one gains 1 (default: 1)")
-      ->check(numberFrom(0, 1000))
-      ->type_name("W");
-  command
-      ->add_option("--tolerance", options->tolerance,
-                   "A value with a larger error is wrong, pixels or mm (default: the setting's, below)")
-      ->check(positiveNumber())
-      ->type_name("ERROR");
-  command->add_option("--trials", options->maxTrials, "Trials at most, 2 to 100 (default: 20)")
-      ->check(wholeNumberFrom(2, 100))
-      ->type_name("N");
+  addNumber(*command, "--from", options->low, wholeNumberFrom(0, UINT32_MAX),
+            "Least value that is tried (default: the setting's range)", "N");
+  addNumber(*command, "--to", options->high, wholeNumberFrom(0, UINT32_MAX),
+            "Largest value that is tried (default: the setting's range)", "N");
+  addNumber(*command, "--wrong-costs", options->wrongCosts, numberFrom(0, 1000),
+            "What a wrong value costs, {range}; a right one gains 1 (default: {default})", "W");
+  addNumber(*command, "--tolerance", options->tolerance, positiveNumber(),
+            "A value with a larger error is wrong, pixels or mm (default: the setting's, below)", "ERROR");
+  addNumber(*command, "--trials", options->maxTrials, wholeNumberFrom(2, 100),
+            "Trials at most, {range} (default: {default})", "N");
   command->add_option("-o,--output", options->plot, "Receives a plot of the trials, SVG (default: none)")
       ->type_name("FILE");
   command->footer(
