@@ -5,9 +5,9 @@
 
 #include <optional>
 
-#include "ground/camera.hpp"
-#include "ground/map_place.hpp"
 #include "ground/points.hpp"
+#include "ground/records/camera.hpp"
+#include "ground/records/map_place.hpp"
 #include "lab/grid.hpp"
 
 namespace nadir::ground {

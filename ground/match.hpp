@@ -1,8 +1,8 @@
 // Matching: from a rectified pair to a disparity picture, on either view's grid.
 #pragma once
 
-#include "ground/stages.hpp"
-#include "ground/view.hpp"
+#include "ground/records/stages.hpp"
+#include "ground/records/view.hpp"
 #include "lab/grid.hpp"
 
 namespace nadir::ground {

@@ -3,8 +3,8 @@
 
 #include <nadir/nadir.h>
 
-#include "ground/camera.hpp"
 #include "ground/match.hpp"
+#include "ground/records/camera.hpp"
 
 namespace nadir::ground {
 

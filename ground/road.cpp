@@ -2,7 +2,7 @@
 #include "ground/road.hpp"
 
 #include "ground/holes.hpp"
-#include "ground/known_values.hpp"
+#include "ground/records/known_values.hpp"
 
 namespace nadir::ground {
 

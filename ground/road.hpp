@@ -5,14 +5,14 @@
 #include <vector>
 
 #include "ground/areas.hpp"
-#include "ground/camera.hpp"
 #include "ground/map.hpp"
 #include "ground/occupancy.hpp"
 #include "ground/plane.hpp"
 #include "ground/points.hpp"
+#include "ground/records/camera.hpp"
+#include "ground/records/settings.hpp"
+#include "ground/records/stages.hpp"
 #include "ground/regions.hpp"
-#include "ground/settings.hpp"
-#include "ground/stages.hpp"
 
 namespace nadir::ground {
 

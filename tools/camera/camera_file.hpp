@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "ground/camera.hpp"
+#include "ground/records/camera.hpp"
 #include "tools/files/files.hpp"
 
 namespace nadir::tool {

@@ -7,8 +7,8 @@
 #include <memory>
 
 #include "ground/halve.hpp"
-#include "ground/known_values.hpp"
 #include "ground/match.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"

@@ -6,8 +6,8 @@
 #include <memory>
 #include <optional>
 
-#include "ground/map_place.hpp"
-#include "ground/view.hpp"
+#include "ground/records/map_place.hpp"
+#include "ground/records/view.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"

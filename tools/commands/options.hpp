@@ -6,7 +6,7 @@
 #include <string>
 #include <type_traits>
 
-#include "ground/view.hpp"
+#include "ground/records/view.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/number_range.hpp"
 

@@ -5,7 +5,7 @@
 
 #include "tools/base/statistics.hpp"
 
-#include "ground/known_values.hpp"
+#include "ground/records/known_values.hpp"
 
 namespace nadir::tool {
 

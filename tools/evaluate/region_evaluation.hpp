@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ground/map_place.hpp"
+#include "ground/records/map_place.hpp"
 #include "lab/grid.hpp"
 
 namespace nadir::tool {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "ground/map_place.hpp"
-#include "ground/view.hpp"
+#include "ground/records/map_place.hpp"
+#include "ground/records/view.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "ground/known_values.hpp"
 #include "ground/map.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/base/error.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"

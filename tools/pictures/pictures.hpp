@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "ground/map_place.hpp"
+#include "ground/records/map_place.hpp"
 #include "lab/grid.hpp"
 #include "tools/pictures/raster.hpp"
 

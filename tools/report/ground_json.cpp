@@ -1,7 +1,7 @@
 // The members of summary.json in their order.
 #include "tools/report/ground_json.hpp"
 
-#include "ground/known_values.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/report/json_parts.hpp"
 #include "tools/report/map_heights.hpp"

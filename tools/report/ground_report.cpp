@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "ground/known_values.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/report/map_heights.hpp"

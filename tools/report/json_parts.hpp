@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "ground/camera.hpp"
+#include "ground/records/camera.hpp"
 #include "ground/regions.hpp"
 #include "tools/base/json_value.hpp"
 

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "ground/known_values.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/canvas.hpp"
 #include "tools/draw/plot.hpp"

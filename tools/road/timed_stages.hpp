@@ -1,7 +1,7 @@
 // The road's stages on the program's clock.
 #pragma once
 
-#include "ground/stages.hpp"
+#include "ground/records/stages.hpp"
 #include "tools/base/stage_times.hpp"
 
 namespace nadir::tool {

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "ground/known_values.hpp"
 #include "ground/map.hpp"
+#include "ground/records/known_values.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
