@@ -10,7 +10,7 @@ namespace nadir::tool {
 
 struct PictureFormat {
   const char* ending;              // of its files' names, in small letters
-  const char* name;                // with its article, for the sentence that tells of a file that is none of them
+  const char* name;                // with its article, before the word "picture" in the sentence about a file of none
   bool (*probe)(const Bytes&);     // true where the bytes begin as a picture of this format does
   Raster (*decode)(const Bytes&);  // throws Error with the reason alone, for a sentence that names the file
 };
