@@ -1,5 +1,5 @@
 // Every call that allocates, with every one of its allocations failing in turn: the stated result, outputs as stated,
-// nothing leaked. A new allocating function is one more row of the table at the end.
+// nothing leaked. A new allocating function is one more Case, named in INSTANTIATE_TEST_SUITE_P(Calls, ...).
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
 
