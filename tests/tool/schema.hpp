@@ -12,4 +12,17 @@ namespace nadir::test {
 // it costs as much as a run of the tool.
 std::vector<std::string> mistakes(const std::string& schemaFile, const std::vector<Json>& documents);
 
+// A document, and what was done to it.
+struct Spoilt {
+  std::string how;
+  Json document;
+};
+
+// Every object in a document, however deep, with a member more, and without or with another kind of each of its
+// members. Members called `optional` are not left out.
+std::vector<Spoilt> spoilt(const Json& good, const std::string& optional = "");
+
+// The schema says of each of them that it does not fit.
+void expectMisfits(const std::string& schemaFile, const std::vector<Spoilt>& documents);
+
 }  // namespace nadir::test
