@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <regex>
+#include <set>
 #include <sstream>
 
 #include "tests/tool/schema.hpp"
@@ -377,7 +379,6 @@ TEST_F(GroundSequence, ResumeTakesInNewFrames) {
 
 TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
   ground("r");
-  writePng(folder.path("m.png"), picture(160, 120, 8, std::vector<uint16_t>(160 * 120)));
   const Bytes before = readFile(folder.path("r/frames.jsonl"));
   const auto refuse = [&](std::vector<std::string> more, const std::string& sentence) {
     const Outcome outcome = ground("r", std::move(more));
@@ -386,12 +387,71 @@ TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
     EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), before);
   };
   refuse({}, "r holds a run already");
-  const std::string other = "cannot resume: r/run.json tells of other settings: ";
-  refuse({"--resume", "--percentile", "50"}, other + "percentile is 90.0 there and 50.0 here");
-  refuse({"--resume", "--fps", "11"}, other + "fps is 10.0 there and 11.0 here");
-  refuse({"--resume", "--mask", "m.png"}, other + "mask is null there and given here");
+  refuse({"--resume", "--percentile", "50"},
+         "cannot resume: r/run.json tells of other settings: percentile is 90.0 there and 50.0 here");
   for (const std::string side : {"s/left/", "s/right/"}) fs::remove(folder.path(side + number(2) + ".png"));
   refuse({"--resume"}, "tells of other frames");
+}
+
+// What run.json must hold: an option, a value that is not its default ("": it has none) and how --resume tells of it.
+struct Setting {
+  std::string option, value, difference;
+};
+
+const std::vector<Setting> settings = {
+    {"--camera", "higher.toml", "camera/height_mm is 3500.0 there and 3600.0 here"},
+    {"--percentile", "50", "percentile is 90.0 there and 50.0 here"},
+    {"--min-points", "7", "min_points is "},
+    {"--fill-holes", "0.5", "fill_holes_m2 is 0.0 there and 0.5 here"},
+    {"--no-regions", "", "region_rule is given there and null here"},
+    {"--min-height", "111", "region_rule/min_height_mm is "},
+    {"--max-step", "112", "region_rule/max_step_mm is "},
+    {"--min-area", "0.25", "region_rule/min_area_m2 is "},
+    {"--areas", "a.toml", "areas/0 is missing there and given here"},
+    {"--grid", "right", "view is "},
+    {"--uniqueness", "7", "uniqueness is "},
+    {"--mask", "m.png", "mask is null there and given here"},
+    {"--raw", "", "post_processing is true there and false here"},
+    {"--fps", "11", "fps is 10.0 there and 11.0 here"},
+    {"--average", "3", "average_frames is 10 there and 3 here"},
+    {"--track-noise", "21", "track/noise_mm is "},
+    {"--no-maps", "", "maps is true there and false here"},
+};
+
+// The results of a sequence do not depend on these: it refuses those that give disparities.
+const std::set<std::string> noSettings = {"--help",   "--output",    "--threads",
+                                          "--resume", "--disparity", "--disparity-scale"};
+
+TEST_F(GroundSequence, EveryOptionIsASettingOrIsKnownToBeNone) {
+  std::set<std::string> told, known = noSettings;
+  std::istringstream help(folder.run({"ground", "--help"}).out);
+  const std::regex option("^  (?:-[a-z],)?(--[a-z-]+)");
+  std::smatch found;
+  for (std::string line; std::getline(help, line);)
+    if (std::regex_search(line, found, option)) told.insert(found[1]);
+  for (const Setting& setting : settings) known.insert(setting.option);
+  EXPECT_EQ(told, known);
+}
+
+TEST_F(GroundSequence, ResumeNoticesEverySetting) {
+  Bytes camera = readFile(folder.path("s/camera.toml"));
+  writeFile(folder.path("higher.toml"), camera.replace(camera.find("height_mm = 3500"), 16, "height_mm = 3600"));
+  writePng(folder.path("m.png"), picture(160, 120, 8, std::vector<uint16_t>(160 * 120)));
+  const std::vector<std::string> bare = {"ground", "s", "-o", "r", "--resume"};
+  const auto resumed = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), bare.begin(), bare.end());
+    if (std::count(more.begin(), more.end(), "--camera") == 0) more.insert(more.end(), {"--camera", "s/camera.toml"});
+    return folder.run(more);
+  };
+  ASSERT_EQ(resumed({}).status, 0);
+  for (const Setting& setting : settings) {
+    const Outcome outcome =
+        setting.value.empty() ? resumed({setting.option}) : resumed({setting.option, setting.value});
+    EXPECT_EQ(outcome.status, 1) << setting.option;
+    EXPECT_NE(outcome.err.find("tells of other settings: " + setting.difference), std::string::npos)
+        << setting.option << ": " << outcome.err;
+  }
+  EXPECT_EQ(resumed({"--threads", "2"}).status, 0);
 }
 
 TEST_F(GroundSequence, AMaskThatWasDrawnAnewIsAnotherSetting) {
