@@ -1,7 +1,8 @@
 // The kernel harness: one registry of cases, each of which checks a kernel against the scalar one and times it.
 //
 // The runner raises the processor's level step by step, asks each case for its kernel at that level and tests every
-// kernel it has not seen yet: a new kernel is covered the moment it stands in a table.
+// kernel it has not seen yet: a new level of a kernel is covered the moment it stands in a table. A kernel that no case
+// tests fails the run.
 #pragma once
 
 #include <cstddef>

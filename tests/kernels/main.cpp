@@ -9,7 +9,11 @@
 #include <cstring>
 #include <set>
 
+#include "imgproc/filter3x3_kernels.hpp"
+#include "imgproc/point_kernels.hpp"
+#include "imgproc/smooth_kernels.hpp"
 #include "simd/cpu.hpp"
+#include "stereo/kernels.hpp"
 #include "tests/kernels/harness.hpp"
 #include "tests/support/levels.hpp"
 
@@ -105,16 +109,62 @@ void listHeader() {
   std::printf("\n");
 }
 
+// A table of kernels, and what adds the cases of all of them.
+struct Family {
+  const char* table;
+  size_t kernels;
+  std::vector<void (*)(Registry&)> add;
+};
+
+std::vector<Family> families() {
+  constexpr size_t field = sizeof(AnyKernel);
+  static_assert(sizeof(StereoKernels::pathLanes) == field, "the number of lanes is as large as a kernel's address");
+  return {{"Filter3x3Kernels", sizeof(Filter3x3Kernels) / field, {addFilter3x3Cases}},
+          {"PointKernels", sizeof(PointKernels) / field, {addPointCases}},
+          {"SmoothKernels", sizeof(SmoothKernels) / field, {addSmoothCases}},
+          {"StereoKernels", sizeof(StereoKernels) / field - 1, {addStereoRowCases, addSelectionCases, addWalkCases}}};
+}
+
+Registry casesOf(const Family& family) {
+  Registry cases;
+  for (const auto add : family.add) add(cases);
+  return cases;
+}
+
 Registry chosenCases(const std::string& only) {
-  Registry all, chosen;
-  for (const auto add :
-       {addFilter3x3Cases, addPointCases, addSmoothCases, addStereoRowCases, addSelectionCases, addWalkCases}) {
-    add(all);
-  }
-  for (auto& c : all) {
-    if (std::strstr(c->name(), only.c_str())) chosen.push_back(std::move(c));
+  Registry chosen;
+  for (const Family& family : families()) {
+    for (auto& c : casesOf(family)) {
+      if (std::strstr(c->name(), only.c_str())) chosen.push_back(std::move(c));
+    }
   }
   return chosen;
+}
+
+// Two cases of one kernel do not make up for a kernel without any.
+bool everyKernelHasACase(const Family& family) {
+  std::set<AnyKernel> tested;
+  for (const auto& c : casesOf(family)) tested.insert(c->kernel(cpuScalar));
+  if (tested.size() == family.kernels) return true;
+  std::printf("FAILED  %s has %zu kernels, and its cases test %zu\n", family.table, family.kernels, tested.size());
+  return false;
+}
+
+bool hasItsKernels(const Case& c) {
+  for (unsigned level : cumulativeLevels()) {
+    if (c.kernel(level)) continue;
+    std::printf("FAILED  %s: no %s kernel in its table\n", c.name(), cpuName(level));
+    return false;
+  }
+  return true;
+}
+
+// Without a kernel there is nothing to compare, to time or to list.
+bool tablesAreComplete(const Registry& cases) {
+  bool complete = true;
+  for (const Family& family : families()) complete = everyKernelHasACase(family) && complete;
+  for (const auto& c : cases) complete = hasItsKernels(*c) && complete;
+  return complete;
 }
 
 int checkAll(const Registry& cases, uint64_t seed) {
@@ -132,6 +182,7 @@ int checkAll(const Registry& cases, uint64_t seed) {
 
 int run(const Options& options) {
   const Registry cases = chosenCases(options.only);
+  if (!tablesAreComplete(cases)) return 1;
   if (options.mode == Options::check) return checkAll(cases, options.seed);
   if (options.mode == Options::list) listHeader();
   for (const auto& c : cases) (options.mode == Options::list ? listOne : benchOne)(*c);
