@@ -75,8 +75,11 @@ std::string report(const Grid<uint16_t>& disparity, const ground::PixelCounts& c
 void run(const Options& options) {
   StageTimes times;
   ground::Pair pair = readInputs(options, times);
-  const ground::MatchOptions settings{options.grid, options.uniqueness, !options.noPostprocessing,
-                                      readMaskFor(pair, options.mask)};
+  ground::MatchOptions settings;
+  settings.grid = options.grid;
+  settings.uniqueness = options.uniqueness;
+  settings.postprocess = !options.noPostprocessing;
+  settings.mask = readMaskFor(pair, options.mask);
   const ground::Match result = ground::match(std::move(pair), settings, timedBy(times));
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });

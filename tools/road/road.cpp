@@ -35,8 +35,12 @@ std::vector<ground::Area> readAllAreas(const RoadOptions& options) {
 }
 
 ground::Settings settingsOf(const RoadOptions& options, const Camera& camera) {
-  ground::Settings settings{options.view,  options.uniqueness,  !options.noPostprocessing,
-                            options.cells, options.fillHolesM2, {}};
+  ground::Settings settings;
+  settings.view = options.view;
+  settings.uniqueness = options.uniqueness;
+  settings.postprocess = !options.noPostprocessing;
+  settings.cells = options.cells;
+  settings.fillHolesM2 = options.fillHolesM2;
   const ground::RegionRule usual = ground::usualRule(camera.cellMm);
   if (!options.noRegions)
     settings.regions = {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),

@@ -12,9 +12,9 @@ namespace nadir::tool {
 
 // A damaged frame has an error and nothing else.
 struct FrameReport {
-  uint64_t number;
+  uint64_t number = 0;
   std::string name;
-  double seconds;
+  double seconds = 0;
   std::string error;
   size_t seenCells = 0;
   std::optional<ground::Findings> findings;

@@ -165,12 +165,15 @@ class SequenceRun {
   // ---- frame by frame ----
 
   Worked workOn(size_t frame) const {
+    Worked worked;
     try {
       ground::Result r = resultOf(road_, source_.left(frame), source_.right(frame));
-      return {"", std::move(r.map.heights), std::move(r.findings)};
+      worked.heights = std::move(r.map.heights);
+      worked.findings = std::move(r.findings);
     } catch (const Error& error) {
-      return {error.what(), {}, {}};
+      worked.error = error.what();
     }
+    return worked;
   }
 
   void work() {
@@ -190,7 +193,11 @@ class SequenceRun {
 
   // The maps are in place before the log tells of the frame.
   FrameReport reportOn(size_t frame, Worked worked) {
-    FrameReport report{source_.number(frame), source_.name(frame), secondsOf(frame), worked.error, 0, {}, {}};
+    FrameReport report;
+    report.number = source_.number(frame);
+    report.name = source_.name(frame);
+    report.seconds = secondsOf(frame);
+    report.error = worked.error;
     skipped_ += !report.error.empty();
     if (!report.error.empty()) return report;
     report.seenCells = heightsOf(worked.heights).known;
