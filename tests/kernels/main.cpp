@@ -109,7 +109,7 @@ void listHeader() {
   std::printf("\n");
 }
 
-// A table of kernels, and what adds the cases of all of them.
+// The cases of a family test every kernel of one table.
 struct Family {
   const char* table;
   size_t kernels;

@@ -393,7 +393,8 @@ TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
   refuse({"--resume"}, "tells of other frames");
 }
 
-// What run.json must hold: an option, a value that is not its default ("": it has none) and how --resume tells of it.
+// run.json must hold what each of these options says. Each has a value here that is not its default, or "" where it
+// takes none, and what --resume says about it.
 struct Setting {
   std::string option, value, difference;
 };
@@ -418,7 +419,7 @@ const std::vector<Setting> settings = {
     {"--no-maps", "", "maps is true there and false here"},
 };
 
-// The results of a sequence do not depend on these: it refuses those that give disparities.
+// The results of a sequence do not depend on these. It refuses the two that give disparities.
 const std::set<std::string> noSettings = {"--help",   "--output",    "--threads",
                                           "--resume", "--disparity", "--disparity-scale"};
 

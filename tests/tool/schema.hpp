@@ -12,17 +12,17 @@ namespace nadir::test {
 // it costs as much as a run of the tool.
 std::vector<std::string> mistakes(const std::string& schemaFile, const std::vector<Json>& documents);
 
-// A document, and what was done to it.
+// The tests say what was done to a document that they expect to fit no more.
 struct Spoilt {
   std::string how;
   Json document;
 };
 
-// Every object in a document, however deep, with a member more, and without or with another kind of each of its
-// members. Members called `optional` are not left out.
+// In each of these one object of the document, however deep, has a member more, one less or one of another kind.
+// Members called `optional` are not left out.
 std::vector<Spoilt> spoilt(const Json& good, const std::string& optional = "");
 
-// The schema says of each of them that it does not fit.
+// The test fails for each of them that fits the schema.
 void expectMisfits(const std::string& schemaFile, const std::vector<Spoilt>& documents);
 
 }  // namespace nadir::test
