@@ -11,6 +11,7 @@
 
 #include <nadir/api.h>
 #include <nadir/image.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -153,6 +154,15 @@ NADIR_API uint32_t IP_Gauss(const Img* src, Img* dst, uint32_t kernel);
  * Method: S. J. Gortler, R. Grzeszczuk, R. Szeliski, M. F. Cohen, "The lumigraph", SIGGRAPH 1996, section 3.4, with
  * weights of 0 and 1. */
 NADIR_API int32_t IP_PullPush(const Img* src, Img* dst);
+
+/* The bytes of working memory that nadir_pull_push takes; 0 for a size that it refuses. */
+NADIR_API size_t nadir_pull_push_bytes(uint16_t width, uint16_t height);
+
+/* IP_PullPush in memory of the caller's: it allocates nothing, and 1 means that the holes were filled.
+ *
+ * memory  at least nadir_pull_push_bytes(width, height) bytes at an even address, apart from both images.
+ * bytes   how many there are; 0 is returned with `dst` untouched where they are too few or the address is odd. */
+NADIR_API int32_t nadir_pull_push(const Img* src, Img* dst, void* memory, size_t bytes);
 
 /* ---- halving and averaging over time --------------------------------------------------------------------------- */
 

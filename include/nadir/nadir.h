@@ -4,13 +4,14 @@
  * transforms onto the ground (camera.h), IP_RGE_* on the elevation map (segment.h).
  *
  * Rules that hold everywhere unless a function says otherwise:
- * - The caller owns every buffer. Memory that a call needs for itself is released before it returns.
+ * - The caller owns every buffer. Memory that a call needs for itself is released before it returns; a function that
+ *   begins with nadir_ works in memory of the caller's instead, for programs that must not allocate while they run.
  * - A status of 1 is success, 0 failure. All checks come before the first write: a failed call leaves its outputs as
  *   they were. Nothing is logged.
  * - Nothing is read or written outside the extent that a function states, and no alignment beyond that of the element
  *   type is needed.
  * - Every function may be called from any number of threads at once on buffers that do not overlap, except IP_RGE_*
- *   (segment.h), which share one state.
+ *   (segment.h), which share one state; nadir_elevation_regions_* do the same with a state for each thread.
  * - A result is the same to the last bit on every processor, whichever instruction set computes it.
  */
 #ifndef NADIR_NADIR_H

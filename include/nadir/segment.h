@@ -17,6 +17,7 @@
 #include <nadir/geometry.h>
 #include <nadir/image.h>
 #include <nadir/vector.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -147,6 +148,16 @@ NADIR_API int32_t IP_ContourFilter_I(Img* img, uint32_t minSize);
  * or size, or if there is no memory: the call allocates 4 bytes a pixel. It takes little stack, it does not recurse. */
 NADIR_API int32_t IP_RGrow_Process(const Img* src, const int32_t* params, Img* labels);
 
+/* The bytes of working memory that nadir_region_growing takes; 0 for a size that no memory can serve. */
+NADIR_API size_t nadir_region_growing_bytes(uint32_t width, uint32_t height);
+
+/* IP_RGrow_Process in memory of the caller's: it allocates nothing.
+ *
+ * memory  at least nadir_region_growing_bytes(width, height) bytes at an address that is a multiple of 4, apart from
+ * both images. bytes   how many there are; 0 is returned with `labels` untouched where they are too few or the address
+ * is another. */
+NADIR_API int32_t nadir_region_growing(const Img* src, const int32_t* params, Img* labels, void* memory, size_t bytes);
+
 /* ---- regions of elevation maps --------------------------------------------------------------------------------- */
 
 /* IP_RGE_* keep what they found in ONE STATE OF THE WHOLE PROCESS, and nothing guards it: only one thread at a time may
@@ -206,6 +217,29 @@ NADIR_API int32_t IP_RGE_CreateLabelMap(Img* map);
 /* Lists the regions of the last processed map with their cells. `out` must not be null; its count is 0 if nothing was
  * processed. Returns 1. */
 NADIR_API int32_t IP_RGE_CreateRegionList(RegionList* out);
+
+/* The same in a state of the caller's instead of that of the process: one state for each thread, and nothing is shared.
+ * The records and what is found are those of IP_RGE_*. */
+typedef struct NadirElevationRegions NadirElevationRegions;
+
+/* The bytes of memory that hold a state. */
+NADIR_API size_t nadir_elevation_regions_bytes(void);
+
+/* Makes a state in memory of the caller's, which holds it for as long as it is used; there is nothing to give back.
+ *
+ * memory  at least nadir_elevation_regions_bytes() bytes, aligned as malloc aligns. They must stay where they are.
+ * bytes   how many there are.
+ *
+ * Returns the state, in which no map was processed yet; null for memory that is null, too small or not
+ * aligned. */
+NADIR_API NadirElevationRegions* nadir_elevation_regions_init(void* memory, size_t bytes);
+
+/* IP_RGE_Process, IP_RGE_CreateLabelMap and IP_RGE_CreateRegionList with a state; each returns 0 for a null one, and
+ * nadir_elevation_regions_list for a null list as well. */
+NADIR_API int32_t nadir_elevation_regions_process(NadirElevationRegions* state, const ImgC* elev,
+                                                  const RgeParams* params);
+NADIR_API int32_t nadir_elevation_regions_label_map(const NadirElevationRegions* state, Img* map);
+NADIR_API int32_t nadir_elevation_regions_list(const NadirElevationRegions* state, RegionList* out);
 
 #ifdef __cplusplus
 }

@@ -22,6 +22,7 @@
 #define NADIR_STEREO_H
 
 #include <nadir/api.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #ifdef __cplusplus
@@ -222,6 +223,21 @@ typedef struct {
 NADIR_API void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
                           uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug);
 
+/* The bytes of working memory that nadir_sgm_full takes for pictures of a width; 0 for one that no memory can serve. */
+NADIR_API size_t nadir_sgm_bytes(uint32_t width);
+
+/* IP_SgmFull in memory of the caller's: it allocates nothing and says whether it has matched.
+ *
+ * memory  at least nadir_sgm_bytes(width) bytes at any address, apart from all other buffers. What they hold does not
+ *         matter before the call and means nothing after it, so that one block serves frame after frame.
+ * bytes   how many there are.
+ *
+ * Returns 1 with `disparity` (and `debug`) as IP_SgmFull leaves them. Returns 0 with nothing written for a width below
+ * 5, any other number of disparities than 64, or memory that is null or too small. */
+NADIR_API int32_t nadir_sgm_full(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image,
+                                 uint32_t width, uint32_t height, const SgmParams* params, uint16_t* disparity,
+                                 SgmDebugData* debug, void* memory, size_t bytes);
+
 /* IP_SgmFull that measures how distinct each pixel's minimum is instead of locating it.
  *
  * distinctiveness  receives width * height bytes: the smallest sum outside the winner and its two neighbours, minus the
@@ -255,6 +271,16 @@ NADIR_API void IP_SgmFreeDebugData(SgmDebugData* debug);
  * step refuses the size (fewer than 4 columns, a single row), with `result` then holding the masked image. */
 NADIR_API uint32_t IP_SgmPostproc(const uint16_t* disparity, const uint8_t* mask, uint16_t* result, uint32_t width,
                                   uint32_t height);
+
+/* The bytes of working memory that nadir_sgm_postproc takes. */
+NADIR_API size_t nadir_sgm_postproc_bytes(uint16_t width, uint16_t height);
+
+/* IP_SgmPostproc in memory of the caller's: it allocates nothing.
+ *
+ * memory  at least nadir_sgm_postproc_bytes(width, height) bytes at an even address, apart from all other buffers.
+ * bytes   how many there are; 0 is returned with `result` untouched where they are too few or the address is odd. */
+NADIR_API uint32_t nadir_sgm_postproc(const uint16_t* disparity, const uint8_t* mask, uint16_t* result, uint16_t width,
+                                      uint16_t height, void* memory, size_t bytes);
 
 #ifdef __cplusplus
 }

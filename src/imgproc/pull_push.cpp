@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/given_memory.hpp"
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
 #include "imgproc/smooth_kernels.hpp"
@@ -27,13 +28,15 @@ class Pyramid {
     }
   }
 
+  // Whether it ends in an image that is a single pixel wide or high, and does not begin with one or with none.
+  bool canFill() const { return levels_[0].width > 1 && levels_[0].height > 1 && isComplete(); }
   bool isComplete() const { return coarsest().width == 1 || coarsest().height == 1; }
   size_t count() const { return count_; }
   const Img& operator[](size_t k) const { return levels_[k]; }
 
   // The pixels of all levels but the first.
-  size_t coarsePixels() const {
-    size_t sum = 0;
+  uint64_t coarsePixels() const {
+    uint64_t sum = 0;
     for (size_t k = 1; k < count_; ++k) sum += pixelCount(levels_[k]);
     return sum;
   }
@@ -77,17 +80,35 @@ void fillHoles(const Pyramid& levels, const Img& dst) {
   push(levels[1], levels[0], dst, kernels);
 }
 
+bool canFill(const Img* src, const Img* dst) {
+  return src && dst && matches(*src, *dst) && src->type == IMG_TYPE_U16 && Pyramid(*src).canFill();
+}
+
 }  // namespace
 }  // namespace nadir
 
-int32_t IP_PullPush(const Img* src, Img* dst) {
-  if (!src || !dst || !nadir::matches(*src, *dst) || src->type != IMG_TYPE_U16) return 0;
-  if (src->width < 2 || src->height < 2) return 0;
+size_t nadir_pull_push_bytes(uint16_t width, uint16_t height) {
+  Img finest = {};
+  finest.width = width;
+  finest.height = height;
+  const nadir::Pyramid levels(finest);
+  return levels.canFill() ? nadir::bytesFor<uint16_t>(levels.coarsePixels()) : 0;
+}
+
+int32_t nadir_pull_push(const Img* src, Img* dst, void* memory, size_t bytes) {
+  if (!nadir::canFill(src, dst)) return 0;
   nadir::Pyramid levels(*src);
-  if (!levels.isComplete()) return 0;
-  const nadir::Scratch<uint16_t> coarse(levels.coarsePixels());
-  if (!coarse) return 1;
-  levels.place(coarse.get());
+  uint16_t* const coarse = nadir::asArray<uint16_t>(memory, bytes, levels.coarsePixels());
+  if (!coarse) return 0;
+  levels.place(coarse);
   fillHoles(levels, *dst);
+  return 1;
+}
+
+int32_t IP_PullPush(const Img* src, Img* dst) {
+  if (!nadir::canFill(src, dst)) return 0;
+  const size_t bytes = nadir_pull_push_bytes(src->width, src->height);
+  const nadir::Scratch<uint8_t> memory(bytes);
+  if (memory) nadir_pull_push(src, dst, memory.get(), bytes);
   return 1;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "core/given_memory.hpp"
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
 #include "segment/columns.hpp"
@@ -17,17 +18,23 @@ namespace {
 
 constexpr uint16_t mostCells = largestMapSide * largestMapSide;  // and so many runs, and labels, if every cell is one
 
-// The last processing keeps here what it found, for the extractions that follow it.
-struct Found {
+}  // namespace
+}  // namespace nadir
+
+// What the last processing found, for the extractions that follow it.
+struct NadirElevationRegions {
   ImgC elev;
   bool any;  // whether a map was processed at all
   uint32_t regions;
   size_t count;
-  Run runs[mostCells];
-  LabelSets<mostCells> labels;
+  nadir::Run runs[nadir::mostCells];
+  nadir::LabelSets<nadir::mostCells> labels;
 };
 
-Found found;
+namespace nadir {
+namespace {
+
+using Found = NadirElevationRegions;
 
 const uint16_t* cells(const ImgC& elev, size_t y) { return static_cast<const uint16_t*>(elev.data) + y * elev.width; }
 
@@ -55,7 +62,7 @@ Columns levelColumns(const uint16_t* above, const uint16_t* row, const Area& are
   return Columns::where(area.x0, area.x1, [=](size_t x) { return std::abs(row[x] - above[x]) <= maxStep; });
 }
 
-void findRegions(const ImgC& elev, const Area& area, const RgeParams& params) {
+void findRegions(const ImgC& elev, const Area& area, const RgeParams& params, Found& found) {
   size_t aboveCount = 0;
   for (uint32_t y = area.y0; y < area.y1 && area.x0 < area.x1; ++y) {
     const uint16_t* row = cells(elev, y);
@@ -71,54 +78,79 @@ void findRegions(const ImgC& elev, const Area& area, const RgeParams& params) {
   }
 }
 
-void numberRegions() {
+void numberRegions(Found& found) {
   found.regions = found.labels.numberSets();
   for (size_t i = 0; i < found.count; ++i) found.runs[i].label = found.labels.number(found.runs[i].label);
 }
 
 template <class F>
-void forEachFoundRun(F f) {
-  for (const Run* run = found.runs; run != found.runs + found.count; ++run) f(*run);
+void forEachRun(const Found& found, F f) {
+  const Run* const end = found.runs + found.count;  // known here, since f may write what could be the count
+  for (const Run* run = found.runs; run != end; ++run) f(*run);
 }
+
+Found ofProcess;  // what IP_RGE_* share
 
 }  // namespace
 }  // namespace nadir
 
-int32_t IP_RGE_Init(void) {
-  nadir::found.labels.clear();
-  return 1;
+size_t nadir_elevation_regions_bytes(void) { return nadir::bytesFor<NadirElevationRegions>(1); }
+
+NadirElevationRegions* nadir_elevation_regions_init(void* memory, size_t bytes) {
+  NadirElevationRegions* const found = nadir::asArray<NadirElevationRegions>(memory, bytes, 1);
+  if (!found) return nullptr;
+  found->elev = {};
+  found->any = false;
+  found->regions = 0;
+  found->count = 0;
+  found->labels.clear();
+  return found;
 }
 
-int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
-  if (!elev || elev->type != IMG_TYPE_U16) return 0;
+int32_t nadir_elevation_regions_process(NadirElevationRegions* found, const ImgC* elev, const RgeParams* params) {
+  if (!found || !elev || elev->type != IMG_TYPE_U16) return 0;
   if (elev->width > nadir::largestMapSide || elev->height > nadir::largestMapSide) return 0;
   const RgeParams everything = {0, 0, 0, 0, 0, 0};
   const RgeParams& wanted = params ? *params : everything;
-  nadir::found.elev = *elev;
-  nadir::found.any = true;
-  nadir::found.count = 0;
-  nadir::found.labels.clear();
-  findRegions(*elev, nadir::clampedArea(*elev, wanted), wanted);
-  nadir::numberRegions();
+  found->elev = *elev;
+  found->any = true;
+  found->count = 0;
+  found->labels.clear();
+  findRegions(*elev, nadir::clampedArea(*elev, wanted), wanted, *found);
+  nadir::numberRegions(*found);
   return 1;
 }
 
-int32_t IP_RGE_CreateLabelMap(Img* map) {
-  if (!map || !nadir::found.any || map->type != IMG_TYPE_U16) return 0;
-  if (map->width < nadir::found.elev.width || map->height < nadir::found.elev.height) return 0;
+int32_t nadir_elevation_regions_label_map(const NadirElevationRegions* found, Img* map) {
+  if (!found || !map || !found->any || map->type != IMG_TYPE_U16) return 0;
+  if (map->width < found->elev.width || map->height < found->elev.height) return 0;
   nadir::clear(map->data, nadir::rowBytes(*map) * map->height);
-  nadir::forEachFoundRun([=](const nadir::Run& run) {
-    uint16_t* labels = nadir::row<uint16_t>(*map, run.row);
+  nadir::forEachRun(*found, [target = *map](const nadir::Run& run) {
+    uint16_t* labels = nadir::row<uint16_t>(target, run.row);
     std::fill(labels + run.start, labels + run.end, run.label);
   });
   return 1;
 }
 
-int32_t IP_RGE_CreateRegionList(RegionList* out) {
-  out->count = nadir::found.regions;
-  layOutEntries(*out, nadir::found.runs, nadir::found.count);
-  nadir::forEachFoundRun([=](const nadir::Run& run) {
-    appendRun(out->entries[run.label - 1], run, nadir::cells(nadir::found.elev, run.row));
+int32_t nadir_elevation_regions_list(const NadirElevationRegions* found, RegionList* out) {
+  if (!found || !out) return 0;
+  out->count = found->regions;
+  layOutEntries(*out, found->runs, found->count);
+  nadir::forEachRun(*found, [out, elev = found->elev](const nadir::Run& run) {
+    appendRun(out->entries[run.label - 1], run, nadir::cells(elev, run.row));
   });
   return 1;
 }
+
+int32_t IP_RGE_Init(void) {
+  nadir::ofProcess.labels.clear();
+  return 1;
+}
+
+int32_t IP_RGE_Process(const ImgC* elev, const RgeParams* params) {
+  return nadir_elevation_regions_process(&nadir::ofProcess, elev, params);
+}
+
+int32_t IP_RGE_CreateLabelMap(Img* map) { return nadir_elevation_regions_label_map(&nadir::ofProcess, map); }
+
+int32_t IP_RGE_CreateRegionList(RegionList* out) { return nadir_elevation_regions_list(&nadir::ofProcess, out); }

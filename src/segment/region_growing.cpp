@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "core/given_memory.hpp"
 #include "core/memory.hpp"
 #include "core/pixels.hpp"
 #include "segment/disjoint_sets.hpp"
@@ -64,18 +65,33 @@ void writeLabels(const uint32_t* parents, size_t count, uint16_t* labels) {
   }
 }
 
+bool canGrow(const Img* src, const int32_t* params, const Img* labels) {
+  return src && params && labels && src->type == IMG_TYPE_U16 && matches(*src, *labels);
+}
+
 }  // namespace
 }  // namespace nadir
 
-int32_t IP_RGrow_Process(const Img* src, const int32_t* params, Img* labels) {
-  if (!src || !params || !labels || src->type != IMG_TYPE_U16 || !nadir::matches(*src, *labels)) return 0;
+size_t nadir_region_growing_bytes(uint32_t width, uint32_t height) {
+  return nadir::bytesFor<uint32_t>(uint64_t{width} * height);
+}
+
+int32_t nadir_region_growing(const Img* src, const int32_t* params, Img* labels, void* memory, size_t bytes) {
+  if (!nadir::canGrow(src, params, labels)) return 0;
   if (nadir::pixelCount(*src) == 0) return 1;
-  const nadir::Scratch<uint32_t> parents(nadir::pixelCount(*src));
+  uint32_t* const parents = nadir::asArray<uint32_t>(memory, bytes, nadir::pixelCount(*src));
   if (!parents) return 0;
-  nadir::Regions regions(*src, {params[0], params[1]}, parents.get());
+  nadir::Regions regions(*src, {params[0], params[1]}, parents);
   for (uint32_t y = 0; y < src->height; ++y) {
     for (uint32_t x = 0; x < src->width; ++x) regions.add(x, y);
   }
-  nadir::writeLabels(parents.get(), nadir::pixelCount(*src), static_cast<uint16_t*>(labels->data));
+  nadir::writeLabels(parents, nadir::pixelCount(*src), static_cast<uint16_t*>(labels->data));
   return 1;
+}
+
+int32_t IP_RGrow_Process(const Img* src, const int32_t* params, Img* labels) {
+  if (!nadir::canGrow(src, params, labels)) return 0;
+  const size_t bytes = nadir_region_growing_bytes(src->width, src->height);
+  const nadir::Scratch<uint8_t> memory(bytes);
+  return nadir_region_growing(src, params, labels, memory.get(), bytes);
 }

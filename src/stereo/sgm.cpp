@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "core/given_memory.hpp"
 #include "core/memory.hpp"
 #include "simd/cpu.hpp"
 #include "stereo/penalties.hpp"
@@ -99,13 +100,9 @@ class Matcher {
 };
 
 // Walks along every row. setResults(job, at) tells a job where the results of the row whose first pixel is `at` go.
-// Does nothing at all where there is no memory.
 template <class SetResults>
-void matchRows(const Pair& pair, SgmDebugData* debug, SgmRow walk, SetResults setResults) {
-  const Layout layout(pair.width);
-  const Scratch<uint8_t> memory(layout.scratchBytes());
-  if (!memory) return;
-  Matcher matcher(pair, debug, layout, memory.get());
+void matchRows(const Pair& pair, SgmDebugData* debug, SgmRow walk, uint8_t* memory, SetResults setResults) {
+  Matcher matcher(pair, debug, Layout(pair.width), memory);
   for (uint32_t y = 0; y < pair.height; ++y) {
     SgmRowJob job = matcher.prepareRow(y);
     setResults(job, size_t{y} * pair.width);
@@ -116,18 +113,33 @@ void matchRows(const Pair& pair, SgmDebugData* debug, SgmRow walk, SetResults se
 }  // namespace
 }  // namespace nadir
 
+size_t nadir_sgm_bytes(uint32_t width) { return nadir::bytesFor<uint8_t>(nadir::Layout(width).scratchBytes()); }
+
+int32_t nadir_sgm_full(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
+                       uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug, void* memory,
+                       size_t bytes) {
+  if (width < 5 || params->numDisparities != nadir::disparities) return 0;
+  uint8_t* const placed = nadir::asArray<uint8_t>(memory, bytes, nadir::Layout(width).scratchBytes());
+  if (!placed) return 0;
+  const nadir::SgmRow walk = nadir::stereoKernels(nadir::cpu()).walkDisparity;
+  const nadir::Pair pair = {censusFirst, censusRef, image, width, height};
+  nadir::matchRows(pair, debug, walk, placed, [=](nadir::SgmRowJob& job, size_t at) {
+    job.peaks = debug ? debug->peakMap + at : nullptr;
+    job.disparity = disparity + at;
+    std::memset(job.disparity, 0, width * sizeof(uint16_t));
+    job.uniquenessRatio = params->uniquenessRatio;
+  });
+  return 1;
+}
+
 void IP_SgmFull(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
                 uint32_t height, const SgmParams* params, uint16_t* disparity, SgmDebugData* debug) {
   const size_t pixels = size_t{width} * height;
   if (pixels == 0) return;
-  std::memset(disparity, 0, pixels * sizeof(uint16_t));
-  if (width < 5 || params->numDisparities != nadir::disparities) return;
-  const nadir::SgmRow walk = nadir::stereoKernels(nadir::cpu()).walkDisparity;
-  nadir::matchRows({censusFirst, censusRef, image, width, height}, debug, walk, [=](nadir::SgmRowJob& job, size_t at) {
-    job.peaks = debug ? debug->peakMap + at : nullptr;
-    job.disparity = disparity + at;
-    job.uniquenessRatio = params->uniquenessRatio;
-  });
+  const size_t bytes = nadir_sgm_bytes(width);
+  const nadir::Scratch<uint8_t> memory(bytes);
+  if (!nadir_sgm_full(censusFirst, censusRef, image, width, height, params, disparity, debug, memory.get(), bytes))
+    std::memset(disparity, 0, pixels * sizeof(uint16_t));
 }
 
 void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16_t* image, uint32_t width,
@@ -138,8 +150,11 @@ void IP_Sgm(const uint32_t* censusFirst, const uint32_t* censusRef, const uint16
     std::memset(distinctiveness, 255, pixels);
     return;
   }
+  const nadir::Scratch<uint8_t> memory(nadir_sgm_bytes(width));
+  if (!memory) return;
   const nadir::SgmRow walk = nadir::stereoKernels(nadir::cpu()).walkDistinctness;
-  nadir::matchRows({censusFirst, censusRef, image, width, height}, debug, walk, [=](nadir::SgmRowJob& job, size_t at) {
+  const nadir::Pair pair = {censusFirst, censusRef, image, width, height};
+  nadir::matchRows(pair, debug, walk, memory.get(), [=](nadir::SgmRowJob& job, size_t at) {
     job.distinctness = distinctiveness + at;
     std::memset(job.distinctness, 255, width);
   });

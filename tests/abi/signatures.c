@@ -28,6 +28,8 @@ uint32_t (*is_IP_Maximum3x3)(const Img*, Img*) = IP_Maximum3x3;
 uint32_t (*is_IP_Morph3x3)(const Img*, Img*, int32_t) = IP_Morph3x3;
 uint32_t (*is_IP_Gauss)(const Img*, Img*, uint32_t) = IP_Gauss;
 int32_t (*is_IP_PullPush)(const Img*, Img*) = IP_PullPush;
+size_t (*is_nadir_pull_push_bytes)(uint16_t, uint16_t) = nadir_pull_push_bytes;
+int32_t (*is_nadir_pull_push)(const Img*, Img*, void*, size_t) = nadir_pull_push;
 uint32_t (*is_IP_ScaleVga2Qvga)(const Img*, Img*) = IP_ScaleVga2Qvga;
 int32_t (*is_IP_Utils_ImgAvrgInit)(const Img*, Img*, Img*, ImgAvrgState*) = IP_Utils_ImgAvrgInit;
 int32_t (*is_IP_Utils_ImgAvrgAdd)(const Img*, Img*, Img*, ImgAvrgState*) = IP_Utils_ImgAvrgAdd;
@@ -158,6 +160,12 @@ int32_t (*is_SGM_PeakCheckExtended)(const uint8_t*, uint32_t, uint32_t) = SGM_Pe
 int32_t (*is_SGM_PeakCheckExtended_neon)(const uint8_t*, uint32_t, uint32_t) = SGM_PeakCheckExtended_neon;
 void (*is_IP_SgmFull)(const uint32_t*, const uint32_t*, const uint16_t*, uint32_t, uint32_t, const SgmParams*,
                       uint16_t*, SgmDebugData*) = IP_SgmFull;
+size_t (*is_nadir_sgm_bytes)(uint32_t) = nadir_sgm_bytes;
+int32_t (*is_nadir_sgm_full)(const uint32_t*, const uint32_t*, const uint16_t*, uint32_t, uint32_t, const SgmParams*,
+                             uint16_t*, SgmDebugData*, void*, size_t) = nadir_sgm_full;
+size_t (*is_nadir_sgm_postproc_bytes)(uint16_t, uint16_t) = nadir_sgm_postproc_bytes;
+uint32_t (*is_nadir_sgm_postproc)(const uint16_t*, const uint8_t*, uint16_t*, uint16_t, uint16_t, void*,
+                                  size_t) = nadir_sgm_postproc;
 void (*is_IP_Sgm)(const uint32_t*, const uint32_t*, const uint16_t*, uint32_t, uint32_t, uint8_t*,
                   SgmDebugData*) = IP_Sgm;
 int32_t (*is_IP_SgmMakeDebugData)(uint32_t, uint32_t, uint32_t, SgmDebugData*) = IP_SgmMakeDebugData;
@@ -192,6 +200,14 @@ int32_t (*is_IP_RGE_Init)(void) = IP_RGE_Init;
 int32_t (*is_IP_RGE_Process)(const ImgC*, const RgeParams*) = IP_RGE_Process;
 int32_t (*is_IP_RGE_CreateLabelMap)(Img*) = IP_RGE_CreateLabelMap;
 int32_t (*is_IP_RGE_CreateRegionList)(RegionList*) = IP_RGE_CreateRegionList;
+size_t (*is_nadir_region_growing_bytes)(uint32_t, uint32_t) = nadir_region_growing_bytes;
+int32_t (*is_nadir_region_growing)(const Img*, const int32_t*, Img*, void*, size_t) = nadir_region_growing;
+size_t (*is_nadir_elevation_regions_bytes)(void) = nadir_elevation_regions_bytes;
+NadirElevationRegions* (*is_nadir_elevation_regions_init)(void*, size_t) = nadir_elevation_regions_init;
+int32_t (*is_nadir_elevation_regions_process)(NadirElevationRegions*, const ImgC*,
+                                              const RgeParams*) = nadir_elevation_regions_process;
+int32_t (*is_nadir_elevation_regions_label_map)(const NadirElevationRegions*, Img*) = nadir_elevation_regions_label_map;
+int32_t (*is_nadir_elevation_regions_list)(const NadirElevationRegions*, RegionList*) = nadir_elevation_regions_list;
 
 /* vector.h */
 uint32_t (*is_Vector_Init)(Vector*, uint32_t, void*, uint32_t) = Vector_Init;

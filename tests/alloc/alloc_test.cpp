@@ -493,6 +493,35 @@ TEST(MatchingMemory, IsAbout260BytesPerColumn) {
   EXPECT_LE(perColumn, 270u);
 }
 
+TEST(NotAllocating, WorkInMemoryOfTheCallers) {
+  std::vector<uint16_t> pixels(pixelCount, 300), result(pixelCount);
+  const std::vector<uint32_t> codes(pixelCount, 0x00555555);
+  const std::vector<uint8_t> mask(pixelCount, 0);
+  std::vector<uint8_t> memory(nadir_elevation_regions_bytes() + nadir_sgm_bytes(columnCount));
+  const auto list = std::make_unique<RegionList>();
+  const SgmParams params{searched, 10};
+  const int32_t growth[] = {0, 1};
+  Img src, dst;
+  ImgC map;
+  Img_Init(&src, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
+  Img_Init(&dst, columnCount, rowCount, IMG_TYPE_U16, result.data());
+  ImgC_Init(&map, columnCount, rowCount, IMG_TYPE_U16, pixels.data());
+  lab::heap::watch();
+  EXPECT_EQ(nadir_sgm_full(codes.data(), codes.data(), pixels.data(), columnCount, rowCount, &params, result.data(),
+                           nullptr, memory.data(), memory.size()),
+            1);
+  EXPECT_EQ(nadir_sgm_postproc(pixels.data(), mask.data(), result.data(), columnCount, rowCount, memory.data(),
+                               memory.size()),
+            1u);
+  EXPECT_EQ(nadir_pull_push(&src, &dst, memory.data(), memory.size()), 1);
+  EXPECT_EQ(nadir_region_growing(&src, growth, &dst, memory.data(), memory.size()), 1);
+  NadirElevationRegions* state = nadir_elevation_regions_init(memory.data(), memory.size());
+  EXPECT_EQ(nadir_elevation_regions_process(state, &map, nullptr), 1);
+  EXPECT_EQ(nadir_elevation_regions_label_map(state, &dst), 1);
+  EXPECT_EQ(nadir_elevation_regions_list(state, list.get()), 1);
+  EXPECT_EQ(lab::heap::allocations(), 0u);
+}
+
 TEST(NotAllocating, SinglePassMorphologyAndMedian) {
   std::vector<uint16_t> pixels(64, 3), result(64);
   Img src, dst;

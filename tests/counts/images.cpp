@@ -81,6 +81,9 @@ void callFilters() {
   for (int32_t op = MORPH_ERODE; op <= MORPH_CLEAN; ++op) done(IP_Morph3x3(in.b, in.out, op));
   done(IP_Gauss(in.b, in.out, 0));
   done(IP_PullPush(in.b, in.out));
+  const Img& holes = *static_cast<Img*>(in.b);
+  std::vector<uint8_t> memory(nadir_pull_push_bytes(holes.width, holes.height));
+  done(nadir_pull_push(in.b, in.out, memory.data(), memory.size()));
   lab::Picture<uint16_t> vga(640, 480, lab::Random(7).values<uint16_t>(640 * 480, 65536)), qvga(320, 240);
   done(IP_ScaleVga2Qvga(vga, qvga));
 }

@@ -58,6 +58,13 @@ void callGrowing() {
   done(IP_RGE_Process(&map, &whole));
   done(IP_RGE_CreateLabelMap(&labels.image));
   done(IP_RGE_CreateRegionList(list.get()));
+  std::vector<uint8_t> memory(nadir_region_growing_bytes(side, side));
+  done(nadir_region_growing(&elevation.image, params, &labels.image, memory.data(), memory.size()));
+  memory.resize(nadir_elevation_regions_bytes());
+  NadirElevationRegions* state = nadir_elevation_regions_init(memory.data(), memory.size());
+  done(nadir_elevation_regions_process(state, &map, &whole));
+  done(nadir_elevation_regions_label_map(state, &labels.image));
+  done(nadir_elevation_regions_list(state, list.get()));
 }
 
 void callVectors() {

@@ -70,6 +70,13 @@ void callMatcher(const Pair& pair) {
   IP_Sgm(pair.first.data(), pair.reference.data(), pair.pair.reference.data(), pair.width, pair.height,
          distinctness.data(), nullptr);
   done(IP_SgmPostproc(disparity.data(), pair.pair.mask.data(), cleaned.data(), pair.width, pair.height));
+  std::vector<uint8_t> memory(nadir_sgm_bytes(pair.width));
+  done(nadir_sgm_full(pair.first.data(), pair.reference.data(), pair.pair.reference.data(), pair.width, pair.height,
+                      &params, disparity.data(), nullptr, memory.data(), memory.size()));
+  const auto width = static_cast<uint16_t>(pair.width), height = static_cast<uint16_t>(pair.height);
+  memory.resize(nadir_sgm_postproc_bytes(width, height));
+  done(nadir_sgm_postproc(disparity.data(), pair.pair.mask.data(), cleaned.data(), width, height, memory.data(),
+                          memory.size()));
   SgmDebugData debug;
   done(IP_SgmMakeDebugData(pair.width, pair.height, disparityCount, &debug));
   IP_SgmFreeDebugData(&debug);

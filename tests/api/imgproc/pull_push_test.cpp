@@ -252,4 +252,39 @@ TEST(PullPush, RefusesANullDestination) {
   EXPECT_TRUE(refuses(src, [&] { return static_cast<uint32_t>(IP_PullPush(src, nullptr)); }));
 }
 
+// ---- in memory of the caller's ----
+
+TEST(PullPushInMemory, FillsAsTheAllocatingCallDoes) {
+  lab::Random random(5);
+  for (const Size size : sizes()) {
+    const Pixels pixels = holeyPixels(random, size.width, size.height);
+    const Image<uint16_t> src(size.width, size.height, pixels);
+    Image<uint16_t> dst = marked(size.width, size.height);
+    const size_t bytes = nadir_pull_push_bytes(static_cast<uint16_t>(size.width), static_cast<uint16_t>(size.height));
+    const Guarded<uint16_t> memory(Pixels(bytes / 2, 0xA7A7));
+    EXPECT_EQ(nadir_pull_push(src, dst, memory.data(), bytes), 1);
+    EXPECT_EQ(dst.pixels(), filled(size.width, size.height, pixels)) << size.width << " x " << size.height;
+  }
+}
+
+TEST(PullPushInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
+  const Image<uint16_t> src(20, 9, Pixels(180, 3));
+  Image<uint16_t> dst = marked(20, 9);
+  const size_t bytes = nadir_pull_push_bytes(20, 9);
+  Pixels memory(bytes / 2 + 1);
+  EXPECT_EQ(nadir_pull_push(src, dst, memory.data(), bytes - 1), 0);
+  EXPECT_EQ(nadir_pull_push(src, dst, reinterpret_cast<uint8_t*>(memory.data()) + 1, bytes), 0);
+  EXPECT_EQ(nadir_pull_push(src, dst, nullptr, bytes), 0);
+  EXPECT_EQ(dst.pixels(), marks<uint16_t>(180));
+}
+
+TEST(PullPushInMemory, SizesThatAreRefusedTakeNoMemory) {
+  EXPECT_EQ(nadir_pull_push_bytes(1, 9), 0u);
+  EXPECT_EQ(nadir_pull_push_bytes(9, 1), 0u);
+  EXPECT_EQ(nadir_pull_push_bytes(0, 9), 0u);
+  EXPECT_EQ(nadir_pull_push_bytes(9, 0), 0u);
+  EXPECT_EQ(nadir_pull_push_bytes(4096, 4096), 0u);
+  EXPECT_GT(nadir_pull_push_bytes(4095, 65535), 0u);
+}
+
 }  // namespace nadir::test

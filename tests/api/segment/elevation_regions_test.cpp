@@ -588,4 +588,97 @@ TEST_F(ElevationLimits, IsRightAgainAfterThem) {
   }
 }
 
+// ---- in a state of the caller's ----
+
+// A state that ends, or begins, at a guard page, in memory full of what was there before.
+class State {
+ public:
+  explicit State(Guard side = Guard::behind)
+      : memory_(std::vector<uint64_t>((nadir_elevation_regions_bytes() + 7) / 8, 0xA7A7A7A7A7A7A7A7), side),
+        state_(nadir_elevation_regions_init(memory_.data(), nadir_elevation_regions_bytes())) {
+    EXPECT_NE(state_, nullptr);
+  }
+  operator NadirElevationRegions*() const { return state_; }
+
+ private:
+  Guarded<uint64_t> memory_;
+  NadirElevationRegions* state_;
+};
+
+Words labelsIn(NadirElevationRegions* state, uint32_t width, uint32_t height) {
+  auto map = imageOf(Picture{width, height, marks<uint16_t>(size_t{width} * height)});
+  EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 1);
+  return map.pixels();
+}
+
+Picture steppedPicture(lab::Random& random, uint32_t width, uint32_t height) {
+  return {width, height, random.values<uint16_t>(size_t{width} * height, 12)};
+}
+
+TEST(ElevationRegionsState, FindsWhatTheSharedStateFinds) {
+  lab::Random random(11);
+  for (const Guard side : {Guard::behind, Guard::before}) {
+    const State state(side);
+    for (const uint32_t width : {1u, 20u, 128u}) {
+      const Picture picture = steppedPicture(random, width, 40);
+      const RgeParams params = wholeMap(2, 3);
+      const Processed shared(picture, params);
+      const auto elevation = imageOf(picture);
+      const ImgC image = elevation.readOnly();
+      EXPECT_EQ(nadir_elevation_regions_process(state, &image, &params), 1);
+      const Words labels = shared.labels();
+      EXPECT_EQ(labelsIn(state, width, 40), labels);
+      EXPECT_EQ(nadir_elevation_regions_list(state, &list()), 1);
+      EXPECT_EQ(list().count, *std::max_element(labels.begin(), labels.end()));
+    }
+  }
+}
+
+TEST(ElevationRegionsState, TwoStatesKnowNothingOfEachOther) {
+  lab::Random random(12);
+  const State one, other;
+  const Picture first = steppedPicture(random, 30, 20), second = steppedPicture(random, 30, 20);
+  const auto firstImage = imageOf(first), secondImage = imageOf(second);
+  const ImgC a = firstImage.readOnly(), b = secondImage.readOnly();
+  const RgeParams params = wholeMap(1, 2);
+  nadir_elevation_regions_process(one, &a, &params);
+  const Words alone = labelsIn(one, 30, 20);
+  nadir_elevation_regions_process(other, &b, &params);
+  EXPECT_NE(labelsIn(other, 30, 20), alone);
+  EXPECT_EQ(labelsIn(one, 30, 20), alone);
+}
+
+TEST(ElevationRegionsState, HoldsNothingBeforeAMapWasProcessed) {
+  const State state;
+  auto map = imageOf(Picture{4, 4, marks<uint16_t>(16)});
+  EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 0);
+  EXPECT_EQ(map.pixels(), marks<uint16_t>(16));
+  list().count = 7;
+  EXPECT_EQ(nadir_elevation_regions_list(state, &list()), 1);
+  EXPECT_EQ(list().count, 0u);
+}
+
+TEST(ElevationRegionsState, MemoryThatDoesNotServeGivesNoState) {
+  std::vector<uint64_t> memory(nadir_elevation_regions_bytes() / 8 + 2);
+  EXPECT_EQ(nadir_elevation_regions_init(nullptr, memory.size() * 8), nullptr);
+  EXPECT_EQ(nadir_elevation_regions_init(memory.data(), nadir_elevation_regions_bytes() - 1), nullptr);
+  EXPECT_EQ(
+      nadir_elevation_regions_init(reinterpret_cast<uint8_t*>(memory.data()) + 1, nadir_elevation_regions_bytes()),
+      nullptr);
+}
+
+TEST(ElevationRegionsState, NullPointersAreRefused) {
+  const State state;
+  const auto elevation = imageOf(constant<uint16_t>(4, 4, 9));
+  const ImgC image = elevation.readOnly();
+  auto map = imageOf(Picture{4, 4, marks<uint16_t>(16)});
+  EXPECT_EQ(nadir_elevation_regions_process(nullptr, &image, nullptr), 0);
+  EXPECT_EQ(nadir_elevation_regions_process(state, nullptr, nullptr), 0);
+  EXPECT_EQ(nadir_elevation_regions_process(state, &image, nullptr), 1);
+  EXPECT_EQ(nadir_elevation_regions_label_map(nullptr, map), 0);
+  EXPECT_EQ(nadir_elevation_regions_label_map(state, nullptr), 0);
+  EXPECT_EQ(nadir_elevation_regions_list(nullptr, &list()), 0);
+  EXPECT_EQ(nadir_elevation_regions_list(state, nullptr), 0);
+}
+
 }  // namespace nadir::test

@@ -237,4 +237,33 @@ TEST(RegionGrowingModel, AgreesOnAPathThroughALargeImage) {
 
 TEST(RegionGrowingModel, AgreesOnOneRegionThatFillsALargeImage) { expectModel(constant<uint16_t>(320, 240, 7), 0, 0); }
 
+// ---- in memory of the caller's ----
+
+TEST(RegionGrowingInMemory, GrowsAsTheAllocatingCallDoes) {
+  lab::Random random(7);
+  for (const uint32_t width : {1u, 13u, 40u}) {
+    const Picture picture{width, 9, random.values<uint16_t>(width * 9, 40)};
+    const auto src = imageOf(picture);
+    auto labels = imageOf(Picture{width, 9, marks<uint16_t>(width * 9)});
+    const int32_t params[] = {5, 4};
+    const size_t bytes = nadir_region_growing_bytes(width, 9);
+    const Guarded<uint32_t> memory(std::vector<uint32_t>(bytes / 4, 0xA7A7A7A7));
+    EXPECT_EQ(nadir_region_growing(src, params, labels, memory.data(), bytes), 1);
+    EXPECT_TRUE(same(labelsOf(picture, 5, 4), labels.pixels())) << width;
+  }
+}
+
+TEST(RegionGrowingInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
+  const auto src = imageOf(constant<uint16_t>(20, 9, 3));
+  auto labels = imageOf(Picture{20, 9, marks<uint16_t>(180)});
+  const int32_t params[] = {0, 1};
+  const size_t bytes = nadir_region_growing_bytes(20, 9);
+  std::vector<uint32_t> memory(bytes / 4 + 1);
+  EXPECT_EQ(nadir_region_growing(src, params, labels, memory.data(), bytes - 1), 0);
+  for (size_t offset = 1; offset < 4; ++offset)
+    EXPECT_EQ(nadir_region_growing(src, params, labels, reinterpret_cast<uint8_t*>(memory.data()) + offset, bytes), 0);
+  EXPECT_EQ(nadir_region_growing(src, params, labels, nullptr, bytes), 0);
+  EXPECT_EQ(labels.pixels(), marks<uint16_t>(180));
+}
+
 }  // namespace nadir::test

@@ -185,5 +185,39 @@ TEST(SgmPostproc, EqualsTheModelForEveryHeight) {
   for (uint32_t height = 2; height <= 12; ++height) expectModel(23, height);
 }
 
+// ---- in memory of the caller's ----
+
+Cleaned postprocInMemory(const Input& in, uint16_t width, uint16_t height, void* memory, size_t bytes) {
+  Words result(in.disparity.size(), garbage);
+  const uint32_t status =
+      nadir_sgm_postproc(in.disparity.data(), in.mask.data(), result.data(), width, height, memory, bytes);
+  return {status, result};
+}
+
+TEST(SgmPostprocInMemory, CleansAsTheAllocatingCallDoes) {
+  for (const uint16_t width : {uint16_t{4}, uint16_t{17}, uint16_t{33}}) {
+    const Input in = randomInput(width, 11);
+    const size_t bytes = nadir_sgm_postproc_bytes(width, 11);
+    for (const Guard side : {Guard::behind, Guard::before}) {
+      const Guarded<uint16_t> memory(Words(bytes / 2, garbage), side);
+      const Cleaned got = postprocInMemory(in, width, 11, memory.data(), bytes);
+      EXPECT_EQ(got.status, 1u);
+      EXPECT_TRUE(same(postproc(in.disparity, in.mask, width, 11).result, got.result)) << width;
+    }
+  }
+}
+
+TEST(SgmPostprocInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
+  const Input in = randomInput(20, 9);
+  const size_t bytes = nadir_sgm_postproc_bytes(20, 9);
+  Words memory(bytes / 2 + 1);
+  uint8_t* const odd = reinterpret_cast<uint8_t*>(memory.data()) + 1;
+  for (const Cleaned& got : {postprocInMemory(in, 20, 9, memory.data(), bytes - 1),
+                             postprocInMemory(in, 20, 9, odd, bytes), postprocInMemory(in, 20, 9, nullptr, bytes)}) {
+    EXPECT_EQ(got.status, 0u);
+    EXPECT_EQ(got.result, Words(in.disparity.size(), garbage));
+  }
+}
+
 }  // namespace
 }  // namespace nadir::test

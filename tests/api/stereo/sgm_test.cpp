@@ -570,5 +570,74 @@ TEST(SgmRefused, NumbersOfDisparitiesOtherThan64GiveNone) {
   }
 }
 
+// ---- in memory of the caller's ----
+
+struct Given {
+  int32_t status;
+  Words disparity;
+};
+
+// The memory ends, or begins, at a guard page, full of what a frame before might have left.
+Given fullInMemory(const Pair& pair, size_t bytes, Guard side = Guard::behind, uint32_t numDisparities = searched) {
+  const Guarded<uint8_t> memory(Bytes(bytes, garbage), side);
+  Words out(pair.pixels(), garbageWord);
+  const SgmParams params{numDisparities, 10};
+  const int32_t status = nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), pair.width, pair.height,
+                                        &params, out.data(), nullptr, memory.data(), bytes);
+  return {status, out};
+}
+
+TEST(SgmFullInMemory, FindsWhatTheAllocatingCallFinds) {
+  for (const uint32_t width : {5u, 6u, 31u, 64u, 97u}) {
+    const Pair pair = groundPair(width, 12, width);
+    for (const Guard side : {Guard::behind, Guard::before}) {
+      const Given got = fullInMemory(pair, nadir_sgm_bytes(width), side);
+      EXPECT_EQ(got.status, 1);
+      EXPECT_TRUE(same(full(pair, 10), got.disparity)) << width;
+    }
+  }
+}
+
+TEST(SgmFullInMemory, AddressesOfAnyKindServe) {
+  const Pair pair = groundPair(40, 9, 3);
+  const SgmParams params{searched, 10};
+  for (size_t offset = 0; offset < 64; ++offset) {
+    const Guarded<uint8_t> memory(Bytes(nadir_sgm_bytes(40) + offset, garbage));
+    Words out(pair.pixels(), garbageWord);
+    nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 9, &params, out.data(), nullptr,
+                   memory.data() + offset, nadir_sgm_bytes(40));
+    EXPECT_TRUE(same(full(pair, 10), out)) << offset;
+  }
+}
+
+TEST(SgmFullInMemory, TooLittleMemoryIsRefusedWithNothingWritten) {
+  const Pair pair = groundPair(40, 9, 3);
+  for (const size_t bytes : {size_t{0}, size_t{1}, nadir_sgm_bytes(40) - 1}) {
+    const Given got = fullInMemory(pair, bytes);
+    EXPECT_EQ(got.status, 0) << bytes;
+    EXPECT_EQ(got.disparity, Words(pair.pixels(), garbageWord)) << bytes;
+  }
+}
+
+TEST(SgmFullInMemory, NoMemoryIsRefusedWithNothingWritten) {
+  const Pair pair = groundPair(40, 9, 3);
+  Words out(pair.pixels(), garbageWord);
+  const SgmParams params{searched, 10};
+  EXPECT_EQ(nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 9, &params, out.data(), nullptr,
+                           nullptr, nadir_sgm_bytes(40)),
+            0);
+  EXPECT_EQ(out, Words(pair.pixels(), garbageWord));
+}
+
+TEST(SgmFullInMemory, OtherNumbersOfDisparitiesAndNarrowPicturesAreRefused) {
+  const Pair pair = groundPair(40, 9, 3), narrow = groundPair(4, 9, 3);
+  for (const uint32_t number : {0u, 63u, 65u, 128u}) {
+    const Given got = fullInMemory(pair, nadir_sgm_bytes(40), Guard::behind, number);
+    EXPECT_EQ(got.status, 0) << number;
+    EXPECT_EQ(got.disparity, Words(pair.pixels(), garbageWord)) << number;
+  }
+  EXPECT_EQ(fullInMemory(narrow, nadir_sgm_bytes(40)).status, 0);
+}
+
 }  // namespace
 }  // namespace nadir::test
