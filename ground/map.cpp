@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numeric>
 
+#include "ground/records/percentile.hpp"
+
 namespace nadir::ground {
 
 namespace {
@@ -43,13 +45,6 @@ ByCell byCell(const Samples& samples, size_t cells) {
   return sorted;
 }
 
-// The place of the smallest value that `percentile` percent of the values do not exceed. A whole number may come out a
-// little too large, which must not reach for the next value.
-size_t rank(size_t count, double percentile) {
-  const auto place = static_cast<size_t>(std::ceil(percentile / 100 * static_cast<double>(count) - 1e-9));
-  return std::clamp<size_t>(place, 1, count) - 1;
-}
-
 }  // namespace
 
 MapFrame mapFrame(const StereoCtx& context, const Camera& camera) {
@@ -86,7 +81,7 @@ ElevationMap elevationMap(const std::vector<WorldPoint>& points, const MapFrame&
     const auto end = sorted.heights.begin() + static_cast<std::ptrdiff_t>(sorted.ends[cell]);
     const auto count = static_cast<size_t>(end - begin);
     if (count > 0 && count >= rule.minPoints) {
-      const auto wanted = begin + static_cast<std::ptrdiff_t>(rank(count, rule.percentile));
+      const auto wanted = begin + static_cast<std::ptrdiff_t>(percentileRank(count, rule.percentile));
       std::nth_element(begin, wanted, end);
       map.heights.pixels[cell] = *wanted;
     }

@@ -30,7 +30,7 @@ ROOMS = {
     # the road from a pair of pictures to what stands on the ground
     "ground": "include/nadir",
     # the program
-    "tools/base": "include/nadir lab",
+    "tools/base": "include/nadir lab ground",
     "tools/files": "include/nadir lab tools/base",
     "tools/pictures": "include/nadir lab ground tools/base tools/files",
     "tools/draw": "include/nadir lab tools/base tools/files tools/pictures",

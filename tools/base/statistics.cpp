@@ -2,7 +2,6 @@
 #include "tools/base/statistics.hpp"
 
 #include <algorithm>
-#include <cmath>
 
 namespace nadir::tool {
 
@@ -12,13 +11,6 @@ double shareOf(size_t part, size_t whole, double ofNothing) {
 
 double percentOf(size_t part, size_t whole) {
   return whole == 0 ? noNumber : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
-}
-
-// A decimal fraction of a percent is not exact in binary: 90.1 % of 1000 may come out a little above 901, and must not
-// become 902.
-size_t percentileRank(size_t count, double percent) {
-  const double reached = std::ceil(percent * static_cast<double>(count) / 100 - 1e-9);
-  return std::clamp<size_t>(static_cast<size_t>(reached), 1, count) - 1;
 }
 
 double percentileOf(std::vector<double> values, double percent) {

@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "ground/records/percentile.hpp"
+
 namespace nadir::tool {
 
 constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
@@ -15,11 +17,10 @@ double shareOf(size_t part, size_t whole, double ofNothing = noNumber);
 // 100 * part / whole, rounded once; NaN where the whole is 0.
 double percentOf(size_t part, size_t whole);
 
-// Among `count` values that are sorted upwards, the place of the smallest one that `percent` percent of them do not
-// exceed. There must be a value, and `percent` lies above 0 and up to 100.
-size_t percentileRank(size_t count, double percent);
+using ground::percentileRank;
 
-// The value at that rank, NaN where there are no values.
+// The smallest value that `percent` percent of them do not exceed, above 0 and up to 100; NaN where there are no
+// values.
 double percentileOf(std::vector<double> values, double percent);
 
 // The middle value, or the mean of the two middle ones where their number is even; NaN where there are no values.
