@@ -3,8 +3,10 @@
 #define NADIR_API_H
 
 #define NADIR_VERSION_MAJOR 0
-#define NADIR_VERSION_MINOR 1
+#define NADIR_VERSION_MINOR 2
 #define NADIR_VERSION_PATCH 0
+/* Empty in a release, "-dev" in what comes before it. */
+#define NADIR_VERSION_STAGE "-dev"
 
 #if defined(__GNUC__)
 #define NADIR_API __attribute__((visibility("default")))
@@ -16,7 +18,8 @@
 extern "C" {
 #endif
 
-/* The version of the library that is loaded, as "major.minor.patch"; static storage. */
+/* The version of the library that is loaded, as "major.minor.patch" with the stage behind it ("0.2.0-dev" comes before
+ * "0.2.0"); static storage. */
 NADIR_API const char* nadir_version(void);
 
 /* The instruction set whose kernels run on this processor: "scalar", "neon", "sse4.1", "avx2" or "avx512"; static
