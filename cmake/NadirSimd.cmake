@@ -24,3 +24,27 @@ set(NADIR_FLAGS_avx2 -mavx2)
 # gcc 12 warns of the undefined operands inside its own AVX-512 intrinsics.
 set(NADIR_FLAGS_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mavx512bitalg -mprefer-vector-width=512
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+
+# Gives each source of the list its level's flags, and takes those of levels that this target lacks out of the list. To
+# be called where the target is made: flags of a source hold for one folder.
+function(nadir_sources_of_levels list)
+  set(sources ${${list}})
+  foreach(level IN ITEMS neon sse41 avx2 avx512)
+    set(of_level ${sources})
+    list(FILTER of_level INCLUDE REGEX "_${level}\\.cpp$")
+    if(NOT level IN_LIST NADIR_SIMD_LEVELS)
+      list(FILTER sources EXCLUDE REGEX "_${level}\\.cpp$")
+    elseif(of_level)
+      set_source_files_properties(${of_level} PROPERTIES COMPILE_OPTIONS "${NADIR_FLAGS_${level}}")
+    endif()
+  endforeach()
+  set(${list} ${sources} PARENT_SCOPE)
+endfunction()
+
+# Tells the target's sources which levels there are.
+function(nadir_define_levels target scope)
+  foreach(level IN LISTS NADIR_SIMD_LEVELS)
+    string(TOUPPER ${level} upper)
+    target_compile_definitions(${target} ${scope} NADIR_WITH_${upper})
+  endforeach()
+endfunction()
