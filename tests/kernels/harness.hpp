@@ -98,6 +98,11 @@ class Check {
     if (!got.marginIsUntouched()) fail(std::string(what) + ": wrote outside the output");
   }
 
+  void holds(const char* what, bool condition) {
+    ++comparisons_;
+    if (!condition) fail(what);
+  }
+
   bool failed() const { return !message_.empty(); }
   const std::string& message() const { return message_; }
   const std::string& inputs() const { return inputs_; }
@@ -140,9 +145,13 @@ class Case {
   virtual ~Case() = default;
   virtual const char* name() const = 0;
   virtual AnyKernel kernel(unsigned cpu) const = 0;                // the one that this level would use
-  virtual void check(Check& results, AnyKernel tested) const = 0;  // against the scalar one
+  virtual bool hasModel() const = 0;                               // then the scalar kernel is checked too
+  virtual void check(Check& results, AnyKernel tested) const = 0;  // against the scalar one, or against a model
   virtual void bench(AnyKernel tested) const = 0;                  // runs it once on a large input
 };
+
+// What a case compares its kernels with.
+enum class Law { scalar, model };
 
 // A case from three plain functions over the kernel's own type.
 template <class Kernel>
@@ -152,11 +161,12 @@ class CaseOf final : public Case {
   using CheckKernel = void (*)(Check& check, Kernel scalar, Kernel tested);
   using BenchKernel = void (*)(Kernel tested);
 
-  CaseOf(const char* name, Pick pick, CheckKernel checkKernel, BenchKernel benchKernel)
-      : name_(name), pick_(pick), check_(checkKernel), bench_(benchKernel) {}
+  CaseOf(const char* name, Law law, Pick pick, CheckKernel checkKernel, BenchKernel benchKernel)
+      : name_(name), law_(law), pick_(pick), check_(checkKernel), bench_(benchKernel) {}
 
   const char* name() const override { return name_; }
   AnyKernel kernel(unsigned cpu) const override { return reinterpret_cast<AnyKernel>(pick_(cpu)); }
+  bool hasModel() const override { return law_ == Law::model; }
   void check(Check& results, AnyKernel tested) const override {
     check_(results, pick_(0), reinterpret_cast<Kernel>(tested));
   }
@@ -164,6 +174,7 @@ class CaseOf final : public Case {
 
  private:
   const char* name_;
+  Law law_;
   Pick pick_;
   CheckKernel check_;
   BenchKernel bench_;
@@ -173,8 +184,8 @@ using Registry = std::vector<std::unique_ptr<Case>>;
 
 template <class Kernel>
 void add(Registry& registry, const char* name, Kernel (*pick)(unsigned), void (*check)(Check&, Kernel, Kernel),
-         void (*bench)(Kernel)) {
-  registry.push_back(std::make_unique<CaseOf<Kernel>>(name, pick, check, bench));
+         void (*bench)(Kernel), Law law = Law::scalar) {
+  registry.push_back(std::make_unique<CaseOf<Kernel>>(name, law, pick, check, bench));
 }
 
 // One function per family.
@@ -184,5 +195,6 @@ void addSmoothCases(Registry& registry);
 void addStereoRowCases(Registry& registry);
 void addSelectionCases(Registry& registry);
 void addWalkCases(Registry& registry);
+void addRoadCases(Registry& registry);
 
 }  // namespace nadir::test

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <set>
 
+#include "ground/kernels/kernels.hpp"
 #include "imgproc/filter3x3_kernels.hpp"
 #include "imgproc/point_kernels.hpp"
 #include "imgproc/smooth_kernels.hpp"
@@ -122,7 +123,8 @@ std::vector<Family> families() {
   return {{"Filter3x3Kernels", sizeof(Filter3x3Kernels) / field, {addFilter3x3Cases}},
           {"PointKernels", sizeof(PointKernels) / field, {addPointCases}},
           {"SmoothKernels", sizeof(SmoothKernels) / field, {addSmoothCases}},
-          {"StereoKernels", sizeof(StereoKernels) / field - 1, {addStereoRowCases, addSelectionCases, addWalkCases}}};
+          {"StereoKernels", sizeof(StereoKernels) / field - 1, {addStereoRowCases, addSelectionCases, addWalkCases}},
+          {"RoadKernels", sizeof(ground::RoadKernels) / field, {addRoadCases}}};
 }
 
 Registry casesOf(const Family& family) {
@@ -172,10 +174,11 @@ int checkAll(const Registry& cases, uint64_t seed) {
   catchCrashes();
   for (const auto& c : cases) {
     for (const Variant& variant : variants(*c)) {
-      if (variant.level != cpuScalar) ++(checkOne(*c, variant, seed) ? passed : failed);
+      if (variant.level != cpuScalar || c->hasModel()) ++(checkOne(*c, variant, seed) ? passed : failed);
     }
   }
-  if (cpu() == cpuScalar) std::printf("this processor has scalar kernels only: nothing to compare\n");
+  if (cpu() == cpuScalar)
+    std::printf("this processor has scalar kernels only: those without a model are not checked\n");
   std::printf("%u passed, %u failed\n", passed, failed);
   return failed || (passed == 0 && cpu() != cpuScalar) ? 1 : 0;
 }
@@ -190,7 +193,8 @@ int run(const Options& options) {
 }
 
 constexpr const char* help =
-    "Checks every vector kernel of this processor against the scalar one.\n"
+    "Checks every vector kernel of this processor against the scalar one, and those with a model, the scalar one too,\n"
+    "against that.\n"
     "  --bench      time them instead: speed as a multiple of the scalar kernel's, all in one run\n"
     "  --list       print which kernel has which levels, as a table for the README\n"
     "  --seed N     random inputs from this seed (default 1)\n"

@@ -28,7 +28,8 @@ ROOMS = {
     "lab/scene": "include/nadir lab",
     "lab/verify": "include/nadir lab lab/scene",
     # the road from a pair of pictures to what stands on the ground
-    "ground": "include/nadir",
+    "ground/kernels": "include/nadir src/core src/simd",
+    "ground": "include/nadir ground/kernels",
     # the program
     "tools/base": "include/nadir lab ground",
     "tools/files": "include/nadir lab tools/base",
@@ -59,7 +60,7 @@ ROOMS = {
     "tests/golden": "include/nadir lab tests/support",
     "tests/counts": "include/nadir lab tests/support",
     "tests/lab": "include/nadir lab lab/scene lab/verify",
-    "tests/kernels": "include/nadir lab src/core src/simd src/imgproc src/stereo tests/support",
+    "tests/kernels": "include/nadir lab src/core src/simd src/imgproc src/stereo ground/kernels tests/support",
     "tests/fuzz": "include/nadir lab src/simd tests/models tests/support",
     "tests/abi": "include/nadir",
     "tests/install": "",

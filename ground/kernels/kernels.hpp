@@ -1,0 +1,94 @@
+// This states what the row kernels of the road do, and declares the table that holds one instruction set's.
+//
+// Kernels check nothing. Each reads and writes exactly what is stated here, for any n including 0, at any alignment of
+// the elements' own. Every level gives the same bits.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir::ground {
+
+// Pixels of a caller's picture, whose rows may begin at any address, even an odd one for 16 bits: strides are bytes.
+// Writes n pixels as the matcher takes them. 8-bit pixels are multiplied by 16, and their 0, which is black, becomes 1:
+// in 16 bits 0 means that there is no data. Source and destination must not overlap.
+using PictureRow = void (*)(const void* src, uint16_t* dst, size_t n);
+using MaskRow = void (*)(const uint8_t* src, uint8_t* dst, size_t n);
+
+// Disparities in pixels, the shift added; 0 where there is none: where `stored`, in 1/16 pixel, is 0, or `given`, in
+// pixels, is not a number.
+using PixelsOfStored = void (*)(const uint16_t* stored, float shift, float* disparity, size_t n);
+using PixelsOfGiven = void (*)(const float* given, float shift, float* disparity, size_t n);
+
+// How disparities become places on the map.
+struct Placing {
+  const float* rayX;                  // (column - principal x) / focal length, of each of the row's pixels
+  float focalTimesBaseline;           // pixels * mm
+  float rotation[9], translation[3];  // ExtCalib's
+  float left, top;                    // world x and y of the map's corner, mm
+  float cellX, cellY;                 // sides of a cell, mm
+  uint32_t mapWidth, mapHeight;       // each 1 to 65535, and fewer than 2^32 - 1 cells in all
+  float groundZ;                      // world z of the ground, mm
+};
+
+constexpr uint32_t noCell = UINT32_MAX;
+
+// What ip_disp2world does with the least of disparities: there is no point up to here.
+constexpr float leastDisparity = 1.1920929e-7f;
+
+// Where n points of a row lie: cells receives the cell, row * mapWidth + column, that each lies over, or noCell where
+// there is no point or it lies beside the map. heights receives the heights above the ground, rounded to whole mm from
+// 1 to 65535; where there is no cell, they mean nothing, but are the same at every level.
+//
+// The bits are those of ip_stereo_disp2world and ip_world2elev, point by point.
+//
+// disparity  pixels; not a number and infinity have their ways through the arithmetic like all others.
+// rayY       (row - principal y) / focal length.
+using PlaceRow = void (*)(const float* disparity, size_t n, float rayY, const Placing& placing, uint32_t* cells,
+                          uint16_t* heights);
+
+// The value at place `rank`, counted from 0, of the values in their order. The values stay where they are.
+//
+// count  1 to 2^25
+// rank   less than count
+using RankedValue = uint16_t (*)(const uint16_t* values, size_t count, size_t rank);
+
+// How disparities agree with the ones that the ground would have.
+struct GroundTally {
+  uint32_t known = 0;  // pixels with a disparity, where the ground would have one
+  uint32_t on = 0;     // those of them no further from the ground's disparity than the tolerance
+  uint32_t below = 0;  // those further below it
+  int64_t sum = 0;     // of the differences to the ground's disparities of those that are `on`, 1/4096 pixel
+};
+
+// Adds n pixels to the tally. Pixels without a disparity (0) are passed over, as are those where the ground's is 0 or
+// less, beyond the horizon. Each difference is rounded down to 1/4096 pixel before it is added.
+//
+// stored     1/16 pixel, less than 4096: with 16 fractional bits they and their differences fit 32 bits
+// n          up to 65536
+// expected   the ground's disparity at the first pixel, 1/16 pixel with 16 fractional bits
+// step       what the next pixel's is larger by; the last pixel's must fit int32_t too
+// tolerance  0 or more, in the same unit
+using TallyRow = void (*)(const uint16_t* stored, size_t n, int32_t expected, int32_t step, int32_t tolerance,
+                          GroundTally& tally);
+
+struct RoadKernels {
+  PictureRow take16, take8;
+  PictureRow mirror16, mirror8;  // the same, the last pixel first
+  MaskRow mirrorMask;            // bytes, the last first
+  PixelsOfStored pixelsOf;
+  PixelsOfGiven pixelsGiven;
+  PlaceRow place;
+  RankedValue ranked;
+  TallyRow tally;
+};
+
+// The fastest kernels among the levels `cpu` (a set of Cpu bits).
+const RoadKernels& roadKernels(unsigned cpu);
+
+// Those of the level at which libnadir runs.
+const RoadKernels& roadKernels();
+
+extern const RoadKernels roadScalar, roadSse41, roadAvx2;
+
+}  // namespace nadir::ground

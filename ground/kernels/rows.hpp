@@ -1,0 +1,185 @@
+// The road's rows as plain loops that the compiler turns into vectors of whatever it compiles for. Each instruction set
+// includes this file once and names itself by a type of its own, so that the linker never takes one set's code for
+// another's.
+#pragma once
+
+#include <cstring>
+
+#include "core/pixels.hpp"
+#include "ground/kernels/kernels.hpp"
+
+namespace nadir::ground {
+
+template <class Target>
+struct RoadRows {
+  // ---- pictures ----
+
+  static uint16_t wordAt(const void* words, size_t i) {
+    uint16_t word;
+    std::memcpy(&word, static_cast<const uint8_t*>(words) + i * sizeof word, sizeof word);
+    return word;
+  }
+
+  static uint16_t widened(uint8_t pixel) { return pixel == 0 ? uint16_t{1} : static_cast<uint16_t>(pixel * 16); }
+
+  static void take16(const void* src, uint16_t* dst, size_t n) {
+    forEachPixel(n, [=](size_t i) { dst[i] = wordAt(src, i); });
+  }
+
+  static void take8(const void* src, uint16_t* dst, size_t n) {
+    const auto* pixels = static_cast<const uint8_t*>(src);
+    forEachPixel(n, [=](size_t i) { dst[i] = widened(pixels[i]); });
+  }
+
+  static void mirror16(const void* src, uint16_t* dst, size_t n) {
+    forEachPixel(n, [=](size_t i) { dst[i] = wordAt(src, n - 1 - i); });
+  }
+
+  static void mirror8(const void* src, uint16_t* dst, size_t n) {
+    const auto* pixels = static_cast<const uint8_t*>(src);
+    forEachPixel(n, [=](size_t i) { dst[i] = widened(pixels[n - 1 - i]); });
+  }
+
+  static void mirrorMask(const uint8_t* src, uint8_t* dst, size_t n) {
+    forEachPixel(n, [=](size_t i) { dst[i] = src[n - 1 - i]; });
+  }
+
+  // ---- disparities ----
+
+  static void pixelsOf(const uint16_t* stored, float shift, float* disparity, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const float pixels = static_cast<float>(stored[i]) * (1.0f / 16) + shift;
+      disparity[i] = stored[i] != 0 ? pixels : 0.0f;
+    });
+  }
+
+  static void pixelsGiven(const float* given, float shift, float* disparity, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const float pixels = given[i];
+      disparity[i] = pixels == pixels ? pixels + shift : 0.0f;
+    });
+  }
+
+  // ---- places on the map ----
+
+  // This is one row of the rotation, in the order of sums that the library promises.
+  static float dot(const float* m, float x, float y, float z) { return (m[1] * y + m[0] * x) + m[2] * z; }
+
+  // Clamping comes first, so that floats are enough. A float h from 1 to 65535 has steps of 2^-8 at most, so h + 1/2 is
+  // exact, but where it passes a power of two and loses half a step there. A whole number above it is then further off
+  // than that, since the sum lies less than 1/2 above the power of two: it is not reached, and cutting gives
+  // floor(h + 1/2) of the real number. What is no number counts as the lowest.
+  static uint16_t storedHeight(float mm) {
+    const float atLeast = mm > 1.0f ? mm : 1.0f;
+    const float inRange = atLeast < 65535.0f ? atLeast : 65535.0f;
+    return static_cast<uint16_t>(static_cast<int32_t>(inRange + 0.5f));
+  }
+
+  // Comparisons are joined by & and what is converted lies in range, so that nothing has to be branched around.
+  static void place(const float* disparity, size_t n, float rayY, const Placing& placing, uint32_t* cells,
+                    uint16_t* heights) {
+    const Placing p = placing;
+    const float width = static_cast<float>(p.mapWidth), height = static_cast<float>(p.mapHeight);
+    forEachPixel(n, [=](size_t i) {
+      const float d = disparity[i], depth = p.focalTimesBaseline / d;
+      const float x = p.rayX[i] * depth - p.translation[0];
+      const float y = rayY * depth - p.translation[1];
+      const float z = depth - p.translation[2];
+      const float column = (dot(p.rotation, x, y, z) - p.left) / p.cellX;
+      const float row = (dot(p.rotation + 3, x, y, z) - p.top) / p.cellY;
+      const bool inside = (d > leastDisparity) & (column >= 0.0f) & (row >= 0.0f) & (column < width) & (row < height);
+      const auto wholeColumn = static_cast<uint32_t>(static_cast<int32_t>(inside ? column : 0.0f));
+      const auto wholeRow = static_cast<uint32_t>(static_cast<int32_t>(inside ? row : 0.0f));
+      cells[i] = inside ? wholeRow * p.mapWidth + wholeColumn : noCell;
+      heights[i] = storedHeight(p.groundZ - dot(p.rotation + 6, x, y, z));
+    });
+  }
+
+  // ---- the value at a rank ----
+
+  struct Range {
+    uint16_t least, most;
+  };
+
+  static Range rangeOf(const uint16_t* values, size_t count) {
+    Range range = {values[0], values[0]};
+    for (size_t i = 0; i < count; ++i) {
+      range.least = values[i] < range.least ? values[i] : range.least;
+      range.most = values[i] > range.most ? values[i] : range.most;
+    }
+    return range;
+  }
+
+  // Counters have 16 bits like the values; a block is too short for them to overflow.
+  static size_t countUpTo(uint16_t limit, const uint16_t* values, size_t count) {
+    constexpr size_t block = 32768;
+    size_t all = 0;
+    for (size_t done = 0; done < count; done += block) {
+      const size_t end = count - done < block ? count : done + block;
+      uint16_t ofBlock = 0;
+      for (size_t i = done; i < end; ++i) ofBlock = static_cast<uint16_t>(ofBlock + (values[i] <= limit));
+      all += ofBlock;
+    }
+    return all;
+  }
+
+  static uint16_t ranked(const uint16_t* values, size_t count, size_t rank) {
+    Range range = rangeOf(values, count);
+    if (rank == 0) return range.least;
+    if (rank == count - 1) return range.most;
+    while (range.least < range.most) {
+      const auto middle = static_cast<uint16_t>((range.least + range.most) / 2);
+      if (countUpTo(middle, values, count) > rank) {
+        range.most = middle;
+      } else {
+        range.least = static_cast<uint16_t>(middle + 1);
+      }
+    }
+    return range.least;
+  }
+
+  // ---- the ground ----
+
+  // The sum of up to 65536 differences does not fit 32 bits, but that of their upper bits does, and so does that of
+  // their lower 16. Products wrap where nothing is read from them.
+  static void tally(const uint16_t* stored, size_t n, int32_t expected, int32_t step, int32_t tolerance,
+                    GroundTally& tally) {
+    const auto first = static_cast<uint32_t>(expected), next = static_cast<uint32_t>(step);
+    uint32_t known = 0, on = 0, below = 0, lower = 0;
+    int32_t upper = 0;
+    for (uint32_t i = 0; i < static_cast<uint32_t>(n); ++i) {
+      const auto ground = static_cast<int32_t>(first + i * next);
+      const int32_t isKnown = (stored[i] != 0) & (ground > 0);
+      const auto difference = static_cast<int32_t>((uint32_t{stored[i]} << 16) - static_cast<uint32_t>(ground));
+      const int32_t isBelow = isKnown & (difference < -tolerance);
+      const int32_t isOn = isKnown & (difference >= -tolerance) & (difference <= tolerance);
+      const int32_t added = isOn ? difference >> 8 : 0;
+      known += static_cast<uint32_t>(isKnown);
+      on += static_cast<uint32_t>(isOn);
+      below += static_cast<uint32_t>(isBelow);
+      lower += static_cast<uint32_t>(added) & 0xFFFF;
+      upper += added >> 16;
+    }
+    tally.known += known;
+    tally.on += on;
+    tally.below += below;
+    tally.sum += int64_t{upper} * 65536 + lower;
+  }
+
+  static constexpr RoadKernels table() {
+    RoadKernels kernels = {};
+    kernels.take16 = take16;
+    kernels.take8 = take8;
+    kernels.mirror16 = mirror16;
+    kernels.mirror8 = mirror8;
+    kernels.mirrorMask = mirrorMask;
+    kernels.pixelsOf = pixelsOf;
+    kernels.pixelsGiven = pixelsGiven;
+    kernels.place = place;
+    kernels.ranked = ranked;
+    kernels.tally = tally;
+    return kernels;
+  }
+};
+
+}  // namespace nadir::ground

@@ -1,0 +1,413 @@
+// The cases of the road's kernels, each against a model that says the same pixel by pixel.
+#include <nadir/camera.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "ground/kernels/kernels.hpp"
+#include "tests/kernels/harness.hpp"
+
+namespace nadir::test {
+namespace {
+
+using ground::GroundTally;
+using ground::leastDisparity;
+using ground::MaskRow;
+using ground::noCell;
+using ground::PictureRow;
+using ground::PixelsOfGiven;
+using ground::PixelsOfStored;
+using ground::PlaceRow;
+using ground::Placing;
+using ground::RankedValue;
+using ground::roadKernels;
+using ground::TallyRow;
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr size_t benchWidth = 640, benchHeight = 480;
+
+// ---- pictures ----
+
+uint16_t wide(uint16_t pixel) { return pixel; }
+uint16_t wide(uint8_t pixel) { return pixel == 0 ? uint16_t{1} : static_cast<uint16_t>(16 * pixel); }
+
+// Rows at odd addresses too: those that begin one byte behind the guard page.
+template <class T, bool mirrored>
+void checkPicture(Check& check, PictureRow, PictureRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const std::vector<T> pixels = filled<T>(check.random, fill, n, 0, std::numeric_limits<T>::max());
+    const size_t gap = side == Guard::before ? 1 : 0;
+    const Guarded<uint8_t> src(n * sizeof(T) + gap, side);
+    if (n) std::memcpy(src.data() + gap, pixels.data(), n * sizeof(T));
+    Output<uint16_t> want(n, side), got(n, side);
+    for (size_t i = 0; i < n; ++i) want.data()[i] = wide(pixels[mirrored ? n - 1 - i : i]);
+    tested(src.data() + gap, got.data(), n);
+    check.equal("pixel", want, got);
+  });
+}
+
+void checkMirrorMask(Check& check, MaskRow, MaskRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint8_t> src(filled<uint8_t>(check.random, fill, n, 0, 255), side);
+    Output<uint8_t> want(n, side), got(n, side);
+    std::reverse_copy(src.begin(), src.end(), want.data());
+    tested(src.data(), got.data(), n);
+    check.equal("pixel", want, got);
+  });
+}
+
+// ---- disparities ----
+
+constexpr float shifts[] = {0.0f, 13.37f, -21.5f};
+
+void checkPixelsOf(Check& check, PixelsOfStored, PixelsOfStored tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint16_t> stored(filled<uint16_t>(check.random, fill, n, 0, 65535), side);
+    for (const float shift : shifts) {
+      Output<float> want(n, side), got(n, side);
+      for (size_t i = 0; i < n; ++i) want.data()[i] = stored[i] ? static_cast<float>(stored[i]) / 16.0f + shift : 0.0f;
+      tested(stored.data(), shift, got.data(), n);
+      check.equal("disparity", want, got);
+    }
+  });
+}
+
+// Disparities as they come, with the ones at which the arithmetic ends.
+float anyDisparity(lab::Random& random) {
+  static constexpr float special[] = {0.0f,
+                                      -0.0f,
+                                      leastDisparity,
+                                      1.1920930e-7f,
+                                      -3.0f,
+                                      1e-30f,
+                                      1e30f,
+                                      notANumber,
+                                      std::numeric_limits<float>::infinity(),
+                                      -std::numeric_limits<float>::infinity(),
+                                      std::numeric_limits<float>::denorm_min()};
+  if (random.below(8) == 0) return special[random.below(sizeof special / sizeof *special)];
+  return static_cast<float>(random.below(64 * 16)) / 16.0f;
+}
+
+std::vector<float> anyDisparities(lab::Random& random, size_t n) {
+  std::vector<float> row(n);
+  for (float& d : row) d = anyDisparity(random);
+  return row;
+}
+
+void checkPixelsGiven(Check& check, PixelsOfGiven, PixelsOfGiven tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
+    const Guarded<float> given(anyDisparities(check.random, n), side);
+    for (const float shift : shifts) {
+      Output<float> want(n, side), got(n, side);
+      for (size_t i = 0; i < n; ++i) want.data()[i] = std::isnan(given[i]) ? 0.0f : given[i] + shift;
+      tested(given.data(), shift, got.data(), n);
+      check.equal("disparity", want, got);
+    }
+  });
+}
+
+// ---- places on the map ----
+
+// A camera that looks at a map somewhere below it, and now and then at one far beside it.
+StereoCtx anyCamera(lab::Random& random) {
+  const float height = static_cast<float>(random.between(1500, 6000));
+  const IntCalibParams inner = {random.between(20 * 256, 400 * 256), random.between(200 * 256, 900 * 256),
+                                random.between(0, 640 * 16), random.between(0, 480 * 16)};
+  const Orientation mount = {height, static_cast<float>(random.between(-600, 600)) / 10.0f,
+                             static_cast<float>(random.between(-1800, 1800)) / 10.0f};
+  const ElevMapParams map = {
+      static_cast<uint16_t>(random.between(1, 128)), static_cast<uint16_t>(random.between(1, 128)),
+      static_cast<uint16_t>(random.between(1, 200)), static_cast<uint16_t>(random.between(1, 200))};
+  StereoCtx camera;
+  ip_stereo_init(&camera, &inner, &mount, &map);
+  return camera;
+}
+
+std::vector<float> raysOf(const IntCalib& calib, size_t n) {
+  std::vector<float> rays(n);
+  for (size_t x = 0; x < n; ++x) rays[x] = (static_cast<float>(x) - calib.principalX) / calib.focalLength;
+  return rays;
+}
+
+Placing placingOf(const StereoCtx& camera, const float* rays) {
+  Placing p = {};
+  p.rayX = rays;
+  p.focalTimesBaseline = camera.intCalib.focalLength * camera.intCalib.baseline;
+  std::copy_n(camera.extCalib.R, 9, p.rotation);
+  std::copy_n(camera.extCalib.T, 3, p.translation);
+  p.left = camera.lowerLeft.x;
+  p.top = camera.lowerLeft.y;
+  p.cellX = static_cast<float>(camera.mapParams.cellSizeX);
+  p.cellY = static_cast<float>(camera.mapParams.cellSizeY);
+  p.mapWidth = camera.mapParams.width;
+  p.mapHeight = camera.mapParams.height;
+  p.groundZ = camera.orientation.height;
+  return p;
+}
+
+struct Placed {
+  uint32_t cell;
+  uint16_t height;
+};
+
+// Goes through the library's functions, and rounds in double.
+Placed placed(const StereoCtx& camera, Point_f32 pixel, float disparity) {
+  Point3_f32 world;
+  if (!ip_stereo_disp2world(&camera, &pixel, &world, disparity)) return {noCell, 0};
+  const Point_f32 place = {world.x, world.y};
+  const ElevMapParams& map = camera.mapParams;
+  Point_f32 cell;
+  ip_world2elev(&place, &cell, &map, &camera.lowerLeft);
+  if (!(cell.x >= 0 && cell.y >= 0 && cell.x < map.width && cell.y < map.height)) return {noCell, 0};
+  const double mm = camera.orientation.height - world.z;
+  return {static_cast<uint32_t>(cell.y) * map.width + static_cast<uint32_t>(cell.x),
+          static_cast<uint16_t>(std::clamp<double>(std::floor(mm + 0.5), 1, 65535))};
+}
+
+// Disparities of points between half a metre below the camera's feet and its own height, and others.
+std::vector<float> disparitiesOf(const StereoCtx& camera, lab::Random& random, size_t n) {
+  std::vector<float> row = anyDisparities(random, n);
+  const float focalTimesBaseline = camera.intCalib.focalLength * camera.intCalib.baseline;
+  for (size_t i = 0; i < n; i += 2)
+    row[i] = focalTimesBaseline / (camera.orientation.height * static_cast<float>(random.between(1, 1500)) / 1000.0f);
+  return row;
+}
+
+// Where there is no cell, the heights must still be the scalar kernel's.
+size_t checkPlacedRow(Check& check, PlaceRow scalar, PlaceRow tested, const StereoCtx& camera, size_t n, Guard side) {
+  const Guarded<float> rays(raysOf(camera.intCalib, n), side), row(disparitiesOf(camera, check.random, n), side);
+  const Placing placing = placingOf(camera, rays.data());
+  const float y = static_cast<float>(check.random.below(480));
+  const float rayY = (y - camera.intCalib.principalY) / camera.intCalib.focalLength;
+  Output<uint32_t> want(n, side), cells(n, side), same(n, side);
+  Output<uint16_t> scalarHeights(n, side), heights(n, side);
+  tested(row.data(), n, rayY, placing, cells.data(), heights.data());
+  scalar(row.data(), n, rayY, placing, same.data(), scalarHeights.data());
+  check.equal("height", scalarHeights, heights);
+  size_t inside = 0;
+  for (size_t i = 0; i < n; ++i) {
+    const Placed point = placed(camera, {static_cast<float>(i), y}, row[i]);
+    want.data()[i] = point.cell;
+    inside += point.cell != noCell;
+    if (point.cell != noCell) check.holds("a height is not the model's", point.height == heights.data()[i]);
+  }
+  check.equal("cell", want, cells);
+  return inside;
+}
+
+void checkPlace(Check& check, PlaceRow scalar, PlaceRow tested) {
+  size_t pixels = 0, inside = 0;
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
+    pixels += n;
+    inside += checkPlacedRow(check, scalar, tested, anyCamera(check.random), n, side);
+  });
+  check.holds("hardly a point lies over a map", inside > pixels / 20 && inside < pixels / 2);
+}
+
+// ---- ranks ----
+
+void checkRanksOf(Check& check, RankedValue tested, const std::vector<uint16_t>& values, Guard side) {
+  const size_t n = values.size();
+  const Guarded<uint16_t> in(values, side);
+  std::vector<uint16_t> sorted = values;
+  std::sort(sorted.begin(), sorted.end());
+  for (const size_t rank :
+       {size_t{0}, n / 2, n * 9 / 10, n - 1, size_t{check.random.below(static_cast<uint32_t>(n))}}) {
+    Output<uint16_t> want(1, side), got(1, side);
+    *want.data() = sorted[rank];
+    *got.data() = tested(in.data(), n, rank);
+    check.equal("value", want, got);
+  }
+  check.holds("the values moved", in.values() == values);
+}
+
+// The long ones fill 16-bit counters, one vector's or several, to the brim.
+void checkRanked(Check& check, RankedValue, RankedValue tested) {
+  forEachInput(check, 1, 2 * widest, [&](size_t n, Fill fill, Guard side) {
+    checkRanksOf(check, tested, filled<uint16_t>(check.random, fill, n, 0, 65535), side);
+    checkRanksOf(check, tested, filled<uint16_t>(check.random, fill, n, 1700, 1790), side);
+  });
+  for (const size_t n : {32767u, 32768u, 65535u, 65536u, 65537u, 300001u, 3000000u}) {
+    for (const Fill fill : allFills) {
+      check.describe(described(n, fill, Guard::behind));
+      checkRanksOf(check, tested, filled<uint16_t>(check.random, fill, n, 0, 65535), Guard::behind);
+    }
+  }
+}
+
+// ---- the ground ----
+
+struct GroundRow {
+  int32_t first, step, tolerance;
+};
+
+int64_t expectedAt(const GroundRow& ground, size_t i) {
+  return ground.first + int64_t{ground.step} * static_cast<int64_t>(i);
+}
+
+GroundTally modelTally(const Guarded<uint16_t>& stored, const GroundRow& ground) {
+  GroundTally tally;
+  for (size_t i = 0; i < stored.size(); ++i) {
+    const int64_t expected = expectedAt(ground, i);
+    if (stored[i] == 0 || expected <= 0) continue;
+    const int64_t difference = stored[i] * int64_t{65536} - expected;
+    ++tally.known;
+    if (difference < -ground.tolerance) ++tally.below;
+    if (std::abs(difference) > ground.tolerance) continue;
+    ++tally.on;
+    tally.sum += (difference - (difference & 255)) / 256;
+  }
+  return tally;
+}
+
+int32_t anyExpected(lab::Random& random) {
+  switch (random.below(4)) {
+    case 0: return random.between(-100 * 65536, 100 * 65536);
+    case 1: return std::numeric_limits<int32_t>::max();
+    case 2: return std::numeric_limits<int32_t>::min();
+    default: return random.between(0, 1024 * 65536);
+  }
+}
+
+// The row's both ends fit 32 bits.
+GroundRow anyGround(lab::Random& random, size_t n) {
+  const int32_t first = anyExpected(random);
+  const auto steps = static_cast<int64_t>(n > 1 ? n - 1 : 1);
+  const int64_t step = (int64_t{anyExpected(random)} - first) / steps;
+  const int32_t tolerances[] = {0, 8 * 65536, 4096 * 65536 - 1, std::numeric_limits<int32_t>::max()};
+  return {first,
+          static_cast<int32_t>(
+              std::clamp<int64_t>(step, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max())),
+          tolerances[random.below(4)]};
+}
+
+// Some pixels lie where the ground is.
+void checkTallyOf(Check& check, TallyRow tested, std::vector<uint16_t> pixels, Guard side) {
+  const GroundRow ground = anyGround(check.random, pixels.size());
+  for (size_t i = 0; i < pixels.size(); i += 3)
+    pixels[i] = static_cast<uint16_t>(
+        std::clamp<int64_t>(expectedAt(ground, i) / 65536 + check.random.between(-9, 9), 0, 4095));
+  const Guarded<uint16_t> stored(pixels, side);
+  const GroundTally before = {1, 2, 3, -4};
+  GroundTally want = modelTally(stored, ground), got = before;
+  tested(stored.data(), stored.size(), ground.first, ground.step, ground.tolerance, got);
+  check.holds("known", got.known == want.known + before.known);
+  check.holds("on", got.on == want.on + before.on);
+  check.holds("below", got.below == want.below + before.below);
+  check.holds("sum", got.sum == want.sum + before.sum);
+}
+
+void checkTally(Check& check, TallyRow, TallyRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    checkTallyOf(check, tested, filled<uint16_t>(check.random, fill, n, 0, 4095), side);
+  });
+  for (const Fill fill : allFills) {
+    for (int round = 0; round < 20; ++round) {
+      check.describe(described(65536, fill, Guard::behind));
+      checkTallyOf(check, tested, filled<uint16_t>(check.random, fill, 65536, 0, 4095), Guard::behind);
+    }
+  }
+}
+
+// ---- what is timed: 480 rows, and the cells of a map ----
+
+const std::vector<uint16_t>& benchPixels() {
+  static const std::vector<uint16_t> row = lab::Random(7).values<uint16_t>(benchWidth, 1024);
+  return row;
+}
+
+std::vector<uint16_t>& benchOutput() {
+  static std::vector<uint16_t> row(benchWidth);
+  return row;
+}
+
+template <class F>
+void forRows(F f) {
+  for (size_t y = 0; y < benchHeight; ++y) f(y);
+}
+
+void benchPicture(PictureRow kernel) {
+  forRows([=](size_t) { kernel(benchPixels().data(), benchOutput().data(), benchWidth); });
+}
+
+void benchMirrorMask(MaskRow kernel) {
+  static const std::vector<uint8_t> in(benchWidth, 1);
+  static std::vector<uint8_t> out(benchWidth);
+  forRows([=](size_t) { kernel(in.data(), out.data(), benchWidth); });
+}
+
+std::vector<float>& benchDisparities() {
+  static std::vector<float> row(benchWidth);
+  return row;
+}
+
+void benchPixelsOf(PixelsOfStored kernel) {
+  forRows([=](size_t) { kernel(benchPixels().data(), 1.5f, benchDisparities().data(), benchWidth); });
+}
+
+void benchPixelsGiven(PixelsOfGiven kernel) {
+  static const std::vector<float> given(benchWidth, 20.0f);
+  forRows([=](size_t) { kernel(given.data(), 1.5f, benchDisparities().data(), benchWidth); });
+}
+
+void benchPlace(PlaceRow kernel) {
+  static const StereoCtx camera = [] {
+    lab::Random random(3);
+    return anyCamera(random);
+  }();
+  static const std::vector<float> rays = raysOf(camera.intCalib, benchWidth);
+  static const std::vector<float> row(benchWidth, 20.0f);
+  static std::vector<uint32_t> cells(benchWidth);
+  const Placing placing = placingOf(camera, rays.data());
+  forRows([&](size_t y) {
+    kernel(row.data(), benchWidth, static_cast<float>(y) / 300.0f, placing, cells.data(), benchOutput().data());
+  });
+}
+
+// Cells of 75 points, whose heights scatter by some centimetres.
+void benchRanked(RankedValue kernel) {
+  constexpr size_t cells = 4096, perCell = 75;
+  static const std::vector<uint16_t> heights = lab::Random(9).values<uint16_t>(cells * perCell, 60);
+  for (size_t cell = 0; cell < cells; ++cell)
+    benchOutput()[cell % benchWidth] = kernel(&heights[cell * perCell], perCell, perCell * 9 / 10);
+}
+
+void benchTally(TallyRow kernel) {
+  static GroundTally tally;
+  forRows([=](size_t) { kernel(benchPixels().data(), benchWidth, 400 * 65536, 6553, 8 * 65536, tally); });
+}
+
+template <class Kernel>
+void addModelled(Registry& r, const char* name, Kernel (*pick)(unsigned), void (*check)(Check&, Kernel, Kernel),
+                 void (*bench)(Kernel)) {
+  add<Kernel>(r, name, pick, check, bench, Law::model);
+}
+
+}  // namespace
+
+void addRoadCases(Registry& r) {
+  addModelled<PictureRow>(
+      r, "take16", [](unsigned c) { return roadKernels(c).take16; }, checkPicture<uint16_t, false>, benchPicture);
+  addModelled<PictureRow>(
+      r, "take8", [](unsigned c) { return roadKernels(c).take8; }, checkPicture<uint8_t, false>, benchPicture);
+  addModelled<PictureRow>(
+      r, "mirror16", [](unsigned c) { return roadKernels(c).mirror16; }, checkPicture<uint16_t, true>, benchPicture);
+  addModelled<PictureRow>(
+      r, "mirror8", [](unsigned c) { return roadKernels(c).mirror8; }, checkPicture<uint8_t, true>, benchPicture);
+  addModelled<MaskRow>(
+      r, "mirror_mask", [](unsigned c) { return roadKernels(c).mirrorMask; }, checkMirrorMask, benchMirrorMask);
+  addModelled<PixelsOfStored>(
+      r, "pixels_of", [](unsigned c) { return roadKernels(c).pixelsOf; }, checkPixelsOf, benchPixelsOf);
+  addModelled<PixelsOfGiven>(
+      r, "pixels_given", [](unsigned c) { return roadKernels(c).pixelsGiven; }, checkPixelsGiven, benchPixelsGiven);
+  addModelled<PlaceRow>(
+      r, "place", [](unsigned c) { return roadKernels(c).place; }, checkPlace, benchPlace);
+  addModelled<RankedValue>(
+      r, "ranked", [](unsigned c) { return roadKernels(c).ranked; }, checkRanked, benchRanked);
+  addModelled<TallyRow>(
+      r, "tally", [](unsigned c) { return roadKernels(c).tally; }, checkTally, benchTally);
+}
+
+}  // namespace nadir::test
