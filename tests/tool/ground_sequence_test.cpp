@@ -303,7 +303,7 @@ TEST_F(GroundSequence, ResumeCutsOffALineThatWasBeingWritten) {
   ground("whole");
   ground("r");
   const Bytes log = readFile(folder.path("r/frames.jsonl"));
-  writeFile(folder.path("r/frames.jsonl"), log.substr(0, log.find("\n{\"frame\":3") + 40));
+  writeFile(folder.path("r/frames.jsonl"), log.substr(0, log.find("\n{\"schema\":2,\"frame\":3") + 40));
   EXPECT_EQ(ground("r", {"--resume"}).status, 0);
   expectSame("whole", "r");
 }
@@ -391,6 +391,22 @@ TEST_F(GroundSequence, AResultIsNeverMixedWithAnother) {
          "cannot resume: r/run.json tells of other settings: percentile is 90.0 there and 50.0 here");
   for (const std::string side : {"s/left/", "s/right/"}) fs::remove(folder.path(side + number(2) + ".png"));
   refuse({"--resume"}, "tells of other frames");
+}
+
+TEST_F(GroundSequence, ARunOfAnotherVersionIsNotGoneOnWith) {
+  ground("r");
+  const Bytes log = readFile(folder.path("r/frames.jsonl"));
+  Json run = readJson(folder.path("r/run.json"));
+  EXPECT_EQ(run["schema"], 2);
+  EXPECT_EQ(run["software"], std::string("nadir ") + nadir_version());
+  run["software"] = "nadir 0.1.0";
+  run.erase("schema");
+  writeFile(folder.path("r/run.json"), run.dump());
+  const Outcome outcome = ground("r", {"--resume"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, std::string("nadir: cannot resume: r was begun by nadir 0.1.0, this is ") + nadir_version() +
+                             ": go on with that version, or name another folder for a run from the beginning\n");
+  EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), log);
 }
 
 // run.json must hold what each of these options says. Each has a value here that is not its default, or "" where it
@@ -549,6 +565,8 @@ TEST_F(GroundSequence, TheSchemaDescribesEveryLine) {
   for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, lines("r"))) EXPECT_EQ(mistake, "");
   for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, lines("bare"))) EXPECT_EQ(mistake, "");
   const Json good = lines("r")[0], damaged = lines("r")[2];
+  for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, {extended(good), extended(damaged)}))
+    EXPECT_EQ(mistake, "");
   std::vector<Spoilt> bad = spoilt(good);
   for (const Spoilt& more : spoilt(damaged)) bad.push_back(more);
   for (const auto& [key, value] : good.items()) {

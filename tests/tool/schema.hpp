@@ -18,9 +18,12 @@ struct Spoilt {
   Json document;
 };
 
-// In each of these one object of the document, however deep, has a member more, one less or one of another kind.
-// Members called `optional` are not left out.
+// In each of these one object of the document, however deep, has one member less or one of another kind. Members called
+// `optional` are not left out.
 std::vector<Spoilt> spoilt(const Json& good, const std::string& optional = "");
+
+// The document with a member more in every object, however deep.
+Json extended(const Json& good);
 
 // The test fails for each of them that fits the schema.
 void expectMisfits(const std::string& schemaFile, const std::vector<Spoilt>& documents);

@@ -1,4 +1,4 @@
-// docs/ground.schema.json describes every summary that nadir ground writes, and nothing else.
+// docs/ground.schema.json describes every summary that nadir ground writes, and lets later versions add to it.
 #include <gtest/gtest.h>
 
 #include "tests/tool/schema.hpp"
@@ -34,6 +34,13 @@ TEST_F(GroundSchema, RegionsAndAreas) {
   EXPECT_GE(json["regions"].size(), 4u);
   EXPECT_EQ(json["areas"].size(), 2u);
   EXPECT_EQ(mistakesIn(json), "");
+}
+
+TEST_F(GroundSchema, UnknownMembersFitEverywhere) {
+  const Json json = summary({"--areas", "a.toml"});
+  EXPECT_EQ(json["schema"], 2);
+  EXPECT_EQ(extended(json)["areas"][0]["surprise"], 1);
+  EXPECT_EQ(mistakesIn(extended(json)), "");
 }
 
 TEST_F(GroundSchema, WithoutRegions) { EXPECT_EQ(mistakesIn(summary({"--no-regions"})), ""); }

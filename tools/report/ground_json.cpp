@@ -88,7 +88,8 @@ void addFindings(Json& json, const ground::Setup& setup, const std::optional<gro
 }  // namespace
 
 std::string groundJson(const ground::Setup& setup, const ground::Result& result) {
-  Json json = {{"software", software()},
+  Json json = {{"schema", resultSchema},
+               {"software", software()},
                {"camera", cameraJson(setup.camera)},
                {"view", nameOf(setup.settings.view)},
                {"disparity", disparitiesJson(result.disparity)},

@@ -9,6 +9,11 @@
 
 namespace nadir::tool {
 
+// The form of summary.json, of the lines of frames.jsonl and of run.json, as they tell it. Those of version 0.1.0 tell
+// none: theirs is the first, in which a reader might refuse a member that it did not know. From the second on it must
+// not, so members may be added under the same number.
+constexpr int resultSchema = 2;
+
 // A measured number in thousandths of its unit, which is far below what is measured here.
 Json measuredJson(double value);
 

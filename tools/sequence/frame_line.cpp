@@ -28,7 +28,10 @@ Json watchedJson(const ground::PlacedArea& area, const ground::Occupancy& o,
 }  // namespace
 
 std::string frameLine(const FrameReport& report, const ground::Setup& setup) {
-  Json json = {{"frame", report.number}, {"name", report.name}, {"time_s", roundedNumber(report.seconds, 1e6)}};
+  Json json = {{"schema", resultSchema},
+               {"frame", report.number},
+               {"name", report.name},
+               {"time_s", roundedNumber(report.seconds, 1e6)}};
   if (!report.error.empty()) {
     json["error"] = report.error;
   } else {

@@ -1,6 +1,8 @@
 // A run over the frames, which can go on where it was interrupted at any moment.
 #include "tools/sequence/ground_sequence.hpp"
 
+#include <nadir/nadir.h>
+
 #include <filesystem>
 
 #include "ground/average.hpp"
@@ -92,7 +94,13 @@ class SequenceRun {
   void checkResumable(const std::string& settings) const {
     if (!options_.resume)
       throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
-    const std::string difference = settingsDifference(readText(settingsPath()), settings);
+    const std::string begun = readText(settingsPath()), other = otherVersion(begun, settings);
+    if (!other.empty())
+      throw Error(
+          format("cannot resume: %s was begun by %s, this is %s: go on with that version, or name another "
+                 "folder for a run from the beginning",
+                 options_.folder.c_str(), other.c_str(), nadir_version()));
+    const std::string difference = settingsDifference(begun, settings);
     if (!difference.empty())
       throw Error("cannot resume: " + settingsPath() + " tells of other settings: " + difference);
   }

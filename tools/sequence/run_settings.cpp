@@ -58,7 +58,8 @@ struct FirstPair {
 Json settingsJson(const ground::Setup& setup, const SequenceRule& rule, const FirstPair& first,
                   const std::optional<MaskMark>& mask) {
   const ground::Settings& settings = setup.settings;
-  return {{"software", software()},
+  return {{"schema", resultSchema},
+          {"software", software()},
           {"first_left", first.left},
           {"first_right", first.right},
           {"fps", rule.framesPerSecond},

@@ -24,7 +24,18 @@ std::string valueAt(const Json& settings, const Json::json_pointer& place) {
   return value.is_structured() ? "given" : value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
+// Text that is no JSON, or tells of no program, names none.
+std::string softwareOf(const std::string& settings) {
+  const Json json = Json::parse(settings, nullptr, false);
+  return json.is_object() && json.contains("software") && json["software"].is_string() ? json["software"] : "";
+}
+
 }  // namespace
+
+std::string otherVersion(const std::string& there, const std::string& here) {
+  const std::string begun = softwareOf(there);
+  return begun == softwareOf(here) ? "" : begun;
+}
 
 std::string settingsDifference(const std::string& there, const std::string& here) {
   const Json earlier = Json::parse(there, nullptr, false), now = Json::parse(here, nullptr, false);

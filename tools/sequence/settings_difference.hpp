@@ -9,4 +9,8 @@ namespace nadir::tool {
 // here". Empty where they are the same.
 std::string settingsDifference(const std::string& there, const std::string& here);
 
+// The version of the program that has begun the run, where it is not the one that says `here`. Empty where it is, or
+// where nothing is told of it.
+std::string otherVersion(const std::string& there, const std::string& here);
+
 }  // namespace nadir::tool
