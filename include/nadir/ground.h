@@ -1,0 +1,377 @@
+/* The road from a pair of pictures to what stands on the ground: libnadirground, which stands on libnadir.
+ *
+ * STATUS 0 IS SUCCESS here, unlike in libnadir, whose functions return 1 for it: here a status says what was wrong.
+ *
+ * One call goes from two rectified pictures, or from disparities, to a map of heights above the ground, the regions
+ * that stand on it and what of them lies in areas of interest:
+ *
+ *   nadir_settings_fill(&settings, &camera);
+ *   nadir_road_create(&camera, &settings, areas, area_count, &road, NULL);
+ *   nadir_result_create(road, &result);
+ *   for each frame { nadir_road_process(road, &frame, result); nadir_result_read(result, &findings); }
+ *
+ * Objects. A road holds the camera, the settings and the memory that a frame needs; a result holds what one frame gave;
+ * a tracker holds what outlives a frame. Each is one block of memory from one call of malloc, whose bytes are known
+ * before. Nothing else allocates: processing, reading and stepping take no memory at all. A road, a result or a tracker
+ * serves one thread at a time, and any number of them may be at work side by side: they share nothing. A frame's
+ * findings do not depend on the frames before, so frames may be worked on in any order on any number of threads, each
+ * with a road and a result of its own.
+ *
+ * World. The origin is the measured view's camera centre, x points to the picture's right, y to its lower edge, z
+ * down; the ground is the plane z = height_mm. Picture coordinates count from the CENTRE of the top left pixel, (0, 0).
+ * A map's row 0 lies at its smallest world y, its column 0 at its smallest world x. Lengths are millimetres and angles
+ * degrees unless a name says otherwise.
+ *
+ * Records begin with `size`, the bytes of the record as the caller was compiled with it: nadir_settings_fill sets it,
+ * in all other records that go in or are filled the caller does. A library that is newer than the caller then knows
+ * which members the caller lacks; one that is older refuses the record (NADIR_BAD_RECORD). Records in arrays that
+ * findings lead to lie `size` bytes apart.
+ *
+ * Rules as in libnadir: all checks come before the first write, a call that fails leaves its outputs as they were
+ * (nadir_road_process says what holds for results); nothing is read or written outside the stated extent; buffers of
+ * different arguments must not overlap; no exceptions, threads, files, environment or logging. A result is the same to
+ * the last bit on every processor in the default floating-point environment.
+ */
+#ifndef NADIR_GROUND_H
+#define NADIR_GROUND_H
+
+#include <nadir/api.h>
+#include <nadir/camera.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- what calls return ----------------------------------------------------------------------------------------- */
+
+typedef int32_t NadirStatus;
+
+#define NADIR_OK 0
+#define NADIR_NO_MEMORY 1    /* malloc gave none, or no memory can hold that much */
+#define NADIR_NULL_POINTER 2 /* a pointer that must lead somewhere is null */
+#define NADIR_BAD_RECORD 3   /* a record's `size` is smaller than its first version or larger than this library's */
+#define NADIR_BAD_CAMERA 4   /* a number of the camera is missing or out of range; the fault names it */
+#define NADIR_BAD_SETTING 5  /* a setting is out of range; the fault names it */
+#define NADIR_BAD_AREA                                                                                              \
+  6                              /* an area has fewer than 3 or more than 100 corners, an unknown unit, or a corner \
+                                    more than NADIR_AREA_REACH from the origin */
+#define NADIR_MAP_OUT_OF_REACH 7 /* areas need a map that ends within NADIR_AREA_REACH of the camera */
+#define NADIR_CAMERA_TOO_HIGH 8  /* areas in pixels need a camera that is at most 65535 mm high */
+#define NADIR_CORNER_OFF_GROUND                                                                                        \
+  9                                 /* an area's corner does not show the ground within NADIR_AREA_REACH of the camera \
+                                     */
+#define NADIR_AREA_WITHOUT_CELLS 10 /* an area holds the centre of no cell of the map */
+#define NADIR_BAD_FRAME 11          /* a frame's bits or strides are out of range; or it lacks pictures */
+#define NADIR_FOREIGN_RESULT 12     /* the result was made for a road of another size or other settings */
+#define NADIR_NOTHING_FOUND 13      /* there is none: no frame was processed, or no such area, or no plane */
+#define NADIR_BAD_STATE 14          /* what was saved is damaged, of another version or of another road */
+#define NADIR_BAD_TIME 15           /* frames go back in time */
+
+/* A status in words, static storage; "unknown status" for any other number. */
+NADIR_API const char* nadir_status_text(NadirStatus status);
+
+/* Where a fault lies. What does not apply is null or 0. */
+typedef struct NadirFault {
+  uint32_t size;
+  uint32_t area;     /* which of the areas, from 0 */
+  uint32_t corner;   /* which of its corners, from 0 */
+  uint32_t reserved; /* 0 */
+  const char* field; /* the member's name, "tilt_deg"; static storage */
+} NadirFault;
+
+/* ---- what a road is made of ------------------------------------------------------------------------------------ */
+
+/* A stereo camera that looks at the ground: its optics, its mount and the map that it fills. All members must be set;
+ * with NADIR_UNTIL_MATCH only width_px and height_px are read. */
+typedef struct NadirCamera {
+  uint32_t size;
+  uint32_t width_px, height_px; /* of both pictures: 5 x 5 to 16384 x 16384 */
+  uint32_t cell_mm;             /* side of a map's cell: 1 to 65535 */
+  uint32_t map_width_cells;     /* along world x: 1 to 65535 */
+  uint32_t map_height_cells;    /* along world y: 1 to 65535 */
+  double baseline_mm;           /* more than 0, at most 1e6 */
+  double focal_px;              /* more than 0, at most 1e6 */
+  double principal_x_px;        /* of the left picture; at most 1e6 in size, as the next two */
+  double principal_y_px;        /* of both */
+  double column_shift_px;       /* right principal column minus the left one's: added to a matched disparity it gives
+                                   the one that is 0 at infinity */
+  double height_mm;             /* of the camera's centre above the ground: more than 0, at most 1e6 */
+  double tilt_deg;              /* 0 looks straight down, towards -90 raises the upper edge to the horizon; -90 to 90 */
+  double pan_deg;               /* about the picture's vertical, positive to its left; -90 to 90 */
+  double map_offset_x_mm;       /* moves the map from where it lies by itself: its corner of smallest x and y is half */
+  double map_offset_y_mm;       /* its WIDTH away, on both axes, from where the optical axis meets the ground; <= 1e6 */
+} NadirCamera;
+
+/* How far from the origin an area or a map with areas may reach, mm or pixels: its sides are told by products of two
+ * differences in 32 bits. */
+#define NADIR_AREA_REACH 23000
+
+#define NADIR_AREA_PIXELS 0    /* corners are pixels of the measured view, where the ground shows */
+#define NADIR_AREA_GROUND_MM 1 /* corners are world x and y */
+
+/* An area of interest: a polygon. Its inside is what IP_Polygon_IsInside says, its edge included. */
+typedef struct NadirArea {
+  uint32_t size;
+  uint32_t unit;          /* NADIR_AREA_... */
+  uint32_t corner_count;  /* 3 to 100 */
+  uint32_t reserved;      /* 0 */
+  const int32_t* corners; /* x, y, x, y, ...; each at most NADIR_AREA_REACH in size */
+} NadirArea;
+
+#define NADIR_UNTIL_MATCH 0 /* disparities alone; the camera needs a size and nothing else */
+#define NADIR_UNTIL_MAP 1   /* and the elevation map */
+#define NADIR_UNTIL_ALL 2   /* and regions and areas; the map then has at most NADIR_LARGEST_REGION_MAP cells a side */
+
+#define NADIR_LARGEST_REGION_MAP 128
+
+#define NADIR_GRID_LEFT 0 /* the view that is measured: its pixels get the disparities, its camera is the origin */
+#define NADIR_GRID_RIGHT 1
+
+typedef struct NadirSettings {
+  uint32_t size;
+  uint32_t until;       /* NADIR_UNTIL_... */
+  uint32_t grid;        /* NADIR_GRID_... */
+  uint32_t uniqueness;  /* of the matcher's peak check, 1/128; any number, see uniquenessRatio in stereo.h */
+  uint32_t postprocess; /* 1: the disparities are cleaned up (IP_SgmPostproc), 0: they stay as they are matched */
+  uint32_t min_points;  /* cells with fewer points stay unseen; 1 to 1000000 */
+  double percentile;    /* of a cell's points in order of height, the one that gives it its height; above 0 to 100 */
+  double fill_holes_m2; /* patches of unseen cells up to this area are filled from around them; 0 to 1e6, and a map of
+                           2 to 4095 cells a side where it is not 0 */
+  double min_height_mm; /* regions are cells higher than this, rounded down; 0 to 65534 */
+  double max_step_mm;   /* neighbours that differ by more, rounded down, are not joined; 0 to 65535 */
+  double min_area_m2;   /* smaller regions are dropped; 0 to 1e6 */
+} NadirSettings;
+
+/* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes
+ * filled. Heights and areas follow the camera's cell: higher than one and a half of its sides, steps up to one side, no
+ * fewer than 30 cells.
+ *
+ * camera  its cell_mm is read; null where only NADIR_UNTIL_MATCH is meant: the last three are then 0. */
+NADIR_API NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* camera);
+
+typedef struct NadirRoad NadirRoad;
+
+/* The bytes of a road and of one of its results; 0 where nadir_road_create would refuse the camera or the settings.
+ * areas are looked at for their number alone. */
+NADIR_API size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
+NADIR_API size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
+
+/* Makes a road: checks everything, works out what is the same for every frame and places the areas on the map.
+ *
+ * areas  area_count of them; null where there are none. Only NADIR_UNTIL_ALL looks at them. They are copied.
+ * road   receives the road, to be given back to nadir_road_destroy; null where the call fails.
+ * fault  null, or receives where the fault lies.
+ *
+ * An area's pixels are projected onto the ground along the rays through their centres; a cell belongs to an area if its
+ * centre lies inside or on the edge. */
+NADIR_API NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* settings,
+                                        const NadirArea* areas, uint32_t area_count, NadirRoad** road,
+                                        NadirFault* fault);
+NADIR_API void nadir_road_destroy(NadirRoad* road); /* null is accepted */
+
+/* libnadir's record of the camera, the view and the map, for calls of camera.h beside the road: lowerLeft is the map's
+ * corner, offsets included. A road up to the match has none (NADIR_NOTHING_FOUND). */
+NADIR_API NadirStatus nadir_road_context(const NadirRoad* road, StereoCtx* context);
+
+/* A rectangle of numbers; row y begins y * stride bytes behind data. */
+typedef struct NadirPlane {
+  const void* data; /* null where there is none */
+  size_t stride;
+  uint32_t width, height;
+} NadirPlane;
+
+/* An area as it lies on the map. */
+typedef struct NadirPlacedArea {
+  uint32_t size;
+  uint32_t cells;        /* of the map, whose centres lie in it */
+  uint32_t whole_on_map; /* 1: no corner lies outside the map */
+  uint32_t corner_count;
+  const int32_t* ground_mm; /* its corners on the ground: world x, y, x, y, ... */
+  NadirPlane mask;          /* bytes: 1 for each of its cells */
+} NadirPlacedArea;
+
+/* Reads one of the road's areas; the pointers hold as long as the road does. */
+NADIR_API NadirStatus nadir_road_area(const NadirRoad* road, uint32_t index, NadirPlacedArea* area);
+
+/* ---- a frame --------------------------------------------------------------------------------------------------- */
+
+/* A rectified pair of the camera's size, or disparities of the measured view. */
+typedef struct NadirFrame {
+  uint32_t size;
+  uint32_t bits; /* of a picture's pixel: 16, where 0 means no data; or 8, which count 16 times, and 0 is black */
+  const void *left, *right;
+  size_t left_stride, right_stride; /* bytes from row to row; 16-bit rows may begin at any address */
+  const uint8_t* mask; /* null, or of the view: pixels that are not 0 there get no disparity; matching only */
+  size_t mask_stride;
+  const float* disparity;  /* null, or the view's disparities, pixels, not-a-number for none: nothing is matched then,
+                              and the pictures may be null */
+  size_t disparity_stride; /* a multiple of 4 */
+  /* null, or called at the beginning of every stage with its name ("census", "matching", "points and map"; static
+   * storage) and at the end of the last one with null: a caller's clock, which must not touch the road. */
+  void (*on_stage)(void* user, const char* name);
+  void* user;
+} NadirFrame;
+
+typedef struct NadirResult NadirResult;
+
+/* Makes a result for a road and roads of the same camera size, map size, settings and number of areas; it may outlive
+ * them. It holds nothing yet. */
+NADIR_API NadirStatus nadir_result_create(const NadirRoad* road, NadirResult** result);
+NADIR_API void nadir_result_destroy(NadirResult* result); /* null is accepted */
+
+/* Works on a frame: all of the road in one call.
+ *
+ * Returns NADIR_OK with the findings in `result`, in place of those before. Any other status comes before the first
+ * write: the result then holds what it held. */
+NADIR_API NadirStatus nadir_road_process(NadirRoad* road, const NadirFrame* frame, NadirResult* result);
+
+/* ---- findings -------------------------------------------------------------------------------------------------- */
+
+/* What became of the picture's pixels. Each is counted in one of the first six members, or with given disparities in
+ * `value` and `ambiguous` alone. */
+typedef struct NadirPixelCounts {
+  uint32_t size;
+  uint32_t value;     /* has a disparity */
+  uint32_t ambiguous; /* rejected by the matcher's peak check */
+  uint32_t removed;   /* by the clean-up */
+  uint32_t masked;    /* by the frame's mask */
+  uint32_t border;    /* in the frame where the matcher cannot work */
+  uint32_t filled;    /* of those with a value, got it from a neighbour in the clean-up */
+  uint32_t reserved;  /* 0 */
+} NadirPixelCounts;
+
+/* What stands on the ground: neighbouring cells that are high enough and join without a large step. */
+typedef struct NadirRegion {
+  uint32_t size;
+  uint32_t label; /* 1, 2, ... in the order of their first cells, row by row */
+  uint32_t cells;
+  uint32_t highest_mm, median_mm;    /* of its cells' heights; the median is the lower of the two middle ones */
+  uint32_t left, top, right, bottom; /* box in cells, half-open */
+  uint32_t at_map_edge;              /* 1 where the box touches the map's edge: what stands there may go on beyond it */
+  double centre_x_mm, centre_y_mm;   /* world, the mean of its cells' centres */
+  double area_m2;
+} NadirRegion;
+
+/* What stands in an area. */
+typedef struct NadirOccupancy {
+  uint32_t size;
+  uint32_t cells;                 /* of the area */
+  uint32_t seen_cells;            /* of them, those with a height */
+  uint32_t covered_cells;         /* of them, those that belong to any region */
+  uint32_t highest_mm, median_mm; /* of the covered cells, 0 without one */
+  uint32_t first_share;           /* of the findings' shares: each region that it shares cells with, by label */
+  uint32_t share_count;
+} NadirOccupancy;
+
+/* A region's cells that lie in an area. */
+typedef struct NadirShare {
+  uint32_t size;
+  uint32_t label;
+  uint32_t cells;
+  uint32_t highest_mm, median_mm;
+  uint32_t reserved; /* 0 */
+} NadirShare;
+
+typedef struct NadirFindings {
+  uint32_t size;
+  uint32_t region_count, area_count, share_count, warning_count;
+  uint32_t points;         /* pixels whose disparity lies in the world: not at infinity or beyond */
+  uint32_t points_inside;  /* of them, those over a cell of the map */
+  uint32_t seen_cells;     /* cells with a height that points gave */
+  uint32_t filled_cells;   /* cells with a height from around them */
+  uint32_t reserved;       /* 0 */
+  NadirPlane disparity;    /* uint16_t, the view's, 1/16 pixel, 0 for none; without data where disparities were given */
+  NadirPlane heights;      /* uint16_t, mm above the ground, 0 for unseen: what is lower than 1 mm is stored as 1 */
+  NadirPlane point_counts; /* uint32_t, the points over each cell */
+  NadirPlane labels;       /* uint16_t, the region of each cell, 0 for none */
+  const NadirPixelCounts* pixels;
+  const NadirRegion* regions;
+  const NadirOccupancy* areas; /* in the order of the road's */
+  const NadirShare* shares;
+} NadirFindings;
+
+/* Reads what the result holds. Whatever the settings leave out is null or 0. The pointers hold until the result is
+ * processed into again or destroyed. NADIR_NOTHING_FOUND before the first frame. */
+NADIR_API NadirStatus nadir_result_read(const NadirResult* result, NadirFindings* findings);
+
+/* A point in the world. Such records lie in arrays without a size of their own: they will not grow. */
+typedef struct NadirPoint {
+  float x_mm, y_mm, z_mm;
+  float disparity_px; /* with the column shift: 0 at infinity */
+  uint32_t column, row;
+} NadirPoint;
+
+/* Lists the points of a frame, row by row, as ip_stereo_disp2world places each of them.
+ *
+ * frame   the one that was processed into `result`; its disparities are read where it has some, else the result's.
+ * points  room for `room` points; a picture has at most width_px * height_px. May be null where room is 0.
+ * count   receives how many points there are, also where there is no room for all. */
+NADIR_API NadirStatus nadir_road_points(NadirRoad* road, const NadirFrame* frame, const NadirResult* result,
+                                        NadirPoint* points, size_t room, size_t* count);
+
+/* ---- from frame to frame --------------------------------------------------------------------------------------- */
+
+typedef struct NadirTracker NadirTracker;
+
+typedef struct NadirTrackSettings {
+  uint32_t size;
+  uint32_t average_frames;       /* maps in the window that the average is taken over; 0 to 1000 */
+  double noise_mm;               /* standard deviation of a measured height; more than 0, at most 1e6 */
+  double acceleration_mm_per_s2; /* standard deviation of what changes the rate; 0 to 1e9 */
+  double patience_s;             /* how long a track goes on without a measurement; 0 to 1e6 */
+} NadirTrackSettings;
+
+/* Fills in the defaults: no average, 10 mm, 1500 mm per square second (a walking head's), half a second. */
+NADIR_API NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings);
+
+/* The height of what stands in an area, followed by a Kalman filter of height and rate. */
+typedef struct NadirTrack {
+  uint32_t size;
+  uint32_t active; /* 0: nothing is followed, and the rest is 0 */
+  double height_mm, rate_mm_per_s;
+  double deviation_mm; /* how uncertain the height is, standard deviation */
+} NadirTrack;
+
+NADIR_API size_t nadir_tracker_bytes(const NadirRoad* road, const NadirTrackSettings* settings);
+NADIR_API NadirStatus nadir_tracker_create(const NadirRoad* road, const NadirTrackSettings* settings,
+                                           NadirTracker** tracker, NadirFault* fault);
+NADIR_API void nadir_tracker_destroy(NadirTracker* tracker); /* null is accepted */
+
+/* What a tracker takes of a frame; a result gives it, or a log of an earlier run. */
+typedef struct NadirMeasurement {
+  uint32_t size;
+  uint32_t area_count;      /* the road's */
+  int64_t time_ns;          /* of the frame, from any beginning; never before that of the last one */
+  const double* highest_mm; /* in each area, not-a-number where nothing stands; null where there is no area */
+  NadirPlane heights;       /* the map; without data it does not enter the average */
+} NadirMeasurement;
+
+/* Takes a frame's findings, in the order of the frames. */
+NADIR_API NadirStatus nadir_tracker_step(NadirTracker* tracker, const NadirResult* result, int64_t time_ns);
+
+/* The same with a measurement that a log holds: stepping again through all of them leads to the same state. */
+NADIR_API NadirStatus nadir_tracker_replay(NadirTracker* tracker, const NadirMeasurement* measurement);
+
+/* What is tracked in an area after the last step. */
+NADIR_API NadirStatus nadir_tracker_read(const NadirTracker* tracker, uint32_t area, NadirTrack* track);
+
+/* The mean of the last maps: cell by cell of the heights there are, rounded down, where more than half of the window's
+ * maps have one; elsewhere 0. The plane holds until the next step. NADIR_NOTHING_FOUND before the first map. */
+NADIR_API NadirStatus nadir_tracker_average(NadirTracker* tracker, NadirPlane* heights);
+
+/* Saves all that the tracker knows, little endian and with a version, so that another process or machine goes on.
+ *
+ * Returns the bytes that it takes; where `room` is less than that, or memory null, nothing is written. */
+NADIR_API size_t nadir_tracker_save(const NadirTracker* tracker, void* memory, size_t room);
+
+/* Takes up what was saved by a tracker of the same settings, number of areas and map size. NADIR_BAD_STATE leaves the
+ * tracker as it was. */
+NADIR_API NadirStatus nadir_tracker_load(NadirTracker* tracker, const void* memory, size_t bytes);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
