@@ -1,0 +1,23 @@
+// A road: a camera's numbers worked out once, and the memory that a frame needs.
+#pragma once
+
+#include <nadir/ground.h>
+
+#include "ground/library/areas.hpp"
+#include "ground/library/holes.hpp"
+#include "ground/library/map.hpp"
+#include "ground/library/match.hpp"
+#include "ground/library/regions.hpp"
+
+struct NadirRoad {
+  nadir::ground::Shape shape;
+  NadirSettings settings;
+  float columnShift;
+  StereoCtx context;  // lowerLeft is the map's corner
+  nadir::ground::Placing placing;
+  nadir::ground::PlacedArea* areas;
+  nadir::ground::MatchMemory match;
+  nadir::ground::SortMemory sort;
+  nadir::ground::HoleMemory holes;
+  nadir::ground::RegionMemory regions;
+};
