@@ -45,7 +45,8 @@ void describe(CLI::App& app) {
       "  nadir ground scene/left.png scene/right.png --camera scene/camera.toml -o scene/ground\n"
       "  nadir evaluate scene/ground scene\n"
       "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage,\n"
-      "3 some frames of a sequence were skipped or some stages of verify not compared, 130 interrupted.");
+      "3 done, but not all of it can be relied on (frames of a sequence were skipped, stages of verify not compared,\n"
+      "warnings under --strict), 130 interrupted.");
   app.set_version_flag("--version", [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
   app.require_subcommand(1);
 }

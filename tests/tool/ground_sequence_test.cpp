@@ -104,6 +104,13 @@ TEST_F(GroundSequence, ALineAndTwoMapsAFrame) {
   EXPECT_NE(outcome.out.find("frames   6  of 6"), std::string::npos) << outcome.out;
 }
 
+TEST_F(GroundSequence, WhereAllIsWellNothingIsWarnedOf) {
+  EXPECT_EQ(ground("r", {"--strict"}).status, 0);
+  for (const Json& line : lines("r")) EXPECT_EQ(line["warnings"], Json::array());
+  ground("loose");
+  expectSame("loose", "r");
+}
+
 TEST_F(GroundSequence, AFrameIsWhatThePairGives) {
   ground("r");
   ASSERT_EQ(folder
@@ -247,6 +254,7 @@ TEST_F(GroundSequence, DamagedFramesAreNamedCountedAndSkipped) {
   for (const size_t frame : {0u, 1u, 3u, 5u}) EXPECT_EQ(all[frame]["regions"], whole[frame]["regions"]) << frame;
   for (const size_t frame : {2u, 4u}) {
     EXPECT_TRUE(all[frame]["error"].is_string());
+    EXPECT_EQ(all[frame]["warnings"], Json::array());
     EXPECT_FALSE(fs::exists(folder.path("r/elevation/" + number(static_cast<int>(frame)) + ".png")));
   }
 }
@@ -436,8 +444,8 @@ const std::vector<Setting> settings = {
 };
 
 // The results of a sequence do not depend on these. It refuses the two that give disparities.
-const std::set<std::string> noSettings = {"--help",   "--output",    "--threads",
-                                          "--resume", "--disparity", "--disparity-scale"};
+const std::set<std::string> noSettings = {"--help",      "--output",          "--threads", "--resume",
+                                          "--disparity", "--disparity-scale", "--strict"};
 
 TEST_F(GroundSequence, EveryOptionIsASettingOrIsKnownToBeNone) {
   std::set<std::string> told, known = noSettings;
@@ -565,9 +573,10 @@ TEST_F(GroundSequence, TheSchemaDescribesEveryLine) {
   for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, lines("r"))) EXPECT_EQ(mistake, "");
   for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, lines("bare"))) EXPECT_EQ(mistake, "");
   const Json good = lines("r")[0], damaged = lines("r")[2];
-  for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, {extended(good), extended(damaged)}))
+  for (const std::string& mistake : mistakes(NADIR_FRAMES_SCHEMA, {extended(good), extended(damaged), warned(good)}))
     EXPECT_EQ(mistake, "");
-  std::vector<Spoilt> bad = spoilt(good);
+  std::vector<Spoilt> bad = spoilt(warned(good));
+  bad.push_back({"a warning about a skipped frame", warned(damaged)});
   for (const Spoilt& more : spoilt(damaged)) bad.push_back(more);
   for (const auto& [key, value] : good.items()) {
     if (damaged.contains(key)) continue;

@@ -59,6 +59,12 @@ Json extended(const Json& good) {
   return more;
 }
 
+Json warned(const Json& good) {
+  Json more = good;
+  more["warnings"] = {{{"id", "dark"}, {"sentence", "it is dark"}, {"numbers", Json::object()}}};
+  return more;
+}
+
 void expectMisfits(const std::string& schemaFile, const std::vector<Spoilt>& documents) {
   std::vector<Json> all;
   for (const Spoilt& spoilt : documents) all.push_back(spoilt.document);

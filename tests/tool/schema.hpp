@@ -25,6 +25,9 @@ std::vector<Spoilt> spoilt(const Json& good, const std::string& optional = "");
 // The document with a member more in every object, however deep.
 Json extended(const Json& good);
 
+// The document with a warning of the tests' own.
+Json warned(const Json& good);
+
 // The test fails for each of them that fits the schema.
 void expectMisfits(const std::string& schemaFile, const std::vector<Spoilt>& documents);
 

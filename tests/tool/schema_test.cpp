@@ -43,6 +43,8 @@ TEST_F(GroundSchema, UnknownMembersFitEverywhere) {
   EXPECT_EQ(mistakesIn(extended(json)), "");
 }
 
+TEST_F(GroundSchema, NoWarningsWhereAllIsWell) { EXPECT_EQ(summary({"--strict"})["warnings"], Json::array()); }
+
 TEST_F(GroundSchema, WithoutRegions) { EXPECT_EQ(mistakesIn(summary({"--no-regions"})), ""); }
 
 TEST_F(GroundSchema, NothingMeasured) {
@@ -53,7 +55,8 @@ TEST_F(GroundSchema, NothingMeasured) {
 }
 
 TEST_F(GroundSchema, WhatIsMissingOrOfAnotherKindDoesNotFit) {
-  const Json good = summary({"--areas", "a.toml"});
+  const Json good = warned(summary({"--areas", "a.toml"}));
+  EXPECT_EQ(mistakesIn(good), "");
   EXPECT_TRUE(good["ground_plane"].is_object()) << "its members are spoilt too";
   expectMisfits(NADIR_SCHEMA, spoilt(good, "pixels"));  // areas on the ground have none
 }

@@ -11,8 +11,9 @@ struct Error : std::runtime_error {
   int status;
 };
 
-// The status of a run over many frames, or of a comparison of many results, that has done what it could.
-constexpr int someFramesSkipped = 3;
+// The status of work that is done, but not all of it can be relied on: frames were skipped, results not compared, or
+// there are warnings and the user asked for none.
+constexpr int notAllReliable = 3;
 constexpr int someNotCompared = 3;
 constexpr int interrupted = 130;  // as a shell says of a program that Ctrl-C ended
 

@@ -11,6 +11,7 @@
 #include "ground/records/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
+#include "tools/base/warnings.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
@@ -27,7 +28,7 @@ namespace {
 struct Options {
   std::string left, right, output, preview, mask;
   ground::View grid = ground::View::left;
-  bool noPreview = false, half = false, noPostprocessing = false;
+  bool noPreview = false, half = false, noPostprocessing = false, strict = false;
   uint32_t uniqueness = ground::MatchOptions().uniqueness;
 };
 
@@ -85,6 +86,9 @@ void run(const Options& options) {
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
   files.commit();
+  const Warnings warnings;  // the matcher gives none of its own
+  tell(warnings);
+  if (options.strict) throwIfAny(warnings);
 }
 
 }  // namespace
@@ -120,6 +124,7 @@ void addDisparityCommand(CLI::App& app) {
                 "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 get "
                 "no disparity (default: none)");
   addRawOption(*command, options->noPostprocessing);
+  addStrictOption(*command, options->strict);
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
   command->footer(
       "Disparities from 2 to 61 pixels are found. Examples:\n"

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "tools/base/error.hpp"
+#include "tools/base/warnings.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -27,6 +28,7 @@ namespace {
 struct Options {
   RoadOptions road;
   std::string left, right, folder;
+  bool strict = false;
   SequenceOptions sequence;
 };
 
@@ -37,8 +39,9 @@ void writeFindings(const std::string& folder, const ground::Setup& setup, const 
   files.write(folder + "/regions.picture.png", encodeRegionPicture(setup, r));
 }
 
-void writeOutputs(const std::string& folder, const ground::Setup& setup, const ground::Result& r, OutputFiles& files) {
-  const std::string summary = groundJson(setup, r);
+void writeOutputs(const std::string& folder, const ground::Setup& setup, const ground::Result& r,
+                  const Warnings& warnings, OutputFiles& files) {
+  const std::string summary = groundJson(setup, r, warnings);
   files.makeFolder(folder);
   if (!r.matched.pixels.empty())
     files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, setup.settings.view)));
@@ -54,16 +57,20 @@ void runOnPair(const Options& options) {
   StageTimes times;
   const Road road = roadOf(options.road);
   const ground::Result result = resultOf(road, options.left, options.right, timedBy(times));
+  const Warnings warnings;  // the road gives none of its own
   OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
                      options.road.mask});
-  times.measure("writing", [&] { writeOutputs(options.folder, road.setup, result, files); });
+  times.measure("writing", [&] { writeOutputs(options.folder, road.setup, result, warnings, files); });
   print(groundTable(road.setup, result, times));
   files.commit();
+  tell(warnings);
+  if (options.strict) throwIfAny(warnings);
 }
 
 void runOnSequence(const Options& options) {
   SequenceOptions sequence = options.sequence;
   sequence.folder = options.folder;
+  sequence.strict = options.strict;
   if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
   const Road road = roadOf(options.road);
   groundSequence(FrameSource(options.left, options.right), road, sequence);
@@ -180,6 +187,7 @@ void addGroundCommand(CLI::App& app) {
   addMapOptions(*command, options->road);
   addRegionOptions(*command, options->road);
   addMatchOptions(*command, options->road);
+  addStrictOption(*command, options->strict);
   const std::function<bool()> sequenceAsked = addSequenceOptions(*command, options->sequence);
   command->footer(
       "Files:\n"
@@ -198,6 +206,7 @@ void addGroundCommand(CLI::App& app) {
       "  average/NAME.png        cell by cell the mean of the last maps, where more than half of them have a height\n"
       "  run.json                the settings, which --resume compares\n"
       "A frame that cannot be used is named, skipped and counted; the exit status is then 3, and 130 after Ctrl-C.\n"
+      "Warnings, which say why a result may not be relied on, go to standard error, summary.json and frames.jsonl.\n"
       "\nAn area of interest is a polygon of 3 to 100 corners, in the camera file or a file for --areas:\n"
       "  [[area]]\n"
       "  name = \"door\"\n"

@@ -38,6 +38,11 @@ CLI::Option* addScaleOption(CLI::App& command, double& scale) {
                    "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)", "N");
 }
 
+CLI::Option* addStrictOption(CLI::App& command, bool& strict) {
+  return command.add_flag("--strict", strict,
+                          "End with status 3 where there is any warning; the results are written all the same");
+}
+
 CLI::Option* addThreadsOption(CLI::App& command, unsigned& threads, const char* help) {
   threads = processors();
   return addNumber(command, "--threads", threads, wholeNumberFrom(1, 256), help, "N");

@@ -46,6 +46,8 @@ CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
 // The number that a picture of disparities is divided by; 0 leaves it to the file.
 CLI::Option* addScaleOption(CLI::App& command, double& scale);
 
+CLI::Option* addStrictOption(CLI::App& command, bool& strict);
+
 // Sets the default, a thread for each processor, too.
 CLI::Option* addThreadsOption(CLI::App& command, unsigned& threads, const char* help);
 

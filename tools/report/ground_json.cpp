@@ -87,9 +87,10 @@ void addFindings(Json& json, const ground::Setup& setup, const std::optional<gro
 
 }  // namespace
 
-std::string groundJson(const ground::Setup& setup, const ground::Result& result) {
+std::string groundJson(const ground::Setup& setup, const ground::Result& result, const Warnings& warnings) {
   Json json = {{"schema", resultSchema},
                {"software", software()},
+               {"warnings", warningsJson(warnings)},
                {"camera", cameraJson(setup.camera)},
                {"view", nameOf(setup.settings.view)},
                {"disparity", disparitiesJson(result.disparity)},

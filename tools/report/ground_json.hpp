@@ -4,9 +4,10 @@
 #include <string>
 
 #include "ground/road.hpp"
+#include "tools/base/warnings.hpp"
 
 namespace nadir::tool {
 
-std::string groundJson(const ground::Setup& setup, const ground::Result& result);
+std::string groundJson(const ground::Setup& setup, const ground::Result& result, const Warnings& warnings);
 
 }  // namespace nadir::tool

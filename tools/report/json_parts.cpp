@@ -57,6 +57,16 @@ Json regionJson(const ground::Region& region, const ground::MapFrame& frame) {
   return json;
 }
 
+Json warningsJson(const Warnings& warnings) {
+  Json json = Json::array();
+  for (const Warning& warning : warnings) {
+    Json numbers = Json::object();
+    for (const auto& [name, value] : warning.numbers) numbers[name] = measuredJson(value);
+    json.push_back({{"id", warning.id}, {"sentence", warning.sentence}, {"numbers", numbers}});
+  }
+  return json;
+}
+
 void addHeights(Json& json, const ground::CellSet& set) {
   json["highest_mm"] = set.cells ? Json(set.highestMm) : Json();
   json["median_mm"] = set.cells ? Json(set.medianMm) : Json();

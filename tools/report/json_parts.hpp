@@ -6,6 +6,7 @@
 #include "ground/records/camera.hpp"
 #include "ground/regions.hpp"
 #include "tools/base/json_value.hpp"
+#include "tools/base/warnings.hpp"
 
 namespace nadir::tool {
 
@@ -29,6 +30,8 @@ Json cameraJson(const ground::Camera& camera);
 Json ruleJson(const ground::RegionRule& rule);
 Json cornersJson(const std::vector<Point_s32>& corners);
 Json regionJson(const ground::Region& region, const ground::MapFrame& frame);
+
+Json warningsJson(const Warnings& warnings);
 
 // Adds the heights of the cells, null where there is no cell.
 void addHeights(Json& json, const ground::CellSet& set);

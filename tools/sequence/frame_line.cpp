@@ -31,7 +31,8 @@ std::string frameLine(const FrameReport& report, const ground::Setup& setup) {
   Json json = {{"schema", resultSchema},
                {"frame", report.number},
                {"name", report.name},
-               {"time_s", roundedNumber(report.seconds, 1e6)}};
+               {"time_s", roundedNumber(report.seconds, 1e6)},
+               {"warnings", warningsJson(report.warnings)}};
   if (!report.error.empty()) {
     json["error"] = report.error;
   } else {

@@ -31,6 +31,7 @@ namespace {
 // The threads hand this over: all that is kept of a frame.
 struct Worked {
   std::string error;
+  Warnings warnings;
   Grid<uint16_t> heights;
   std::optional<ground::Findings> findings;
 };
@@ -60,7 +61,10 @@ class SequenceRun {
                   interrupted);
     if (skipped_ > 0)
       throw Error(format("%zu of %zu frames were skipped; %s says why", skipped_, done_, logPath().c_str()),
-                  someFramesSkipped);
+                  notAllReliable);
+    if (options_.strict && warned_ > 0)
+      throw Error(format("%zu of %zu frames have warnings; %s tells them", warned_, done_, logPath().c_str()),
+                  notAllReliable);
   }
 
  private:
@@ -154,6 +158,7 @@ class SequenceRun {
       throw Error("cannot resume: " + logPath() + " tells of other frames");
     const bool damaged = line.contains("error");
     skipped_ += damaged;
+    warned_ += !line.at("warnings").empty();
     for (size_t i = 0; i < tracks_.size() && !damaged; ++i) {
       const nlohmann::json& height = line.at("areas").at(i).at("highest_mm");
       tracks_[i].step(secondsOf(done_), height.is_null() ? std::optional<double>() : height.get<double>());
@@ -192,6 +197,8 @@ class SequenceRun {
     inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
       if (watch.requested()) return false;
       if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
+      for (const Warning& warning : worked.warnings)
+        progress.say("frame " + source_.name(frame) + ": " + warning.sentence);
       log.append(frameLine(reportOn(frame, std::move(worked)), road_.setup));
       ++done_;
       progress.advance();
@@ -206,7 +213,9 @@ class SequenceRun {
     report.name = source_.name(frame);
     report.seconds = secondsOf(frame);
     report.error = worked.error;
+    report.warnings = worked.warnings;
     skipped_ += !report.error.empty();
+    warned_ += !report.warnings.empty();
     if (!report.error.empty()) return report;
     report.seenCells = heightsOf(worked.heights).known;
     if (!options_.rule.noMaps) writeMaps(frame, worked.heights);
@@ -231,6 +240,7 @@ class SequenceRun {
     Table table;
     table.line("frames", static_cast<double>(done_), format("of %zu", source_.size()), 0);
     table.line("skipped", static_cast<double>(skipped_), "", 0);
+    if (warned_ > 0) table.line("with warnings", static_cast<double>(warned_), "", 0);
     return table.text();
   }
 
@@ -240,7 +250,7 @@ class SequenceRun {
   std::optional<FolderLock> lock_;
   ground::MapWindow window_;
   std::vector<ground::HeightTrack> tracks_;
-  size_t done_ = 0, skipped_ = 0;
+  size_t done_ = 0, skipped_ = 0, warned_ = 0;
 };
 
 }  // namespace

@@ -14,10 +14,12 @@ struct SequenceOptions {
   SequenceRule rule;
   unsigned threads = 1;
   bool resume = false;
+  bool strict = false;  // warnings make the exit status notAllReliable
 };
 
 // Works through the frames and writes what it finds, frame by frame, so that an interrupted run has whole files and can
-// be resumed. Throws Error with someFramesSkipped where frames were damaged, with `interrupted` after a signal.
+// be resumed. Throws Error with notAllReliable where frames were damaged or, if that is asked for, have warnings; with
+// `interrupted` after a signal.
 void groundSequence(const FrameSource& source, const Road& road, const SequenceOptions& options);
 
 }  // namespace nadir::tool
