@@ -22,9 +22,7 @@ struct RoadRows {
 
   static uint16_t widened(uint8_t pixel) { return pixel == 0 ? uint16_t{1} : static_cast<uint16_t>(pixel * 16); }
 
-  static void take16(const void* src, uint16_t* dst, size_t n) {
-    forEachPixel(n, [=](size_t i) { dst[i] = wordAt(src, i); });
-  }
+  static void take16(const void* src, uint16_t* dst, size_t n) { std::memcpy(dst, src, n * sizeof *dst); }
 
   static void take8(const void* src, uint16_t* dst, size_t n) {
     const auto* pixels = static_cast<const uint8_t*>(src);
@@ -110,32 +108,63 @@ struct RoadRows {
     return range;
   }
 
-  // Counters have 16 bits like the values; a block is too short for them to overflow.
-  static size_t countUpTo(uint16_t limit, const uint16_t* values, size_t count) {
+  // How many values are no larger. Counters have 16 bits like the values, so count must be less than 65536.
+  static uint16_t countOfBlock(const uint16_t* values, size_t count, uint16_t limit) {
+    uint16_t found = 0;
+    for (size_t i = 0; i < count; ++i) found = static_cast<uint16_t>(found + (values[i] <= limit));
+    return found;
+  }
+
+  static size_t countUpTo(const uint16_t* values, size_t count, uint16_t limit) {
     constexpr size_t block = 32768;
-    size_t all = 0;
-    for (size_t done = 0; done < count; done += block) {
-      const size_t end = count - done < block ? count : done + block;
-      uint16_t ofBlock = 0;
-      for (size_t i = done; i < end; ++i) ofBlock = static_cast<uint16_t>(ofBlock + (values[i] <= limit));
-      all += ofBlock;
+    size_t found = 0;
+    for (; count > block; count -= block, values += block) found += countOfBlock(values, block, limit);
+    return found + countOfBlock(values, count, limit);
+  }
+
+  // Halves the range until it holds one value. A branch on which half it is pays: the processor counts on while it
+  // guesses, and a count takes as long as a wrong guess.
+  template <class Count>
+  static uint16_t narrowed(Range range, size_t rank, Count countUpToLimit) {
+    uint32_t least = range.least, most = range.most;
+    while (least < most) {
+      const uint32_t middle = (least + most) / 2;
+      if (countUpToLimit(static_cast<uint16_t>(middle)) > rank) {
+        most = middle;
+      } else {
+        least = middle + 1;
+      }
     }
-    return all;
+    return static_cast<uint16_t>(least);
+  }
+
+  // This many values or less, as most cells have, are copied and filled up to whole vectors: none of them is left to be
+  // looked at by itself, pass after pass.
+  static constexpr size_t few = 512, lanes = 32;
+
+  static void fillUp(uint16_t* behind, uint16_t value) {
+    for (size_t i = 0; i < lanes; ++i) behind[i] = value;
+  }
+
+  // What fills up must not change the range, and is not counted after that: no limit is as large as the largest value.
+  static uint16_t rankedOfFew(const uint16_t* values, size_t count, size_t rank) {
+    uint16_t whole[few + lanes];
+    std::memcpy(whole, values, count * sizeof *values);
+    fillUp(whole + count, values[0]);
+    const size_t wholeCount = (count + lanes - 1) & ~(lanes - 1);
+    const Range range = rangeOf(whole, wholeCount);
+    if (rank == 0) return range.least;
+    if (rank == count - 1) return range.most;
+    fillUp(whole + count, range.most);
+    return narrowed(range, rank, [&](uint16_t limit) { return size_t{countOfBlock(whole, wholeCount, limit)}; });
   }
 
   static uint16_t ranked(const uint16_t* values, size_t count, size_t rank) {
-    Range range = rangeOf(values, count);
+    if (count <= few) return rankedOfFew(values, count, rank);
+    const Range range = rangeOf(values, count);
     if (rank == 0) return range.least;
     if (rank == count - 1) return range.most;
-    while (range.least < range.most) {
-      const auto middle = static_cast<uint16_t>((range.least + range.most) / 2);
-      if (countUpTo(middle, values, count) > rank) {
-        range.most = middle;
-      } else {
-        range.least = static_cast<uint16_t>(middle + 1);
-      }
-    }
-    return range.least;
+    return narrowed(range, rank, [=](uint16_t limit) { return countUpTo(values, count, limit); });
   }
 
   // ---- the ground ----
