@@ -29,6 +29,7 @@ ROOMS = {
     "lab/verify": "include/nadir lab lab/scene",
     # the road from a pair of pictures to what stands on the ground
     "ground/kernels": "include/nadir src/core src/simd",
+    "ground/library": "include/nadir src/simd ground/kernels",
     "ground": "include/nadir ground/kernels",
     # the program
     "tools/base": "include/nadir lab ground",
@@ -149,6 +150,8 @@ PLANTS = {  # what is planted, and the words that must answer
                         "tools/base must not include tools/draw/b.hpp"),
     "the library from the road": ({"ground/a.cpp": '#include "core/b.hpp"\n', "src/core/b.hpp": ""},
                                   "ground must not include core/b.hpp"),
+    "the road's library from the program": ({"ground/library/a.cpp": '#include "lab/grid.hpp"\n', "lab/grid.hpp": ""},
+                                            "ground/library must not include lab/grid.hpp"),
     "a bare name": ({"tools/draw/a.cpp": '#include "b.hpp"\n', "tools/draw/b.hpp": ""}, "is no path from"),
     "a folder that nobody knows": ({"common/a.hpp": ""}, "has no room for it"),
     "a hall": ({f"lab/a{i}.hpp": "" for i in range(LARGEST_FOLDER + 1)}, "more than"),
