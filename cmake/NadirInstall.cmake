@@ -1,8 +1,10 @@
-# Installs the library for find_package(nadir) and for pkg-config. Both find their prefix from where they lie, so that an
-# installed tree can be moved.
+# Installs both libraries for find_package(nadir) and for pkg-config. Both find their prefix from where they lie, so that
+# an installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS nadir EXPORT nadirTargets)
+# Whoever links libnadirground alone need not know where libnadir lies: beside it.
+set_target_properties(nadirground PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS nadir nadirground EXPORT nadirTargets)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/nadir DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
@@ -14,5 +16,7 @@ install(FILES ${PROJECT_BINARY_DIR}/nadirConfigVersion.cmake DESTINATION ${packa
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig /prefix/${pkgconfig_dir} /prefix)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/nadir.pc.in ${PROJECT_BINARY_DIR}/nadir.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/nadir.pc DESTINATION ${pkgconfig_dir})
+foreach(library IN ITEMS nadir nadirground)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${pkgconfig_dir})
+endforeach()
