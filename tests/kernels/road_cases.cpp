@@ -110,16 +110,15 @@ void checkPixelsGiven(Check& check, PixelsOfGiven, PixelsOfGiven tested) {
 
 // ---- places on the map ----
 
-// A camera that looks at a map somewhere below it, and now and then at one far beside it.
+// A camera above a map, whose cells are so small that the last bits of a place decide on some points' cells.
 StereoCtx anyCamera(lab::Random& random) {
   const float height = static_cast<float>(random.between(1500, 6000));
   const IntCalibParams inner = {random.between(20 * 256, 400 * 256), random.between(200 * 256, 900 * 256),
                                 random.between(0, 640 * 16), random.between(0, 480 * 16)};
   const Orientation mount = {height, static_cast<float>(random.between(-600, 600)) / 10.0f,
                              static_cast<float>(random.between(-1800, 1800)) / 10.0f};
-  const ElevMapParams map = {
-      static_cast<uint16_t>(random.between(1, 128)), static_cast<uint16_t>(random.between(1, 128)),
-      static_cast<uint16_t>(random.between(1, 200)), static_cast<uint16_t>(random.between(1, 200))};
+  const auto any = [&](int32_t most) { return static_cast<uint16_t>(random.between(1, most)); };
+  const ElevMapParams map = {any(6000), any(6000), any(20), any(20)};
   StereoCtx camera;
   ip_stereo_init(&camera, &inner, &mount, &map);
   return camera;
@@ -152,6 +151,8 @@ struct Placed {
   uint16_t height;
 };
 
+uint16_t roundedHeight(double mm) { return static_cast<uint16_t>(std::clamp<double>(std::floor(mm + 0.5), 1, 65535)); }
+
 // Goes through the library's functions, and rounds in double.
 Placed placed(const StereoCtx& camera, Point_f32 pixel, float disparity) {
   Point3_f32 world;
@@ -161,9 +162,8 @@ Placed placed(const StereoCtx& camera, Point_f32 pixel, float disparity) {
   Point_f32 cell;
   ip_world2elev(&place, &cell, &map, &camera.lowerLeft);
   if (!(cell.x >= 0 && cell.y >= 0 && cell.x < map.width && cell.y < map.height)) return {noCell, 0};
-  const double mm = camera.orientation.height - world.z;
   return {static_cast<uint32_t>(cell.y) * map.width + static_cast<uint32_t>(cell.x),
-          static_cast<uint16_t>(std::clamp<double>(std::floor(mm + 0.5), 1, 65535))};
+          roundedHeight(camera.orientation.height - world.z)};
 }
 
 // Disparities of points between half a metre below the camera's feet and its own height, and others.
@@ -197,12 +197,88 @@ size_t checkPlacedRow(Check& check, PlaceRow scalar, PlaceRow tested, const Ster
   return inside;
 }
 
+// A camera without rotation whose points lie at depth 1: their rays are their places.
+Placing straightPlacing(const float* rays, uint32_t side) {
+  Placing p = {};
+  p.rayX = rays;
+  p.focalTimesBaseline = p.cellX = p.cellY = 1;
+  p.rotation[0] = p.rotation[4] = p.rotation[8] = 1;
+  p.mapWidth = p.mapHeight = side;
+  return p;
+}
+
+// Halves of millimetres, and the floats beside them, whatever the height is larger or smaller than.
+std::vector<float> roundedHeights() {
+  std::vector<float> heights;
+  for (int mm = -3; mm <= 65540; ++mm) {
+    const float half = static_cast<float>(mm) + 0.5f;
+    for (const float h : {std::nextafter(half, -1e9f), half, std::nextafter(half, 1e9f), static_cast<float>(mm)})
+      heights.push_back(h);
+  }
+  for (const float h : {1e-45f, -1e-45f, 1e9f, -1e9f, 3e38f, -3e38f}) heights.push_back(h);
+  return heights;
+}
+
+// A camera whose world is rotated so that the ray's x is the height, and all lies over one cell.
+void checkRounding(Check& check, PlaceRow tested) {
+  const std::vector<float> heights = roundedHeights();
+  Placing p = straightPlacing(heights.data(), 1);
+  std::fill_n(p.rotation, 9, 0.0f);
+  p.rotation[6] = -1;
+  const std::vector<float> disparity(heights.size(), 1.0f);
+  Output<uint32_t> cells(heights.size(), Guard::behind);
+  Output<uint16_t> want(heights.size(), Guard::behind), got(heights.size(), Guard::behind);
+  check.describe("all halves of millimetres");
+  tested(disparity.data(), heights.size(), 0, p, cells.data(), got.data());
+  for (size_t i = 0; i < heights.size(); ++i) want.data()[i] = roundedHeight(heights[i]);
+  check.equal("height", want, got);
+}
+
+void checkCells(Check& check, PlaceRow tested, const Placing& placing, float rayY, const std::vector<float>& disparity,
+                const std::vector<uint32_t>& cells) {
+  Output<uint32_t> want(cells.size(), Guard::behind), got(cells.size(), Guard::behind);
+  Output<uint16_t> heights(cells.size(), Guard::behind);
+  want.set(cells);
+  tested(disparity.data(), cells.size(), rayY, placing, got.data(), heights.data());
+  check.equal("cell", want, got);
+}
+
+// The last cells of the largest map need all 32 bits.
+void checkLargestMap(Check& check, PlaceRow tested) {
+  constexpr uint32_t side = 65535, row = (side - 1) * side;
+  const float columns[] = {-1.0f, -0.0f, 0.0f, 0.9f, 65533.5f, 65534.0f, 65534.99f, 65535.0f, notANumber};
+  const Placing p = straightPlacing(columns, side);
+  const std::vector<float> disparity(9, 1.0f);
+  check.describe("the largest map");
+  const std::vector<uint32_t> beside(9, noCell);
+  checkCells(check, tested, p, 65534.5f, disparity,
+             {noCell, row, row, row, row + 65533, row + 65534, row + 65534, noCell, noCell});
+  checkCells(check, tested, p, 65535.0f, disparity, beside);
+  checkCells(check, tested, p, -0.001f, disparity, beside);
+}
+
+void checkLeastDisparity(Check& check, PlaceRow tested) {
+  const float rays[4] = {};
+  Placing p = straightPlacing(rays, 1);
+  p.focalTimesBaseline = leastDisparity;
+  check.describe("the least disparity");
+  checkCells(check, tested, p, 0, {leastDisparity, std::nextafter(leastDisparity, 1.0f), 0.0f, notANumber},
+             {noCell, 0, noCell, noCell});
+}
+
 void checkPlace(Check& check, PlaceRow scalar, PlaceRow tested) {
+  checkRounding(check, tested);
+  checkLargestMap(check, tested);
+  checkLeastDisparity(check, tested);
   size_t pixels = 0, inside = 0;
   forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
     pixels += n;
     inside += checkPlacedRow(check, scalar, tested, anyCamera(check.random), n, side);
   });
+  for (int round = 0; round < 200; ++round) {
+    pixels += benchWidth;
+    inside += checkPlacedRow(check, scalar, tested, anyCamera(check.random), benchWidth, Guard::behind);
+  }
   check.holds("hardly a point lies over a map", inside > pixels / 20 && inside < pixels / 2);
 }
 
@@ -229,6 +305,10 @@ void checkRanked(Check& check, RankedValue, RankedValue tested) {
     checkRanksOf(check, tested, filled<uint16_t>(check.random, fill, n, 0, 65535), side);
     checkRanksOf(check, tested, filled<uint16_t>(check.random, fill, n, 1700, 1790), side);
   });
+  std::vector<uint16_t> one(200001, 5);
+  one.back() = 9;
+  check.describe("all values but one are equal");
+  checkRanksOf(check, tested, one, Guard::behind);
   for (const size_t n : {32767u, 32768u, 65535u, 65536u, 65537u, 300001u, 3000000u}) {
     for (const Fill fill : allFills) {
       check.describe(described(n, fill, Guard::behind));
@@ -263,24 +343,28 @@ GroundTally modelTally(const Guarded<uint16_t>& stored, const GroundRow& ground)
 }
 
 int32_t anyExpected(lab::Random& random) {
-  switch (random.below(4)) {
+  switch (random.below(5)) {
     case 0: return random.between(-100 * 65536, 100 * 65536);
     case 1: return std::numeric_limits<int32_t>::max();
     case 2: return std::numeric_limits<int32_t>::min();
+    case 3: return 0;
     default: return random.between(0, 1024 * 65536);
   }
 }
 
-// The row's both ends fit 32 bits.
+// Both ends of the row fit 32 bits. Every other ground lies at whole disparities, so that differences reach the
+// tolerance and no more.
 GroundRow anyGround(lab::Random& random, size_t n) {
+  const int32_t tolerances[] = {0, 8 * 65536, 4096 * 65536 - 1, std::numeric_limits<int32_t>::max()};
+  const int32_t tolerance = tolerances[random.below(4)];
+  if (random.below(2)) return {65536 * random.between(0, 1000), n < 300 ? 65536 * random.between(-9, 9) : 0, tolerance};
   const int32_t first = anyExpected(random);
   const auto steps = static_cast<int64_t>(n > 1 ? n - 1 : 1);
   const int64_t step = (int64_t{anyExpected(random)} - first) / steps;
-  const int32_t tolerances[] = {0, 8 * 65536, 4096 * 65536 - 1, std::numeric_limits<int32_t>::max()};
   return {first,
           static_cast<int32_t>(
               std::clamp<int64_t>(step, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max())),
-          tolerances[random.below(4)]};
+          tolerance};
 }
 
 // Some pixels lie where the ground is.
