@@ -43,7 +43,7 @@ void Progress::advance() {
 
 void Progress::say(const std::string& sentence) {
   wipeBar();
-  std::fprintf(stderr, "nadir: %s\n", sentence.c_str());
+  nadir::tool::say(sentence);
 }
 
 std::string Progress::state() const {

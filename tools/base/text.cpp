@@ -47,4 +47,6 @@ void print(const std::string& text) {
   if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) throw Error("cannot write to standard output");
 }
 
+void say(const std::string& sentence) { std::fprintf(stderr, "nadir: %s\n", sentence.c_str()); }
+
 }  // namespace nadir::tool

@@ -29,4 +29,7 @@ class Table {
 // Writes to standard output and throws where that fails (a full disk behind a redirection).
 void print(const std::string& text);
 
+// A line of its own on standard error: "nadir: SENTENCE".
+void say(const std::string& sentence);
+
 }  // namespace nadir::tool

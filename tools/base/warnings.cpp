@@ -1,15 +1,13 @@
 // Warnings as sentences, and as an exit status.
 #include "tools/base/warnings.hpp"
 
-#include <cstdio>
-
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 
 namespace nadir::tool {
 
 void tell(const Warnings& warnings) {
-  for (const Warning& warning : warnings) std::fprintf(stderr, "nadir: %s\n", warning.sentence.c_str());
+  for (const Warning& warning : warnings) say(warning.sentence);
 }
 
 void throwIfAny(const Warnings& warnings) {

@@ -82,7 +82,7 @@ void run(const Options& options, bool sequenceAsked) {
     throw Error("there is no file or folder " + options.left);
   if (sequenceAsked)
     throw Error(options.left +
-                " is one picture: --fps, --average, --track-noise, --threads, --resume "
+                " is one picture: --fps, --times, --average, --track-noise, --threads, --resume "
                 "and --no-maps are for sequences");
   runOnPair(options);
 }
@@ -138,6 +138,16 @@ void addRegionOptions(CLI::App& command, RoadOptions& options) {
       ->type_name("FILE");
 }
 
+CLI::Option* addTimesOption(CLI::App& command, TimeRule& rule) {
+  const auto choose = [&rule](const std::string& word) { rule.unit = timeUnitNamed(word); };
+  return command
+      .add_option_function<std::string>("--times", choose,
+                                        "What the numbers in the frames' names are: frames, which --fps makes times "
+                                        "of; or ns, us, ms, s of a clock (default: guessed from the first frames)")
+      ->check(CLI::IsMember(timeUnitNames()).description(""))
+      ->type_name("UNIT");
+}
+
 // Returns whether one of them is given.
 std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& options) {
   std::vector<CLI::Option*> all;
@@ -145,8 +155,10 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
     all.push_back(addNumber(command, name, value, range, help, unit));
   };
   SequenceRule& rule = options.rule;
-  number("--fps", rule.framesPerSecond, numberFrom(0.001, 100000),
-         "Frames per second of a sequence, {range} (default: {default})", "RATE");
+  number("--fps", rule.times.framesPerSecond, numberFrom(0.001, 100000),
+         "Frames per second of a sequence whose names count its frames, {range} (default: {default})", "RATE");
+  all.back()->each([&rule](const std::string&) { rule.times.rateGiven = true; });
+  all.push_back(addTimesOption(command, rule.times)->excludes(all.back()));
   number("--average", rule.averageFrames, wholeNumberFrom(1, 1000),
          "Frames in the window that the averaged maps are means of, {range} (default: {default})", "N");
   number("--track-noise", rule.track.noiseMm, numberFrom(0.1, 10000),

@@ -47,12 +47,15 @@ class SequenceRun {
       : source_(source),
         road_(road),
         options_(options),
+        times_(options.rule.times, timesBegunWith(), source),
         window_(options.rule.averageFrames),
         tracks_(road.setup.areas.size(), ground::HeightTrack(options.rule.track)) {}
 
   void go() {
     begin();
     takeUp();
+    if (!times_.sentence().empty()) say(times_.sentence());
+    tell(times_.warnings());
     work();
     print(table());
     if (done_ < source_.size())
@@ -65,6 +68,7 @@ class SequenceRun {
     if (options_.strict && warned_ > 0)
       throw Error(format("%zu of %zu frames have warnings; %s tells them", warned_, done_, logPath().c_str()),
                   notAllReliable);
+    if (options_.strict) throwIfAny(times_.warnings());
   }
 
  private:
@@ -73,17 +77,21 @@ class SequenceRun {
   std::string mapPath(const char* kind, size_t frame) const {
     return options_.folder + "/" + kind + "/" + source_.name(frame) + ".png";
   }
-  double secondsOf(size_t frame) const {
-    return static_cast<double>(source_.number(frame) - source_.number(0)) / options_.rule.framesPerSecond;
-  }
+  double secondsOf(size_t frame) const { return times_.seconds(source_.number(frame)); }
 
   // ---- the beginning, or where an earlier run has ended ----
+
+  // A guess could be another one when frames have come since.
+  std::optional<TimeUnit> timesBegunWith() const {
+    if (!options_.resume || !fs::exists(settingsPath())) return {};
+    return timesIn(readText(settingsPath()));
+  }
 
   // The folders are there before run.json tells of them, so that a run that was killed in between can go on too.
   void begin() {
     checkMask();
     checkCamera();
-    const std::string settings = settingsText(road_, options_.rule, source_);
+    const std::string settings = settingsText(road_, options_.rule, source_, times_.unit());
     OutputFiles files;
     files.makeFolder(options_.folder);
     lock_.emplace(options_.folder);
@@ -247,6 +255,7 @@ class SequenceRun {
   const FrameSource& source_;
   const Road& road_;
   const SequenceOptions& options_;
+  const FrameTimes times_;
   std::optional<FolderLock> lock_;
   ground::MapWindow window_;
   std::vector<ground::HeightTrack> tracks_;

@@ -4,7 +4,6 @@
 #include <zlib.h>
 
 #include <filesystem>
-#include <optional>
 
 #include "tools/base/text.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -56,13 +55,14 @@ struct FirstPair {
 };
 
 Json settingsJson(const ground::Setup& setup, const SequenceRule& rule, const FirstPair& first,
-                  const std::optional<MaskMark>& mask) {
+                  const std::optional<MaskMark>& mask, TimeUnit times) {
   const ground::Settings& settings = setup.settings;
   return {{"schema", resultSchema},
           {"software", software()},
           {"first_left", first.left},
           {"first_right", first.right},
-          {"fps", rule.framesPerSecond},
+          {"times", nameOf(times)},
+          {"fps", times == TimeUnit::frames ? Json(rule.times.framesPerSecond) : Json()},
           {"average_frames", rule.averageFrames},
           {"track", trackJson(rule.track)},
           {"maps", !rule.noMaps},
@@ -80,10 +80,16 @@ Json settingsJson(const ground::Setup& setup, const SequenceRule& rule, const Fi
 
 }  // namespace
 
-std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source) {
+std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source, TimeUnit times) {
   const FirstPair first{absolutePath(source.left(0)), absolutePath(source.right(0))};
-  const Json json = settingsJson(road.setup, rule, first, markOfMask(road.options.mask));
+  const Json json = settingsJson(road.setup, rule, first, markOfMask(road.options.mask), times);
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::optional<TimeUnit> timesIn(const std::string& settings) {
+  const Json json = Json::parse(settings, nullptr, false);
+  if (!json.is_object() || !json.contains("times") || !json["times"].is_string()) return {};
+  return timeUnitNamed(json["times"]);
 }
 
 }  // namespace nadir::tool
