@@ -11,6 +11,9 @@ namespace nadir::ground {
 namespace {
 
 constexpr Level<RoadKernels> levels[] = {
+#if defined(NADIR_WITH_AVX512)
+    {cpuAvx512, &roadAvx512},
+#endif
 #if defined(NADIR_WITH_AVX2)
     {cpuAvx2, &roadAvx2},
 #endif

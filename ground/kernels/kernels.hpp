@@ -89,6 +89,6 @@ const RoadKernels& roadKernels(unsigned cpu);
 // Those of the level at which libnadir runs.
 const RoadKernels& roadKernels();
 
-extern const RoadKernels roadScalar, roadSse41, roadAvx2;
+extern const RoadKernels roadScalar, roadSse41, roadAvx2, roadAvx512;
 
 }  // namespace nadir::ground
