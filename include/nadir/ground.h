@@ -346,6 +346,7 @@ typedef struct NadirMeasurement {
   int64_t time_ns;          /* of the frame, from any beginning; never before that of the last one */
   const double* highest_mm; /* in each area, not-a-number where nothing stands; null where there is no area */
   NadirPlane heights;       /* the map; without data it does not enter the average */
+  size_t reserved;          /* 0 */
 } NadirMeasurement;
 
 /* Takes a frame's findings, in the order of the frames. */

@@ -1,17 +1,8 @@
 /* The memory layout of the public records, on 32-bit and on 64-bit processors. Programs are compiled against it, so a
  * change here breaks them. Compiling this file is the test; it is compiled as C and, through records.cpp, as C++. */
 #include <nadir/nadir.h>
-#include <stddef.h>
 
-/* A macro, because C99 has no static assertion: an array of a negative size does not compile. */
-#define HOLDS(condition) extern const char holds[(condition) ? 1 : -1]
-
-#define HERE(on32, on64) (sizeof(void*) == 4 ? (on32) : (on64))
-#define SIZE(record, on32, on64) HOLDS(sizeof(record) == HERE(on32, on64))
-
-/* Both branches of the inner ?: must have the same pointer type, or compilers complain. */
-#define FIELD(record, type, field, on32, on64) \
-  HOLDS(offsetof(record, field) == HERE(on32, on64) && sizeof(1 ? &((record*)0)->field : (type*)0) == sizeof(void*))
+#include "tests/abi/holds.h"
 
 FIELD(Img, uint16_t, width, 0, 0);
 FIELD(Img, uint16_t, height, 2, 2);

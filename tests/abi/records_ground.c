@@ -1,0 +1,187 @@
+/* The memory layout of libnadirground's records, on 32-bit and on 64-bit processors. Each member begins where the one
+ * before ends, at a multiple of its own size, and the last one ends the record: without hidden holes every byte means
+ * something, and processors that align 64-bit members differently agree. Compiling this file is the test; it is
+ * compiled as C and, through records_ground.cpp, as C++. */
+#include <nadir/ground.h>
+
+#include "tests/abi/holds.h"
+
+/* A plane within a record is aligned like its pointer. */
+#define ALIGNED(record, type, field) \
+  HOLDS(offsetof(record, field) % (sizeof(type) > 8 ? sizeof(void*) : sizeof(type)) == 0)
+#define END(record, field) (offsetof(record, field) + sizeof(((record*)0)->field))
+
+#define FIRST(record, type, field) FIELD(record, type, field, 0, 0)
+#define NEXT(record, before, type, field) \
+  ALIGNED(record, type, field);           \
+  FIELD(record, type, field, END(record, before), END(record, before))
+#define LAST(record, field, on32, on64)        \
+  HOLDS(END(record, field) == sizeof(record)); \
+  SIZE(record, on32, on64)
+
+FIRST(NadirFault, uint32_t, size);
+NEXT(NadirFault, size, uint32_t, area);
+NEXT(NadirFault, area, uint32_t, corner);
+NEXT(NadirFault, corner, uint32_t, reserved);
+NEXT(NadirFault, reserved, const char*, field);
+LAST(NadirFault, field, 20, 24);
+
+FIRST(NadirCamera, uint32_t, size);
+NEXT(NadirCamera, size, uint32_t, width_px);
+NEXT(NadirCamera, width_px, uint32_t, height_px);
+NEXT(NadirCamera, height_px, uint32_t, cell_mm);
+NEXT(NadirCamera, cell_mm, uint32_t, map_width_cells);
+NEXT(NadirCamera, map_width_cells, uint32_t, map_height_cells);
+NEXT(NadirCamera, map_height_cells, double, baseline_mm);
+NEXT(NadirCamera, baseline_mm, double, focal_px);
+NEXT(NadirCamera, focal_px, double, principal_x_px);
+NEXT(NadirCamera, principal_x_px, double, principal_y_px);
+NEXT(NadirCamera, principal_y_px, double, column_shift_px);
+NEXT(NadirCamera, column_shift_px, double, height_mm);
+NEXT(NadirCamera, height_mm, double, tilt_deg);
+NEXT(NadirCamera, tilt_deg, double, pan_deg);
+NEXT(NadirCamera, pan_deg, double, map_offset_x_mm);
+NEXT(NadirCamera, map_offset_x_mm, double, map_offset_y_mm);
+LAST(NadirCamera, map_offset_y_mm, 104, 104);
+
+FIRST(NadirArea, uint32_t, size);
+NEXT(NadirArea, size, uint32_t, unit);
+NEXT(NadirArea, unit, uint32_t, corner_count);
+NEXT(NadirArea, corner_count, uint32_t, reserved);
+NEXT(NadirArea, reserved, const int32_t*, corners);
+LAST(NadirArea, corners, 20, 24);
+
+FIRST(NadirSettings, uint32_t, size);
+NEXT(NadirSettings, size, uint32_t, until);
+NEXT(NadirSettings, until, uint32_t, grid);
+NEXT(NadirSettings, grid, uint32_t, uniqueness);
+NEXT(NadirSettings, uniqueness, uint32_t, postprocess);
+NEXT(NadirSettings, postprocess, uint32_t, min_points);
+NEXT(NadirSettings, min_points, double, percentile);
+NEXT(NadirSettings, percentile, double, fill_holes_m2);
+NEXT(NadirSettings, fill_holes_m2, double, min_height_mm);
+NEXT(NadirSettings, min_height_mm, double, max_step_mm);
+NEXT(NadirSettings, max_step_mm, double, min_area_m2);
+LAST(NadirSettings, min_area_m2, 64, 64);
+
+FIRST(NadirPlane, const void*, data);
+NEXT(NadirPlane, data, size_t, stride);
+NEXT(NadirPlane, stride, uint32_t, width);
+NEXT(NadirPlane, width, uint32_t, height);
+LAST(NadirPlane, height, 16, 24);
+
+FIRST(NadirPlacedArea, uint32_t, size);
+NEXT(NadirPlacedArea, size, uint32_t, cells);
+NEXT(NadirPlacedArea, cells, uint32_t, whole_on_map);
+NEXT(NadirPlacedArea, whole_on_map, uint32_t, corner_count);
+NEXT(NadirPlacedArea, corner_count, const int32_t*, ground_mm);
+NEXT(NadirPlacedArea, ground_mm, NadirPlane, mask);
+LAST(NadirPlacedArea, mask, 36, 48);
+
+typedef void (*StageBegun)(void*, const char*);
+FIRST(NadirFrame, uint32_t, size);
+NEXT(NadirFrame, size, uint32_t, bits);
+NEXT(NadirFrame, bits, const void*, left);
+NEXT(NadirFrame, left, const void*, right);
+NEXT(NadirFrame, right, size_t, left_stride);
+NEXT(NadirFrame, left_stride, size_t, right_stride);
+NEXT(NadirFrame, right_stride, const uint8_t*, mask);
+NEXT(NadirFrame, mask, size_t, mask_stride);
+NEXT(NadirFrame, mask_stride, const float*, disparity);
+NEXT(NadirFrame, disparity, size_t, disparity_stride);
+NEXT(NadirFrame, disparity_stride, StageBegun, on_stage);
+NEXT(NadirFrame, on_stage, void*, user);
+LAST(NadirFrame, user, 48, 88);
+
+FIRST(NadirPixelCounts, uint32_t, size);
+NEXT(NadirPixelCounts, size, uint32_t, value);
+NEXT(NadirPixelCounts, value, uint32_t, ambiguous);
+NEXT(NadirPixelCounts, ambiguous, uint32_t, removed);
+NEXT(NadirPixelCounts, removed, uint32_t, masked);
+NEXT(NadirPixelCounts, masked, uint32_t, border);
+NEXT(NadirPixelCounts, border, uint32_t, filled);
+NEXT(NadirPixelCounts, filled, uint32_t, reserved);
+LAST(NadirPixelCounts, reserved, 32, 32);
+
+FIRST(NadirRegion, uint32_t, size);
+NEXT(NadirRegion, size, uint32_t, label);
+NEXT(NadirRegion, label, uint32_t, cells);
+NEXT(NadirRegion, cells, uint32_t, highest_mm);
+NEXT(NadirRegion, highest_mm, uint32_t, median_mm);
+NEXT(NadirRegion, median_mm, uint32_t, left);
+NEXT(NadirRegion, left, uint32_t, top);
+NEXT(NadirRegion, top, uint32_t, right);
+NEXT(NadirRegion, right, uint32_t, bottom);
+NEXT(NadirRegion, bottom, uint32_t, at_map_edge);
+NEXT(NadirRegion, at_map_edge, double, centre_x_mm);
+NEXT(NadirRegion, centre_x_mm, double, centre_y_mm);
+NEXT(NadirRegion, centre_y_mm, double, area_m2);
+LAST(NadirRegion, area_m2, 64, 64);
+
+FIRST(NadirOccupancy, uint32_t, size);
+NEXT(NadirOccupancy, size, uint32_t, cells);
+NEXT(NadirOccupancy, cells, uint32_t, seen_cells);
+NEXT(NadirOccupancy, seen_cells, uint32_t, covered_cells);
+NEXT(NadirOccupancy, covered_cells, uint32_t, highest_mm);
+NEXT(NadirOccupancy, highest_mm, uint32_t, median_mm);
+NEXT(NadirOccupancy, median_mm, uint32_t, first_share);
+NEXT(NadirOccupancy, first_share, uint32_t, share_count);
+LAST(NadirOccupancy, share_count, 32, 32);
+
+FIRST(NadirShare, uint32_t, size);
+NEXT(NadirShare, size, uint32_t, label);
+NEXT(NadirShare, label, uint32_t, cells);
+NEXT(NadirShare, cells, uint32_t, highest_mm);
+NEXT(NadirShare, highest_mm, uint32_t, median_mm);
+NEXT(NadirShare, median_mm, uint32_t, reserved);
+LAST(NadirShare, reserved, 24, 24);
+
+FIRST(NadirFindings, uint32_t, size);
+NEXT(NadirFindings, size, uint32_t, region_count);
+NEXT(NadirFindings, region_count, uint32_t, area_count);
+NEXT(NadirFindings, area_count, uint32_t, share_count);
+NEXT(NadirFindings, share_count, uint32_t, warning_count);
+NEXT(NadirFindings, warning_count, uint32_t, points);
+NEXT(NadirFindings, points, uint32_t, points_inside);
+NEXT(NadirFindings, points_inside, uint32_t, seen_cells);
+NEXT(NadirFindings, seen_cells, uint32_t, filled_cells);
+NEXT(NadirFindings, filled_cells, uint32_t, reserved);
+NEXT(NadirFindings, reserved, NadirPlane, disparity);
+NEXT(NadirFindings, disparity, NadirPlane, heights);
+NEXT(NadirFindings, heights, NadirPlane, point_counts);
+NEXT(NadirFindings, point_counts, NadirPlane, labels);
+NEXT(NadirFindings, labels, const NadirPixelCounts*, pixels);
+NEXT(NadirFindings, pixels, const NadirRegion*, regions);
+NEXT(NadirFindings, regions, const NadirOccupancy*, areas);
+NEXT(NadirFindings, areas, const NadirShare*, shares);
+LAST(NadirFindings, shares, 120, 168);
+
+FIRST(NadirPoint, float, x_mm);
+NEXT(NadirPoint, x_mm, float, y_mm);
+NEXT(NadirPoint, y_mm, float, z_mm);
+NEXT(NadirPoint, z_mm, float, disparity_px);
+NEXT(NadirPoint, disparity_px, uint32_t, column);
+NEXT(NadirPoint, column, uint32_t, row);
+LAST(NadirPoint, row, 24, 24);
+
+FIRST(NadirTrackSettings, uint32_t, size);
+NEXT(NadirTrackSettings, size, uint32_t, average_frames);
+NEXT(NadirTrackSettings, average_frames, double, noise_mm);
+NEXT(NadirTrackSettings, noise_mm, double, acceleration_mm_per_s2);
+NEXT(NadirTrackSettings, acceleration_mm_per_s2, double, patience_s);
+LAST(NadirTrackSettings, patience_s, 32, 32);
+
+FIRST(NadirTrack, uint32_t, size);
+NEXT(NadirTrack, size, uint32_t, active);
+NEXT(NadirTrack, active, double, height_mm);
+NEXT(NadirTrack, height_mm, double, rate_mm_per_s);
+NEXT(NadirTrack, rate_mm_per_s, double, deviation_mm);
+LAST(NadirTrack, deviation_mm, 32, 32);
+
+FIRST(NadirMeasurement, uint32_t, size);
+NEXT(NadirMeasurement, size, uint32_t, area_count);
+NEXT(NadirMeasurement, area_count, int64_t, time_ns);
+NEXT(NadirMeasurement, time_ns, const double*, highest_mm);
+NEXT(NadirMeasurement, highest_mm, NadirPlane, heights);
+NEXT(NadirMeasurement, heights, size_t, reserved);
+LAST(NadirMeasurement, reserved, 40, 56);
