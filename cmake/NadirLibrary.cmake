@@ -26,10 +26,11 @@ target_include_directories(nadir INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set_target_properties(nadir PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                       LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/nadir.map)
+# 32-bit ARM divides in libgcc; a part of it in each library is less than one more library to be there at run time.
 if(BUILD_SHARED_LIBS)
   target_link_options(nadir PRIVATE
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/nadir.map -Wl,--no-undefined -Wl,--as-needed -Wl,--gc-sections
-    -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+    -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack -static-libgcc)
 endif()
 target_link_libraries(nadir PRIVATE m)
 

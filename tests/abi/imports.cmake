@@ -1,12 +1,27 @@
-# The shared library needs the C library, and nothing of the C++ runtime.
+# The shared library needs the C library, and nothing of the C++ runtime. Given ALLOWED, files of this folder with names,
+# it needs nothing but those; given ABOVE, another library may be needed.
 include(${CMAKE_CURRENT_LIST_DIR}/symbols.cmake)
 
 dynamic_symbols(imported --undefined-only)
 list(FILTER imported INCLUDE REGEX "^(_Z|__cxa_|__gxx_|_Unwind)")
 expect_none("names of the C++ runtime" "${imported}" "__cxa_finalize")
 
+if(ALLOWED)
+  set(allowed "")
+  foreach(list IN LISTS ALLOWED)
+    file(STRINGS ${CMAKE_CURRENT_LIST_DIR}/${list} names REGEX "^[^#]")
+    list(APPEND allowed ${names})
+  endforeach()
+  dynamic_symbols(imported --undefined-only)
+  expect_none("imported but not allowed" "${imported}" "${allowed}")
+endif()
+
 run(dynamic ${READELF} -d -W ${LIBRARY})
-string(REGEX MATCHALL "\\(NEEDED\\)[^\n]*\\[[^]\n]*" needed "${dynamic}")
-list(TRANSFORM needed REPLACE ".*\\[" "")
+string(REGEX REPLACE "[][]" "|" dynamic "${dynamic}")  # an open bracket would make one element of a whole list
+string(REGEX MATCHALL "\\(NEEDED\\)[^|\n]*\\|[^|\n]*" needed "${dynamic}")
+list(TRANSFORM needed REPLACE ".*\\|" "")
+if(ABOVE)
+  list(REMOVE_ITEM needed ${ABOVE})
+endif()
 list(FILTER needed EXCLUDE REGEX "^(libc|libm|ld-linux[a-z0-9_-]*|ld64)\\.so\\.[0-9]+$")
 expect_none("libraries beyond libc and libm" "${needed}" "")
