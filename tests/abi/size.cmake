@@ -1,0 +1,10 @@
+# The library takes at most MOST bytes once it is stripped. Given LIBRARY, STRIP and STRIPPED, a file for the result.
+execute_process(COMMAND ${STRIP} -o ${STRIPPED} ${LIBRARY} RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${STRIP} failed: ${result}")
+endif()
+file(SIZE ${STRIPPED} bytes)
+message("${LIBRARY}: ${bytes} bytes stripped")
+if(bytes GREATER ${MOST})
+  message(FATAL_ERROR "more than ${MOST} bytes")
+endif()
