@@ -51,6 +51,24 @@ TEST_F(BadInput, DamagedPng) {
   expectLeftRefused(flipped, "cannot use odd: it is damaged (");
 }
 
+// One bit of every byte, each of the eight in its turn.
+TEST_F(BadInput, ADamagedBitIsNoticedWhereverItIs) {
+  Picture small = picture(5, 5, 16, std::vector<uint16_t>(25, 800));
+  small.text["nadir:scale"] = "16";
+  writePng(folder.path("odd"), small);
+  const Bytes whole = readFile(folder.path("odd"));
+  ASSERT_EQ(folder.run({"evaluate", "odd", "odd"}).status, 0);
+  ASSERT_NE(whole.find("nadir:scale"), Bytes::npos);
+  for (size_t i = 0; i < whole.size(); ++i) {
+    Bytes flipped = whole;
+    flipped[i] = static_cast<char>(flipped[i] ^ (1 << i % 8));
+    writeFile(folder.path("odd"), flipped);
+    const Outcome outcome = folder.run({"evaluate", "odd", "odd"});
+    EXPECT_EQ(outcome.status, 1) << "byte " << i;
+    EXPECT_EQ(outcome.err.rfind("nadir: cannot use odd: it is ", 0), 0u) << i << ": " << outcome.err;
+  }
+}
+
 TEST_F(BadInput, DamagedPgm) {
   const Bytes whole = pgm(picture(96, 64, 16, std::vector<uint16_t>(96 * 64, 100)));
   expectLeftRefused(whole.substr(0, whole.size() - 1), "it ends too early");
@@ -60,6 +78,7 @@ TEST_F(BadInput, DamagedPgm) {
   expectLeftRefused("P5 0 64 255\n", "a size of 0");
   expectLeftRefused("P5 96 64 0\n", "a size of 0");
   expectLeftRefused("P5 1 1 100\n\xC8", "larger than the header's maximum");
+  expectLeftRefused(Bytes("P5 2 1 4095\n\x0F\xFF\x10\x00", 16), "larger than the header's maximum");
 }
 
 TEST_F(BadInput, WrongKindOfFile) {

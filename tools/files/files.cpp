@@ -1,8 +1,11 @@
 // Reads files at once, and writes the outputs of a command under temporary names first.
 #include "tools/files/files.hpp"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -23,6 +26,16 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
+
+struct FileDescriptor {
+  explicit FileDescriptor(int opened) : number(opened) {}
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor() {
+    if (number >= 0) close(number);
+  }
+  int number;
+};
 
 // A device or a folder must not be replaced by a picture. A link is followed, so that it stays a link.
 std::string checkedTarget(const std::string& path) {
@@ -51,14 +64,19 @@ void writeNewFile(const std::string& path, const Bytes& bytes, const std::string
 
 }  // namespace
 
+// The file's size saves the growing, and one byte more tells its end. A pipe has none to tell, and grows.
 Bytes readFile(const std::string& path) {
-  const FilePtr file(std::fopen(path.c_str(), "rb"));
-  if (!file) throw fileError("read", path, errno);
-  Bytes bytes;
-  uint8_t block[1 << 16];
-  while (const size_t count = std::fread(block, 1, sizeof block, file.get()))
-    bytes.insert(bytes.end(), block, block + count);
-  if (std::ferror(file.get())) throw fileError("read", path, errno);
+  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat status {};
+  if (file.number < 0 || fstat(file.number, &status) != 0) throw fileError("read", path, errno);
+  Bytes bytes(static_cast<size_t>(std::max<off_t>(status.st_size, 0)) + 1);
+  size_t filled = 0;
+  while (const ssize_t count = read(file.number, bytes.data() + filled, bytes.size() - filled)) {
+    if (count < 0 && errno != EINTR) throw fileError("read", path, errno);
+    if (count > 0) filled += static_cast<size_t>(count);
+    if (filled == bytes.size()) bytes.resize(filled + std::max<size_t>(filled, 1 << 16));
+  }
+  bytes.resize(filled);
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 // Decodes binary PGM.
 #include "tools/pictures/pgm.hpp"
 
+#include <algorithm>
 #include <cctype>
 
 #include "tools/base/error.hpp"
@@ -40,9 +41,31 @@ class Header {
   size_t at_ = 2;
 };
 
-uint16_t stretched(uint32_t value, uint32_t maximum) {
-  if (value > maximum) throw Error("it is damaged (a pixel is larger than the header's maximum)");
-  return static_cast<uint16_t>(maximum > 255 ? value : (value * 255 + maximum / 2) / maximum);
+constexpr const char* tooLargeSample = "it is damaged (a pixel is larger than the header's maximum)";
+
+// The compiler makes vectors of both loops: no sample is looked at by itself.
+void takeWide(const uint8_t* in, uint32_t maximum, std::vector<uint16_t>& samples) {
+  uint16_t largest = 0;
+  for (size_t i = 0; i < samples.size(); ++i) {
+    const auto sample = static_cast<uint16_t>(in[2 * i] << 8 | in[2 * i + 1]);
+    samples[i] = sample;
+    largest = std::max(largest, sample);
+  }
+  if (largest > maximum) throw Error(tooLargeSample);
+}
+
+void takeNarrow(const uint8_t* in, uint32_t maximum, std::vector<uint16_t>& samples) {
+  uint8_t largest = 0;
+  for (size_t i = 0; i < samples.size(); ++i) {
+    samples[i] = in[i];
+    largest = std::max(largest, in[i]);
+  }
+  if (largest > maximum) throw Error(tooLargeSample);
+}
+
+// A maximum below 255 is rare.
+void stretch(std::vector<uint16_t>& samples, uint32_t maximum) {
+  for (uint16_t& sample : samples) sample = static_cast<uint16_t>((sample * 255 + maximum / 2) / maximum);
 }
 
 }  // namespace
@@ -64,10 +87,8 @@ Raster decodePgm(const Bytes& bytes) {
   if (bytes.size() < header.end() + count * sampleSize) throw Error("it is damaged (it ends too early)");
   raster.samples.resize(count);
   const uint8_t* in = bytes.data() + header.end();
-  for (uint16_t& sample : raster.samples) {
-    sample = stretched(sampleSize == 2 ? uint32_t{in[0]} << 8 | in[1] : in[0], maximum);
-    in += sampleSize;
-  }
+  (sampleSize == 2 ? takeWide : takeNarrow)(in, maximum, raster.samples);
+  if (maximum < 255) stretch(raster.samples, maximum);
   return raster;
 }
 

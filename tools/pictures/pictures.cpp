@@ -45,7 +45,7 @@ ground::MapPlace placeIn(const Raster& raster) {
           ownNumber(raster, chunks::top, unknown)};
 }
 
-// Measurements have one channel of 16 bits.
+// For a picture of one channel.
 Grid<uint16_t> gridOf(Raster raster) {
   Grid<uint16_t> grid;
   grid.width = raster.width;
@@ -54,17 +54,25 @@ Grid<uint16_t> gridOf(Raster raster) {
   return grid;
 }
 
+// Every value times `factor`, but not less than `least`.
+Grid<uint16_t> scaledGrid(Raster raster, uint32_t factor, uint32_t least) {
+  Grid<uint16_t> grid = gridOf(std::move(raster));
+  for (uint16_t& value : grid.pixels) value = static_cast<uint16_t>(std::max(value * factor, least));
+  return grid;
+}
+
 }  // namespace
 
 Grid<uint16_t> readIntensity(const std::string& path) {
-  const Raster raster = readRaster(path);
+  Raster raster = readRaster(path);
+  if (raster.channels == 1 && raster.bits == 16) return gridOf(std::move(raster));
   const uint32_t factor = raster.bits == 8 ? 16 : 1;
   const uint32_t black = raster.bits == 8 ? 1 : 0;
+  if (raster.channels == 1) return scaledGrid(std::move(raster), factor, black);
   Grid<uint16_t> picture(raster.width, raster.height);
   const uint16_t* in = raster.samples.data();
   for (uint16_t& out : picture.pixels) {
-    const uint32_t value = raster.channels == 3 ? luminance(in, factor) : *in * factor;
-    out = static_cast<uint16_t>(std::max(value, black));
+    out = static_cast<uint16_t>(std::max(luminance(in, factor), black));
     in += raster.channels;
   }
   return picture;

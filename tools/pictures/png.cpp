@@ -42,6 +42,8 @@ bool attempt(png_structp png, Step step) {
 
 // ---- reading ----
 
+constexpr bool isLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
 struct Source {
   const uint8_t* next;
   size_t left;
@@ -62,6 +64,8 @@ class PngReader {
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
     if (!info_) throw std::bad_alloc();
     png_set_read_fn(png_, &source_, takeBytes);
+    // A text that was damaged would otherwise be passed over, and a default taken for what it says.
+    png_set_crc_action(png_, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
   }
   PngReader(const PngReader&) = delete;
   PngReader& operator=(const PngReader&) = delete;
@@ -84,6 +88,7 @@ class PngReader {
     png_read_info(png_, info_);
     png_set_expand(png_);
     png_set_strip_alpha(png_);
+    if (isLittleEndian) png_set_swap(png_);  // PNG is big-endian
     png_set_interlace_handling(png_);
     png_read_update_info(png_, info_);
   }
@@ -98,25 +103,20 @@ class PngReader {
     return raster;
   }
 
+  // Rows of 16 bits go where they stay; those of 8 bits are widened.
   void readPixels(Raster& raster) {
     const size_t stride = png_get_rowbytes(png_, info_);
-    Bytes pixels(stride * raster.height);
+    raster.samples.resize(size_t{raster.width} * raster.height * raster.channels);
+    Bytes narrow(raster.bits == 8 ? raster.samples.size() : 0);
+    auto* const pixels = raster.bits == 8 ? narrow.data() : reinterpret_cast<png_bytep>(raster.samples.data());
     std::vector<png_bytep> rows(raster.height);
-    for (size_t y = 0; y < rows.size(); ++y) rows[y] = pixels.data() + y * stride;
+    for (size_t y = 0; y < rows.size(); ++y) rows[y] = pixels + y * stride;
     attemptToRead([this, &rows] {
       png_read_image(png_, rows.data());
       png_read_end(png_, info_);
     });
-    raster.samples = samples(pixels, raster);
+    std::copy(narrow.begin(), narrow.end(), raster.samples.begin());
     raster.text = text();
-  }
-
-  // PNG is big-endian.
-  static std::vector<uint16_t> samples(const Bytes& pixels, const Raster& raster) {
-    if (raster.bits == 8) return {pixels.begin(), pixels.end()};
-    std::vector<uint16_t> out(pixels.size() / 2);
-    for (size_t i = 0; i < out.size(); ++i) out[i] = static_cast<uint16_t>(pixels[2 * i] << 8 | pixels[2 * i + 1]);
-    return out;
   }
 
   TextChunks text() const {
