@@ -698,6 +698,16 @@ TEST_F(GroundSequence, ALogThatCannotBeWrittenIsNamed) {
   EXPECT_EQ(outcome.err, "nadir: cannot write r/frames.jsonl: Is a directory\n");
 }
 
+TEST_F(GroundSequence, AFullDiskEndsTheRunAndResumeGoesOn) {
+  ground("whole");
+  const Outcome full = folder.run(arguments("r"), 3000);
+  EXPECT_EQ(full.status, 1);
+  EXPECT_NE(full.err.find("cannot write r/elevation/000000.png: File too large"), std::string::npos) << full.err;
+  EXPECT_EQ(lines("r").size(), 0u);
+  EXPECT_EQ(ground("r", {"--resume"}).status, 0);
+  expectSame("whole", "r");
+}
+
 // ---- the rest ----
 
 TEST_F(GroundSequence, WithoutMaps) {

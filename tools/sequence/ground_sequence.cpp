@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "ground/average.hpp"
+#include "tools/base/background.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/base/interrupt.hpp"
@@ -33,7 +34,17 @@ struct Worked {
   std::string error;
   Warnings warnings;
   Grid<uint16_t> heights;
+  size_t seenCells = 0;
+  Bytes map;  // its file
   std::optional<ground::Findings> findings;
+};
+
+// What is written of a frame, which must not hold up the next one.
+struct Written {
+  size_t frame;
+  FrameReport report;
+  Bytes map;
+  Grid<uint16_t> average;
 };
 
 std::optional<double> measuredIn(const ground::Occupancy& area) {
@@ -190,6 +201,8 @@ class SequenceRun {
     try {
       ground::Result r = resultOf(road_, source_.left(frame), source_.right(frame));
       worked.heights = std::move(r.map.heights);
+      worked.seenCells = heightsOf(worked.heights).known;
+      if (!options_.rule.noMaps) worked.map = encodePng(worked.heights, mapsTexts());
       worked.findings = std::move(r.findings);
     } catch (const Error& error) {
       worked.error = error.what();
@@ -201,21 +214,34 @@ class SequenceRun {
     Progress progress("mapping", "frames", source_.size(), Progress::Elsewhere::lines, done_);
     const InterruptWatch watch;
     FrameLog log(logPath());
+    Background<Written> writer(options_.threads, [&](Written& written) {
+      if (written.report.error.empty() && !options_.rule.noMaps) writeMaps(written);
+      log.append(frameLine(written.report, road_.setup));
+    });
     const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
     inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
       if (watch.requested()) return false;
       if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
       for (const Warning& warning : worked.warnings)
         progress.say("frame " + source_.name(frame) + ": " + warning.sentence);
-      log.append(frameLine(reportOn(frame, std::move(worked)), road_.setup));
+      writer.give(takenIn(frame, std::move(worked)));
       ++done_;
       progress.advance();
       return true;
     });
+    writer.finish();
   }
 
-  // The maps are in place before the log tells of the frame.
-  FrameReport reportOn(size_t frame, Worked worked) {
+  // What follows from one frame for the next is done here, in order.
+  Written takenIn(size_t frame, Worked worked) {
+    Written written{frame, reportOn(frame, worked), std::move(worked.map), {}};
+    if (!written.report.error.empty() || options_.rule.noMaps) return written;
+    window_.add(worked.heights);
+    written.average = window_.mean();
+    return written;
+  }
+
+  FrameReport reportOn(size_t frame, Worked& worked) {
     FrameReport report;
     report.number = source_.number(frame);
     report.name = source_.name(frame);
@@ -225,8 +251,7 @@ class SequenceRun {
     skipped_ += !report.error.empty();
     warned_ += !report.warnings.empty();
     if (!report.error.empty()) return report;
-    report.seenCells = heightsOf(worked.heights).known;
-    if (!options_.rule.noMaps) writeMaps(frame, worked.heights);
+    report.seenCells = worked.seenCells;
     report.findings = std::move(worked.findings);
     for (size_t i = 0; i < tracks_.size(); ++i) {
       tracks_[i].step(report.seconds, measuredIn(report.findings->areas[i]));
@@ -235,12 +260,13 @@ class SequenceRun {
     return report;
   }
 
-  void writeMaps(size_t frame, const Grid<uint16_t>& heights) {
-    const TextChunks texts = mapTexts(road_.setup.frame, road_.setup.settings.cells);
-    window_.add(heights);
+  TextChunks mapsTexts() const { return mapTexts(road_.setup.frame, road_.setup.settings.cells); }
+
+  // The maps are in place before the log tells of the frame.
+  void writeMaps(const Written& written) const {
     OutputFiles files;
-    files.write(mapPath("elevation", frame), encodePng(heights, texts));
-    files.write(mapPath("average", frame), encodePng(window_.mean(), texts));
+    files.write(mapPath("elevation", written.frame), written.map);
+    files.write(mapPath("average", written.frame), encodePng(written.average, mapsTexts()));
     files.commit();
   }
 
