@@ -94,6 +94,7 @@ NadirRegion described(const Extent& e, uint32_t label, const StereoCtx& context,
 uint32_t keepLarge(uint32_t grown, const StereoCtx& context, const NadirSettings& settings, const Shape& shape,
                    const RegionMemory& m, NadirRegion* regions) {
   uint32_t count = 0;
+  m.kept[0] = 0;  // cells of no region
   for (uint32_t label = 1; label <= grown; ++label) {
     const Extent& e = m.extents[label];
     const bool keeps = e.cells > 0 && squareMetres(e.cells, context.mapParams) >= settings.min_area_m2;
