@@ -29,7 +29,8 @@ ROOMS = {
     "lab/verify": "include/nadir lab lab/scene",
     # the road from a pair of pictures to what stands on the ground
     "ground/kernels": "include/nadir src/core src/simd",
-    "ground/library": "include/nadir src/simd ground/kernels",
+    "ground/trust": "include/nadir ground/kernels",
+    "ground/library": "include/nadir src/simd ground/kernels ground/trust",
     "ground": "include/nadir ground/kernels",
     # the program
     "tools/base": "include/nadir lab ground",
@@ -61,6 +62,7 @@ ROOMS = {
     "tests/golden": "include/nadir lab tests/support",
     "tests/counts": "include/nadir lab tests/support",
     "tests/lab": "include/nadir lab lab/scene lab/verify",
+    "tests/trust": "include/nadir lab lab/scene ground/trust",
     "tests/kernels": "include/nadir lab src/core src/simd src/imgproc src/stereo ground/kernels tests/support",
     "tests/fuzz": "include/nadir lab src/simd tests/models tests/support",
     "tests/abi": "include/nadir",
