@@ -1,0 +1,23 @@
+// How far the mount is from what the camera file says, as one frame shows it.
+#pragma once
+
+#include "ground/trust/blocks.hpp"
+
+namespace nadir::ground {
+
+// What to add to the camera file's height, tilt and pan. Not-a-number where too little of the ground is seen.
+struct Drift {
+  double heightMm, tiltDeg, panDeg;
+  double heightDeviationMm, tiltDeviationDeg, panDeviationDeg;  // standard deviations
+  double share;                                                 // of the blocks, those on the plane
+};
+
+// Fits a plane to the blocks near the expected ground. What stands on it is left out.
+Drift driftOf(const DisparityPlane& expected, const Block* blocks, size_t count, const StereoCtx& context,
+              double columnShift);
+
+// True where the drift is so large, or so little of the ground is left, that the ground is to be searched for anew: the
+// blocks' tolerance is used up half way across the picture.
+bool asksForSearch(const Drift& drift, const Agreement& expected);
+
+}  // namespace nadir::ground

@@ -1,0 +1,25 @@
+// Where the ground is: on the camera file's plane, or else on which one.
+#pragma once
+
+#include "ground/trust/blocks.hpp"
+
+namespace nadir::ground {
+
+struct FoundGround {
+  DisparityPlane plane;
+  Agreement agreement;
+};
+
+// Looks at planes of every direction for the one with the most blocks on it and the fewest below it. Needs three blocks
+// or more; without a plane through them the agreement is empty. The generator's numbers are the same everywhere, and so
+// is the plane.
+FoundGround searchedGround(const Block* blocks, size_t count);
+
+// True where so much of the picture lies on the expected ground that no other plane need be looked for.
+bool isPlainlyThere(const Agreement& expected);
+
+// True where the expected ground holds its own against the best plane there is, or is ground for itself: see
+// docs/trust.md for the figures.
+bool isThere(const Agreement& expected, const Agreement& best);
+
+}  // namespace nadir::ground
