@@ -1,0 +1,35 @@
+// A part of the pictures is matched once more, otherwise, to learn why so little could be placed.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nadir::ground {
+
+// What the matcher was given, on its own grid, rows without a gap, and memory that is free again.
+struct LookMemory {
+  uint32_t *firstCodes, *referenceCodes;  // census codes of both pictures; their frame of two pixels is written
+  const uint16_t *first, *reference;
+  uint32_t width, height;
+  void* walk;  // of nadir_sgm_full for this width
+  size_t walkBytes;
+  uint16_t* strip;  // receives disparities, lookRows(height) * width of them
+};
+
+// How many rows a look takes: enough to tell, few enough to be cheap.
+uint32_t lookRows(uint32_t height);
+
+// Shares of the strip's pixels.
+struct SecondLook {
+  double empty;         // that have no disparity after the clean-up
+  double asGiven;       // that have a disparity, at the usual uniqueness
+  double exchanged;     // that have one with the pictures exchanged
+  double unmoved;       // that lie in the same column of both pictures, to a quarter of a pixel
+  double nearerInHole;  // that have none as given, and a disparity beyond the range when one picture is moved towards
+                        // the other
+};
+
+// Looks at the rows of the picture with the fewest disparities. `cleaned` are those, on the matcher's grid.
+SecondLook secondLook(const LookMemory& memory, const uint16_t* cleaned);
+
+}  // namespace nadir::ground
