@@ -1,0 +1,46 @@
+// From figures to warnings: which of them are beyond what good pictures give, and which are only consequences of
+// others.
+#pragma once
+
+#include <cstddef>
+
+#include "ground/trust/ground_search.hpp"
+#include "ground/trust/map_view.hpp"
+#include "ground/trust/matched.hpp"
+#include "ground/trust/records.hpp"
+#include "ground/trust/second_look.hpp"
+
+namespace nadir::ground {
+
+// Everything that was measured for a frame. A null pointer says that it was not: without pictures, without a mount,
+// with given disparities.
+struct Evidence {
+  const NadirTrust* trust;  // its shares
+  const MatchedShares* matched = nullptr;
+  const SecondLook* look = nullptr;     // wherever asksForSecondLook says so
+  const Agreement* expected = nullptr;  // of the camera file's ground
+  const Agreement* best = nullptr;      // of the plane that a search found, where there was one
+  size_t possibleBlocks = 0;            // of the picture
+  const MapView* map = nullptr;
+};
+
+// True where so few pixels were placed that a second look is worth its time.
+bool asksForSecondLook(const MatchedShares& matched);
+
+// Lists the warnings in the order of their numbers; room for NADIR_WARNINGS. Returns how many.
+size_t listWarnings(const Evidence& evidence, NadirWarning* warnings);
+
+// "left-and-right-swapped": the fixed name of a warning, null for a number that is none.
+const char* warningName(uint32_t id);
+
+// The fixed names of its numbers, with their units.
+const char* warningNumberName(uint32_t id, uint32_t index);
+
+// A sentence with a conversion for each of its numbers, all doubles, in their order, and %% for a percent sign. Shares
+// are to be given in percent, as warningScale says.
+const char* warningSentence(uint32_t id);
+
+// What a number is multiplied by for the sentence: 100 for shares.
+double warningScale(uint32_t id, uint32_t index);
+
+}  // namespace nadir::ground
