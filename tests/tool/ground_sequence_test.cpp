@@ -583,6 +583,7 @@ const std::vector<Setting> settings = {
     {"--average", "3", "average_frames is 10 there and 3 here"},
     {"--track-noise", "21", "track/noise_mm is "},
     {"--no-maps", "", "maps is true there and false here"},
+    {"--write", "map", "averages is true there and false here"},
 };
 
 // The results of a sequence do not depend on these. It refuses the two that give disparities.
@@ -716,6 +717,27 @@ TEST_F(GroundSequence, WithoutMaps) {
   EXPECT_FALSE(fs::exists(folder.path("r/elevation")));
   ground("whole");
   EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), readFile(folder.path("whole/frames.jsonl")));
+}
+
+TEST_F(GroundSequence, WritesTheMapsThatAreNamed) {
+  ground("whole");
+  ground("maps", {"--write", "map"});
+  EXPECT_FALSE(fs::exists(folder.path("maps/average")));
+  for (int frame = 0; frame < frames; ++frame)
+    EXPECT_EQ(readFile(folder.path("maps/elevation/" + number(frame) + ".png")),
+              readFile(folder.path("whole/elevation/" + number(frame) + ".png")));
+  EXPECT_EQ(ground("none", {"--write", "none"}).status, 0);
+  ground("no", {"--no-maps"});
+  for (const char* file : {"/run.json", "/frames.jsonl"})
+    EXPECT_EQ(readFile(folder.path(std::string("no") + file)), readFile(folder.path(std::string("none") + file)));
+  EXPECT_FALSE(fs::exists(folder.path("none/elevation")));
+  EXPECT_EQ(ground("all", {"--write", "all"}).status, 0);
+  expectSame("whole", "all");
+  EXPECT_EQ(ground("r", {"--write", "map,points"}).err, "nadir: --write points: a sequence has only map, average\n");
+  EXPECT_EQ(ground("r", {"--write", "average"}).err,
+            "nadir: --write average needs map too: a resumed run makes its first means of the maps that are there\n");
+  EXPECT_EQ(ground("r", {"--write", "map", "--no-maps"}).status, 2);
+  EXPECT_FALSE(fs::exists(folder.path("r")));
 }
 
 TEST_F(GroundSequence, TheSchemaDescribesEveryLine) {

@@ -3,6 +3,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <set>
 
 #include "tests/tool/straight_down.hpp"
 
@@ -120,7 +122,7 @@ float floatAt(const Bytes& bytes, size_t place) {
 
 TEST_F(Ground, PointsAsPly) {
   give([](uint32_t x, uint32_t y) { return static_cast<uint16_t>(y == 10 && x > 1 && x < 5 ? 320 : 0); });
-  ground({"--disparity", "d.png"});
+  ground({"--disparity", "d.png", "--write", "points"});
   const Bytes ply = readFile(folder.path("result/points.ply"));
   EXPECT_EQ(ply.rfind("ply\nformat binary_little_endian 1.0\n", 0), 0u);
   EXPECT_EQ(numberAfter(ply, "element vertex"), 3);
@@ -169,11 +171,67 @@ TEST_F(Ground, NothingMatchedIsAnEmptyMap) {
 TEST_F(Ground, WritesAllItsFiles) {
   shiftRight(20);
   ground();
-  for (const char* name : {"disparity.png", "elevation.png", "elevation.preview.png", "points.ply", "summary.json"})
+  for (const char* name : {"disparity.png", "elevation.png", "elevation.preview.png", "summary.json"})
     EXPECT_FALSE(readFile(folder.path(std::string("result/") + name)).empty());
   const Picture preview = readPng(folder.path("result/elevation.preview.png"));
   EXPECT_EQ(preview.channels, 3u);
   EXPECT_GT(preview.width, 40u * 9) << "9 pixels a cell, and the axes";
+}
+
+// The files of a result, in the order of their names.
+std::string filesOf(const Folder& folder, const std::string& result) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path(result)))
+    names.insert(entry.path().filename().string());
+  std::string all;
+  for (const std::string& name : names) all += name + " ";
+  return all;
+}
+
+TEST_F(Ground, WritesWhatIsNamed) {
+  shiftRight(20);
+  const std::string usual =
+      "disparity.png elevation.png elevation.preview.png regions.picture.png regions.png regions.preview.png ";
+  const auto written = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), {"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "some"});
+    std::filesystem::remove_all(folder.path("some"));
+    EXPECT_EQ(folder.run(more).status, 0);
+    return filesOf(folder, "some");
+  };
+  EXPECT_EQ(written({}), usual + "summary.json ");
+  const Bytes map = readFile(folder.path("some/elevation.png"));
+  EXPECT_EQ(written({"--write", "all"}),
+            "disparity.png elevation.png elevation.preview.png points.ply regions.picture.png regions.png "
+            "regions.preview.png summary.json ");
+  EXPECT_EQ(written({"--write", "none"}), "summary.json ");
+  EXPECT_EQ(written({"--write", "map,points"}), "elevation.png points.ply summary.json ");
+  EXPECT_EQ(readFile(folder.path("some/elevation.png")), map);
+  EXPECT_EQ(written({"--write", "regions"}), "regions.png summary.json ");
+  EXPECT_EQ(written({"--write", "disparity"}), "disparity.png summary.json ");
+  EXPECT_EQ(written({"--write", "preview", "--no-regions"}), "elevation.preview.png summary.json ");
+  EXPECT_EQ(written({"--write", "all", "--no-regions"}),
+            "disparity.png elevation.png elevation.preview.png points.ply summary.json ");
+}
+
+TEST_F(Ground, RefusesToWriteWhatItDoesNotHave) {
+  shiftRight(20);
+  give([](uint32_t, uint32_t) { return uint16_t{0}; });
+  const auto refuse = [&](const std::string& words, int status, const std::string& sentence,
+                          std::vector<std::string> more = {}) {
+    more.insert(more.begin(),
+                {"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "some", "--write", words});
+    const Outcome outcome = folder.run(more);
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.err, "nadir: " + sentence + "\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.path("some")));
+  };
+  const std::string words = "map, average, regions, preview, disparity, points, all, none";
+  refuse("map,ply", 2, "--write: \"ply\" is none of " + words + "; see nadir ground --help");
+  refuse("map,,points", 2, "--write: \"\" is none of " + words + "; see nadir ground --help");
+  refuse("map,all", 2, "--write: \"all\" stands alone; see nadir ground --help");
+  refuse("average", 1, "--write average: a pair has only map, regions, preview, disparity, points");
+  refuse("regions", 1, "--write regions: --no-regions leaves them out", {"--no-regions"});
+  refuse("disparity", 1, "--write disparity: with --disparity nothing is matched", {"--disparity", "d.png"});
 }
 
 TEST_F(Ground, RefusesWithoutLeavingAnything) {
@@ -191,7 +249,7 @@ TEST_F(Ground, RefusesWithoutLeavingAnything) {
   refuse({"left.png", "small.png"}, "the pictures differ in size");
   refuse({"small.png", "small.png"}, "the pictures are 60 x 60 pixels, but the camera of c.toml takes pictures of 120");
   refuse({"left.png", "right.png", "--disparity", "small.png"}, "the disparity picture small.png is 60 x 60 pixels");
-  refuse({"left.png", "right.png"}, "cannot write", 20000);
+  refuse({"left.png", "right.png", "--write", "all"}, "cannot write result/points.ply", 20000);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
-#include "tools/files/files.hpp"
+#include "tools/files/encodings.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/road/pair_input.hpp"
@@ -51,10 +51,13 @@ std::string previewName(const Options& options) {
 }
 
 void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
-  files.write(options.output, encodePng(disparity, texts(options)));
-  if (options.noPreview) return;
-  const Grid<float> pixels = ground::unpacked(disparity, SGM_DISP_SCALE);
-  files.write(previewName(options), encodeDisparityPlot(pixels, usualRange(pixels)));
+  const auto preview = [&] {
+    const Grid<float> pixels = ground::unpacked(disparity, SGM_DISP_SCALE);
+    return encodeDisparityPlot(pixels, usualRange(pixels));
+  };
+  std::vector<Encoding> encodings = {{options.output, [&] { return encodePng(disparity, texts(options)); }}};
+  if (!options.noPreview) encodings.push_back({previewName(options), preview});
+  writeAll(encodings, files);
 }
 
 std::string report(const Grid<uint16_t>& disparity, const ground::PixelCounts& counts, const StageTimes& times) {

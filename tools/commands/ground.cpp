@@ -9,6 +9,7 @@
 #include "tools/base/warnings.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
+#include "tools/files/encodings.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/ground_json.hpp"
@@ -16,6 +17,7 @@
 #include "tools/report/map_plot.hpp"
 #include "tools/report/map_texts.hpp"
 #include "tools/report/ply.hpp"
+#include "tools/report/products.hpp"
 #include "tools/report/region_plot.hpp"
 #include "tools/road/road.hpp"
 #include "tools/road/timed_stages.hpp"
@@ -27,40 +29,74 @@ namespace {
 
 struct Options {
   RoadOptions road;
-  std::string left, right, folder;
-  bool strict = false;
+  std::string left, right, folder, write;
+  bool strict = false, noMaps = false;
   SequenceOptions sequence;
 };
 
-void writeFindings(const std::string& folder, const ground::Setup& setup, const ground::Result& r, OutputFiles& files) {
-  files.write(folder + "/regions.png",
-              encodePng(r.findings->regions.labels, regionTexts(setup.frame, setup.settings.cells)));
-  files.write(folder + "/regions.preview.png", encodeRegionMap(setup, r));
-  files.write(folder + "/regions.picture.png", encodeRegionPicture(setup, r));
+struct Output {
+  Product product;
+  const char* name;
+  std::function<Bytes()> bytes;
+};
+
+std::vector<Output> outputsOf(const ground::Setup& setup, const ground::Result& r) {
+  const TextChunks texts = mapTexts(setup.frame, setup.settings.cells);
+  const auto disparity = [&] { return encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, setup.settings.view)); };
+  const auto points = [&] { return encodePly(r.points, static_cast<float>(setup.camera.heightMm)); };
+  const auto regions = [&] {
+    return encodePng(r.findings->regions.labels, regionTexts(setup.frame, setup.settings.cells));
+  };
+  std::vector<Output> outputs;
+  if (!r.matched.pixels.empty()) outputs.push_back({Product::disparity, "disparity.png", disparity});
+  outputs.push_back({Product::map, "elevation.png", [&r, texts] { return encodePng(r.map.heights, texts); }});
+  outputs.push_back(
+      {Product::preview, "elevation.preview.png", [&] { return encodeMapPlot(r.map.heights, setup.frame); }});
+  outputs.push_back({Product::points, "points.ply", points});
+  if (!r.findings) return outputs;
+  outputs.push_back({Product::regions, "regions.png", regions});
+  outputs.push_back({Product::preview, "regions.preview.png", [&] { return encodeRegionMap(setup, r); }});
+  outputs.push_back({Product::preview, "regions.picture.png", [&] { return encodeRegionPicture(setup, r); }});
+  return outputs;
 }
 
-void writeOutputs(const std::string& folder, const ground::Setup& setup, const ground::Result& r,
-                  const Warnings& warnings, OutputFiles& files) {
+// Throws for a file that was asked for and that this run has not.
+void checkProducts(const Options& options) {
+  const auto asks = [products = productsNamed(options.write, Source::pair)](Product p) {
+    return products.count(p) > 0;
+  };
+  if (options.write == "all") return;
+  if (asks(Product::regions) && options.road.noRegions) throw Error("--write regions: --no-regions leaves them out");
+  if (asks(Product::disparity) && !options.road.disparity.empty())
+    throw Error("--write disparity: with --disparity nothing is matched");
+}
+
+Products productsOf(const Options& options, Source source) {
+  return options.write.empty() ? usualProducts(source) : productsNamed(options.write, source);
+}
+
+void writeOutputs(const Options& options, const ground::Setup& setup, const ground::Result& r, const Warnings& warnings,
+                  OutputFiles& files) {
   const std::string summary = groundJson(setup, r, warnings);
-  files.makeFolder(folder);
-  if (!r.matched.pixels.empty())
-    files.write(folder + "/disparity.png", encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, setup.settings.view)));
-  files.write(folder + "/elevation.png", encodePng(r.map.heights, mapTexts(setup.frame, setup.settings.cells)));
-  files.write(folder + "/elevation.preview.png", encodeMapPlot(r.map.heights, setup.frame));
-  files.write(folder + "/points.ply", encodePly(r.points, static_cast<float>(setup.camera.heightMm)));
-  if (r.findings) writeFindings(folder, setup, r, files);
-  files.write(folder + "/summary.json", bytesOf(summary));
+  const Products wanted = productsOf(options, Source::pair);
+  std::vector<Encoding> encodings;
+  for (const Output& output : outputsOf(setup, r))
+    if (wanted.count(output.product) > 0) encodings.push_back({options.folder + "/" + output.name, output.bytes});
+  files.makeFolder(options.folder);
+  writeAll(encodings, files);
+  files.write(options.folder + "/summary.json", bytesOf(summary));
 }
 
 void runOnPair(const Options& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
+  checkProducts(options);
   StageTimes times;
   const Road road = roadOf(options.road);
   const ground::Result result = resultOf(road, options.left, options.right, timedBy(times));
   const Warnings warnings;  // the road gives none of its own
   OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
                      options.road.mask});
-  times.measure("writing", [&] { writeOutputs(options.folder, road.setup, result, warnings, files); });
+  times.measure("writing", [&] { writeOutputs(options, road.setup, result, warnings, files); });
   print(groundTable(road.setup, result, times));
   files.commit();
   tell(warnings);
@@ -71,6 +107,9 @@ void runOnSequence(const Options& options) {
   SequenceOptions sequence = options.sequence;
   sequence.folder = options.folder;
   sequence.strict = options.strict;
+  sequence.rule.products = options.noMaps ? Products() : productsOf(options, Source::sequence);
+  if (sequence.rule.products == Products{Product::average})
+    throw Error("--write average needs map too: a resumed run makes its first means of the maps that are there");
   if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
   const Road road = roadOf(options.road);
   groundSequence(FrameSource(options.left, options.right), road, sequence);
@@ -148,8 +187,16 @@ CLI::Option* addTimesOption(CLI::App& command, TimeRule& rule) {
       ->type_name("UNIT");
 }
 
+void addWriteOption(CLI::App& command, std::string& words) {
+  const std::string help =
+      "What to write beside summary.json or frames.jsonl, words with commas between them: " + productNames() +
+      " (default: all but points)";
+  command.add_option("--write", words, help)->check(CLI::Validator(mistakeInProducts, ""))->type_name("WORDS");
+}
+
 // Returns whether one of them is given.
-std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& options) {
+std::function<bool()> addSequenceOptions(CLI::App& command, Options& ofCommand) {
+  SequenceOptions& options = ofCommand.sequence;
   std::vector<CLI::Option*> all;
   const auto number = [&](const char* name, auto& value, const NumberRange& range, const char* help, const char* unit) {
     all.push_back(addNumber(command, name, value, range, help, unit));
@@ -166,7 +213,9 @@ std::function<bool()> addSequenceOptions(CLI::App& command, SequenceOptions& opt
   all.push_back(addThreadsOption(command, options.threads,
                                  "Frames worked on at a time, {range} (default: one for each processor)"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
-  all.push_back(command.add_flag("--no-maps", rule.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
+  all.push_back(
+      command.add_flag("--no-maps", ofCommand.noMaps, "Write frames.jsonl alone, not the maps of every frame"));
+  all.back()->excludes("--write");
   return [all] { return std::any_of(all.begin(), all.end(), [](const CLI::Option* o) { return o->count() > 0; }); };
 }
 
@@ -200,22 +249,25 @@ void addGroundCommand(CLI::App& app) {
   addRegionOptions(*command, options->road);
   addMatchOptions(*command, options->road);
   addStrictOption(*command, options->strict);
-  const std::function<bool()> sequenceAsked = addSequenceOptions(*command, options->sequence);
+  addWriteOption(*command, options->write);
+  const std::function<bool()> sequenceAsked = addSequenceOptions(*command, *options);
   command->footer(
-      "Files:\n"
-      "  elevation.png           the map, 16 bits: mm above the ground, 0 unseen, seen cells 1 to 65535\n"
-      "  elevation.preview.png   the same in colours, with its axes in mm\n"
-      "  regions.png             the region of each cell of the map, 16 bits, 0 none\n"
-      "  regions.preview.png     regions and areas of interest on the elevation map\n"
-      "  regions.picture.png     the same on the measured picture\n"
-      "  summary.json            every region and what stands in every area, in mm and m2; see docs/ground.md\n"
-      "  points.ply              the measured points, mm\n"
-      "  disparity.png           pixels x 16, 0 none\n"
+      "Files, with the words of --write:\n"
+      "  elevation.png           map: the elevation map, 16 bits: mm above the ground, 0 unseen, seen cells 1 to "
+      "65535\n"
+      "  elevation.preview.png   preview: the same in colours, with its axes in mm\n"
+      "  regions.png             regions: the region of each cell of the map, 16 bits, 0 none\n"
+      "  regions.preview.png     preview: regions and areas of interest on the elevation map\n"
+      "  regions.picture.png     preview: the same on the measured picture\n"
+      "  disparity.png           disparity: pixels x 16, 0 none\n"
+      "  points.ply              points: the measured points, mm; only with --write all or --write points\n"
+      "  summary.json            always: every region and what stands in every area, in mm and m2; see docs/ground.md\n"
       "\nFiles of a sequence, written frame by frame:\n"
       "  frames.jsonl            a line of JSON per frame: regions, areas, and the height in each area, tracked\n"
       "                          from frame to frame; docs/sequences.md describes it\n"
-      "  elevation/NAME.png      the frame's map\n"
-      "  average/NAME.png        cell by cell the mean of the last maps, where more than half of them have a height\n"
+      "  elevation/NAME.png      map: the frame's map\n"
+      "  average/NAME.png        average: cell by cell the mean of the last maps, where more than half of them have a "
+      "height\n"
       "  run.json                the settings, which --resume compares\n"
       "A frame that cannot be used is named, skipped and counted; the exit status is then 3, and 130 after Ctrl-C.\n"
       "Warnings, which say why a result may not be relied on, go to standard error, summary.json and frames.jsonl.\n"

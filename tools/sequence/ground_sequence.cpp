@@ -83,6 +83,7 @@ class SequenceRun {
   }
 
  private:
+  bool writes(Product product) const { return options_.rule.products.count(product) > 0; }
   std::string settingsPath() const { return options_.folder + "/run.json"; }
   std::string logPath() const { return options_.folder + "/frames.jsonl"; }
   std::string mapPath(const char* kind, size_t frame) const {
@@ -110,7 +111,7 @@ class SequenceRun {
     if (begun) checkResumable(settings);
     for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
     if (!begun) files.write(settingsPath(), bytesOf(settings));
-    if (!options_.rule.noMaps) makeMapFolders();
+    makeMapFolders();
     files.commit();
   }
 
@@ -129,14 +130,15 @@ class SequenceRun {
   }
 
   void makeMapFolders() const {
-    for (const char* kind : {"elevation", "average"}) fs::create_directory(options_.folder + "/" + kind);
+    if (writes(Product::map)) fs::create_directory(options_.folder + "/elevation");
+    if (writes(Product::average)) fs::create_directory(options_.folder + "/average");
   }
 
   // A new run has nothing to take up.
   void takeUp() {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
     if (fs::exists(logPath())) cutOff(whole);
-    if (!options_.rule.noMaps) refillWindow();
+    if (writes(Product::average)) refillWindow();
   }
 
   void cutOff(uintmax_t whole) const {
@@ -202,7 +204,7 @@ class SequenceRun {
       ground::Result r = resultOf(road_, source_.left(frame), source_.right(frame));
       worked.heights = std::move(r.map.heights);
       worked.seenCells = heightsOf(worked.heights).known;
-      if (!options_.rule.noMaps) worked.map = encodePng(worked.heights, mapsTexts());
+      if (writes(Product::map)) worked.map = encodePng(worked.heights, mapsTexts());
       worked.findings = std::move(r.findings);
     } catch (const Error& error) {
       worked.error = error.what();
@@ -215,7 +217,7 @@ class SequenceRun {
     const InterruptWatch watch;
     FrameLog log(logPath());
     Background<Written> writer(options_.threads, [&](Written& written) {
-      if (written.report.error.empty() && !options_.rule.noMaps) writeMaps(written);
+      if (written.report.error.empty()) writeMaps(written);
       log.append(frameLine(written.report, road_.setup));
     });
     const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
@@ -235,7 +237,7 @@ class SequenceRun {
   // What follows from one frame for the next is done here, in order.
   Written takenIn(size_t frame, Worked worked) {
     Written written{frame, reportOn(frame, worked), std::move(worked.map), {}};
-    if (!written.report.error.empty() || options_.rule.noMaps) return written;
+    if (!written.report.error.empty() || !writes(Product::average)) return written;
     window_.add(worked.heights);
     written.average = window_.mean();
     return written;
@@ -265,8 +267,9 @@ class SequenceRun {
   // The maps are in place before the log tells of the frame.
   void writeMaps(const Written& written) const {
     OutputFiles files;
-    files.write(mapPath("elevation", written.frame), written.map);
-    files.write(mapPath("average", written.frame), encodePng(written.average, mapsTexts()));
+    if (writes(Product::map)) files.write(mapPath("elevation", written.frame), written.map);
+    if (writes(Product::average))
+      files.write(mapPath("average", written.frame), encodePng(written.average, mapsTexts()));
     files.commit();
   }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ground/tracks.hpp"
+#include "tools/report/products.hpp"
 #include "tools/road/road.hpp"
 #include "tools/sequence/frame_source.hpp"
 #include "tools/sequence/frame_times.hpp"
@@ -15,7 +16,7 @@ struct SequenceRule {
   TimeRule times;
   uint32_t averageFrames = 10;  // in the window of the averaged maps
   ground::TrackRule track;
-  bool noMaps = false;  // frames.jsonl alone
+  Products products;  // beside frames.jsonl
 };
 
 // Reads the mask, if there is one.
