@@ -19,7 +19,7 @@ Stages materialStages() { return {{"scene", scene}}; }
 Stages allStages() {
   Stages all;
   for (const Stages& some : {materialStages(), imageStages(), stereoStages(), cameraStages(), segmentStages(),
-                             geometryStages(), numberStages()})
+                             geometryStages(), numberStages(), groundStages()})
     all.insert(all.end(), some.begin(), some.end());
   return all;
 }

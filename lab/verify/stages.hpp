@@ -30,5 +30,6 @@ Stages cameraStages();
 Stages segmentStages();
 Stages geometryStages();
 Stages numberStages();
+Stages groundStages();
 
 }  // namespace nadir::verify

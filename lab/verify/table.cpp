@@ -54,6 +54,16 @@ const Table& builtInTable() {
       {"search", 0xfb777970fd6dd748u},
       {"lists", 0xcb693ed57a161606u},
       {"vectors", 0x9aee4731f52422bdu},
+      {"road: disparities", 0x042fe61ae8886652u},
+      {"road: heights", 0x97eee807098b2cd2u},
+      {"road: regions", 0xcb2e659ea1392284u},
+      {"road: areas", 0xd1427bc0afe668d9u},
+      {"road: places", 0x43a24998c32459d5u},
+      {"road: 8 bits", 0xb2d38313c062a878u},
+      {"road: holes filled", 0x103876ba88ca50ecu},
+      {"road: given", 0x60c0ad44810d09a1u},
+      {"road: points", 0x817e4d473663bd6eu},
+      {"road: tracks", 0x0287294d20191e26u},
   };
   return table;
 }

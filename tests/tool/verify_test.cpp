@@ -45,6 +45,7 @@ TEST(VerifyCommand, WhatWasNotComparedDoesNotDiffer) {
     EXPECT_EQ(outcome.status, 3);
     EXPECT_EQ(outcome.err.find("DIFFER"), std::string::npos) << outcome.err;
     EXPECT_NE(outcome.err.find("not every stage was compared"), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.out.find("scene                not compared, got ") != std::string::npos, table == shorter);
   }
 }
 

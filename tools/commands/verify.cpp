@@ -31,7 +31,7 @@ verify::Table readTable(const std::string& path) {
 std::string lineOf(const verify::Finding& f) {
   const std::string got = verify::recordLine({"", f.got});
   if (f.same()) return format("%-20s same\n", f.stage.c_str());
-  if (!f.wanted) return format("%-20s unknown, got%s\n", f.stage.c_str(), got.c_str());
+  if (!f.wanted) return format("%-20s not compared, got%s\n", f.stage.c_str(), got.c_str());
   return format("%-20s DIFFERS, got%s, wanted%s\n", f.stage.c_str(), got.c_str(),
                 verify::recordLine({"", *f.wanted}).c_str());
 }
