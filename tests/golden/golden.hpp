@@ -23,5 +23,6 @@ std::vector<Case> numberCases();
 std::vector<Case> geometryCases();
 std::vector<Case> cameraCases();
 std::vector<Case> segmentCases();
+std::vector<Case> groundCases();
 
 }  // namespace nadir::test::golden

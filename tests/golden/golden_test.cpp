@@ -19,7 +19,7 @@ namespace {
 std::vector<Case> allCases() {
   std::vector<Case> all;
   for (const auto& cases :
-       {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases()}) {
+       {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases(), groundCases()}) {
     all.insert(all.end(), cases.begin(), cases.end());
   }
   return all;
