@@ -58,6 +58,7 @@ ROOMS = {
     "tests/support": "include/nadir lab src/simd tests/models",
     "bench": "include/nadir lab src/core src/simd src/geometry src/imgproc src/segment src/stereo tests/support",
     "tests/api": "include/nadir lab tests/models tests/support",
+    "tests/api/ground": "include/nadir lab lab/scene tests/models tests/support",
     "tests/alloc": "include/nadir lab tests/models tests/support",
     "tests/golden": "include/nadir lab tests/support",
     "tests/counts": "include/nadir lab tests/support",
