@@ -1,62 +1,130 @@
-// The stations in their order.
+// Roads are made of a camera, settings and areas, and given back.
 #include "ground/road.hpp"
 
-#include "ground/holes.hpp"
-#include "ground/records/known_values.hpp"
+#include <cmath>
+#include <cstdlib>
+
+#include "ground/records/checks.hpp"
+#include "ground/records/plane_view.hpp"
 
 namespace nadir::ground {
 
 namespace {
 
-void findDisparities(Result& r, const Settings& settings, Input input, const StageRunner& run) {
-  r.picture = settings.view == View::left ? input.pair.left : input.pair.right;
-  r.disparity = std::move(input.disparity);
-  if (!r.disparity.pixels.empty()) return;
-  const MatchOptions options{settings.view, settings.uniqueness, settings.postprocess, std::move(input.mask)};
-  r.matched = match(std::move(input.pair), options, run).disparity;
-  r.disparity = unpacked(r.matched, SGM_DISP_SCALE);
+int32_t fixedPoint(double value, double scale) { return static_cast<int32_t>(std::lround(value * scale)); }
+
+// libnadir's view of a camera: baseline, focal length and principal point rounded to its fixed-point units.
+StereoCtx stereoContext(const NadirCamera& camera, uint32_t grid) {
+  const double principalX = camera.principal_x_px + (grid == NADIR_GRID_RIGHT ? camera.column_shift_px : 0);
+  const IntCalibParams inner = {fixedPoint(camera.baseline_mm, 256), fixedPoint(camera.focal_px, 256),
+                                fixedPoint(principalX, 16), fixedPoint(camera.principal_y_px, 16)};
+  const Orientation mount = {static_cast<float>(camera.height_mm), static_cast<float>(camera.tilt_deg),
+                             static_cast<float>(camera.pan_deg)};
+  const auto cell = static_cast<uint16_t>(camera.cell_mm);
+  const ElevMapParams map = {static_cast<uint16_t>(camera.map_width_cells),
+                             static_cast<uint16_t>(camera.map_height_cells), cell, cell};
+  StereoCtx context;
+  ip_stereo_init(&context, &inner, &mount, &map);
+  context.lowerLeft.x += static_cast<float>(camera.map_offset_x_mm);
+  context.lowerLeft.y += static_cast<float>(camera.map_offset_y_mm);
+  return context;
 }
 
-// A patch of exactly that area counts as no larger, although the quotient may come out a little below a whole number.
-size_t cellsIn(double squareMetres, const ElevMapParams& cells) {
-  return static_cast<size_t>(squareMetres * 1e6 / cells.cellSizeX / cells.cellSizeY + 1e-9);
+// The codes of the pictures are not needed any more when points are sorted: 8 bytes a pixel.
+SortMemory sortMemoryOver(const MatchMemory& match, Arena& arena, const Shape& shape) {
+  return sortMemory(arena, shape, match.firstCodes, reinterpret_cast<uint16_t*>(match.referenceCodes));
 }
 
-void findHeights(Result& r, const Setup& setup, const StageRunner& run) {
-  const Settings& settings = setup.settings;
-  const auto shift = static_cast<float>(setup.camera.columnShiftPx);
-  const float groundZ = setup.context.orientation.height;
-  r.points =
-      stageResult(run, "world points", [&] { return worldPoints(r.disparity, r.picture, setup.context, shift); });
-  r.map =
-      stageResult(run, "elevation map", [&] { return elevationMap(r.points, setup.frame, groundZ, settings.cells); });
-  if (const size_t largest = cellsIn(settings.fillHolesM2, setup.frame.cells))
-    r.map.filled = stageResult(run, "hole filling", [&] { return fillHoles(r.map.heights, largest); });
-  r.plane = stageResult(run, "ground plane", [&] { return fitGroundPlane(r.points, setup.context); });
+// The road stands at the beginning of its own block; null where the arena has none.
+NadirRoad* roadIn(Arena& arena, const Shape& shape) {
+  NadirRoad* road = arena.take<NadirRoad>(1);
+  NadirRoad pieces{};
+  pieces.shape = shape;
+  pieces.match = matchMemory(arena, shape);
+  if (shape.hasMap()) pieces.sort = sortMemoryOver(pieces.match, arena, shape);
+  pieces.holes = holeMemory(arena, shape);
+  pieces.regions = regionMemory(arena, shape);
+  pieces.areas = areaMemory(arena, shape);
+  if (road) *road = pieces;
+  return road;
 }
 
-Findings findingsOn(const Grid<uint16_t>& heights, const RegionRule& rule, const Setup& setup) {
-  Findings f{findRegions(heights, setup.frame, rule), {}};
-  for (const PlacedArea& area : setup.areas) f.areas.push_back(occupancyOf(area, heights, f.regions));
-  return f;
+void setUp(NadirRoad& road, const NadirCamera& camera, const NadirSettings& settings) {
+  road.settings = settings;
+  if (!road.shape.hasMap()) return;
+  road.columnShift = static_cast<float>(camera.column_shift_px);
+  road.context = stereoContext(camera, settings.grid);
+  road.placing = placingOf(road.context, road.shape, road.sort.rayX);
+}
+
+Judgement placeAreas(NadirRoad& road, const NadirArea* areas) {
+  for (uint32_t i = 0; i < road.shape.areas; ++i) {
+    Judgement j = placeArea(areas[i], road.context, road.shape, road.areas[i]);
+    j.area = i;
+    if (j.status) return j;
+  }
+  return {};
+}
+
+Judgement made(const NadirCamera& camera, const NadirSettings& settings, const NadirArea* areas, const Shape& shape,
+               NadirRoad*& road) {
+  Arena counting(nullptr);
+  roadIn(counting, shape);
+  void* block = counting.bytes() ? std::malloc(counting.bytes()) : nullptr;
+  if (!block) return {NADIR_NO_MEMORY};
+  Arena arena(block);
+  NadirRoad* whole = roadIn(arena, shape);
+  setUp(*whole, camera, settings);
+  const Judgement j = placeAreas(*whole, areas);
+  if (j.status)
+    nadir_road_destroy(whole);
+  else
+    road = whole;
+  return j;
+}
+
+NadirStatus told(const Judgement& j, NadirFault* fault) {
+  if (fault) *fault = {sizeof *fault, j.area, j.corner, 0, j.field};
+  return j.status;
 }
 
 }  // namespace
 
-Setup setupOf(const Camera& camera, const Settings& settings, const std::vector<Area>& areas) {
-  Setup s{camera, settings, stereoContext(camera, settings.view), {}, {}};
-  s.frame = mapFrame(s.context, camera);
-  for (const Area& area : areas) s.areas.push_back(placedArea(area, s.frame, s.context));
-  return s;
-}
-
-Result resultOf(const Setup& setup, Input input, const StageRunner& run) {
-  Result r{};
-  findDisparities(r, setup.settings, std::move(input), run);
-  findHeights(r, setup, run);
-  if (const auto& rule = setup.settings.regions)
-    r.findings = stageResult(run, "regions", [&] { return findingsOn(r.map.heights, *rule, setup); });
-  return r;
-}
-
 }  // namespace nadir::ground
+
+using namespace nadir::ground;
+
+size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count) {
+  if (!camera || !settings || judged(*camera, *settings).status) return 0;
+  Arena counting(nullptr);
+  roadIn(counting, shapeOf(*camera, *settings, area_count));
+  return counting.bytes();
+}
+
+NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* settings, const NadirArea* areas,
+                              uint32_t area_count, NadirRoad** road, NadirFault* fault) {
+  if (fault && !isWhole(fault)) return NADIR_BAD_RECORD;
+  if (!camera || !settings || !road || (area_count > 0 && !areas)) return told({NADIR_NULL_POINTER}, fault);
+  *road = nullptr;
+  if (const Judgement j = judged(*camera, *settings); j.status) return told(j, fault);
+  return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, area_count), *road), fault);
+}
+
+void nadir_road_destroy(NadirRoad* road) { std::free(road); }
+
+NadirStatus nadir_road_context(const NadirRoad* road, StereoCtx* context) {
+  if (!road || !context) return NADIR_NULL_POINTER;
+  if (!road->shape.hasMap()) return NADIR_NOTHING_FOUND;
+  *context = road->context;
+  return NADIR_OK;
+}
+
+NadirStatus nadir_road_area(const NadirRoad* road, uint32_t index, NadirPlacedArea* area) {
+  if (!road || !area) return NADIR_NULL_POINTER;
+  if (!isWhole(area)) return NADIR_BAD_RECORD;
+  if (index >= road->shape.areas) return NADIR_NOTHING_FOUND;
+  const PlacedArea& a = road->areas[index];
+  *area = {sizeof *area, a.cells,  a.wholeOnMap,
+           a.corners,    a.ground, planeOf(a.mask, road->shape.mapWidth, road->shape.mapHeight)};
+  return NADIR_OK;
+}

@@ -1,7 +1,6 @@
 // Where a percentile stands among sorted values.
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -14,7 +13,8 @@ namespace nadir::ground {
 // become 902.
 inline size_t percentileRank(size_t count, double percent) {
   const double reached = std::ceil(percent * static_cast<double>(count) / 100 - 1e-9);
-  return std::clamp<size_t>(static_cast<size_t>(reached), 1, count) - 1;
+  const auto place = static_cast<size_t>(reached);
+  return place < 1 ? 0 : place > count ? count - 1 : place - 1;
 }
 
 }  // namespace nadir::ground

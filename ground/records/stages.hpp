@@ -1,24 +1,23 @@
-// How the stages of the road are run, so that a caller can time them.
+// What a frame's caller hears of the road's stages, so that it can time them.
 #pragma once
 
-#include <functional>
-#include <optional>
-#include <utility>
+#include <nadir/ground.h>
 
 namespace nadir::ground {
 
-// Runs a stage once. The name is for people, and may come again on the same road.
-using StageRunner = std::function<void(const char* name, const std::function<void()>& stage)>;
+class Stages {
+ public:
+  explicit Stages(const NadirFrame& frame) : tell_(frame.on_stage), user_(frame.user) {}
 
-// Serves callers who do not ask how long a stage takes.
-inline void runStage(const char*, const std::function<void()>& stage) { stage(); }
+  // The stage before ends here. The name is for people, and may come again on the same road.
+  void begin(const char* name) const {
+    if (tell_) tell_(user_, name);
+  }
+  void end() const { begin(nullptr); }
 
-// What the stage returns.
-template <class Stage>
-auto stageResult(const StageRunner& run, const char* name, Stage stage) {
-  std::optional<decltype(stage())> result;
-  run(name, [&] { result.emplace(stage()); });
-  return std::move(*result);
-}
+ private:
+  void (*tell_)(void* user, const char* name);
+  void* user_;
+};
 
 }  // namespace nadir::ground

@@ -87,7 +87,7 @@ typedef struct NadirFault {
  * with NADIR_UNTIL_MATCH only width_px and height_px are read. */
 typedef struct NadirCamera {
   uint32_t size;
-  uint32_t width_px, height_px; /* of both pictures: 5 x 5 to 16384 x 16384 */
+  uint32_t width_px, height_px; /* of both pictures: each 5 to 65535, and at most 2^25 pixels in all */
   uint32_t cell_mm;             /* side of a map's cell: 1 to 65535 */
   uint32_t map_width_cells;     /* along world x: 1 to 65535 */
   uint32_t map_height_cells;    /* along world y: 1 to 65535 */
@@ -301,7 +301,11 @@ typedef struct NadirPoint {
   float x_mm, y_mm, z_mm;
   float disparity_px; /* with the column shift: 0 at infinity */
   uint32_t column, row;
+  uint32_t cell;     /* of the map that it lies over, row * map_width_cells + column; NADIR_NO_CELL beside the map */
+  uint32_t reserved; /* 0 */
 } NadirPoint;
+
+#define NADIR_NO_CELL 0xFFFFFFFFu
 
 /* Lists the points of a frame, row by row, as ip_stereo_disp2world places each of them.
  *

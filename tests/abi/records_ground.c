@@ -162,7 +162,9 @@ NEXT(NadirPoint, y_mm, float, z_mm);
 NEXT(NadirPoint, z_mm, float, disparity_px);
 NEXT(NadirPoint, disparity_px, uint32_t, column);
 NEXT(NadirPoint, column, uint32_t, row);
-LAST(NadirPoint, row, 24, 24);
+NEXT(NadirPoint, row, uint32_t, cell);
+NEXT(NadirPoint, cell, uint32_t, reserved);
+LAST(NadirPoint, reserved, 32, 32);
 
 FIRST(NadirTrackSettings, uint32_t, size);
 NEXT(NadirTrackSettings, size, uint32_t, average_frames);

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "tools/base/text.hpp"
 
@@ -12,10 +12,26 @@ namespace nadir::tool {
 
 class StageTimes {
  public:
-  // Runs a stage and returns what it returns. A stage's name may come again; its times are added then.
+  // A stage that ends with it. A stage's name may come again; its times are added then.
+  class Running {
+   public:
+    Running(StageTimes& times, const std::string& name)
+        : milliseconds_(times.milliseconds(name)), start_(std::chrono::steady_clock::now()) {}
+    ~Running() {
+      milliseconds_ += std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start_).count();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+   private:
+    double& milliseconds_;
+    std::chrono::steady_clock::time_point start_;
+  };
+
+  // Runs a stage and returns what it returns.
   template <class Stage>
   auto measure(const std::string& name, Stage stage) {
-    const Timer timer{milliseconds(name), std::chrono::steady_clock::now()};
+    const Running running(*this, name);
     return stage();
   }
 
@@ -29,21 +45,13 @@ class StageTimes {
   }
 
  private:
-  struct Timer {
-    double& milliseconds;
-    std::chrono::steady_clock::time_point start;
-    ~Timer() {
-      milliseconds += std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-    }
-  };
-
   double& milliseconds(const std::string& name) {
     for (auto& [measured, time] : stages_)
       if (measured == name) return time;
     return stages_.emplace_back(name, 0.0).second;
   }
 
-  std::vector<std::pair<std::string, double>> stages_;
+  std::deque<std::pair<std::string, double>> stages_;  // whose elements stay where they are
 };
 
 }  // namespace nadir::tool

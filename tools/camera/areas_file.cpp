@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
@@ -20,8 +21,7 @@ constexpr size_t longestName = 40;   // what the pictures have room for
 // Reads the areas of one file; a mistake in one does not keep the next from being read.
 class Reader {
  public:
-  Reader(const std::string& path, const std::vector<ground::Area>& others)
-      : path_(path), mistakes_(path), areas_(others) {}
+  Reader(const std::string& path, const std::vector<Area>& others) : path_(path), mistakes_(path), areas_(others) {}
 
   void readAll(const toml::table& top) {
     const toml::node* node = top.get(areaKey);
@@ -38,19 +38,19 @@ class Reader {
   }
 
   // All that were read, behind the others.
-  std::vector<ground::Area> take() {
+  std::vector<Area> take() {
     mistakes_.throwIfAny();
     return std::move(areas_);
   }
 
  private:
   void read(const toml::table& table) {
-    ground::Area area{readName(table), ground::AreaUnit::pixels, {}, format("%s:%u", path_.c_str(), lineOf(table))};
+    Area area{readName(table), AreaUnit::pixels, {}, format("%s:%u", path_.c_str(), lineOf(table))};
     reportUnknownKeys(table, area.name);
     const toml::node *pixels = table.get("pixels"), *ground = table.get("ground_mm");
     if (!pixels == !ground)
       return mistakes_.add(lineOf(table), label(area.name), "needs its corners, either as pixels or as ground_mm");
-    area.unit = pixels ? ground::AreaUnit::pixels : ground::AreaUnit::groundMm;
+    area.unit = pixels ? AreaUnit::pixels : AreaUnit::groundMm;
     if (readCorners(pixels ? *pixels : *ground, area) && !area.name.empty()) areas_.push_back(area);
   }
 
@@ -65,7 +65,7 @@ class Reader {
     const uint32_t line = node ? lineOf(*node) : lineOf(table);
     if (name.empty() || name.size() > longestName)
       mistakes_.add(line, "area.name", format("must be a text of 1 to %zu bytes", longestName));
-    if (std::any_of(areas_.begin(), areas_.end(), [&name](const ground::Area& other) { return other.name == name; }))
+    if (std::any_of(areas_.begin(), areas_.end(), [&name](const Area& other) { return other.name == name; }))
       mistakes_.add(line, label(name), "is the name of two areas");
     return name;
   }
@@ -76,66 +76,72 @@ class Reader {
         mistakes_.add(lineOf(key), label(name), format("%s is no key of an area", std::string(key.str()).c_str()));
   }
 
-  bool readCorners(const toml::node& node, ground::Area& area) {
+  bool readCorners(const toml::node& node, Area& area) {
     const std::string mistake = mistakeInCorners(node, area);
     if (!mistake.empty()) mistakes_.add(lineOf(node), label(area.name), mistake);
     return mistake.empty();
   }
 
-  static std::string mistakeInCorners(const toml::node& node, ground::Area& area) {
+  static std::string mistakeInCorners(const toml::node& node, Area& area) {
     if (!node.is_array()) return format("%s is %s, must be a list of corners", nameOf(area.unit), typeName(node));
     for (const toml::node& entry : *node.as_array()) {
       Point_s32 corner;
       if (!readCorner(entry, area.unit, corner))
         return format("corner %zu must be two %s from -%d to %d, [x, y]", area.corners.size() + 1,
-                      area.unit == ground::AreaUnit::pixels ? "whole numbers" : "numbers", ground::areaReach,
-                      ground::areaReach);
+                      area.unit == AreaUnit::pixels ? "whole numbers" : "numbers", NADIR_AREA_REACH, NADIR_AREA_REACH);
       area.corners.push_back(corner);
     }
     return mistakeInShape(area);
   }
 
-  static bool readCorner(const toml::node& node, ground::AreaUnit unit, Point_s32& corner) {
+  static bool readCorner(const toml::node& node, AreaUnit unit, Point_s32& corner) {
     const toml::array* pair = node.as_array();
     return pair && pair->size() == 2 && readNumber((*pair)[0], unit, corner.x) &&
            readNumber((*pair)[1], unit, corner.y);
   }
 
   // Millimetres are rounded.
-  static bool readNumber(const toml::node& node, ground::AreaUnit unit, int32_t& number) {
-    if (unit == ground::AreaUnit::pixels ? !node.is_integer() : !node.is_number()) return false;
+  static bool readNumber(const toml::node& node, AreaUnit unit, int32_t& number) {
+    if (unit == AreaUnit::pixels ? !node.is_integer() : !node.is_number()) return false;
     const double value = *node.value<double>();
-    if (!(std::abs(value) <= ground::areaReach)) return false;
+    if (!(std::abs(value) <= NADIR_AREA_REACH)) return false;
     number = static_cast<int32_t>(std::lround(value));
     return true;
   }
 
-  static std::string mistakeInShape(const ground::Area& area) {
+  static std::string mistakeInShape(const Area& area) {
     const size_t count = area.corners.size();
     if (count < fewestCorners) return format("has %zu corners, needs at least %zu", count, fewestCorners);
     if (count > mostCorners) return format("has %zu corners, may have at most %zu", count, mostCorners);
-    if (!IP_Polygon_IsSimple(ground::PolygonRecord(area.corners).get())) return "its edges cross each other";
+    if (!IP_Polygon_IsSimple(PolygonRecord(area.corners).get())) return "its edges cross each other";
     return "";
   }
 
   std::string path_;
   Mistakes mistakes_;
-  std::vector<ground::Area> areas_;
+  std::vector<Area> areas_;
 };
 
 toml::table parseFile(const std::string& path) { return parseToml(readText(path), path); }
 
 }  // namespace
 
-const char* nameOf(ground::AreaUnit unit) { return unit == ground::AreaUnit::pixels ? "pixels" : "ground_mm"; }
+PolygonRecord::PolygonRecord(const std::vector<Point_s32>& corners) : words_(1 + 2 * corners.size()) {
+  words_[0] = static_cast<int32_t>(corners.size());
+  std::memcpy(words_.data() + 1, corners.data(), corners.size() * sizeof(Point_s32));
+}
 
-std::vector<ground::Area> readAreasOfCamera(const std::string& path) {
+const Polygon_s32* PolygonRecord::get() const { return reinterpret_cast<const Polygon_s32*>(words_.data()); }
+
+const char* nameOf(AreaUnit unit) { return unit == AreaUnit::pixels ? "pixels" : "ground_mm"; }
+
+std::vector<Area> readAreasOfCamera(const std::string& path) {
   Reader reader(path, {});
   reader.readAll(parseFile(path));
   return reader.take();
 }
 
-std::vector<ground::Area> readAreas(const std::string& path, const std::vector<ground::Area>& others) {
+std::vector<Area> readAreas(const std::string& path, const std::vector<Area>& others) {
   Reader reader(path, others);
   const toml::table top = parseFile(path);
   reader.reportOtherKeys(top);

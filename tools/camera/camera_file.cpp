@@ -114,7 +114,7 @@ bool isCount(const CameraKey& key) { return std::holds_alternative<uint32_t Came
 
 bool isKnown(const Camera& camera, const CameraKey& key) {
   const double value = valueOf(camera, key);
-  return isCount(key) ? value != ground::unknownCount : !std::isnan(value);
+  return isCount(key) ? value != unknownCount : !std::isnan(value);
 }
 
 double valueOf(const Camera& camera, const CameraKey& key) {

@@ -5,12 +5,10 @@
 #include <variant>
 #include <vector>
 
-#include "ground/records/camera.hpp"
+#include "tools/camera/camera.hpp"
 #include "tools/files/files.hpp"
 
 namespace nadir::tool {
-
-using ground::Camera;
 
 // The table of areas of interest, which are read apart from the camera: [[area]].
 constexpr const char* areaKey = "area";

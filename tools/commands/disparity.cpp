@@ -6,9 +6,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "ground/halve.hpp"
-#include "ground/match.hpp"
-#include "ground/records/known_values.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/base/warnings.hpp"
@@ -18,8 +16,8 @@
 #include "tools/files/encodings.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/png.hpp"
-#include "tools/road/pair_input.hpp"
-#include "tools/road/timed_stages.hpp"
+#include "tools/road/halve.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
@@ -27,14 +25,14 @@ namespace {
 
 struct Options {
   std::string left, right, output, preview, mask;
-  ground::View grid = ground::View::left;
+  View grid = View::left;
   bool noPreview = false, half = false, noPostprocessing = false, strict = false;
-  uint32_t uniqueness = ground::MatchOptions().uniqueness;
+  uint32_t uniqueness = usualSettings().uniqueness;
 };
 
-ground::Pair readInputs(const Options& options, StageTimes& times) {
-  ground::Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
-  if (options.half) times.measure("halving", [&] { pair = {ground::halved(pair.left), ground::halved(pair.right)}; });
+Pair readInputs(const Options& options, StageTimes& times) {
+  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
   return pair;
 }
 
@@ -52,7 +50,7 @@ std::string previewName(const Options& options) {
 
 void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
   const auto preview = [&] {
-    const Grid<float> pixels = ground::unpacked(disparity, SGM_DISP_SCALE);
+    const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
     return encodeDisparityPlot(pixels, usualRange(pixels));
   };
   std::vector<Encoding> encodings = {{options.output, [&] { return encodePng(disparity, texts(options)); }}};
@@ -60,7 +58,7 @@ void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, Outpu
   writeAll(encodings, files);
 }
 
-std::string report(const Grid<uint16_t>& disparity, const ground::PixelCounts& counts, const StageTimes& times) {
+std::string report(const Grid<uint16_t>& disparity, const NadirPixelCounts& counts, const StageTimes& times) {
   const auto share = [&](size_t count) { return percentOf(count, disparity.pixels.size()); };
   Table table;
   table.heading("stage", "time");
@@ -78,13 +76,9 @@ std::string report(const Grid<uint16_t>& disparity, const ground::PixelCounts& c
 
 void run(const Options& options) {
   StageTimes times;
-  ground::Pair pair = readInputs(options, times);
-  ground::MatchOptions settings;
-  settings.grid = options.grid;
-  settings.uniqueness = options.uniqueness;
-  settings.postprocess = !options.noPostprocessing;
-  settings.mask = readMaskFor(pair, options.mask);
-  const ground::Match result = ground::match(std::move(pair), settings, timedBy(times));
+  const Pair pair = readInputs(options, times);
+  const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
+  const Matching result = matched(pair, mask, options.grid, options.uniqueness, !options.noPostprocessing, times);
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));

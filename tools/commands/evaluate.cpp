@@ -6,10 +6,10 @@
 #include <memory>
 #include <optional>
 
-#include "ground/records/map_place.hpp"
-#include "ground/records/view.hpp"
 #include "tools/base/error.hpp"
+#include "tools/base/map_place.hpp"
 #include "tools/base/text.hpp"
+#include "tools/base/view.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/plot.hpp"
@@ -30,7 +30,7 @@ namespace {
 struct Options {
   std::vector<std::string> given;  // names of the options on the command line
   std::string input, truth, errorMap, plot, area;
-  std::optional<ground::View> visible;
+  std::optional<View> visible;
   double scale = 0, truthScale = 0, errorRange = 0;
   bool heights = false, json = false;
 };
@@ -47,8 +47,8 @@ void checkSize(const Grid<Value>& values, const Grid<Value>& truth, const char* 
                        sizeText(truth.width, truth.height).c_str()));
 }
 
-void checkPlace(const ground::MapPlace& map, const ground::MapPlace& truth) {
-  if (ground::liesElsewhere(map, truth))
+void checkPlace(const MapPlace& map, const MapPlace& truth) {
+  if (liesElsewhere(map, truth))
     throw Error(
         format("the elevation map begins at %.1f, %.1f mm with cells of %g mm, the truth at %.1f, %.1f mm with "
                "cells of %g mm",
@@ -56,8 +56,8 @@ void checkPlace(const ground::MapPlace& map, const ground::MapPlace& truth) {
 }
 
 // The right picture, seen in a mirror, is a left one.
-Grid<float> visibleTruth(Grid<float> truth, ground::View grid) {
-  if (grid == ground::View::left) return visibleInRight(truth);
+Grid<float> visibleTruth(Grid<float> truth, View grid) {
+  if (grid == View::left) return visibleInRight(truth);
   mirror(truth);
   truth = visibleInRight(truth);
   mirror(truth);

@@ -1,4 +1,6 @@
 // nadir ground: from a rectified pair to heights above the ground, and what stands there.
+#include <nadir/stereo.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
@@ -40,23 +42,28 @@ struct Output {
   std::function<Bytes()> bytes;
 };
 
-std::vector<Output> outputsOf(const ground::Setup& setup, const ground::Result& r) {
-  const TextChunks texts = mapTexts(setup.frame, setup.settings.cells);
-  const auto disparity = [&] { return encodePng(r.matched, disparityTexts(SGM_DISP_SCALE, setup.settings.view)); };
-  const auto points = [&] { return encodePly(r.points, static_cast<float>(setup.camera.heightMm)); };
-  const auto regions = [&] {
-    return encodePng(r.findings->regions.labels, regionTexts(setup.frame, setup.settings.cells));
+std::vector<Output> outputsOf(const Road& road, const PairResult& r) {
+  const double percentile = road.settings.percentile;
+  const auto disparity = [&] {
+    return encodePng(gridOf<uint16_t>(r.findings.disparity), disparityTexts(SGM_DISP_SCALE, road.options.view));
+  };
+  const auto map = [&, percentile] {
+    return encodePng(gridOf<uint16_t>(r.findings.heights), mapTexts(road.context, percentile));
+  };
+  const auto mapPreview = [&] { return encodeMapPlot(gridOf<uint16_t>(r.findings.heights), road.context); };
+  const auto points = [&] { return encodePly(r.points, r.picture, static_cast<float>(road.camera.heightMm)); };
+  const auto regions = [&, percentile] {
+    return encodePng(gridOf<uint16_t>(r.findings.labels), regionTexts(road.context, percentile));
   };
   std::vector<Output> outputs;
-  if (!r.matched.pixels.empty()) outputs.push_back({Product::disparity, "disparity.png", disparity});
-  outputs.push_back({Product::map, "elevation.png", [&r, texts] { return encodePng(r.map.heights, texts); }});
-  outputs.push_back(
-      {Product::preview, "elevation.preview.png", [&] { return encodeMapPlot(r.map.heights, setup.frame); }});
+  if (r.findings.disparity.data) outputs.push_back({Product::disparity, "disparity.png", disparity});
+  outputs.push_back({Product::map, "elevation.png", map});
+  outputs.push_back({Product::preview, "elevation.preview.png", mapPreview});
   outputs.push_back({Product::points, "points.ply", points});
-  if (!r.findings) return outputs;
+  if (!road.findsRegions()) return outputs;
   outputs.push_back({Product::regions, "regions.png", regions});
-  outputs.push_back({Product::preview, "regions.preview.png", [&] { return encodeRegionMap(setup, r); }});
-  outputs.push_back({Product::preview, "regions.picture.png", [&] { return encodeRegionPicture(setup, r); }});
+  outputs.push_back({Product::preview, "regions.preview.png", [&] { return encodeRegionMap(road, r); }});
+  outputs.push_back({Product::preview, "regions.picture.png", [&] { return encodeRegionPicture(road, r); }});
   return outputs;
 }
 
@@ -75,12 +82,12 @@ Products productsOf(const Options& options, Source source) {
   return options.write.empty() ? usualProducts(source) : productsNamed(options.write, source);
 }
 
-void writeOutputs(const Options& options, const ground::Setup& setup, const ground::Result& r, const Warnings& warnings,
+void writeOutputs(const Options& options, const Road& road, const PairResult& r, const Warnings& warnings,
                   OutputFiles& files) {
-  const std::string summary = groundJson(setup, r, warnings);
+  const std::string summary = groundJson(road, r, warnings);
   const Products wanted = productsOf(options, Source::pair);
   std::vector<Encoding> encodings;
-  for (const Output& output : outputsOf(setup, r))
+  for (const Output& output : outputsOf(road, r))
     if (wanted.count(output.product) > 0) encodings.push_back({options.folder + "/" + output.name, output.bytes});
   files.makeFolder(options.folder);
   writeAll(encodings, files);
@@ -92,12 +99,14 @@ void runOnPair(const Options& options) {
   checkProducts(options);
   StageTimes times;
   const Road road = roadOf(options.road);
-  const ground::Result result = resultOf(road, options.left, options.right, timedBy(times));
+  PairResult result;
+  work(road, *road.handle, options.left, options.right, times, result);
+  addPoints(road, result, times);
   const Warnings warnings;  // the road gives none of its own
   OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
                      options.road.mask});
-  times.measure("writing", [&] { writeOutputs(options, road.setup, result, warnings, files); });
-  print(groundTable(road.setup, result, times));
+  times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });
+  print(groundTable(road, result, times));
   files.commit();
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
@@ -143,11 +152,11 @@ void addInputs(CLI::App& command, Options& options) {
 }
 
 void addMapOptions(CLI::App& command, RoadOptions& options) {
-  addNumber(command, "--percentile", options.cells.percentile, numberFrom(1, 100),
+  addNumber(command, "--percentile", options.percentile, numberFrom(1, 100),
             "How the points of one cell become its height: this percentile of their heights; 50 is the median, 100 the "
             "highest point; {range} (default: {default})",
             "P");
-  addNumber(command, "--min-points", options.cells.minPoints, wholeNumberFrom(1, 1000000),
+  addNumber(command, "--min-points", options.minPoints, wholeNumberFrom(1, 1000000),
             "Cells with fewer points stay unseen, {range} (default: {default})", "N");
   addNumber(command, "--fill-holes", options.fillHolesM2, numberFrom(0, 1e6),
             "Fill patches of unseen cells up to this area from the heights around them (default: {default}, fill none)",
@@ -206,9 +215,9 @@ std::function<bool()> addSequenceOptions(CLI::App& command, Options& ofCommand) 
          "Frames per second of a sequence whose names count its frames, {range} (default: {default})", "RATE");
   all.back()->each([&rule](const std::string&) { rule.times.rateGiven = true; });
   all.push_back(addTimesOption(command, rule.times)->excludes(all.back()));
-  number("--average", rule.averageFrames, wholeNumberFrom(1, 1000),
+  number("--average", rule.track.average_frames, wholeNumberFrom(1, 1000),
          "Frames in the window that the averaged maps are means of, {range} (default: {default})", "N");
-  number("--track-noise", rule.track.noiseMm, numberFrom(0.1, 10000),
+  number("--track-noise", rule.track.noise_mm, numberFrom(0.1, 10000),
          "How uncertain a frame's height in an area is, standard deviation, {range} (default: {default})", "MM");
   all.push_back(addThreadsOption(command, options.threads,
                                  "Frames worked on at a time, {range} (default: one for each processor)"));

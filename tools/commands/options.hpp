@@ -6,8 +6,8 @@
 #include <string>
 #include <type_traits>
 
-#include "ground/records/view.hpp"
 #include "tools/base/text.hpp"
+#include "tools/base/view.hpp"
 #include "tools/commands/number_range.hpp"
 
 namespace nadir::tool {
@@ -33,9 +33,9 @@ CLI::Option* addNumber(CLI::App& command, const char* name, Number& value, const
 // Adds an option that takes left or right. `chosen` is a View, or one that may be absent.
 template <class Chosen>
 CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, const char* help) {
-  const auto choose = [&chosen](const std::string& word) { chosen = ground::viewNamed(word); };
+  const auto choose = [&chosen](const std::string& word) { chosen = viewNamed(word); };
   return command.add_option_function<std::string>(name, choose, help)
-      ->check(CLI::IsMember({nameOf(ground::View::left), nameOf(ground::View::right)}).description(""))
+      ->check(CLI::IsMember({nameOf(View::left), nameOf(View::right)}).description(""))
       ->type_name("VIEW");
 }
 

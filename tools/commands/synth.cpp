@@ -20,7 +20,7 @@ struct Options {
   std::string folder;
   SynthSettings settings;
   SequenceSettings sequence;
-  ground::View grid = ground::View::left;
+  View grid = View::left;
   bool focalGiven = false, noTruthPictures = false;
 };
 
@@ -62,7 +62,7 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
 void run(Options& options) {
   SynthSettings& settings = options.settings;
   if (!options.focalGiven) settings.camera.focal *= settings.camera.width / 640.0;
-  settings.camera.reference = options.grid == ground::View::left ? scene::Side::left : scene::Side::right;
+  settings.camera.reference = options.grid == View::left ? scene::Side::left : scene::Side::right;
   const bool isSequence = options.sequence.frames > 0;
   options.sequence.truthPictures = !options.noTruthPictures;
   if (settings.scene.empty()) settings.scene = isSequence ? "walkers" : "boxes";

@@ -5,7 +5,7 @@
 
 #include "tools/base/statistics.hpp"
 
-#include "ground/records/known_values.hpp"
+#include "tools/base/known_values.hpp"
 
 namespace nadir::tool {
 
@@ -82,7 +82,7 @@ Evaluation evaluate(const Grid<float>& values, const Grid<float>& truth) {
   const Values error = knownValues(errors(values, truth));
   Evaluation e;
   e.pixels = truth.pixels.size();
-  e.truth = ground::countKnown(truth);
+  e.truth = countKnown(truth);
   e.compared = error.size();
   e.density = shareOf(e.compared, e.truth);
   e.bad05 = shareAbove(error, 0.5);

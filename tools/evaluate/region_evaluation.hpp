@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ground/records/map_place.hpp"
 #include "lab/grid.hpp"
+#include "tools/base/map_place.hpp"
 
 namespace nadir::tool {
 
@@ -22,7 +22,7 @@ struct Thing {
 // Cells with the numbers of the things on them, 0 for none.
 struct ThingMap {
   Grid<uint16_t> cells;
-  ground::MapPlace place;
+  MapPlace place;
   std::vector<Thing> things;
 };
 

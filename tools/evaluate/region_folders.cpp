@@ -50,7 +50,7 @@ ThingMap readMap(const std::string& picturePath) {
 }
 
 void checkSame(const ThingMap& found, const ThingMap& truth) {
-  if (!sameSize(found.cells, truth.cells) || ground::liesElsewhere(found.place, truth.place))
+  if (!sameSize(found.cells, truth.cells) || liesElsewhere(found.place, truth.place))
     throw Error("the two folders hold maps of different places; was the scene's camera file changed?");
 }
 

@@ -6,10 +6,10 @@
 #include <cmath>
 #include <filesystem>
 
-#include "ground/areas.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
+#include "tools/camera/areas_file.hpp"
 #include "tools/draw/line_plot.hpp"
 #include "tools/files/frame_log.hpp"
 
@@ -37,7 +37,7 @@ TrueObjects objectsOf(const nlohmann::json& line) {
   return objects;
 }
 
-float tallestIn(const ground::PolygonRecord& area, const TrueObjects& objects) {
+float tallestIn(const PolygonRecord& area, const TrueObjects& objects) {
   float tallest = std::nanf("");
   for (const TrueObject& o : objects)
     if (IP_Polygon_IsInside(area.get(), &o.place)) tallest = std::fmax(tallest, o.height);
@@ -54,8 +54,8 @@ nlohmann::json areasOf(const std::string& result) {
   return nlohmann::json::parse(readText(result + "/run.json")).at("areas");
 }
 
-void addFrame(std::vector<AreaTrack>& areas, const std::vector<ground::PolygonRecord>& places,
-              const nlohmann::json& line, const TrueObjects& objects) {
+void addFrame(std::vector<AreaTrack>& areas, const std::vector<PolygonRecord>& places, const nlohmann::json& line,
+              const TrueObjects& objects) {
   for (size_t i = 0; i < areas.size(); ++i) {
     const bool skipped = line.contains("error");
     const nlohmann::json none, &found = skipped ? none : line.at("areas").at(i);
@@ -70,7 +70,7 @@ std::vector<AreaTrack> joinedTracks(const std::string& result, const std::string
   std::vector<TrueObjects> truth;
   forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(objectsOf(line)); });
   std::vector<AreaTrack> areas;
-  std::vector<ground::PolygonRecord> places;
+  std::vector<PolygonRecord> places;
   for (const nlohmann::json& area : areasOf(result)) {
     areas.push_back({area.at("name"), {}, {}, {}, {}});
     places.emplace_back(cornersOf(area));

@@ -15,7 +15,7 @@ TextChunks pictureTexts(const std::string& description, TextChunks more) {
   return more;
 }
 
-TextChunks disparityTexts(unsigned scale, ground::View view) {
+TextChunks disparityTexts(unsigned scale, View view) {
   const char* grid = nameOf(view);
   return pictureTexts(format("Disparities of the %s picture: value / %u is the disparity in pixels, 0 means no "
                              "value; right column = left column - disparity.",
@@ -26,7 +26,7 @@ TextChunks disparityTexts(unsigned scale, ground::View view) {
                        {chunks::grid, grid}});
 }
 
-TextChunks elevationTexts(const ground::MapPlace& place) {
+TextChunks elevationTexts(const MapPlace& place) {
   return pictureTexts(
       "Heights above the ground in mm, seen from above: 0 means unseen, seen cells are 1 to 65535 (what is lower "
       "than 1 mm is 1). World x grows by nadir:cell-mm from column to column, world y from row to row.",

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "ground/records/map_place.hpp"
-#include "ground/records/view.hpp"
+#include "tools/base/map_place.hpp"
+#include "tools/base/view.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
@@ -30,10 +30,10 @@ TextChunks pictureTexts(const std::string& description, TextChunks more = {});
 
 // scale  what 1 pixel of disparity is stored as.
 // grid   the view whose pixels the disparities belong to.
-TextChunks disparityTexts(unsigned scale, ground::View grid);
+TextChunks disparityTexts(unsigned scale, View grid);
 
 // The texts of an elevation map in mm.
-TextChunks elevationTexts(const ground::MapPlace& place);
+TextChunks elevationTexts(const MapPlace& place);
 
 // The program and its version, as files say who made them.
 std::string software();

@@ -4,9 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "ground/map.hpp"
-#include "ground/records/known_values.hpp"
 #include "tools/base/error.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/formats.hpp"
@@ -14,6 +13,8 @@
 namespace nadir::tool {
 
 namespace {
+
+constexpr float lowestHeight = 1;  // mm: what nadir ground stores for the bare ground, because 0 means unseen
 
 Raster readRaster(const std::string& path) {
   const Bytes bytes = readFile(path);
@@ -39,7 +40,7 @@ Raster readMeasurements(const std::string& path, const char* what) {
   return raster;
 }
 
-ground::MapPlace placeIn(const Raster& raster) {
+MapPlace placeIn(const Raster& raster) {
   const double unknown = std::nan("");
   return {ownNumber(raster, chunks::cell, unknown), ownNumber(raster, chunks::left, unknown),
           ownNumber(raster, chunks::top, unknown)};
@@ -91,7 +92,7 @@ Grid<float> readDisparity(const std::string& path, double scale, double fallback
   const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
   if (!(divisor >= 1e-6 && divisor <= 1e6))
     throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
-  return ground::unpacked(gridOf(std::move(raster)), divisor);
+  return unpacked(gridOf(std::move(raster)), divisor);
 }
 
 bool isElevationMap(const std::string& path) {
@@ -107,14 +108,13 @@ HeightPicture readHeights(const std::string& path) {
   const double none = ownNumber(raster, chunks::noValue, 0);
   HeightPicture picture{{raster.width, raster.height, std::nanf("")}, placeIn(raster)};
   for (size_t i = 0; i < raster.samples.size(); ++i)
-    if (raster.samples[i] != none)
-      picture.heights.pixels[i] = std::max<float>(raster.samples[i], ground::lowestStoredMm);
+    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestHeight);
   return picture;
 }
 
 LabelPicture readLabels(const std::string& path) {
   Raster raster = readMeasurements(path, "regions");
-  const ground::MapPlace place = placeIn(raster);
+  const MapPlace place = placeIn(raster);
   return {gridOf(std::move(raster)), place};
 }
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "ground/records/map_place.hpp"
 #include "lab/grid.hpp"
+#include "tools/base/map_place.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
@@ -31,13 +31,13 @@ bool isElevationMap(const std::string& path);
 // An elevation map.
 struct HeightPicture {
   Grid<float> heights;  // mm above the ground, at least 1 as in every map of the tool; NaN: unseen
-  ground::MapPlace place;
+  MapPlace place;
 };
 
 // A map of regions.
 struct LabelPicture {
   Grid<uint16_t> labels;  // 0 for none
-  ground::MapPlace place;
+  MapPlace place;
 };
 
 LabelPicture readLabels(const std::string& path);

@@ -1,7 +1,7 @@
 // The members of summary.json in their order.
 #include "tools/report/ground_json.hpp"
 
-#include "ground/records/known_values.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/report/json_parts.hpp"
 #include "tools/report/map_heights.hpp"
@@ -10,33 +10,32 @@ namespace nadir::tool {
 
 namespace {
 
-Json disparitiesJson(const Grid<float>& disparity) {
-  const size_t pixels = disparity.pixels.size(), known = ground::countKnown(disparity);
-  return {{"pixels", pixels}, {"with_value", known}, {"share", shareJson(known, pixels)}};
+Json disparitiesJson(const NadirPixelCounts& counts, size_t pixels) {
+  return {{"pixels", pixels}, {"with_value", counts.value}, {"share", shareJson(counts.value, pixels)}};
 }
 
-Json mapJson(const ground::Setup& setup, const ground::ElevationMap& map) {
-  const MapHeights heights = heightsOf(map.heights);
-  const ground::MapFrame& frame = setup.frame;
-  const size_t cells = map.heights.pixels.size(), seen = heights.known - map.filled;
-  return {{"width_cells", frame.cells.width},
-          {"height_cells", frame.cells.height},
-          {"cell_mm", frame.cells.cellSizeX},
-          {"left_mm", measuredJson(frame.corner.x)},
-          {"top_mm", measuredJson(frame.corner.y)},
+Json mapJson(const Road& road, const NadirFindings& findings) {
+  const MapHeights heights = heightsOf(gridOf<uint16_t>(findings.heights));
+  const NadirPlane& map = findings.heights;
+  const size_t cells = size_t{map.width} * map.height;
+  return {{"width_cells", map.width},
+          {"height_cells", map.height},
+          {"cell_mm", road.context.mapParams.cellSizeX},
+          {"left_mm", measuredJson(road.context.lowerLeft.x)},
+          {"top_mm", measuredJson(road.context.lowerLeft.y)},
           {"no_value", 0},
-          {"percentile", setup.settings.cells.percentile},
-          {"min_points", setup.settings.cells.minPoints},
-          {"points_inside", map.pointsInside},
-          {"seen_cells", seen},
-          {"seen_share", shareJson(seen, cells)},
-          {"filled_cells", map.filled},
+          {"percentile", road.settings.percentile},
+          {"min_points", road.settings.min_points},
+          {"points_inside", findings.points_inside},
+          {"seen_cells", findings.seen_cells},
+          {"seen_share", shareJson(findings.seen_cells, cells)},
+          {"filled_cells", findings.filled_cells},
           {"lowest_mm", heights.known ? Json(heights.lowest) : Json()},
           {"median_mm", heights.known ? Json(heights.median) : Json()},
           {"highest_mm", heights.known ? Json(heights.highest) : Json()}};
 }
 
-Json planeJson(const std::optional<ground::GroundPlane>& plane, size_t points) {
+Json planeJson(const std::optional<GroundPlane>& plane, size_t points) {
   if (!plane) return Json();
   return {{"height_mm", measuredJson(plane->heightMm)},
           {"tilt_deg", measuredJson(plane->tiltDeg)},
@@ -49,55 +48,56 @@ Json planeJson(const std::optional<ground::GroundPlane>& plane, size_t points) {
           {"share", shareJson(plane->inliers, points)}};
 }
 
-Json sharedJson(const ground::SharedRegion& shared, const ground::MapFrame& frame) {
-  Json json = {
-      {"label", shared.label}, {"cells", shared.set.cells}, {"area_m2", squareMetresJson(shared.set.cells, frame)}};
-  addHeights(json, shared.set);
+Json sharedJson(const NadirShare& shared, const StereoCtx& context) {
+  Json json = {{"label", shared.label}, {"cells", shared.cells}, {"area_m2", squareMetresJson(shared.cells, context)}};
+  addHeights(json, shared.cells, shared.highest_mm, shared.median_mm);
   return json;
 }
 
-Json areaJson(const ground::PlacedArea& area, const ground::Occupancy& o, const ground::MapFrame& frame) {
+Json areaJson(const WatchedArea& area, const NadirOccupancy& o, const NadirShare* shares, const StereoCtx& context) {
   Json json = {{"name", area.area.name}};
-  if (area.area.unit == ground::AreaUnit::pixels) json["pixels"] = cornersJson(area.area.corners);
+  if (area.area.unit == AreaUnit::pixels) json["pixels"] = cornersJson(area.area.corners);
   json["ground_mm"] = cornersJson(area.ground);
   json["whole_on_map"] = area.wholeOnMap;
-  json["cells"] = area.count;
-  json["area_m2"] = squareMetresJson(area.count, frame);
-  json["seen_cells"] = o.seen;
-  json["covered_cells"] = o.covered.cells;
-  json["covered_m2"] = squareMetresJson(o.covered.cells, frame);
-  json["covered_share"] = shareJson(o.covered.cells, area.count);
-  addHeights(json, o.covered);
+  json["cells"] = area.cells;
+  json["area_m2"] = squareMetresJson(area.cells, context);
+  json["seen_cells"] = o.seen_cells;
+  json["covered_cells"] = o.covered_cells;
+  json["covered_m2"] = squareMetresJson(o.covered_cells, context);
+  json["covered_share"] = shareJson(o.covered_cells, area.cells);
+  addHeights(json, o.covered_cells, o.highest_mm, o.median_mm);
   json["regions"] = Json::array();
-  for (const ground::SharedRegion& shared : o.regions) json["regions"].push_back(sharedJson(shared, frame));
+  for (uint32_t i = 0; i < o.share_count; ++i)
+    json["regions"].push_back(sharedJson(shares[o.first_share + i], context));
   return json;
 }
 
 // All three are null where regions were not asked for.
-void addFindings(Json& json, const ground::Setup& setup, const std::optional<ground::Findings>& findings) {
-  json["region_rule"] = findings ? ruleJson(*setup.settings.regions) : Json();
-  json["regions"] = findings ? Json::array() : Json();
-  json["areas"] = findings ? Json::array() : Json();
-  if (!findings) return;
-  for (const ground::Region& region : findings->regions.list)
-    json["regions"].push_back(regionJson(region, setup.frame));
-  for (size_t i = 0; i < setup.areas.size(); ++i)
-    json["areas"].push_back(areaJson(setup.areas[i], findings->areas[i], setup.frame));
+void addFindings(Json& json, const Road& road, const NadirFindings& findings) {
+  const bool asked = road.findsRegions();
+  json["region_rule"] = asked ? ruleJson(road.settings) : Json();
+  json["regions"] = asked ? Json::array() : Json();
+  json["areas"] = asked ? Json::array() : Json();
+  for (uint32_t i = 0; i < findings.region_count; ++i)
+    json["regions"].push_back(regionJson(findings.regions[i], road.context));
+  for (uint32_t i = 0; i < findings.area_count; ++i)
+    json["areas"].push_back(areaJson(road.areas[i], findings.areas[i], findings.shares, road.context));
 }
 
 }  // namespace
 
-std::string groundJson(const ground::Setup& setup, const ground::Result& result, const Warnings& warnings) {
+std::string groundJson(const Road& road, const PairResult& result, const Warnings& warnings) {
+  const NadirFindings& findings = result.findings;
   Json json = {{"schema", resultSchema},
                {"software", software()},
                {"warnings", warningsJson(warnings)},
-               {"camera", cameraJson(setup.camera)},
-               {"view", nameOf(setup.settings.view)},
-               {"disparity", disparitiesJson(result.disparity)},
-               {"points", result.points.size()},
-               {"map", mapJson(setup, result.map)},
-               {"ground_plane", planeJson(result.plane, result.points.size())}};
-  addFindings(json, setup, result.findings);
+               {"camera", cameraJson(road.camera)},
+               {"view", nameOf(road.options.view)},
+               {"disparity", disparitiesJson(*findings.pixels, result.picture.pixels.size())},
+               {"points", findings.points},
+               {"map", mapJson(road, findings)},
+               {"ground_plane", planeJson(result.plane, findings.points)}};
+  addFindings(json, road, findings);
   return json.dump(2) + "\n";
 }
 

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "ground/road.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
-std::string groundJson(const ground::Setup& setup, const ground::Result& result, const Warnings& warnings);
+std::string groundJson(const Road& road, const PairResult& result, const Warnings& warnings);
 
 }  // namespace nadir::tool

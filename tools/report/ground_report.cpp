@@ -3,9 +3,9 @@
 
 #include <cmath>
 
-#include "ground/records/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
+#include "tools/report/json_parts.hpp"
 #include "tools/report/map_heights.hpp"
 
 namespace nadir::tool {
@@ -15,74 +15,77 @@ namespace {
 // Nothing is no part of nothing, where a table has to say something.
 double percent(size_t part, size_t whole) { return 100 * shareOf(part, whole, 0); }
 
-void addMap(Table& table, const ground::Result& result) {
-  const MapHeights heights = heightsOf(result.map.heights);
-  const size_t cells = result.map.heights.pixels.size();
-  table.line("pixels with a disparity", percent(ground::countKnown(result.disparity), result.disparity.pixels.size()),
-             "%");
-  table.line("points over the map", percent(result.map.pointsInside, result.points.size()), "%");
-  table.line("seen cells of " + sizeText(result.map.heights.width, result.map.heights.height),
-             percent(heights.known - result.map.filled, cells), "%");
-  if (result.map.filled > 0) table.line("filled cells", percent(result.map.filled, cells), "%");
+void addMap(Table& table, const PairResult& result) {
+  const NadirFindings& f = result.findings;
+  const MapHeights heights = heightsOf(gridOf<uint16_t>(f.heights));
+  const size_t cells = size_t{f.heights.width} * f.heights.height;
+  table.line("pixels with a disparity", percent(f.pixels->value, result.picture.pixels.size()), "%");
+  table.line("points over the map", percent(f.points_inside, f.points), "%");
+  table.line("seen cells of " + sizeText(f.heights.width, f.heights.height), percent(f.seen_cells, cells), "%");
+  if (f.filled_cells > 0) table.line("filled cells", percent(f.filled_cells, cells), "%");
   table.line("highest cell", heights.known ? heights.highest : std::nan(""), "mm", 0);
 }
 
-void addPlane(Table& table, const ground::Camera& camera, const ground::Result& result) {
+void addPlane(Table& table, const Camera& camera, const PairResult& result) {
   table.gap();
   if (!result.plane) return table.heading("ground plane: none found near the camera file's", "");
-  const ground::GroundPlane& plane = *result.plane;
+  const GroundPlane& plane = *result.plane;
   table.heading("ground plane fitted to the points", "");
   table.line("height", plane.heightMm, format("mm; the camera file says %.1f", camera.heightMm), 1);
   table.line("tilt", plane.tiltDeg, format("degrees; the camera file says %.2f", camera.tiltDeg), 2);
   table.line("pan", plane.panDeg, format("degrees; the camera file says %.2f", camera.panDeg), 2);
   table.line("rms", plane.rmsMm, format("mm, %.2f pixels of disparity", plane.rmsPx), 1);
-  table.line("points on it", percent(plane.inliers, result.points.size()), "%", 1);
+  table.line("points on it", percent(plane.inliers, result.findings.points), "%", 1);
 }
 
-std::string described(const ground::CellSet& set) {
-  return format("m2, up to %u mm high, median %u mm", set.highestMm, set.medianMm);
+std::string described(uint32_t highestMm, uint32_t medianMm) {
+  return format("m2, up to %u mm high, median %u mm", highestMm, medianMm);
 }
 
-void addRegions(Table& table, const ground::Regions& regions, const ground::RegionRule& rule,
-                const ground::MapFrame& frame) {
+void addRegions(Table& table, const Road& road, const NadirFindings& findings) {
   table.gap();
-  table.heading(format("regions: %zu", regions.list.size()), "");
-  table.line("higher than", rule.minHeightMm, "mm", 0);
-  table.line("joined by steps up to", rule.maxStepMm, "mm", 0);
-  table.line("not smaller than", rule.minAreaM2, "m2", 3);
-  for (const ground::Region& region : regions.list)
-    table.line(format("region %u", region.label), ground::squareMetres(region.set.cells, frame.cells),
-               described(region.set) + format(", at x %.0f, y %.0f mm", region.centreXMm, region.centreYMm), 3);
+  table.heading(format("regions: %u", findings.region_count), "");
+  table.line("higher than", road.settings.min_height_mm, "mm", 0);
+  table.line("joined by steps up to", road.settings.max_step_mm, "mm", 0);
+  table.line("not smaller than", road.settings.min_area_m2, "m2", 3);
+  for (uint32_t i = 0; i < findings.region_count; ++i) {
+    const NadirRegion& region = findings.regions[i];
+    table.line(format("region %u", region.label), region.area_m2,
+               described(region.highest_mm, region.median_mm) +
+                   format(", at x %.0f, y %.0f mm", region.centre_x_mm, region.centre_y_mm),
+               3);
+  }
 }
 
-void addArea(Table& table, const ground::PlacedArea& place, const ground::Occupancy& area,
-             const ground::MapFrame& frame) {
+void addArea(Table& table, const WatchedArea& place, const NadirOccupancy& area, const NadirShare* shares,
+             const StereoCtx& context) {
   table.gap();
   table.heading("area \"" + place.area.name + "\"" + (place.wholeOnMap ? "" : ", which reaches beyond the map"), "");
-  table.line("size on the map", ground::squareMetres(place.count, frame.cells), "m2", 3);
-  table.line("seen", percent(area.seen, place.count), "%");
-  if (area.seen == 0) return table.heading("nothing of it was seen", "");
-  if (area.regions.empty()) return table.heading("nothing stands in it", "");
-  table.line("covered", ground::squareMetres(area.covered.cells, frame.cells), described(area.covered), 3);
-  for (const ground::SharedRegion& shared : area.regions)
-    table.line(format("region %u", shared.label), ground::squareMetres(shared.set.cells, frame.cells),
-               described(shared.set), 3);
+  table.line("size on the map", squareMetres(place.cells, context), "m2", 3);
+  table.line("seen", percent(area.seen_cells, place.cells), "%");
+  if (area.seen_cells == 0) return table.heading("nothing of it was seen", "");
+  if (area.share_count == 0) return table.heading("nothing stands in it", "");
+  table.line("covered", squareMetres(area.covered_cells, context), described(area.highest_mm, area.median_mm), 3);
+  for (uint32_t i = 0; i < area.share_count; ++i) {
+    const NadirShare& shared = shares[area.first_share + i];
+    table.line(format("region %u", shared.label), squareMetres(shared.cells, context),
+               described(shared.highest_mm, shared.median_mm), 3);
+  }
 }
 
 }  // namespace
 
-std::string groundTable(const ground::Setup& setup, const ground::Result& result, const StageTimes& times) {
+std::string groundTable(const Road& road, const PairResult& result, const StageTimes& times) {
+  const NadirFindings& findings = result.findings;
   Table table;
   table.heading("stage", "time");
   times.addTo(table);
   table.gap();
   addMap(table, result);
-  addPlane(table, setup.camera, result);
-  if (result.findings) {
-    addRegions(table, result.findings->regions, *setup.settings.regions, setup.frame);
-    for (size_t i = 0; i < setup.areas.size(); ++i)
-      addArea(table, setup.areas[i], result.findings->areas[i], setup.frame);
-  }
+  addPlane(table, road.camera, result);
+  if (road.findsRegions()) addRegions(table, road, findings);
+  for (uint32_t i = 0; i < findings.area_count; ++i)
+    addArea(table, road.areas[i], findings.areas[i], findings.shares, road.context);
   return table.text();
 }
 

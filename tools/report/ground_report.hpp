@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "ground/road.hpp"
 #include "tools/base/stage_times.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
-std::string groundTable(const ground::Setup& setup, const ground::Result& result, const StageTimes& times);
+std::string groundTable(const Road& road, const PairResult& result, const StageTimes& times);
 
 }  // namespace nadir::tool

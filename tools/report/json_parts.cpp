@@ -8,25 +8,29 @@ namespace nadir::tool {
 
 namespace {
 
-Json boxJson(const Rect_s32& box, const ground::MapFrame& frame) {
-  const double cell = frame.cells.cellSizeX, left = frame.corner.x, top = frame.corner.y;
-  return {{"left", measuredJson(left + box.x0 * cell)},
-          {"top", measuredJson(top + box.y0 * cell)},
-          {"right", measuredJson(left + box.x1 * cell)},
-          {"bottom", measuredJson(top + box.y1 * cell)}};
+Json boxJson(const NadirRegion& box, const StereoCtx& context) {
+  const double cell = context.mapParams.cellSizeX, left = context.lowerLeft.x, top = context.lowerLeft.y;
+  return {{"left", measuredJson(left + box.left * cell)},
+          {"top", measuredJson(top + box.top * cell)},
+          {"right", measuredJson(left + box.right * cell)},
+          {"bottom", measuredJson(top + box.bottom * cell)}};
 }
 
 }  // namespace
 
+double squareMetres(size_t cells, const StereoCtx& context) {
+  return static_cast<double>(cells) * context.mapParams.cellSizeX * context.mapParams.cellSizeY / 1e6;
+}
+
 Json measuredJson(double value) { return roundedNumber(value, 1000); }
 
-Json squareMetresJson(size_t cells, const ground::MapFrame& frame) {
-  return roundedNumber(ground::squareMetres(cells, frame.cells), 1e6);
+Json squareMetresJson(size_t cells, const StereoCtx& context) {
+  return roundedNumber(squareMetres(cells, context), 1e6);
 }
 
 Json shareJson(size_t part, size_t whole) { return measuredJson(shareOf(part, whole, 0)); }
 
-Json cameraJson(const ground::Camera& camera) {
+Json cameraJson(const Camera& camera) {
   Json json;
   for (const CameraKey& key : cameraKeys()) {
     const double value = valueOf(camera, key);
@@ -35,10 +39,10 @@ Json cameraJson(const ground::Camera& camera) {
   return json;
 }
 
-Json ruleJson(const ground::RegionRule& rule) {
-  return {{"min_height_mm", rule.minHeightMm},
-          {"max_step_mm", rule.maxStepMm},
-          {"min_area_m2", roundedNumber(rule.minAreaM2, 1e6)}};
+Json ruleJson(const NadirSettings& settings) {
+  return {{"min_height_mm", settings.min_height_mm},
+          {"max_step_mm", settings.max_step_mm},
+          {"min_area_m2", roundedNumber(settings.min_area_m2, 1e6)}};
 }
 
 Json cornersJson(const std::vector<Point_s32>& corners) {
@@ -47,13 +51,13 @@ Json cornersJson(const std::vector<Point_s32>& corners) {
   return json;
 }
 
-Json regionJson(const ground::Region& region, const ground::MapFrame& frame) {
+Json regionJson(const NadirRegion& region, const StereoCtx& context) {
   Json json = {{"label", region.label},
-               {"cells", region.set.cells},
-               {"area_m2", squareMetresJson(region.set.cells, frame)},
-               {"box_mm", boxJson(region.box, frame)},
-               {"centre_mm", {{"x", measuredJson(region.centreXMm)}, {"y", measuredJson(region.centreYMm)}}}};
-  addHeights(json, region.set);
+               {"cells", region.cells},
+               {"area_m2", squareMetresJson(region.cells, context)},
+               {"box_mm", boxJson(region, context)},
+               {"centre_mm", {{"x", measuredJson(region.centre_x_mm)}, {"y", measuredJson(region.centre_y_mm)}}}};
+  addHeights(json, region.cells, region.highest_mm, region.median_mm);
   return json;
 }
 
@@ -67,9 +71,9 @@ Json warningsJson(const Warnings& warnings) {
   return json;
 }
 
-void addHeights(Json& json, const ground::CellSet& set) {
-  json["highest_mm"] = set.cells ? Json(set.highestMm) : Json();
-  json["median_mm"] = set.cells ? Json(set.medianMm) : Json();
+void addHeights(Json& json, uint32_t cells, uint32_t highestMm, uint32_t medianMm) {
+  json["highest_mm"] = cells ? Json(highestMm) : Json();
+  json["median_mm"] = cells ? Json(medianMm) : Json();
 }
 
 }  // namespace nadir::tool

@@ -1,12 +1,13 @@
 // The parts that the JSON of a pair and the JSON of a sequence have in common.
 #pragma once
 
+#include <nadir/ground.h>
+
 #include <vector>
 
-#include "ground/records/camera.hpp"
-#include "ground/regions.hpp"
 #include "tools/base/json_value.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/camera/camera.hpp"
 
 namespace nadir::tool {
 
@@ -18,22 +19,25 @@ constexpr int resultSchema = 2;
 // A measured number in thousandths of its unit, which is far below what is measured here.
 Json measuredJson(double value);
 
+double squareMetres(size_t cells, const StereoCtx& context);
+
 // The area of so many cells to the square millimetre, so that it tells their number.
-Json squareMetresJson(size_t cells, const ground::MapFrame& frame);
+Json squareMetresJson(size_t cells, const StereoCtx& context);
 
 // A part of a whole as a fraction of 1, and 0 of nothing.
 Json shareJson(size_t part, size_t whole);
 
 // Every key of the camera file.
-Json cameraJson(const ground::Camera& camera);
+Json cameraJson(const Camera& camera);
 
-Json ruleJson(const ground::RegionRule& rule);
+// The settings that make cells a region.
+Json ruleJson(const NadirSettings& settings);
 Json cornersJson(const std::vector<Point_s32>& corners);
-Json regionJson(const ground::Region& region, const ground::MapFrame& frame);
+Json regionJson(const NadirRegion& region, const StereoCtx& context);
 
 Json warningsJson(const Warnings& warnings);
 
-// Adds the heights of the cells, null where there is no cell.
-void addHeights(Json& json, const ground::CellSet& set);
+// Adds the heights of some cells, null where there is no cell.
+void addHeights(Json& json, uint32_t cells, uint32_t highestMm, uint32_t medianMm);
 
 }  // namespace nadir::tool

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "ground/records/known_values.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/canvas.hpp"
 #include "tools/draw/plot.hpp"
@@ -64,8 +64,8 @@ void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPe
 
 }  // namespace
 
-MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, uint32_t smallestSide) {
-  const Grid<float> cells = ground::unpacked(heights, 1);
+MapPlot drawMap(const Grid<uint16_t>& heights, const StereoCtx& context, uint32_t smallestSide) {
+  const Grid<float> cells = unpacked(heights, 1);
   const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
   const Grid<float> pixels = enlarged(cells, factor);
   const auto [low, high] = usualRange(cells);
@@ -74,14 +74,14 @@ MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, ui
               topMargin,
               factor,
               {leftMargin, topMargin, pixels.width, pixels.height}};
-  const double mmPerPixel = static_cast<double>(frame.cells.cellSizeX) / factor;
-  drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, frame.corner.x, mmPerPixel);
-  drawRowAxis(map.picture, pixels.height, frame.corner.y, mmPerPixel);
+  const double mmPerPixel = static_cast<double>(context.mapParams.cellSizeX) / factor;
+  drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, context.lowerLeft.x, mmPerPixel);
+  drawRowAxis(map.picture, pixels.height, context.lowerLeft.y, mmPerPixel);
   return map;
 }
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const ground::MapFrame& frame) {
-  return encodePng(drawMap(heights, frame, usualSide).picture,
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const StereoCtx& context) {
+  return encodePng(drawMap(heights, context, usualSide).picture,
                    pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen."));
 }
 

@@ -1,7 +1,8 @@
 // An elevation map in colours, seen from above, with its axes in mm.
 #pragma once
 
-#include "ground/map.hpp"
+#include <nadir/camera.h>
+
 #include "tools/draw/canvas.hpp"
 #include "tools/files/files.hpp"
 
@@ -17,9 +18,10 @@ struct MapPlot {
   Spot spot(double column, double row) const { return {left + column * cellPixels, top + row * cellPixels}; }
 };
 
+// context       of the map: its cells and its corner.
 // smallestSide  of the map's larger side, pixels: small maps are drawn with several pixels a cell.
-MapPlot drawMap(const Grid<uint16_t>& heights, const ground::MapFrame& frame, uint32_t smallestSide);
+MapPlot drawMap(const Grid<uint16_t>& heights, const StereoCtx& context, uint32_t smallestSide);
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const ground::MapFrame& frame);
+Bytes encodeMapPlot(const Grid<uint16_t>& heights, const StereoCtx& context);
 
 }  // namespace nadir::tool

@@ -6,14 +6,18 @@
 
 namespace nadir::tool {
 
-TextChunks mapTexts(const ground::MapFrame& frame, const ground::CellRule& rule) {
-  TextChunks texts = elevationTexts(placeOf(frame));
-  texts["nadir:percentile"] = format("%g", rule.percentile);
+MapPlace placeOf(const StereoCtx& context) {
+  return {static_cast<double>(context.mapParams.cellSizeX), context.lowerLeft.x, context.lowerLeft.y};
+}
+
+TextChunks mapTexts(const StereoCtx& context, double percentile) {
+  TextChunks texts = elevationTexts(placeOf(context));
+  texts["nadir:percentile"] = format("%g", percentile);
   return texts;
 }
 
-TextChunks regionTexts(const ground::MapFrame& frame, const ground::CellRule& rule) {
-  TextChunks texts = mapTexts(frame, rule);
+TextChunks regionTexts(const StereoCtx& context, double percentile) {
+  TextChunks texts = mapTexts(context, percentile);
   texts[chunks::units] = regionUnits;
   texts[chunks::description] =
       "The region that each cell of the elevation map belongs to: 0 none; summary.json tells the others.";

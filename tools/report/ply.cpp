@@ -41,12 +41,12 @@ uint8_t grey(uint16_t intensity) { return static_cast<uint8_t>(std::min(intensit
 
 }  // namespace
 
-Bytes encodePly(const std::vector<ground::WorldPoint>& points, float groundZ) {
+Bytes encodePly(const std::vector<NadirPoint>& points, const Grid<uint16_t>& picture, float groundZ) {
   const std::string text = header(points.size());
   Bytes bytes = bytesOf(text);
-  for (const ground::WorldPoint& p : points) {
-    for (const float v : {p.world.x, p.world.y, p.world.z, groundZ - p.world.z}) append(bytes, v);
-    bytes.insert(bytes.end(), 3, grey(p.intensity));
+  for (const NadirPoint& p : points) {
+    for (const float v : {p.x_mm, p.y_mm, p.z_mm, groundZ - p.z_mm}) append(bytes, v);
+    bytes.insert(bytes.end(), 3, grey(picture.at(p.column, p.row)));
   }
   return bytes;
 }

@@ -1,12 +1,18 @@
 // Point clouds as binary PLY.
 #pragma once
 
-#include "ground/points.hpp"
+#include <nadir/ground.h>
+
+#include "lab/grid.hpp"
 #include "tools/files/files.hpp"
 
 namespace nadir::tool {
 
+using lab::Grid;
+
 // Little-endian vertices in mm: world x, y, z (z downwards), the height above the ground, and the picture's grey.
-Bytes encodePly(const std::vector<ground::WorldPoint>& points, float groundZ);
+//
+// picture  whose pixels the points are.
+Bytes encodePly(const std::vector<NadirPoint>& points, const Grid<uint16_t>& picture, float groundZ);
 
 }  // namespace nadir::tool

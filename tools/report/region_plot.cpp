@@ -79,9 +79,9 @@ void outlineCells(MapPlot& map, const Grid<uint16_t>& labels) {
     }
 }
 
-Spot spotOf(const MapPlot& map, const ground::MapFrame& frame, double xMm, double yMm) {
-  const double cell = frame.cells.cellSizeX;
-  return map.spot((xMm - frame.corner.x) / cell, (yMm - frame.corner.y) / cell);
+Spot spotOf(const MapPlot& map, const StereoCtx& context, double xMm, double yMm) {
+  const double cell = context.mapParams.cellSizeX;
+  return map.spot((xMm - context.lowerLeft.x) / cell, (yMm - context.lowerLeft.y) / cell);
 }
 
 // ---- on the picture ----
@@ -108,14 +108,12 @@ Grid<Rgb> greyPicture(const Grid<uint16_t>& picture) {
 }
 
 // The label of what each pixel shows: its point lies over a cell of the region, above the ground.
-Grid<uint16_t> labelsOfPixels(const ground::Setup& setup, const ground::Result& r) {
+Grid<uint16_t> labelsOfPixels(const Road& road, const PairResult& r) {
+  const Grid<uint16_t> cells = gridOf<uint16_t>(r.findings.labels);
   Grid<uint16_t> labels(r.picture.width, r.picture.height);
-  for (const ground::WorldPoint& p : r.points) {
-    const std::optional<size_t> cell = ground::cellUnder(p.world, setup.frame);
-    if (!cell || setup.camera.heightMm - p.world.z <= setup.settings.regions->minHeightMm) continue;
-    labels.at(static_cast<uint32_t>(p.image.x), static_cast<uint32_t>(p.image.y)) =
-        r.findings->regions.labels.pixels[*cell];
-  }
+  for (const NadirPoint& p : r.points)
+    if (p.cell != NADIR_NO_CELL && road.camera.heightMm - p.z_mm > road.settings.min_height_mm)
+      labels.at(p.column, p.row) = cells.pixels[p.cell];
   return labels;
 }
 
@@ -168,47 +166,51 @@ std::vector<std::optional<Spot>> outlineInPicture(const std::vector<Point_s32>& 
   return outline;
 }
 
-std::vector<NamedOutline> areasOnMap(const MapPlot& map, const ground::Setup& setup) {
+std::vector<NamedOutline> areasOnMap(const MapPlot& map, const Road& road) {
   std::vector<NamedOutline> areas;
-  for (const ground::PlacedArea& area : setup.areas) {
+  for (const WatchedArea& area : road.areas) {
     std::vector<std::optional<Spot>> outline;
-    for (const Point_s32& corner : area.ground) outline.emplace_back(spotOf(map, setup.frame, corner.x, corner.y));
+    for (const Point_s32& corner : area.ground) outline.emplace_back(spotOf(map, road.context, corner.x, corner.y));
     areas.push_back({area.area.name, visibleLines(outline, map.place)});
   }
   return areas;
 }
 
-std::vector<NamedOutline> areasInPicture(const ground::Setup& setup, const Rect& whole) {
+std::vector<NamedOutline> areasInPicture(const Road& road, const Rect& whole) {
   std::vector<NamedOutline> areas;
-  for (const ground::PlacedArea& area : setup.areas)
-    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.ground, setup.context), whole)});
+  for (const WatchedArea& area : road.areas)
+    areas.push_back({area.area.name, visibleLines(outlineInPicture(area.ground, road.context), whole)});
   return areas;
 }
 
 }  // namespace
 
-Bytes encodeRegionMap(const ground::Setup& setup, const ground::Result& result) {
-  MapPlot map = drawMap(result.map.heights, setup.frame, mapSide);
-  const std::vector<NamedOutline> areas = areasOnMap(map, setup);
-  outlineCells(map, result.findings->regions.labels);
+Bytes encodeRegionMap(const Road& road, const PairResult& result) {
+  const NadirFindings& findings = result.findings;
+  MapPlot map = drawMap(gridOf<uint16_t>(findings.heights), road.context, mapSide);
+  const std::vector<NamedOutline> areas = areasOnMap(map, road);
+  outlineCells(map, gridOf<uint16_t>(findings.labels));
   drawLines(map.picture, areas);
   Signs signs(map.picture, map.place);
-  for (const ground::Region& region : result.findings->regions.list)
-    signs.drawAt(spotOf(map, setup.frame, region.centreXMm, region.centreYMm), format("%u", region.label), 2, white);
+  for (uint32_t i = 0; i < findings.region_count; ++i) {
+    const NadirRegion& region = findings.regions[i];
+    signs.drawAt(spotOf(map, road.context, region.centre_x_mm, region.centre_y_mm), format("%u", region.label), 2,
+                 white);
+  }
   drawNames(signs, areas);
   return encodePng(map.picture, pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
                                              "Regions are outlined in white and numbered, areas of interest in pink."));
 }
 
-Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& result) {
+Bytes encodeRegionPicture(const Road& road, const PairResult& result) {
   Grid<Rgb> picture = greyPicture(result.picture);
-  const Grid<uint16_t> labels = labelsOfPixels(setup, result);
+  const Grid<uint16_t> labels = labelsOfPixels(road, result);
   const Rect whole{0, 0, picture.width, picture.height};
-  const std::vector<NamedOutline> areas = areasInPicture(setup, whole);
+  const std::vector<NamedOutline> areas = areasInPicture(road, whole);
   colourRegions(picture, labels);
   drawLines(picture, areas);
   Signs signs(picture, whole);
-  numberRegions(signs, labels, result.findings->regions.list.size());
+  numberRegions(signs, labels, result.findings.region_count);
   drawNames(signs, areas);
   return encodePng(picture,
                    pictureTexts("The measured picture: regions coloured and numbered, areas of interest on the "

@@ -1,16 +1,16 @@
 // Regions and areas of interest drawn where people can see whether they are right.
 #pragma once
 
-#include "ground/road.hpp"
 #include "tools/files/files.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
 // Both want a result with findings. On the elevation map: regions outlined in white with their labels, areas outlined
 // with their names.
-Bytes encodeRegionMap(const ground::Setup& setup, const ground::Result& result);
+Bytes encodeRegionMap(const Road& road, const PairResult& result);
 
 // The measured view's picture, where what belongs to a region is coloured.
-Bytes encodeRegionPicture(const ground::Setup& setup, const ground::Result& result);
+Bytes encodeRegionPicture(const Road& road, const PairResult& result);
 
 }  // namespace nadir::tool

@@ -7,8 +7,8 @@
 
 namespace nadir::tool {
 
-ground::Pair readPair(const std::string& left, const std::string& right) {
-  const ground::Pair pair{readIntensity(left), readIntensity(right)};
+Pair readPair(const std::string& left, const std::string& right) {
+  const Pair pair{readIntensity(left), readIntensity(right)};
   const std::string leftSize = sizeText(pair.left.width, pair.left.height);
   if (!sameSize(pair.left, pair.right))
     throw Error(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
@@ -18,7 +18,7 @@ ground::Pair readPair(const std::string& left, const std::string& right) {
   return pair;
 }
 
-Grid<uint8_t> readMaskFor(const ground::Pair& pair, const std::string& path) {
+Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path) {
   if (path.empty()) return {};
   Grid<uint8_t> mask = readMask(path);
   if (!sameSize(mask, pair.left))

@@ -3,16 +3,20 @@
 
 #include <string>
 
-#include "ground/match.hpp"
+#include "lab/grid.hpp"
 
 namespace nadir::tool {
 
 using lab::Grid;
 
+struct Pair {
+  Grid<uint16_t> left, right;
+};
+
 // Two pictures of one size that the matcher can work on.
-ground::Pair readPair(const std::string& left, const std::string& right);
+Pair readPair(const std::string& left, const std::string& right);
 
 // An empty path means no mask.
-Grid<uint8_t> readMaskFor(const ground::Pair& pair, const std::string& path);
+Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path);
 
 }  // namespace nadir::tool

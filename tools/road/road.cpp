@@ -1,22 +1,32 @@
-// Options and files become a setup, and the files of a pair the road's input.
+// Options and files become a road, and the files of a pair its frame.
 #include "tools/road/road.hpp"
 
+#include <nadir/stereo.h>
+
 #include <algorithm>
+#include <cmath>
+#include <new>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
-#include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera_file.hpp"
 #include "tools/pictures/pictures.hpp"
-#include "tools/road/pair_input.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
+// A status that only a lack of memory or a mistake of this program can explain.
+void expect(NadirStatus status) {
+  if (status == NADIR_NO_MEMORY) throw std::bad_alloc();
+  if (status != NADIR_OK) throw Error(nadir_status_text(status));
+}
+
+// ---- what is checked before a road is made ----
+
 // Regions are found on small maps only; larger cells cover the same ground.
 void checkMap(const Camera& camera, const RoadOptions& options) {
-  const uint32_t most = ground::largestRegionMap;
+  const uint32_t most = NADIR_LARGEST_REGION_MAP;
   const uint32_t width = camera.mapWidthCells, height = camera.mapHeightCells, larger = std::max(width, height);
   if (options.noRegions || larger <= most) return;
   const uint32_t cell = (larger * camera.cellMm + most - 1) / most;
@@ -28,27 +38,118 @@ void checkMap(const Camera& camera, const RoadOptions& options) {
              sizeText(fewer(width), fewer(height)).c_str()));
 }
 
-std::vector<ground::Area> readAllAreas(const RoadOptions& options) {
+void checkHoles(const Camera& camera, const RoadOptions& options) {
+  const auto fits = [](uint32_t cells) { return cells >= 2 && cells <= 4095; };
+  if (options.fillHolesM2 == 0 || (fits(camera.mapWidthCells) && fits(camera.mapHeightCells))) return;
+  throw Error(format("holes can be filled in maps of 2 to 4095 cells a side, this one has %s",
+                     sizeText(camera.mapWidthCells, camera.mapHeightCells).c_str()));
+}
+
+std::vector<Area> readAllAreas(const RoadOptions& options) {
   if (options.noRegions) return {};
-  const std::vector<ground::Area> ofCamera = readAreasOfCamera(options.camera);
+  const std::vector<Area> ofCamera = readAreasOfCamera(options.camera);
   return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
 }
 
-ground::Settings settingsOf(const RoadOptions& options, const Camera& camera) {
-  ground::Settings settings;
-  settings.view = options.view;
-  settings.uniqueness = options.uniqueness;
-  settings.postprocess = !options.noPostprocessing;
-  settings.cells = options.cells;
-  settings.fillHolesM2 = options.fillHolesM2;
-  const ground::RegionRule usual = ground::usualRule(camera.cellMm);
-  if (!options.noRegions)
-    settings.regions = {options.minHeightMm.value_or(usual.minHeightMm), options.maxStepMm.value_or(usual.maxStepMm),
-                        options.minAreaM2.value_or(usual.minAreaM2)};
-  return settings;
+// ---- the library's records ----
+
+NadirCamera cameraRecord(const Camera& c) {
+  return {sizeof(NadirCamera), c.widthPx, c.heightPx,     c.cellMm,       c.mapWidthCells, c.mapHeightCells,
+          c.baselineMm,        c.focalPx, c.principalXPx, c.principalYPx, c.columnShiftPx, c.heightMm,
+          c.tiltDeg,           c.panDeg,  c.mapOffsetXMm, c.mapOffsetYMm};
 }
 
-Grid<float> givenDisparities(const RoadOptions& options, const ground::Pair& pair) {
+NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& camera) {
+  NadirSettings s;
+  nadir_settings_fill(&s, &camera);
+  s.until = options.noRegions ? NADIR_UNTIL_MAP : NADIR_UNTIL_ALL;
+  s.grid = options.view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
+  s.uniqueness = options.uniqueness;
+  s.postprocess = !options.noPostprocessing;
+  s.percentile = options.percentile;
+  s.min_points = options.minPoints;
+  s.fill_holes_m2 = options.fillHolesM2;
+  s.min_height_mm = options.minHeightMm.value_or(s.min_height_mm);
+  s.max_step_mm = options.maxStepMm.value_or(s.max_step_mm);
+  s.min_area_m2 = options.minAreaM2.value_or(s.min_area_m2);
+  return s;
+}
+
+std::vector<NadirArea> areaRecords(const std::vector<Area>& areas) {
+  std::vector<NadirArea> records;
+  for (const Area& a : areas)
+    records.push_back({sizeof(NadirArea), a.unit == AreaUnit::pixels ? 0u + NADIR_AREA_PIXELS : NADIR_AREA_GROUND_MM,
+                       static_cast<uint32_t>(a.corners.size()), 0, &a.corners[0].x});
+  return records;
+}
+
+// ---- what the library finds wrong with an area ----
+
+std::string extentText(const StereoCtx& context) {
+  const double cell = context.mapParams.cellSizeX, left = context.lowerLeft.x, top = context.lowerLeft.y;
+  return format("x %.0f, y %.0f to x %.0f, y %.0f mm", left, top, left + context.mapParams.width * cell,
+                top + context.mapParams.height * cell);
+}
+
+std::string reasonOf(NadirStatus status, const NadirFault& fault, const Area& area, const StereoCtx& context) {
+  constexpr int reach = NADIR_AREA_REACH / 1000;
+  switch (status) {
+    case NADIR_MAP_OUT_OF_REACH:
+      return format("areas need a map that ends within %d m of the camera, this one reaches from %s", reach,
+                    extentText(context).c_str());
+    case NADIR_CAMERA_TOO_HIGH: return "areas in pixels need a camera that is at most 65 m high";
+    case NADIR_CORNER_OFF_GROUND:
+      return format("corner %u, pixel [%d, %d], does not show the ground within %d m of the camera", fault.corner + 1,
+                    area.corners[fault.corner].x, area.corners[fault.corner].y, reach);
+    case NADIR_AREA_WITHOUT_CELLS:
+      return "holds the centre of no cell of the map, which reaches from " + extentText(context);
+    default: return nadir_status_text(status);
+  }
+}
+
+StereoCtx contextOf(const NadirRoad& road) {
+  StereoCtx context;
+  expect(nadir_road_context(&road, &context));
+  return context;
+}
+
+RoadHandle made(const NadirCamera& camera, const NadirSettings& settings, const std::vector<Area>& areas) {
+  const std::vector<NadirArea> records = areaRecords(areas);
+  NadirFault fault = {};
+  fault.size = sizeof fault;
+  NadirRoad* road = nullptr;
+  const NadirStatus status =
+      nadir_road_create(&camera, &settings, records.data(), static_cast<uint32_t>(records.size()), &road, &fault);
+  if (status >= NADIR_BAD_AREA && status <= NADIR_AREA_WITHOUT_CELLS) {
+    const Area& area = areas.at(fault.area);
+    const StereoCtx context = contextOf(*made(camera, settings, {}));
+    throw Error(format("%s: area \"%s\": %s", area.origin.c_str(), area.name.c_str(),
+                       reasonOf(status, fault, area, context).c_str()));
+  }
+  if (fault.field && status != NADIR_OK) throw Error(format("%s: %s", fault.field, nadir_status_text(status)));
+  expect(status);
+  return RoadHandle(road);
+}
+
+std::vector<Area> areasOf(const Road& road) {
+  std::vector<Area> areas;
+  for (const WatchedArea& watched : road.areas) areas.push_back(watched.area);
+  return areas;
+}
+
+WatchedArea watchedArea(const NadirRoad& road, const Area& area, uint32_t index) {
+  NadirPlacedArea placed;
+  placed.size = sizeof placed;
+  expect(nadir_road_area(&road, index, &placed));
+  WatchedArea watched{area, {}, placed.cells, placed.whole_on_map != 0};
+  for (uint32_t i = 0; i < placed.corner_count; ++i)
+    watched.ground.push_back({placed.ground_mm[2 * i], placed.ground_mm[2 * i + 1]});
+  return watched;
+}
+
+// ---- frames ----
+
+Grid<float> givenDisparities(const RoadOptions& options, const Pair& pair) {
   Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
   if (!sameSize(disparity, pair.left))
     throw Error(format("the disparity picture %s is %s pixels, the pictures are %s", options.disparity.c_str(),
@@ -57,37 +158,133 @@ Grid<float> givenDisparities(const RoadOptions& options, const ground::Pair& pai
   return disparity;
 }
 
-ground::Input inputOf(ground::Pair pair, const RoadOptions& options) {
-  if (!options.disparity.empty()) {
-    Grid<float> disparity = givenDisparities(options, pair);
-    return {std::move(pair), {}, std::move(disparity)};
-  }
-  Grid<uint8_t> mask = readMaskFor(pair, options.mask);
-  return {std::move(pair), std::move(mask), {}};
+template <class T>
+size_t strideOf(const Grid<T>& grid) {
+  return grid.width * sizeof(T);
+}
+
+NadirFrame frameOf(const Pair& pair, const Grid<uint8_t>& mask) {
+  NadirFrame frame{};
+  frame.size = sizeof frame;
+  frame.bits = 16;
+  frame.left = pair.left.pixels.data();
+  frame.right = pair.right.pixels.data();
+  frame.left_stride = strideOf(pair.left);
+  frame.right_stride = strideOf(pair.right);
+  if (mask.pixels.empty()) return frame;
+  frame.mask = mask.pixels.data();
+  frame.mask_stride = strideOf(mask);
+  return frame;
+}
+
+void give(NadirFrame& frame, const Grid<float>& disparity) {
+  if (disparity.pixels.empty()) return;
+  frame.disparity = disparity.pixels.data();
+  frame.disparity_stride = strideOf(disparity);
+}
+
+ResultHandle newResult(const NadirRoad& road) {
+  NadirResult* result = nullptr;
+  expect(nadir_result_create(&road, &result));
+  return ResultHandle(result);
+}
+
+NadirFindings process(NadirRoad& road, NadirFrame frame, NadirResult& result, StageTimes& times) {
+  StageClock clock(times);
+  clock.listenTo(frame);
+  expect(nadir_road_process(&road, &frame, &result));
+  NadirFindings findings;
+  findings.size = sizeof findings;
+  expect(nadir_result_read(&result, &findings));
+  return findings;
+}
+
+std::vector<NadirPoint> pointsOf(const Road& road, const PairResult& result) {
+  NadirFrame frame{};
+  frame.size = sizeof frame;
+  give(frame, result.given);
+  std::vector<NadirPoint> points(result.findings.points);
+  size_t count = 0;
+  expect(nadir_road_points(road.handle.get(), &frame, result.memory.get(), points.data(), points.size(), &count));
+  return points;
 }
 
 }  // namespace
 
-// The areas are read too, so that a mistake in the last one does not wait for the matcher.
-Road roadOf(const RoadOptions& options) {
-  const Camera camera = readCamera(options.camera);
-  checkMap(camera, options);
-  return {options, ground::setupOf(camera, settingsOf(options, camera), readAllAreas(options))};
+NadirSettings usualSettings() {
+  NadirSettings settings;
+  nadir_settings_fill(&settings, nullptr);
+  return settings;
 }
 
-void checkSize(const ground::Pair& pair, const Road& road) {
-  const Camera& camera = road.setup.camera;
+// The areas are read too, so that a mistake in the last one does not wait for the matcher.
+Road roadOf(const RoadOptions& options) {
+  Road road{options, readCamera(options.camera), {}, {}, {}, {}};
+  checkMap(road.camera, options);
+  checkHoles(road.camera, options);
+  const NadirCamera camera = cameraRecord(road.camera);
+  const std::vector<Area> areas = readAllAreas(options);
+  road.settings = settingsRecord(options, camera);
+  road.handle = made(camera, road.settings, areas);
+  road.context = contextOf(*road.handle);
+  for (const Area& area : areas)
+    road.areas.push_back(watchedArea(*road.handle, area, static_cast<uint32_t>(road.areas.size())));
+  return road;
+}
+
+RoadHandle copyOf(const Road& road) { return made(cameraRecord(road.camera), road.settings, areasOf(road)); }
+
+void checkSize(const Pair& pair, const Road& road) {
+  const Camera& camera = road.camera;
   if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
   throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
                      sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
                      sizeText(camera.widthPx, camera.heightPx).c_str()));
 }
 
-ground::Result resultOf(const Road& road, const std::string& left, const std::string& right,
-                        const ground::StageRunner& run) {
-  ground::Pair pair = ground::stageResult(run, "reading", [&] { return readPair(left, right); });
+void work(const Road& road, NadirRoad& handle, const std::string& left, const std::string& right, StageTimes& times,
+          PairResult& result) {
+  const RoadOptions& options = road.options;
+  Pair pair = times.measure("reading", [&] { return readPair(left, right); });
   checkSize(pair, road);
-  return ground::resultOf(road.setup, inputOf(std::move(pair), road.options), run);
+  if (!options.disparity.empty()) result.given = givenDisparities(options, pair);
+  const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
+  NadirFrame frame = frameOf(pair, mask);
+  give(frame, result.given);
+  if (!result.memory) result.memory = newResult(handle);
+  result.findings = process(handle, frame, *result.memory, times);
+  result.picture = std::move(options.view == View::left ? pair.left : pair.right);
+}
+
+Grid<uint16_t> heightsOfGiven(const Road& road, const Grid<float>& disparity) {
+  NadirFrame frame{};
+  frame.size = sizeof frame;
+  give(frame, disparity);
+  StageTimes times;
+  const ResultHandle result = newResult(*road.handle);
+  return gridOf<uint16_t>(process(*road.handle, frame, *result, times).heights);
+}
+
+void addPoints(const Road& road, PairResult& result, StageTimes& times) {
+  result.points = times.measure("world points", [&] { return pointsOf(road, result); });
+  result.plane = times.measure("ground plane", [&] { return fitGroundPlane(result.points, road.context); });
+}
+
+Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
+                 StageTimes& times) {
+  NadirCamera camera{};
+  camera.size = sizeof camera;
+  camera.width_px = pair.left.width;
+  camera.height_px = pair.left.height;
+  NadirSettings settings = usualSettings();
+  settings.until = NADIR_UNTIL_MATCH;
+  settings.grid = view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
+  settings.uniqueness = uniqueness;
+  settings.postprocess = postprocess;
+  const RoadHandle road = made(camera, settings, {});
+  const ResultHandle result = newResult(*road);
+  const NadirFindings findings = process(*road, frameOf(pair, mask), *result, times);
+  return {gridOf<uint16_t>(findings.disparity), *findings.pixels};
 }
 
 }  // namespace nadir::tool

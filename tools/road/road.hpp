@@ -1,41 +1,114 @@
-// The program's way onto the road: what the user names becomes a setup and pairs.
+// The program's way onto the road: what the user names becomes a road, and pairs become results.
 #pragma once
 
+#include <nadir/ground.h>
+
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "ground/road.hpp"
+#include "lab/grid.hpp"
+#include "tools/base/view.hpp"
+#include "tools/camera/areas_file.hpp"
+#include "tools/camera/camera.hpp"
+#include "tools/road/pair_input.hpp"
+#include "tools/road/plane.hpp"
+#include "tools/road/timed_stages.hpp"
 
 namespace nadir::tool {
 
-using lab::Grid;
+// The library's defaults; those that follow from the camera are left at 0.
+NadirSettings usualSettings();
 
 // What the user may say. A file with an empty name is not given.
 struct RoadOptions {
   std::string camera, mask, disparity, areas;
   double disparityScale = 0;  // of the given disparities; 0: what their file says
-  ground::View view = ground::Settings().view;
+  View view = View::left;
   bool noPostprocessing = false;
-  uint32_t uniqueness = ground::Settings().uniqueness;
-  ground::CellRule cells;
-  double fillHolesM2 = ground::Settings().fillHolesM2;
+  uint32_t uniqueness = usualSettings().uniqueness;
+  double percentile = usualSettings().percentile;
+  uint32_t minPoints = usualSettings().min_points;
+  double fillHolesM2 = usualSettings().fill_holes_m2;
   bool noRegions = false;
   std::optional<double> minHeightMm, maxStepMm, minAreaM2;  // else the usual ones for the map's cells
+};
+
+struct Destroy {
+  void operator()(NadirRoad* road) const { nadir_road_destroy(road); }
+  void operator()(NadirResult* result) const { nadir_result_destroy(result); }
+  void operator()(NadirTracker* tracker) const { nadir_tracker_destroy(tracker); }
+};
+using RoadHandle = std::unique_ptr<NadirRoad, Destroy>;
+using ResultHandle = std::unique_ptr<NadirResult, Destroy>;
+using TrackerHandle = std::unique_ptr<NadirTracker, Destroy>;
+
+// An area as it lies on the map.
+struct WatchedArea {
+  Area area;
+  std::vector<Point_s32> ground;  // its corners, world x and y in mm
+  size_t cells;
+  bool wholeOnMap;
 };
 
 // What is the same for every pair of a camera: read and checked once.
 struct Road {
   RoadOptions options;
-  ground::Setup setup;
+  Camera camera;
+  NadirSettings settings;
+  RoadHandle handle;
+  StereoCtx context;  // of the measured view and the map
+  std::vector<WatchedArea> areas;
+
+  bool findsRegions() const { return settings.until == NADIR_UNTIL_ALL; }
 };
 
 Road roadOf(const RoadOptions& options);
 
-// Throws where the pictures are not of the camera's size.
-void checkSize(const ground::Pair& pair, const Road& road);
+// Another road of the same kind, for another thread.
+RoadHandle copyOf(const Road& road);
 
-// What comes of the pair in the two files. Several threads may work on one road at a time.
-ground::Result resultOf(const Road& road, const std::string& left, const std::string& right,
-                        const ground::StageRunner& run = ground::runStage);
+// Throws where the pictures are not of the camera's size.
+void checkSize(const Pair& pair, const Road& road);
+
+// What came of a pair.
+struct PairResult {
+  Grid<uint16_t> picture;  // the view's
+  Grid<float> given;       // the disparities that the user gave; without pixels where the pair was matched
+  ResultHandle memory;
+  NadirFindings findings;          // in that memory
+  std::vector<NadirPoint> points;  // these two are found on demand
+  std::optional<GroundPlane> plane;
+};
+
+// Works on the pair in the two files. The handle is of this road or a copy of it; the result's memory is used again.
+void work(const Road& road, NadirRoad& handle, const std::string& left, const std::string& right, StageTimes& times,
+          PairResult& result);
+
+// The map of disparities that the road did not match.
+Grid<uint16_t> heightsOfGiven(const Road& road, const Grid<float>& disparity);
+
+// Finds the points, row by row, and the ground that they show.
+void addPoints(const Road& road, PairResult& result, StageTimes& times);
+
+// What the matcher alone makes of a pair, on the grid of the view and with the settings' uniqueness and clean-up.
+struct Matching {
+  Grid<uint16_t> disparity;  // SGM_DISP_SCALE per pixel, 0 for none
+  NadirPixelCounts counts;
+};
+Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
+                 StageTimes& times);
+
+// A copy of a plane of the library's.
+template <class T>
+Grid<T> gridOf(const NadirPlane& plane) {
+  Grid<T> grid(plane.width, plane.height);
+  for (uint32_t y = 0; y < plane.height; ++y) {
+    const auto* row = reinterpret_cast<const T*>(static_cast<const uint8_t*>(plane.data) + y * plane.stride);
+    std::copy(row, row + plane.width, grid.row(y));
+  }
+  return grid;
+}
 
 }  // namespace nadir::tool

@@ -8,26 +8,26 @@ namespace nadir::tool {
 namespace {
 
 // Tenths of a millimetre are below what a track knows; null says that nothing is tracked.
-void addTrack(Json& json, const std::optional<ground::TrackedHeight>& track) {
-  json["tracked_mm"] = track ? roundedNumber(track->mm, 10) : Json();
-  json["tracked_mm_per_s"] = track ? roundedNumber(track->mmPerS, 10) : Json();
-  json["tracked_deviation_mm"] = track ? roundedNumber(track->deviationMm, 10) : Json();
+void addTrack(Json& json, const NadirTrack& track) {
+  json["tracked_mm"] = track.active ? roundedNumber(track.height_mm, 10) : Json();
+  json["tracked_mm_per_s"] = track.active ? roundedNumber(track.rate_mm_per_s, 10) : Json();
+  json["tracked_deviation_mm"] = track.active ? roundedNumber(track.deviation_mm, 10) : Json();
 }
 
-Json watchedJson(const ground::PlacedArea& area, const ground::Occupancy& o,
-                 const std::optional<ground::TrackedHeight>& track) {
+Json watchedJson(const WatchedArea& area, const NadirOccupancy& o, const NadirTrack& track) {
   Json json = {{"name", area.area.name},
-               {"seen_cells", o.seen},
-               {"covered_cells", o.covered.cells},
-               {"covered_share", shareJson(o.covered.cells, area.count)}};
-  addHeights(json, o.covered);
+               {"seen_cells", o.seen_cells},
+               {"covered_cells", o.covered_cells},
+               {"covered_share", shareJson(o.covered_cells, area.cells)}};
+  addHeights(json, o.covered_cells, o.highest_mm, o.median_mm);
   addTrack(json, track);
   return json;
 }
 
 }  // namespace
 
-std::string frameLine(const FrameReport& report, const ground::Setup& setup) {
+std::string frameLine(const FrameReport& report, const Road& road) {
+  const NadirFindings& found = report.findings;
   Json json = {{"schema", resultSchema},
                {"frame", report.number},
                {"name", report.name},
@@ -36,16 +36,14 @@ std::string frameLine(const FrameReport& report, const ground::Setup& setup) {
   if (!report.error.empty()) {
     json["error"] = report.error;
   } else {
-    json["seen_cells"] = report.seenCells;
-    json["regions"] = report.findings ? Json::array() : Json();
-    json["areas"] = report.findings ? Json::array() : Json();
+    json["seen_cells"] = found.seen_cells + found.filled_cells;
+    json["regions"] = road.findsRegions() ? Json::array() : Json();
+    json["areas"] = road.findsRegions() ? Json::array() : Json();
   }
-  if (report.findings) {
-    for (const ground::Region& region : report.findings->regions.list)
-      json["regions"].push_back(regionJson(region, setup.frame));
-    for (size_t i = 0; i < report.tracks.size(); ++i)
-      json["areas"].push_back(watchedJson(setup.areas[i], report.findings->areas[i], report.tracks[i]));
-  }
+  for (uint32_t i = 0; i < found.region_count; ++i)
+    json["regions"].push_back(regionJson(found.regions[i], road.context));
+  for (size_t i = 0; i < report.tracks.size(); ++i)
+    json["areas"].push_back(watchedJson(road.areas[i], found.areas[i], report.tracks[i]));
   return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -1,13 +1,13 @@
 // What came of one frame of a sequence, and its line of frames.jsonl (docs/frames.schema.json).
 #pragma once
 
-#include <optional>
+#include <nadir/ground.h>
+
 #include <string>
 #include <vector>
 
-#include "ground/road.hpp"
-#include "ground/tracks.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
@@ -18,11 +18,10 @@ struct FrameReport {
   double seconds = 0;
   std::string error;
   Warnings warnings;
-  size_t seenCells = 0;
-  std::optional<ground::Findings> findings;
-  std::vector<std::optional<ground::TrackedHeight>> tracks;  // of the areas
+  NadirFindings findings{};
+  std::vector<NadirTrack> tracks;  // of the areas
 };
 
-std::string frameLine(const FrameReport& report, const ground::Setup& setup);
+std::string frameLine(const FrameReport& report, const Road& road);
 
 }  // namespace nadir::tool

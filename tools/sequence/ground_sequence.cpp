@@ -3,9 +3,11 @@
 
 #include <nadir/nadir.h>
 
+#include <cmath>
 #include <filesystem>
+#include <memory>
+#include <new>
 
-#include "ground/average.hpp"
 #include "tools/base/background.hpp"
 #include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
@@ -17,9 +19,8 @@
 #include "tools/files/frame_log.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
-#include "tools/report/map_heights.hpp"
 #include "tools/report/map_texts.hpp"
-#include "tools/road/pair_input.hpp"
+#include "tools/road/lanes.hpp"
 #include "tools/sequence/frame_line.hpp"
 #include "tools/sequence/settings_difference.hpp"
 
@@ -33,10 +34,8 @@ namespace {
 struct Worked {
   std::string error;
   Warnings warnings;
-  Grid<uint16_t> heights;
-  size_t seenCells = 0;
-  Bytes map;  // its file
-  std::optional<ground::Findings> findings;
+  Bytes map;                   // its file
+  std::unique_ptr<Lane> lane;  // with the frame's result, unless there is an error
 };
 
 // What is written of a frame, which must not hold up the next one.
@@ -45,11 +44,26 @@ struct Written {
   FrameReport report;
   Bytes map;
   Grid<uint16_t> average;
+  std::unique_ptr<Lane> lane;  // that the report's findings lie in
 };
 
-std::optional<double> measuredIn(const ground::Occupancy& area) {
-  if (area.covered.cells == 0) return {};
-  return area.covered.highestMm;
+// What a log tells of an area's height.
+double measuredIn(const nlohmann::json& area) {
+  const nlohmann::json& height = area.at("highest_mm");
+  return height.is_null() ? std::nan("") : height.get<double>();
+}
+
+TrackerHandle trackerOf(const Road& road, const SequenceRule& rule) {
+  NadirTrackSettings settings = rule.track;
+  if (rule.products.count(Product::average) == 0) settings.average_frames = 0;
+  NadirTracker* tracker = nullptr;
+  if (nadir_tracker_create(road.handle.get(), &settings, &tracker, nullptr) != NADIR_OK) throw std::bad_alloc();
+  return TrackerHandle(tracker);
+}
+
+// A status that only a mistake of this program can explain.
+void expect(NadirStatus status) {
+  if (status != NADIR_OK) throw Error(nadir_status_text(status));
 }
 
 class SequenceRun {
@@ -59,8 +73,8 @@ class SequenceRun {
         road_(road),
         options_(options),
         times_(options.rule.times, timesBegunWith(), source),
-        window_(options.rule.averageFrames),
-        tracks_(road.setup.areas.size(), ground::HeightTrack(options.rule.track)) {}
+        lanes_(road),
+        tracker_(trackerOf(road, options.rule)) {}
 
   void go() {
     begin();
@@ -90,6 +104,7 @@ class SequenceRun {
     return options_.folder + "/" + kind + "/" + source_.name(frame) + ".png";
   }
   double secondsOf(size_t frame) const { return times_.seconds(source_.number(frame)); }
+  int64_t nanosecondsOf(size_t frame) const { return times_.nanoseconds(source_.number(frame)); }
 
   // ---- the beginning, or where an earlier run has ended ----
 
@@ -136,9 +151,11 @@ class SequenceRun {
 
   // A new run has nothing to take up.
   void takeUp() {
-    const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { replay(line); });
+    const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { readBack(line); });
     if (fs::exists(logPath())) cutOff(whole);
-    if (writes(Product::average)) refillWindow();
+    const size_t begin = windowBegin();
+    for (const Measured& measured : measured_) replay(measured, measured.frame >= begin);
+    measured_.clear();
   }
 
   void cutOff(uintmax_t whole) const {
@@ -151,21 +168,20 @@ class SequenceRun {
   void checkMask() const {
     if (road_.options.mask.empty()) return;
     const Grid<uint8_t> mask = readMask(road_.options.mask);
-    if (mask.width != road_.setup.camera.widthPx || mask.height != road_.setup.camera.heightPx)
+    if (mask.width != road_.camera.widthPx || mask.height != road_.camera.heightPx)
       throw Error(format("the mask %s is %s pixels, but the camera of %s takes pictures of %s",
                          road_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
-                         road_.options.camera.c_str(),
-                         sizeText(road_.setup.camera.widthPx, road_.setup.camera.heightPx).c_str()));
+                         road_.options.camera.c_str(), sizeText(road_.camera.widthPx, road_.camera.heightPx).c_str()));
   }
 
   // The first frame that can be read tells.
   void checkCamera() const {
-    std::optional<ground::Pair> pair;
+    std::optional<Pair> pair;
     for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
     if (pair) checkSize(*pair, road_);
   }
 
-  std::optional<ground::Pair> readable(size_t frame) const {
+  std::optional<Pair> readable(size_t frame) const {
     try {
       return readPair(source_.left(frame), source_.right(frame));
     } catch (const Error&) {
@@ -173,41 +189,63 @@ class SequenceRun {
     }
   }
 
-  // The filters' state follows from what was measured.
-  void replay(const nlohmann::json& line) {
+  // The tracker's state follows from what was measured.
+  struct Measured {
+    size_t frame;
+    std::vector<double> highestMm;
+  };
+
+  void readBack(const nlohmann::json& line) {
     if (done_ >= source_.size() || line.value("frame", uint64_t{0}) != source_.number(done_))
       throw Error("cannot resume: " + logPath() + " tells of other frames");
     const bool damaged = line.contains("error");
     skipped_ += damaged;
     warned_ += !line.at("warnings").empty();
-    for (size_t i = 0; i < tracks_.size() && !damaged; ++i) {
-      const nlohmann::json& height = line.at("areas").at(i).at("highest_mm");
-      tracks_[i].step(secondsOf(done_), height.is_null() ? std::optional<double>() : height.get<double>());
+    if (!damaged) {
+      measured_.push_back({done_, {}});
+      for (size_t i = 0; i < road_.areas.size(); ++i)
+        measured_.back().highestMm.push_back(measuredIn(line.at("areas").at(i)));
     }
     ++done_;
   }
 
-  // The last maps that were written go into it. A damaged frame has none.
-  void refillWindow() {
-    std::vector<size_t> last;
-    for (size_t frame = done_; frame > 0 && last.size() < options_.rule.averageFrames; --frame)
-      if (fs::exists(mapPath("elevation", frame - 1))) last.push_back(frame - 1);
-    for (auto frame = last.rbegin(); frame != last.rend(); ++frame)
-      window_.add(readElevation(mapPath("elevation", *frame)));
+  bool hasMap(size_t frame) const { return writes(Product::average) && fs::exists(mapPath("elevation", frame)); }
+
+  // The first of the last frames with a map that fill the window of the average.
+  size_t windowBegin() const {
+    size_t begin = measured_.size();
+    for (uint32_t maps = 0; begin > 0 && maps < options_.rule.track.average_frames;)
+      maps += hasMap(measured_[--begin].frame);
+    return begin < measured_.size() ? measured_[begin].frame : done_;
+  }
+
+  void replay(const Measured& measured, bool inWindow) {
+    NadirMeasurement m{};
+    m.size = sizeof m;
+    m.time_ns = nanosecondsOf(measured.frame);
+    m.area_count = static_cast<uint32_t>(measured.highestMm.size());
+    m.highest_mm = measured.highestMm.data();
+    Grid<uint16_t> heights;
+    if (inWindow && hasMap(measured.frame)) heights = readElevation(mapPath("elevation", measured.frame));
+    if (!heights.pixels.empty())
+      m.heights = {heights.pixels.data(), heights.width * sizeof(uint16_t), heights.width, heights.height};
+    if (nadir_tracker_replay(tracker_.get(), &m) == NADIR_FOREIGN_RESULT)
+      throw Error("the maps of the frames differ in size");
   }
 
   // ---- frame by frame ----
 
-  Worked workOn(size_t frame) const {
+  Worked workOn(size_t frame) {
     Worked worked;
+    std::unique_ptr<Lane> lane = lanes_.take();
+    StageTimes times;
     try {
-      ground::Result r = resultOf(road_, source_.left(frame), source_.right(frame));
-      worked.heights = std::move(r.map.heights);
-      worked.seenCells = heightsOf(worked.heights).known;
-      if (writes(Product::map)) worked.map = encodePng(worked.heights, mapsTexts());
-      worked.findings = std::move(r.findings);
+      tool::work(road_, *lane->road, source_.left(frame), source_.right(frame), times, lane->result);
+      if (writes(Product::map)) worked.map = encodePng(gridOf<uint16_t>(lane->result.findings.heights), mapsTexts());
+      worked.lane = std::move(lane);
     } catch (const Error& error) {
       worked.error = error.what();
+      lanes_.giveBack(std::move(lane));
     }
     return worked;
   }
@@ -218,7 +256,8 @@ class SequenceRun {
     FrameLog log(logPath());
     Background<Written> writer(options_.threads, [&](Written& written) {
       if (written.report.error.empty()) writeMaps(written);
-      log.append(frameLine(written.report, road_.setup));
+      log.append(frameLine(written.report, road_));
+      if (written.lane) lanes_.giveBack(std::move(written.lane));
     });
     const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
     inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
@@ -236,14 +275,18 @@ class SequenceRun {
 
   // What follows from one frame for the next is done here, in order.
   Written takenIn(size_t frame, Worked worked) {
-    Written written{frame, reportOn(frame, worked), std::move(worked.map), {}};
-    if (!written.report.error.empty() || !writes(Product::average)) return written;
-    window_.add(worked.heights);
-    written.average = window_.mean();
+    Written written{frame, reportOn(frame, worked), std::move(worked.map), {}, std::move(worked.lane)};
+    if (written.lane && writes(Product::average)) written.average = average();
     return written;
   }
 
-  FrameReport reportOn(size_t frame, Worked& worked) {
+  Grid<uint16_t> average() {
+    NadirPlane mean;
+    expect(nadir_tracker_average(tracker_.get(), &mean));
+    return gridOf<uint16_t>(mean);
+  }
+
+  FrameReport reportOn(size_t frame, const Worked& worked) {
     FrameReport report;
     report.number = source_.number(frame);
     report.name = source_.name(frame);
@@ -253,16 +296,20 @@ class SequenceRun {
     skipped_ += !report.error.empty();
     warned_ += !report.warnings.empty();
     if (!report.error.empty()) return report;
-    report.seenCells = worked.seenCells;
-    report.findings = std::move(worked.findings);
-    for (size_t i = 0; i < tracks_.size(); ++i) {
-      tracks_[i].step(report.seconds, measuredIn(report.findings->areas[i]));
-      report.tracks.push_back(tracks_[i].now());
-    }
+    report.findings = worked.lane->result.findings;
+    expect(nadir_tracker_step(tracker_.get(), worked.lane->result.memory.get(), nanosecondsOf(frame)));
+    for (uint32_t i = 0; i < report.findings.area_count; ++i) report.tracks.push_back(trackIn(i));
     return report;
   }
 
-  TextChunks mapsTexts() const { return mapTexts(road_.setup.frame, road_.setup.settings.cells); }
+  NadirTrack trackIn(uint32_t area) const {
+    NadirTrack track;
+    track.size = sizeof track;
+    expect(nadir_tracker_read(tracker_.get(), area, &track));
+    return track;
+  }
+
+  TextChunks mapsTexts() const { return mapTexts(road_.context, road_.settings.percentile); }
 
   // The maps are in place before the log tells of the frame.
   void writeMaps(const Written& written) const {
@@ -286,8 +333,9 @@ class SequenceRun {
   const SequenceOptions& options_;
   const FrameTimes times_;
   std::optional<FolderLock> lock_;
-  ground::MapWindow window_;
-  std::vector<ground::HeightTrack> tracks_;
+  Lanes lanes_;
+  TrackerHandle tracker_;
+  std::vector<Measured> measured_;  // by the frames of an earlier run, until they are taken up
   size_t done_ = 0, skipped_ = 0, warned_ = 0;
 };
 

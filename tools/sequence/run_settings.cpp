@@ -38,52 +38,60 @@ Json maskJson(const std::optional<MaskMark>& mask) {
   return {{"width_px", mask->width}, {"height_px", mask->height}, {"crc32", mask->sum}};
 }
 
-Json areasJson(const std::vector<ground::PlacedArea>& areas) {
+Json areasJson(const std::vector<WatchedArea>& areas) {
   Json json = Json::array();
-  for (const ground::PlacedArea& area : areas)
-    json.push_back({{"name", area.area.name}, {"ground_mm", cornersJson(area.ground)}, {"cells", area.count}});
+  for (const WatchedArea& area : areas)
+    json.push_back({{"name", area.area.name}, {"ground_mm", cornersJson(area.ground)}, {"cells", area.cells}});
   return json;
 }
 
-Json trackJson(const ground::TrackRule& rule) {
-  return {
-      {"noise_mm", rule.noiseMm}, {"acceleration_mm_per_s2", rule.accelerationMmPerS2}, {"patience_s", rule.patienceS}};
+Json trackJson(const NadirTrackSettings& rule) {
+  return {{"noise_mm", rule.noise_mm},
+          {"acceleration_mm_per_s2", rule.acceleration_mm_per_s2},
+          {"patience_s", rule.patience_s}};
 }
 
 struct FirstPair {
   std::string left, right;
 };
 
-Json settingsJson(const ground::Setup& setup, const SequenceRule& rule, const FirstPair& first,
+Json settingsJson(const Road& road, const SequenceRule& rule, const FirstPair& first,
                   const std::optional<MaskMark>& mask, TimeUnit times) {
-  const ground::Settings& settings = setup.settings;
+  const NadirSettings& settings = road.settings;
   return {{"schema", resultSchema},
           {"software", software()},
           {"first_left", first.left},
           {"first_right", first.right},
           {"times", nameOf(times)},
           {"fps", times == TimeUnit::frames ? Json(rule.times.framesPerSecond) : Json()},
-          {"average_frames", rule.averageFrames},
+          {"average_frames", rule.track.average_frames},
           {"track", trackJson(rule.track)},
           {"maps", rule.products.count(Product::map) > 0},
           {"averages", rule.products.count(Product::average) > 0},
-          {"camera", cameraJson(setup.camera)},
-          {"view", nameOf(settings.view)},
+          {"camera", cameraJson(road.camera)},
+          {"view", nameOf(road.options.view)},
           {"uniqueness", settings.uniqueness},
-          {"post_processing", settings.postprocess},
+          {"post_processing", settings.postprocess != 0},
           {"mask", maskJson(mask)},
-          {"percentile", settings.cells.percentile},
-          {"min_points", settings.cells.minPoints},
-          {"fill_holes_m2", settings.fillHolesM2},
-          {"region_rule", settings.regions ? ruleJson(*settings.regions) : Json()},
-          {"areas", areasJson(setup.areas)}};
+          {"percentile", settings.percentile},
+          {"min_points", settings.min_points},
+          {"fill_holes_m2", settings.fill_holes_m2},
+          {"region_rule", road.findsRegions() ? ruleJson(settings) : Json()},
+          {"areas", areasJson(road.areas)}};
 }
 
 }  // namespace
 
+NadirTrackSettings usualTracking() {
+  NadirTrackSettings settings;
+  nadir_track_settings_fill(&settings);
+  settings.average_frames = 10;
+  return settings;
+}
+
 std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source, TimeUnit times) {
   const FirstPair first{absolutePath(source.left(0)), absolutePath(source.right(0))};
-  const Json json = settingsJson(road.setup, rule, first, markOfMask(road.options.mask), times);
+  const Json json = settingsJson(road, rule, first, markOfMask(road.options.mask), times);
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

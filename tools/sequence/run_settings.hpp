@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "ground/tracks.hpp"
 #include "tools/report/products.hpp"
 #include "tools/road/road.hpp"
 #include "tools/sequence/frame_source.hpp"
@@ -12,10 +11,12 @@
 
 namespace nadir::tool {
 
+// The library's defaults with a window for the averaged maps.
+NadirTrackSettings usualTracking();
+
 struct SequenceRule {
   TimeRule times;
-  uint32_t averageFrames = 10;  // in the window of the averaged maps
-  ground::TrackRule track;
+  NadirTrackSettings track = usualTracking();
   Products products;  // beside frames.jsonl
 };
 

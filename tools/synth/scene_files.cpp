@@ -18,13 +18,11 @@ namespace {
 using nadir::scene::Side;
 
 // The renderer stands alone and has a word of its own for the views.
-ground::View viewOf(Side side) { return side == Side::left ? ground::View::left : ground::View::right; }
+View viewOf(Side side) { return side == Side::left ? View::left : View::right; }
 
 const char* nameOf(Side side) { return nameOf(viewOf(side)); }
 
-ground::MapPlace placeOf(const Rendering& r) {
-  return {static_cast<double>(r.mapLayout.cell), r.map.cornerX, r.map.cornerY};
-}
+MapPlace placeOf(const Rendering& r) { return {static_cast<double>(r.mapLayout.cell), r.map.cornerX, r.map.cornerY}; }
 
 // ---- pictures ----
 

@@ -5,14 +5,13 @@
 
 #include <cmath>
 
-#include "ground/map.hpp"
-#include "ground/records/known_values.hpp"
 #include "tools/base/error.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
 #include "tools/evaluate/evaluation.hpp"
 #include "tools/pictures/pictures.hpp"
-#include "tools/road/pair_input.hpp"
+#include "tools/road/road.hpp"
 
 namespace nadir::tool {
 
@@ -20,11 +19,11 @@ namespace {
 
 double scoreOf(const Grid<float>& values, const Grid<float>& truth, const Judge& judge) {
   const Grid<float> error = errors(values, truth);
-  const size_t compared = ground::countKnown(error);
+  const size_t compared = countKnown(error);
   const auto right = static_cast<size_t>(
       std::count_if(error.pixels.begin(), error.pixels.end(), [&](float e) { return std::abs(e) <= judge.tolerance; }));
   const double gain = static_cast<double>(right) - judge.wrongCosts * static_cast<double>(compared - right);
-  return 100 * gain / static_cast<double>(ground::countKnown(truth));
+  return 100 * gain / static_cast<double>(countKnown(truth));
 }
 
 // The mean over all samples of what `score` says of one.
@@ -49,13 +48,13 @@ void checkTruth(const Grid<A>& truth, const Grid<B>& values, const std::string& 
   if (!sameSize(truth, values))
     throw Error(format("%s is %s, but what it is the truth of is %s", path.c_str(),
                        sizeText(truth.width, truth.height).c_str(), sizeText(values.width, values.height).c_str()));
-  if (ground::countKnown(truth) == 0) throw Error(path + " knows no truth at all");
+  if (countKnown(truth) == 0) throw Error(path + " knows no truth at all");
 }
 
 // ---- settings of the matcher, judged by its disparities ----
 
 struct MatchSample {
-  ground::Pair pair;
+  Pair pair;
   Grid<float> truth;
 };
 
@@ -68,53 +67,51 @@ MatchSample matchSample(const std::string& folder) {
   return sample;
 }
 
-Grid<uint16_t> matched(const ground::Pair& pair, uint32_t uniqueness) {
-  ground::MatchOptions options;
-  options.uniqueness = uniqueness;
-  return ground::match(pair, options).disparity;
+Grid<float> disparitiesOf(const Pair& pair, uint32_t uniqueness) {
+  StageTimes times;
+  return unpacked(matched(pair, {}, View::left, uniqueness, true, times).disparity, SGM_DISP_SCALE);
 }
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {
   return meanOf(readAll<MatchSample>(folders, matchSample), [judge](const MatchSample& sample, uint32_t uniqueness) {
-    return scoreOf(ground::unpacked(matched(sample.pair, uniqueness), SGM_DISP_SCALE), sample.truth, judge);
+    return scoreOf(disparitiesOf(sample.pair, uniqueness), sample.truth, judge);
   });
 }
 
 // ---- settings of the map, judged by its heights ----
 
 struct MapSample {
-  std::vector<ground::WorldPoint> points;
-  ground::MapFrame frame;
-  float groundZ;
-  Grid<float> truth;
+  RoadOptions options;
+  Grid<float> disparity, truth;
 };
 
 // The pair is matched once, because the settings of the map come later on the road.
 MapSample mapSample(const std::string& folder) {
-  const ground::Pair pair = readPair(folder + "/left.png", folder + "/right.png");
-  const Camera camera = readCamera(folder + "/camera.toml");
-  const StereoCtx context = ground::stereoContext(camera, ground::View::left);
-  const Grid<float> disparity = ground::unpacked(matched(pair, ground::MatchOptions().uniqueness), SGM_DISP_SCALE);
+  MapSample sample;
+  const Pair pair = readPair(folder + "/left.png", folder + "/right.png");
   const std::string path = folder + "/elevation_gt.png";
-  const MapSample sample{ground::worldPoints(disparity, pair.left, context, static_cast<float>(camera.columnShiftPx)),
-                         ground::mapFrame(context, camera), context.orientation.height, readHeights(path).heights};
-  checkTruth(sample.truth, Grid<uint8_t>(sample.frame.cells.width, sample.frame.cells.height), path);
+  sample.options.camera = folder + "/camera.toml";
+  sample.options.noRegions = true;
+  sample.disparity = disparitiesOf(pair, usualSettings().uniqueness);
+  sample.truth = readHeights(path).heights;
+  const Road road = roadOf(sample.options);
+  checkSize(pair, road);
+  checkTruth(sample.truth, Grid<uint8_t>(road.camera.mapWidthCells, road.camera.mapHeightCells), path);
   return sample;
 }
 
 Objective mapObjective(const std::vector<std::string>& folders, const Judge& judge,
-                       ground::CellRule (*rule)(uint32_t)) {
-  return meanOf(readAll<MapSample>(folders, mapSample), [judge, rule](const MapSample& sample, uint32_t setting) {
-    const ground::ElevationMap map = ground::elevationMap(sample.points, sample.frame, sample.groundZ, rule(setting));
-    return scoreOf(ground::unpacked(map.heights, 1), sample.truth, judge);
+                       void (*change)(RoadOptions&, uint32_t)) {
+  return meanOf(readAll<MapSample>(folders, mapSample), [judge, change](const MapSample& sample, uint32_t setting) {
+    RoadOptions options = sample.options;
+    change(options, setting);
+    const Grid<uint16_t> heights = heightsOfGiven(roadOf(options), sample.disparity);
+    return scoreOf(unpacked(heights, 1), sample.truth, judge);
   });
 }
 
-ground::CellRule withPercentile(uint32_t percentile) {
-  return {static_cast<double>(percentile), ground::CellRule().minPoints};
-}
-
-ground::CellRule withMinPoints(uint32_t points) { return {ground::CellRule().percentile, points}; }
+void setPercentile(RoadOptions& options, uint32_t percentile) { options.percentile = percentile; }
+void setMinPoints(RoadOptions& options, uint32_t points) { options.minPoints = points; }
 
 // ---- the list ----
 
@@ -124,15 +121,15 @@ struct KnownSetting {
 };
 
 const KnownSetting knownSettings[] = {
-    {{"uniqueness", 0, 128, ground::MatchOptions().uniqueness, "px", 2,
+    {{"uniqueness", 0, 128, usualSettings().uniqueness, "px", 2,
       "the matcher's peak check, judged by disparity_gt.png"},
      matchObjective},
-    {{"percentile", 1, 100, static_cast<uint32_t>(ground::CellRule().percentile), "mm", 50,
+    {{"percentile", 1, 100, static_cast<uint32_t>(usualSettings().percentile), "mm", 50,
       "which of its points' heights a cell gets, judged by elevation_gt.png"},
-     [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, withPercentile); }},
-    {{"min-points", 1, 50, ground::CellRule().minPoints, "mm", 50,
+     [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, setPercentile); }},
+    {{"min-points", 1, 50, usualSettings().min_points, "mm", 50,
       "cells with fewer points stay unseen, judged by elevation_gt.png"},
-     [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, withMinPoints); }},
+     [](const auto& folders, const Judge& judge) { return mapObjective(folders, judge, setMinPoints); }},
 };
 
 }  // namespace

@@ -1,0 +1,120 @@
+// The stations in their order, and a frame's points one by one.
+#include "ground/records/checks.hpp"
+#include "ground/result.hpp"
+#include "ground/road.hpp"
+#include "ground/stations/occupancy.hpp"
+
+namespace nadir::ground {
+
+namespace {
+
+// Every row must hold the picture's, and 16-bit rows may begin anywhere.
+bool isGood(const NadirFrame& f, const Shape& shape) {
+  const uint64_t rowBytes = uint64_t{shape.width} * f.bits / 8;
+  if (f.disparity) return f.disparity_stride >= shape.width * sizeof(float) && f.disparity_stride % sizeof(float) == 0;
+  return (f.bits == 8 || f.bits == 16) && f.left && f.right && f.left_stride >= rowBytes &&
+         f.right_stride >= rowBytes && (!f.mask || f.mask_stride >= shape.width);
+}
+
+// The road's own pixels tell a given picture's values apart from its holes.
+NadirPixelCounts givenCounts(const NadirFrame& frame, const Shape& shape) {
+  NadirPixelCounts counts{};
+  counts.size = sizeof counts;
+  for (uint32_t y = 0; y < shape.height; ++y) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
+    const auto* row = reinterpret_cast<const float*>(bytes);
+    for (uint32_t x = 0; x < shape.width; ++x) counts.value += row[x] == row[x];  // not-a-number is no number's equal
+  }
+  counts.ambiguous = static_cast<uint32_t>(shape.pixels()) - counts.value;
+  return counts;
+}
+
+DisparityRows disparityRows(const NadirRoad& road, const NadirFrame& frame, const NadirResult& r) {
+  return {frame, r.disparity, road.shape, road.columnShift};
+}
+
+void findDisparities(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
+  r.matched = !frame.disparity;
+  if (r.matched)
+    match(frame, road.settings, road.shape, road.match, stages, r.disparity, r.pixels);
+  else
+    r.pixels = givenCounts(frame, road.shape);
+}
+
+void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
+  stages.begin("points and map");
+  const MapCounts counts = mapHeights(disparityRows(road, frame, r), road.context, road.placing, road.settings,
+                                      road.shape, road.sort, r.heights, r.pointCounts);
+  r.points = counts.points;
+  r.pointsInside = counts.inside;
+  r.seenCells = counts.seen;
+  if (road.shape.fillable == 0) return;
+  stages.begin("hole filling");
+  r.filledCells = fillHoles(road.shape, road.holes, r.heights);
+}
+
+void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r) {
+  stages.begin("regions");
+  r.regionCount = findRegions(r.heights, road.context, road.settings, road.shape, road.regions, r.labels, r.regions);
+  r.shareCount =
+      fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, road.shape, road.regions, r.areas, r.shares);
+}
+
+void work(const NadirRoad& road, const NadirFrame& frame, NadirResult& r) {
+  const Stages stages(frame);
+  findDisparities(road, frame, stages, r);
+  if (road.shape.hasMap()) findHeights(road, frame, stages, r);
+  if (road.shape.hasRegions()) findWhatStands(road, stages, r);
+  r.holdsFrame = true;
+  stages.end();
+}
+
+// As many of the points as there is room for are written; all are counted.
+struct PointList {
+  NadirPoint* points;
+  size_t room, count;
+
+  void add(const StereoCtx& context, uint32_t x, uint32_t y, float disparity, uint32_t cell) {
+    const Point_f32 image = {static_cast<float>(x), static_cast<float>(y)};
+    Point3_f32 world;
+    if (!ip_stereo_disp2world(&context, &image, &world, disparity)) return;
+    if (count < room) points[count] = {world.x, world.y, world.z, disparity, x, y, cell, 0};
+    ++count;
+  }
+};
+
+void addRow(PointList& list, const NadirRoad& road, const DisparityRows& rows, uint32_t y) {
+  const SortMemory& m = road.sort;
+  rows.read(y, m.disparity);
+  placeRow(road.context, road.placing, road.shape, y, m.disparity, m.cells, m.heights);
+  for (uint32_t x = 0; x < road.shape.width; ++x) list.add(road.context, x, y, m.disparity[x], m.cells[x]);
+}
+
+}  // namespace
+
+}  // namespace nadir::ground
+
+using namespace nadir::ground;
+
+NadirStatus nadir_road_process(NadirRoad* road, const NadirFrame* frame, NadirResult* result) {
+  if (!road || !frame || !result) return NADIR_NULL_POINTER;
+  if (!isWhole(frame)) return NADIR_BAD_RECORD;
+  if (!areEqual(road->shape, result->shape)) return NADIR_FOREIGN_RESULT;
+  if (!isGood(*frame, road->shape)) return NADIR_BAD_FRAME;
+  work(*road, *frame, *result);
+  return NADIR_OK;
+}
+
+NadirStatus nadir_road_points(NadirRoad* road, const NadirFrame* frame, const NadirResult* result, NadirPoint* points,
+                              size_t room, size_t* count) {
+  if (!road || !frame || !result || !count || (room > 0 && !points)) return NADIR_NULL_POINTER;
+  if (!isWhole(frame)) return NADIR_BAD_RECORD;
+  if (!areEqual(road->shape, result->shape)) return NADIR_FOREIGN_RESULT;
+  if (!road->shape.hasMap() || !result->holdsFrame) return NADIR_NOTHING_FOUND;
+  if (result->matched ? frame->disparity != nullptr : !isGood(*frame, road->shape)) return NADIR_BAD_FRAME;
+  const DisparityRows rows = disparityRows(*road, *frame, *result);
+  PointList list{points, room, 0};
+  for (uint32_t y = 0; y < road->shape.height; ++y) addRow(list, *road, rows, y);
+  *count = list.count;
+  return NADIR_OK;
+}

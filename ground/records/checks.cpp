@@ -1,0 +1,123 @@
+// Numbers are held against their ranges, record by record.
+#include "ground/records/checks.hpp"
+
+namespace nadir::ground {
+
+namespace {
+
+// Not-a-number lies in no range.
+struct Range {
+  const char* field;
+  double value, least, most;
+  bool holds() const { return value >= least && value <= most; }
+};
+
+constexpr double justAboveZero = 4.9406564584124654e-324;  // the least of all doubles above 0
+constexpr double farthest = 1e6;                           // mm and pixels: what libnadir's fixed point holds
+constexpr uint32_t leastSide = 5, largestSide = 65535, largestMap = 65535, mostPixels = 1u << 25;
+
+template <size_t n>
+Judgement outside(NadirStatus status, const Range (&ranges)[n]) {
+  for (const Range& range : ranges)
+    if (!range.holds()) return {status, range.field};
+  return {};
+}
+
+Judgement judgedSize(const NadirCamera& c) {
+  const Range ranges[] = {{"width_px", double(c.width_px), leastSide, largestSide},
+                          {"height_px", double(c.height_px), leastSide, largestSide},
+                          {"height_px", double(c.width_px) * c.height_px, 0, mostPixels}};
+  return outside(NADIR_BAD_CAMERA, ranges);
+}
+
+Judgement judgedMount(const NadirCamera& c) {
+  const Range ranges[] = {{"cell_mm", double(c.cell_mm), 1, 65535},
+                          {"map_width_cells", double(c.map_width_cells), 1, largestMap},
+                          {"map_height_cells", double(c.map_height_cells), 1, largestMap},
+                          {"baseline_mm", c.baseline_mm, justAboveZero, farthest},
+                          {"focal_px", c.focal_px, justAboveZero, farthest},
+                          {"principal_x_px", c.principal_x_px, -farthest, farthest},
+                          {"principal_y_px", c.principal_y_px, -farthest, farthest},
+                          {"column_shift_px", c.column_shift_px, -farthest, farthest},
+                          {"height_mm", c.height_mm, justAboveZero, farthest},
+                          {"tilt_deg", c.tilt_deg, -90, 90},
+                          {"pan_deg", c.pan_deg, -90, 90},
+                          {"map_offset_x_mm", c.map_offset_x_mm, -farthest, farthest},
+                          {"map_offset_y_mm", c.map_offset_y_mm, -farthest, farthest}};
+  return outside(NADIR_BAD_CAMERA, ranges);
+}
+
+Judgement judgedMatching(const NadirSettings& s) {
+  const Range ranges[] = {{"until", double(s.until), NADIR_UNTIL_MATCH, NADIR_UNTIL_ALL},
+                          {"grid", double(s.grid), NADIR_GRID_LEFT, NADIR_GRID_RIGHT},
+                          {"postprocess", double(s.postprocess), 0, 1}};
+  return outside(NADIR_BAD_SETTING, ranges);
+}
+
+Judgement judgedCells(const NadirSettings& s) {
+  const Range ranges[] = {{"min_points", double(s.min_points), 1, 1000000},
+                          {"percentile", s.percentile, justAboveZero, 100},
+                          {"fill_holes_m2", s.fill_holes_m2, 0, 1e6}};
+  return outside(NADIR_BAD_SETTING, ranges);
+}
+
+Judgement judgedRegions(const NadirSettings& s) {
+  const Range ranges[] = {{"min_height_mm", s.min_height_mm, 0, 65534},
+                          {"max_step_mm", s.max_step_mm, 0, 65535},
+                          {"min_area_m2", s.min_area_m2, 0, 1e6}};
+  return outside(NADIR_BAD_SETTING, ranges);
+}
+
+// Pull and push halve a map until nothing is left of it.
+Judgement judgedHoles(const NadirCamera& c, const NadirSettings& s) {
+  if (s.fill_holes_m2 == 0) return {};
+  const Range ranges[] = {{"map_width_cells", double(c.map_width_cells), 2, 4095},
+                          {"map_height_cells", double(c.map_height_cells), 2, 4095}};
+  return outside(NADIR_BAD_CAMERA, ranges);
+}
+
+Judgement judgedRegionMap(const NadirCamera& c) {
+  const Range ranges[] = {{"map_width_cells", double(c.map_width_cells), 1, NADIR_LARGEST_REGION_MAP},
+                          {"map_height_cells", double(c.map_height_cells), 1, NADIR_LARGEST_REGION_MAP}};
+  return outside(NADIR_BAD_CAMERA, ranges);
+}
+
+bool isBad(const Judgement& judgement) { return judgement.status != NADIR_OK; }
+
+}  // namespace
+
+Judgement judged(const NadirCamera& camera, const NadirSettings& settings) {
+  if (!isWhole(&camera)) return {NADIR_BAD_RECORD, "camera"};
+  if (!isWhole(&settings)) return {NADIR_BAD_RECORD, "settings"};
+  if (const Judgement j = judgedMatching(settings); isBad(j)) return j;
+  if (const Judgement j = judgedSize(camera); isBad(j)) return j;
+  if (settings.until == NADIR_UNTIL_MATCH) return {};
+  if (const Judgement j = judgedMount(camera); isBad(j)) return j;
+  if (const Judgement j = judgedCells(settings); isBad(j)) return j;
+  if (const Judgement j = judgedHoles(camera, settings); isBad(j)) return j;
+  if (settings.until == NADIR_UNTIL_MAP) return {};
+  if (const Judgement j = judgedRegions(settings); isBad(j)) return j;
+  return judgedRegionMap(camera);
+}
+
+Judgement judged(const NadirArea& area) {
+  if (!isWhole(&area)) return {NADIR_BAD_RECORD, "areas"};
+  if (area.unit > NADIR_AREA_GROUND_MM) return {NADIR_BAD_AREA, "unit"};
+  if (area.corner_count < 3 || area.corner_count > 100) return {NADIR_BAD_AREA, "corner_count"};
+  if (!area.corners) return {NADIR_NULL_POINTER, "corners"};
+  for (uint32_t i = 0; i < 2 * area.corner_count; ++i)
+    if (area.corners[i] < -NADIR_AREA_REACH || area.corners[i] > NADIR_AREA_REACH)
+      return {NADIR_BAD_AREA, "corners", 0, i / 2};
+  return {};
+}
+
+Judgement judged(const NadirTrackSettings& s) {
+  if (!isWhole(&s)) return {NADIR_BAD_RECORD, "settings"};
+  const Range ranges[] = {{"average_frames", double(s.average_frames), 0, 1000},
+                          {"noise_mm", s.noise_mm, justAboveZero, 1e6},
+                          {"acceleration_mm_per_s2", s.acceleration_mm_per_s2, 0, 1e9},
+                          {"patience_s", s.patience_s, 0, 1e6}};
+  return outside(NADIR_BAD_SETTING, ranges);
+}
+
+}  // namespace nadir::ground

@@ -1,0 +1,148 @@
+// Census, semi-global matching and the clean-up, all on the right grid; the left one is its mirror image.
+#include "ground/stations/match.hpp"
+
+#include <nadir/imgproc.h>
+#include <nadir/stereo.h>
+
+#include <cstring>
+
+#include "ground/kernels/kernels.hpp"
+
+namespace nadir::ground {
+
+namespace {
+
+// The matcher cannot work in these outermost columns and rows.
+constexpr uint32_t borderLeft = 2, borderRight = 4, borderRow = 2;
+
+// Both views of a point lie in a row, the right one further left. Mirrored and swapped, the left picture takes the
+// right one's place as the reference.
+struct Taking {
+  const NadirFrame& frame;
+  const Shape& shape;
+  const RoadKernels& kernels;
+  bool mirrored;
+
+  PictureRow row() const {
+    if (frame.bits == 8) return mirrored ? kernels.mirror8 : kernels.take8;
+    return mirrored ? kernels.mirror16 : kernels.take16;
+  }
+
+  void picture(const void* data, size_t stride, uint16_t* to) const {
+    const auto* from = static_cast<const uint8_t*>(data);
+    for (uint32_t y = 0; y < shape.height; ++y) row()(from + y * stride, to + size_t{y} * shape.width, shape.width);
+  }
+
+  void mask(uint8_t* to) const {
+    if (!frame.mask) {
+      std::memset(to, 0, shape.pixels());
+      return;
+    }
+    for (uint32_t y = 0; y < shape.height; ++y, to += shape.width) {
+      const uint8_t* row = frame.mask + y * frame.mask_stride;
+      if (mirrored)
+        kernels.mirrorMask(row, to, shape.width);
+      else
+        std::memcpy(to, row, shape.width);
+    }
+  }
+};
+
+void takePictures(const Taking& taking, const MatchMemory& m) {
+  const NadirFrame& f = taking.frame;
+  taking.picture(taking.mirrored ? f.right : f.left, taking.mirrored ? f.right_stride : f.left_stride, m.first);
+  taking.picture(taking.mirrored ? f.left : f.right, taking.mirrored ? f.left_stride : f.right_stride, m.reference);
+  taking.mask(m.mask);
+}
+
+// The clean-up may fill a masked pixel from a neighbour; what the user discards stays discarded.
+void cleanUp(const MatchMemory& m, const NadirSettings& settings, const Shape& shape, bool masked) {
+  if (settings.postprocess)
+    nadir_sgm_postproc(m.raw, m.mask, m.cleaned, static_cast<uint16_t>(shape.width),
+                       static_cast<uint16_t>(shape.height), m.cleanUp, m.cleanUpBytes);
+  else
+    std::memcpy(m.cleaned, m.raw, shape.pixels() * sizeof(uint16_t));
+  for (uint64_t i = 0; masked && i < shape.pixels(); ++i)
+    if (m.mask[i] != 0) m.cleaned[i] = 0;
+}
+
+// Counts n pixels of a row that lie in the border or not.
+void count(const uint16_t* raw, const uint16_t* cleaned, const uint8_t* mask, uint32_t n, bool isBorder,
+           NadirPixelCounts& counts) {
+  uint32_t value = 0, filled = 0, masked = 0, removed = 0;
+  for (uint32_t i = 0; i < n; ++i) {
+    const bool has = cleaned[i] != 0, had = raw[i] != 0, hidden = mask[i] != 0;
+    value += has;
+    filled += has & !had;
+    masked += !has & hidden;
+    removed += !has & !hidden & had;
+  }
+  counts.value += value;
+  counts.filled += filled;
+  counts.masked += masked;
+  counts.removed += removed;
+  (isBorder ? counts.border : counts.ambiguous) += n - value - masked - removed;
+}
+
+NadirPixelCounts countsOf(const MatchMemory& m, const Shape& shape) {
+  NadirPixelCounts counts{};
+  counts.size = sizeof counts;
+  for (uint32_t y = 0; y < shape.height; ++y) {
+    const bool row = y < borderRow || y + borderRow >= shape.height;
+    const auto stretch = [&](uint32_t from, uint32_t to, bool isBorder) {
+      const size_t at = size_t{y} * shape.width + from;
+      count(m.raw + at, m.cleaned + at, m.mask + at, to - from, row || isBorder, counts);
+    };
+    const uint32_t right = shape.width > borderLeft + borderRight ? shape.width - borderRight : borderLeft;
+    stretch(0, borderLeft, true);
+    stretch(borderLeft, right, false);
+    stretch(right, shape.width, true);
+  }
+  return counts;
+}
+
+void giveDisparities(const uint16_t* cleaned, const Taking& taking, uint16_t* disparity) {
+  const auto give = taking.mirrored ? taking.kernels.mirror16 : taking.kernels.take16;
+  for (uint32_t y = 0; y < taking.shape.height; ++y)
+    give(cleaned + size_t{y} * taking.shape.width, disparity + size_t{y} * taking.shape.width, taking.shape.width);
+}
+
+}  // namespace
+
+MatchMemory matchMemory(Arena& arena, const Shape& shape) {
+  const uint64_t pixels = shape.pixels();
+  const auto width = static_cast<uint16_t>(shape.width), height = static_cast<uint16_t>(shape.height);
+  MatchMemory m;
+  m.first = arena.take<uint16_t>(pixels);
+  m.reference = arena.take<uint16_t>(pixels);
+  m.firstCodes = arena.take<uint32_t>(pixels);
+  m.referenceCodes = arena.take<uint32_t>(pixels);
+  m.mask = arena.take<uint8_t>(pixels);
+  m.raw = arena.take<uint16_t>(pixels);
+  m.cleaned = arena.take<uint16_t>(pixels);
+  m.walk = arena.take<uint8_t>(m.walkBytes = nadir_sgm_bytes(shape.width));
+  m.cleanUp = arena.take<uint8_t>(m.cleanUpBytes = nadir_sgm_postproc_bytes(width, height));
+  return m;
+}
+
+void match(const NadirFrame& frame, const NadirSettings& settings, const Shape& shape, const MatchMemory& m,
+           const Stages& stages, uint16_t* disparity, NadirPixelCounts& counts) {
+  const Taking taking{frame, shape, roadKernels(), settings.grid == NADIR_GRID_LEFT};
+  const char* taken = taking.mirrored ? "mirroring" : "taking pictures";
+  stages.begin(taken);
+  takePictures(taking, m);
+  stages.begin("census");
+  IP_Census_5x5(m.first, m.firstCodes, shape.width, shape.height);
+  IP_Census_5x5(m.reference, m.referenceCodes, shape.width, shape.height);
+  stages.begin("matching");
+  const SgmParams params{64, settings.uniqueness};
+  nadir_sgm_full(m.firstCodes, m.referenceCodes, m.reference, shape.width, shape.height, &params, m.raw, nullptr,
+                 m.walk, m.walkBytes);
+  stages.begin("post-processing");
+  cleanUp(m, settings, shape, frame.mask != nullptr);
+  counts = countsOf(m, shape);
+  stages.begin(taken);
+  giveDisparities(m.cleaned, taking, disparity);
+}
+
+}  // namespace nadir::ground

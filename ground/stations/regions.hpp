@@ -1,0 +1,30 @@
+// What stands on the ground: neighbouring cells of an elevation map that are high enough and join without a large step.
+#pragma once
+
+#include <nadir/segment.h>
+
+#include "ground/records/arena.hpp"
+#include "ground/records/shape.hpp"
+
+namespace nadir::ground {
+
+struct RegionMemory {
+  NadirElevationRegions* state;
+  uint16_t* grown;         // of each cell: the library's label
+  uint16_t* kept;          // of each library's label: ours
+  struct Extent* extents;  // of each library's label
+  uint32_t* begins;        // of each of our labels, see cell_groups.hpp
+  uint16_t* sorted;        // heights, region by region
+};
+
+// A null arena's memory has no state.
+RegionMemory regionMemory(Arena& arena, const Shape& shape);
+
+// labels   receives each cell's region.
+// regions  room for the shape's.
+//
+// Returns how many regions there are.
+uint32_t findRegions(const uint16_t* heights, const StereoCtx& context, const NadirSettings& settings,
+                     const Shape& shape, const RegionMemory& memory, uint16_t* labels, NadirRegion* regions);
+
+}  // namespace nadir::ground

@@ -1,0 +1,201 @@
+// What outlives a frame: a height for each area and a window of maps, stepped in the order of the frames.
+#include <cmath>
+#include <cstdlib>
+#include <initializer_list>
+
+#include "ground/records/checks.hpp"
+#include "ground/records/plane_view.hpp"
+#include "ground/result.hpp"
+#include "ground/road.hpp"
+#include "ground/tracks/average.hpp"
+#include "ground/tracks/height_track.hpp"
+#include "ground/tracks/saved_state.hpp"
+
+using namespace nadir::ground;
+
+struct NadirTracker {
+  Shape shape;
+  NadirTrackSettings settings;
+  uint32_t begun;  // 0 before the first frame
+  int64_t timeNs;
+  HeightTrack* tracks;
+  MapWindow window;
+};
+
+namespace nadir::ground {
+
+namespace {
+
+constexpr uint32_t stateMark = 0x5254444E;  // the bytes NDTR
+constexpr uint32_t stateVersion = 1;
+
+NadirTracker* trackerIn(Arena& arena, const Shape& shape, const NadirTrackSettings& settings) {
+  NadirTracker* tracker = arena.take<NadirTracker>(1);
+  NadirTracker pieces{shape, settings, 0, 0, nullptr, {}};
+  pieces.tracks = arena.take<HeightTrack>(shape.areas);
+  pieces.window = mapWindow(arena, shape, settings.average_frames);
+  if (tracker) *tracker = pieces;
+  for (uint32_t i = 0; tracker && i < shape.areas; ++i) pieces.tracks[i] = {};
+  return tracker;
+}
+
+void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
+  if (heights.data) addMap(t.window, t.shape, heights);
+  t.timeNs = timeNs;
+  t.begun = 1;
+}
+
+double sinceLast(const NadirTracker& t, int64_t timeNs) {
+  return t.begun ? static_cast<double>(timeNs - t.timeNs) / 1e9 : 0;
+}
+
+double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ? std::nan("") : area.highest_mm; }
+
+bool isMap(const NadirPlane& plane, const Shape& shape) {
+  return plane.width == shape.mapWidth && plane.height == shape.mapHeight &&
+         plane.stride >= shape.mapWidth * sizeof(uint16_t);
+}
+
+// What a saved state has to agree on with the tracker that takes it up.
+struct StateHead {
+  uint32_t mark, version, areas, mapWidth, mapHeight, averageFrames;
+  double noise, acceleration, patience;
+
+  template <class Visitor>
+  void visit(Visitor& visitor) {
+    for (uint32_t* number : {&mark, &version, &areas, &mapWidth, &mapHeight, &averageFrames}) visitor.visit(*number);
+    for (double* number : {&noise, &acceleration, &patience}) visitor.visit(*number);
+  }
+  bool equals(const StateHead& other) const {
+    return mark == other.mark && version == other.version && areas == other.areas && mapWidth == other.mapWidth &&
+           mapHeight == other.mapHeight && averageFrames == other.averageFrames && noise == other.noise &&
+           acceleration == other.acceleration && patience == other.patience;
+  }
+};
+
+StateHead headOf(const NadirTracker& t) {
+  const NadirTrackSettings& s = t.settings;
+  return {stateMark,         stateVersion,     t.shape.areas, t.shape.mapWidth,
+          t.shape.mapHeight, s.average_frames, s.noise_mm,    s.acceleration_mm_per_s2,
+          s.patience_s};
+}
+
+template <class Visitor>
+void visitTrack(Visitor& visitor, HeightTrack& track) {
+  visitor.visit(track.active);
+  visitor.visit(track.measuredAtNs);
+  visitor.visit(track.height);
+  visitor.visit(track.rate);
+  for (float& number : track.covariance) visitor.visit(number);
+}
+
+template <class Visitor>
+void visitState(Visitor& visitor, NadirTracker& t) {
+  visitor.visit(t.begun);
+  visitor.visit(t.timeNs);
+  for (uint32_t i = 0; i < t.shape.areas; ++i) visitTrack(visitor, t.tracks[i]);
+  visitor.visit(t.window.count);
+  visitor.visit(t.window.next);
+  for (uint64_t i = 0; i < t.window.room * t.shape.cells(); ++i) visitor.visit(t.window.maps[i]);
+}
+
+// The bytes of a state do not depend on what it holds.
+bool isState(const NadirTracker& t, const void* memory, size_t bytes) {
+  StateReader reader(memory, bytes);
+  StateHead head{};
+  head.visit(reader);
+  return bytes == nadir_tracker_save(&t, nullptr, 0) && reader.isWhole() && head.equals(headOf(t));
+}
+
+}  // namespace
+
+}  // namespace nadir::ground
+
+size_t nadir_tracker_bytes(const NadirRoad* road, const NadirTrackSettings* settings) {
+  if (!road || !settings || judged(*settings).status) return 0;
+  Arena counting(nullptr);
+  trackerIn(counting, road->shape, *settings);
+  return counting.bytes();
+}
+
+NadirStatus nadir_tracker_create(const NadirRoad* road, const NadirTrackSettings* settings, NadirTracker** tracker,
+                                 NadirFault* fault) {
+  if (!road || !settings || !tracker) return NADIR_NULL_POINTER;
+  if (fault && !isWhole(fault)) return NADIR_BAD_RECORD;
+  const Judgement j = judged(*settings);
+  if (fault) *fault = {sizeof *fault, 0, 0, 0, j.field};
+  if (j.status) return j.status;
+  const size_t bytes = nadir_tracker_bytes(road, settings);
+  void* block = bytes ? std::calloc(1, bytes) : nullptr;  // a state is saved whole, unused maps too
+  if (!block) return NADIR_NO_MEMORY;
+  Arena arena(block);
+  *tracker = trackerIn(arena, road->shape, *settings);
+  return NADIR_OK;
+}
+
+void nadir_tracker_destroy(NadirTracker* tracker) { std::free(tracker); }
+
+NadirStatus nadir_tracker_step(NadirTracker* tracker, const NadirResult* result, int64_t time_ns) {
+  if (!tracker || !result) return NADIR_NULL_POINTER;
+  if (!areEqual(tracker->shape, result->shape)) return NADIR_FOREIGN_RESULT;
+  if (!result->holdsFrame) return NADIR_NOTHING_FOUND;
+  if (tracker->begun && time_ns < tracker->timeNs) return NADIR_BAD_TIME;
+  for (uint32_t i = 0; i < tracker->shape.areas; ++i)
+    stepTrack(tracker->tracks[i], tracker->settings, time_ns, sinceLast(*tracker, time_ns),
+              measuredIn(result->areas[i]));
+  const bool hasMap = tracker->shape.hasMap();
+  step(*tracker, time_ns, planeOf(hasMap ? result->heights : nullptr, result->shape.mapWidth, result->shape.mapHeight));
+  return NADIR_OK;
+}
+
+NadirStatus nadir_tracker_replay(NadirTracker* tracker, const NadirMeasurement* measurement) {
+  if (!tracker || !measurement) return NADIR_NULL_POINTER;
+  const NadirMeasurement& m = *measurement;
+  if (!isWhole(measurement)) return NADIR_BAD_RECORD;
+  if (m.area_count != tracker->shape.areas) return NADIR_FOREIGN_RESULT;
+  if (m.area_count > 0 && !m.highest_mm) return NADIR_NULL_POINTER;
+  if (m.heights.data && !isMap(m.heights, tracker->shape)) return NADIR_FOREIGN_RESULT;
+  if (tracker->begun && m.time_ns < tracker->timeNs) return NADIR_BAD_TIME;
+  for (uint32_t i = 0; i < m.area_count; ++i)
+    stepTrack(tracker->tracks[i], tracker->settings, m.time_ns, sinceLast(*tracker, m.time_ns), m.highest_mm[i]);
+  step(*tracker, m.time_ns, m.heights);
+  return NADIR_OK;
+}
+
+NadirStatus nadir_tracker_read(const NadirTracker* tracker, uint32_t area, NadirTrack* track) {
+  if (!tracker || !track) return NADIR_NULL_POINTER;
+  if (!isWhole(track)) return NADIR_BAD_RECORD;
+  if (area >= tracker->shape.areas) return NADIR_NOTHING_FOUND;
+  *track = described(tracker->tracks[area]);
+  return NADIR_OK;
+}
+
+NadirStatus nadir_tracker_average(NadirTracker* tracker, NadirPlane* heights) {
+  if (!tracker || !heights) return NADIR_NULL_POINTER;
+  if (tracker->window.count == 0) return NADIR_NOTHING_FOUND;
+  *heights = planeOf(meanOf(tracker->window, tracker->shape), tracker->shape.mapWidth, tracker->shape.mapHeight);
+  return NADIR_OK;
+}
+
+size_t nadir_tracker_save(const NadirTracker* tracker, void* memory, size_t room) {
+  if (!tracker) return 0;
+  StateWriter counting(nullptr, 0), writing(memory, room);
+  StateHead head = headOf(*tracker);
+  auto& state = const_cast<NadirTracker&>(*tracker);  // a writer only looks, and one walk serves writers and readers
+  head.visit(counting);
+  visitState(counting, state);
+  if (room < counting.bytes()) return counting.bytes();
+  head.visit(writing);
+  visitState(writing, state);
+  return counting.bytes();
+}
+
+NadirStatus nadir_tracker_load(NadirTracker* tracker, const void* memory, size_t bytes) {
+  if (!tracker || !memory) return NADIR_NULL_POINTER;
+  if (!isState(*tracker, memory, bytes)) return NADIR_BAD_STATE;
+  StateReader reader(memory, bytes);
+  StateHead head{};
+  head.visit(reader);
+  visitState(reader, *tracker);
+  return NADIR_OK;
+}
