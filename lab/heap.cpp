@@ -2,6 +2,8 @@
 // themselves does not come this way.
 #include "lab/heap.hpp"
 
+#include <cstring>
+
 extern "C" {
 void* __real_malloc(size_t bytes);
 void* __real_calloc(size_t count, size_t size);
@@ -45,7 +47,12 @@ namespace heap = nadir::lab::heap;
 
 extern "C" {
 
-void* __wrap_malloc(size_t bytes) { return heap::mayAllocate(bytes) ? heap::counted(__real_malloc(bytes)) : nullptr; }
+// Fresh pages are 0, which hides that somebody reads what nobody wrote.
+void* __wrap_malloc(size_t bytes) {
+  if (!heap::mayAllocate(bytes)) return nullptr;
+  void* block = heap::counted(__real_malloc(bytes));
+  return block ? std::memset(block, 0xA5, bytes) : nullptr;
+}
 
 void* __wrap_calloc(size_t count, size_t size) {
   return heap::mayAllocate(count * size) ? heap::counted(__real_calloc(count, size)) : nullptr;

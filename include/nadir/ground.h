@@ -12,7 +12,8 @@
  *
  * Objects. A road holds the camera, the settings and the memory that a frame needs; a result holds what one frame gave;
  * a tracker holds what outlives a frame. Each is one block of memory from one call of malloc, whose bytes are known
- * before. Nothing else allocates: processing, reading and stepping take no memory at all. A road, a result or a tracker
+ * before; nadir_road_create borrows 614400 bytes more for each area in pixels, one after the other, and gives them
+ * back. Nothing else allocates: processing, reading and stepping take no memory at all. A road, a result or a tracker
  * serves one thread at a time, and any number of them may be at work side by side: they share nothing. A frame's
  * findings do not depend on the frames before, so frames may be worked on in any order on any number of threads, each
  * with a road and a result of its own.

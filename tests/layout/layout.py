@@ -62,6 +62,7 @@ ROOMS = {
     "tests/api": "include/nadir lab tests/models tests/support",
     "tests/api/ground": "include/nadir lab lab/scene tests/models tests/support",
     "tests/alloc": "include/nadir lab tests/models tests/support",
+    "tests/road": "include/nadir lab src/simd tests/models tests/support",
     "tests/golden": "include/nadir lab tests/support",
     "tests/counts": "include/nadir lab tests/support",
     "tests/lab": "include/nadir lab lab/scene lab/verify",
