@@ -128,9 +128,8 @@ class Tracker {
 
 template <class T>
 Fingerprint& addPlane(Fingerprint& print, const NadirPlane& plane) {
-  const auto* bytes = static_cast<const uint8_t*>(plane.data);
-  for (uint32_t y = 0; bytes && y < plane.height; ++y)
-    print.add(reinterpret_cast<const T*>(bytes + y * plane.stride), plane.width);
+  const auto* row = static_cast<const T*>(plane.data);
+  for (uint32_t y = 0; row && y < plane.height; ++y, row += plane.stride / sizeof(T)) print.add(row, plane.width);
   return print;
 }
 

@@ -34,6 +34,21 @@ endif()
 
 file(STRINGS ${TABLE} recorded)
 compare_counts(failures gains "${recorded}" "${counts}")
+
+# Pixels that the calls work through, and the most that the road behind the match may take of what the matcher takes for
+# each.
+set(pixels_of_IP_SgmFull 6683)
+set(pixels_of_nadir_road_process 76800)
+set(most_percent 60)
+find_count(matcher "${counts}" IP_SgmFull)
+find_count(road "${counts}" nadir_road_process)
+math(EXPR percent "100 * ${road_instructions} * ${pixels_of_IP_SgmFull}
+                   / (${matcher_instructions} * ${pixels_of_nadir_road_process})")
+message("behind the match the road takes ${percent} % of the matcher's instructions per pixel")
+if(percent GREATER ${most_percent})
+  list(APPEND failures "the road behind the match: ${percent} % of the matcher's instructions per pixel, not ${most_percent}")
+endif()
+
 list(LENGTH counts functions)
 message("${functions} functions counted")
 list(JOIN gains "\n  " gains)

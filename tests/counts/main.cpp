@@ -27,6 +27,7 @@ __attribute__((noinline)) void callEverything() {
   callGeometry();
   callCamera();
   callNumbers();
+  callGround();
 }
 
 }  // namespace
