@@ -3,6 +3,8 @@
 // M. Fischler, R. Bolles, "Random sample consensus", Communications of the ACM 24(6), 1981; then least squares.
 #include "ground/trust/ground_search.hpp"
 
+#include <cmath>
+#include <initializer_list>
 #include <random>
 
 namespace nadir::ground {
@@ -28,6 +30,9 @@ constexpr double leastOfBest = 0.7;
 // least a quarter of the blocks, with a scatter of 0.35 tolerances at most. A plane that only cuts through the ground
 // has blocks on it as evenly as the tolerance is wide, with a scatter of 0.53 or more, or fewer than 0.14 of them.
 constexpr double leastCluster = 0.18, largestScatter = 0.43, mostBelowCluster = 0.05;
+
+// Tolerances: a pan that is off by 5 degrees differs by 1.7 in the smallest pictures, 160 x 120 pixels.
+constexpr double alike = 1.5;
 
 bool clusters(const Agreement& a) {
   const auto blocks = static_cast<double>(a.blocks);
@@ -81,6 +86,14 @@ bool isPlainlyThere(const Agreement& expected) {
 
 bool isThere(const Agreement& expected, const Agreement& best) {
   return expected.score() >= leastOfBest * best.score() || clusters(expected);
+}
+
+// Planes are linear: they differ most at a corner, of those in which the ground is seen.
+bool areAlike(const DisparityPlane& a, const DisparityPlane& b, uint32_t width, uint32_t height) {
+  for (const double x : {0.0, width - 1.0})
+    for (const double y : {0.0, height - 1.0})
+      if (a.at(x, y) > 0 && std::fabs(a.at(x, y) - b.at(x, y)) > alike * blockTolerance(a.at(x, y))) return false;
+  return true;
 }
 
 }  // namespace nadir::ground

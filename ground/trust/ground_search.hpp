@@ -22,4 +22,7 @@ bool isPlainlyThere(const Agreement& expected);
 // docs/trust.md for the figures.
 bool isThere(const Agreement& expected, const Agreement& best);
 
+// True where two planes differ by no more than what blocks on one of them may, all over the picture.
+bool areAlike(const DisparityPlane& a, const DisparityPlane& b, uint32_t width, uint32_t height);
+
 }  // namespace nadir::ground

@@ -97,7 +97,8 @@ size_t judge(const MatchedFrame* frame, const MountView* mount, const ViewDispar
     judgeGround(*mount, plane, blocks, count, ground, t);
     evidence.possibleBlocks = largestBlockCount(disparities.width, disparities.height);
     evidence.expected = &ground.expected;
-    if (t.searched) evidence.best = &ground.found.agreement;
+    if (t.searched && !areAlike(plane, ground.found.plane, disparities.width, disparities.height))
+      evidence.best = &ground.found.agreement;
   }
   if (frame) {
     judgeExposure(*frame, t);
