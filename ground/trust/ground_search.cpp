@@ -62,10 +62,11 @@ bool throughThree(const Sample& sample, std::mt19937& random, DisparityPlane& pl
 }  // namespace
 
 FoundGround searchedGround(const Block* blocks, size_t count) {
+  FoundGround found{};
+  if (count < 3) return found;
   Sample sample;
   take(sample, blocks, count);
   std::mt19937 random(1);
-  FoundGround found{};
   double most = 0;
   for (int i = 0; i < hypotheses; ++i) {
     DisparityPlane plane;

@@ -10,8 +10,8 @@ struct FoundGround {
   Agreement agreement;
 };
 
-// Looks at planes of every direction for the one with the most blocks on it and the fewest below it. Needs three blocks
-// or more; without a plane through them the agreement is empty. The generator's numbers are the same everywhere, and so
+// Looks at planes of every direction for the one with the most blocks on it and the fewest below it. Without
+// three blocks that span a plane the agreement is empty. The generator's numbers are the same everywhere, and so
 // is the plane.
 FoundGround searchedGround(const Block* blocks, size_t count);
 

@@ -72,7 +72,7 @@ void judgeGround(const MountView& mount, const DisparityPlane& plane, const Bloc
   t.on_ground = share(static_cast<double>(ground.expected.on), static_cast<double>(ground.expected.blocks));
   t.below_ground = share(static_cast<double>(ground.expected.below), static_cast<double>(ground.expected.blocks));
   tellDrift(driftOf(plane, blocks, count, *mount.context, mount.columnShift), t);
-  if (count < 3 || isPlainlyThere(ground.expected)) return;
+  if (isPlainlyThere(ground.expected)) return;
   ground.found = searchedGround(blocks, count);
   tellFound(ground.found, mount, t);
 }
