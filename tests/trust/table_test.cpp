@@ -1,0 +1,94 @@
+// The table of warnings: every fault gives its own and no other, and nothing unspoilt gives any.
+#include <cstdlib>
+
+#include "lab/scene/ready_scenes.hpp"
+#include "tests/trust/faults.hpp"
+#include "tests/trust/real_pairs.hpp"
+
+namespace nadir::ground::test {
+
+namespace {
+
+void expectNone(const Rendered& r, const std::string& what) {
+  EXPECT_EQ("none", trustOf(r.pair, &r.camera).names()) << what;
+}
+
+void expectOwn(const std::vector<Fault>& faults, bool hasMount, const std::string& what) {
+  for (const Fault& f : faults)
+    EXPECT_EQ(f.warning, trustOf(f.pair, hasMount ? &f.camera : nullptr).names()) << what << ": " << f.name;
+}
+
+class TableOfScene : public testing::TestWithParam<const char*> {};
+
+}  // namespace
+
+TEST_P(TableOfScene, UnspoiltGivesNone) {
+  for (uint64_t seed = 1; seed <= 5; ++seed) {
+    const Rendered r = rendered(GetParam(), 320, 240, seed, 0);
+    for (const double noise : {0.0, 5.0, 20.0})
+      expectNone({noisy(r.pair, noise, seed), r.camera}, "seed " + std::to_string(seed));
+  }
+}
+
+TEST_P(TableOfScene, UnspoiltInOtherSizesGivesNone) {
+  expectNone(rendered(GetParam(), 640, 480, 6, 5), "640 x 480");
+  expectNone(rendered(GetParam(), 400, 300, 7, 20), "400 x 300");
+  const Rendered small = rendered(GetParam(), 160, 120, 8, 5);
+  expectNone(small, "160 x 120");
+  EXPECT_EQ("none", trustOf(small.pair, nullptr).names()) << "160 x 120, without a mount";
+}
+
+TEST_P(TableOfScene, SpoiltPicturesGiveTheirOwn) {
+  expectOwn(spoiltPictures(rendered(GetParam(), 320, 240, 9, 5)), true, GetParam());
+  expectOwn(spoiltPictures(rendered(GetParam(), 160, 120, 9, 20)), false, GetParam());
+}
+
+TEST_P(TableOfScene, SpoiltCamerasGiveTheirOwn) {
+  expectOwn(spoiltCameras(rendered(GetParam(), 320, 240, 10, 5)), true, GetParam());
+  expectOwn(spoiltCameras(rendered(GetParam(), 400, 300, 11, 20)), true, GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, TableOfScene,
+                         testing::Values("boxes", "people", "walkers", "steps", "slope", "crop-rows", "empty-floor"));
+
+TEST(Table, HoldsEveryReadyScene) { EXPECT_EQ(7u, scene::readyScenes().size()); }
+
+TEST(Table, PeopleUnderALowCameraAreTooNear) {
+  const Rendered people = rendered("people", 640, 480, 12, 5, 2500),
+                 walkers = rendered("walkers", 640, 480, 12, 5, 2200);
+  EXPECT_EQ("nearer-than-the-range", trustOf(people.pair, &people.camera).names());
+  EXPECT_EQ("nearer-than-the-range", trustOf(walkers.pair, &walkers.camera).names());
+}
+
+TEST(Table, PeopleJustWithinTheRangeAreNot) { expectNone(rendered("people", 320, 240, 12, 5, 2500), "2500 mm"); }
+
+TEST(Table, AFlatThingThatLeavesNoRimIsTooNear) {
+  const Rendered r = nearBox(640, 480, 2000, 500, 1);
+  EXPECT_EQ("nearer-than-the-range", trustOf(r.pair, &r.camera).names());
+}
+
+TEST(Table, APitLiesBelowTheGround) {
+  for (const double depth : {300.0, 1000.0})
+    for (const double side : {1000.0, 2000.0}) {
+      const Rendered r = pit(320, 240, depth, side, 1);
+      EXPECT_EQ("below-the-ground", trustOf(r.pair, &r.camera).names()) << depth << " deep, " << side << " wide";
+    }
+}
+
+// Ramps fill the picture and outvote the ground, which is there all the same.
+TEST(Table, ASlopeSeenFromOtherMountsIsUnspoilt) {
+  for (const double tilt : {0.0, -45.0, -60.0}) expectNone(rendered("slope", 640, 480, 1, 5, 3000, tilt), "slope");
+  for (const double height : {1500.0, 4500.0}) expectNone(rendered("slope", 640, 480, 1, 5, height), "slope");
+}
+
+TEST(Table, RealPairs) {
+  const std::vector<RealPair> pairs = realPairs();
+  if (pairs.empty()) GTEST_SKIP() << "NADIR_DATA names no folder with pairs";
+  for (const RealPair& r : pairs) {
+    EXPECT_EQ("none", trustOf(r.good.pair, r.hasMount ? &r.good.camera : nullptr).names()) << r.name;
+    expectOwn(spoiltPictures(r.good), r.hasMount, r.name);
+    if (r.hasMount) expectOwn(spoiltCameras(r.good), true, r.name);
+  }
+}
+
+}  // namespace nadir::ground::test
