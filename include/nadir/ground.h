@@ -65,7 +65,7 @@ typedef int32_t NadirStatus;
                                      */
 #define NADIR_AREA_WITHOUT_CELLS 10 /* an area holds the centre of no cell of the map */
 #define NADIR_BAD_FRAME 11          /* a frame's bits or strides are out of range; or it lacks pictures */
-#define NADIR_FOREIGN_RESULT 12     /* the result was made for a road of another size or other settings */
+#define NADIR_FOREIGN_RESULT 12     /* the result or measurement is of a road of another size or other settings */
 #define NADIR_NOTHING_FOUND 13      /* there is none: no frame was processed, or no such area, or no plane */
 #define NADIR_BAD_STATE 14          /* what was saved is damaged, of another version or of another road */
 #define NADIR_BAD_TIME 15           /* frames go back in time */
@@ -137,9 +137,11 @@ typedef struct NadirSettings {
   uint32_t uniqueness;  /* of the matcher's peak check, 1/128; any number, see uniquenessRatio in stereo.h */
   uint32_t postprocess; /* 1: the disparities are cleaned up (IP_SgmPostproc), 0: they stay as they are matched */
   uint32_t min_points;  /* cells with fewer points stay unseen; 1 to 1000000 */
-  double percentile;    /* of a cell's points in order of height, the one that gives it its height; above 0 to 100 */
-  double fill_holes_m2; /* patches of unseen cells up to this area are filled from around them; 0 to 1e6, and a map of
-                           2 to 4095 cells a side where it is not 0 */
+  double percentile;    /* gives a cell its height: the lowest of its points that at least so many percent of them are
+                           not higher than; above 0 to 100 */
+  double fill_holes_m2; /* patches of unseen cells, which touch along a side or at a corner, up to this area are filled
+                           as IP_PullPush fills the map; 0 to 1e6, and the camera needs a map of 2 to 4095 cells a side
+                           where it is not 0 */
   double min_height_mm; /* regions are cells higher than this, rounded down; 0 to 65534 */
   double max_step_mm;   /* neighbours that differ by more, rounded down, are not joined; 0 to 65535 */
   double min_area_m2;   /* smaller regions are dropped; 0 to 1e6 */
@@ -166,7 +168,8 @@ NADIR_API size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettin
  * fault  null, or receives where the fault lies.
  *
  * An area's pixels are projected onto the ground along the rays through their centres; a cell belongs to an area if its
- * centre lies inside or on the edge. */
+ * centre lies inside or on the edge. Both are rounded to whole millimetres as IP_Utils_CreateElevMaskFromImgPoly does
+ * it. */
 NADIR_API NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* settings,
                                         const NadirArea* areas, uint32_t area_count, NadirRoad** road,
                                         NadirFault* fault);
@@ -284,7 +287,8 @@ typedef struct NadirFindings {
   uint32_t filled_cells;   /* cells with a height from around them */
   uint32_t reserved;       /* 0 */
   NadirPlane disparity;    /* uint16_t, the view's, 1/16 pixel, 0 for none; without data where disparities were given */
-  NadirPlane heights;      /* uint16_t, mm above the ground, 0 for unseen: what is lower than 1 mm is stored as 1 */
+  NadirPlane heights;      /* uint16_t, mm above the ground to the nearest, halves up, 0 for unseen: what is lower than
+                              1 is stored as 1, what is higher than 65535 as 65535 */
   NadirPlane point_counts; /* uint32_t, the points over each cell */
   NadirPlane labels;       /* uint16_t, the region of each cell, 0 for none */
   const NadirPixelCounts* pixels;
@@ -331,7 +335,8 @@ typedef struct NadirTrackSettings {
 /* Fills in the defaults: no average, 10 mm, 1500 mm per square second (a walking head's), half a second. */
 NADIR_API NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings);
 
-/* The height of what stands in an area, followed by a Kalman filter of height and rate. */
+/* The height of what stands in an area, followed by a Kalman filter of height and rate (IP_Kalman1d_*). A track begins
+ * at the first measured height, as uncertain as that, with a rate of 0 that is uncertain by 300 mm per second. */
 typedef struct NadirTrack {
   uint32_t size;
   uint32_t active; /* 0: nothing is followed, and the rest is 0 */
