@@ -61,8 +61,8 @@ std::vector<Limit<NadirCamera>> cameraLimits() {
   const std::vector<double> notPositive{0, -1, 1e6 + 1, notANumber, beyondAll, -beyondAll};
   const std::vector<double> tooFar{-1e6 - 1, 1e6 + 1, notANumber, beyondAll, -beyondAll};
   const std::vector<double> tooTurned{-90.001, 90.001, notANumber, beyondAll, -beyondAll};
-  return {{MEMBER(NadirCamera, width_px), {5, 16384}, {0, 4, 16385, 4294967295.0}},
-          {MEMBER(NadirCamera, height_px), {5, 16384}, {0, 4, 16385, 4294967295.0}},
+  return {{MEMBER(NadirCamera, width_px), {5, 65535}, {0, 4, 65536, 4294967295.0}},
+          {MEMBER(NadirCamera, height_px), {5, 65535}, {0, 4, 65536, 4294967295.0}},
           {MEMBER(NadirCamera, cell_mm), {1, 65535}, {0, 65536, 4294967295.0}},
           {MEMBER(NadirCamera, map_width_cells), {1, 65535}, {0, 65536, 4294967295.0}},
           {MEMBER(NadirCamera, map_height_cells), {1, 65535}, {0, 65536, 4294967295.0}},
@@ -160,6 +160,17 @@ std::string nameOf(const ::testing::TestParamInfo<Limits>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Members, CameraLimits, ::testing::ValuesIn(cameraLimits()), nameOf<Limit<NadirCamera>>);
 INSTANTIATE_TEST_SUITE_P(Members, SettingsLimits, ::testing::ValuesIn(settingsLimits()), nameOf<Limit<NadirSettings>>);
+
+TEST(RoadCreate, PicturesHaveNoMoreThanSoManyPixels) {
+  const NadirSettings settings = settingsUntil(NADIR_UNTIL_MATCH);
+  NadirCamera camera = smallCamera();
+  camera.width_px = 8192;
+  camera.height_px = 4096;
+  EXPECT_GT(nadir_road_bytes(&camera, &settings, 0), 0u);
+  camera.height_px = 4097;
+  EXPECT_EQ(nadir_road_bytes(&camera, &settings, 0), 0u);
+  EXPECT_EQ(answerTo(camera, settings).status, NADIR_BAD_CAMERA);
+}
 
 TEST(RoadCreate, RegionsTakeMapsUpToTheirLargest) {
   NadirCamera camera = smallCamera();

@@ -46,7 +46,8 @@ std::vector<Placed> placedOf(const Grid<float>& disparity, const StereoCtx& cont
           map.x >= 0 && map.y >= 0 && map.x < context.mapParams.width && map.y < context.mapParams.height;
       const size_t cell =
           inside ? static_cast<size_t>(map.y) * context.mapParams.width + static_cast<size_t>(map.x) : 0;
-      all.push_back({{world.x, world.y, world.z, d, x, y}, inside, cell});
+      const uint32_t named = inside ? static_cast<uint32_t>(cell) : NADIR_NO_CELL;
+      all.push_back({{world.x, world.y, world.z, d, x, y, named, 0}, inside, cell});
     }
   }
   return all;
