@@ -12,6 +12,7 @@ Works allWorks(const lab::TexturedPair& pair) {
   addImgprocWorks(works, pair);
   addSegmentWorks(works, pair);
   addStereoWorks(works, pair);
+  addGroundWorks(works, pair);
   return works;
 }
 

@@ -24,6 +24,7 @@ void addImageWorks(Works& works, const lab::TexturedPair& pair);
 void addImgprocWorks(Works& works, const lab::TexturedPair& pair);
 void addSegmentWorks(Works& works, const lab::TexturedPair& pair);
 void addStereoWorks(Works& works, const lab::TexturedPair& pair);
+void addGroundWorks(Works& works, const lab::TexturedPair& pair);
 
 Works allWorks(const lab::TexturedPair& pair);
 

@@ -181,7 +181,7 @@ inline Fingerprint& addPoints(Fingerprint& print, const Road& road, const NadirF
   std::vector<NadirPoint> points(count);
   demand(nadir_road_points(road.road(), &frame, road.result(), points.data(), count, &count));
   for (const NadirPoint& p : points)
-    print.add(p.x_mm).add(p.y_mm).add(p.z_mm).add(p.disparity_px).add(p.column).add(p.row);
+    print.add(p.x_mm).add(p.y_mm).add(p.z_mm).add(p.disparity_px).add(p.column).add(p.row).add(p.cell);
   return print.add(uint64_t{count});
 }
 

@@ -61,8 +61,8 @@ const Table& builtInTable() {
       {"road: places", 0x43a24998c32459d5u},
       {"road: 8 bits", 0xb2d38313c062a878u},
       {"road: holes filled", 0x103876ba88ca50ecu},
-      {"road: given", 0x60c0ad44810d09a1u},
-      {"road: points", 0x817e4d473663bd6eu},
+      {"road: given", 0x71668e2c2a58521bu},
+      {"road: points", 0x4f619b407ce82e2cu},
       {"road: tracks", 0x0287294d20191e26u},
   };
   return table;

@@ -1,0 +1,113 @@
+// Works of ground.h: frames of the road, and what goes from frame to frame.
+#include <nadir/stereo.h>
+
+#include <cmath>
+#include <memory>
+
+#include "bench/work.hpp"
+#include "lab/road.hpp"
+
+namespace nadir::bench {
+namespace {
+
+constexpr uint32_t averaged = 5;
+
+NadirTrackSettings tracking() {
+  NadirTrackSettings settings;
+  lab::demand(nadir_track_settings_fill(&settings));
+  settings.average_frames = averaged;
+  return settings;
+}
+
+struct Walk {
+  Walk(const lab::TexturedPair& pictures, uint32_t until, double percentile)
+      : pair(pictures), plan(planOf(pair, until, percentile)), road(plan) {}
+
+  static lab::RoadPlan planOf(const lab::TexturedPair& pair, uint32_t until, double percentile) {
+    lab::RoadPlan plan = lab::planOf(lab::cameraOver(pair));
+    plan.camera.map_height_cells = 64;
+    plan.settings.until = until;
+    plan.settings.percentile = percentile;
+    return plan;
+  }
+  NadirFrame matched() const { return lab::frameOf(pair.first.data(), pair.reference.data(), pair.width); }
+  NadirFrame given() const { return lab::givenFrame(disparity.data(), pair.width); }
+  void keepDisparities() {
+    const NadirPlane found = road.findings(matched()).disparity;
+    const auto* pixels = static_cast<const uint16_t*>(found.data);
+    for (size_t i = 0; i < pair.first.size(); ++i)
+      disparity.push_back(pixels[i] ? static_cast<float>(pixels[i]) / SGM_DISP_SCALE : NAN);
+  }
+
+  lab::TexturedPair pair;
+  lab::RoadPlan plan;
+  lab::Road road;
+  std::vector<float> disparity;
+};
+
+std::string percentText(double percentile) { return ", percentile " + std::to_string(static_cast<int>(percentile)); }
+
+void addFrames(Works& works, const lab::TexturedPair& pair) {
+  const uint64_t pixels = pair.first.size();
+  const auto match = std::make_shared<Walk>(pair, NADIR_UNTIL_MATCH, 90);
+  works.push_back(
+      {"nadir_road_process, until the match", pixels, 7 * pixels, [=] { match->road.findings(match->matched()); }});
+  for (const double percentile : {90.0, 50.0, 100.0}) {
+    const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_ALL, percentile);
+    walk->keepDisparities();
+    works.push_back({"nadir_road_process" + percentText(percentile), pixels, 7 * pixels,
+                     [=] { walk->road.findings(walk->matched()); }});
+    works.push_back({"nadir_road_process, given disparities" + percentText(percentile), pixels, 4 * pixels,
+                     [=] { walk->road.findings(walk->given()); }});
+  }
+}
+
+void addPoints(Works& works, const lab::TexturedPair& pair) {
+  const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_MAP, 90);
+  walk->road.findings(walk->matched());
+  const auto points = std::make_shared<std::vector<NadirPoint>>(pair.first.size());
+  works.push_back({"nadir_road_points", pair.first.size(), (2 + sizeof(NadirPoint)) * pair.first.size(), [=] {
+                     const NadirFrame frame = walk->matched();
+                     size_t count;
+                     lab::demand(nadir_road_points(walk->road.road(), &frame, walk->road.result(), points->data(),
+                                                   points->size(), &count));
+                   }});
+}
+
+// Their time does not depend on the picture.
+void addCreations(Works& works, const std::shared_ptr<Walk>& walk) {
+  works.push_back(
+      {"nadir_road_create, nadir_result_create and destroy", 0, 0, [=] { const lab::Road road(walk->plan); }});
+  works.push_back({"nadir_tracker_create and destroy", 0, 0, [=] { const lab::Tracker t(walk->road, tracking()); }});
+}
+
+void addTracking(Works& works, const std::shared_ptr<Walk>& walk) {
+  const auto tracker = std::make_shared<lab::Tracker>(walk->road, tracking());
+  const auto saved = std::make_shared<std::vector<uint8_t>>(tracker->saved());
+  const auto measured = std::make_shared<NadirMeasurement>(lab::emptyRecord<NadirMeasurement>());
+  measured->heights = walk->road.findings(walk->matched()).heights;
+  works.push_back(
+      {"nadir_tracker_step", 0, 0, [=] { lab::demand(nadir_tracker_step(tracker->get(), walk->road.result(), 0)); }});
+  works.push_back(
+      {"nadir_tracker_replay", 0, 0, [=] { lab::demand(nadir_tracker_replay(tracker->get(), measured.get())); }});
+  works.push_back({"nadir_tracker_average of 5 maps", 0, 0, [=] {
+                     NadirPlane mean;
+                     lab::demand(nadir_tracker_average(tracker->get(), &mean));
+                   }});
+  works.push_back(
+      {"nadir_tracker_save", 0, 0, [=] { nadir_tracker_save(tracker->get(), saved->data(), saved->size()); }});
+  works.push_back({"nadir_tracker_load", 0, 0,
+                   [=] { lab::demand(nadir_tracker_load(tracker->get(), saved->data(), saved->size())); }});
+}
+
+}  // namespace
+
+void addGroundWorks(Works& works, const lab::TexturedPair& pair) {
+  addFrames(works, pair);
+  addPoints(works, pair);
+  const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_ALL, 90);
+  addCreations(works, walk);
+  addTracking(works, walk);
+}
+
+}  // namespace nadir::bench
