@@ -157,7 +157,15 @@ NADIR_API NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCa
 typedef struct NadirRoad NadirRoad;
 
 /* The bytes of a road and of one of its results; 0 where nadir_road_create would refuse the camera or the settings.
- * areas are looked at for their number alone. */
+ * areas are looked at for their number alone.
+ *
+ * With the default settings, a map of 64 x 64 cells and no areas, a road and a result take so many thousand bytes:
+ *
+ *                        320 x 240      640 x 480
+ *   NADIR_UNTIL_MATCH    1545 + 154     6007 + 615
+ *   NADIR_UNTIL_MAP      1564 + 179     6029 + 640
+ *   NADIR_UNTIL_ALL      1868 + 196     6332 + 657
+ */
 NADIR_API size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
 NADIR_API size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
 
