@@ -7,7 +7,8 @@ namespace nadir::ground {
 
 namespace {
 
-constexpr uint32_t most = 96;  // rows
+constexpr uint32_t most = 96;       // rows
+constexpr uint32_t leastSide = 64;  // of a picture: the range is as wide, and a look at less would say nothing
 constexpr SgmParams usual{64, 48};
 
 // A picture moved by so much gives what lies in the same column of both a disparity that the matcher finds.
@@ -56,8 +57,10 @@ struct Strip {
 
   size_t pixels() const { return size_t{rows} * m.width; }
 
-  void match(const uint32_t* first, const uint32_t* reference, const uint16_t* picture) const {
-    nadir_sgm_full(first + begin, reference + begin, picture + begin, m.width, rows, &usual, m.strip, nullptr, m.walk,
+  // The first picture is moved to the right by so many pixels.
+  void match(const uint32_t* first, int32_t moved, const uint32_t* reference, const uint16_t* picture) const {
+    const size_t at = begin - static_cast<size_t>(moved);  // unsigned numbers wrap, so that negative moves add
+    nadir_sgm_full(first + at, reference + begin, picture + begin, m.width, rows, &usual, m.strip, nullptr, m.walk,
                    m.walkBytes);
   }
 
@@ -81,22 +84,25 @@ bool isNearerInHole(uint16_t now, uint16_t before) { return before == 0 && now >
 
 }  // namespace
 
-uint32_t lookRows(uint32_t height) { return height < most + 2 * margin ? height - 2 * margin : most; }
+uint32_t lookRows(uint32_t width, uint32_t height) {
+  if (width < leastSide || height < leastSide) return 0;
+  return height < most + 2 * margin ? height - 2 * margin : most;
+}
 
 SecondLook secondLook(const LookMemory& m, const uint16_t* cleaned) {
   fillFrame(m.firstCodes, m.width, m.height);
   fillFrame(m.referenceCodes, m.width, m.height);
-  const uint32_t rows = lookRows(m.height);
+  const uint32_t rows = lookRows(m.width, m.height);
   const Strip strip{m, cleaned, rows, size_t{emptiest(cleaned, m.width, m.height, rows)} * m.width};
   SecondLook look{};
-  strip.match(m.firstCodes, m.referenceCodes, m.reference);
+  strip.match(m.firstCodes, 0, m.referenceCodes, m.reference);
   look.empty = strip.share(wasEmpty);
   look.asGiven = strip.share(isKnown);
-  strip.match(m.referenceCodes, m.firstCodes, m.first);
+  strip.match(m.referenceCodes, 0, m.firstCodes, m.first);
   look.exchanged = strip.share(isKnown);
-  strip.match(m.firstCodes - unmovedAt, m.referenceCodes, m.reference);
+  strip.match(m.firstCodes, unmovedAt, m.referenceCodes, m.reference);
   look.unmoved = strip.share(isUnmoved);
-  strip.match(m.firstCodes + nearer, m.referenceCodes, m.reference);
+  strip.match(m.firstCodes, -nearer, m.referenceCodes, m.reference);
   look.nearerInHole = strip.share(isNearerInHole);
   return look;
 }

@@ -13,11 +13,11 @@ struct LookMemory {
   uint32_t width, height;
   void* walk;  // of nadir_sgm_full for this width
   size_t walkBytes;
-  uint16_t* strip;  // receives disparities, lookRows(height) * width of them
+  uint16_t* strip;  // receives disparities, lookRows(width, height) * width of them
 };
 
-// How many rows a look takes: enough to tell, few enough to be cheap.
-uint32_t lookRows(uint32_t height);
+// How many rows a look takes: enough to tell, few enough to be cheap. 0 for pictures that are too small for one.
+uint32_t lookRows(uint32_t width, uint32_t height);
 
 // Shares of the strip's pixels.
 struct SecondLook {
@@ -29,7 +29,8 @@ struct SecondLook {
                         // the other
 };
 
-// Looks at the rows of the picture with the fewest disparities. `cleaned` are those, on the matcher's grid.
+// Looks at the rows of the picture with the fewest disparities; it must be large enough. `cleaned` are those, on the
+// matcher's grid.
 SecondLook secondLook(const LookMemory& memory, const uint16_t* cleaned);
 
 }  // namespace nadir::ground

@@ -106,7 +106,7 @@ size_t judge(const MatchedFrame* frame, const MountView* mount, const ViewDispar
     shares = matchedShares(frame->pictures, mount ? &matcherPlane : nullptr);
     tellShares(shares, t);
     evidence.matched = &shares;
-    if (asksForSecondLook(shares)) {
+    if (asksForSecondLook(shares) && lookRows(disparities.width, disparities.height) > 0) {
       look = secondLook(frame->look, frame->pictures.cleaned);
       evidence.look = &look;
     }

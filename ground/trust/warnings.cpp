@@ -6,18 +6,19 @@ namespace nadir::ground {
 
 namespace {
 
-constexpr double dark = 0.6;           // share of one picture: at most 0.10 unspoilt, 0.99 and more at an eighth
-constexpr double clipped = 0.1;        // at most 0.004 unspoilt; 0.15 and more at twice the exposure, 0.69 at 4 times
-constexpr double leastMatched = 0.56;  // at least 0.81 unspoilt; 0.31 swapped, 0.14 without texture
+constexpr double dark = 0.6;     // share of one picture: at most 0.11 unspoilt, 1.00 at a sixteenth of the exposure
+constexpr double clipped = 0.1;  // at most 0.003 unspoilt, 0.69 and more at 4 times the exposure
+constexpr double leastMatched = 0.56;  // at least 0.84 unspoilt; at most 0.32 swapped, 0.23 out of focus
 constexpr double doubtful = 0.8;       // below it a second look is taken
-constexpr double unmoved = 0.4;        // at most 0.01 unspoilt, at least 0.86 for the same picture twice
-constexpr double exchanged = 0.5;      // of the pixels, and one and a half times as many as given
-constexpr double atEnd = 0.003;        // at most 0.0012 unspoilt; 0.0077 and more with people under a low camera
+constexpr double unmoved = 0.4;        // of the strip: 0.75 and more for the same picture twice
+constexpr double exchanged =
+    0.5;  // of the strip, 0.78 and more for swapped pictures; and one and a half times as many as given
+constexpr double atEnd = 0.003;        // at most 0.0012 unspoilt; 0.0075 and more with people under a low camera
 constexpr double cutOff = 0.0016;      // at most 0.0007 unspoilt; 0.0036 and more there
-constexpr double nearerInHole = 0.04;  // and half of the hole: at most 0.01 unspoilt, 0.09 and more there
-constexpr double below = 0.04;  // of the blocks: at most 0.012 unspoilt, 0.046 for a pit of 1 m by 1 m seen from 3 m
-constexpr double leastSeen = 0.35;   // of what is seen of a map at its best place: at least 0.89 unspoilt
-constexpr double leastBlocks = 0.1;  // of the picture's, to say anything about the ground
+constexpr double nearerInHole = 0.04;  // and half of the hole
+constexpr double below = 0.04;         // of the blocks: at most 0.012 unspoilt, 0.054 and more for a pit of 1 m by 1 m
+constexpr double leastSeen = 0.35;     // of what is seen of a map at its best place: at least 0.89 unspoilt
+constexpr double leastBlocks = 0.1;    // of the picture's, to say anything about the ground
 
 struct List {
   NadirWarning* warnings;

@@ -100,7 +100,7 @@ std::vector<Fault> spoiltPictures(const Rendered& good) {
   return faults;
 }
 
-std::vector<Fault> spoiltCameras(const Rendered& good) {
+std::vector<Fault> spoiltCameras(const Rendered& good, bool smallPans) {
   std::vector<Fault> faults;
   const auto add = [&](const std::string& name, const char* warning, const CameraNumbers& camera) {
     faults.push_back({name, warning, good.pair, camera});
@@ -114,6 +114,8 @@ std::vector<Fault> spoiltCameras(const Rendered& good) {
   };
   for (const int degrees : {-20, -10, -5, 5, 10, 20, 45}) ground("tilt " + std::to_string(degrees), 1, degrees, 0);
   for (const int degrees : {-20, 10, 20, 45}) ground("pan " + std::to_string(degrees), 1, 0, degrees);
+  if (smallPans)
+    for (const int degrees : {-5, 5}) ground("pan " + std::to_string(degrees), 1, 0, degrees);
   for (const int percent : {60, 80, 90, 110, 120, 140})
     ground("height " + std::to_string(percent) + " %", percent / 100.0, 0, 0);
   ground("sign of the tilt", 1, -2 * good.camera.tilt, 0);

@@ -15,8 +15,8 @@ struct Fault {
 // Of the pictures alone: they need no camera.
 std::vector<Fault> spoiltPictures(const Rendered& good);
 
-// Of the camera file.
-std::vector<Fault> spoiltCameras(const Rendered& good);
+// Of the camera file. For a camera that looks ahead a pan is a small roll, and one of 5 degrees cannot be told.
+std::vector<Fault> spoiltCameras(const Rendered& good, bool smallPans);
 
 // A floor with a square pit in it, where the camera looks; the camera file has the floor's height.
 Rendered pit(uint32_t width, uint32_t height, double depthMm, double sideMm, uint64_t seed);

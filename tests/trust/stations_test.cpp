@@ -289,6 +289,14 @@ TEST(NearPlane, IsTheGround) {
                          memory.data(), plane));
 }
 
+TEST(Trust, SmallPicturesAreJudgedWithoutASecondLook) {
+  for (const uint32_t side : {5u, 8u, 63u}) {
+    const lab::Grid<uint16_t> grey(side, side, 2000);
+    EXPECT_EQ("none", trustOf({grey, grey}, nullptr).names()) << side;
+    EXPECT_NO_FATAL_FAILURE(trustOf({grey, grey}, &camera));
+  }
+}
+
 TEST(Warnings, EveryNumberHasANameAndAPlaceInTheSentence) {
   for (uint32_t id = 1; id <= NADIR_WARNINGS; ++id) {
     std::string sentence = warningSentence(id);

@@ -44,8 +44,8 @@ TEST_P(TableOfScene, SpoiltPicturesGiveTheirOwn) {
 }
 
 TEST_P(TableOfScene, SpoiltCamerasGiveTheirOwn) {
-  expectOwn(spoiltCameras(rendered(GetParam(), 320, 240, 10, 5)), true, GetParam());
-  expectOwn(spoiltCameras(rendered(GetParam(), 400, 300, 11, 20)), true, GetParam());
+  expectOwn(spoiltCameras(rendered(GetParam(), 320, 240, 10, 5), true), true, GetParam());
+  expectOwn(spoiltCameras(rendered(GetParam(), 400, 300, 11, 20), true), true, GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, TableOfScene,
@@ -87,7 +87,7 @@ TEST(Table, RealPairs) {
   for (const RealPair& r : pairs) {
     EXPECT_EQ("none", trustOf(r.good.pair, r.hasMount ? &r.good.camera : nullptr).names()) << r.name;
     expectOwn(spoiltPictures(r.good), r.hasMount, r.name);
-    if (r.hasMount) expectOwn(spoiltCameras(r.good), true, r.name);
+    if (r.hasMount) expectOwn(spoiltCameras(r.good, false), true, r.name);
   }
 }
 

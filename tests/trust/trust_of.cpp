@@ -51,7 +51,7 @@ struct Matching {
         true};
   }
 
-  std::vector<uint16_t> strip = std::vector<uint16_t>(size_t{lookRows(raw.height)} * raw.width);
+  std::vector<uint16_t> strip = std::vector<uint16_t>(size_t{lookRows(raw.width, raw.height)} * raw.width);
 };
 
 int32_t fixedPoint(double value, double scale) { return static_cast<int32_t>(std::lround(value * scale)); }
