@@ -183,7 +183,7 @@ TEST(Strides, WordsMayBeginAtAnyAddress) {
   const Pair pair = onePair();
   const Picture wanted = matched(frameOfPair(pair), matching(NADIR_GRID_LEFT, 1)).disparity;
   for (const Guard side : {Guard::behind, Guard::before}) {
-    for (const size_t padding : {0u, 1u, 2u, 7u, 64u}) {
+    for (const size_t padding : {0u, 1u, 66u}) {
       NadirFrame frame = emptyFrame();
       frame.left_stride = 96 * 2 + padding;
       frame.right_stride = 96 * 2 + 3 * padding;
