@@ -45,9 +45,7 @@ void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
   t.begun = 1;
 }
 
-double sinceLast(const NadirTracker& t, int64_t timeNs) {
-  return t.begun ? static_cast<double>(timeNs - t.timeNs) / 1e9 : 0;
-}
+double sinceLast(const NadirTracker& t, int64_t timeNs) { return t.begun ? secondsBetween(t.timeNs, timeNs) : 0; }
 
 double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ? std::nan("") : area.highest_mm; }
 
@@ -99,12 +97,39 @@ void visitState(Visitor& visitor, NadirTracker& t) {
   for (uint64_t i = 0; i < t.window.room * t.shape.cells(); ++i) visitor.visit(t.window.maps[i]);
 }
 
+// The last bytes of a state are the sum of those before.
+bool isUndamaged(const void* memory, size_t bytes) {
+  const size_t summed = bytes - sizeof(uint64_t);
+  uint64_t sum = 0;
+  StateReader(static_cast<const uint8_t*>(memory) + summed, sizeof sum).visit(sum);
+  return sum == stateSum(memory, summed);
+}
+
+// A sum can be made for any numbers, but a tracker goes on with none that it cannot come to by itself.
+bool holdsGoodNumbers(const NadirTracker& t, StateReader reader) {
+  uint32_t begun = 0, count = 0, next = 0;
+  int64_t timeNs = 0;
+  bool good = true;
+  reader.visit(begun);
+  reader.visit(timeNs);
+  for (uint32_t i = 0; i < t.shape.areas; ++i) {
+    HeightTrack track{};
+    visitTrack(reader, track);
+    good &= track.active <= begun && (!track.active || track.measuredAtNs <= timeNs);
+  }
+  reader.visit(count);
+  reader.visit(next);
+  const uint32_t room = t.window.room;
+  return good && begun <= 1 && count <= room && next == (count < room ? count : room == 0 ? 0 : next % room);
+}
+
 // The bytes of a state do not depend on what it holds.
 bool isState(const NadirTracker& t, const void* memory, size_t bytes) {
+  if (bytes != nadir_tracker_save(&t, nullptr, 0)) return false;
   StateReader reader(memory, bytes);
   StateHead head{};
   head.visit(reader);
-  return bytes == nadir_tracker_save(&t, nullptr, 0) && reader.isWhole() && head.equals(headOf(t));
+  return head.equals(headOf(t)) && isUndamaged(memory, bytes) && holdsGoodNumbers(t, reader);
 }
 
 }  // namespace
@@ -184,10 +209,12 @@ size_t nadir_tracker_save(const NadirTracker* tracker, void* memory, size_t room
   auto& state = const_cast<NadirTracker&>(*tracker);  // a writer only looks, and one walk serves writers and readers
   head.visit(counting);
   visitState(counting, state);
-  if (room < counting.bytes()) return counting.bytes();
+  const size_t summed = counting.bytes(), whole = summed + sizeof(uint64_t);
+  if (room < whole || !memory) return whole;
   head.visit(writing);
   visitState(writing, state);
-  return counting.bytes();
+  writing.visit(stateSum(memory, summed));
+  return whole;
 }
 
 NadirStatus nadir_tracker_load(NadirTracker* tracker, const void* memory, size_t bytes) {

@@ -44,7 +44,7 @@ void goOn(HeightTrack& track, const NadirTrackSettings& settings, double sinceLa
 void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
                double measuredMm) {
   const bool measured = !std::isnan(measuredMm);
-  if (track.active && static_cast<double>(timeNs - track.measuredAtNs) / 1e9 > settings.patience_s) track = {};
+  if (track.active && secondsBetween(track.measuredAtNs, timeNs) > settings.patience_s) track = {};
   if (track.active)
     goOn(track, settings, sinceLast, measuredMm);
   else if (measured)

@@ -6,6 +6,11 @@
 
 namespace nadir::ground {
 
+// The difference of two times may be more than an int64_t holds. The later one must not be smaller.
+inline double secondsBetween(int64_t earlierNs, int64_t laterNs) {
+  return static_cast<double>(static_cast<uint64_t>(laterNs) - static_cast<uint64_t>(earlierNs)) / 1e9;
+}
+
 // All numbers that a track goes on with.
 struct HeightTrack {
   uint32_t active;

@@ -42,6 +42,15 @@ class StateWriter {
   size_t room_, bytes_ = 0;
 };
 
+// FNV-1a (G. Fowler, L. C. Noll, K.-P. Vo, http://www.isthe.com/chongo/tech/comp/fnv) of the bytes before it ends a
+// state, so that damage to any of them is seen.
+inline uint64_t stateSum(const void* memory, size_t bytes) {
+  uint64_t sum = 0xCBF29CE484222325u;
+  const auto* byte = static_cast<const uint8_t*>(memory);
+  for (size_t i = 0; i < bytes; ++i) sum = (sum ^ byte[i]) * 0x100000001B3u;
+  return sum;
+}
+
 class StateReader {
  public:
   StateReader(const void* memory, size_t bytes) : memory_(static_cast<const uint8_t*>(memory)), left_(bytes) {}

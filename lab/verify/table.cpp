@@ -63,7 +63,7 @@ const Table& builtInTable() {
       {"road: holes filled", 0x103876ba88ca50ecu},
       {"road: given", 0x71668e2c2a58521bu},
       {"road: points", 0x4f619b407ce82e2cu},
-      {"road: tracks", 0x0287294d20191e26u},
+      {"road: tracks", 0x4887cd78c579a19cu},
   };
   return table;
 }
