@@ -15,6 +15,9 @@ constexpr double factors[] = {3, 2, 1.5, 1, 1, 1};
 
 constexpr double leastShare = 0.1;  // of the blocks
 
+// A search asks for no less, so that nothing is settled without one that it would not settle the same way.
+constexpr double leastOn = 0.2, mostBelow = 0.04, leastOfDrift = 0.75;
+
 // The matcher's paths run through many blocks, whose errors go together: a fit scatters as if it had fewer of them.
 // With one for 3 x 3, what is said is 1 to 5 times what the mounts of rendered scenes scatter by over five seeds. The
 // pull of the paths is the same in all of them and not in it: 10 mm of 3 m at 640 x 480 pixels.
@@ -89,7 +92,10 @@ Drift driftOf(const DisparityPlane& expected, const Block* blocks, size_t count,
 }
 
 bool asksForSearch(const Drift& drift, const Agreement& expected) {
-  return !(expected.score() >= 0.7 * drift.share * static_cast<double>(expected.blocks)) || !(drift.share > leastShare);
+  const auto blocks = static_cast<double>(expected.blocks);
+  return !(static_cast<double>(expected.on) >= leastOn * blocks &&
+           static_cast<double>(expected.below) <= mostBelow * blocks &&
+           expected.score() >= leastOfDrift * drift.share * blocks);
 }
 
 }  // namespace nadir::ground

@@ -16,8 +16,8 @@ struct Drift {
 Drift driftOf(const DisparityPlane& expected, const Block* blocks, size_t count, const StereoCtx& context,
               double columnShift);
 
-// True where the drift is so large, or so little of the ground is left, that the ground is to be searched for anew: the
-// blocks' tolerance is used up half way across the picture.
+// True where the expected ground leaves a doubt, and is to be looked for at every tilt: little of the picture lies on
+// it, or something below it, or the plane near it that most blocks lie on has many more of them.
 bool asksForSearch(const Drift& drift, const Agreement& expected);
 
 }  // namespace nadir::ground

@@ -80,11 +80,6 @@ FoundGround searchedGround(const Block* blocks, size_t count) {
   return found;
 }
 
-// No other plane can have more than all of them.
-bool isPlainlyThere(const Agreement& expected) {
-  return expected.score() >= leastOfBest * static_cast<double>(expected.blocks);
-}
-
 bool isThere(const Agreement& expected, const Agreement& best) {
   return expected.score() >= leastOfBest * best.score() || clusters(expected);
 }

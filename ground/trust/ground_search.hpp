@@ -15,9 +15,6 @@ struct FoundGround {
 // is the plane.
 FoundGround searchedGround(const Block* blocks, size_t count);
 
-// True where so much of the picture lies on the expected ground that no other plane need be looked for.
-bool isPlainlyThere(const Agreement& expected);
-
 // True where the expected ground holds its own against the best plane there is, or is ground for itself: see
 // docs/trust.md for the figures.
 bool isThere(const Agreement& expected, const Agreement& best);

@@ -71,8 +71,9 @@ void judgeGround(const MountView& mount, const DisparityPlane& plane, const Bloc
   ground.expected = agreementOf(plane, blocks, count);
   t.on_ground = share(static_cast<double>(ground.expected.on), static_cast<double>(ground.expected.blocks));
   t.below_ground = share(static_cast<double>(ground.expected.below), static_cast<double>(ground.expected.blocks));
-  tellDrift(driftOf(plane, blocks, count, *mount.context, mount.columnShift), t);
-  if (isPlainlyThere(ground.expected)) return;
+  const Drift drift = driftOf(plane, blocks, count, *mount.context, mount.columnShift);
+  tellDrift(drift, t);
+  if (!asksForSearch(drift, ground.expected)) return;
   ground.found = searchedGround(blocks, count);
   tellFound(ground.found, mount, t);
 }
