@@ -33,7 +33,9 @@ struct ViewDisparities {
   uint32_t width, height;
 };
 
-// frame, mount  null where there is none
+// frame, mount  null where there is none. The frame's strip may be the memory of its raw disparities, which are read
+// before
+//               anything is written there
 // blocks        room for largestBlockCount of them; only a mount needs it
 // warnings      room for NADIR_WARNINGS
 // Returns how many warnings there are.
