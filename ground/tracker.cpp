@@ -47,7 +47,7 @@ void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
 
 double sinceLast(const NadirTracker& t, int64_t timeNs) { return t.begun ? secondsBetween(t.timeNs, timeNs) : 0; }
 
-double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ? std::nan("") : area.highest_mm; }
+double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ? double{NAN} : area.highest_mm; }
 
 bool isMap(const NadirPlane& plane, const Shape& shape) {
   return plane.width == shape.mapWidth && plane.height == shape.mapHeight &&

@@ -12,6 +12,9 @@
 
 namespace nadir::lab {
 
+constexpr uint32_t bothGrids[] = {NADIR_GRID_LEFT, NADIR_GRID_RIGHT};
+constexpr uint32_t everyEnd[] = {NADIR_UNTIL_MATCH, NADIR_UNTIL_MAP, NADIR_UNTIL_ALL};
+
 // What a road is made of. The areas' corners are the caller's.
 struct RoadPlan {
   NadirCamera camera;

@@ -51,7 +51,7 @@ Fingerprint found(const Material& m, const lab::RoadPlan& plan, Add add) {
 template <class Add>
 Fingerprint foundOnBothGrids(const Material& m, Add add) {
   Fingerprint print;
-  for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) print.add(found(m, planOf(m, grid), add).value());
+  for (const uint32_t grid : lab::bothGrids) print.add(found(m, planOf(m, grid), add).value());
   return print;
 }
 

@@ -36,8 +36,8 @@ Fingerprint& addFoundAndPoints(Fingerprint& hash, const lab::RoadPlan& plan, con
 
 Fingerprint matched() {
   Fingerprint hash;
-  for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
-    for (const uint32_t until : {NADIR_UNTIL_MATCH, NADIR_UNTIL_MAP, NADIR_UNTIL_ALL}) {
+  for (const uint32_t grid : lab::bothGrids) {
+    for (const uint32_t until : lab::everyEnd) {
       lab::RoadPlan plan = somePlan();
       plan.settings.grid = grid;
       plan.settings.until = until;

@@ -67,7 +67,7 @@ std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan
 
 std::vector<lab::RoadPlan> plans() {
   std::vector<lab::RoadPlan> all;
-  for (const uint32_t until : {NADIR_UNTIL_MATCH, NADIR_UNTIL_MAP, NADIR_UNTIL_ALL}) {
+  for (const uint32_t until : lab::everyEnd) {
     all.push_back(fullPlan());
     all.back().settings.until = until;
   }
@@ -141,7 +141,7 @@ void workOn(lab::Road& road, const lab::Tracker& tracker, const lab::Tracker& ot
 }
 
 TEST(RoadAlloc, FramesTakeNoMemory) {
-  for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+  for (const uint32_t grid : lab::bothGrids) {
     lab::Road road(fullPlan(grid));
     const lab::Tracker tracker(road, fullTracking()), other(road, fullTracking());
     std::vector<NadirPoint> points(somePair().first.size());

@@ -45,7 +45,7 @@ uint64_t everything(uint32_t grid, double percentile) {
 TEST(RoadLevels, GiveTheSameBits) {
   const unsigned best = cpu();
   const std::vector<unsigned> levels = cumulativeLevels();
-  for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+  for (const uint32_t grid : lab::bothGrids) {
     for (const double percentile : {33.0, 90.0}) {
       setCpu(cpuScalar);
       const uint64_t scalar = everything(grid, percentile);
