@@ -60,13 +60,63 @@ void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r)
       fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, road.shape, road.regions, r.areas, r.shares);
 }
 
+// The matcher's pictures and codes are still there when it is done.
+MatchedFrame matchedFrame(const NadirRoad& road) {
+  const MatchMemory& m = road.match;
+  const Shape& s = road.shape;
+  return {{m.raw, m.cleaned, m.reference, m.mask, s.width, s.height},
+          {m.firstCodes, m.referenceCodes, m.first, m.reference, s.width, s.height, m.walk, m.walkBytes, m.raw},
+          road.settings.grid == NADIR_GRID_LEFT};
+}
+
+void judgeFrame(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
+  stages.begin("trust");
+  const MatchedFrame matched = matchedFrame(road);
+  const ViewDisparities disparities{r.disparity, frame.disparity, frame.disparity_stride, road.shape.width,
+                                    road.shape.height};
+  r.warningCount =
+      static_cast<uint32_t>(judge(r.matched ? &matched : nullptr, road.shape.hasMap() ? &road.mount : nullptr,
+                                  disparities, road.trust.blocks, r.trust, r.warnings));
+}
+
 void work(const NadirRoad& road, const NadirFrame& frame, NadirResult& r) {
   const Stages stages(frame);
   findDisparities(road, frame, stages, r);
+  judgeFrame(road, frame, stages, r);
   if (road.shape.hasMap()) findHeights(road, frame, stages, r);
   if (road.shape.hasRegions()) findWhatStands(road, stages, r);
   r.holdsFrame = true;
   stages.end();
+}
+
+// What a frame and its result must be to be looked at again.
+NadirStatus againStatus(const NadirRoad& road, const NadirFrame& frame, const NadirResult& result) {
+  if (!isWhole(&frame)) return NADIR_BAD_RECORD;
+  if (!areEqual(road.shape, result.shape)) return NADIR_FOREIGN_RESULT;
+  if (!road.shape.hasMap() || !result.holdsFrame) return NADIR_NOTHING_FOUND;
+  if (result.matched ? frame.disparity != nullptr : !frame.disparity || !isGood(frame, road.shape))
+    return NADIR_BAD_FRAME;
+  return NADIR_OK;
+}
+
+DisparityPicture disparityPicture(const NadirRoad& road, const NadirFrame& frame, const NadirResult& r) {
+  const uint32_t width = road.shape.width, height = road.shape.height;
+  if (r.matched) return {r.disparity, width * sizeof *r.disparity, false, width, height, road.columnShift};
+  return {frame.disparity, frame.disparity_stride, true, width, height, road.columnShift};
+}
+
+NadirGroundPlane described(const NearPlane& p) {
+  return {sizeof(NadirGroundPlane),
+          static_cast<uint32_t>(p.points),
+          static_cast<uint32_t>(p.inliers),
+          0,
+          p.heightMm,
+          p.tiltDeg,
+          p.panDeg,
+          p.axisBelowHorizonDeg,
+          p.rollDeg,
+          p.rmsMm,
+          p.rmsPx};
 }
 
 // As many of the points as there is room for are written; all are counted.
@@ -108,13 +158,22 @@ NadirStatus nadir_road_process(NadirRoad* road, const NadirFrame* frame, NadirRe
 NadirStatus nadir_road_points(NadirRoad* road, const NadirFrame* frame, const NadirResult* result, NadirPoint* points,
                               size_t room, size_t* count) {
   if (!road || !frame || !result || !count || (room > 0 && !points)) return NADIR_NULL_POINTER;
-  if (!isWhole(frame)) return NADIR_BAD_RECORD;
-  if (!areEqual(road->shape, result->shape)) return NADIR_FOREIGN_RESULT;
-  if (!road->shape.hasMap() || !result->holdsFrame) return NADIR_NOTHING_FOUND;
-  if (result->matched ? frame->disparity != nullptr : !isGood(*frame, road->shape)) return NADIR_BAD_FRAME;
+  if (const NadirStatus status = againStatus(*road, *frame, *result)) return status;
   const DisparityRows rows = disparityRows(*road, *frame, *result);
   PointList list{points, room, 0};
   for (uint32_t y = 0; y < road->shape.height; ++y) addRow(list, *road, rows, y);
   *count = list.count;
+  return NADIR_OK;
+}
+
+NadirStatus nadir_road_ground_plane(NadirRoad* road, const NadirFrame* frame, const NadirResult* result,
+                                    NadirGroundPlane* plane) {
+  if (!road || !frame || !result || !plane) return NADIR_NULL_POINTER;
+  if (!isWhole(plane)) return NADIR_BAD_RECORD;
+  if (const NadirStatus status = againStatus(*road, *frame, *result)) return status;
+  NearPlane found{};
+  if (!nearPlane(disparityPicture(*road, *frame, *result), road->context, road->trust.judges, found))
+    return NADIR_NOTHING_FOUND;
+  *plane = described(found);
   return NADIR_OK;
 }

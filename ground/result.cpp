@@ -35,6 +35,9 @@ NadirFindings findingsOf(const NadirResult& r) {
   f.regions = r.regions;
   f.areas = r.areas;
   f.shares = r.shares;
+  f.warning_count = r.warningCount;
+  f.warnings = r.warnings;
+  f.trust = &r.trust;
   return f;
 }
 

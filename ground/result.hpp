@@ -17,6 +17,9 @@ struct NadirResult {
   NadirRegion* regions;
   NadirOccupancy* areas;
   NadirShare* shares;
+  NadirTrust trust;
+  uint32_t warningCount;
+  NadirWarning warnings[NADIR_WARNINGS];
 };
 
 namespace nadir::ground {

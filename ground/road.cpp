@@ -45,6 +45,7 @@ NadirRoad* roadIn(Arena& arena, const Shape& shape) {
   pieces.holes = holeMemory(arena, shape);
   pieces.regions = regionMemory(arena, shape);
   pieces.areas = areaMemory(arena, shape);
+  pieces.trust = trustMemory(arena, shape);
   if (road) *road = pieces;
   return road;
 }
@@ -55,6 +56,8 @@ void setUp(NadirRoad& road, const NadirCamera& camera, const NadirSettings& sett
   road.columnShift = static_cast<float>(camera.column_shift_px);
   road.context = stereoContext(camera, settings.grid);
   road.placing = placingOf(road.context, road.shape, road.sort.rayX);
+  road.mount = {&road.context, camera.column_shift_px,
+                mapView(road.context, camera.column_shift_px, road.shape.width, road.shape.height)};
 }
 
 Judgement placeAreas(NadirRoad& road, const NadirArea* areas) {

@@ -8,6 +8,8 @@
 #include "ground/stations/map.hpp"
 #include "ground/stations/match.hpp"
 #include "ground/stations/regions.hpp"
+#include "ground/trust/near_plane.hpp"
+#include "ground/trust/trust.hpp"
 
 struct NadirRoad {
   nadir::ground::Shape shape;
@@ -20,4 +22,6 @@ struct NadirRoad {
   nadir::ground::SortMemory sort;
   nadir::ground::HoleMemory holes;
   nadir::ground::RegionMemory regions;
+  nadir::ground::TrustMemory trust;
+  nadir::ground::MountView mount;  // whose context is this road's
 };

@@ -14,7 +14,8 @@ const char* nadir_status_text(NadirStatus status) {
     case NADIR_CAMERA_TOO_HIGH: return "areas in pixels need a camera that hangs lower";
     case NADIR_CORNER_OFF_GROUND: return "a corner of an area does not show the ground near the camera";
     case NADIR_AREA_WITHOUT_CELLS: return "an area holds the centre of no cell of the map";
-    case NADIR_BAD_FRAME: return "a frame lacks a picture, or its bits or strides are out of range";
+    case NADIR_BAD_FRAME:
+      return "a frame lacks a picture, or its bits, its strides or a measured height are out of range";
     case NADIR_FOREIGN_RESULT: return "the result was made for another road";
     case NADIR_NOTHING_FOUND: return "there is none";
     case NADIR_BAD_STATE: return "what was saved is damaged or of another tracker";

@@ -132,6 +132,13 @@ bool isState(const NadirTracker& t, const void* memory, size_t bytes) {
   return head.equals(headOf(t)) && isUndamaged(memory, bytes) && holdsGoodNumbers(t, reader);
 }
 
+// No map holds more, and no filter has to be told of more.
+bool areHeights(const double* mm, uint32_t count) {
+  for (uint32_t i = 0; i < count; ++i)
+    if (!std::isnan(mm[i]) && !(mm[i] >= 0 && mm[i] <= UINT16_MAX)) return false;
+  return true;
+}
+
 }  // namespace
 
 }  // namespace nadir::ground
@@ -180,6 +187,7 @@ NadirStatus nadir_tracker_replay(NadirTracker* tracker, const NadirMeasurement* 
   if (m.area_count != tracker->shape.areas) return NADIR_FOREIGN_RESULT;
   if (m.area_count > 0 && !m.highest_mm) return NADIR_NULL_POINTER;
   if (m.heights.data && !isMap(m.heights, tracker->shape)) return NADIR_FOREIGN_RESULT;
+  if (!areHeights(m.highest_mm, m.area_count)) return NADIR_BAD_FRAME;
   if (tracker->begun && m.time_ns < tracker->timeNs) return NADIR_BAD_TIME;
   for (uint32_t i = 0; i < m.area_count; ++i)
     stepTrack(tracker->tracks[i], tracker->settings, m.time_ns, sinceLast(*tracker, m.time_ns), m.highest_mm[i]);

@@ -3,6 +3,7 @@
 
 #include <nadir/ground.h>
 
+#include <cmath>
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -173,9 +174,56 @@ inline Fingerprint& addAreas(Fingerprint& print, const NadirFindings& f) {
   return print;
 }
 
+// There are many ways to write not-a-number, and processors choose among them.
+inline Fingerprint& addReal(Fingerprint& print, double value) { return print.add(std::isnan(value) ? -1e300 : value); }
+
+inline Fingerprint& addTrust(Fingerprint& print, const NadirFindings& f) {
+  const NadirTrust& t = *f.trust;
+  print.add(t.searched);
+  for (const double value : {t.dark_left,
+                             t.dark_right,
+                             t.clipped_left,
+                             t.clipped_right,
+                             t.matched,
+                             t.value,
+                             t.range_end,
+                             t.cut_off,
+                             t.on_ground,
+                             t.below_ground,
+                             t.height_off_mm,
+                             t.tilt_off_deg,
+                             t.pan_off_deg,
+                             t.height_deviation_mm,
+                             t.tilt_deviation_deg,
+                             t.pan_deviation_deg,
+                             t.found_height_mm,
+                             t.found_tilt_deg,
+                             t.found_pan_deg,
+                             t.found_share,
+                             t.map_seen,
+                             t.least_top_mm,
+                             t.greatest_top_mm})
+    addReal(print, value);
+  for (uint32_t i = 0; i < f.warning_count; ++i) {
+    print.add(f.warnings[i].id);
+    for (uint32_t k = 0; k < f.warnings[i].count; ++k) addReal(print, f.warnings[i].numbers[k]);
+  }
+  return print;
+}
+
 inline Fingerprint& addFindings(Fingerprint& print, const NadirFindings& f) {
   if (f.pixels) addDisparities(print, f);
-  return addAreas(addRegions(addHeights(print, f), f), f);
+  return addTrust(addAreas(addRegions(addHeights(print, f), f), f), f);
+}
+
+inline Fingerprint& addGroundPlane(Fingerprint& print, const Road& road, const NadirFrame& frame) {
+  NadirGroundPlane p = emptyRecord<NadirGroundPlane>();
+  const NadirStatus status = nadir_road_ground_plane(road.road(), &frame, road.result(), &p);
+  print.add(status);
+  for (const double value :
+       {p.height_mm, p.tilt_deg, p.pan_deg, p.axis_below_horizon_deg, p.roll_deg, p.rms_mm, p.rms_px})
+    addReal(print, value);
+  return print.add(p.points).add(p.inliers);
 }
 
 inline Fingerprint& addPoints(Fingerprint& print, const Road& road, const NadirFrame& frame) {
@@ -185,7 +233,7 @@ inline Fingerprint& addPoints(Fingerprint& print, const Road& road, const NadirF
   demand(nadir_road_points(road.road(), &frame, road.result(), points.data(), count, &count));
   for (const NadirPoint& p : points)
     print.add(p.x_mm).add(p.y_mm).add(p.z_mm).add(p.disparity_px).add(p.column).add(p.row).add(p.cell);
-  return print.add(uint64_t{count});
+  return addGroundPlane(print.add(uint64_t{count}), road, frame);
 }
 
 inline Fingerprint& addTrack(Fingerprint& print, const Tracker& tracker, uint32_t area) {

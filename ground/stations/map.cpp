@@ -16,22 +16,28 @@ uint32_t countPoints(const float* disparity, uint32_t n) {
   return points;
 }
 
-void countCells(const uint32_t* cells, uint32_t n, uint32_t* counts) {
-  for (uint32_t i = 0; i < n; ++i)
-    if (cells[i] != noCell) ++counts[cells[i]];
+// Neighbouring pixels lie over one cell, whose count would have to be ready before the next one can be added: four
+// quarters of the picture are walked together. Pixels over no cell have a place of their own behind the last one, which
+// is faster than to ask.
+template <class Use>
+void forEachPixel(const SortMemory& m, uint32_t pixels, uint32_t cells, Use use) {
+  const uint32_t quarter = pixels / 4;
+  const auto cellOf = [&](uint32_t i) { return m.cells[i] < cells ? m.cells[i] : cells; };
+  for (uint32_t i = 0; i < quarter; ++i)
+    for (uint32_t k = 0; k < 4; ++k) use(i + k * quarter, cellOf(i + k * quarter));
+  for (uint32_t i = 4 * quarter; i < pixels; ++i) use(i, cellOf(i));
 }
 
-// From counts to where each cell's heights end.
-uint32_t addUp(const uint32_t* counts, uint64_t cells, uint32_t* ends) {
-  uint32_t sum = 0;
-  for (uint64_t i = 0; i < cells; ++i) ends[i] = sum += counts[i];
-  return sum;
-}
-
-// This sorts by counting, since no order is needed within a cell. The ends become the beginnings.
-void sortByCell(const SortMemory& m, uint64_t pixels) {
-  for (uint64_t i = 0; i < pixels; ++i)
-    if (m.cells[i] != noCell) m.sorted[--m.ends[m.cells[i]]] = m.heights[i];
+// This sorts by counting, since no order is needed within a cell. Returns how many lie over a cell.
+uint32_t sortByCell(const SortMemory& m, uint32_t pixels, uint32_t cells, uint32_t* counts) {
+  std::memset(m.begins, 0, (size_t{cells} + 1) * sizeof *m.begins);
+  forEachPixel(m, pixels, cells, [&](uint32_t, uint32_t cell) { ++m.begins[cell]; });
+  std::memcpy(counts, m.begins, cells * sizeof *counts);
+  uint32_t inside = 0;
+  for (uint32_t i = 0; i < cells; ++i) m.begins[i] = inside += counts[i];
+  m.begins[cells] = pixels;
+  forEachPixel(m, pixels, cells, [&](uint32_t i, uint32_t cell) { m.sorted[--m.begins[cell]] = m.heights[i]; });
+  return inside;
 }
 
 // A larger height is never stored as a smaller number, so it does not matter that heights are chosen as they are
@@ -42,7 +48,7 @@ uint32_t chooseHeights(const SortMemory& m, const NadirSettings& settings, uint6
   uint32_t seen = 0;
   for (uint64_t i = 0; i < cells; ++i) {
     const bool sees = counts[i] >= settings.min_points;
-    heights[i] = sees ? ranked(m.sorted + m.ends[i], counts[i], percentileRank(counts[i], settings.percentile)) : 0;
+    heights[i] = sees ? ranked(m.sorted + m.begins[i], counts[i], percentileRank(counts[i], settings.percentile)) : 0;
     seen += sees;
   }
   return seen;
@@ -52,7 +58,7 @@ uint32_t chooseHeights(const SortMemory& m, const NadirSettings& settings, uint6
 
 SortMemory sortMemory(Arena& arena, const Shape& shape, uint32_t* cells, uint16_t* heights) {
   SortMemory m{cells, heights, heights ? heights + shape.pixels() : nullptr, nullptr, nullptr, nullptr};
-  m.ends = arena.take<uint32_t>(shape.cells());
+  m.begins = arena.take<uint32_t>(shape.cells() + 1);
   m.disparity = arena.take<float>(shape.width);
   m.rayX = arena.take<float>(shape.width);
   return m;
@@ -96,16 +102,13 @@ MapCounts mapHeights(const DisparityRows& rows, const StereoCtx& context, const 
                      const NadirSettings& settings, const Shape& shape, const SortMemory& m, uint16_t* heights,
                      uint32_t* counts) {
   MapCounts found{};
-  std::memset(counts, 0, shape.cells() * sizeof *counts);
   for (uint32_t y = 0; y < shape.height; ++y) {
     const size_t at = size_t{y} * shape.width;
     rows.read(y, m.disparity);
     found.points += countPoints(m.disparity, shape.width);
     placeRow(context, placing, shape, y, m.disparity, m.cells + at, m.heights + at);
-    countCells(m.cells + at, shape.width, counts);
   }
-  found.inside = addUp(counts, shape.cells(), m.ends);
-  sortByCell(m, shape.pixels());
+  found.inside = sortByCell(m, static_cast<uint32_t>(shape.pixels()), static_cast<uint32_t>(shape.cells()), counts);
   found.seen = chooseHeights(m, settings, shape.cells(), counts, heights);
   return found;
 }

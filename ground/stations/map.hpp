@@ -13,7 +13,7 @@ namespace nadir::ground {
 struct SortMemory {
   uint32_t* cells;             // of each pixel
   uint16_t *heights, *sorted;  // mm: of each pixel; and those of one cell after the other
-  uint32_t* ends;              // of each cell's heights among the sorted ones
+  uint32_t* begins;            // of each cell's heights among the sorted ones, and of the pixels over no cell
   float* disparity;            // of one row
   float* rayX;                 // of each column
 };

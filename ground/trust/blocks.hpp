@@ -30,7 +30,11 @@ size_t listBlocks(const float* disparity, size_t stride, uint32_t width, uint32_
 
 // How far a block's disparity may be off, pixels: the matcher's paths pull slanted surfaces by up to 0.1 pixel, and
 // ground is not flat: 1.5 percent of the camera's height are 45 mm at 3 m.
-inline double blockTolerance(double disparity) { return disparity > 10 ? 0.015 * disparity : 0.15; }
+template <class Real>
+Real blockTolerance(Real disparity) {
+  const Real share = Real(0.015) * disparity, least = Real(0.15);
+  return share > least ? share : least;
+}
 
 // How blocks lie about a plane.
 struct Agreement {

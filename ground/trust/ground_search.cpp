@@ -40,23 +40,44 @@ bool clusters(const Agreement& a) {
          static_cast<double>(a.below) <= mostBelowCluster * blocks;
 }
 
+// The blocks that hypotheses are tried on, each number in a row of its own, in single precision: what is counted over
+// and over is counted in vectors then.
 struct Sample {
-  Block blocks[judges];
-  size_t count = 0;
+  float x[judges], y[judges], disparity[judges];
+  uint32_t count = 0;
 };
 
 void take(Sample& sample, const Block* blocks, size_t count) {
   const size_t step = (count + judges - 1) / judges;
-  for (size_t i = 0; i < count; i += step) sample.blocks[sample.count++] = blocks[i];
+  for (size_t i = 0; i < count; i += step, ++sample.count) {
+    sample.x[sample.count] = blocks[i].x;
+    sample.y[sample.count] = blocks[i].y;
+    sample.disparity[sample.count] = blocks[i].disparity;
+  }
 }
 
 bool throughThree(const Sample& sample, std::mt19937& random, DisparityPlane& plane) {
   PlaneEquations equations;
   for (int i = 0; i < 3; ++i) {
-    const Block& b = sample.blocks[random() % sample.count];
-    equations.add(b.x, b.y, b.disparity);
+    const size_t b = random() % sample.count;
+    equations.add(sample.x[b], sample.y[b], sample.disparity[b]);
   }
   return equations.solve(plane);
+}
+
+// The score of agreementOf.
+int32_t scoreOf(const DisparityPlane& plane, const Sample& sample) {
+  const auto perColumn = static_cast<float>(plane.perColumn), perRow = static_cast<float>(plane.perRow),
+             atOrigin = static_cast<float>(plane.atOrigin);
+  int32_t score = 0;
+  for (uint32_t i = 0; i < sample.count; ++i) {
+    const float expected = perColumn * sample.x[i] + perRow * sample.y[i] + atOrigin;
+    const float off = sample.disparity[i] - expected, tolerance = blockTolerance(expected);
+    const int32_t counts = expected > 0, on = (off <= tolerance) & (off >= -tolerance), below = off < -2 * tolerance;
+    score += counts & on;
+    score -= counts & below;
+  }
+  return score;
 }
 
 }  // namespace
@@ -67,14 +88,14 @@ FoundGround searchedGround(const Block* blocks, size_t count) {
   Sample sample;
   take(sample, blocks, count);
   std::mt19937 random(1);
-  double most = 0;
+  int32_t most = 0;
   for (int i = 0; i < hypotheses; ++i) {
     DisparityPlane plane;
     if (!throughThree(sample, random, plane)) continue;
-    const double score = agreementOf(plane, sample.blocks, sample.count).score();
+    const int32_t score = scoreOf(plane, sample);
     if (score > most) most = score, found.plane = plane;
   }
-  if (!(most > 0)) return found;
+  if (most == 0) return found;
   for (int i = 0; i < refinements; ++i) refine(found.plane, blocks, count, 1);
   found.agreement = agreementOf(found.plane, blocks, count);
   return found;

@@ -80,6 +80,14 @@ void judgeGround(const MountView& mount, const DisparityPlane& plane, const Bloc
 
 }  // namespace
 
+TrustMemory trustMemory(Arena& arena, const Shape& shape) {
+  TrustMemory m{};
+  if (!shape.hasMap()) return m;
+  m.blocks = arena.take<Block>(largestBlockCount(shape.width, shape.height));
+  m.judges = arena.take<RayPoint>(nearPlaneJudges);
+  return m;
+}
+
 size_t judge(const MatchedFrame* frame, const MountView* mount, const ViewDisparities& disparities, Block* blocks,
              NadirTrust& t, NadirWarning* warnings) {
   t = nothingKnown();

@@ -1,12 +1,16 @@
 // All that is asked about a frame, from its pictures to its warnings, in memory of the caller's.
 #pragma once
 
+#include <nadir/ground.h>
+
 #include <cstddef>
 
+#include "ground/records/arena.hpp"
+#include "ground/records/shape.hpp"
 #include "ground/trust/blocks.hpp"
 #include "ground/trust/map_view.hpp"
 #include "ground/trust/matched.hpp"
-#include "ground/trust/records.hpp"
+#include "ground/trust/near_plane.hpp"
 #include "ground/trust/second_look.hpp"
 
 namespace nadir::ground {
@@ -33,9 +37,16 @@ struct ViewDisparities {
   uint32_t width, height;
 };
 
+// Memory that judging needs.
+struct TrustMemory {
+  Block* blocks;     // largestBlockCount of them; nothing without a mount
+  RayPoint* judges;  // nearPlaneJudges of them, likewise
+};
+
+TrustMemory trustMemory(Arena& arena, const Shape& shape);
+
 // frame, mount  null where there is none. The frame's strip may be the memory of its raw disparities, which are read
-// before
-//               anything is written there
+//               before anything is written there
 // blocks        room for largestBlockCount of them; only a mount needs it
 // warnings      room for NADIR_WARNINGS
 // Returns how many warnings there are.

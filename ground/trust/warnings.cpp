@@ -128,8 +128,7 @@ constexpr Description descriptions[NADIR_WARNINGS] = {
      {100, 100}},
     {"nearer-than-the-range",
      "something is nearer than can be measured: %.2f %% of the picture lie at the end of the range, %.2f %% are cut "
-     "off "
-     "there; on parts of the map heights above %.0f mm cannot be measured",
+     "off there; on parts of the map heights above %.0f mm cannot be measured",
      {"range_end_share", "cut_off_share", "least_top_mm"},
      {100, 100, 1}},
     {"low-density",
@@ -147,8 +146,7 @@ constexpr Description descriptions[NADIR_WARNINGS] = {
      {100}},
     {"map-elsewhere",
      "the map lies where the camera does not look: %.0f %% of it are in the picture; moved by a further %.0f mm in x "
-     "and "
-     "%.0f mm in y it would be seen best",
+     "and %.0f mm in y it would be seen best",
      {"seen_share", "offset_x_mm", "offset_y_mm"},
      {100, 1, 1}},
 };
@@ -169,24 +167,26 @@ size_t listWarnings(const Evidence& e, NadirWarning* warnings) {
   return list.count;
 }
 
-const char* warningName(uint32_t id) {
-  const Description* d = descriptionOf(id);
+}  // namespace nadir::ground
+
+using nadir::ground::descriptionOf;
+
+const char* nadir_warning_name(uint32_t id) {
+  const auto* d = descriptionOf(id);
   return d ? d->name : nullptr;
 }
 
-const char* warningNumberName(uint32_t id, uint32_t index) {
-  const Description* d = descriptionOf(id);
-  return d && index < 4 ? d->numbers[index] : nullptr;
+const char* nadir_warning_number_name(uint32_t id, uint32_t number) {
+  const auto* d = descriptionOf(id);
+  return d && number < 4 ? d->numbers[number] : nullptr;
 }
 
-const char* warningSentence(uint32_t id) {
-  const Description* d = descriptionOf(id);
+const char* nadir_warning_sentence(uint32_t id) {
+  const auto* d = descriptionOf(id);
   return d ? d->sentence : nullptr;
 }
 
-double warningScale(uint32_t id, uint32_t index) {
-  const Description* d = descriptionOf(id);
-  return d && index < 4 ? d->scales[index] : 1;
+double nadir_warning_scale(uint32_t id, uint32_t number) {
+  const auto* d = descriptionOf(id);
+  return d && number < 4 ? d->scales[number] : 1;
 }
-
-}  // namespace nadir::ground

@@ -2,12 +2,13 @@
 // others.
 #pragma once
 
+#include <nadir/ground.h>
+
 #include <cstddef>
 
 #include "ground/trust/ground_search.hpp"
 #include "ground/trust/map_view.hpp"
 #include "ground/trust/matched.hpp"
-#include "ground/trust/records.hpp"
 #include "ground/trust/second_look.hpp"
 
 namespace nadir::ground {
@@ -29,18 +30,5 @@ bool asksForSecondLook(const MatchedShares& matched);
 
 // Lists the warnings in the order of their numbers; room for NADIR_WARNINGS. Returns how many.
 size_t listWarnings(const Evidence& evidence, NadirWarning* warnings);
-
-// "left-and-right-swapped": the fixed name of a warning, null for a number that is none.
-const char* warningName(uint32_t id);
-
-// The fixed names of its numbers, with their units.
-const char* warningNumberName(uint32_t id, uint32_t index);
-
-// A sentence with a conversion for each of its numbers, all doubles, in their order, and %% for a percent sign. Shares
-// are to be given in percent, as warningScale says.
-const char* warningSentence(uint32_t id);
-
-// What a number is multiplied by for the sentence: 100 for shares.
-double warningScale(uint32_t id, uint32_t index);
 
 }  // namespace nadir::ground

@@ -64,11 +64,13 @@ typedef int32_t NadirStatus;
   9                                 /* an area's corner does not show the ground within NADIR_AREA_REACH of the camera \
                                      */
 #define NADIR_AREA_WITHOUT_CELLS 10 /* an area holds the centre of no cell of the map */
-#define NADIR_BAD_FRAME 11          /* a frame's bits or strides are out of range; or it lacks pictures */
-#define NADIR_FOREIGN_RESULT 12     /* the result or measurement is of a road of another size or other settings */
-#define NADIR_NOTHING_FOUND 13      /* there is none: no frame was processed, or no such area, or no plane */
-#define NADIR_BAD_STATE 14          /* what was saved is damaged, of another version or of another road */
-#define NADIR_BAD_TIME 15           /* frames go back in time */
+#define NADIR_BAD_FRAME                                                                                            \
+  11                            /* a frame lacks a picture; or its bits, its strides, a measured height are out of \
+                                   range */
+#define NADIR_FOREIGN_RESULT 12 /* the result or measurement is of a road of another size or other settings */
+#define NADIR_NOTHING_FOUND 13  /* there is none: no frame was processed, or no such area, or no plane */
+#define NADIR_BAD_STATE 14      /* what was saved is damaged, of another version or of another road */
+#define NADIR_BAD_TIME 15       /* frames go back in time */
 
 /* A status in words, static storage; "unknown status" for any other number. */
 NADIR_API const char* nadir_status_text(NadirStatus status);
@@ -162,9 +164,9 @@ typedef struct NadirRoad NadirRoad;
  * With the default settings, a map of 64 x 64 cells and no areas, a road and a result take so many thousand bytes:
  *
  *                        320 x 240      640 x 480
- *   NADIR_UNTIL_MATCH    1545 + 154     6007 + 615
- *   NADIR_UNTIL_MAP      1564 + 179     6029 + 640
- *   NADIR_UNTIL_ALL      1868 + 196     6332 + 657
+ *   NADIR_UNTIL_MATCH    1545 + 155     6007 + 616
+ *   NADIR_UNTIL_MAP      1674 + 179     6182 + 640
+ *   NADIR_UNTIL_ALL      1978 + 197     6486 + 657
  */
 NADIR_API size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
 NADIR_API size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
@@ -286,6 +288,61 @@ typedef struct NadirShare {
   uint32_t reserved; /* 0 */
 } NadirShare;
 
+/* How far a frame's findings can be trusted, as numbers. Shares go from 0 to 1. Not-a-number stands for what could not
+ * be measured: without pictures, without a mount, where too little of the ground is seen. The ground is judged on
+ * blocks of 8 x 8 pixels, whose mean disparities are fewer and steadier than those of pixels. */
+typedef struct NadirTrust {
+  uint32_t size;
+  uint32_t searched;                  /* 1: the ground was looked for at every tilt, and found_... say what was found */
+  double dark_left, dark_right;       /* pixels darker than an eighth of the matcher's 12 bits, no data included */
+  double clipped_left, clipped_right; /* pixels at the end of the sensor's range */
+  double matched;                     /* of the pixels that can have a disparity, those that the matcher gave one */
+  double value;                       /* the same after the clean-up */
+  double range_end;    /* of all pixels, those within 3.5 pixels of the largest disparity that is found */
+  double cut_off;      /* of all pixels, those of them beside a pixel without one */
+  double on_ground;    /* of the blocks with a disparity, those on the ground where the camera file has it */
+  double below_ground; /* and those below it by more than twice their uncertainty */
+  double height_off_mm, tilt_off_deg, pan_off_deg; /* what to add to the camera file's mount, as this frame shows it */
+  double height_deviation_mm, tilt_deviation_deg, pan_deviation_deg; /* their standard deviations */
+  double found_height_mm, found_tilt_deg, found_pan_deg,
+      found_share;                      /* the plane with most blocks on it, at any tilt */
+  double map_seen;                      /* of the map's cells, those whose ground lies within the picture */
+  double least_top_mm, greatest_top_mm; /* greatest height that can be measured above them: the least, the most */
+} NadirTrust;
+
+#define NADIR_WARNING_TOO_DARK 1
+#define NADIR_WARNING_OVEREXPOSED 2
+#define NADIR_WARNING_SAME_PICTURE 3
+#define NADIR_WARNING_SWAPPED 4
+#define NADIR_WARNING_TOO_NEAR 5
+#define NADIR_WARNING_LOW_DENSITY 6
+#define NADIR_WARNING_GROUND_ELSEWHERE 7
+#define NADIR_WARNING_BELOW_GROUND 8
+#define NADIR_WARNING_MAP_ELSEWHERE 9
+
+#define NADIR_WARNINGS 9 /* their ids go from 1 to this; a result has at most one of each */
+
+/* Why a result may not be relied on. An id stays with its meaning for good. A cause hides its consequences: of pictures
+ * that are swapped nothing else is said. */
+typedef struct NadirWarning {
+  uint32_t size;
+  uint32_t id;       /* NADIR_WARNING_... */
+  uint32_t count;    /* of the numbers */
+  uint32_t reserved; /* 0 */
+  double numbers[4];
+} NadirWarning;
+
+/* A warning's fixed name, "left-and-right-swapped"; null for an id that is none. Static storage, as all below. */
+NADIR_API const char* nadir_warning_name(uint32_t id);
+
+/* The fixed name of one of its numbers, counted from 0, with its unit: "height_mm". Null for one that it has not. */
+NADIR_API const char* nadir_warning_number_name(uint32_t id, uint32_t number);
+
+/* What it says, as a format of printf with a conversion for each of its numbers, all double, in their order. Shares are
+ * given in percent there: nadir_warning_scale is 100 for them, and 1 for all other numbers. */
+NADIR_API const char* nadir_warning_sentence(uint32_t id);
+NADIR_API double nadir_warning_scale(uint32_t id, uint32_t number);
+
 typedef struct NadirFindings {
   uint32_t size;
   uint32_t region_count, area_count, share_count, warning_count;
@@ -303,6 +360,8 @@ typedef struct NadirFindings {
   const NadirRegion* regions;
   const NadirOccupancy* areas; /* in the order of the road's */
   const NadirShare* shares;
+  const NadirWarning* warnings; /* empty when all is well */
+  const NadirTrust* trust;
 } NadirFindings;
 
 /* Reads what the result holds. Whatever the settings leave out is null or 0. The pointers hold until the result is
@@ -327,6 +386,31 @@ typedef struct NadirPoint {
  * count   receives how many points there are, also where there is no room for all. */
 NADIR_API NadirStatus nadir_road_points(NadirRoad* road, const NadirFrame* frame, const NadirResult* result,
                                         NadirPoint* points, size_t room, size_t* count);
+
+/* The ground as a frame's points show it near the mount's. */
+typedef struct NadirGroundPlane {
+  uint32_t size;
+  uint32_t points;  /* of the frame */
+  uint32_t inliers; /* of them, those within half a pixel of the plane */
+  uint32_t reserved;
+  double height_mm, tilt_deg, pan_deg; /* what the camera would have to say for this plane to be the ground */
+  double axis_below_horizon_deg;       /* the same plane in other words: how far the optical axis points down, and */
+  double roll_deg;                     /* how far the picture's right side is turned down */
+  double rms_mm, rms_px;               /* of the inliers' distances to the plane, and of their disparities */
+} NadirGroundPlane;
+
+/* Fits a plane to the points that lie on the largest one not unlike the mount's ground: its direction within 10 degrees
+ * and its distance within a quarter of the camera's height. It takes the time of several frames; the frames themselves
+ * are judged by NadirTrust.
+ *
+ * frame, result  as for nadir_road_points.
+ *
+ * NADIR_NOTHING_FOUND where a tenth of the points do not agree on one.
+ *
+ * Method: M. Fischler, R. Bolles, "Random sample consensus", Communications of the ACM 24(6), 1981; then least squares
+ * of inverse depth. The random numbers are always the same. */
+NADIR_API NadirStatus nadir_road_ground_plane(NadirRoad* road, const NadirFrame* frame, const NadirResult* result,
+                                              NadirGroundPlane* plane);
 
 /* ---- from frame to frame --------------------------------------------------------------------------------------- */
 
@@ -362,7 +446,7 @@ typedef struct NadirMeasurement {
   uint32_t size;
   uint32_t area_count;      /* the road's */
   int64_t time_ns;          /* of the frame, from any beginning; never before that of the last one */
-  const double* highest_mm; /* in each area, not-a-number where nothing stands; null where there is no area */
+  const double* highest_mm; /* in each area, 0 to 65535, not-a-number where nothing stands; null without areas */
   NadirPlane heights;       /* the map; without data it does not enter the average */
   size_t reserved;          /* 0 */
 } NadirMeasurement;

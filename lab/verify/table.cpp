@@ -59,10 +59,10 @@ const Table& builtInTable() {
       {"road: regions", 0xcb2e659ea1392284u},
       {"road: areas", 0xd1427bc0afe668d9u},
       {"road: places", 0x43a24998c32459d5u},
-      {"road: 8 bits", 0xb2d38313c062a878u},
-      {"road: holes filled", 0x103876ba88ca50ecu},
-      {"road: given", 0x71668e2c2a58521bu},
-      {"road: points", 0x4f619b407ce82e2cu},
+      {"road: 8 bits", 0x5f22fed3186f31ffu},
+      {"road: holes filled", 0x8b8722e84b77e55au},
+      {"road: given", 0xf749db66047741c5u},
+      {"road: points", 0xc7e11bc8dd0d70bdu},
       {"road: tracks", 0x4887cd78c579a19cu},
   };
   return table;

@@ -17,6 +17,12 @@ NadirStatus (*is_nadir_road_process)(NadirRoad*, const NadirFrame*, NadirResult*
 NadirStatus (*is_nadir_result_read)(const NadirResult*, NadirFindings*) = nadir_result_read;
 NadirStatus (*is_nadir_road_points)(NadirRoad*, const NadirFrame*, const NadirResult*, NadirPoint*, size_t,
                                     size_t*) = nadir_road_points;
+NadirStatus (*is_nadir_road_ground_plane)(NadirRoad*, const NadirFrame*, const NadirResult*,
+                                          NadirGroundPlane*) = nadir_road_ground_plane;
+const char* (*is_nadir_warning_name)(uint32_t) = nadir_warning_name;
+const char* (*is_nadir_warning_number_name)(uint32_t, uint32_t) = nadir_warning_number_name;
+const char* (*is_nadir_warning_sentence)(uint32_t) = nadir_warning_sentence;
+double (*is_nadir_warning_scale)(uint32_t, uint32_t) = nadir_warning_scale;
 NadirStatus (*is_nadir_track_settings_fill)(NadirTrackSettings*) = nadir_track_settings_fill;
 size_t (*is_nadir_tracker_bytes)(const NadirRoad*, const NadirTrackSettings*) = nadir_tracker_bytes;
 NadirStatus (*is_nadir_tracker_create)(const NadirRoad*, const NadirTrackSettings*, NadirTracker**,

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "ground/trust/ground_search.hpp"
+#include "ground/trust/map_view.hpp"
 #include "tests/trust/faults.hpp"
 #include "tests/trust/real_pairs.hpp"
 
@@ -37,7 +38,8 @@ double scoreShare(const Pair& pair, const CameraNumbers& camera) {
          searchedGround(blocks.data(), blocks.size()).agreement.score();
 }
 
-void addShares(Ranges& ranges, const std::string& kind, const Judged& j) {
+void addShares(Ranges& ranges, const std::string& kind, const Pair& pair, const CameraNumbers* camera) {
+  const Judged j = trustOf(pair, camera);
   const NadirTrust& t = j.trust;
   ranges["dark"][kind].add(std::max(t.dark_left, t.dark_right));
   ranges["clipped"][kind].add(std::max(t.clipped_left, t.clipped_right));
@@ -45,7 +47,10 @@ void addShares(Ranges& ranges, const std::string& kind, const Judged& j) {
   ranges["range end"][kind].add(t.range_end);
   ranges["cut off"][kind].add(t.cut_off);
   ranges["below the ground"][kind].add(t.below_ground);
-  ranges["map seen, of the best place's"][kind].add(j.map.seen / j.map.bestSeen);
+  if (camera) {
+    const MapView map = mapView(contextOf(*camera), 0, pair.left.width, pair.left.height);
+    ranges["map seen, of the best place's"][kind].add(map.seen / map.bestSeen);
+  }
   for (const NadirWarning& w : j.warnings) {
     if (w.id == NADIR_WARNING_SAME_PICTURE) ranges["unmoved"][kind].add(w.numbers[0]);
     if (w.id == NADIR_WARNING_SWAPPED) ranges["matched when exchanged"][kind].add(w.numbers[1]);
@@ -53,19 +58,18 @@ void addShares(Ranges& ranges, const std::string& kind, const Judged& j) {
 }
 
 void addUnspoilt(Ranges& ranges, const Pair& pair, const CameraNumbers* camera) {
-  addShares(ranges, "unspoilt", trustOf(pair, camera));
+  addShares(ranges, "unspoilt", pair, camera);
   if (camera) ranges["score, of the best plane's"]["unspoilt"].add(scoreShare(pair, *camera));
 }
 
 void addSpoilt(Ranges& ranges, const Rendered& good, bool hasMount, const std::string& size) {
-  for (const Fault& f : spoiltPictures(good))
-    addShares(ranges, f.name, trustOf(f.pair, hasMount ? &f.camera : nullptr));
+  for (const Fault& f : spoiltPictures(good)) addShares(ranges, f.name, f.pair, hasMount ? &f.camera : nullptr);
   if (!hasMount) return;
   for (const Fault& f : spoiltCameras(good, size != "real: "))
     if (f.warning == "ground-elsewhere")
       ranges["score, of the best plane's"][size + f.name].add(scoreShare(f.pair, f.camera));
     else
-      addShares(ranges, f.name, trustOf(f.pair, &f.camera));
+      addShares(ranges, f.name, f.pair, &f.camera);
 }
 
 }  // namespace
@@ -87,13 +91,13 @@ TEST(Figures, DISABLED_OfTheThresholds) {
     for (const double height : {2200.0, 2500.0})
       for (uint64_t seed = 1; seed <= 3; ++seed) {
         const Rendered r = rendered(scene, 640, 480, seed, 5, height);
-        addShares(ranges, "people under a low camera", trustOf(r.pair, &r.camera));
+        addShares(ranges, "people under a low camera", r.pair, &r.camera);
       }
   for (const uint32_t width : {160u, 320u, 640u})
     for (const double depth : {300.0, 1000.0})
       for (const double side : {1000.0, 2000.0}) {
         const Rendered r = pit(width, width * 3 / 4, depth, side, 1);
-        addShares(ranges, "pit", trustOf(r.pair, &r.camera));
+        addShares(ranges, "pit", r.pair, &r.camera);
       }
   for (const auto& [number, kinds] : ranges)
     for (const auto& [kind, range] : kinds)

@@ -9,6 +9,7 @@
 #include "ground/trust/exposure.hpp"
 #include "ground/trust/ground_search.hpp"
 #include "ground/trust/near_plane.hpp"
+#include "ground/trust/trust.hpp"
 #include "ground/trust/warnings.hpp"
 #include "tests/trust/faults.hpp"
 
@@ -299,15 +300,15 @@ TEST(Trust, SmallPicturesAreJudgedWithoutASecondLook) {
 
 TEST(Warnings, EveryNumberHasANameAndAPlaceInTheSentence) {
   for (uint32_t id = 1; id <= NADIR_WARNINGS; ++id) {
-    std::string sentence = warningSentence(id);
+    std::string sentence = nadir_warning_sentence(id);
     for (size_t at = sentence.find("%%"); at != std::string::npos; at = sentence.find("%%")) sentence.erase(at, 2);
     uint32_t named = 0;
-    while (warningNumberName(id, named)) ++named;
-    EXPECT_EQ(static_cast<long>(named), std::count(sentence.begin(), sentence.end(), '%')) << warningName(id);
-    for (uint32_t other = 1; other < id; ++other) EXPECT_STRNE(warningName(other), warningName(id));
+    while (nadir_warning_number_name(id, named)) ++named;
+    EXPECT_EQ(static_cast<long>(named), std::count(sentence.begin(), sentence.end(), '%')) << nadir_warning_name(id);
+    for (uint32_t other = 1; other < id; ++other) EXPECT_STRNE(nadir_warning_name(other), nadir_warning_name(id));
   }
-  EXPECT_EQ(nullptr, warningName(0));
-  EXPECT_EQ(nullptr, warningSentence(NADIR_WARNINGS + 1));
+  EXPECT_EQ(nullptr, nadir_warning_name(0));
+  EXPECT_EQ(nullptr, nadir_warning_sentence(NADIR_WARNINGS + 1));
 }
 
 TEST(Warnings, HoldAsManyNumbersAsAreNamed) {
@@ -315,8 +316,8 @@ TEST(Warnings, HoldAsManyNumbersAsAreNamed) {
   for (const Fault& f : spoiltPictures(r))
     for (const NadirWarning& w : trustOf(f.pair, &f.camera).warnings) {
       EXPECT_EQ(sizeof(NadirWarning), w.size);
-      EXPECT_NE(nullptr, warningNumberName(w.id, w.count - 1));
-      EXPECT_TRUE(w.count == 4 || !warningNumberName(w.id, w.count));
+      EXPECT_NE(nullptr, nadir_warning_number_name(w.id, w.count - 1));
+      EXPECT_TRUE(w.count == 4 || !nadir_warning_number_name(w.id, w.count));
     }
 }
 

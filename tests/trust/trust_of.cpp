@@ -1,13 +1,12 @@
-// Mirrors, matches and cleans up as the road does, then judges.
+// A pair goes the road as any caller's would.
 #include "tests/trust/trust_of.hpp"
 
-#include <nadir/nadir.h>
+#include <nadir/ground.h>
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
 
-#include "ground/trust/warnings.hpp"
 #include "lab/random.hpp"
 #include "lab/scene/ready_scenes.hpp"
 
@@ -17,41 +16,61 @@ namespace {
 
 using lab::Grid;
 
-// What a road keeps for matching, on the matcher's grid.
-struct Matching {
-  Grid<uint16_t> first, reference, raw, cleaned;
-  Grid<uint32_t> firstCodes, referenceCodes;
-  Grid<uint8_t> mask;
-  std::vector<uint8_t> walk;
+struct Destroy {
+  void operator()(NadirRoad* road) const { nadir_road_destroy(road); }
+  void operator()(NadirResult* result) const { nadir_result_destroy(result); }
+};
 
-  explicit Matching(Pair pair)
-      : first(std::move(pair.right)),
-        reference(std::move(pair.left)),
-        raw(first.width, first.height),
-        cleaned(raw),
-        firstCodes(raw.width, raw.height),
-        referenceCodes(firstCodes),
-        mask(raw.width, raw.height),
-        walk(nadir_sgm_bytes(raw.width)) {
-    mirror(first);
-    mirror(reference);
-    IP_Census_5x5(first.pixels.data(), firstCodes.pixels.data(), raw.width, raw.height);
-    IP_Census_5x5(reference.pixels.data(), referenceCodes.pixels.data(), raw.width, raw.height);
-    const SgmParams params{64, 48};
-    nadir_sgm_full(firstCodes.pixels.data(), referenceCodes.pixels.data(), reference.pixels.data(), raw.width,
-                   raw.height, &params, raw.pixels.data(), nullptr, walk.data(), walk.size());
-    IP_SgmPostproc(raw.pixels.data(), mask.pixels.data(), cleaned.pixels.data(), raw.width, raw.height);
+NadirCamera cameraRecord(const Pair& pair, const CameraNumbers& c) {
+  return {sizeof(NadirCamera),
+          pair.left.width,
+          pair.left.height,
+          c.cell,
+          c.mapCells,
+          c.mapCells,
+          c.baseline,
+          c.focal,
+          c.principalX,
+          c.principalY,
+          0,
+          c.height,
+          c.tilt,
+          c.pan,
+          c.offsetX,
+          c.offsetY};
+}
+
+// A pair that went the road, to its end or, without a camera, until the match.
+class Way {
+ public:
+  Way(const Pair& pair, const CameraNumbers* camera) {
+    const NadirCamera record = cameraRecord(pair, camera ? *camera : CameraNumbers{});
+    NadirSettings settings;
+    nadir_settings_fill(&settings, &record);
+    settings.until = camera ? NADIR_UNTIL_ALL : NADIR_UNTIL_MATCH;
+    NadirRoad* road = nullptr;
+    NadirResult* result = nullptr;
+    EXPECT_EQ(nadir_road_create(&record, &settings, nullptr, 0, &road, nullptr), NADIR_OK);
+    EXPECT_EQ(nadir_result_create(road, &result), NADIR_OK);
+    road_.reset(road);
+    result_.reset(result);
+    NadirFrame frame{};
+    frame.size = sizeof frame;
+    frame.bits = 16;
+    frame.left = pair.left.pixels.data();
+    frame.right = pair.right.pixels.data();
+    frame.left_stride = frame.right_stride = pair.left.width * sizeof(uint16_t);
+    EXPECT_EQ(nadir_road_process(road, &frame, result), NADIR_OK);
+    findings_.size = sizeof findings_;
+    EXPECT_EQ(nadir_result_read(result, &findings_), NADIR_OK);
   }
 
-  MatchedFrame frame() {
-    return {
-        {raw.pixels.data(), cleaned.pixels.data(), reference.pixels.data(), mask.pixels.data(), raw.width, raw.height},
-        {firstCodes.pixels.data(), referenceCodes.pixels.data(), first.pixels.data(), reference.pixels.data(),
-         raw.width, raw.height, walk.data(), walk.size(), strip.data()},
-        true};
-  }
+  const NadirFindings& findings() const { return findings_; }
 
-  std::vector<uint16_t> strip = std::vector<uint16_t>(size_t{lookRows(raw.width, raw.height)} * raw.width);
+ private:
+  std::unique_ptr<NadirRoad, Destroy> road_;
+  std::unique_ptr<NadirResult, Destroy> result_;
+  NadirFindings findings_{};
 };
 
 int32_t fixedPoint(double value, double scale) { return static_cast<int32_t>(std::lround(value * scale)); }
@@ -60,7 +79,7 @@ int32_t fixedPoint(double value, double scale) { return static_cast<int32_t>(std
 
 std::string Judged::names() const {
   std::string names;
-  for (const NadirWarning& w : warnings) names += (names.empty() ? "" : " ") + std::string(warningName(w.id));
+  for (const NadirWarning& w : warnings) names += (names.empty() ? "" : " ") + std::string(nadir_warning_name(w.id));
   return names.empty() ? "none" : names;
 }
 
@@ -77,28 +96,16 @@ StereoCtx contextOf(const CameraNumbers& c) {
 }
 
 Grid<uint16_t> disparityOf(const Pair& pair) {
-  Matching matching(pair);
-  mirror(matching.cleaned);
-  return matching.cleaned;
+  const Way way(pair, nullptr);
+  const NadirPlane& plane = way.findings().disparity;
+  const auto* pixels = static_cast<const uint16_t*>(plane.data);
+  return {plane.width, plane.height, std::vector<uint16_t>(pixels, pixels + size_t{plane.width} * plane.height)};
 }
 
 Judged trustOf(const Pair& pair, const CameraNumbers* camera) {
-  Matching matching(pair);
-  const MatchedFrame frame = matching.frame();
-  Grid<uint16_t> disparity = matching.cleaned;
-  mirror(disparity);
-  StereoCtx context{};
-  MountView mount{};
-  if (camera) {
-    context = contextOf(*camera);
-    mount = {&context, 0, mapView(context, 0, disparity.width, disparity.height)};
-  }
-  std::vector<Block> blocks(largestBlockCount(disparity.width, disparity.height));
-  Judged judged{{}, std::vector<NadirWarning>(NADIR_WARNINGS), mount.map};
-  const ViewDisparities view{disparity.pixels.data(), nullptr, 0, disparity.width, disparity.height};
-  judged.warnings.resize(
-      judge(&frame, camera ? &mount : nullptr, view, blocks.data(), judged.trust, judged.warnings.data()));
-  return judged;
+  const Way way(pair, camera);
+  const NadirFindings& f = way.findings();
+  return {*f.trust, {f.warnings, f.warnings + f.warning_count}};
 }
 
 Rendered rendered(const std::string& name, uint32_t width, uint32_t height, uint64_t seed, double noise,

@@ -1,12 +1,12 @@
-// The road as far as trust needs it: from a pair and a camera to warnings.
+// From a pair and a camera to warnings, by the library's interface.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <nadir/ground.h>
 
 #include <string>
 #include <vector>
 
-#include "ground/trust/trust.hpp"
 #include "lab/grid.hpp"
 #include "lab/scene/camera.hpp"
 #include "lab/scene/render.hpp"
@@ -28,7 +28,6 @@ struct CameraNumbers {
 struct Judged {
   NadirTrust trust;
   std::vector<NadirWarning> warnings;
-  MapView map;
 
   // "none", or the warnings' names with a space between them.
   std::string names() const;

@@ -83,7 +83,7 @@ void run(const Options& options) {
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
   files.commit();
-  const Warnings warnings;  // the matcher gives none of its own
+  const Warnings warnings = result.warnings;
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
 }

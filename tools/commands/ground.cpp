@@ -102,7 +102,7 @@ void runOnPair(const Options& options) {
   PairResult result;
   work(road, *road.handle, options.left, options.right, times, result);
   addPoints(road, result, times);
-  const Warnings warnings;  // the road gives none of its own
+  const Warnings warnings = warningsOf(result.findings);
   OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
                      options.road.mask});
   times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });

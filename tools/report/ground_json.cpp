@@ -35,15 +35,15 @@ Json mapJson(const Road& road, const NadirFindings& findings) {
           {"highest_mm", heights.known ? Json(heights.highest) : Json()}};
 }
 
-Json planeJson(const std::optional<GroundPlane>& plane, size_t points) {
+Json planeJson(const std::optional<NadirGroundPlane>& plane, size_t points) {
   if (!plane) return Json();
-  return {{"height_mm", measuredJson(plane->heightMm)},
-          {"tilt_deg", measuredJson(plane->tiltDeg)},
-          {"pan_deg", measuredJson(plane->panDeg)},
-          {"axis_below_horizon_deg", measuredJson(plane->axisBelowHorizonDeg)},
-          {"roll_deg", measuredJson(plane->rollDeg)},
-          {"rms_mm", measuredJson(plane->rmsMm)},
-          {"rms_px", measuredJson(plane->rmsPx)},
+  return {{"height_mm", measuredJson(plane->height_mm)},
+          {"tilt_deg", measuredJson(plane->tilt_deg)},
+          {"pan_deg", measuredJson(plane->pan_deg)},
+          {"axis_below_horizon_deg", measuredJson(plane->axis_below_horizon_deg)},
+          {"roll_deg", measuredJson(plane->roll_deg)},
+          {"rms_mm", measuredJson(plane->rms_mm)},
+          {"rms_px", measuredJson(plane->rms_px)},
           {"points", plane->inliers},
           {"share", shareJson(plane->inliers, points)}};
 }
@@ -84,6 +84,24 @@ void addFindings(Json& json, const Road& road, const NadirFindings& findings) {
     json["areas"].push_back(areaJson(road.areas[i], findings.areas[i], findings.shares, road.context));
 }
 
+// What could not be measured is null.
+Json trustJson(const NadirTrust& t) {
+  return {{"dark_left_share", measuredJson(t.dark_left)},
+          {"dark_right_share", measuredJson(t.dark_right)},
+          {"overexposed_left_share", measuredJson(t.clipped_left)},
+          {"overexposed_right_share", measuredJson(t.clipped_right)},
+          {"matched_share", measuredJson(t.matched)},
+          {"value_share", measuredJson(t.value)},
+          {"range_end_share", measuredJson(t.range_end)},
+          {"cut_off_share", measuredJson(t.cut_off)},
+          {"on_ground_share", measuredJson(t.on_ground)},
+          {"below_ground_share", measuredJson(t.below_ground)},
+          {"mount_drift", driftJson(t)},
+          {"map_seen_share", measuredJson(t.map_seen)},
+          {"least_top_mm", measuredJson(t.least_top_mm)},
+          {"greatest_top_mm", measuredJson(t.greatest_top_mm)}};
+}
+
 }  // namespace
 
 std::string groundJson(const Road& road, const PairResult& result, const Warnings& warnings) {
@@ -91,6 +109,7 @@ std::string groundJson(const Road& road, const PairResult& result, const Warning
   Json json = {{"schema", resultSchema},
                {"software", software()},
                {"warnings", warningsJson(warnings)},
+               {"trust", trustJson(*findings.trust)},
                {"camera", cameraJson(road.camera)},
                {"view", nameOf(road.options.view)},
                {"disparity", disparitiesJson(*findings.pixels, result.picture.pixels.size())},

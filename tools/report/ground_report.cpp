@@ -29,12 +29,12 @@ void addMap(Table& table, const PairResult& result) {
 void addPlane(Table& table, const Camera& camera, const PairResult& result) {
   table.gap();
   if (!result.plane) return table.heading("ground plane: none found near the camera file's", "");
-  const GroundPlane& plane = *result.plane;
+  const NadirGroundPlane& plane = *result.plane;
   table.heading("ground plane fitted to the points", "");
-  table.line("height", plane.heightMm, format("mm; the camera file says %.1f", camera.heightMm), 1);
-  table.line("tilt", plane.tiltDeg, format("degrees; the camera file says %.2f", camera.tiltDeg), 2);
-  table.line("pan", plane.panDeg, format("degrees; the camera file says %.2f", camera.panDeg), 2);
-  table.line("rms", plane.rmsMm, format("mm, %.2f pixels of disparity", plane.rmsPx), 1);
+  table.line("height", plane.height_mm, format("mm; the camera file says %.1f", camera.heightMm), 1);
+  table.line("tilt", plane.tilt_deg, format("degrees; the camera file says %.2f", camera.tiltDeg), 2);
+  table.line("pan", plane.pan_deg, format("degrees; the camera file says %.2f", camera.panDeg), 2);
+  table.line("rms", plane.rms_mm, format("mm, %.2f pixels of disparity", plane.rms_px), 1);
   table.line("points on it", percent(plane.inliers, result.findings.points), "%", 1);
 }
 

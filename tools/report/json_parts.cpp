@@ -61,6 +61,12 @@ Json regionJson(const NadirRegion& region, const StereoCtx& context) {
   return json;
 }
 
+Json driftJson(const NadirTrust& t) {
+  return {{"height_mm", measuredJson(t.height_off_mm)}, {"height_deviation_mm", measuredJson(t.height_deviation_mm)},
+          {"tilt_deg", measuredJson(t.tilt_off_deg)},   {"tilt_deviation_deg", measuredJson(t.tilt_deviation_deg)},
+          {"pan_deg", measuredJson(t.pan_off_deg)},     {"pan_deviation_deg", measuredJson(t.pan_deviation_deg)}};
+}
+
 Json warningsJson(const Warnings& warnings) {
   Json json = Json::array();
   for (const Warning& warning : warnings) {

@@ -37,6 +37,9 @@ Json regionJson(const NadirRegion& region, const StereoCtx& context);
 
 Json warningsJson(const Warnings& warnings);
 
+// How far a frame's mount is from what the camera file says.
+Json driftJson(const NadirTrust& trust);
+
 // Adds the heights of some cells, null where there is no cell.
 void addHeights(Json& json, uint32_t cells, uint32_t highestMm, uint32_t medianMm);
 

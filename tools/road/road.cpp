@@ -199,14 +199,43 @@ NadirFindings process(NadirRoad& road, NadirFrame frame, NadirResult& result, St
   return findings;
 }
 
-std::vector<NadirPoint> pointsOf(const Road& road, const PairResult& result) {
+// The frame that a result came from, as far as looking at it again needs it.
+NadirFrame frameOf(const PairResult& result) {
   NadirFrame frame{};
   frame.size = sizeof frame;
   give(frame, result.given);
+  return frame;
+}
+
+std::vector<NadirPoint> pointsOf(const Road& road, const PairResult& result) {
+  const NadirFrame frame = frameOf(result);
   std::vector<NadirPoint> points(result.findings.points);
   size_t count = 0;
   expect(nadir_road_points(road.handle.get(), &frame, result.memory.get(), points.data(), points.size(), &count));
   return points;
+}
+
+std::optional<NadirGroundPlane> planeOf(const Road& road, const PairResult& result) {
+  const NadirFrame frame = frameOf(result);
+  NadirGroundPlane plane;
+  plane.size = sizeof plane;
+  const NadirStatus status = nadir_road_ground_plane(road.handle.get(), &frame, result.memory.get(), &plane);
+  if (status == NADIR_NOTHING_FOUND) return {};
+  expect(status);
+  return plane;
+}
+
+// The library tells conversions for four doubles at most; those that it does not need are not looked at.
+Warning warningOf(const NadirWarning& w) {
+  double n[4];
+  Warning warning{nadir_warning_name(w.id), "", {}};
+  for (uint32_t i = 0; i < w.count; ++i) {
+    n[i] = w.numbers[i] * nadir_warning_scale(w.id, i);
+    warning.numbers.emplace_back(nadir_warning_number_name(w.id, i), w.numbers[i]);
+  }
+  std::fill(n + w.count, n + 4, 0.0);
+  warning.sentence = format(nadir_warning_sentence(w.id), n[0], n[1], n[2], n[3]);
+  return warning;
 }
 
 }  // namespace
@@ -267,7 +296,13 @@ Grid<uint16_t> heightsOfGiven(const Road& road, const Grid<float>& disparity) {
 
 void addPoints(const Road& road, PairResult& result, StageTimes& times) {
   result.points = times.measure("world points", [&] { return pointsOf(road, result); });
-  result.plane = times.measure("ground plane", [&] { return fitGroundPlane(result.points, road.context); });
+  result.plane = times.measure("ground plane", [&] { return planeOf(road, result); });
+}
+
+Warnings warningsOf(const NadirFindings& findings) {
+  Warnings warnings;
+  for (uint32_t i = 0; i < findings.warning_count; ++i) warnings.push_back(warningOf(findings.warnings[i]));
+  return warnings;
 }
 
 Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
@@ -284,7 +319,7 @@ Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_
   const RoadHandle road = made(camera, settings, {});
   const ResultHandle result = newResult(*road);
   const NadirFindings findings = process(*road, frameOf(pair, mask), *result, times);
-  return {gridOf<uint16_t>(findings.disparity), *findings.pixels};
+  return {gridOf<uint16_t>(findings.disparity), *findings.pixels, warningsOf(findings)};
 }
 
 }  // namespace nadir::tool

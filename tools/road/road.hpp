@@ -10,10 +10,10 @@
 
 #include "lab/grid.hpp"
 #include "tools/base/view.hpp"
+#include "tools/base/warnings.hpp"
 #include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera.hpp"
 #include "tools/road/pair_input.hpp"
-#include "tools/road/plane.hpp"
 #include "tools/road/timed_stages.hpp"
 
 namespace nadir::tool {
@@ -79,7 +79,7 @@ struct PairResult {
   ResultHandle memory;
   NadirFindings findings;          // in that memory
   std::vector<NadirPoint> points;  // these two are found on demand
-  std::optional<GroundPlane> plane;
+  std::optional<NadirGroundPlane> plane;
 };
 
 // Works on the pair in the two files. The handle is of this road or a copy of it; the result's memory is used again.
@@ -96,9 +96,13 @@ void addPoints(const Road& road, PairResult& result, StageTimes& times);
 struct Matching {
   Grid<uint16_t> disparity;  // SGM_DISP_SCALE per pixel, 0 for none
   NadirPixelCounts counts;
+  Warnings warnings;
 };
 Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
                  StageTimes& times);
+
+// The frame's warnings, for people and programs.
+Warnings warningsOf(const NadirFindings& findings);
 
 // A copy of a plane of the library's.
 template <class T>

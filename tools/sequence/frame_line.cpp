@@ -37,6 +37,7 @@ std::string frameLine(const FrameReport& report, const Road& road) {
     json["error"] = report.error;
   } else {
     json["seen_cells"] = found.seen_cells + found.filled_cells;
+    json["mount_drift"] = driftJson(*found.trust);
     json["regions"] = road.findsRegions() ? Json::array() : Json();
     json["areas"] = road.findsRegions() ? Json::array() : Json();
   }

@@ -242,6 +242,7 @@ class SequenceRun {
     try {
       tool::work(road_, *lane->road, source_.left(frame), source_.right(frame), times, lane->result);
       if (writes(Product::map)) worked.map = encodePng(gridOf<uint16_t>(lane->result.findings.heights), mapsTexts());
+      worked.warnings = warningsOf(lane->result.findings);
       worked.lane = std::move(lane);
     } catch (const Error& error) {
       worked.error = error.what();

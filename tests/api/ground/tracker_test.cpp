@@ -796,5 +796,44 @@ TEST(Saving, IsLittleEndian) {
   EXPECT_NE(std::search(state.begin(), state.end(), noise.begin(), noise.end()), state.end());
 }
 
+// Whatever was damaged: it is refused, or what was loaded works without touching memory of others.
+TEST(Loading, DamageIsRefusedOrHarmless) {
+  const Road road = roadWithTwoAreas();
+  const std::vector<unsigned char> state = saved(filled(road, 9));
+  inRounds(1500, [&](lab::Random& random) {
+    std::vector<unsigned char> damaged = state;
+    for (uint32_t hits = 1 + random.below(3); hits > 0; --hits)
+      damaged[random.below(std::min<uint32_t>(static_cast<uint32_t>(state.size()), 200))] =
+          static_cast<unsigned char>(random.below(3) ? random.next() : 0xFF);
+    const Tracker tracker = makeTracker(road, trackSettings(3));
+    const NadirStatus status = load(tracker, damaged);
+    ASSERT_TRUE(status == NADIR_OK || status == NADIR_BAD_STATE) << status;
+    int64_t time = std::numeric_limits<int64_t>::max() - 2 * second;
+    for (int i = 0; i < 5; ++i) replay(tracker, anyLog(random, time));
+    NadirPlane plane{};
+    nadir_tracker_average(tracker.get(), &plane);
+    EXPECT_EQ(saved(tracker).size(), state.size());
+  });
+}
+
+// No map holds such heights, and no filter can take them.
+TEST(Track, HeightsThatNoMapHoldsAreRefused) {
+  for (const double height :
+       {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(), 1e300, -1.0, 65535.5}) {
+    const Tracker tracker = makeTracker(roadWithTwoAreas());
+    EXPECT_EQ(replay(tracker, 0, height), NADIR_BAD_FRAME) << height;
+    replay(tracker, 0.1, 500);
+    EXPECT_EQ(trackOf(tracker).height_mm, 500) << height;
+  }
+}
+
+// A step of more nanoseconds than 63 bits hold is longer than every patience.
+TEST(Track, EndsOverTheLongestStepOfTime) {
+  const Tracker tracker = makeTracker(roadWithTwoAreas());
+  ASSERT_EQ(replay(tracker, {std::numeric_limits<int64_t>::min(), {500, nothing}, {}}), NADIR_OK);
+  ASSERT_EQ(replay(tracker, {std::numeric_limits<int64_t>::max(), {nothing, nothing}, {}}), NADIR_OK);
+  EXPECT_EQ(trackOf(tracker).active, 0u);
+}
+
 }  // namespace
 }  // namespace nadir::test
