@@ -61,22 +61,62 @@ void tellFound(const FoundGround& found, const MountView& mount, NadirTrust& t) 
   t.found_pan_deg = there.panDeg;
 }
 
-struct Ground {
-  Agreement expected;
-  FoundGround found;
-};
+// A frame under judgement: what was measured, as figures for the caller and as evidence for the warnings.
+class Hearing {
+ public:
+  Hearing(const ViewDisparities& disparities, NadirTrust& trust) : disparities_(disparities), t_(trust) {
+    t_ = nothingKnown();
+    evidence_.trust = &t_;
+  }
 
-void judgeGround(const MountView& mount, const DisparityPlane& plane, const Block* blocks, size_t count, Ground& ground,
-                 NadirTrust& t) {
-  ground.expected = agreementOf(plane, blocks, count);
-  t.on_ground = share(static_cast<double>(ground.expected.on), static_cast<double>(ground.expected.blocks));
-  t.below_ground = share(static_cast<double>(ground.expected.below), static_cast<double>(ground.expected.blocks));
-  const Drift drift = driftOf(plane, blocks, count, *mount.context, mount.columnShift);
-  tellDrift(drift, t);
-  if (!asksForSearch(drift, ground.expected)) return;
-  ground.found = searchedGround(blocks, count);
-  tellFound(ground.found, mount, t);
-}
+  void hearMount(const MountView& mount, Block* blocks) {
+    plane_ = expectedGround(*mount.context, mount.columnShift);
+    hasPlane_ = true;
+    t_.map_seen = mount.map.seen;
+    t_.least_top_mm = mount.map.leastTop;
+    t_.greatest_top_mm = mount.map.mostTop;
+    evidence_.map = &mount.map;
+    evidence_.possibleBlocks = largestBlockCount(disparities_.width, disparities_.height);
+    hearGround(mount, blocks, blocksOf(disparities_, blocks));
+  }
+
+  void hearPictures(const MatchedFrame& frame) {
+    judgeExposure(frame, t_);
+    const DisparityPlane plane = frame.isMirrored ? mirrored(plane_, disparities_.width) : plane_;
+    shares_ = matchedShares(frame.pictures, hasPlane_ ? &plane : nullptr);
+    tellShares(shares_, t_);
+    evidence_.matched = &shares_;
+    if (!asksForSecondLook(shares_) || lookRows(disparities_.width, disparities_.height) == 0) return;
+    look_ = secondLook(frame.look, frame.pictures.cleaned);
+    evidence_.look = &look_;
+  }
+
+  const Evidence& evidence() const { return evidence_; }
+
+ private:
+  void hearGround(const MountView& mount, const Block* blocks, size_t count) {
+    expected_ = agreementOf(plane_, blocks, count);
+    evidence_.expected = &expected_;
+    t_.on_ground = share(static_cast<double>(expected_.on), static_cast<double>(expected_.blocks));
+    t_.below_ground = share(static_cast<double>(expected_.below), static_cast<double>(expected_.blocks));
+    const Drift drift = driftOf(plane_, blocks, count, *mount.context, mount.columnShift);
+    tellDrift(drift, t_);
+    if (!asksForSearch(drift, expected_)) return;
+    found_ = searchedGround(blocks, count);
+    tellFound(found_, mount, t_);
+    if (!areAlike(plane_, found_.plane, disparities_.width, disparities_.height)) evidence_.best = &found_.agreement;
+  }
+
+  const ViewDisparities& disparities_;
+  NadirTrust& t_;
+  Evidence evidence_{};
+  DisparityPlane plane_;  // the expected ground
+  bool hasPlane_ = false;
+  MatchedShares shares_;
+  SecondLook look_{};
+  Agreement expected_;
+  FoundGround found_{};
+};
 
 }  // namespace
 
@@ -89,38 +129,11 @@ TrustMemory trustMemory(Arena& arena, const Shape& shape) {
 }
 
 size_t judge(const MatchedFrame* frame, const MountView* mount, const ViewDisparities& disparities, Block* blocks,
-             NadirTrust& t, NadirWarning* warnings) {
-  t = nothingKnown();
-  Evidence evidence{&t};
-  MatchedShares shares;
-  SecondLook look;
-  Ground ground{};
-  DisparityPlane plane;
-  if (mount) {
-    plane = expectedGround(*mount->context, mount->columnShift);
-    t.map_seen = mount->map.seen;
-    t.least_top_mm = mount->map.leastTop;
-    t.greatest_top_mm = mount->map.mostTop;
-    evidence.map = &mount->map;
-    const size_t count = blocksOf(disparities, blocks);
-    judgeGround(*mount, plane, blocks, count, ground, t);
-    evidence.possibleBlocks = largestBlockCount(disparities.width, disparities.height);
-    evidence.expected = &ground.expected;
-    if (t.searched && !areAlike(plane, ground.found.plane, disparities.width, disparities.height))
-      evidence.best = &ground.found.agreement;
-  }
-  if (frame) {
-    judgeExposure(*frame, t);
-    const DisparityPlane matcherPlane = frame->isMirrored ? mirrored(plane, disparities.width) : plane;
-    shares = matchedShares(frame->pictures, mount ? &matcherPlane : nullptr);
-    tellShares(shares, t);
-    evidence.matched = &shares;
-    if (asksForSecondLook(shares) && lookRows(disparities.width, disparities.height) > 0) {
-      look = secondLook(frame->look, frame->pictures.cleaned);
-      evidence.look = &look;
-    }
-  }
-  return listWarnings(evidence, warnings);
+             NadirTrust& trust, NadirWarning* warnings) {
+  Hearing hearing(disparities, trust);
+  if (mount) hearing.hearMount(*mount, blocks);
+  if (frame) hearing.hearPictures(*frame);
+  return listWarnings(hearing.evidence(), warnings);
 }
 
 }  // namespace nadir::ground

@@ -84,6 +84,15 @@ void addFindings(Json& json, const Road& road, const NadirFindings& findings) {
     json["areas"].push_back(areaJson(road.areas[i], findings.areas[i], findings.shares, road.context));
 }
 
+// Null where the ground was not looked for elsewhere.
+Json foundGroundJson(const NadirTrust& t) {
+  if (!t.searched) return Json();
+  return {{"height_mm", measuredJson(t.found_height_mm)},
+          {"tilt_deg", measuredJson(t.found_tilt_deg)},
+          {"pan_deg", measuredJson(t.found_pan_deg)},
+          {"share", measuredJson(t.found_share)}};
+}
+
 // What could not be measured is null.
 Json trustJson(const NadirTrust& t) {
   return {{"dark_left_share", measuredJson(t.dark_left)},
@@ -97,6 +106,7 @@ Json trustJson(const NadirTrust& t) {
           {"on_ground_share", measuredJson(t.on_ground)},
           {"below_ground_share", measuredJson(t.below_ground)},
           {"mount_drift", driftJson(t)},
+          {"found_ground", foundGroundJson(t)},
           {"map_seen_share", measuredJson(t.map_seen)},
           {"least_top_mm", measuredJson(t.least_top_mm)},
           {"greatest_top_mm", measuredJson(t.greatest_top_mm)}};
