@@ -53,25 +53,6 @@ using PlaceRow = void (*)(const float* disparity, size_t n, float rayY, const Pl
 // rank   less than count
 using RankedValue = uint16_t (*)(const uint16_t* values, size_t count, size_t rank);
 
-// How disparities agree with the ones that the ground would have.
-struct GroundTally {
-  uint32_t known = 0;  // pixels with a disparity, where the ground would have one
-  uint32_t on = 0;     // those of them no further from the ground's disparity than the tolerance
-  uint32_t below = 0;  // those further below it
-  int64_t sum = 0;     // of the differences to the ground's disparities of those that are `on`, 1/4096 pixel
-};
-
-// Adds n pixels to the tally. Pixels without a disparity (0) are passed over, as are those where the ground's is 0 or
-// less, beyond the horizon. Each difference is rounded down to 1/4096 pixel before it is added.
-//
-// stored     1/16 pixel, less than 4096: with 16 fractional bits they and their differences fit 32 bits
-// n          up to 65536
-// expected   the ground's disparity at the first pixel, 1/16 pixel with 16 fractional bits
-// step       what the next pixel's is larger by; the last pixel's must fit int32_t too
-// tolerance  0 or more, in the same unit
-using TallyRow = void (*)(const uint16_t* stored, size_t n, int32_t expected, int32_t step, int32_t tolerance,
-                          GroundTally& tally);
-
 struct RoadKernels {
   PictureRow take16, take8;
   PictureRow mirror16, mirror8;  // the same, the last pixel first
@@ -80,7 +61,6 @@ struct RoadKernels {
   PixelsOfGiven pixelsGiven;
   PlaceRow place;
   RankedValue ranked;
-  TallyRow tally;
 };
 
 // The fastest kernels among the levels `cpu` (a set of Cpu bits).

@@ -167,34 +167,6 @@ struct RoadRows {
     return narrowed(range, rank, [=](uint16_t limit) { return countUpTo(values, count, limit); });
   }
 
-  // ---- the ground ----
-
-  // The sum of up to 65536 differences does not fit 32 bits, but that of their upper bits does, and so does that of
-  // their lower 16. Products wrap where nothing is read from them.
-  static void tally(const uint16_t* stored, size_t n, int32_t expected, int32_t step, int32_t tolerance,
-                    GroundTally& tally) {
-    const auto first = static_cast<uint32_t>(expected), next = static_cast<uint32_t>(step);
-    uint32_t known = 0, on = 0, below = 0, lower = 0;
-    int32_t upper = 0;
-    for (uint32_t i = 0; i < static_cast<uint32_t>(n); ++i) {
-      const auto ground = static_cast<int32_t>(first + i * next);
-      const int32_t isKnown = (stored[i] != 0) & (ground > 0);
-      const auto difference = static_cast<int32_t>((uint32_t{stored[i]} << 16) - static_cast<uint32_t>(ground));
-      const int32_t isBelow = isKnown & (difference < -tolerance);
-      const int32_t isOn = isKnown & (difference >= -tolerance) & (difference <= tolerance);
-      const int32_t added = isOn ? difference >> 8 : 0;
-      known += static_cast<uint32_t>(isKnown);
-      on += static_cast<uint32_t>(isOn);
-      below += static_cast<uint32_t>(isBelow);
-      lower += static_cast<uint32_t>(added) & 0xFFFF;
-      upper += added >> 16;
-    }
-    tally.known += known;
-    tally.on += on;
-    tally.below += below;
-    tally.sum += int64_t{upper} * 65536 + lower;
-  }
-
   static constexpr RoadKernels table() {
     RoadKernels kernels = {};
     kernels.take16 = take16;
@@ -206,7 +178,6 @@ struct RoadRows {
     kernels.pixelsGiven = pixelsGiven;
     kernels.place = place;
     kernels.ranked = ranked;
-    kernels.tally = tally;
     return kernels;
   }
 };

@@ -20,7 +20,7 @@ ROWS = {
         " keep_set_u8 clear_set_u8 keep_set_u16 clear_set_u16",
     "Gauss, pull-push, averages over time": "gauss_across gauss_down pull push mean",
     "the road: pictures, points, cells, ranks, the ground":
-        "take16 take8 mirror16 mirror8 mirror_mask pixels_of pixels_given place ranked tally",
+        "take16 take8 mirror16 mirror8 mirror_mask pixels_of pixels_given place ranked",
 }
 
 

@@ -11,7 +11,6 @@
 namespace nadir::test {
 namespace {
 
-using ground::GroundTally;
 using ground::leastDisparity;
 using ground::MaskRow;
 using ground::noCell;
@@ -22,7 +21,6 @@ using ground::PlaceRow;
 using ground::Placing;
 using ground::RankedValue;
 using ground::roadKernels;
-using ground::TallyRow;
 
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr size_t benchWidth = 640, benchHeight = 480;
@@ -317,84 +315,6 @@ void checkRanked(Check& check, RankedValue, RankedValue tested) {
   }
 }
 
-// ---- the ground ----
-
-struct GroundRow {
-  int32_t first, step, tolerance;
-};
-
-int64_t expectedAt(const GroundRow& ground, size_t i) {
-  return ground.first + int64_t{ground.step} * static_cast<int64_t>(i);
-}
-
-GroundTally modelTally(const Guarded<uint16_t>& stored, const GroundRow& ground) {
-  GroundTally tally;
-  for (size_t i = 0; i < stored.size(); ++i) {
-    const int64_t expected = expectedAt(ground, i);
-    if (stored[i] == 0 || expected <= 0) continue;
-    const int64_t difference = stored[i] * int64_t{65536} - expected;
-    ++tally.known;
-    if (difference < -ground.tolerance) ++tally.below;
-    if (std::abs(difference) > ground.tolerance) continue;
-    ++tally.on;
-    tally.sum += (difference - (difference & 255)) / 256;
-  }
-  return tally;
-}
-
-int32_t anyExpected(lab::Random& random) {
-  switch (random.below(5)) {
-    case 0: return random.between(-100 * 65536, 100 * 65536);
-    case 1: return std::numeric_limits<int32_t>::max();
-    case 2: return std::numeric_limits<int32_t>::min();
-    case 3: return 0;
-    default: return random.between(0, 1024 * 65536);
-  }
-}
-
-// Both ends of the row fit 32 bits. Every other ground lies at whole disparities, so that differences reach the
-// tolerance and no more.
-GroundRow anyGround(lab::Random& random, size_t n) {
-  const int32_t tolerances[] = {0, 8 * 65536, 4096 * 65536 - 1, std::numeric_limits<int32_t>::max()};
-  const int32_t tolerance = tolerances[random.below(4)];
-  if (random.below(2)) return {65536 * random.between(0, 1000), n < 300 ? 65536 * random.between(-9, 9) : 0, tolerance};
-  const int32_t first = anyExpected(random);
-  const auto steps = static_cast<int64_t>(n > 1 ? n - 1 : 1);
-  const int64_t step = (int64_t{anyExpected(random)} - first) / steps;
-  return {first,
-          static_cast<int32_t>(
-              std::clamp<int64_t>(step, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max())),
-          tolerance};
-}
-
-// Some pixels lie where the ground is.
-void checkTallyOf(Check& check, TallyRow tested, std::vector<uint16_t> pixels, Guard side) {
-  const GroundRow ground = anyGround(check.random, pixels.size());
-  for (size_t i = 0; i < pixels.size(); i += 3)
-    pixels[i] = static_cast<uint16_t>(
-        std::clamp<int64_t>(expectedAt(ground, i) / 65536 + check.random.between(-9, 9), 0, 4095));
-  const Guarded<uint16_t> stored(pixels, side);
-  const GroundTally before = {1, 2, 3, -4};
-  GroundTally want = modelTally(stored, ground), got = before;
-  tested(stored.data(), stored.size(), ground.first, ground.step, ground.tolerance, got);
-  check.holds("known", got.known == want.known + before.known);
-  check.holds("on", got.on == want.on + before.on);
-  check.holds("below", got.below == want.below + before.below);
-  check.holds("sum", got.sum == want.sum + before.sum);
-}
-
-void checkTally(Check& check, TallyRow, TallyRow tested) {
-  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
-    checkTallyOf(check, tested, filled<uint16_t>(check.random, fill, n, 0, 4095), side);
-  });
-  for (const Fill fill : allFills) {
-    for (int round = 0; round < 20; ++round) {
-      check.describe(described(65536, fill, Guard::behind));
-      checkTallyOf(check, tested, filled<uint16_t>(check.random, fill, 65536, 0, 4095), Guard::behind);
-    }
-  }
-}
-
 // ---- what is timed: 480 rows, and the cells of a map ----
 
 const std::vector<uint16_t>& benchPixels() {
@@ -458,11 +378,6 @@ void benchRanked(RankedValue kernel) {
     benchOutput()[cell % benchWidth] = kernel(&heights[cell * perCell], perCell, perCell * 9 / 10);
 }
 
-void benchTally(TallyRow kernel) {
-  static GroundTally tally;
-  forRows([=](size_t) { kernel(benchPixels().data(), benchWidth, 400 * 65536, 6553, 8 * 65536, tally); });
-}
-
 template <class Kernel>
 void addModelled(Registry& r, const char* name, Kernel (*pick)(unsigned), void (*check)(Check&, Kernel, Kernel),
                  void (*bench)(Kernel)) {
@@ -490,8 +405,6 @@ void addRoadCases(Registry& r) {
       r, "place", [](unsigned c) { return roadKernels(c).place; }, checkPlace, benchPlace);
   addModelled<RankedValue>(
       r, "ranked", [](unsigned c) { return roadKernels(c).ranked; }, checkRanked, benchRanked);
-  addModelled<TallyRow>(
-      r, "tally", [](unsigned c) { return roadKernels(c).tally; }, checkTally, benchTally);
 }
 
 }  // namespace nadir::test
