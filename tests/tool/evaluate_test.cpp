@@ -95,6 +95,59 @@ TEST_F(Evaluate, VisibleLeavesOutWhatTheOtherPictureDoesNotShow) {
   }
 }
 
+class EvaluateGrids : public Evaluate {
+ protected:
+  void say(const char* file, const char* grid) {
+    Picture p = readPng(folder.path(file));
+    p.text["nadir:grid"] = grid;
+    writePng(folder.path(file), p);
+  }
+
+  Outcome evaluate(std::vector<std::string> options) {
+    options.insert(options.begin(), {"evaluate", "d.png", "t.png"});
+    return folder.run(options);
+  }
+};
+
+TEST_F(EvaluateGrids, OneThatContradictsTheOptionIsAWarning) {
+  const std::string sentence =
+      "nadir: t.png says of itself (nadir:grid) that its pixels are those of the left picture, but --visible says the "
+      "right one's\n";
+  const std::string unsaid = evaluate({"--visible", "right"}).out;
+  say("t.png", "left");
+  const Outcome told = evaluate({"--visible", "right"});
+  EXPECT_EQ(told.status, 0);
+  EXPECT_EQ(told.out, unsaid) << "a warning changes no figure";
+  EXPECT_EQ(told.err, sentence);
+  const Outcome strict = evaluate({"--visible", "right", "--strict", "--error-map", "e.png"});
+  EXPECT_EQ(strict.status, 3);
+  EXPECT_EQ(strict.out, unsaid);
+  EXPECT_EQ(strict.err.find(sentence), 0u) << strict.err;
+  EXPECT_FALSE(readFile(folder.path("e.png")).empty()) << "it is written all the same";
+}
+
+TEST_F(EvaluateGrids, PicturesThatContradictEachOtherAreAWarning) {
+  say("d.png", "right");
+  say("t.png", "left");
+  EXPECT_EQ(evaluate({"--strict"}).status, 3);
+  EXPECT_EQ(evaluate({}).err,
+            "nadir: d.png says of itself (nadir:grid) that its pixels are those of the right picture, but t.png says "
+            "the left one's\n");
+}
+
+TEST_F(EvaluateGrids, WithoutAContradictionThereIsNoWarning) {
+  EXPECT_EQ(evaluate({"--strict", "--visible", "right"}).err, "") << "neither says anything";
+  say("t.png", "right");
+  EXPECT_EQ(evaluate({"--strict", "--visible", "right"}).err, "");
+  say("d.png", "right");
+  EXPECT_EQ(evaluate({"--strict", "--visible", "right"}).status, 0);
+  EXPECT_EQ(evaluate({"--strict"}).err, "");
+  say("d.png", "elsewhere");
+  EXPECT_EQ(evaluate({"--strict"}).err, "") << "no view that we know";
+}
+
+TEST_F(EvaluateGrids, StrictIsNotForMaps) { EXPECT_EQ(evaluate({"--heights", "--strict"}).status, 1); }
+
 struct Colour {
   int r, g, b;
 };

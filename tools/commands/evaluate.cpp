@@ -10,6 +10,7 @@
 #include "tools/base/map_place.hpp"
 #include "tools/base/text.hpp"
 #include "tools/base/view.hpp"
+#include "tools/base/warnings.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/plot.hpp"
@@ -32,7 +33,7 @@ struct Options {
   std::string input, truth, errorMap, plot, area;
   std::optional<View> visible;
   double scale = 0, truthScale = 0, errorRange = 0;
-  bool heights = false, json = false;
+  bool heights = false, json = false, strict = false;
 };
 
 Bytes errorMap(const Grid<float>& values, const Grid<float>& truth, double range, const char* unit) {
@@ -62,6 +63,26 @@ Grid<float> visibleTruth(Grid<float> truth, View grid) {
   truth = visibleInRight(truth);
   mirror(truth);
   return truth;
+}
+
+Warning gridWarning(const std::string& path, View own, const std::string& otherwise) {
+  return {"grid-contradicts",
+          format("%s says of itself (%s) that its pixels are those of the %s picture, but %s", path.c_str(),
+                 chunks::grid, nameOf(own), otherwise.c_str()),
+          {}};
+}
+
+// What the two pictures say of themselves must agree with the option and with each other.
+Warnings gridWarnings(const Options& options) {
+  Warnings warnings;
+  const std::optional<View> input = gridOfDisparity(options.input), truth = gridOfDisparity(options.truth);
+  for (const auto& [path, own] : {std::pair(options.input, input), std::pair(options.truth, truth)})
+    if (own && options.visible && *own != *options.visible)
+      warnings.push_back(gridWarning(path, *own, format("--visible says the %s one's", nameOf(*options.visible))));
+  if (warnings.empty() && input && truth && *input != *truth)
+    warnings.push_back(
+        gridWarning(options.input, *input, format("%s says the %s one's", options.truth.c_str(), nameOf(*truth))));
+  return warnings;
 }
 
 struct Compared {
@@ -125,7 +146,7 @@ void runOnPictures(const Options& options) {
   if (heights)
     allowOnly({"--heights", "--error-map", "--error-range", "--json"}, options, "an elevation map");
   else
-    allowOnly({"--scale", "--truth-scale", "--visible", "--error-map", "--error-range", "--json"}, options,
+    allowOnly({"--scale", "--truth-scale", "--visible", "--strict", "--error-map", "--error-range", "--json"}, options,
               "a picture of disparities");
   const Compared compared = heights ? readMaps(options) : readDisparities(options);
   const double range = options.errorRange > 0 ? options.errorRange : heights ? 100 : 2;
@@ -134,6 +155,10 @@ void runOnPictures(const Options& options) {
     files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
   print(report(compared, heights, options.json));
   files.commit();
+  if (heights) return;
+  const Warnings warnings = gridWarnings(options);
+  tell(warnings);
+  if (options.strict) throwIfAny(warnings);
 }
 
 void run(const Options& options) {
@@ -189,6 +214,7 @@ void addEvaluateCommand(CLI::App& app) {
   command->add_option("--area", options->area, "The area that is plotted (default: the first)")
       ->needs(plot)
       ->type_name("NAME");
+  addStrictOption(*command, options->strict);
   command->add_flag("--json", options->json, "Print a JSON object; shares are fractions of 1, errors in pixels or mm");
   command->footer(
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
@@ -200,7 +226,10 @@ void addEvaluateCommand(CLI::App& app) {
       "found. A region that belongs to no object is false.\n"
       "Of two folders of sequences the heights in the areas of interest are compared, frame by frame, with that of "
       "the\n"
-      "tallest figure that stands in the area: tracked, and of single frames. Examples:\n"
+      "tallest figure that stands in the area: tracked, and of single frames.\n"
+      "A picture of disparities says in its text nadir:grid whose pixels it has. Where that contradicts --visible or\n"
+      "the other picture's, a warning (grid-contradicts) on standard error says so; --strict makes the exit status 3.\n"
+      "Examples:\n"
       "  nadir evaluate disparity.png disparity_gt.png\n"
       "  nadir evaluate disparity.png disparity_gt.png --visible left\n"
       "  nadir evaluate disparity.png truth.png --truth-scale 64 --error-map errors.png --json\n"

@@ -95,6 +95,14 @@ Grid<float> readDisparity(const std::string& path, double scale, double fallback
   return unpacked(gridOf(std::move(raster)), divisor);
 }
 
+std::optional<View> gridOfDisparity(const std::string& path) {
+  const Raster raster = readRaster(path);
+  const auto grid = raster.text.find(chunks::grid);
+  for (const View view : {View::left, View::right})
+    if (grid != raster.text.end() && grid->second == nameOf(view)) return view;
+  return {};
+}
+
 bool isElevationMap(const std::string& path) {
   const Raster raster = readRaster(path);
   const auto units = raster.text.find(chunks::units);

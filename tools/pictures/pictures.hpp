@@ -1,10 +1,12 @@
 // Picture files as the commands want them.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "lab/grid.hpp"
 #include "tools/base/map_place.hpp"
+#include "tools/base/view.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
@@ -24,6 +26,9 @@ Grid<uint8_t> readMask(const std::string& path);
 //
 // scale  what to divide by; 0 asks for what the file says of itself, and `fallback` where it says nothing.
 Grid<float> readDisparity(const std::string& path, double scale, double fallback);
+
+// Whose pixels the disparities belong to, where the picture says it of itself.
+std::optional<View> gridOfDisparity(const std::string& path);
 
 // True where the picture says of itself that it holds heights in mm.
 bool isElevationMap(const std::string& path);
