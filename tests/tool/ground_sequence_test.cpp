@@ -407,6 +407,15 @@ TEST_F(GroundSequence, APictureOfAnotherSizeIsADamagedFrame) {
   EXPECT_NE(lines("r")[1]["error"].get<std::string>().find("differ in size"), std::string::npos);
 }
 
+TEST_F(GroundSequence, APairOfAnotherSizeIsADamagedFrame) {
+  for (const char* file : {"s/left/000001.png", "s/right/000001.png"})
+    writePng(folder.path(file), picture(60, 60, 16, std::vector<uint16_t>(3600, 7)));
+  EXPECT_EQ(ground("r").status, 3);
+  EXPECT_EQ(lines("r")[1]["error"],
+            "the pictures are 60 x 60 pixels, but the camera of s/camera.toml takes pictures of 160 x 120");
+  EXPECT_FALSE(lines("r")[2].contains("error"));
+}
+
 TEST_F(GroundSequence, ACameraOfAnotherSizeIsRefusedAtOnce) {
   ASSERT_EQ(folder.run({"synth", "other", "--size", "200x120"}).status, 0);
   damage("s/left/000000.png");
@@ -760,6 +769,22 @@ TEST_F(GroundSequence, TheSchemaDescribesEveryLine) {
   expectMisfits(NADIR_FRAMES_SCHEMA, bad);
 }
 
+TEST_F(GroundSequence, TheSchemaDescribesTheSettings) {
+  writePng(folder.path("m.png"), picture(160, 120, 8, std::vector<uint16_t>(160 * 120)));
+  ground("r", {"--mask", "m.png"});
+  ground("clock", {"--times", "ms", "--no-maps"});
+  folder.run({"ground", "s", "--camera", "s/camera.toml", "-o", "bare", "--no-regions"});
+  const Json good = readJson(folder.path("r/run.json")), clock = readJson(folder.path("clock/run.json"));
+  const Json bare = readJson(folder.path("bare/run.json"));
+  EXPECT_EQ(good["areas"].size(), 2u);
+  for (const std::string& mistake : mistakes(NADIR_RUN_SCHEMA, {good, clock, bare, extended(good)}))
+    EXPECT_EQ(mistake, "");
+  std::vector<Spoilt> bad = spoilt(good);
+  bad.push_back({"a rate and times", clock});
+  bad.back().document["fps"] = 10;
+  expectMisfits(NADIR_RUN_SCHEMA, bad);
+}
+
 TEST_F(GroundSequence, TellsHowFarItIs) {
   const Outcome outcome = ground("r");
   EXPECT_NE(outcome.err.find("mapping 3 of 6 frames, "), std::string::npos) << outcome.err;
@@ -782,6 +807,7 @@ TEST_F(GroundSequence, RefusesInOneSentence) {
   for (const char* name :
        {"unnumbered/left/notes.png", "twice/left/a7.png", "twice/left/b07.png", "large/left/18446744073709551616.png"})
     writeFile(folder.path(name), "");
+  writePng(folder.path("small.png"), picture(60, 60, 8, std::vector<uint16_t>(3600)));
   const auto before = folder.names();
   const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence) {
     arguments.insert(arguments.begin(), "ground");
@@ -807,6 +833,8 @@ TEST_F(GroundSequence, RefusesInOneSentence) {
   refuse({"s/left/000000.png", "s/right/000000.png", "--fps", "5"}, "is one picture");
   refuse({"s", "--disparity", "d.png"}, "--disparity is for one pair");
   refuse({"s", "--mask", "m.png"}, "cannot read m.png");
+  refuse({"s", "--mask", "small.png"},
+         "the mask small.png is 60 x 60 pixels, but the camera of s/camera.toml takes pictures of 160 x 120");
 }
 
 }  // namespace

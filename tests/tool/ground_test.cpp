@@ -237,6 +237,7 @@ TEST_F(Ground, RefusesToWriteWhatItDoesNotHave) {
 TEST_F(Ground, RefusesWithoutLeavingAnything) {
   shiftRight(20);
   writePng(folder.path("small.png"), picture(60, 60, 16, std::vector<uint16_t>(3600, 7)));
+  writePng(folder.path("mask.png"), picture(60, 60, 8, std::vector<uint16_t>(3600)));
   const auto before = folder.names();
   const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence, uint64_t limit = 0) {
     arguments.insert(arguments.begin(), "ground");
@@ -249,6 +250,7 @@ TEST_F(Ground, RefusesWithoutLeavingAnything) {
   refuse({"left.png", "small.png"}, "the pictures differ in size");
   refuse({"small.png", "small.png"}, "the pictures are 60 x 60 pixels, but the camera of c.toml takes pictures of 120");
   refuse({"left.png", "right.png", "--disparity", "small.png"}, "the disparity picture small.png is 60 x 60 pixels");
+  refuse({"left.png", "right.png", "--mask", "mask.png"}, "the mask mask.png is 60 x 60 pixels, the disparity picture");
   refuse({"left.png", "right.png", "--write", "all"}, "cannot write result/points.ply", 20000);
 }
 

@@ -144,6 +144,19 @@ TEST_F(Tune, RefusesTruthOfAnotherSize) {
   EXPECT_NE(outcome.err.find("a/disparity_gt.png is 320 x 239"), std::string::npos) << outcome.err;
 }
 
+TEST_F(Tune, RefusesPicturesOfAnotherSize) {
+  EXPECT_EQ(folder.run({"synth", "small", "--size", "160x120"}).status, 0);
+  writeFile(folder.path("a/left.png"), readFile(folder.path("small/left.png")));
+  const Outcome differ = folder.run({"tune", "a"});
+  EXPECT_EQ(differ.status, 1);
+  EXPECT_NE(differ.err.find("the pictures differ in size: a/left.png is 160 x 120"), std::string::npos) << differ.err;
+  writeFile(folder.path("a/right.png"), readFile(folder.path("small/right.png")));
+  const Outcome other = folder.run({"tune", "a", "--setting", "percentile"});
+  EXPECT_EQ(other.status, 1);
+  EXPECT_EQ(other.err,
+            "nadir: the pictures are 160 x 120 pixels, but the camera of a/camera.toml takes pictures of 320 x 240\n");
+}
+
 TEST_F(Tune, RefusesATruthThatKnowsNothing) {
   Picture truth = readPng(folder.path("a/disparity_gt.png"));
   std::fill(truth.samples.begin(), truth.samples.end(), uint16_t{0});
