@@ -111,8 +111,8 @@ class EvaluateGrids : public Evaluate {
 
 TEST_F(EvaluateGrids, OneThatContradictsTheOptionIsAWarning) {
   const std::string sentence =
-      "nadir: t.png says of itself (nadir:grid) that its pixels are those of the left picture, but --visible says the "
-      "right one's\n";
+      "nadir: t.png says of itself (nadir:grid) that its pixels are those of the left picture, but they are taken for "
+      "the right one's (--visible)\n";
   const std::string unsaid = evaluate({"--visible", "right"}).out;
   say("t.png", "left");
   const Outcome told = evaluate({"--visible", "right"});
@@ -130,9 +130,10 @@ TEST_F(EvaluateGrids, PicturesThatContradictEachOtherAreAWarning) {
   say("d.png", "right");
   say("t.png", "left");
   EXPECT_EQ(evaluate({"--strict"}).status, 3);
-  EXPECT_EQ(evaluate({}).err,
-            "nadir: d.png says of itself (nadir:grid) that its pixels are those of the right picture, but t.png says "
-            "the left one's\n");
+  EXPECT_EQ(
+      evaluate({}).err,
+      "nadir: d.png says of itself (nadir:grid) that its pixels are those of the right picture, but they are taken "
+      "for the left one's (t.png)\n");
 }
 
 TEST_F(EvaluateGrids, WithoutAContradictionThereIsNoWarning) {

@@ -234,6 +234,30 @@ TEST_F(Ground, RefusesToWriteWhatItDoesNotHave) {
   refuse("disparity", 1, "--write disparity: with --disparity nothing is matched", {"--disparity", "d.png"});
 }
 
+TEST_F(Ground, DisparitiesOfTheOtherPictureAreAWarning) {
+  shiftRight(20);
+  Picture given = picture(width, height, 16, std::vector<uint16_t>(width * height, 20 * 16));
+  given.text["nadir:grid"] = "right";
+  writePng(folder.path("d.png"), given);
+  const auto run = [&](std::vector<std::string> more) {
+    more.insert(more.begin(),
+                {"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result", "--disparity", "d.png"});
+    return folder.run(more);
+  };
+  const auto isTold = [&] {
+    return readFile(folder.path("result/summary.json")).find("\"grid-contradicts\"") != std::string::npos;
+  };
+  const Outcome outcome = run({"--strict"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_NE(outcome.err.find("nadir: d.png says of itself (nadir:grid) that its pixels are those of the right picture, "
+                             "but they are taken for the left one's (--grid)\n"),
+            std::string::npos)
+      << outcome.err;
+  EXPECT_TRUE(isTold());
+  run({"--grid", "right"});
+  EXPECT_FALSE(isTold());
+}
+
 TEST_F(Ground, RefusesWithoutLeavingAnything) {
   shiftRight(20);
   writePng(folder.path("small.png"), picture(60, 60, 16, std::vector<uint16_t>(3600, 7)));

@@ -124,7 +124,11 @@ void addDisparityCommand(CLI::App& app) {
   addStrictOption(*command, options->strict);
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
   command->footer(
-      "Disparities from 2 to 61 pixels are found. Examples:\n"
+      "Disparities from 2 to 61 pixels are found. A warning on standard error says why they may not be relied on:\n"
+      "pictures too dark, overexposed, exchanged or twice the same, little that can be matched, things nearer than "
+      "the\n"
+      "range; docs/trust.md explains each. Exit status: 0 done, 3 done but with a warning and --strict, 1 failed,\n"
+      "2 wrong usage. Examples:\n"
       "  nadir disparity left.png right.png -o disparity.png\n"
       "  nadir disparity left.pgm right.pgm -o d.png --grid right --uniqueness 20 --no-preview\n"
       "  nadir disparity left.png right.png -o d.png --mask sky.png --preview look.png");

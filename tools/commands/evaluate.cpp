@@ -65,24 +65,14 @@ Grid<float> visibleTruth(Grid<float> truth, View grid) {
   return truth;
 }
 
-Warning gridWarning(const std::string& path, View own, const std::string& otherwise) {
-  return {"grid-contradicts",
-          format("%s says of itself (%s) that its pixels are those of the %s picture, but %s", path.c_str(),
-                 chunks::grid, nameOf(own), otherwise.c_str()),
-          {}};
-}
-
 // What the two pictures say of themselves must agree with the option and with each other.
 Warnings gridWarnings(const Options& options) {
   Warnings warnings;
-  const std::optional<View> input = gridOfDisparity(options.input), truth = gridOfDisparity(options.truth);
-  for (const auto& [path, own] : {std::pair(options.input, input), std::pair(options.truth, truth)})
-    if (own && options.visible && *own != *options.visible)
-      warnings.push_back(gridWarning(path, *own, format("--visible says the %s one's", nameOf(*options.visible))));
-  if (warnings.empty() && input && truth && *input != *truth)
-    warnings.push_back(
-        gridWarning(options.input, *input, format("%s says the %s one's", options.truth.c_str(), nameOf(*truth))));
-  return warnings;
+  for (const std::string& path : {options.input, options.truth})
+    if (options.visible)
+      for (const Warning& warning : gridWarnings(path, *options.visible, "--visible")) warnings.push_back(warning);
+  const std::optional<View> truth = gridOfDisparity(options.truth);
+  return warnings.empty() && truth ? gridWarnings(options.input, *truth, options.truth) : warnings;
 }
 
 struct Compared {

@@ -13,6 +13,7 @@
 #include "tools/commands/options.hpp"
 #include "tools/files/encodings.hpp"
 #include "tools/pictures/chunks.hpp"
+#include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/ground_json.hpp"
 #include "tools/report/ground_report.hpp"
@@ -94,6 +95,14 @@ void writeOutputs(const Options& options, const Road& road, const PairResult& r,
   files.write(options.folder + "/summary.json", bytesOf(summary));
 }
 
+// Those of the library's, and what given disparities say of themselves.
+Warnings allWarnings(const RoadOptions& options, const NadirFindings& findings) {
+  Warnings warnings = warningsOf(findings);
+  if (!options.disparity.empty())
+    for (const Warning& warning : gridWarnings(options.disparity, options.view, "--grid")) warnings.push_back(warning);
+  return warnings;
+}
+
 void runOnPair(const Options& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   checkProducts(options);
@@ -102,7 +111,7 @@ void runOnPair(const Options& options) {
   PairResult result;
   work(road, *road.handle, options.left, options.right, times, result);
   addPoints(road, result, times);
-  const Warnings warnings = warningsOf(result.findings);
+  const Warnings warnings = allWarnings(options.road, result.findings);
   OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
                      options.road.mask});
   times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });
@@ -199,7 +208,7 @@ CLI::Option* addTimesOption(CLI::App& command, TimeRule& rule) {
 void addWriteOption(CLI::App& command, std::string& words) {
   const std::string help =
       "What to write beside summary.json or frames.jsonl, words with commas between them: " + productNames() +
-      " (default: all but points)";
+      "; a sequence has map and average alone (default: all but points)";
   command.add_option("--write", words, help)->check(CLI::Validator(mistakeInProducts, ""))->type_name("WORDS");
 }
 
@@ -269,17 +278,25 @@ void addGroundCommand(CLI::App& app) {
       "  regions.preview.png     preview: regions and areas of interest on the elevation map\n"
       "  regions.picture.png     preview: the same on the measured picture\n"
       "  disparity.png           disparity: pixels x 16, 0 none\n"
-      "  points.ply              points: the measured points, mm; only with --write all or --write points\n"
-      "  summary.json            always: every region and what stands in every area, in mm and m2; see docs/ground.md\n"
+      "  points.ply              points: the measured points, mm; the only file that is not written by default\n"
+      "  summary.json            always: every region and what stands in every area, in mm and m2, warnings and how "
+      "far\n"
+      "                          the result can be trusted; see docs/ground.md\n"
       "\nFiles of a sequence, written frame by frame:\n"
-      "  frames.jsonl            a line of JSON per frame: regions, areas, and the height in each area, tracked\n"
-      "                          from frame to frame; docs/sequences.md describes it\n"
+      "  frames.jsonl            always: a line of JSON per frame: regions, areas, the height in each area, tracked\n"
+      "                          from frame to frame, warnings, the mount's drift; see docs/sequences.md\n"
       "  elevation/NAME.png      map: the frame's map\n"
       "  average/NAME.png        average: cell by cell the mean of the last maps, where more than half of them have a "
       "height\n"
-      "  run.json                the settings, which --resume compares\n"
-      "A frame that cannot be used is named, skipped and counted; the exit status is then 3, and 130 after Ctrl-C.\n"
-      "Warnings, which say why a result may not be relied on, go to standard error, summary.json and frames.jsonl.\n"
+      "  run.json                always: every setting in force, which --resume compares\n"
+      "\nExit status: 0 done; 3 done, but not all of it can be relied on: a frame that could not be used was named "
+      "and\n"
+      "skipped, or with --strict there was a warning; 1 failed, 2 wrong usage, 130 a sequence ended by Ctrl-C.\n"
+      "A warning says why a result may not be relied on, on standard error and in summary.json or frames.jsonl: "
+      "pictures\n"
+      "too dark, overexposed, exchanged or twice the same, little that can be matched, things nearer than the range\n"
+      "of disparities, ground that lies elsewhere than the camera file says, or below it, a map beside the view.\n"
+      "docs/trust.md explains each. Where all is well there is none.\n"
       "\nAn area of interest is a polygon of 3 to 100 corners, in the camera file or a file for --areas:\n"
       "  [[area]]\n"
       "  name = \"door\"\n"

@@ -6,6 +6,7 @@
 
 #include "tools/base/error.hpp"
 #include "tools/base/known_values.hpp"
+#include "tools/base/text.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/formats.hpp"
@@ -101,6 +102,16 @@ std::optional<View> gridOfDisparity(const std::string& path) {
   for (const View view : {View::left, View::right})
     if (grid != raster.text.end() && grid->second == nameOf(view)) return view;
   return {};
+}
+
+Warnings gridWarnings(const std::string& path, View taken, const std::string& teller) {
+  const View own = gridOfDisparity(path).value_or(taken);
+  if (own == taken) return {};
+  return {{"grid-contradicts",
+           format("%s says of itself (%s) that its pixels are those of the %s picture, but they are taken for the %s "
+                  "one's (%s)",
+                  path.c_str(), chunks::grid, nameOf(own), nameOf(taken), teller.c_str()),
+           {}}};
 }
 
 bool isElevationMap(const std::string& path) {

@@ -7,6 +7,7 @@
 #include "lab/grid.hpp"
 #include "tools/base/map_place.hpp"
 #include "tools/base/view.hpp"
+#include "tools/base/warnings.hpp"
 #include "tools/pictures/raster.hpp"
 
 namespace nadir::tool {
@@ -29,6 +30,9 @@ Grid<float> readDisparity(const std::string& path, double scale, double fallback
 
 // Whose pixels the disparities belong to, where the picture says it of itself.
 std::optional<View> gridOfDisparity(const std::string& path);
+
+// Whether it contradicts what `teller`, an option or another picture, takes its pixels for.
+Warnings gridWarnings(const std::string& path, View taken, const std::string& teller);
 
 // True where the picture says of itself that it holds heights in mm.
 bool isElevationMap(const std::string& path);
