@@ -1,9 +1,9 @@
 // Works of ground.h: frames of the road, and what goes from frame to frame.
 #include <nadir/stereo.h>
 
-#include <cmath>
 #include <memory>
 
+#include "bench/road_frame.hpp"
 #include "bench/work.hpp"
 #include "lab/road.hpp"
 
@@ -19,41 +19,15 @@ NadirTrackSettings tracking() {
   return settings;
 }
 
-struct Walk {
-  Walk(const lab::TexturedPair& pictures, uint32_t until, double percentile)
-      : pair(pictures), plan(planOf(pair, until, percentile)), road(plan) {}
-
-  static lab::RoadPlan planOf(const lab::TexturedPair& pair, uint32_t until, double percentile) {
-    lab::RoadPlan plan = lab::planOf(lab::cameraOver(pair));
-    plan.camera.map_height_cells = 64;
-    plan.settings.until = until;
-    plan.settings.percentile = percentile;
-    return plan;
-  }
-  NadirFrame matched() const { return lab::frameOf(pair.first.data(), pair.reference.data(), pair.width); }
-  NadirFrame given() const { return lab::givenFrame(disparity.data(), pair.width); }
-  void keepDisparities() {
-    const NadirPlane found = road.findings(matched()).disparity;
-    const auto* pixels = static_cast<const uint16_t*>(found.data);
-    for (size_t i = 0; i < pair.first.size(); ++i)
-      disparity.push_back(pixels[i] ? static_cast<float>(pixels[i]) / SGM_DISP_SCALE : NAN);
-  }
-
-  lab::TexturedPair pair;
-  lab::RoadPlan plan;
-  lab::Road road;
-  std::vector<float> disparity;
-};
-
 std::string percentText(double percentile) { return ", percentile " + std::to_string(static_cast<int>(percentile)); }
 
 void addFrames(Works& works, const lab::TexturedPair& pair) {
   const uint64_t pixels = pair.first.size();
-  const auto match = std::make_shared<Walk>(pair, NADIR_UNTIL_MATCH, 90);
+  const auto match = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_MATCH, 90);
   works.push_back(
       {"nadir_road_process, until the match", pixels, 7 * pixels, [=] { match->road.findings(match->matched()); }});
   for (const double percentile : {90.0, 50.0, 100.0}) {
-    const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_ALL, percentile);
+    const auto walk = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_ALL, percentile);
     walk->keepDisparities();
     works.push_back({"nadir_road_process" + percentText(percentile), pixels, 7 * pixels,
                      [=] { walk->road.findings(walk->matched()); }});
@@ -63,7 +37,7 @@ void addFrames(Works& works, const lab::TexturedPair& pair) {
 }
 
 void addPoints(Works& works, const lab::TexturedPair& pair) {
-  const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_MAP, 90);
+  const auto walk = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_MAP, 90);
   walk->road.findings(walk->matched());
   const auto points = std::make_shared<std::vector<NadirPoint>>(pair.first.size());
   works.push_back({"nadir_road_points", pair.first.size(), (2 + sizeof(NadirPoint)) * pair.first.size(), [=] {
@@ -75,13 +49,13 @@ void addPoints(Works& works, const lab::TexturedPair& pair) {
 }
 
 // Their time does not depend on the picture.
-void addCreations(Works& works, const std::shared_ptr<Walk>& walk) {
+void addCreations(Works& works, const std::shared_ptr<RoadFrame>& walk) {
   works.push_back(
       {"nadir_road_create, nadir_result_create and destroy", 0, 0, [=] { const lab::Road road(walk->plan); }});
   works.push_back({"nadir_tracker_create and destroy", 0, 0, [=] { const lab::Tracker t(walk->road, tracking()); }});
 }
 
-void addTracking(Works& works, const std::shared_ptr<Walk>& walk) {
+void addTracking(Works& works, const std::shared_ptr<RoadFrame>& walk) {
   const auto tracker = std::make_shared<lab::Tracker>(walk->road, tracking());
   const auto saved = std::make_shared<std::vector<uint8_t>>(tracker->saved());
   const auto measured = std::make_shared<NadirMeasurement>(lab::emptyRecord<NadirMeasurement>());
@@ -105,7 +79,7 @@ void addTracking(Works& works, const std::shared_ptr<Walk>& walk) {
 void addGroundWorks(Works& works, const lab::TexturedPair& pair) {
   addFrames(works, pair);
   addPoints(works, pair);
-  const auto walk = std::make_shared<Walk>(pair, NADIR_UNTIL_ALL, 90);
+  const auto walk = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_ALL, 90);
   addCreations(works, walk);
   addTracking(works, walk);
 }

@@ -8,6 +8,7 @@
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/polygon_cells.hpp"
+#include "bench/road_stages.hpp"
 #include "bench/segment_growth.hpp"
 #include "bench/timing.hpp"
 #include "bench/work.hpp"
@@ -102,6 +103,38 @@ void printMatchingGrowth() {
     std::printf("| %s | %.2f |\n", lab::sizeText(other->pair).c_str(), seconds[1] / seconds[0] / pixels);
     std::fflush(stdout);
   }
+}
+
+// What of the road is told of, in its order, by the time that it took.
+using RoadPart = std::pair<std::string, std::function<double(const RoadTimes&)>>;
+
+std::vector<RoadPart> roadParts(const RoadTimes& times) {
+  std::vector<RoadPart> parts = {{"whole", [](const RoadTimes& t) { return t.whole; }},
+                                 {"all after the clean-up", [](const RoadTimes& t) { return t.afterCleanUp(); }}};
+  for (const auto& stage : times.stages)
+    parts.emplace_back(stage.first, [name = stage.first](const RoadTimes& t) { return t.stage(name); });
+  return parts;
+}
+
+void printRoad(const lab::TexturedPair& pair, double percentile, const std::vector<Level>& all) {
+  std::vector<RoadTimes> times;
+  for (const Level& level : all) {
+    setCpu(level.cpu);
+    times.push_back(roadTimes(pair, percentile));
+  }
+  for (const auto& [name, seconds] : roadParts(times[0])) {
+    std::printf("| %s | %.0f | %s |", lab::sizeText(pair).c_str(), percentile, name.c_str());
+    for (const RoadTimes& t : times) std::printf(" %.3f |", seconds(t) / t.matcher);
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+}
+
+void printRoads() {
+  const std::vector<Level> all = levels();
+  printHead({"size", "percentile", "stage"}, all);
+  for (const auto& [width, height] : {std::pair<uint32_t, uint32_t>{320, 240}, {640, 480}, {1280, 960}})
+    for (const double percentile : {90.0, 50.0, 100.0}) printRoad(lab::texturedPair(width, height), percentile, all);
 }
 
 void printHeap(const lab::TexturedPair& pair) {
