@@ -66,16 +66,17 @@ void cleanUp(const MatchMemory& m, const NadirSettings& settings, const Shape& s
     if (m.mask[i] != 0) m.cleaned[i] = 0;
 }
 
-// Counts n pixels of a row that lie in the border or not.
+// Counts n pixels of a row that lie in the border or not. A row has at most 65535 pixels: counters as wide as pixels
+// make whole vectors of the sums.
 void count(const uint16_t* raw, const uint16_t* cleaned, const uint8_t* mask, uint32_t n, bool isBorder,
            NadirPixelCounts& counts) {
-  uint32_t value = 0, filled = 0, masked = 0, removed = 0;
+  uint16_t value = 0, filled = 0, masked = 0, removed = 0;
   for (uint32_t i = 0; i < n; ++i) {
-    const bool has = cleaned[i] != 0, had = raw[i] != 0, hidden = mask[i] != 0;
-    value += has;
-    filled += has & !had;
-    masked += !has & hidden;
-    removed += !has & !hidden & had;
+    const uint16_t has = cleaned[i] != 0, had = raw[i] != 0, hidden = mask[i] != 0;
+    value = static_cast<uint16_t>(value + has);
+    filled = static_cast<uint16_t>(filled + (has & (had ^ 1)));
+    masked = static_cast<uint16_t>(masked + (hidden & (has ^ 1)));
+    removed = static_cast<uint16_t>(removed + (had & ((has | hidden) ^ 1)));
   }
   counts.value += value;
   counts.filled += filled;

@@ -2,7 +2,6 @@
 #include "ground/trust/blocks.hpp"
 
 #include <cmath>
-#include <cstring>
 
 #include "ground/trust/arc_tangent.hpp"
 
@@ -24,15 +23,32 @@ struct Sums {
   uint32_t known, sum, squares;
 };
 
-// Stored disparities are below 4096: 64 squares of them fit 32 bits.
-void addRow(const uint16_t* row, Sums& s) {
-  for (uint32_t i = 0; i < blockSide; ++i) {
-    const uint32_t d = row[i];
-    s.known += d != 0;
-    s.sum += d;
-    s.squares += d * d;
+// A stretch of a band of blocks: of each of its columns the same sums, which the compiler makes vectors of. Stored
+// disparities are below 4096: 8 of them fit 16 bits, and 64 squares of them fit 32.
+struct Stretch {
+  static constexpr uint32_t columns = 32 * blockSide;
+  uint16_t known[columns] = {}, sum[columns] = {};
+  uint32_t squares[columns] = {};
+
+  void addRow(const uint16_t* row, uint32_t n) {
+    for (uint32_t i = 0; i < n; ++i) {
+      const uint16_t d = row[i], has = d != 0;
+      known[i] = static_cast<uint16_t>(known[i] + has);
+      sum[i] = static_cast<uint16_t>(sum[i] + d);
+      squares[i] += uint32_t{d} * d;
+    }
   }
-}
+
+  Sums ofBlock(uint32_t first) const {
+    Sums s{0, 0, 0};
+    for (uint32_t i = first; i < first + blockSide; ++i) {
+      s.known += known[i];
+      s.sum += sum[i];
+      s.squares += squares[i];
+    }
+    return s;
+  }
+};
 
 bool isOneSurface(const Sums& s) {
   if (s.known < leastKnown) return false;
@@ -41,48 +57,54 @@ bool isOneSurface(const Sums& s) {
   return variance <= largestDeviation * largestDeviation * storedPerPixel * storedPerPixel;
 }
 
-// The blocks of stored disparities that `rowAt` leads to.
-template <class RowAt>
-size_t listed(RowAt rowAt, uint32_t width, uint32_t height, Block* blocks) {
+// The blocks of disparities whose columns `addRow` adds to a stretch: of row y, n of them from column `left` on.
+template <class AddRow>
+size_t listed(AddRow addRow, uint32_t width, uint32_t height, Block* blocks) {
   size_t count = 0;
   constexpr float middle = (blockSide - 1) / 2.0f;
+  const uint32_t whole = width / blockSide * blockSide;
   for (uint32_t top = 0; top + blockSide <= height; top += blockSide)
-    for (uint32_t left = 0; left + blockSide <= width; left += blockSide) {
-      Sums s{0, 0, 0};
-      for (uint32_t y = 0; y < blockSide; ++y) addRow(rowAt(top + y, left), s);
-      if (!isOneSurface(s)) continue;
-      const double mean = s.sum / (storedPerPixel * s.known);
-      blocks[count++] = {static_cast<float>(left) + middle, static_cast<float>(top) + middle, static_cast<float>(mean)};
+    for (uint32_t left = 0; left < whole; left += Stretch::columns) {
+      const uint32_t n = whole - left < Stretch::columns ? whole - left : Stretch::columns;
+      Stretch stretch;
+      for (uint32_t y = 0; y < blockSide; ++y) addRow(stretch, top + y, left, n);
+      for (uint32_t x = 0; x < n; x += blockSide) {
+        const Sums s = stretch.ofBlock(x);
+        if (!isOneSurface(s)) continue;
+        const double mean = s.sum / (storedPerPixel * s.known);
+        blocks[count++] = {static_cast<float>(left + x) + middle, static_cast<float>(top) + middle,
+                           static_cast<float>(mean)};
+      }
     }
   return count;
 }
 
-// Eight given disparities as stored ones; what those cannot hold has none.
-struct StoredRow {
-  const uint8_t* data;
-  size_t stride;
-  uint16_t row[blockSide];
-
-  const uint16_t* operator()(uint32_t y, uint32_t left) {
-    float given[blockSide];
-    std::memcpy(given, data + y * stride + left * sizeof(float), sizeof given);
-    for (uint32_t i = 0; i < blockSide; ++i) {
-      const float stored = given[i] * static_cast<float>(storedPerPixel) + 0.5f;
-      row[i] = stored >= 1 && stored < 4096 ? static_cast<uint16_t>(stored) : uint16_t{0};
-    }
-    return row;
+// Given disparities as stored ones; what those cannot hold has none.
+void takeStored(const float* given, uint32_t n, uint16_t* stored) {
+  for (uint32_t i = 0; i < n; ++i) {
+    const float rounded = given[i] * static_cast<float>(storedPerPixel) + 0.5f;
+    const bool holds = rounded >= 1 && rounded < 4096;
+    stored[i] = static_cast<uint16_t>(static_cast<int32_t>(holds ? rounded : 0.0f));
   }
-};
+}
 
 }  // namespace
 
 size_t listBlocks(const uint16_t* disparity, uint32_t width, uint32_t height, Block* blocks) {
-  const auto rowAt = [&](uint32_t y, uint32_t left) { return disparity + size_t{y} * width + left; };
-  return listed(rowAt, width, height, blocks);
+  const auto addRow = [=](Stretch& stretch, uint32_t y, uint32_t left, uint32_t n) {
+    stretch.addRow(disparity + size_t{y} * width + left, n);
+  };
+  return listed(addRow, width, height, blocks);
 }
 
 size_t listBlocks(const float* disparity, size_t stride, uint32_t width, uint32_t height, Block* blocks) {
-  return listed(StoredRow{reinterpret_cast<const uint8_t*>(disparity), stride, {}}, width, height, blocks);
+  const auto addRow = [=](Stretch& stretch, uint32_t y, uint32_t left, uint32_t n) {
+    const auto* row = reinterpret_cast<const float*>(reinterpret_cast<const uint8_t*>(disparity) + y * stride);
+    uint16_t stored[Stretch::columns];
+    takeStored(row + left, n, stored);
+    stretch.addRow(stored, n);
+  };
+  return listed(addRow, width, height, blocks);
 }
 
 Agreement agreementOf(const DisparityPlane& plane, const Block* blocks, size_t count) {

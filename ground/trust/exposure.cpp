@@ -18,11 +18,12 @@ uint16_t brightest(const uint16_t* row, uint32_t n, uint16_t most) {
 // The sensor's range is told by the brightest pixel: 12 bits, which 8 bits times 16 nearly fill, 14 or 16.
 uint16_t fullScale(uint16_t most) { return most <= 4095 ? 4095 : most <= 16383 ? 16383 : 65535; }
 
+// A row has at most 65535 pixels: counters as wide as pixels make whole vectors of the sums.
 void countRow(const uint16_t* row, uint32_t n, uint16_t bright, Exposure& exposure) {
-  uint32_t dark = 0, clipped = 0;
+  uint16_t dark = 0, clipped = 0;
   for (uint32_t i = 0; i < n; ++i) {
-    dark += row[i] <= darkLevel;
-    clipped += row[i] >= bright;
+    dark = static_cast<uint16_t>(dark + (row[i] <= darkLevel));
+    clipped = static_cast<uint16_t>(clipped + (row[i] >= bright));
   }
   exposure.pixels += n;
   exposure.dark += dark;

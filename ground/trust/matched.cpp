@@ -27,15 +27,16 @@ Span belowHorizon(const DisparityPlane* ground, uint32_t y, Span row) {
   return row;
 }
 
+// A row has at most 65535 pixels: counters as wide as pixels make whole vectors of the sums.
 void countRow(const MatchedPictures& p, size_t at, uint32_t n, MatchedShares& shares) {
   const uint16_t *raw = p.raw + at, *cleaned = p.cleaned + at, *reference = p.reference + at;
   const uint8_t* mask = p.mask + at;
-  uint32_t able = 0, matched = 0, value = 0;
+  uint16_t able = 0, matched = 0, value = 0;
   for (uint32_t i = 0; i < n; ++i) {
-    const uint32_t isAble = (reference[i] != 0) & (mask[i] == 0);
-    able += isAble;
-    matched += isAble & (raw[i] != 0);
-    value += isAble & (cleaned[i] != 0);
+    const uint16_t isAble = (reference[i] != 0) & (mask[i] == 0), has = cleaned[i] != 0, had = raw[i] != 0;
+    able = static_cast<uint16_t>(able + isAble);
+    matched = static_cast<uint16_t>(matched + (isAble & had));
+    value = static_cast<uint16_t>(value + (isAble & has));
   }
   shares.able += able;
   shares.matched += matched;
@@ -49,8 +50,8 @@ bool hasEmptyNeighbour(const uint16_t* pixel, size_t width) {
 }
 
 uint32_t countAtEnd(const uint16_t* row, uint32_t n) {
-  uint32_t count = 0;
-  for (uint32_t i = 0; i < n; ++i) count += row[i] >= rangeEnd;
+  uint16_t count = 0;
+  for (uint32_t i = 0; i < n; ++i) count = static_cast<uint16_t>(count + (row[i] >= rangeEnd));
   return count;
 }
 
