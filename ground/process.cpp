@@ -1,5 +1,6 @@
 // The stations in their order, and a frame's points one by one.
 #include "ground/records/checks.hpp"
+#include "ground/records/plane_view.hpp"
 #include "ground/result.hpp"
 #include "ground/road.hpp"
 #include "ground/stations/occupancy.hpp"
@@ -11,9 +12,11 @@ namespace {
 // Every row must hold the picture's, and 16-bit rows may begin anywhere.
 bool isGood(const NadirFrame& f, const Shape& shape) {
   const uint64_t rowBytes = uint64_t{shape.width} * f.bits / 8;
-  if (f.disparity) return f.disparity_stride >= shape.width * sizeof(float) && f.disparity_stride % sizeof(float) == 0;
-  return (f.bits == 8 || f.bits == 16) && f.left && f.right && f.left_stride >= rowBytes &&
-         f.right_stride >= rowBytes && (!f.mask || f.mask_stride >= shape.width);
+  const auto holds = [&](size_t stride, uint64_t bytes) { return holdsRows(stride, bytes, shape.height); };
+  if (f.disparity)
+    return holds(f.disparity_stride, shape.width * sizeof(float)) && f.disparity_stride % sizeof(float) == 0;
+  return (f.bits == 8 || f.bits == 16) && f.left && f.right && holds(f.left_stride, rowBytes) &&
+         holds(f.right_stride, rowBytes) && (!f.mask || holds(f.mask_stride, shape.width));
 }
 
 // The road's own pixels tell a given picture's values apart from its holes.

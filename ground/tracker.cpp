@@ -51,7 +51,7 @@ double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ?
 
 bool isMap(const NadirPlane& plane, const Shape& shape) {
   return plane.width == shape.mapWidth && plane.height == shape.mapHeight &&
-         plane.stride >= shape.mapWidth * sizeof(uint16_t);
+         holdsRows(plane.stride, shape.mapWidth * sizeof(uint16_t), shape.mapHeight);
 }
 
 // What a saved state has to agree on with the tracker that takes it up.
@@ -115,7 +115,7 @@ bool holdsGoodNumbers(const NadirTracker& t, StateReader reader) {
   for (uint32_t i = 0; i < t.shape.areas; ++i) {
     HeightTrack track{};
     visitTrack(reader, track);
-    good &= track.active <= begun && (!track.active || track.measuredAtNs <= timeNs);
+    good &= track.active <= begun && (!track.active || track.measuredAtNs <= timeNs) && isFinite(track);
   }
   reader.visit(count);
   reader.visit(next);

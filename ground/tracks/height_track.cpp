@@ -41,14 +41,19 @@ void goOn(HeightTrack& track, const NadirTrackSettings& settings, double sinceLa
 
 }  // namespace
 
+bool isFinite(const HeightTrack& track) {
+  bool finite = std::isfinite(track.height) && std::isfinite(track.rate);
+  for (const float number : track.covariance) finite &= std::isfinite(number);
+  return finite;
+}
+
 void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
                double measuredMm) {
   const bool measured = !std::isnan(measuredMm);
   if (track.active && secondsBetween(track.measuredAtNs, timeNs) > settings.patience_s) track = {};
-  if (track.active)
-    goOn(track, settings, sinceLast, measuredMm);
-  else if (measured)
-    begin(track, settings, measuredMm);
+  if (track.active) goOn(track, settings, sinceLast, measuredMm);
+  if (!isFinite(track)) track = {};
+  if (measured && !track.active) begin(track, settings, measuredMm);
   if (measured) track.measuredAtNs = timeNs;
 }
 

@@ -18,7 +18,11 @@ struct HeightTrack {
   float height, rate, covariance[4];
 };
 
-// A frame in which the height was measured, or nothing stood there (not-a-number).
+// False for what a filter comes to when its uncertainties' squares leave single precision, at either end.
+bool isFinite(const HeightTrack& track);
+
+// A frame in which the height was measured, or nothing stood there (not-a-number). A track whose numbers are not finite
+// any more knows nothing, and begins anew.
 //
 // sinceLast  seconds since the frame before.
 void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,

@@ -642,6 +642,19 @@ TEST_F(RefusedFrames, DisparitiesAtOddStrides) {
   }
 }
 
+// A caller who counts rows upwards has a stride that wraps: no memory holds such a picture.
+TEST_F(RefusedFrames, StridesThatNoMemoryHolds) {
+  const size_t wrapping = size_t{0} - 192;
+  for (size_t NadirFrame::*stride : {&NadirFrame::left_stride, &NadirFrame::right_stride, &NadirFrame::mask_stride}) {
+    NadirFrame frame = withMask(frameOfPair(pair_), mask_);
+    frame.*stride = wrapping;
+    expectRefused(frame, NADIR_BAD_FRAME);
+  }
+  NadirFrame frame = frameOf(disparity_);
+  frame.disparity_stride = wrapping;
+  expectRefused(frame, NADIR_BAD_FRAME);
+}
+
 TEST_F(RefusedFrames, ResultsOfAnotherPictureSize) {
   NadirCamera camera = smallCamera();
   camera.height_px = 59;

@@ -450,6 +450,12 @@ TEST_F(RefusedSteps, MapsOfAnotherHeight) {
   expectRefused(m, NADIR_FOREIGN_RESULT);
 }
 
+TEST_F(RefusedSteps, MapsThatNoMemoryHolds) {
+  NadirMeasurement m = measurementOf(log_);
+  m.heights.stride = size_t{0} - 32;
+  expectRefused(m, NADIR_FOREIGN_RESULT);
+}
+
 TEST_F(RefusedSteps, ResultsWithoutAFrame) {
   const Result result = makeResult(road_);
   EXPECT_EQ(nadir_tracker_step(tracker_.get(), result.get(), log_.time), NADIR_NOTHING_FOUND);
@@ -825,6 +831,39 @@ TEST(Track, HeightsThatNoMapHoldsAreRefused) {
     replay(tracker, 0.1, 500);
     EXPECT_EQ(trackOf(tracker).height_mm, 500) << height;
   }
+}
+
+bool isFinite(const NadirTrack& t) {
+  return std::isfinite(t.height_mm) && std::isfinite(t.rate_mm_per_s) && std::isfinite(t.deviation_mm);
+}
+
+// Such a square is 0 in single precision, and a measurement is then all that there is to know.
+TEST(Track, OfNoUncertaintyIsWhatWasMeasured) {
+  for (const double noise : {4.9406564584124654e-324, 1e-30, 1e-20}) {
+    NadirTrackSettings settings = trackSettings();
+    settings.noise_mm = noise;
+    const Tracker tracker = makeTracker(roadWithTwoAreas(), settings);
+    for (const double height : {500.0, 510.0, 700.0}) {
+      replay(tracker, 1, height);
+      EXPECT_EQ(trackOf(tracker).height_mm, height) << noise;
+      EXPECT_TRUE(isFinite(trackOf(tracker))) << noise;
+    }
+  }
+}
+
+TEST(Track, OfMoreUncertaintyThanNumbersHoldBeginsAnew) {
+  NadirTrackSettings settings = trackSettings();
+  settings.acceleration_mm_per_s2 = 1e9;
+  settings.patience_s = 1e6;
+  const Tracker tracker = makeTracker(roadWithTwoAreas(), settings);
+  replay(tracker, 0, 500);
+  replay(tracker, 4e5, nothing);
+  EXPECT_EQ(trackOf(tracker).active, 0u);
+  replay(tracker, 8e5, 700);
+  EXPECT_EQ(trackOf(tracker).height_mm, 700);
+  replay(tracker, 9.9e5, 800);
+  EXPECT_EQ(trackOf(tracker).height_mm, 800);
+  EXPECT_TRUE(isFinite(trackOf(tracker)));
 }
 
 // A step of more nanoseconds than 63 bits hold is longer than every patience.
