@@ -31,6 +31,10 @@ struct Viewer {
            p.y < static_cast<float>(height) - 0.5f;
   }
 
+  // False where the column shift leaves no disparity above 0, and for a camera that looks above the horizon, which
+  // nothing comes nearer to by rising.
+  bool measuresTops() const { return largestDisparity + columnShift > 0 && context.extCalib.R[8] > 0; }
+
   // Column 2 of R is the optical axis: a depth is the product with it. A point may rise until its depth is that of the
   // largest disparity.
   double topAt(const Point3_f32& ground) const {
@@ -134,6 +138,7 @@ MapView mapView(const StereoCtx& context, double columnShift, uint32_t width, ui
   forEachSample(context, 0, 0, [&](const Point3_f32& ground) {
     if (!viewer.shows(ground)) return;
     ++seen;
+    if (!viewer.measuresTops()) return;
     const double top = viewer.topAt(ground);
     if (!(view.leastTop <= top)) view.leastTop = top;  // nothing is less than or equal to not-a-number
     if (!(view.mostTop >= top)) view.mostTop = top;

@@ -102,5 +102,30 @@ TEST(Trust, IsNotANumberForWhatCouldNotBeMeasured) {
   EXPECT_NEAR(given.tilt_off_deg, 0, 0.05);
 }
 
+NadirTrust trustAt(const NadirCamera& camera) {
+  const Road road = makeRoad(camera, defaultSettings(camera));
+  const Result result = makeResult(road);
+  return *processed(road, frameOf(groundOf(smallCamera())), result).trust;
+}
+
+TEST(Trust, ThereIsNoTopWhereNoDisparityIsLeft) {
+  for (const double shift : {-61.5, -62.0, -1e6}) {
+    NadirCamera camera = smallCamera();
+    camera.column_shift_px = shift;
+    const NadirTrust trust = trustAt(camera);
+    EXPECT_TRUE(std::isnan(trust.least_top_mm) && std::isnan(trust.greatest_top_mm)) << shift;
+  }
+}
+
+TEST(Trust, TopsOfACameraAtTheHorizonAreNoneOrFinite) {
+  for (const double tilt : {-90.0, 90.0, -89.9999}) {
+    NadirCamera camera = smallCamera();
+    camera.tilt_deg = tilt;
+    camera.map_offset_x_mm = camera.map_offset_y_mm = 0;
+    const NadirTrust trust = trustAt(camera);
+    EXPECT_FALSE(std::isinf(trust.least_top_mm) || std::isinf(trust.greatest_top_mm)) << tilt;
+  }
+}
+
 }  // namespace
 }  // namespace nadir::test
