@@ -8,8 +8,8 @@
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/polygon_cells.hpp"
-#include "bench/road_stages.hpp"
 #include "bench/segment_growth.hpp"
+#include "bench/table_head.hpp"
 #include "bench/timing.hpp"
 #include "bench/work.hpp"
 #include "lab/heap.hpp"
@@ -30,15 +30,6 @@ Calls atLevels(const std::function<void()>& call, const std::vector<Level>& all)
     });
   }
   return calls;
-}
-
-void printHead(const std::vector<const char*>& names, const std::vector<Level>& columns) {
-  for (const char* name : names) std::printf("| %s ", name);
-  for (const Level& level : columns) std::printf("| %s ", level.name.c_str());
-  std::printf("|\n");
-  for (size_t i = 0; i < names.size(); ++i) std::printf("|---");
-  for (size_t i = 0; i < columns.size(); ++i) std::printf("|--:");
-  std::printf("|\n");
 }
 
 void printLevels(const lab::TexturedPair& pair) {
@@ -103,38 +94,6 @@ void printMatchingGrowth() {
     std::printf("| %s | %.2f |\n", lab::sizeText(other->pair).c_str(), seconds[1] / seconds[0] / pixels);
     std::fflush(stdout);
   }
-}
-
-// What of the road is told of, in its order, by the time that it took.
-using RoadPart = std::pair<std::string, std::function<double(const RoadTimes&)>>;
-
-std::vector<RoadPart> roadParts(const RoadTimes& times) {
-  std::vector<RoadPart> parts = {{"whole", [](const RoadTimes& t) { return t.whole; }},
-                                 {"all after the clean-up", [](const RoadTimes& t) { return t.afterCleanUp(); }}};
-  for (const auto& stage : times.stages)
-    parts.emplace_back(stage.first, [name = stage.first](const RoadTimes& t) { return t.stage(name); });
-  return parts;
-}
-
-void printRoad(const lab::TexturedPair& pair, double percentile, const std::vector<Level>& all) {
-  std::vector<RoadTimes> times;
-  for (const Level& level : all) {
-    setCpu(level.cpu);
-    times.push_back(roadTimes(pair, percentile));
-  }
-  for (const auto& [name, seconds] : roadParts(times[0])) {
-    std::printf("| %s | %.0f | %s |", lab::sizeText(pair).c_str(), percentile, name.c_str());
-    for (const RoadTimes& t : times) std::printf(" %.3f |", seconds(t) / t.matcher);
-    std::printf("\n");
-    std::fflush(stdout);
-  }
-}
-
-void printRoads() {
-  const std::vector<Level> all = levels();
-  printHead({"size", "percentile", "stage"}, all);
-  for (const auto& [width, height] : {std::pair<uint32_t, uint32_t>{320, 240}, {640, 480}, {1280, 960}})
-    for (const double percentile : {90.0, 50.0, 100.0}) printRoad(lab::texturedPair(width, height), percentile, all);
 }
 
 void printHeap(const lab::TexturedPair& pair) {
