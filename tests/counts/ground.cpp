@@ -18,12 +18,15 @@ constexpr uint32_t width = 320, height = 240;
 
 void found(NadirStatus status) { done(status == NADIR_OK); }
 
+// The mount is as exact as a product's, so that the ground lies where it says and need not be searched for.
 NadirCamera camera() {
   lab::TexturedPair pair{};
   pair.width = width;
   pair.height = height;
   NadirCamera made = lab::cameraOver(pair);
   made.map_height_cells = 64;
+  made.tilt_deg = -56.73;
+  made.height_mm = 1994;
   return made;
 }
 
@@ -80,6 +83,12 @@ NadirRoad* roadOf(const NadirCamera& camera, const NadirSettings& settings) {
   return road;
 }
 
+void callWarnings() {
+  done(nadir_warning_name(NADIR_WARNING_TOO_NEAR) && nadir_warning_sentence(NADIR_WARNING_TOO_NEAR));
+  done(nadir_warning_number_name(NADIR_WARNING_TOO_NEAR, 0) != nullptr);
+  done(nadir_warning_scale(NADIR_WARNING_TOO_NEAR, 0) > 0);
+}
+
 void callFrame(NadirRoad* road, NadirResult* result) {
   const std::vector<float> disparity = disparities();
   const NadirFrame frame = lab::givenFrame(disparity.data(), width);
@@ -88,8 +97,10 @@ void callFrame(NadirRoad* road, NadirResult* result) {
   size_t count;
   found(nadir_road_process(road, &frame, result));
   found(nadir_result_read(result, &findings));
-  done(findings.region_count > 0 && findings.areas[0].covered_cells > 0);
+  done(findings.region_count > 0 && findings.areas[0].covered_cells > 0 && !findings.trust->searched);
   found(nadir_road_points(road, &frame, result, points.data(), points.size(), &count));
+  NadirGroundPlane plane = lab::emptyRecord<NadirGroundPlane>();
+  found(nadir_road_ground_plane(road, &frame, result, &plane));
 }
 
 }  // namespace
@@ -107,6 +118,7 @@ void callGround() {
   found(nadir_result_create(road, &result));
   callFrame(road, result);
   callTracker(road, result);
+  callWarnings();
   done(nadir_status_text(NADIR_OK) != nullptr);
   nadir_result_destroy(result);
   nadir_road_destroy(road);
