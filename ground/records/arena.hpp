@@ -16,7 +16,8 @@ class Arena {
   T* take(uint64_t count) {
     const uint64_t begin = used_;
     used_ += (count * sizeof(T) + alignment - 1) / alignment * alignment;
-    return block_ ? reinterpret_cast<T*>(block_ + begin) : nullptr;
+    static_assert(alignof(T) <= alignment);
+    return block_ ? static_cast<T*>(static_cast<void*>(block_ + begin)) : nullptr;
   }
 
   // 0 where no memory can hold that much.
