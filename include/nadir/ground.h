@@ -23,10 +23,13 @@
  * A map's row 0 lies at its smallest world y, its column 0 at its smallest world x. Lengths are millimetres and angles
  * degrees unless a name says otherwise.
  *
- * Records begin with `size`, the bytes of the record as the caller was compiled with it: nadir_settings_fill sets it,
- * in all other records that go in or are filled the caller does. A library that is newer than the caller then knows
- * which members the caller lacks; one that is older refuses the record (NADIR_BAD_RECORD). Records in arrays that
- * findings lead to lie `size` bytes apart.
+ * Records begin with `size`, the bytes of the record as the caller was compiled with it. nadir_settings_fill and
+ * nadir_track_settings_fill set it; in all other records that go in or are filled the caller does, after setting
+ * everything to 0: `NadirFault fault = {0}; fault.size = sizeof fault;`. A library that is newer than the caller then
+ * knows which members the caller lacks; one that is older refuses the record (NADIR_BAD_RECORD). Records in arrays that
+ * findings lead to lie `size` bytes apart. NadirPlane and NadirPoint have no size: they will not grow.
+ *
+ * Linking: CMake's nadir::ground, or pkg-config's nadirground, which is -lnadirground -lnadir.
  *
  * Rules as in libnadir: all checks come before the first write, a call that fails leaves its outputs as they were
  * (nadir_road_process says what holds for results); nothing is read or written outside the stated extent; buffers of
@@ -50,23 +53,17 @@ extern "C" {
 typedef int32_t NadirStatus;
 
 #define NADIR_OK 0
-#define NADIR_NO_MEMORY 1    /* malloc gave none, or no memory can hold that much */
-#define NADIR_NULL_POINTER 2 /* a pointer that must lead somewhere is null */
-#define NADIR_BAD_RECORD 3   /* a record's `size` is smaller than its first version or larger than this library's */
-#define NADIR_BAD_CAMERA 4   /* a number of the camera is missing or out of range; the fault names it */
-#define NADIR_BAD_SETTING 5  /* a setting is out of range; the fault names it */
-#define NADIR_BAD_AREA                                                                                              \
-  6                              /* an area has fewer than 3 or more than 100 corners, an unknown unit, or a corner \
-                                    more than NADIR_AREA_REACH from the origin */
+#define NADIR_NO_MEMORY 1        /* malloc gave none, or no memory can hold that much */
+#define NADIR_NULL_POINTER 2     /* a pointer that must lead somewhere is null */
+#define NADIR_BAD_RECORD 3       /* a record's `size` is smaller than its first version or larger than this library's */
+#define NADIR_BAD_CAMERA 4       /* a number of the camera is missing or out of range; the fault names it */
+#define NADIR_BAD_SETTING 5      /* a setting is out of range; the fault names it */
+#define NADIR_BAD_AREA 6         /* an area's number of corners, its unit or a corner is out of range */
 #define NADIR_MAP_OUT_OF_REACH 7 /* areas need a map that ends within NADIR_AREA_REACH of the camera */
 #define NADIR_CAMERA_TOO_HIGH 8  /* areas in pixels need a camera that is at most 65535 mm high */
-#define NADIR_CORNER_OFF_GROUND                                                                                        \
-  9                                 /* an area's corner does not show the ground within NADIR_AREA_REACH of the camera \
-                                     */
+#define NADIR_CORNER_OFF_GROUND 9   /* a corner does not show the ground within NADIR_AREA_REACH of the camera */
 #define NADIR_AREA_WITHOUT_CELLS 10 /* an area holds the centre of no cell of the map */
-#define NADIR_BAD_FRAME                                                                                            \
-  11                            /* a frame lacks a picture; or its bits, its strides, a measured height are out of \
-                                   range */
+#define NADIR_BAD_FRAME 11      /* a picture is missing; or the bits, a stride, a measured height are out of range */
 #define NADIR_FOREIGN_RESULT 12 /* the result or measurement is of a road of another size or other settings */
 #define NADIR_NOTHING_FOUND 13  /* there is none: no frame was processed, or no such area, or no plane */
 #define NADIR_BAD_STATE 14      /* what was saved is damaged, of another version or of another road */
@@ -214,7 +211,8 @@ NADIR_API NadirStatus nadir_road_area(const NadirRoad* road, uint32_t index, Nad
 /* A rectified pair of the camera's size, or disparities of the measured view. */
 typedef struct NadirFrame {
   uint32_t size;
-  uint32_t bits; /* of a picture's pixel: 16, where 0 means no data; or 8, which count 16 times, and 0 is black */
+  uint32_t bits; /* of a picture's pixel: 16, as this processor orders bytes, where 0 means no data; or 8, which count
+                    16 times, and 0 is black */
   const void *left, *right;
   size_t left_stride, right_stride; /* bytes from row to row; 16-bit rows may begin at any address */
   const uint8_t* mask; /* null, or of the view: pixels that are not 0 there get no disparity; matching only */
@@ -329,7 +327,7 @@ typedef struct NadirWarning {
   uint32_t id;       /* NADIR_WARNING_... */
   uint32_t count;    /* of the numbers */
   uint32_t reserved; /* 0 */
-  double numbers[4];
+  double numbers[4]; /* 0 behind the last one */
 } NadirWarning;
 
 /* A warning's fixed name, "left-and-right-swapped"; null for an id that is none. Static storage, as all below. */
@@ -339,7 +337,9 @@ NADIR_API const char* nadir_warning_name(uint32_t id);
 NADIR_API const char* nadir_warning_number_name(uint32_t id, uint32_t number);
 
 /* What it says, as a format of printf with a conversion for each of its numbers, all double, in their order. Shares are
- * given in percent there: nadir_warning_scale is 100 for them, and 1 for all other numbers. */
+ * given in percent there: nadir_warning_scale is 100 for them, and 1 for all other numbers. With n[i] = numbers[i] *
+ * nadir_warning_scale(id, i) it is `printf(nadir_warning_sentence(id), n[0], n[1], n[2], n[3])`: printf passes over
+ * numbers that have no conversion. The sentence may be put in other words by a later version. */
 NADIR_API const char* nadir_warning_sentence(uint32_t id);
 NADIR_API double nadir_warning_scale(uint32_t id, uint32_t number);
 
@@ -436,7 +436,14 @@ typedef struct NadirTrack {
   double deviation_mm; /* how uncertain the height is, standard deviation */
 } NadirTrack;
 
+/* The bytes of a tracker; 0 where nadir_tracker_create would refuse the settings. */
 NADIR_API size_t nadir_tracker_bytes(const NadirRoad* road, const NadirTrackSettings* settings);
+
+/* Makes a tracker for the results of a road and of roads with the same camera size, map size, settings and number of
+ * areas; it may outlive them. Nothing is followed yet.
+ *
+ * tracker  receives it, to be given back to nadir_tracker_destroy.
+ * fault    null, or receives which of the settings is out of range. */
 NADIR_API NadirStatus nadir_tracker_create(const NadirRoad* road, const NadirTrackSettings* settings,
                                            NadirTracker** tracker, NadirFault* fault);
 NADIR_API void nadir_tracker_destroy(NadirTracker* tracker); /* null is accepted */
