@@ -1,5 +1,7 @@
 /* Goes from a rectified pair (binary PGM of 8 bits, or of 16 with 0 for no data) to what stands on the ground, by one
- * call of libnadirground: standing LEFT RIGHT */
+ * call of libnadirground: standing LEFT RIGHT
+ *
+ * Its status is 3 where the result is there, but may not be relied on. */
 #include <nadir/ground.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -77,6 +79,15 @@ static void print(const NadirRegion* region, uint32_t cellMm) {
          region->centre_y_mm, region->median_mm);
 }
 
+/* A map without regions can mean that nobody is there, or that the lens is covered: a warning tells which. */
+static void tell(const NadirWarning* warning) {
+  double n[4];
+  for (uint32_t i = 0; i < 4; ++i) n[i] = warning->numbers[i] * nadir_warning_scale(warning->id, i);
+  fprintf(stderr, "%s: ", nadir_warning_name(warning->id));
+  fprintf(stderr, nadir_warning_sentence(warning->id), n[0], n[1], n[2], n[3]);
+  fputs("\n", stderr);
+}
+
 int main(int count, char** arguments) {
   if (count != 3) return fputs("standing LEFT.pgm RIGHT.pgm\n", stderr), 1;
   const Picture left = picture(arguments[1]), right = picture(arguments[2]);
@@ -101,9 +112,12 @@ int main(int count, char** arguments) {
   demand(nadir_result_read(result, &findings), NULL);
   for (uint32_t i = 0; i < findings.region_count; ++i) print(&findings.regions[i], camera.cell_mm);
 
+  for (uint32_t i = 0; i < findings.warning_count; ++i) tell(&findings.warnings[i]);
+  const int doubtful = findings.warning_count > 0;
+
   nadir_result_destroy(result);
   nadir_road_destroy(road);
   free(left.bytes);
   free(right.bytes);
-  return 0;
+  return doubtful ? 3 : 0;
 }
