@@ -188,5 +188,5 @@ const char* nadir_warning_sentence(uint32_t id) {
 
 double nadir_warning_scale(uint32_t id, uint32_t number) {
   const auto* d = descriptionOf(id);
-  return d && number < 4 ? d->scales[number] : 1;
+  return d && number < 4 && d->numbers[number] ? d->scales[number] : 1;
 }

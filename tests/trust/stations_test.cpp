@@ -305,6 +305,7 @@ TEST(Warnings, EveryNumberHasANameAndAPlaceInTheSentence) {
     uint32_t named = 0;
     while (nadir_warning_number_name(id, named)) ++named;
     EXPECT_EQ(static_cast<long>(named), std::count(sentence.begin(), sentence.end(), '%')) << nadir_warning_name(id);
+    EXPECT_EQ(1, nadir_warning_scale(id, named)) << "of a number that it has not";
     for (uint32_t other = 1; other < id; ++other) EXPECT_STRNE(nadir_warning_name(other), nadir_warning_name(id));
   }
   EXPECT_EQ(nullptr, nadir_warning_name(0));
