@@ -109,11 +109,12 @@ size_t listBlocks(const float* disparity, size_t stride, uint32_t width, uint32_
 
 Agreement agreementOf(const DisparityPlane& plane, const Block* blocks, size_t count) {
   Agreement a;
+  const BlockTolerance tolerance(plane);
   double sum = 0, squares = 0;
   for (size_t i = 0; i < count; ++i) {
     const double expected = plane.at(blocks[i].x, blocks[i].y);
     if (!(expected > 0)) continue;
-    const double off = (blocks[i].disparity - expected) / blockTolerance(expected);
+    const double off = (blocks[i].disparity - expected) / tolerance.at(expected);
     ++a.blocks;
     a.below += off < -2;
     if (std::fabs(off) > 1) continue;
@@ -129,9 +130,10 @@ Agreement agreementOf(const DisparityPlane& plane, const Block* blocks, size_t c
 
 bool refine(DisparityPlane& plane, const Block* blocks, size_t count, double factor) {
   PlaneEquations equations;
+  const BlockTolerance tolerance(plane);
   for (size_t i = 0; i < count; ++i) {
     const double expected = plane.at(blocks[i].x, blocks[i].y);
-    if (expected > 0 && std::fabs(blocks[i].disparity - expected) <= factor * blockTolerance(expected))
+    if (expected > 0 && std::fabs(blocks[i].disparity - expected) <= factor * tolerance.at(expected))
       equations.add(blocks[i].x, blocks[i].y, blocks[i].disparity);
   }
   return equations.solve(plane);

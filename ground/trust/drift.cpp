@@ -25,11 +25,12 @@ constexpr double blocksPerError = 9;
 
 // The scatter of the blocks on a plane, as the variance of one.
 double variance(const DisparityPlane& plane, const Block* blocks, size_t count, PlaneEquations& equations, size_t& on) {
+  const BlockTolerance tolerance(plane);
   double squares = 0;
   on = 0;
   for (size_t i = 0; i < count; ++i) {
     const double expected = plane.at(blocks[i].x, blocks[i].y), off = blocks[i].disparity - expected;
-    if (!(expected > 0 && std::fabs(off) <= blockTolerance(expected))) continue;
+    if (!(expected > 0 && std::fabs(off) <= tolerance.at(expected))) continue;
     equations.add(blocks[i].x, blocks[i].y, 0);
     squares += off * off;
     ++on;

@@ -69,11 +69,12 @@ bool throughThree(const Sample& sample, std::mt19937& random, DisparityPlane& pl
 int32_t scoreOf(const DisparityPlane& plane, const Sample& sample) {
   const auto perColumn = static_cast<float>(plane.perColumn), perRow = static_cast<float>(plane.perRow),
              atOrigin = static_cast<float>(plane.atOrigin);
+  const BlockTolerance tolerance(plane);
   int32_t score = 0;
   for (uint32_t i = 0; i < sample.count; ++i) {
     const float expected = perColumn * sample.x[i] + perRow * sample.y[i] + atOrigin;
-    const float off = sample.disparity[i] - expected, tolerance = blockTolerance(expected);
-    const int32_t counts = expected > 0, on = (off <= tolerance) & (off >= -tolerance), below = off < -2 * tolerance;
+    const float off = sample.disparity[i] - expected, most = tolerance.at(expected);
+    const int32_t counts = expected > 0, on = (off <= most) & (off >= -most), below = off < -2 * most;
     score += counts & on;
     score -= counts & below;
   }
@@ -107,9 +108,10 @@ bool isThere(const Agreement& expected, const Agreement& best) {
 
 // Planes are linear: they differ most at a corner, of those in which the ground is seen.
 bool areAlike(const DisparityPlane& a, const DisparityPlane& b, uint32_t width, uint32_t height) {
+  const BlockTolerance tolerance(a);
   for (const double x : {0.0, width - 1.0})
     for (const double y : {0.0, height - 1.0})
-      if (a.at(x, y) > 0 && std::fabs(a.at(x, y) - b.at(x, y)) > alike * blockTolerance(a.at(x, y))) return false;
+      if (a.at(x, y) > 0 && std::fabs(a.at(x, y) - b.at(x, y)) > alike * tolerance.at(a.at(x, y))) return false;
   return true;
 }
 
