@@ -69,7 +69,8 @@ MatchedFrame matchedFrame(const NadirRoad& road) {
   const Shape& s = road.shape;
   return {{m.raw, m.cleaned, m.reference, m.mask, s.width, s.height},
           {m.firstCodes, m.referenceCodes, m.first, m.reference, s.width, s.height, m.walk, m.walkBytes, m.raw},
-          road.settings.grid == NADIR_GRID_LEFT};
+          road.settings.grid == NADIR_GRID_LEFT,
+          road.settings.uniqueness};
 }
 
 void judgeFrame(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint32_t most = 96;       // rows
 constexpr uint32_t leastSide = 64;  // of a picture: the range is as wide, and a look at less would say nothing
-constexpr SgmParams usual{64, 48};
+constexpr SgmParams usual{64, lookUniqueness};
 
 // A picture moved by so much gives what lies in the same column of both a disparity that the matcher finds.
 constexpr int32_t unmovedAt = 8;

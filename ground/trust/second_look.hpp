@@ -16,6 +16,9 @@ struct LookMemory {
   uint16_t* strip;  // receives disparities, lookRows(width, height) * width of them
 };
 
+// What a look asks of a peak; the usual number.
+constexpr uint32_t lookUniqueness = 48;
+
 // How many rows a look takes: enough to tell, few enough to be cheap. 0 for pictures that are too small for one.
 uint32_t lookRows(uint32_t width, uint32_t height);
 

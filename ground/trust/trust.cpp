@@ -87,6 +87,7 @@ class Hearing {
     tellShares(shares_, t_);
     evidence_.matched = &shares_;
     if (!asksForSecondLook(shares_) || lookRows(disparities_.width, disparities_.height) == 0) return;
+    evidence_.isLax = frame.uniqueness < lookUniqueness;
     look_ = secondLook(frame.look, frame.pictures.cleaned);
     evidence_.look = &look_;
   }

@@ -26,7 +26,8 @@ struct MountView {
 struct MatchedFrame {
   MatchedPictures pictures;
   LookMemory look;
-  bool isMirrored;  // the measured view is the left one, which the matcher has mirrored
+  bool isMirrored;      // the measured view is the left one, which the matcher has mirrored
+  uint32_t uniqueness;  // of the matcher's peak check
 };
 
 // The view's disparities, as matched or as given.

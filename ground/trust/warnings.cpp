@@ -37,9 +37,11 @@ double share(uint32_t part, uint32_t whole) { return whole ? static_cast<double>
 
 double matchedOf(const MatchedShares& m) { return share(m.matched, m.able); }
 
-// With a strict peak check many pixels of good pictures have no value; the second look takes the usual one.
+// With a strict peak check many pixels of good pictures have no value, and with a lax one most of spoilt ones have a
+// wrong one; the second look takes the usual one.
 bool isThin(const Evidence& e) {
-  return e.matched && e.look && matchedOf(*e.matched) < leastMatched && e.look->asGiven < leastMatched;
+  if (!e.matched || !e.look || e.look->asGiven >= leastMatched) return false;
+  return e.isLax || matchedOf(*e.matched) < leastMatched;
 }
 
 bool isSame(const Evidence& e) { return isThin(e) && e.look->unmoved >= unmoved; }
@@ -49,10 +51,11 @@ bool isSwapped(const Evidence& e) {
 }
 
 // What lies beyond the range leaves a rim at its end where it slopes towards the camera, and a hole where it does not.
+// Where little can be matched, wrong matches lie at the range's end as they lie everywhere, and are no rim.
 bool isTooNear(const Evidence& e) {
   if (!e.matched) return false;
   const MatchedShares& m = *e.matched;
-  if (share(m.atEnd, m.pixels) >= atEnd && share(m.cutOff, m.pixels) >= cutOff) return true;
+  if (!isThin(e) && share(m.atEnd, m.pixels) >= atEnd && share(m.cutOff, m.pixels) >= cutOff) return true;
   return e.look && e.look->nearerInHole >= nearerInHole && e.look->nearerInHole >= 0.5 * e.look->empty;
 }
 
@@ -71,7 +74,7 @@ bool listPictures(const Evidence& e, List& list) {
   else if (isTooNear(e))
     list.add(NADIR_WARNING_TOO_NEAR, 3, t.range_end, t.cut_off, t.least_top_mm);
   else if (isThin(e))
-    list.add(NADIR_WARNING_LOW_DENSITY, 2, t.matched, leastMatched);
+    list.add(NADIR_WARNING_LOW_DENSITY, 2, e.isLax ? e.look->asGiven : t.matched, leastMatched);
   return list.count > before;
 }
 

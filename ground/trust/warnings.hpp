@@ -18,6 +18,7 @@ namespace nadir::ground {
 struct Evidence {
   const NadirTrust* trust;  // its shares
   const MatchedShares* matched = nullptr;
+  bool isLax = false;                   // more wrong matches pass the peak check than that of a second look
   const SecondLook* look = nullptr;     // wherever asksForSecondLook says so
   const Agreement* expected = nullptr;  // of the camera file's ground
   const Agreement* best = nullptr;      // of the plane that a search found, where there was one

@@ -1,4 +1,5 @@
 // The table of warnings: every fault gives its own and no other, and nothing unspoilt gives any.
+#include <algorithm>
 #include <cstdlib>
 
 #include "lab/scene/ready_scenes.hpp"
@@ -75,6 +76,28 @@ TEST(Table, SteepGroundUnderALowCameraIsUnspoilt) {
         const Rendered r = rendered(scene, 320, 240, 13, 10, height, tilt);
         expectNone(r, std::string(scene) + " at " + std::to_string(height) + ", " + std::to_string(tilt));
       }
+}
+
+// The matcher's wrong matches lie at all disparities then, those at the range's end too.
+TEST(Table, PicturesThatDoNotBelongTogetherAreOfLowDensity) {
+  for (const char* scene : {"boxes", "people", "crop-rows", "empty-floor"}) {
+    Rendered r = rendered(scene, 320, 240, 14, 5);
+    std::vector<uint16_t>& right = r.pair.right.pixels;
+    std::rotate(right.begin(), right.begin() + 3 * 320, right.end());
+    EXPECT_EQ("low-density", trustOf(r.pair, &r.camera).names()) << scene << ", three rows off";
+    std::reverse(right.begin(), right.end());
+    EXPECT_EQ("low-density", trustOf(r.pair, &r.camera).names()) << scene << ", upside down";
+  }
+}
+
+TEST(Table, ALaxPeakCheckHidesNothing) {
+  for (const char* scene : {"boxes", "people", "crop-rows", "empty-floor"}) {
+    const Rendered r = rendered(scene, 320, 240, 15, 5);
+    const Pair swapped{r.pair.right, r.pair.left}, same{r.pair.left, r.pair.left};
+    EXPECT_EQ("none", trustOf(r.pair, &r.camera, 0).names()) << scene;
+    EXPECT_EQ("left-and-right-swapped", trustOf(swapped, &r.camera, 0).names()) << scene;
+    EXPECT_EQ("same-picture-twice", trustOf(same, &r.camera, 0).names()) << scene;
+  }
 }
 
 TEST(Table, APitLiesBelowTheGround) {

@@ -43,10 +43,11 @@ NadirCamera cameraRecord(const Pair& pair, const CameraNumbers& c) {
 // A pair that went the road, to its end or, without a camera, until the match.
 class Way {
  public:
-  Way(const Pair& pair, const CameraNumbers* camera) {
+  Way(const Pair& pair, const CameraNumbers* camera, uint32_t uniqueness) {
     const NadirCamera record = cameraRecord(pair, camera ? *camera : CameraNumbers{});
     NadirSettings settings;
     nadir_settings_fill(&settings, &record);
+    settings.uniqueness = uniqueness;
     settings.until = camera ? NADIR_UNTIL_ALL : NADIR_UNTIL_MATCH;
     NadirRoad* road = nullptr;
     NadirResult* result = nullptr;
@@ -96,14 +97,14 @@ StereoCtx contextOf(const CameraNumbers& c) {
 }
 
 Grid<uint16_t> disparityOf(const Pair& pair) {
-  const Way way(pair, nullptr);
+  const Way way(pair, nullptr, 48);
   const NadirPlane& plane = way.findings().disparity;
   const auto* pixels = static_cast<const uint16_t*>(plane.data);
   return {plane.width, plane.height, std::vector<uint16_t>(pixels, pixels + size_t{plane.width} * plane.height)};
 }
 
-Judged trustOf(const Pair& pair, const CameraNumbers* camera) {
-  const Way way(pair, camera);
+Judged trustOf(const Pair& pair, const CameraNumbers* camera, uint32_t uniqueness) {
+  const Way way(pair, camera, uniqueness);
   const NadirFindings& f = way.findings();
   return {*f.trust, {f.warnings, f.warnings + f.warning_count}};
 }

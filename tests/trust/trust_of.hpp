@@ -40,7 +40,8 @@ StereoCtx contextOf(const CameraNumbers& camera);
 lab::Grid<uint16_t> disparityOf(const Pair& pair);
 
 // camera  null: the pair is matched and no more.
-Judged trustOf(const Pair& pair, const CameraNumbers* camera);
+// uniqueness  of the matcher's peak check
+Judged trustOf(const Pair& pair, const CameraNumbers* camera, uint32_t uniqueness = 48);
 
 // ---- rendered pairs ----
 
