@@ -196,10 +196,10 @@ TEST(Drift, IsWhatTheMountWasMovedBy) {
 
 TEST(Drift, OfARenderedSequenceFollowsTheMount) {
   const Rendered r = rendered("boxes", 320, 240, 4, 5);
-  const auto driftFor = [&](double height, double tilt) {
+  const auto driftFor = [&](double higher, double steeper) {
     CameraNumbers c = r.camera;
-    c.height += height;
-    c.tilt += tilt;
+    c.height += higher;
+    c.tilt += steeper;
     return trustOf(r.pair, &c).trust;
   };
   const NadirTrust still = driftFor(0, 0), moved = driftFor(50, -0.8);

@@ -301,7 +301,7 @@ TEST(Areas, WithoutCornersInMemoryAreRefused) {
 
 TEST(Areas, AreLookedAtOnlyByARoadToTheEnd) {
   const NadirCamera camera = smallCamera();
-  for (const uint32_t until : {NADIR_UNTIL_MATCH, NADIR_UNTIL_MAP})
+  for (const uint32_t until : {uint32_t{NADIR_UNTIL_MATCH}, uint32_t{NADIR_UNTIL_MAP}})
     EXPECT_EQ(refusalOf(camera, settingsUntil(until), {areaOf({0, 0, 1, 1}, 99)}).status, NADIR_OK) << until;
 }
 

@@ -89,7 +89,7 @@ Picture modelOf(const Pair& pair, const NadirSettings& settings) {
 TEST(Matching, IsThatOfLibnadir) {
   inRounds(8, [](lab::Random& random) {
     const Pair pair = anyPair(random, 40 + random.below(60), 12 + random.below(30));
-    for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+    for (const uint32_t grid : {uint32_t{NADIR_GRID_LEFT}, uint32_t{NADIR_GRID_RIGHT}}) {
       for (const uint32_t postprocess : {0u, 1u}) {
         NadirSettings settings = matching(grid, postprocess);
         settings.uniqueness = random.below(100);
@@ -154,7 +154,7 @@ TEST(Bytes, CountSixteenTimesAndZeroIsBlack) {
     const BytePair bytes = anyBytePair(random);
     ASSERT_GT(std::count(bytes.left.pixels.begin(), bytes.left.pixels.end(), 0), 0);
     const Pair words{widened(bytes.left), widened(bytes.right)};
-    for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+    for (const uint32_t grid : {uint32_t{NADIR_GRID_LEFT}, uint32_t{NADIR_GRID_RIGHT}}) {
       EXPECT_TRUE(same(matched(frameOfPair(words), matching(grid, 1)).disparity.pixels,
                        matched(frameOfBytes(bytes), matching(grid, 1)).disparity.pixels));
     }
@@ -248,7 +248,7 @@ TEST(FrameMask, CoveredPixelsGetNoDisparity) {
   inRounds(6, [](lab::Random& random) {
     const Pair pair = anyPair(random);
     const Grid<uint8_t> mask = anyMask(random);
-    for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+    for (const uint32_t grid : {uint32_t{NADIR_GRID_LEFT}, uint32_t{NADIR_GRID_RIGHT}}) {
       for (const uint32_t postprocess : {0u, 1u}) {
         const Picture got = matched(withMask(frameOfPair(pair), mask), matching(grid, postprocess)).disparity;
         for (size_t i = 0; i < mask.pixels.size(); ++i)
@@ -262,7 +262,7 @@ TEST(FrameMask, WithoutTheCleanUpAllOtherPixelsStay) {
   inRounds(6, [](lab::Random& random) {
     const Pair pair = anyPair(random);
     const Grid<uint8_t> mask = anyMask(random);
-    for (const uint32_t grid : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+    for (const uint32_t grid : {uint32_t{NADIR_GRID_LEFT}, uint32_t{NADIR_GRID_RIGHT}}) {
       Picture wanted = matched(frameOfPair(pair), matching(grid, 0)).disparity;
       for (size_t i = 0; i < mask.pixels.size(); ++i) wanted.pixels[i] = mask.pixels[i] ? 0 : wanted.pixels[i];
       const Picture got = matched(withMask(frameOfPair(pair), mask), matching(grid, 0)).disparity;
@@ -481,7 +481,7 @@ TEST(Until, TheMapHasNoRegions) {
 TEST(Until, EachGivesTheSameDisparities) {
   const Pair pair = onePair();
   const Picture wanted = matched(frameOfPair(pair), settingsUntil(NADIR_UNTIL_MATCH)).disparity;
-  for (const uint32_t until : {NADIR_UNTIL_MAP, NADIR_UNTIL_ALL})
+  for (const uint32_t until : {uint32_t{NADIR_UNTIL_MAP}, uint32_t{NADIR_UNTIL_ALL}})
     EXPECT_TRUE(same(wanted.pixels, matched(frameOfPair(pair), settingsUntil(until)).disparity.pixels)) << until;
 }
 

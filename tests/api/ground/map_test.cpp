@@ -197,7 +197,7 @@ TEST(Map, MatchedDisparitiesGoPointByPointToo) {
   const lab::TexturedPair pair = lab::shiftedRows(
       96, 60, 24, [](uint32_t y) { return 12 + y / 8; }, random);
   const Grid<uint16_t> left(96, 60, pair.first), right(96, 60, pair.reference);
-  for (const uint32_t view : {NADIR_GRID_LEFT, NADIR_GRID_RIGHT}) {
+  for (const uint32_t view : {uint32_t{NADIR_GRID_LEFT}, uint32_t{NADIR_GRID_RIGHT}}) {
     NadirSettings settings = settingsUntil(NADIR_UNTIL_MAP);
     settings.grid = view;
     const Road road = makeRoad(crookedCamera(), settings);
