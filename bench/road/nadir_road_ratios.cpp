@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "bench/road_stages.hpp"
+#include "bench/road/road_stages.hpp"
 #include "bench/table_head.hpp"
 #include "simd/cpu.hpp"
 

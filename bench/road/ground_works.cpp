@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "bench/road_frame.hpp"
+#include "bench/road/road_frame.hpp"
 #include "bench/work.hpp"
 #include "lab/road.hpp"
 

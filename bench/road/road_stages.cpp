@@ -1,11 +1,11 @@
 // Rounds of a frame and a matching, of each the fastest.
-#include "bench/road_stages.hpp"
+#include "bench/road/road_stages.hpp"
 
 #include <algorithm>
 #include <limits>
 
 #include "bench/matching.hpp"
-#include "bench/road_frame.hpp"
+#include "bench/road/road_frame.hpp"
 #include "bench/timing.hpp"
 
 namespace nadir::bench {
