@@ -62,10 +62,10 @@ NadirResult* resultIn(Arena& arena, const Shape& shape) {
 
 using namespace nadir::ground;
 
-size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count) {
+size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t areaCount) {
   if (!camera || !settings || judged(*camera, *settings).status) return 0;
   Arena counting(nullptr);
-  resultIn(counting, shapeOf(*camera, *settings, area_count));
+  resultIn(counting, shapeOf(*camera, *settings, areaCount));
   return counting.bytes();
 }
 

@@ -97,20 +97,20 @@ NadirStatus told(const Judgement& j, NadirFault* fault) {
 
 using namespace nadir::ground;
 
-size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count) {
+size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t areaCount) {
   if (!camera || !settings || judged(*camera, *settings).status) return 0;
   Arena counting(nullptr);
-  roadIn(counting, shapeOf(*camera, *settings, area_count));
+  roadIn(counting, shapeOf(*camera, *settings, areaCount));
   return counting.bytes();
 }
 
 NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* settings, const NadirArea* areas,
-                              uint32_t area_count, NadirRoad** road, NadirFault* fault) {
+                              uint32_t areaCount, NadirRoad** road, NadirFault* fault) {
   if (fault && !isWhole(fault)) return NADIR_BAD_RECORD;
-  if (!camera || !settings || !road || (area_count > 0 && !areas)) return told({NADIR_NULL_POINTER}, fault);
+  if (!camera || !settings || !road || (areaCount > 0 && !areas)) return told({NADIR_NULL_POINTER}, fault);
   *road = nullptr;
   if (const Judgement j = judged(*camera, *settings); j.status) return told(j, fault);
-  return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, area_count), *road), fault);
+  return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, areaCount), *road), fault);
 }
 
 void nadir_road_destroy(NadirRoad* road) { std::free(road); }

@@ -167,16 +167,15 @@ NadirStatus nadir_tracker_create(const NadirRoad* road, const NadirTrackSettings
 
 void nadir_tracker_destroy(NadirTracker* tracker) { std::free(tracker); }
 
-NadirStatus nadir_tracker_step(NadirTracker* tracker, const NadirResult* result, int64_t time_ns) {
+NadirStatus nadir_tracker_step(NadirTracker* tracker, const NadirResult* result, int64_t timeNs) {
   if (!tracker || !result) return NADIR_NULL_POINTER;
   if (!areEqual(tracker->shape, result->shape)) return NADIR_FOREIGN_RESULT;
   if (!result->holdsFrame) return NADIR_NOTHING_FOUND;
-  if (tracker->begun && time_ns < tracker->timeNs) return NADIR_BAD_TIME;
+  if (tracker->begun && timeNs < tracker->timeNs) return NADIR_BAD_TIME;
   for (uint32_t i = 0; i < tracker->shape.areas; ++i)
-    stepTrack(tracker->tracks[i], tracker->settings, time_ns, sinceLast(*tracker, time_ns),
-              measuredIn(result->areas[i]));
+    stepTrack(tracker->tracks[i], tracker->settings, timeNs, sinceLast(*tracker, timeNs), measuredIn(result->areas[i]));
   const bool hasMap = tracker->shape.hasMap();
-  step(*tracker, time_ns, planeOf(hasMap ? result->heights : nullptr, result->shape.mapWidth, result->shape.mapHeight));
+  step(*tracker, timeNs, planeOf(hasMap ? result->heights : nullptr, result->shape.mapWidth, result->shape.mapHeight));
   return NADIR_OK;
 }
 
