@@ -2,6 +2,7 @@
 // these are comparisons of speed at the same task, not of the same computation.
 #include <nadir/imgproc.h>
 
+#include <algorithm>
 #include <memory>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core.hpp>
@@ -11,6 +12,7 @@
 #include "bench/matching.hpp"
 #include "bench/peers.hpp"
 #include "bench/picture.hpp"
+#include "bench/road/road_frame.hpp"
 #include "bench/segment_calls.hpp"
 #include "bench/star.hpp"
 #include "geometry/polygon_cells.hpp"
@@ -46,6 +48,47 @@ Peer matcher(const std::string& name, cv::Ptr<cv::StereoMatcher> theirs, const s
 cv::Ptr<cv::StereoMatcher> semiGlobal(int mode) {
   constexpr int block = 5, p1 = 8 * block * block, p2 = 32 * block * block;
   return cv::StereoSGBM::create(0, Matching::disparities, block, p1, p2, 1, 0, 10, 0, 0, mode);
+}
+
+// Takes a disparity of 1 to (x, y, focal length, 1 / baseline).
+cv::Matx44d reprojection(const IntCalib& c) {
+  return cv::Matx44d(1, 0, 0, -c.principalX, 0, 1, 0, -c.principalY, 0, 0, 0, c.focalLength, 0, 0, 1.0 / c.baseline, 0);
+}
+
+// The highest point over each cell, row 2 of R being the way down.
+void keepHighest(const cv::Mat& points, const StereoCtx& context, std::vector<float>& map) {
+  const float *r = context.extCalib.R, *t = context.extCalib.T;
+  const ElevMapParams& m = context.mapParams;
+  std::fill(map.begin(), map.end(), 0.0f);
+  for (int y = 0; y < points.rows; ++y) {
+    const auto* row = points.ptr<cv::Vec3f>(y);
+    for (int x = 0; x < points.cols; ++x) {
+      const float px = row[x][0] - t[0], py = row[x][1] - t[1], pz = row[x][2] - t[2];
+      const float column = (r[0] * px + r[1] * py + r[2] * pz - context.lowerLeft.x) / m.cellSizeX;
+      const float line = (r[3] * px + r[4] * py + r[5] * pz - context.lowerLeft.y) / m.cellSizeY;
+      if (!(row[x][2] > 0 && column >= 0 && line >= 0 && column < m.width && line < m.height)) continue;
+      float& cell = map[static_cast<size_t>(line) * m.width + static_cast<size_t>(column)];
+      cell = std::max(cell, context.orientation.height - (r[6] * px + r[7] * py + r[8] * pz));
+    }
+  }
+}
+
+// Theirs ends at the map: no trust, regions or areas.
+Peer wholeRoad(const lab::TexturedPair& pair, const cv::Ptr<cv::StereoMatcher>& theirs) {
+  const auto road = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_ALL, 90);
+  StereoCtx context;
+  lab::demand(nadir_road_context(road->road.road(), &context));
+  const cv::Mat left = picture8(pair, pair.first), right = picture8(pair, pair.reference);
+  const auto map = std::make_shared<std::vector<float>>(size_t{context.mapParams.width} * context.mapParams.height);
+  return {"StereoSGBM MODE_SGBM_3WAY, reprojectImageTo3D, highest point per cell", "nadir_road_process",
+          [=] { road->road.findings(road->matched()); },
+          [=] {
+            cv::Mat disparity, pixels, points;
+            theirs->compute(left, right, disparity);
+            disparity.convertTo(pixels, CV_32F, 1.0 / 16);
+            cv::reprojectImageTo3D(pixels, points, reprojection(context.intCalib));
+            keepHighest(points, context, *map);
+          }};
 }
 
 Peer filter(const lab::TexturedPair& pair, const char* theirName, void (*theirs)(const cv::Mat&, cv::Mat&),
@@ -136,6 +179,7 @@ std::vector<Peer> peers(const lab::TexturedPair& pair) {
           matcher("StereoSGBM MODE_HH4, 64 disparities", fourPaths, "IP_SgmFull", matching, match),
           matcher("StereoBM, 64 disparities, blocks of 15", blocks, "IP_SgmFull", matching, match),
           matcher("StereoSGBM MODE_SGBM_3WAY, 64 disparities", threeWay, "whole frame", matching, wholeFrame),
+          wholeRoad(pair, threeWay),
           median(pair),
           gauss(pair),
           dilate(pair)};
