@@ -76,8 +76,7 @@ void keepHighest(const cv::Mat& points, const StereoCtx& context, std::vector<fl
 // Theirs ends at the map: no trust, regions or areas.
 Peer wholeRoad(const lab::TexturedPair& pair, const cv::Ptr<cv::StereoMatcher>& theirs) {
   const auto road = std::make_shared<RoadFrame>(pair, NADIR_UNTIL_ALL, 90);
-  StereoCtx context;
-  lab::demand(nadir_road_context(road->road.road(), &context));
+  const StereoCtx& context = road->context;
   const cv::Mat left = picture8(pair, pair.first), right = picture8(pair, pair.reference);
   const auto map = std::make_shared<std::vector<float>>(size_t{context.mapParams.width} * context.mapParams.height);
   return {"StereoSGBM MODE_SGBM_3WAY, reprojectImageTo3D, highest point per cell", "nadir_road_process",
@@ -86,8 +85,8 @@ Peer wholeRoad(const lab::TexturedPair& pair, const cv::Ptr<cv::StereoMatcher>& 
             cv::Mat disparity, pixels, points;
             theirs->compute(left, right, disparity);
             disparity.convertTo(pixels, CV_32F, 1.0 / 16);
-            cv::reprojectImageTo3D(pixels, points, reprojection(context.intCalib));
-            keepHighest(points, context, *map);
+            cv::reprojectImageTo3D(pixels, points, reprojection(road->context.intCalib));
+            keepHighest(points, road->context, *map);
           }};
 }
 

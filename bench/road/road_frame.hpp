@@ -12,7 +12,9 @@ namespace nadir::bench {
 
 struct RoadFrame {
   RoadFrame(const lab::TexturedPair& pictures, uint32_t until, double percentile)
-      : pair(pictures), plan(planOf(pair, until, percentile)), road(plan) {}
+      : pair(pictures), plan(planOf(pair, until, percentile)), road(plan) {
+    if (until != NADIR_UNTIL_MATCH) lab::demand(nadir_road_context(road.road(), &context));
+  }
 
   // Two areas lie on the map, which reaches from -4160 mm to 4160 across the view.
   static std::vector<NadirArea> areas() {
@@ -41,6 +43,7 @@ struct RoadFrame {
   lab::TexturedPair pair;
   lab::RoadPlan plan;
   lab::Road road;
+  StereoCtx context{};  // what other libraries are told about the camera and the map
   std::vector<float> disparity;
 };
 
