@@ -65,7 +65,6 @@ class StateReader {
     memory_ += sizeof(T);
     left_ -= sizeof(T);
   }
-  bool isWholeAndDone() const { return whole_ && left_ == 0; }
   bool isWhole() const { return whole_; }
 
  private:

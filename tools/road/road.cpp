@@ -16,12 +16,6 @@ namespace nadir::tool {
 
 namespace {
 
-// A status that only a lack of memory or a mistake of this program can explain.
-void expect(NadirStatus status) {
-  if (status == NADIR_NO_MEMORY) throw std::bad_alloc();
-  if (status != NADIR_OK) throw Error(nadir_status_text(status));
-}
-
 // ---- what is checked before a road is made ----
 
 // Regions are found on small maps only; larger cells cover the same ground.
@@ -239,6 +233,11 @@ Warning warningOf(const NadirWarning& w) {
 }
 
 }  // namespace
+
+void expect(NadirStatus status) {
+  if (status == NADIR_NO_MEMORY) throw std::bad_alloc();
+  if (status != NADIR_OK) throw Error(nadir_status_text(status));
+}
 
 NadirSettings usualSettings() {
   NadirSettings settings;

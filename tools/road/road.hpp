@@ -18,6 +18,9 @@
 
 namespace nadir::tool {
 
+// Throws for a status that only a lack of memory or a mistake of this program can explain.
+void expect(NadirStatus status);
+
 // The library's defaults; those that follow from the camera are left at 0.
 NadirSettings usualSettings();
 

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
-#include <new>
 
 #include "tools/base/background.hpp"
 #include "tools/base/error.hpp"
@@ -57,13 +56,8 @@ TrackerHandle trackerOf(const Road& road, const SequenceRule& rule) {
   NadirTrackSettings settings = rule.track;
   if (rule.products.count(Product::average) == 0) settings.average_frames = 0;
   NadirTracker* tracker = nullptr;
-  if (nadir_tracker_create(road.handle.get(), &settings, &tracker, nullptr) != NADIR_OK) throw std::bad_alloc();
+  expect(nadir_tracker_create(road.handle.get(), &settings, &tracker, nullptr));
   return TrackerHandle(tracker);
-}
-
-// A status that only a mistake of this program can explain.
-void expect(NadirStatus status) {
-  if (status != NADIR_OK) throw Error(nadir_status_text(status));
 }
 
 class SequenceRun {
