@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -22,18 +23,42 @@ namespace {
 constexpr int failed = 1;
 constexpr int misused = 2;
 
-int complain(const char* sentence, int status) {
-  std::fprintf(stderr, "nadir: %s\n", sentence);
+int complain(const std::string& sentence, int status) {
+  say(sentence);
   return status;
 }
 
 // If one of them were closed, it would become the number of the next file that is opened, and messages would land in
-// that file.
+// that file. All are opened for reading alone, so that what cannot be printed fails and is told by the exit status.
 void openStandardStreams() {
   int opened = 0;
-  while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDWR);
+  while (opened >= 0 && opened <= STDERR_FILENO) opened = open("/dev/null", O_RDONLY);
   if (opened > STDERR_FILENO) close(opened);
 }
+
+// Exceptions end here where some library lets none out. Nothing may be allocated any more.
+[[noreturn]] void endInOneSentence() {
+  const char* sentence = "nadir: something failed inside the program\n";
+  try {
+    if (std::current_exception()) std::rethrow_exception(std::current_exception());
+  } catch (const std::bad_alloc&) {
+    sentence = "nadir: not enough memory\n";
+  } catch (...) {
+  }
+  std::fputs(sentence, stderr);
+  _exit(failed);
+}
+
+// A reader who leaves, and a file that may not grow, are errors of the write: the signals would end the program with
+// its results half-written.
+void prepareProcess() {
+  openStandardStreams();
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+// Tables of this program and of what it includes are filled before main().
+[[gnu::constructor(101)]] void watchOverExceptions() { std::set_terminate(endInOneSentence); }
 
 void describe(CLI::App& app) {
   app.name("nadir");
@@ -79,7 +104,7 @@ int answer(const CLI::App& app, const CLI::ParseError& error) {
     return 0;
   }
   const std::string sentence = mistakeIn(app, error) + "; see " + fullName(commandIn(app)) + " --help";
-  return complain(sentence.c_str(), misused);
+  return complain(sentence, misused);
 }
 
 int run(int argc, char** argv) {
@@ -107,13 +132,13 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   using namespace nadir::tool;
-  openStandardStreams();
+  prepareProcess();
   try {
     return run(argc, argv);
   } catch (const Error& error) {
     return complain(error.what(), error.status);
   } catch (const std::filesystem::filesystem_error& error) {
-    return complain(("cannot use " + error.path1().string() + ": " + error.code().message()).c_str(), failed);
+    return complain("cannot use " + error.path1().string() + ": " + error.code().message(), failed);
   } catch (const std::bad_alloc&) {
     return complain("not enough memory", failed);
   } catch (const std::exception& error) {

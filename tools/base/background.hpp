@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -16,8 +17,12 @@ template <class Item>
 class Background {
  public:
   // room  items that may wait; who gives one more waits too, so that memory does not grow.
-  Background(size_t room, std::function<void(Item&)> use)
-      : room_(room), use_(std::move(use)), thread_([this] { work(); }) {}
+  Background(size_t room, std::function<void(Item&)> use) : room_(room), use_(std::move(use)) {
+    try {
+      thread_ = std::thread([this] { work(); });
+    } catch (const std::system_error&) {  // the system gives no thread: give() does the work
+    }
+  }
   Background(const Background&) = delete;
   Background& operator=(const Background&) = delete;
 
@@ -26,6 +31,7 @@ class Background {
 
   // Throws what the use of an earlier item has thrown.
   void give(Item item) {
+    if (!thread_.joinable()) return use_(item);
     std::unique_lock<std::mutex> lock(mutex_);
     changed_.wait(lock, [this] { return waiting_.size() < room_ || failure_; });
     if (failure_) std::rethrow_exception(failure_);
@@ -75,7 +81,7 @@ class Background {
   std::deque<Item> waiting_;
   std::exception_ptr failure_;
   bool ended_ = false;
-  std::thread thread_;  // begins last, when everything that it uses is there
+  std::thread thread_;
 };
 
 }  // namespace nadir::tool

@@ -11,6 +11,12 @@ struct Error : std::runtime_error {
   int status;
 };
 
+// The bytes of a file prove that it cannot be used. Every other error may be a passing one of the system's, after which
+// the same file can be read.
+struct UnusableFile : Error {
+  using Error::Error;
+};
+
 // The status of work that is done, but not all of it can be relied on: frames were skipped, results not compared, or
 // there are warnings and the user asked for none.
 constexpr int notAllReliable = 3;

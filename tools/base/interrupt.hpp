@@ -1,11 +1,12 @@
-// Ctrl-C, and the polite signal of a service manager: what a work does that must not end in the middle of a step.
+// Ctrl-C, the polite signal of a service manager and the end of the terminal: what a work does that must not end in the
+// middle of a step.
 #pragma once
 
 #include <csignal>
 
 namespace nadir::tool {
 
-// While it lives, the first SIGINT or SIGTERM is only remembered; a second one ends the program at once.
+// While it lives, the first SIGINT, SIGTERM or SIGHUP is only remembered; a second one ends the program at once.
 class InterruptWatch {
  public:
   InterruptWatch();
@@ -16,7 +17,7 @@ class InterruptWatch {
   bool requested() const;
 };
 
-// While it lives, these signals (and the end of the terminal) wait: they end the program when it is gone. Only threads
+// While it lives, these signals wait: they end the program when it is gone. Only threads
 // that are started meanwhile are covered too.
 class InterruptDelay {
  public:

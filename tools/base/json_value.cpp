@@ -4,9 +4,32 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 
 namespace nadir::tool {
+
+void refuseNumber() { throw UnusableFile("a number is out of its range"); }
+
+// Brackets in texts do not count.
+void checkNesting(const std::string& text) {
+  constexpr int deepest = 64;
+  bool quoted = false;
+  int depth = 0;
+  for (size_t i = 0; i < text.size() && depth <= deepest; ++i) {
+    const char c = text[i];
+    if (c == '"') quoted = !quoted;
+    if (quoted && c == '\\') ++i;
+    if (!quoted) depth += (c == '[' || c == '{') - (c == ']' || c == '}');
+  }
+  if (depth > deepest) throw UnusableFile("it is nested too deeply");
+}
+
+double numberIn(const nlohmann::json& value, double least, double most) {
+  const double number = value.get<double>();
+  if (!(number >= least && number <= most)) refuseNumber();
+  return number;
+}
 
 Json roundedNumber(double value, double steps) {
   return std::isfinite(value) ? Json(std::round(value * steps) / steps) : Json();

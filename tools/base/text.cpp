@@ -1,6 +1,8 @@
 // Texts of any length from printf patterns, and tables whose columns are aligned.
 #include "tools/base/text.hpp"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdarg>
@@ -43,10 +45,21 @@ std::string Table::text() const {
   return text;
 }
 
-void print(const std::string& text) {
-  if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) throw Error("cannot write to standard output");
+std::string shownOn(int stream, std::string text) {
+  if (isatty(stream) == 0) return text;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]), next = static_cast<unsigned char>(text[i + 1]);
+    if ((byte < 0x20 && byte != '\n') || byte == 0x7F) text[i] = '?';
+    if (byte == 0xC2 && next >= 0x80 && next < 0xA0) text.replace(i, 2, "?");
+  }
+  return text;
 }
 
-void say(const std::string& sentence) { std::fprintf(stderr, "nadir: %s\n", sentence.c_str()); }
+void print(const std::string& text) {
+  if (std::fputs(shownOn(STDOUT_FILENO, text).c_str(), stdout) < 0 || std::fflush(stdout) != 0)
+    throw Error("cannot write to standard output");
+}
+
+void say(const std::string& sentence) { std::fprintf(stderr, "nadir: %s\n", shownOn(STDERR_FILENO, sentence).c_str()); }
 
 }  // namespace nadir::tool

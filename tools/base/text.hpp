@@ -26,6 +26,10 @@ class Table {
   std::vector<Line> lines_;
 };
 
+// The text as a stream of the process may show it. Names come from files of others: on a terminal a control character
+// in them could set the window's title, or hide what is written, so a question mark takes its place there.
+std::string shownOn(int stream, std::string text);
+
 // Writes to standard output and throws where that fails (a full disk behind a redirection).
 void print(const std::string& text);
 

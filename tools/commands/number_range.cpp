@@ -1,4 +1,4 @@
-// Checks of numbers, each of which tells a mistake in one short sentence; CLI11's own let "nan" pass.
+// Checks of numbers, each of which tells a mistake in one short sentence; CLI11's own let "nan", "0x10" and " 5" pass.
 #include "tools/commands/number_range.hpp"
 
 #include <charconv>
@@ -11,7 +11,8 @@ NumberRange numberFrom(double low, double high) {
   const std::string words = format("%g to %g", low, high);
   const auto mistake = [low, high, words](const std::string& text) {
     double number = 0;
-    const bool good = CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
+    const bool decimal = text.find_first_not_of("0123456789+-.eE") == std::string::npos;
+    const bool good = decimal && CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
     return good ? std::string() : text + " is not a number from " + words;
   };
   return {words, CLI::Validator(mistake, "")};

@@ -33,12 +33,12 @@ std::string digitsAtEnd(const std::string& name) {
   return name.substr(begin);
 }
 
-// Names of the plain files in a folder.
+// Names of the plain files in a folder; what cannot be asked for its kind, a link in a circle, is none.
 std::vector<fs::path> filesIn(const std::string& folder) {
   std::vector<fs::path> files;
-  std::error_code unreadable;
+  std::error_code unreadable, unknown;
   for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, unreadable))
-    if (entry.is_regular_file()) files.push_back(entry.path().filename());
+    if (entry.is_regular_file(unknown)) files.push_back(entry.path().filename());
   if (unreadable) throw Error("cannot read the folder " + folder + ": " + unreadable.message());
   return files;
 }
