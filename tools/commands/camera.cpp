@@ -8,6 +8,7 @@
 #include "tools/camera/camera_import.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
+#include "tools/files/output_files.hpp"
 
 namespace nadir::tool {
 
@@ -99,8 +100,8 @@ void run(const Options& options) {
   check(imported.camera);
   OutputFiles files(options.calibrations);
   files.write(options.output, cameraBytes(imported.camera));
-  print(report(imported, options.output));
   files.commit();
+  print(report(imported, options.output));
 }
 
 void addKeyOption(CLI::App& command, const CameraKey& key, std::optional<double>& value) {

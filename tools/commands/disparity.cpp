@@ -56,6 +56,7 @@ void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, Outpu
   std::vector<Encoding> encodings = {{options.output, [&] { return encodePng(disparity, texts(options)); }}};
   if (!options.noPreview) encodings.push_back({previewName(options), preview});
   writeAll(encodings, files);
+  files.commit();
 }
 
 std::string report(const Grid<uint16_t>& disparity, const NadirPixelCounts& counts, const StageTimes& times) {
@@ -82,7 +83,6 @@ void run(const Options& options) {
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
-  files.commit();
   const Warnings warnings = result.warnings;
   tell(warnings);
   if (options.strict) throwIfAny(warnings);

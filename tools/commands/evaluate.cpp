@@ -19,7 +19,7 @@
 #include "tools/evaluate/region_folders.hpp"
 #include "tools/evaluate/region_report.hpp"
 #include "tools/evaluate/track_evaluation.hpp"
-#include "tools/files/files.hpp"
+#include "tools/files/output_files.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
@@ -118,8 +118,8 @@ void runOnSequences(const Options& options) {
   const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
   OutputFiles files({options.input + "/frames.jsonl", options.truth + "/truth.jsonl"});
   if (!options.plot.empty()) files.write(options.plot, trackPlot(plotted(areas, options.area)));
-  print(options.json ? trackJson(areas) : trackTable(areas));
   files.commit();
+  print(options.json ? trackJson(areas) : trackTable(areas));
 }
 
 // No option is for regions but --json, because all that the two folders hold is compared.
@@ -143,8 +143,8 @@ void runOnPictures(const Options& options) {
   OutputFiles files({options.input, options.truth});
   if (!options.errorMap.empty())
     files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
-  print(report(compared, heights, options.json));
   files.commit();
+  print(report(compared, heights, options.json));
   if (heights) return;
   const Warnings warnings = gridWarnings(options);
   tell(warnings);

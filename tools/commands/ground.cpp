@@ -93,6 +93,7 @@ void writeOutputs(const Options& options, const Road& road, const PairResult& r,
   files.makeFolder(options.folder);
   writeAll(encodings, files);
   files.write(options.folder + "/summary.json", bytesOf(summary));
+  files.commit();
 }
 
 // Those of the library's, and what given disparities say of themselves.
@@ -116,7 +117,6 @@ void runOnPair(const Options& options) {
                      options.road.mask});
   times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });
   print(groundTable(road, result, times));
-  files.commit();
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
 }

@@ -6,6 +6,7 @@
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
+#include "tools/files/output_files.hpp"
 #include "tools/pictures/pictures.hpp"
 
 namespace nadir::tool {

@@ -9,6 +9,7 @@
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
+#include "tools/files/output_files.hpp"
 #include "tools/synth/scene_files.hpp"
 #include "tools/synth/scene_sequence.hpp"
 
@@ -55,8 +56,8 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
   files.makeFolder(folder);
   for (const auto& group : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
     for (const NamedFile& file : group) files.write(folder + "/" + file.name, file.bytes);
-  print(report(settings, rendering));
   files.commit();
+  print(report(settings, rendering));
 }
 
 void run(Options& options) {
@@ -139,6 +140,7 @@ void addSequenceOptions(CLI::App& command, Options& options) {
   addThreadsOption(command, sequence.threads,
                    "Frames that are rendered at a time, {range} (default: one for each processor)")
       ->needs(frames);
+  command.add_flag("--resume", sequence.resume, "Go on where an interrupted run has ended, or begin")->needs(frames);
   command
       .add_flag("--no-truth-pictures", options.noTruthPictures,
                 "Leave out the pictures of the truth, which take half of the time; truth.jsonl stays")

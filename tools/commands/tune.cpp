@@ -10,6 +10,7 @@
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/line_plot.hpp"
+#include "tools/files/output_files.hpp"
 #include "tools/tune/tuning.hpp"
 
 namespace nadir::tool {
@@ -80,8 +81,8 @@ void run(const Options& options) {
   const SearchResult result = searchBest(objective, t.low, t.high, options.maxTrials);
   OutputFiles files(pairFiles(options.folders));
   if (!options.plot.empty()) files.write(options.plot, plotOf(t, result));
-  print(report(t, result, objective(t.usual)));
   files.commit();
+  print(report(t, result, objective(t.usual)));
 }
 
 std::string settingList() {

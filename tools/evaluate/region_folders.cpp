@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/base/error.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/pictures.hpp"
@@ -15,21 +16,29 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr double farthest = 1e9;  // mm
+
 // A JSON file and what is to be made of it; whatever is missing or of another kind makes one sentence.
 template <class Use>
 auto useJson(const std::string& path, const char* writer, Use use) {
+  const std::string text = readText(path);
   try {
-    return use(Json::parse(readText(path)));
+    checkNesting(text);
+    return use(Json::parse(text));
   } catch (const Json::exception&) {
-    throw Error(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
+    throw UnusableFile(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
+  } catch (const UnusableFile& reason) {
+    throw UnusableFile(format("cannot use %s: %s", path.c_str(), reason.what()));
   }
 }
 
 std::vector<Thing> things(const Json& regions, const char* number) {
   std::vector<Thing> things;
   for (const Json& region : regions)
-    things.push_back({region.at(number).get<uint16_t>(), region.value("kind", ""), region.at("centre_mm").at("x"),
-                      region.at("centre_mm").at("y"), region.at("highest_mm")});
+    things.push_back({wholeNumberIn<uint16_t>(region.at(number), 1, 65535), region.value("kind", ""),
+                      numberIn(region.at("centre_mm").at("x"), -farthest, farthest),
+                      numberIn(region.at("centre_mm").at("y"), -farthest, farthest),
+                      numberIn(region.at("highest_mm"), -farthest, farthest)});
   return things;
 }
 

@@ -17,7 +17,11 @@ namespace nadir::tool {
 
 namespace {
 
-float millimetres(const nlohmann::json& value) { return value.is_number() ? value.get<float>() : std::nanf(""); }
+constexpr double farthest = 1e9;  // mm
+
+float millimetres(const nlohmann::json& value) {
+  return value.is_number() ? static_cast<float>(numberIn(value, -farthest, farthest)) : std::nanf("");
+}
 
 // An object of the truth at the time of one frame.
 struct TrueObject {
@@ -30,9 +34,9 @@ TrueObjects objectsOf(const nlohmann::json& line) {
   TrueObjects objects;
   for (const nlohmann::json& object : line.at("objects")) {
     const auto whole = [&object](const char* key) {
-      return static_cast<int32_t>(std::lround(object.at(key).get<double>()));
+      return static_cast<int32_t>(std::lround(numberIn(object.at(key), -farthest, farthest)));
     };
-    objects.push_back({{whole("x_mm"), whole("y_mm")}, object.at("height_mm").get<float>()});
+    objects.push_back({{whole("x_mm"), whole("y_mm")}, millimetres(object.at("height_mm"))});
   }
   return objects;
 }
@@ -46,12 +50,28 @@ float tallestIn(const PolygonRecord& area, const TrueObjects& objects) {
 
 std::vector<Point_s32> cornersOf(const nlohmann::json& area) {
   std::vector<Point_s32> corners;
-  for (const nlohmann::json& corner : area.at("ground_mm")) corners.push_back({corner.at(0), corner.at(1)});
+  const auto whole = [](const nlohmann::json& value) {
+    return wholeNumberIn<int32_t>(value, -NADIR_AREA_REACH, NADIR_AREA_REACH);
+  };
+  for (const nlohmann::json& corner : area.at("ground_mm"))
+    corners.push_back({whole(corner.at(0)), whole(corner.at(1))});
+  if (corners.size() < 3 || corners.size() > 100) refuseNumber();
   return corners;
 }
 
-nlohmann::json areasOf(const std::string& result) {
-  return nlohmann::json::parse(readText(result + "/run.json")).at("areas");
+// The areas and their corners, without a frame yet.
+void readAreas(const std::string& path, std::vector<AreaTrack>& areas, std::vector<PolygonRecord>& places) {
+  const std::string text = readText(path);
+  try {
+    checkNesting(text);
+    const nlohmann::json settings = nlohmann::json::parse(text);
+    for (const nlohmann::json& area : settings.at("areas")) {
+      areas.push_back({area.at("name"), {}, {}, {}, {}});
+      places.emplace_back(cornersOf(area));
+    }
+  } catch (const UnusableFile& reason) {
+    throw UnusableFile("cannot use " + path + ": " + reason.what());
+  }
 }
 
 void addFrame(std::vector<AreaTrack>& areas, const std::vector<PolygonRecord>& places, const nlohmann::json& line,
@@ -59,7 +79,7 @@ void addFrame(std::vector<AreaTrack>& areas, const std::vector<PolygonRecord>& p
   for (size_t i = 0; i < areas.size(); ++i) {
     const bool skipped = line.contains("error");
     const nlohmann::json none, &found = skipped ? none : line.at("areas").at(i);
-    areas[i].seconds.push_back(line.at("time_s"));
+    areas[i].seconds.push_back(numberIn(line.at("time_s"), 0, 1e10));
     areas[i].truth.push_back(tallestIn(places[i], objects));
     areas[i].tracked.push_back(skipped ? std::nanf("") : millimetres(found.at("tracked_mm")));
     areas[i].single.push_back(skipped ? std::nanf("") : millimetres(found.at("highest_mm")));
@@ -71,13 +91,10 @@ std::vector<AreaTrack> joinedTracks(const std::string& result, const std::string
   forEachLine(sequence + "/truth.jsonl", [&](const nlohmann::json& line) { truth.push_back(objectsOf(line)); });
   std::vector<AreaTrack> areas;
   std::vector<PolygonRecord> places;
-  for (const nlohmann::json& area : areasOf(result)) {
-    areas.push_back({area.at("name"), {}, {}, {}, {}});
-    places.emplace_back(cornersOf(area));
-  }
+  readAreas(result + "/run.json", areas, places);
   if (areas.empty()) throw Error(result + " has no areas of interest, and heights are tracked in areas");
   forEachLine(result + "/frames.jsonl", [&](const nlohmann::json& line) {
-    const auto frame = line.at("frame").get<size_t>();
+    const auto frame = wholeNumberIn<uint64_t>(line.at("frame"), 0, UINT64_MAX);
     if (frame >= truth.size()) throw Error(sequence + " has fewer frames than " + result);
     addFrame(areas, places, line, truth[frame]);
   });

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/files/files.hpp"
+#include "tools/files/output_files.hpp"
 
 namespace nadir::tool {
 

@@ -6,22 +6,26 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tools/files/descriptor.hpp"
+
 namespace nadir::tool {
 
 class FrameLog {
  public:
-  // Opens a file for appending and makes it unless it exists.
+  // Opens a plain file for appending and makes it unless it exists; a link is refused.
   explicit FrameLog(const std::string& path);
-  FrameLog(const FrameLog&) = delete;
-  FrameLog& operator=(const FrameLog&) = delete;
-  ~FrameLog();
+  // Writes in one go, so that whoever reads along sees the whole lines or nothing of them.
+  void append(const std::string& lines);
 
-  // Writes in one go, so that whoever reads along sees the whole line or nothing of it.
-  void append(const std::string& line);
+  // Brings what was appended to the disk.
+  void sync() const;
+
+  // Leaves the first `bytes`.
+  void cutOff(uintmax_t bytes) const;
 
  private:
   std::string path_;
-  int file_;
+  FileDescriptor file_;
 };
 
 // Calls use(object) for every line of a log, one after the other; a file that does not exist has none. A last line

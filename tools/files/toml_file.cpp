@@ -2,6 +2,8 @@
 #include "tools/files/toml_file.hpp"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
@@ -20,7 +22,31 @@ void Mistakes::throwIfAny() {
   throw Error(text);
 }
 
+namespace {
+
+constexpr size_t largestToml = size_t{1} << 20;  // bytes; a camera with a thousand areas has a tenth of it
+
+// The parser calls itself for every part of a key, a.b.c. A number has one dot: each further one before the next sign
+// that ends a key or a value may be one more level.
+void checkDots(const std::string& text, const std::string& path) {
+  constexpr unsigned mostDots = 4096;
+  unsigned further = 0, line = 1;
+  bool oneDot = false;
+  for (const char c : text) {
+    line += c == '\n';
+    if (std::strchr(",=[]{}\n", c)) oneDot = false;
+    if (c == '.') further += std::exchange(oneDot, true);
+    if (further > mostDots)
+      throw UnusableFile(format("%s:%u: too many dots: its keys nest too deeply", path.c_str(), line));
+  }
+}
+
+}  // namespace
+
 toml::table parseToml(const std::string& text, const std::string& path) {
+  if (text.size() > largestToml)
+    throw UnusableFile(format("cannot use %s: it is larger than %zu bytes", path.c_str(), largestToml));
+  checkDots(text, path);
   try {
     return toml::parse(text, path);
   } catch (const toml::parse_error& error) {

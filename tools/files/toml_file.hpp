@@ -25,7 +25,8 @@ class Mistakes {
   std::vector<std::pair<uint32_t, std::string>> list_;
 };
 
-// `path` is for the messages alone.
+// `path` is for the messages alone. Refuses more than 1 MiB, and keys of more parts than the parser's stack has room
+// for.
 toml::table parseToml(const std::string& text, const std::string& path);
 
 uint32_t lineOf(const toml::node& node);

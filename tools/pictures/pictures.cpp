@@ -22,7 +22,7 @@ Raster readRaster(const std::string& path) {
   try {
     return decodedPicture(bytes);
   } catch (const Error& reason) {
-    throw Error("cannot use " + path + ": " + reason.what());
+    throw UnusableFile("cannot use " + path + ": " + reason.what());
   }
 }
 

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
@@ -21,9 +23,20 @@ constexpr size_t signatureSize = 8;
 // level 6, zlib's own choice, takes 1084 ms for 4.7 MB.
 constexpr int compressionLevel = 3;
 
+// What went wrong.
 struct Message {
   char text[128] = "";
+  bool memory = false;  // there was not enough of it
 };
+
+// libpng reports a lack of memory as it reports damage, and passes over it where it can do without.
+png_voidp allocated(png_structp png, png_alloc_size_t size) {
+  void* memory = std::malloc(size);
+  if (!memory) static_cast<Message*>(png_get_mem_ptr(png))->memory = true;
+  return memory;
+}
+
+void freeAllocated(png_structp, png_voidp memory) { std::free(memory); }
 
 [[noreturn]] void keepMessage(png_structp png, png_const_charp text) {
   auto* message = static_cast<Message*>(png_get_error_ptr(png));
@@ -33,6 +46,12 @@ struct Message {
 
 void ignoreWarning(png_structp, png_const_charp) {}
 
+// A text that libpng cannot take, because it is too long or one too many, could be the scale of what is measured.
+void refuseLostText(png_structp png, png_const_charp text) {
+  for (const char* chunk : {"tEXt", "zTXt", "iTXt"})
+    if (std::strncmp(text, chunk, 4) == 0) png_error(png, text);
+}
+
 template <class Step>
 bool attempt(png_structp png, Step step) {
   if (setjmp(png_jmpbuf(png))) return false;
@@ -41,6 +60,10 @@ bool attempt(png_structp png, Step step) {
 }
 
 // ---- reading ----
+
+// A text of 8 KB can be unpacked to 8 MB. All of them together may take 64 MB.
+constexpr png_alloc_size_t largestChunk = size_t{1} << 20;
+constexpr png_uint_32 mostTexts = 64;
 
 constexpr bool isLittleEndian = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
 
@@ -60,10 +83,16 @@ void takeBytes(png_structp png, png_bytep out, size_t count) {
 class PngReader {
  public:
   explicit PngReader(const Bytes& bytes) : source_{bytes.data(), bytes.size()} {
-    png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
+    png_ = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &message_, keepMessage, refuseLostText, &message_, allocated,
+                                    freeAllocated);
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
-    if (!info_) throw std::bad_alloc();
+    if (!info_) {
+      png_destroy_read_struct(&png_, &info_, nullptr);
+      throw std::bad_alloc();
+    }
     png_set_read_fn(png_, &source_, takeBytes);
+    png_set_chunk_malloc_max(png_, largestChunk);
+    png_set_chunk_cache_max(png_, mostTexts);
     // A text that was damaged would otherwise be passed over, and a default taken for what it says.
     png_set_crc_action(png_, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
   }
@@ -81,7 +110,9 @@ class PngReader {
  private:
   template <class Step>
   void attemptToRead(Step step) {
-    if (!attempt(png_, step)) throw Error(std::string("it is damaged (") + message_.text + ")");
+    const bool done = attempt(png_, step);
+    if (message_.memory) throw std::bad_alloc();
+    if (!done) throw Error(std::string("it is damaged (") + message_.text + ")");
   }
 
   void readHeader() {
@@ -149,6 +180,7 @@ void appendBytes(png_structp png, png_bytep bytes, size_t count) {
     out->insert(out->end(), bytes, bytes + count);
     return;
   } catch (const std::bad_alloc&) {
+    static_cast<Message*>(png_get_error_ptr(png))->memory = true;
   }
   png_error(png, "not enough memory");
 }
@@ -156,9 +188,13 @@ void appendBytes(png_structp png, png_bytep bytes, size_t count) {
 class PngWriter {
  public:
   PngWriter() {
-    png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning);
+    png_ = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &message_, keepMessage, ignoreWarning, &message_, allocated,
+                                     freeAllocated);
     info_ = png_ ? png_create_info_struct(png_) : nullptr;
-    if (!info_) throw std::bad_alloc();
+    if (!info_) {
+      png_destroy_write_struct(&png_, &info_);
+      throw std::bad_alloc();
+    }
     png_set_write_fn(png_, &bytes_, appendBytes, nullptr);
   }
   PngWriter(const PngWriter&) = delete;
@@ -175,6 +211,7 @@ class PngWriter {
       png_write_image(png_, layout.rows.data());
       png_write_end(png_, info_);
     });
+    if (message_.memory) throw std::bad_alloc();
     if (!done) throw Error(std::string("cannot make a PNG: ") + message_.text);
     return std::move(bytes_);
   }

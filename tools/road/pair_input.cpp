@@ -11,10 +11,10 @@ Pair readPair(const std::string& left, const std::string& right) {
   const Pair pair{readIntensity(left), readIntensity(right)};
   const std::string leftSize = sizeText(pair.left.width, pair.left.height);
   if (!sameSize(pair.left, pair.right))
-    throw Error(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
-                       right.c_str(), sizeText(pair.right.width, pair.right.height).c_str()));
+    throw UnusableFile(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
+                              right.c_str(), sizeText(pair.right.width, pair.right.height).c_str()));
   if (pair.left.width < 5 || pair.left.height < 5)
-    throw Error(format("the pictures are too small: %s pixels, the least is 5 x 5", leftSize.c_str()));
+    throw UnusableFile(format("the pictures are too small: %s pixels, the least is 5 x 5", leftSize.c_str()));
   return pair;
 }
 

@@ -265,9 +265,9 @@ RoadHandle copyOf(const Road& road) { return made(cameraRecord(road.camera), roa
 void checkSize(const Pair& pair, const Road& road) {
   const Camera& camera = road.camera;
   if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
-  throw Error(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
-                     sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
-                     sizeText(camera.widthPx, camera.heightPx).c_str()));
+  throw UnusableFile(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
+                            sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
+                            sizeText(camera.widthPx, camera.heightPx).c_str()));
 }
 
 void work(const Road& road, NadirRoad& handle, const std::string& left, const std::string& right, StageTimes& times,

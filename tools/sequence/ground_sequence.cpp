@@ -11,9 +11,9 @@
 #include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/base/interrupt.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/progress.hpp"
 #include "tools/base/text.hpp"
-#include "tools/files/file_error.hpp"
 #include "tools/files/folder_lock.hpp"
 #include "tools/files/frame_log.hpp"
 #include "tools/pictures/pictures.hpp"
@@ -21,6 +21,7 @@
 #include "tools/report/map_texts.hpp"
 #include "tools/road/lanes.hpp"
 #include "tools/sequence/frame_line.hpp"
+#include "tools/sequence/frame_writer.hpp"
 #include "tools/sequence/settings_difference.hpp"
 
 namespace nadir::tool {
@@ -67,15 +68,17 @@ class SequenceRun {
         road_(road),
         options_(options),
         times_(options.rule.times, timesBegunWith(), source),
+        inputs_(marksOfInputs()),
         lanes_(road),
         tracker_(trackerOf(road, options.rule)) {}
 
   void go() {
     begin();
-    takeUp();
+    FrameLog log(logPath());
+    takeUp(log);
     if (!times_.sentence().empty()) say(times_.sentence());
     tell(times_.warnings());
-    work();
+    work(log);
     print(table());
     if (done_ < source_.size())
       throw Error(format("interrupted after %zu of %zu frames; the same command with --resume goes on there", done_,
@@ -105,7 +108,32 @@ class SequenceRun {
   // A guess could be another one when frames have come since.
   std::optional<TimeUnit> timesBegunWith() const {
     if (!options_.resume || !fs::exists(settingsPath())) return {};
-    return timesIn(readText(settingsPath()));
+    return timesIn(readSettings());
+  }
+
+  std::string readSettings() const {
+    const std::string path = options_.folder + "/run.json", text = readText(path);
+    try {
+      checkNesting(text);
+    } catch (const UnusableFile& reason) {
+      throw UnusableFile("cannot use " + path + ": " + reason.what());
+    }
+    return text;
+  }
+
+  // Whatever the user names is read; a map must not take its place.
+  std::shared_ptr<const FileMarks> marksOfInputs() const {
+    std::vector<std::string> inputs = {road_.options.camera, road_.options.areas, road_.options.mask};
+    for (size_t frame = 0; frame < source_.size(); ++frame)
+      inputs.insert(inputs.end(), {source_.left(frame), source_.right(frame)});
+    return std::make_shared<const FileMarks>(inputs);
+  }
+
+  void checkOutputs() const {
+    for (const char* kind : {"elevation", "average"})
+      for (size_t frame = 0; frame < source_.size() && fs::exists(options_.folder + "/" + kind); ++frame)
+        if (inputs_->hold(mapPath(kind, frame)))
+          throw Error("the output " + mapPath(kind, frame) + " is one of the inputs");
   }
 
   // The folders are there before run.json tells of them, so that a run that was killed in between can go on too.
@@ -113,21 +141,24 @@ class SequenceRun {
     checkMask();
     checkCamera();
     const std::string settings = settingsText(road_, options_.rule, source_, times_.unit());
-    OutputFiles files;
+    checkOutputs();
+    OutputFiles files(inputs_);
     files.makeFolder(options_.folder);
     lock_.emplace(options_.folder);
     const bool begun = fs::exists(settingsPath()) || fs::exists(logPath());
     if (begun) checkResumable(settings);
-    for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
+    if (options_.resume)
+      for (const char* folder : {"", "/elevation", "/average"}) removeParts(options_.folder + folder);
+    if (writes(Product::map)) files.makeFolder(options_.folder + "/elevation");
+    if (writes(Product::average)) files.makeFolder(options_.folder + "/average");
     if (!begun) files.write(settingsPath(), bytesOf(settings));
-    makeMapFolders();
     files.commit();
   }
 
   void checkResumable(const std::string& settings) const {
     if (!options_.resume)
       throw Error(options_.folder + " holds a run already: --resume goes on with it, or name another folder");
-    const std::string begun = readText(settingsPath()), other = otherVersion(begun, settings);
+    const std::string begun = readSettings(), other = otherVersion(begun, settings);
     if (!other.empty())
       throw Error(
           format("cannot resume: %s was begun by %s, this is %s: go on with that version, or name another "
@@ -138,24 +169,27 @@ class SequenceRun {
       throw Error("cannot resume: " + settingsPath() + " tells of other settings: " + difference);
   }
 
-  void makeMapFolders() const {
-    if (writes(Product::map)) fs::create_directory(options_.folder + "/elevation");
-    if (writes(Product::average)) fs::create_directory(options_.folder + "/average");
-  }
-
   // A new run has nothing to take up.
-  void takeUp() {
+  void takeUp(const FrameLog& log) {
     const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { readBack(line); });
-    if (fs::exists(logPath())) cutOff(whole);
+    for (const Measured& measured : measured_) checkMaps(measured.frame);
+    log.cutOff(whole);
     const size_t begin = windowBegin();
     for (const Measured& measured : measured_) replay(measured, measured.frame >= begin);
     measured_.clear();
   }
 
-  void cutOff(uintmax_t whole) const {
-    std::error_code error;
-    fs::resize_file(logPath(), whole, error);
-    if (error) throw fileError("write", logPath(), error.value());
+  // The results would be other ones than those of a run that was not interrupted.
+  void checkMaps(size_t frame) const {
+    if (writes(Product::map)) checkMap(mapPath("elevation", frame));
+    if (writes(Product::average)) checkMap(mapPath("average", frame));
+  }
+
+  void checkMap(const std::string& path) const {
+    std::error_code missing;
+    if (fs::is_regular_file(path, missing) && fs::file_size(path, missing) > 0) return;
+    throw Error("cannot resume: " + logPath() + " tells of " + path +
+                ", which is missing or empty: put it back, or name another folder for a run from the beginning");
   }
 
   // These are checked here and not frame by frame: with the wrong file every frame would be damaged.
@@ -178,7 +212,7 @@ class SequenceRun {
   std::optional<Pair> readable(size_t frame) const {
     try {
       return readPair(source_.left(frame), source_.right(frame));
-    } catch (const Error&) {
+    } catch (const UnusableFile&) {
       return {};
     }
   }
@@ -190,7 +224,8 @@ class SequenceRun {
   };
 
   void readBack(const nlohmann::json& line) {
-    if (done_ >= source_.size() || line.value("frame", uint64_t{0}) != source_.number(done_))
+    const auto number = wholeNumberIn<uint64_t>(line.at("frame"), 0, UINT64_MAX);
+    if (done_ >= source_.size() || number != source_.number(done_))
       throw Error("cannot resume: " + logPath() + " tells of other frames");
     const bool damaged = line.contains("error");
     skipped_ += damaged;
@@ -203,13 +238,10 @@ class SequenceRun {
     ++done_;
   }
 
-  bool hasMap(size_t frame) const { return writes(Product::average) && fs::exists(mapPath("elevation", frame)); }
-
-  // The first of the last frames with a map that fill the window of the average.
+  // The first of the last frames, whose maps fill the window of the average.
   size_t windowBegin() const {
-    size_t begin = measured_.size();
-    for (uint32_t maps = 0; begin > 0 && maps < options_.rule.track.average_frames;)
-      maps += hasMap(measured_[--begin].frame);
+    const size_t maps = writes(Product::average) ? options_.rule.track.average_frames : 0;
+    const size_t begin = measured_.size() - std::min(maps, measured_.size());
     return begin < measured_.size() ? measured_[begin].frame : done_;
   }
 
@@ -220,11 +252,12 @@ class SequenceRun {
     m.area_count = static_cast<uint32_t>(measured.highestMm.size());
     m.highest_mm = measured.highestMm.data();
     Grid<uint16_t> heights;
-    if (inWindow && hasMap(measured.frame)) heights = readElevation(mapPath("elevation", measured.frame));
+    if (inWindow) heights = readElevation(mapPath("elevation", measured.frame));
     if (!heights.pixels.empty())
       m.heights = {heights.pixels.data(), heights.width * sizeof(uint16_t), heights.width, heights.height};
-    if (nadir_tracker_replay(tracker_.get(), &m) == NADIR_FOREIGN_RESULT)
-      throw Error("the maps of the frames differ in size");
+    const NadirStatus status = nadir_tracker_replay(tracker_.get(), &m);
+    if (status == NADIR_FOREIGN_RESULT) throw Error("the maps of the frames differ in size");
+    if (status != NADIR_OK) throw Error("cannot resume: a height that " + logPath() + " tells is none of this program");
   }
 
   // ---- frame by frame ----
@@ -238,23 +271,39 @@ class SequenceRun {
       if (writes(Product::map)) worked.map = encodePng(gridOf<uint16_t>(lane->result.findings.heights), mapsTexts());
       worked.warnings = warningsOf(lane->result.findings);
       worked.lane = std::move(lane);
-    } catch (const Error& error) {
+    } catch (const UnusableFile& error) {
       worked.error = error.what();
       lanes_.giveBack(std::move(lane));
     }
     return worked;
   }
 
-  void work() {
+  // What was done before an error is written all the same.
+  void work(FrameLog& log) {
     Progress progress("mapping", "frames", source_.size(), Progress::Elsewhere::lines, done_);
     const InterruptWatch watch;
-    FrameLog log(logPath());
+    FrameWriter files(log, inputs_);
     Background<Written> writer(options_.threads, [&](Written& written) {
-      if (written.report.error.empty()) writeMaps(written);
-      log.append(frameLine(written.report, road_));
+      if (written.report.error.empty()) writeMaps(written, files);
+      files.append(frameLine(written.report, road_));
       if (written.lane) lanes_.giveBack(std::move(written.lane));
     });
     const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
+    const auto finish = [&] {
+      writer.finish();
+      files.flush();
+    };
+    try {
+      workThrough(workOn, writer, progress, watch);
+    } catch (...) {
+      finish();
+      throw;
+    }
+    finish();
+  }
+
+  template <class Work>
+  void workThrough(Work workOn, Background<Written>& writer, Progress& progress, const InterruptWatch& watch) {
     inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
       if (watch.requested()) return false;
       if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
@@ -265,7 +314,6 @@ class SequenceRun {
       progress.advance();
       return true;
     });
-    writer.finish();
   }
 
   // What follows from one frame for the next is done here, in order.
@@ -307,12 +355,10 @@ class SequenceRun {
   TextChunks mapsTexts() const { return mapTexts(road_.context, road_.settings.percentile); }
 
   // The maps are in place before the log tells of the frame.
-  void writeMaps(const Written& written) const {
-    OutputFiles files;
+  void writeMaps(const Written& written, FrameWriter& files) const {
     if (writes(Product::map)) files.write(mapPath("elevation", written.frame), written.map);
     if (writes(Product::average))
       files.write(mapPath("average", written.frame), encodePng(written.average, mapsTexts()));
-    files.commit();
   }
 
   std::string table() const {
@@ -327,6 +373,7 @@ class SequenceRun {
   const Road& road_;
   const SequenceOptions& options_;
   const FrameTimes times_;
+  const std::shared_ptr<const FileMarks> inputs_;
   std::optional<FolderLock> lock_;
   Lanes lanes_;
   TrackerHandle tracker_;

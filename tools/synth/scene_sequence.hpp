@@ -10,6 +10,7 @@ struct SequenceSettings {
   double framesPerSecond = 10;
   unsigned threads = 1;
   bool truthPictures = true;
+  bool resume = false;  // go on with frames that an interrupted run has written
 };
 
 // Makes the folder and writes its files, every one of them whole or not at all. Says how far it is.

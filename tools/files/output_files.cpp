@@ -1,0 +1,180 @@
+// A file gets its name when its bytes are on the disk; a name is safe when its folder is there, too.
+#include "tools/files/output_files.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <regex>
+
+#include "tools/base/error.hpp"
+#include "tools/base/text.hpp"
+#include "tools/files/file_error.hpp"
+
+namespace nadir::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int mostLinks = 40;      // as many as the system follows
+constexpr size_t keptName = 200;   // bytes of a target's name that its temporary name begins with
+constexpr int mostAttempts = 100;  // for a name that nobody has
+
+// Links are followed to their end, which need not exist, so that they stay links.
+fs::path endOfLinks(const fs::path& path, std::error_code& error) {
+  fs::path target = fs::weakly_canonical(fs::absolute(path), error);
+  std::error_code missing;
+  for (int links = 0; !error && fs::is_symlink(fs::symlink_status(target, missing)); ++links) {
+    const fs::path next = fs::read_symlink(target, error);
+    if (links == mostLinks) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    if (!error) target = fs::weakly_canonical(target.parent_path() / next, error);
+  }
+  return target;
+}
+
+// The mode of the file that is there already. A device or a folder must not be replaced by a picture, and what its
+// owner has protected from writing must not be replaced at all.
+std::optional<mode_t> modeToKeep(const std::string& target, const std::string& shownAs) {
+  struct stat status {};
+  if (stat(target.c_str(), &status) != 0) return {};
+  if (!S_ISREG(status.st_mode)) throw Error("cannot write " + shownAs + ": it is not a plain file");
+  if ((status.st_mode & 0222) == 0) throw Error("cannot write " + shownAs + ": it is read-only");
+  if (access(target.c_str(), W_OK) != 0) throw fileError("write", shownAs, errno);
+  return status.st_mode & 0777;
+}
+
+std::string temporaryName(const std::string& target) {
+  uint64_t number = 0;
+  if (getentropy(&number, sizeof number) != 0) throw fileError("write", target, errno);
+  const fs::path path(target);
+  const std::string name = path.filename().string().substr(0, keptName);
+  return (path.parent_path() / name).string() + format(".nadir-%016llx.part", static_cast<unsigned long long>(number));
+}
+
+FileDescriptor newFile(const std::string& target, const std::string& shownAs, std::string& name) {
+  for (int attempt = 1;; ++attempt) {
+    std::string candidate = temporaryName(target);
+    FileDescriptor file(open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (file.number < 0 && errno == EEXIST && attempt < mostAttempts) continue;
+    if (file.number < 0) throw fileError("write", shownAs, errno);
+    name = std::move(candidate);
+    return file;
+  }
+}
+
+// A file system that knows one mode for all its files refuses to change it.
+void giveMode(const FileDescriptor& file, mode_t mode, const std::string& shownAs) {
+  struct stat status {};
+  if (fstat(file.number, &status) == 0 && (status.st_mode & 0777) == mode) return;
+  if (fchmod(file.number, mode) != 0) throw fileError("write", shownAs, errno);
+}
+
+// The disk begins to work at once; commit() waits for it.
+void fill(FileDescriptor file, const Bytes& bytes, const std::string& shownAs) {
+  for (size_t done = 0; done < bytes.size();) {
+    const ssize_t written = ::write(file.number, bytes.data() + done, bytes.size() - done);
+    if (written < 0 && errno != EINTR) throw fileError("write", shownAs, errno);
+    if (written > 0) done += static_cast<size_t>(written);
+  }
+  sync_file_range(file.number, 0, 0, SYNC_FILE_RANGE_WRITE);
+  const int number = std::exchange(file.number, -1);
+  if (close(number) != 0) throw fileError("write", shownAs, errno);
+}
+
+void sync(const std::string& path, int flags, const std::string& shownAs) {
+  const FileDescriptor file(open(path.c_str(), O_CLOEXEC | flags));
+  if (file.number < 0) throw fileError("write", shownAs, errno);
+  if (fsync(file.number) != 0 && errno != EINVAL) throw fileError("write", shownAs, errno);
+}
+
+// A file system without links moves the predecessor away.
+std::string keptPredecessor(const std::string& target) {
+  struct stat status {};
+  if (lstat(target.c_str(), &status) != 0) return "";
+  std::string name = temporaryName(target);
+  if (link(target.c_str(), name.c_str()) == 0 || std::rename(target.c_str(), name.c_str()) == 0) return name;
+  throw fileError("write", target, errno);
+}
+
+}  // namespace
+
+// File systems that cannot do it for folders say EINVAL.
+void syncFolder(const std::string& folder) { sync(folder, O_RDONLY | O_DIRECTORY, folder); }
+
+void removeParts(const std::string& folder) {
+  static const std::regex part(".*\\.nadir-[0-9a-f]{16}\\.part");
+  std::error_code missing;
+  for (const auto& entry : fs::directory_iterator(folder, missing))
+    if (fs::is_regular_file(entry.symlink_status(missing)) && std::regex_match(entry.path().filename().string(), part))
+      fs::remove(entry.path(), missing);
+}
+
+// Renaming does nothing where both names are links to one file, so the predecessor's other name has to go by itself.
+void OutputFiles::remove(const File& file) {
+  if (!file.temporary.empty() && !file.inPlace) std::remove(file.temporary.c_str());
+  if (file.inPlace && file.predecessor.empty()) std::remove(file.target.c_str());
+  if (file.predecessor.empty()) return;
+  std::rename(file.predecessor.c_str(), file.target.c_str());
+  std::remove(file.predecessor.c_str());
+}
+
+OutputFiles::~OutputFiles() {
+  for (auto file = files_.rbegin(); file != files_.rend(); ++file)
+    if (!committed_)
+      remove(*file);
+    else if (!file->predecessor.empty())
+      std::remove(file->predecessor.c_str());
+  if (committed_) return;
+  for (auto folder = newFolders_.rbegin(); folder != newFolders_.rend(); ++folder) std::remove(folder->c_str());
+}
+
+void OutputFiles::makeFolder(const std::string& path) {
+  if (path.empty()) throw Error("the name of the output folder is empty");
+  std::error_code error;
+  newFolders_.emplace_back();
+  if (fs::create_directory(path, error))
+    newFolders_.back() = fs::canonical(path).string();
+  else
+    newFolders_.pop_back();
+  if (error) throw fileError("make the folder", path, error.value());
+}
+
+void OutputFiles::write(const std::string& path, const Bytes& bytes) {
+  if (path.empty()) throw Error("the name of an output is empty");
+  std::error_code unknown;
+  const std::string target = endOfLinks(path, unknown).string();
+  if (unknown) throw fileError("write", path, unknown.value());
+  const std::optional<mode_t> mode = modeToKeep(target, path);
+  if (inputs_->hold(target)) throw Error("the output " + path + " is one of the inputs");
+  for (const File& file : files_)
+    if (file.target == target) throw Error("two outputs have the same name, " + path);
+  files_.push_back({target});
+  FileDescriptor file = newFile(target, path, files_.back().temporary);
+  if (mode) giveMode(file, *mode, path);
+  fill(std::move(file), bytes, path);
+}
+
+void OutputFiles::commit() {
+  for (const File& file : files_) sync(file.temporary, O_WRONLY, file.target);
+  for (File& file : files_) file.predecessor = keptPredecessor(file.target);
+  for (File& file : files_) {
+    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) throw fileError("write", file.target, errno);
+    file.inPlace = true;
+  }
+  syncFolders();
+  committed_ = true;
+}
+
+void OutputFiles::syncFolders() const {
+  std::set<std::string> folders;
+  for (const File& file : files_) folders.insert(fs::path(file.target).parent_path().string());
+  for (const std::string& folder : newFolders_) folders.insert(fs::path(folder).parent_path().string());
+  for (const std::string& folder : folders) syncFolder(folder);
+}
+
+}  // namespace nadir::tool
