@@ -103,8 +103,10 @@ Fingerprint smoothing(const Material& m) {
 
 Fingerprint holeFilling(const Material& m) {
   Picture<uint16_t> source(m.disparity), result(m.disparity.width, m.disparity.height);
+  const auto side = [](uint32_t pixels) { return static_cast<uint16_t>(pixels); };
+  std::vector<uint16_t> memory(nadir_pull_push_bytes(side(m.disparity.width), side(m.disparity.height)) / 2 + 1);
   Fingerprint print;
-  return print.done(IP_PullPush(&source.image, &result.image)).add(result.grid);
+  return print.done(nadir_pull_push(&source.image, &result.image, memory.data(), 2 * memory.size())).add(result.grid);
 }
 
 // The picture, spread over the only size that the library halves.

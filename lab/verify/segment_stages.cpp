@@ -1,5 +1,6 @@
 // The stages that find components and regions.
 #include <memory>
+#include <new>
 
 #include "lab/verify/stages.hpp"
 
@@ -35,6 +36,7 @@ void add(Fingerprint& print, const ComponentEntry& e) {
 
 Fingerprint components(const Material& m) {
   const std::unique_ptr<CompFinder, decltype(&IP_CompFinder_Close)> finder(IP_CompFinder_Init(), IP_CompFinder_Close);
+  if (!finder) throw std::bad_alloc();
   const auto list = std::make_unique<ComponentList>();
   Picture<uint16_t> source(figures(m));
   const Rect_s32 area{20, 10, 80, 90};

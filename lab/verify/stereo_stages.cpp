@@ -99,12 +99,13 @@ Fingerprint penalties(const Material& m) {
 
 Fingerprint matching(const Material& m) {
   const Codes codes = codesOf(m);
+  std::vector<uint8_t> memory(nadir_sgm_bytes(m.right.width));  // a lack of it is no difference of the processor's
   Fingerprint print;
   for (const uint32_t uniqueness : {0u, 48u}) {
     const SgmParams params{disparities, uniqueness};
     Grid<uint16_t> disparity(m.right.width, m.right.height);
-    IP_SgmFull(codes.left.pixels.data(), codes.right.pixels.data(), m.right.pixels.data(), m.right.width,
-               m.right.height, &params, disparity.pixels.data(), nullptr);
+    nadir_sgm_full(codes.left.pixels.data(), codes.right.pixels.data(), m.right.pixels.data(), m.right.width,
+                   m.right.height, &params, disparity.pixels.data(), nullptr, memory.data(), memory.size());
     print.add(disparity);
   }
   return print;
