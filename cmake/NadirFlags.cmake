@@ -26,7 +26,12 @@ target_compile_options(nadir_library_flags INTERFACE
   -fvisibility=hidden -ffunction-sections -fdata-sections -fno-math-errno)
 # gcc 12 for 32-bit ARM miscompiles MORPH_CLEAN with it (a lone value keeps its place); our loops gain nothing from it.
 nadir_flag_if_known(nadir_library_flags -fno-tree-slp-vectorize)
-nadir_flag_if_known(nadir_library_flags -fstack-protector-strong)
-nadir_flag_if_known(nadir_library_flags -fstack-clash-protection)
-nadir_flag_if_known(nadir_library_flags -fcf-protection=full)
-target_compile_definitions(nadir_library_flags INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+
+# nadir_hardening: what makes an error in memory an end and not a door, in the libraries and in the program, which reads
+# the files of others.
+add_library(nadir_hardening INTERFACE)
+nadir_flag_if_known(nadir_hardening -fstack-protector-strong)
+nadir_flag_if_known(nadir_hardening -fstack-clash-protection)
+nadir_flag_if_known(nadir_hardening -fcf-protection=full)
+target_compile_definitions(nadir_hardening INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+target_link_libraries(nadir_library_flags INTERFACE nadir_hardening)
