@@ -65,7 +65,7 @@ TEST_P(Interrupt, ARenderedSequenceEndsBetweenTwoFrames) {
   EXPECT_EQ(pictures("left"), pictures("right"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Signals, Interrupt, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 }  // namespace
 }  // namespace nadir::test
