@@ -6,7 +6,7 @@
  * - Integer results are computed in 32 bits that wrap around, with no test for overflow. They are exact while the
  *   products of coordinate differences stay below 2^30: differences up to 32767 are always safe.
  * - Float results are computed in single precision, from left to right as written. Two float tests share the tolerance
- *   0.01, in the coordinates' unit: equality of points, and deviation of a point from a line.
+ *   GEOM_EPS, in the coordinates' unit: equality of points, and deviation of a point from a line.
  * - Pointers must be valid and are not checked, unless a function says what null gives. Inputs may be the same record,
  *   and an output may be one of the inputs unless it says otherwise. Nothing is allocated. */
 #ifndef NADIR_GEOMETRY_H
@@ -18,6 +18,9 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* Floats that are less than this apart count as equal, a point that lies less than this off a line counts as on it. */
+#define GEOM_EPS 0.01f
 
 typedef struct {
   int32_t x, y;
@@ -67,12 +70,12 @@ NADIR_API int32_t IP_Geom_Orientation(int32_t ax, int32_t ay, int32_t bx, int32_
 
 /* IP_Geom_Orientation of float points, where nearly collinear counts as collinear.
  *
- * With u = b - a, v = c - b and K = u.y * v.x - u.x * v.y the result is 0 if |K| < 0.01 or if |K| / sqrt(max(|u|^2,
- * |v|^2)) < 0.01, that is, if a point lies less than 0.01 off the longer leg's line; else the sign of K. The root and
- * the quotient are taken in double precision, the quotient is then narrowed. Not-a-number in gives -1. */
+ * With u = b - a, v = c - b and K = u.y * v.x - u.x * v.y the result is 0 if |K| < GEOM_EPS or if |K| / sqrt(max(|u|^2,
+ * |v|^2)) < GEOM_EPS, that is, if a point lies less than GEOM_EPS off the longer leg's line; else the sign of K. The
+ * root and the quotient are taken in double precision, the quotient is then narrowed. Not-a-number in gives -1. */
 NADIR_API int32_t IP_Geom_Orientation_f32(const Point_f32* a, const Point_f32* b, const Point_f32* c);
 
-/* Returns 1 if |p.x - q.x| < 0.01 and |p.y - q.y| < 0.01, else 0. */
+/* Returns 1 if |p.x - q.x| < GEOM_EPS and |p.y - q.y| < GEOM_EPS, else 0. */
 NADIR_API int32_t IP_Geom_ArePointsEqual_f32(const Point_f32* p, const Point_f32* q);
 
 /* Tells whether two edges cross.
@@ -83,7 +86,7 @@ NADIR_API int32_t IP_Geom_ArePointsEqual_f32(const Point_f32* p, const Point_f32
  * vertical edge (its box has no inside), and axis-parallel edges that overlap. */
 NADIR_API int32_t IP_Geom_EdgesIntersect(const Edge_s32* e, const Edge_s32* f);
 
-/* IP_Geom_EdgesIntersect with IP_Geom_Orientation_f32; "strictly inside" means at least 0.01 away from each side. */
+/* IP_Geom_EdgesIntersect with IP_Geom_Orientation_f32; "strictly inside" means at least GEOM_EPS off each side. */
 NADIR_API int32_t IP_Geom_EdgesIntersect_f32(const Edge_f32* e, const Edge_f32* f);
 
 /* Returns 1 if `p` lies on the INFINITE line through the edge, by IP_Geom_Orientation_f32 of start, end and `p`; else
@@ -122,7 +125,8 @@ NADIR_API int32_t IP_Geom_IntersectLines(const Line_s32* l1, const Line_s32* l2,
 /* Finds where two lines cross: with det = l1.dy * l2.dx - l1.dx * l2.dy and
  * T = (l1.x - l2.x) * l2.dy + (l2.y - l1.y) * l2.dx it is (l1.dx * T / det + l1.x, l1.dy * T / det + l1.y).
  *
- * Returns 1, or 0 with `out` untouched if |det| < 0.01. The bound is absolute: short directions count as parallel. */
+ * Returns 1, or 0 with `out` untouched if |det| < GEOM_EPS. The bound is absolute: short directions count as parallel.
+ */
 NADIR_API int32_t IP_Geom_IntersectLines_f32(const Line_f32* l1, const Line_f32* l2, Point_f32* out);
 
 /* Computes the barycentric weights of a point: p = w[0] * a + w[1] * b + w[2] * c with weights that add up to 1.
@@ -191,8 +195,8 @@ NADIR_API int32_t IP_Polygon_IsInsideContour(const Polygon_s32* poly, const Poin
 /* IP_Polygon_IsInsideContour with the boundary inside: returns 1 or 0. */
 NADIR_API int32_t IP_Polygon_IsInside(const Polygon_s32* poly, const Point_s32* p);
 
-/* IP_Polygon_IsInside with IP_Geom_Orientation_f32. A point is on an edge if it is collinear with it and less than 0.01
- * outside its bounding box. */
+/* IP_Polygon_IsInside with IP_Geom_Orientation_f32. A point is on an edge if it is collinear with it and less than
+ * GEOM_EPS outside its bounding box. */
 NADIR_API int32_t IP_Polygon_IsInside_f32(const Polygon_f32* poly, const Point_f32* p);
 
 /* Removes the vertex of this index: the later ones move down by one, count goes down by one, and the slot that becomes
@@ -222,7 +226,7 @@ NADIR_API int32_t IP_Polyline_Orientation_f32(const Polygon_f32* line, const Poi
  *
  * Each edge's foot is where IP_Geom_IntersectLines_f32 crosses its line with the perpendicular through `p`; a foot
  * outside the edge's bounding box is replaced by the end point nearer to it, the edge's end if both are equally near.
- * On an edge too short to have a foot (squared length below 0.01) it is the end point nearer to `p`.
+ * On an edge too short to have a foot (squared length below GEOM_EPS) it is the end point nearer to `p`.
  *
  * Returns the squared distance; 3.4028235e38 for a polygon without vertices. */
 NADIR_API float IP_Polygon_SquaredDist(const Polygon_f32* poly, const Point_f32* p);

@@ -58,7 +58,7 @@ ListNode* insert(List* list, ListNode* ref, const void* item, uint32_t size, Sid
   } else if (list->count == 0) {
     list->head = list->tail = node;
   } else {
-    return nullptr;  // the node is lost, as the interface says
+    return nullptr;  // the node stays taken: programs know how many of a static list are left
   }
   ++list->count;
   return node;

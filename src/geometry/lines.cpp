@@ -62,7 +62,7 @@ int32_t IP_Geom_IntersectLines(const Line_s32* l1, const Line_s32* l2, Point_s32
 
 int32_t IP_Geom_IntersectLines_f32(const Line_f32* l1, const Line_f32* l2, Point_f32* out) {
   const float det = l1->dy * l2->dx - l1->dx * l2->dy;
-  if (std::fabs(det) < nadir::tolerance) return 0;
+  if (std::fabs(det) < GEOM_EPS) return 0;
   const float t = (l1->x - l2->x) * l2->dy + (l2->y - l1->y) * l2->dx;
   *out = {l1->dx * t / det + l1->x, l1->dy * t / det + l1->y};
   return 1;

@@ -10,5 +10,5 @@ int32_t IP_Geom_Orientation_f32(const Point_f32* a, const Point_f32* b, const Po
 }
 
 int32_t IP_Geom_ArePointsEqual_f32(const Point_f32* p, const Point_f32* q) {
-  return std::fabs(p->x - q->x) < nadir::tolerance && std::fabs(p->y - q->y) < nadir::tolerance;
+  return std::fabs(p->x - q->x) < GEOM_EPS && std::fabs(p->y - q->y) < GEOM_EPS;
 }

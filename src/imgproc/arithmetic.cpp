@@ -13,7 +13,8 @@ namespace {
 
 constexpr size_t divisionBlock = 1024;
 
-// Processors differ in what dividing by zero does; the signal is part of the interface, so it is raised by hand.
+// Processors differ in what dividing by zero does. Programs on those that stop there count on the signal, so it is
+// raised by hand on all.
 template <class T>
 uint16_t divided(T a, T b) {
   if (b != 0) return static_cast<uint16_t>(a / b);

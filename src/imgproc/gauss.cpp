@@ -15,7 +15,7 @@ namespace {
 GaussSums sumsFromColumn(const GaussSums& sums, size_t column) { return {sums.high + column, sums.low + column}; }
 
 // Sums up along a row of 4 pixels or more; beyond its ends it goes on with its first and its last pixel. The two sums
-// at the right end are stored crosswise, as the interface wants them.
+// at the right end are stored crosswise, since programs rely on it.
 void sumRow(const uint16_t* p, const GaussSums& sums, size_t width, const SmoothKernels& kernels) {
   const uint16_t* end = p + width;
   const uint16_t left[] = {p[0], p[0], p[0], p[1], p[2], p[3]};
