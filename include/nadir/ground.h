@@ -34,7 +34,8 @@
  * Rules as in libnadir: all checks come before the first write, a call that fails leaves its outputs as they were
  * (nadir_road_process says what holds for results); nothing is read or written outside the stated extent; buffers of
  * different arguments must not overlap; no exceptions, threads, files, environment or logging. A result is the same to
- * the last bit on every processor in the default floating-point environment.
+ * the last bit on every processor in the default floating-point environment (nadir.h). Another one changes heights,
+ * regions and what is measured of a result; of a frame of pictures only the disparities stay what they are.
  */
 #ifndef NADIR_GROUND_H
 #define NADIR_GROUND_H

@@ -12,7 +12,12 @@
  *   type is needed.
  * - Every function may be called from any number of threads at once on buffers that do not overlap, except IP_RGE_*
  *   (segment.h), which share one state; nadir_elevation_regions_* do the same with a state for each thread.
- * - A result is the same to the last bit on every processor, whichever instruction set computes it.
+ * - A result is the same to the last bit on every processor, whichever instruction set computes it, in the default
+ *   floating-point environment: rounding to nearest, subnormal numbers neither flushed (FTZ) nor taken for 0 (DAZ). In
+ *   another one floats come out otherwise in their last bits, and decisions on them with them; nothing guards against
+ *   it. Whichever way the caller rounds, the same bits come from all of imgproc.h, segment.h, stereo.h, vector.h and
+ *   list.h, from image.h but for Img_FillBuffer of floats, and from IP_Utl_Median_u16 and IP_Utl_RadixIdxSort
+ *   (numeric.h): they compute in integers, or divide where no way of rounding reaches another integer.
  */
 #ifndef NADIR_NADIR_H
 #define NADIR_NADIR_H

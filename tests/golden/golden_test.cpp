@@ -3,10 +3,15 @@
 //
 //   nadir_golden_tests          compares; prints what differs
 //   nadir_golden_tests --write  replaces results.txt by this run, for a change of results that is meant
+//   nadir_golden_tests --rounding
+//                               compares what nadir.h says is the same whichever way the caller rounds, in every way
+#include <algorithm>
+#include <cfenv>
 #include <cinttypes>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -60,13 +65,58 @@ int compare(const std::vector<Case>& cases) {
   return wrong == 0 && golden.empty() ? 0 : 1;
 }
 
+// What image.h, imgproc.h, segment.h, stereo.h, vector.h and list.h compute, medians and sorting.
+std::vector<Case> roundingFreeCases() {
+  std::vector<Case> all;
+  for (const auto& cases : {imageCases(), stereoCases(), segmentCases(), numberCases()}) {
+    std::copy_if(cases.begin(), cases.end(), std::back_inserter(all), [](const Case& c) {
+      const auto numbers = {"FillF32", "Matrices", "Covariances", "Tracking", "Searches", "Digits"};
+      return std::find(numbers.begin(), numbers.end(), c.name) == numbers.end();
+    });
+  }
+  return all;
+}
+
+uint64_t resultRounded(int mode, const Case& c) {
+  if (std::fesetround(mode) != 0) return 0;
+  const uint64_t value = c.run().value();
+  std::fesetround(FE_TONEAREST);
+  return value;
+}
+
+int countRoundedDifferently(int mode, const std::vector<Case>& cases) {
+  return static_cast<int>(std::count_if(cases.begin(), cases.end(), [mode](const Case& c) {
+    const bool differs = resultRounded(mode, c) != c.run().value();
+    if (differs) std::cout << c.name << " differs\n";
+    return differs;
+  }));
+}
+
+// Matrices are products of floats: that they differ shows that the mode is set at all.
+int compareRoundings() {
+  const std::vector<Case> cases = roundingFreeCases();
+  const std::vector<Case> numbers = numberCases();
+  const auto matrices =
+      std::find_if(numbers.begin(), numbers.end(), [](const Case& c) { return c.name == "Matrices"; });
+  int wrong = 0;
+  for (const int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+    wrong += countRoundedDifferently(mode, cases);
+    if (resultRounded(mode, *matrices) != matrices->run().value()) continue;
+    std::cout << "rounding " << mode << ": the products of matrices should differ\n";
+    ++wrong;
+  }
+  std::cout << cases.size() << " results in three ways of rounding, " << wrong << " wrong\n";
+  return wrong == 0 ? 0 : 1;
+}
+
 int run(int argc, char** argv) {
-  const bool writes = argc == 2 && std::string(argv[1]) == "--write";
-  if (argc > 1 && !writes) {
-    std::cerr << "usage: nadir_golden_tests [--write]\n";
+  const std::string option = argc == 2 ? argv[1] : "";
+  if (option == "--rounding") return compareRoundings();
+  if (argc > 1 && option != "--write") {
+    std::cerr << "usage: nadir_golden_tests [--write|--rounding]\n";
     return 2;
   }
-  return writes ? write(allCases()) : compare(allCases());
+  return option == "--write" ? write(allCases()) : compare(allCases());
 }
 
 }  // namespace
