@@ -3,6 +3,7 @@
 #include "lab/heap.hpp"
 
 #include <cstring>
+#include <iterator>
 
 extern "C" {
 void* __real_malloc(size_t bytes);
@@ -16,10 +17,12 @@ namespace {
 struct State {
   Failing failing;
   size_t failAt, allocations, bytes, failures, live;
+  size_t sizes[8];
 };
 State state{};
 
 bool mayAllocate(size_t asked) {
+  if (state.allocations < std::size(state.sizes)) state.sizes[state.allocations] = asked;
   ++state.allocations;
   state.bytes += asked;
   const bool fails = (state.failing == Failing::once && state.allocations == state.failAt) ||
@@ -35,9 +38,10 @@ void* counted(void* block) {
 
 }  // namespace
 
-void watch(Failing failing, size_t n) { state = {failing, n, 0, 0, 0, state.live}; }
+void watch(Failing failing, size_t n) { state = {failing, n, 0, 0, 0, state.live, {}}; }
 size_t allocations() { return state.allocations; }
 size_t bytes() { return state.bytes; }
+size_t bytes(size_t n) { return state.sizes[n - 1]; }
 size_t failures() { return state.failures; }
 size_t liveBlocks() { return state.live; }
 

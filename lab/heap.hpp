@@ -10,9 +10,10 @@ enum class Failing { never, once, fromThenOn };
 // Starts counting anew; the n-th allocation (1 is the first) is the one to fail.
 void watch(Failing failing = Failing::never, size_t n = 0);
 
-size_t allocations();  // asked for since watch(), failed ones included
-size_t bytes();        // asked for since watch()
-size_t failures();     // since watch()
-size_t liveBlocks();   // not given back yet, whenever they were allocated
+size_t allocations();    // asked for since watch(), failed ones included
+size_t bytes();          // asked for since watch()
+size_t bytes(size_t n);  // asked for by the n-th since watch(), for the first 8
+size_t failures();       // since watch()
+size_t liveBlocks();     // not given back yet, whenever they were allocated
 
 }  // namespace nadir::lab::heap

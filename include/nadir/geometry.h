@@ -152,7 +152,7 @@ NADIR_API void IP_Geom_SetUnion_s32(const Rect_s32* a, const Rect_s32* b, Rect_s
 NADIR_API void IP_Geom_SetUnion_u32(const Rect_u32* a, const Rect_u32* b, Rect_u32* out);
 
 /* Computes the common part of two rectangles, {0, 0, 0, 0} where they do not overlap. `out` is cleared before the
- * inputs are read: it must be neither of them. */
+ * inputs are read: written over one of them it is {0, 0, 0, 0}, whatever they were. */
 NADIR_API void IP_Geom_SetIntersection_s32(const Rect_s32* a, const Rect_s32* b, Rect_s32* out);
 
 /* Moves the left and right sides outwards by gx, the upper and lower ones by gy. Negative amounts shrink, even past

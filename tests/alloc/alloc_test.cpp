@@ -2,10 +2,13 @@
 // nothing leaked. A new allocating function is one more Case, named in INSTANTIATE_TEST_SUITE_P(Calls, ...).
 #include <gtest/gtest.h>
 #include <nadir/nadir.h>
+#include <signal.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -79,6 +82,18 @@ Case pathCosts(uint32_t dir) {
   return {"PathCosts" + std::to_string(dir), 4, pathBytes(dir), call, [](size_t) {
             return Outcome{0, stateOf(PcBuffer{})};
           }};
+}
+
+TEST(PathCostMemory, IsAskedForInTheOrderCostsCostsMinimaMinima) {
+  lab::heap::watch();
+  PcBuffer pc;
+  ASSERT_EQ(PC_Init(&pc, PC_DIR_UP, columnCount, searched, 7), 1);
+  const size_t costs = columnCount * (searched + 16), minima = columnCount;
+  EXPECT_EQ(lab::heap::bytes(1), costs);
+  EXPECT_EQ(lab::heap::bytes(2), costs);
+  EXPECT_EQ(lab::heap::bytes(3), minima);
+  EXPECT_EQ(lab::heap::bytes(4), minima);
+  PC_Destroy(&pc);
 }
 
 // ---- matching ----
@@ -245,6 +260,8 @@ Case radixSort() {
   return {"RadixSort", 1, 2 * pixelCount, call, [](size_t) { return Outcome{1, pixelsOf(untouched)}; }};
 }
 
+constexpr size_t elevationMaskBytes = 614400;
+
 StereoCtx someCamera() {
   const IntCalibParams inner{120 * 256, 400 * 256, 160 * 16, 120 * 16};
   const Orientation mount{2000, -60, 0};
@@ -254,21 +271,71 @@ StereoCtx someCamera() {
   return ctx;
 }
 
+// The mask of a square in a picture of the plane 2 m away.
+int32_t maskSquare(uint8_t* cells) {
+  const StereoCtx ctx = someCamera();
+  std::vector<uint32_t> square{4, 100, 60, 220, 60, 220, 180, 100, 180};  // a count and four vertices
+  const Polygon_s32* polygon = reinterpret_cast<Polygon_s32*>(square.data());
+  const std::vector<uint16_t> heights(320 * 240, 2000);
+  ImgC values;
+  Img mask;
+  ImgC_Init(&values, 320, 240, IMG_TYPE_U16, heights.data());
+  Img_Init(&mask, columnCount, rowCount, IMG_TYPE_U8, cells);
+  return IP_Utils_CreateElevMaskFromImgPoly(polygon, &ctx, &values, &mask);
+}
+
 Case elevationMask() {
   const auto call = [] {
-    const StereoCtx ctx = someCamera();
-    std::vector<uint32_t> square{4, 100, 60, 220, 60, 220, 180, 100, 180};  // a count and four vertices
-    const Polygon_s32* polygon = reinterpret_cast<Polygon_s32*>(square.data());
-    const std::vector<uint16_t> heights(320 * 240, 2000);
     std::vector<uint8_t> cells(pixelCount, untouched);
-    ImgC values;
-    Img mask;
-    ImgC_Init(&values, 320, 240, IMG_TYPE_U16, heights.data());
-    Img_Init(&mask, columnCount, rowCount, IMG_TYPE_U8, cells.data());
-    const int64_t status = IP_Utils_CreateElevMaskFromImgPoly(polygon, &ctx, &values, &mask);
+    const int64_t status = maskSquare(cells.data());
     return Outcome{status, valuesOf(cells)};
   };
-  return {"ElevationMask", 1, 614400, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
+  return {"ElevationMask", 1, elevationMaskBytes, call, [](size_t) { return Outcome{0, pixelsOf(untouched)}; }};
+}
+
+// A page that the first write into it opens. Who writes is then held up until the handler has counted the heap's
+// blocks.
+class PageThatOpens {
+ public:
+  PageThatOpens() : page_(mmap(nullptr, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) {
+    opening = this;
+    struct sigaction action {};
+    action.sa_handler = [](int) { opening->open(); };
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGSEGV, &action, &before_);
+  }
+  ~PageThatOpens() {
+    sigaction(SIGSEGV, &before_, nullptr);
+    munmap(page_, bytes);
+  }
+  PageThatOpens(const PageThatOpens&) = delete;
+  PageThatOpens& operator=(const PageThatOpens&) = delete;
+
+  uint8_t* data() { return static_cast<uint8_t*>(page_); }
+  std::optional<size_t> liveBlocksAtFirstWrite() const { return live_; }
+
+ private:
+  static constexpr size_t bytes = 65536;  // a page of any processor
+  static inline PageThatOpens* opening = nullptr;
+
+  void open() {
+    if (live_) std::abort();  // the fault was somewhere else
+    live_ = lab::heap::liveBlocks();
+    mprotect(page_, bytes, PROT_READ | PROT_WRITE);
+  }
+
+  void* page_;
+  std::optional<size_t> live_;
+  struct sigaction before_ {};
+};
+
+TEST(ElevationMaskMemory, IsGivenBackBeforeTheMaskIsFilled) {
+  const size_t live = lab::heap::liveBlocks();
+  PageThatOpens cells;
+  lab::heap::watch();
+  EXPECT_EQ(maskSquare(cells.data()), 1);
+  EXPECT_EQ(cells.liveBlocksAtFirstWrite(), live);
+  EXPECT_EQ(lab::heap::bytes(), elevationMaskBytes);
 }
 
 // ---- segmentation ----

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -280,6 +281,7 @@ TEST(Axes, CustomFrameThatIsNotEnabledIsTheWorld) {
   const Orientation orientation = {height, -30, 0};
   const CustomFrameParams frame = {0, 1, 2, 3, 4, 5, 6};
   ExtCalib ext;
+  std::memset(&ext, 0x7F, sizeof ext);  // what is not written must not pass for 0
   EXPECT_EQ(ip_params2extCalibCustom(&drawnLens, &orientation, &frame, &ext), 1u);
   const Point3_f32 world = {1, 2, 3};
   Point3_f32 custom;

@@ -3,6 +3,7 @@
 #include <nadir/camera.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "tests/models/camera.hpp"
 #include "tests/support/cameras.hpp"
@@ -14,6 +15,7 @@ const Orientation mounting = {2000, 35, -10};
 
 ExtCalib customCalib(const CustomFrameParams& frame, const Orientation& o = mounting) {
   ExtCalib e;
+  std::memset(&e, 0x7F, sizeof e);  // what is not written must not pass for 0
   EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &o, &frame, &e), 1u);
   return e;
 }
@@ -59,6 +61,15 @@ TEST(CustomFrame, RefusesGroundPointsCloserThanTheBound) {
   EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &o, &frame, &e), 0u);
   const Orientation higher = {0.1f, 0, 0};
   EXPECT_EQ(ip_params2extCalibCustom(&usualLens, &higher, &frame, &e), 1u);
+}
+
+TEST(CustomFrame, TakesGroundPointsAtTheBoundItself) {
+  // Pixels (0, 0) and (1, 1) meet the ground 2^-12 mm apart in x and in y: the squared distance is 2^-23.
+  const IntCalibParams lens = {256, 1048576, 0, 0};
+  const Orientation o = {1, 0, 0};
+  const CustomFrameParams frame = {1, 0, 0, 1, 1, 0, 0};
+  ExtCalib e;
+  EXPECT_EQ(ip_params2extCalibCustom(&lens, &o, &frame, &e), 1u);
 }
 
 TEST(CustomFrame, StraightDownTurnsYAndZRound) {

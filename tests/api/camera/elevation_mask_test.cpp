@@ -296,6 +296,24 @@ TEST(ElevationMask, FindsPixelsByTheDescriptorsBytesPerPixel) {
   EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 1), 61);
 }
 
+// A picture of 2x2 pixels of four bytes, of which one 16-bit word is not 0, under a polygon beside it.
+int32_t statusWithWord(size_t word, uint16_t value) {
+  uint16_t words[8] = {};
+  words[word] = value;
+  GuardedPolygonS polygon(Shape{{-1, 0}, {-1, 5}, {-9, 5}});
+  const StereoCtx ctx = plainContext(6);
+  const ImgC values = {2, 2, 4, IMG_TYPE_U32, words};
+  Bytes bytes(36, untouchedCell);
+  Img mask;
+  Img_Init(&mask, 6, 6, IMG_TYPE_U8, bytes.data());
+  return IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, &mask);
+}
+
+TEST(ElevationMask, OfTheWholeImageReadsTheFirst16BitWordsOfEachRow) {
+  for (const size_t read : {0, 1, 4, 5}) EXPECT_EQ(statusWithWord(read, 700), 1) << read;
+  for (const size_t passedOver : {2, 3, 6, 7}) EXPECT_EQ(statusWithWord(passedOver, 900), 0) << passedOver;
+}
+
 // ---- no height ----
 
 void expectNoHeight(const Shape& polygon, const Values& values) {
@@ -401,6 +419,17 @@ TEST_F(ElevationMaskArguments, NullPointersAreRefused) {
   EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, nullptr, &mask), 0);
   EXPECT_EQ(IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &ctx, &values, nullptr), 0);
   expectMaskUntouched();
+}
+
+TEST_F(ElevationMaskArguments, ValuesOfOneByteAreRefused) {
+  ImgC_Init(&values, 1, 1, IMG_TYPE_U8, &value);
+  EXPECT_EQ(create(), 0);
+  expectMaskUntouched();
+}
+
+TEST_F(ElevationMaskArguments, AMaskWithoutMemoryIsRefused) {
+  mask.data = nullptr;
+  EXPECT_EQ(create(), 0);
 }
 
 TEST_F(ElevationMaskArguments, MoreThanAHundredVerticesAreRefusedUnread) {

@@ -323,6 +323,20 @@ TEST(FixedMapRect, HalvesAnOddSizeTowardsZero) {
   EXPECT_EQ(xyz(corner[0]), xyz({2, 2, 32000}));
 }
 
+TEST(FixedMapRect, WrapsAroundWhereACornerLeaves32Bits) {
+  const Orientation o = {0, 0, 60};
+  const IntCalibParams lens = {256, 128000, 0, 0};
+  TrafoParams trafo;
+  ASSERT_EQ(ip_createTrafoParams(&o, &lens, &trafo), 1u);
+  const Point_s32 principal = {0, 0};
+  Point3_s32 centre, corner[4];
+  ip_img2groundplane_s32(&centre, &principal, 1 << 30, &trafo);
+  EXPECT_EQ(centre.x, -1859649536);
+  EXPECT_EQ(ip_calcMapRect_s32(corner, INT32_MAX, 1 << 30, &trafo), 1u);
+  EXPECT_EQ(corner[0].x, 1361575937);
+  EXPECT_EQ(corner[2].x, -785907713);
+}
+
 TEST(FixedMapRect, IsCentredUnderThePrincipalPoint) {
   lab::Random random(107);
   for (int round = 0; round < 300; round++) {

@@ -152,7 +152,9 @@ TEST(VectorDifference, MayBeWrittenOverEitherOperand) {
 
 uint32_t covarianceOf(const std::vector<uint16_t>& points, float* out) {
   const Guarded<uint16_t> guarded(points);
-  return IP_Alg_Covar_2x2(guarded.data(), static_cast<int32_t>(points.size() / 2), out);
+  const uint32_t status = IP_Alg_Covar_2x2(guarded.data(), static_cast<int32_t>(points.size() / 2), out);
+  EXPECT_EQ(guarded.values(), points);
+  return status;
 }
 
 // The documented two passes in single precision.

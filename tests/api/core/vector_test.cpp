@@ -153,6 +153,17 @@ TEST(VectorFill, SetsASmallerCount) {
   EXPECT_NE(std::count(marked.memory.begin() + 4, marked.memory.end(), 7), 0);
 }
 
+TEST(VectorFill, WithACountOfZeroEmptiesAVectorAndLeavesItsBytes) {
+  for (const uint32_t value : {0u, 9u}) {
+    Marked marked(VECTOR_TYPE_U16, 8);
+    EXPECT_EQ(Vector_Fill(&marked.vector, 7, 3), 1u);
+    const Bytes before = marked.memory.values();
+    EXPECT_EQ(Vector_Fill(&marked.vector, value, 0), 1u);
+    EXPECT_EQ(marked.vector.count, 0u) << value;
+    EXPECT_EQ(marked.memory.values(), before) << value;
+  }
+}
+
 TEST(VectorFill, ClearsAllOfItsCapacity) {
   Marked marked(VECTOR_TYPE_U16, 8192);
   EXPECT_EQ(Vector_Fill(&marked.vector, 0, 4096), 1u);

@@ -3,6 +3,7 @@
 #include <nadir/geometry.h>
 
 #include <algorithm>
+#include <csetjmp>
 #include <cstdlib>
 #include <utility>
 #include <vector>
@@ -83,6 +84,23 @@ TEST(Bresenham, WorksAtTheEndsOfTheRange) {
             (Cells{{INT32_MAX - 1, INT32_MIN + 1}, {INT32_MAX, INT32_MIN}}));
   EXPECT_EQ(line({INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}),
             (Cells{{INT32_MIN + 1, INT32_MAX}, {INT32_MIN, INT32_MAX}}));
+}
+
+std::jmp_buf enough;
+
+void visitSix(int32_t x, int32_t y, int32_t) {
+  if (visited.size() == 6) std::longjmp(enough, 1);
+  visited.emplace_back(x, y);
+}
+
+TEST(Bresenham, OfALineAcrossTheWholeRangeBeginsAsAnyOther) {
+  const Point_s32 from = {INT32_MIN, 0}, to = {INT32_MAX, 1};
+  visited.clear();
+  visited.reserve(6);
+  if (setjmp(enough) == 0) IP_Utils_Bresenham(&from, &to, 0, visitSix);
+  Cells wanted;
+  for (int32_t i = 0; i < 6; ++i) wanted.emplace_back(INT32_MIN + i, 0);
+  EXPECT_EQ(visited, wanted);
 }
 
 TEST(Bresenham, OfEveryShortLineFollowsTheErrorTerm) {

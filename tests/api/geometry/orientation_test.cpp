@@ -68,6 +68,12 @@ TEST(OrientationF32, MeasuresAgainstTheLongerLeg) {
   EXPECT_EQ(turn(Point_f32{0, 0}, {1, 0}, {11, 0.05f}), 0);
 }
 
+TEST(OrientationF32, TakesTheRootAndTheQuotientInDoublePrecision) {
+  // Single precision would round these to the tolerance's other side.
+  EXPECT_EQ(turn(Point_f32{0, 0}, {1189.18005f, 0}, {597.754028f, 0.00999999978f}), 0);
+  EXPECT_EQ(turn(Point_f32{0, 0}, {1683.13f, 0}, {727.939026f, 0.00999999978f}), -1);
+}
+
 TEST(OrientationF32, OfLegsWhoseSquaresOverflowIsZero) {
   EXPECT_EQ(turn(Point_f32{0, 0}, {1e30f, 0}, {1e30f, 1e-20f}), 0);
 }

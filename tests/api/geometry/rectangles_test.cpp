@@ -161,6 +161,15 @@ TEST(RectIntersection, OfTouchingOnesIsAllZero) {
   EXPECT_EQ(sides(intersection({1, 1, 4, 4}, {4, 1, 9, 4})), sides(Rect_s32{0, 0, 0, 0}));
 }
 
+TEST(RectIntersection, WrittenOverAnOperandIsAllZero) {
+  const Rect_s32 whole = {1, 1, 9, 9};
+  Rect_s32 a = {2, 2, 7, 7}, b = a;
+  IP_Geom_SetIntersection_s32(&a, &whole, &a);
+  IP_Geom_SetIntersection_s32(&whole, &b, &b);
+  EXPECT_EQ(sides(a), sides(Rect_s32{0, 0, 0, 0}));
+  EXPECT_EQ(sides(b), sides(Rect_s32{0, 0, 0, 0}));
+}
+
 TEST(RectIntersection, OfAnEmptyOneInsideAnotherIsThatEmptyOne) {
   // A column without width passes the four strict comparisons where it lies inside the other.
   EXPECT_EQ(sides(intersection({0, 0, 9, 9}, {2, 1, 2, 3})), sides(Rect_s32{2, 1, 2, 3}));

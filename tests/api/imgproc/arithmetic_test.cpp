@@ -328,6 +328,26 @@ TYPED_TEST(ArithmeticOf, EveryZeroDivisorSignalsOnceAndTheOtherPixelsAreRight) {
       });
 }
 
+// A zero alone in its row, so that no other makes up for one that is overlooked.
+TYPED_TEST(ArithmeticOf, AZeroDivisorSignalsWhereverItStandsInALongRow) {
+  lab::Random random(5);
+  const auto dividends = anyPixels<TypeParam>(random, 3000);
+  const Image<TypeParam> a(3000, 1, dividends);
+  for (const size_t at : {0, 1023, 1024, 2047, 2999}) {
+    std::vector<TypeParam> divisors(3000, TypeParam{7});
+    divisors[at] = 0;
+    const auto wanted = wantedOf(dividends, divisors, IMGOP_DIV);
+    const CountedDivisionsByZero signals;
+    Image<TypeParam> b(3000, 1, divisors), out(3000, 1);
+    EXPECT_EQ(IP_ImgOpImg(a, b, out, IMGOP_DIV), 1u);
+    EXPECT_EQ(signals.count(), 1) << at;
+    EXPECT_TRUE(holds(out, wanted));
+    EXPECT_EQ(IP_ImgOpImg(a, b, b, IMGOP_DIV), 1u);
+    EXPECT_EQ(signals.count(), 2) << at;
+    EXPECT_TRUE(holds(b, wanted));
+  }
+}
+
 TYPED_TEST(ArithmeticOf, OnlyDivisionSignals) {
   const CountedDivisionsByZero signals;
   for (uint32_t op : ops)

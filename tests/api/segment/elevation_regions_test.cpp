@@ -658,6 +658,15 @@ TEST(ElevationRegionsState, HoldsNothingBeforeAMapWasProcessed) {
   EXPECT_EQ(list().count, 0u);
 }
 
+TEST(ElevationRegionsState, CountsAMapWithoutRowsAsProcessed) {
+  const State state;
+  const auto elevation = imageOf(Picture{3, 0, {}});
+  const ImgC image = elevation.readOnly();
+  EXPECT_EQ(nadir_elevation_regions_process(state, &image, nullptr), 1);
+  auto map = imageOf(Picture{3, 0, {}});
+  EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 1);
+}
+
 TEST(ElevationRegionsState, MemoryThatDoesNotServeGivesNoState) {
   std::vector<uint64_t> memory(nadir_elevation_regions_bytes() / 8 + 2);
   EXPECT_EQ(nadir_elevation_regions_init(nullptr, memory.size() * 8), nullptr);

@@ -31,6 +31,8 @@ Bytes costRow(Variant variant, const Codes& first, const Codes& ref, uint32_t nu
   const Guarded<uint8_t> costs(Bytes(size_t{width} * (isScalar ? numDisparities : stride), garbage), at.side);
   const auto function = isScalar ? SGM_CalcDsiRow : SGM_CalcDsiRow_neon;
   function(firstRow.data(), refRow.data(), width, at.height, numDisparities, at.row, costs.data());
+  EXPECT_TRUE(same(first, firstRow.values()));
+  EXPECT_TRUE(same(ref, refRow.values()));
   return costs.values();
 }
 

@@ -68,6 +68,12 @@ TEST(PathCostInit, DirectionAboveThreeFailsAndLeavesTheRecordAllZero) {
   }
 }
 
+TEST(PathCostInit, CostsWhoseSizeNeeds33BitsFailAndLeaveTheRecordAllZero) {
+  PcBuffer pc = garbageRecord();
+  EXPECT_EQ(PC_Init(&pc, PC_DIR_UP, 1 << 26, 64, 7), 0);
+  EXPECT_TRUE(isAllZero(pc));
+}
+
 TEST(PathCostInit, RefusedRecordCanBeDestroyed) {
   PcBuffer pc = garbageRecord();
   ASSERT_EQ(PC_Init(&pc, 4, 8, 64, 7), 0);

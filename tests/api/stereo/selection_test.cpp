@@ -141,6 +141,7 @@ class FindMin : public ::testing::TestWithParam<Variant> {
       const Found found = findMin(GetParam(), costs, side);
       EXPECT_EQ(found.value, value) << costs.size();
       EXPECT_EQ(found.index, index) << costs.size();
+      EXPECT_EQ(found.result, found.index) << costs.size();
     }
   }
 };

@@ -135,6 +135,15 @@ TEST(SgmDebug, MakeAllocatesBlocksOfTheStatedSizes) {
   IP_SgmFreeDebugData(&debug);
 }
 
+TEST(SgmDebug, VolumesWhoseSizeNeeds33BitsAreRefused) {
+  SgmDebugData debug;
+  EXPECT_EQ(IP_SgmMakeDebugData(8192, 8192, 64, &debug), 0);
+  for (const uint8_t* block : {debug.costVolume, debug.p2Left, debug.p2UpLeft, debug.p2Up, debug.p2UpRight,
+                               debug.aggregatedVolume, debug.peakMap}) {
+    EXPECT_EQ(block, nullptr);
+  }
+}
+
 TEST(SgmDebug, FreeSetsPointersToNullKeepsSizesAndMayBeCalledTwice) {
   SgmDebugData debug;
   ASSERT_EQ(IP_SgmMakeDebugData(9, 5, 64, &debug), 1);
