@@ -28,8 +28,8 @@ int32_t IP_ContourFilter(const Img* src, Img* dst, uint32_t minSize) {
   Img labelMap;
   Vector sizeVector;
   const int32_t threshold = 0;
-  if (!IP_CompFind_CreateLabelMap(&labelMap, labels, nadir::mapPixels * 2)) return 0;
-  if (!IP_CompFind_CreateComponentSizes(&sizeVector, sizes, nadir::sizeCount * 2)) return 0;
+  IP_CompFind_CreateLabelMap(&labelMap, labels, nadir::mapPixels * 2);
+  IP_CompFind_CreateComponentSizes(&sizeVector, sizes, nadir::sizeCount * 2);
   if (!IP_CompFind_Process(src, &labelMap, &sizeVector, &threshold)) return 0;
   nadir::keepLarge(*src, *dst, labels, sizes, minSize);
   return 1;

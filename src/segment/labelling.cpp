@@ -91,7 +91,8 @@ int32_t IP_CompFind_CreateLabelMap(Img* map, void* buffer, uint32_t bufferBytes)
 }
 
 int32_t IP_CompFind_CreateComponentSizes(Vector* sizes, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < nadir::initialSizes * 2 || !Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes)) return 0;
+  if (bufferBytes < nadir::initialSizes * 2) return 0;
+  Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes);
   return static_cast<int32_t>(Vector_Fill(sizes, 0, nadir::initialSizes));
 }
 

@@ -76,7 +76,7 @@ class Tree:
 
     def __init__(self, work, number):
         self.path = work / f"tree{number}"
-        self.build = self.path / "build"
+        self.build = self.path / "build/plain"
         self.temporary = work / f"tmp{number}"
 
     def follow(self, root):

@@ -78,6 +78,17 @@ TEST(RoadSavedState, NumbersThatNoTrackerComesToAreRefused) {
   for (const auto& b : bad) EXPECT_EQ(tracked.load(forged(state, b.at, b.value)), NADIR_BAD_STATE) << b.what;
 }
 
+// Each of a track's floats becomes an infinity by its two highest bytes.
+TEST(RoadSavedState, NumbersThatAreNotFiniteAreRefused) {
+  const Tracked tracked;
+  const std::vector<uint8_t> state = tracked.tracker.saved();
+  for (size_t area = 0; area < 2; ++area)
+    for (size_t number = 0; number < 6; ++number) {
+      const size_t at = tracksAt + area * trackBytes + 12 + 4 * number;
+      EXPECT_EQ(tracked.load(forged(forged(state, at + 3, 0x7F), at + 2, 0x80)), NADIR_BAD_STATE) << area << number;
+    }
+}
+
 TEST(RoadSavedState, TimesMayLieAsFarApartAsTheyCan) {
   const lab::Road road(smallPlan());
   const lab::Tracker tracker(road, tracking());

@@ -77,6 +77,28 @@ TEST(Exposure, AnEvenGreyIsNotTheRangesEnd) {
   EXPECT_EQ(0u, exposureOf(picture.data(), 64, 8).clipped);
 }
 
+// 12 bits, 14 or 16: the brightest pixel tells, and what lies within 1/64 of its range's end is clipped.
+TEST(Exposure, TakesTheSensorsRangeFromTheBrightestPixel) {
+  const auto clipped = [](uint16_t brightest, uint16_t other) {
+    std::vector<uint16_t> picture(64 * 4, other);
+    picture[0] = brightest;
+    return exposureOf(picture.data(), 64, 4).clipped;
+  };
+  EXPECT_EQ(clipped(4095, 4032), 64u);
+  EXPECT_EQ(clipped(4095, 4031), 1u);
+  EXPECT_EQ(clipped(4096, 4096), 0u);
+  EXPECT_EQ(clipped(16383, 16128), 64u);
+  EXPECT_EQ(clipped(16383, 16127), 1u);
+  EXPECT_EQ(clipped(16384, 16384), 0u);
+  EXPECT_EQ(clipped(65535, 64512), 64u);
+  EXPECT_EQ(clipped(65535, 64511), 1u);
+}
+
+TEST(Exposure, OfNoPixelsIsAllDark) {
+  EXPECT_EQ(Exposure{}.darkShare(), 1);
+  EXPECT_EQ(Exposure{}.clippedShare(), 0);
+}
+
 TEST(DisparityPlane, IsWhereTheLibraryPutsTheGround) {
   const StereoCtx context = contextOf(mounted(2500, -40, 12));
   const DisparityPlane plane = expectedGround(context, 1.5);
@@ -223,6 +245,36 @@ TEST(Drift, AsksForASearchWhenTheGroundIsGone) {
   EXPECT_TRUE(asks(mounted(2000, -30, 0)));
   const StereoCtx context = contextOf(camera);
   EXPECT_TRUE(std::isnan(driftOf(expectedGround(context, 0), nullptr, 0, context, 0).heightMm));
+}
+
+// Three blocks lie on a plane by themselves, and say nothing about how they scatter.
+TEST(Drift, OfThreeBlocksHasNoDeviation) {
+  const StereoCtx context = contextOf(camera);
+  const DisparityPlane expected = expectedGround(context, 0);
+  std::vector<Block> blocks = {{100, 130, 0}, {200, 150, 0}, {120, 200, 0}};
+  for (Block& b : blocks) b.disparity = static_cast<float>(expected.at(b.x, b.y));
+  const Drift drift = driftOf(expected, blocks.data(), blocks.size(), context, 0);
+  EXPECT_NEAR(0, drift.heightMm, 0.1);
+  EXPECT_EQ(0, drift.heightDeviationMm);
+  EXPECT_EQ(0, drift.tiltDeviationDeg);
+  EXPECT_EQ(1, drift.share);
+}
+
+TEST(Drift, IsUnknownWithLessThanATenthOnTheGround) {
+  const StereoCtx context = contextOf(camera);
+  const DisparityPlane expected = expectedGround(context, 0);
+  std::vector<Block> blocks = blocksOf(groundOf(camera));
+  const size_t tenth = (blocks.size() + 9) / 10;
+  const auto with = [&](size_t on) {
+    std::vector<Block> some = blocks;
+    for (size_t i = 0; i < some.size(); ++i)
+      if (i * on / some.size() == (i + 1) * on / some.size()) some[i].disparity += 40;
+    return driftOf(expected, some.data(), some.size(), context, 0);
+  };
+  EXPECT_NEAR(0, with(tenth).heightMm, 5);
+  EXPECT_TRUE(std::isnan(with(tenth - 1).heightMm));
+  EXPECT_LT(with(tenth - 1).share, 0.1);
+  EXPECT_GT(with(tenth - 1).share, 0.09);
 }
 
 // Values and holes whose numbers are plain to see, on a mask and without data.

@@ -329,6 +329,32 @@ TEST_F(ListedPoints, RefuseForeignResults) {
   EXPECT_EQ(count, 99u);
 }
 
+// Whether its disparities were given or matched, the result knows.
+TEST_F(ListedPoints, RefuseFramesThatAreNotTheResults) {
+  lab::Random random(4);
+  const lab::TexturedPair pair = lab::shiftedRows(
+      96, 60, 24, [](uint32_t) { return 12; }, random);
+  const Grid<uint16_t> left(96, 60, pair.first), right(96, 60, pair.reference);
+  const NadirFrame pictures = frameOf(left, right);
+  NadirFrame narrow = frame_;
+  narrow.disparity_stride = 95 * sizeof(float);
+  size_t count = 99;
+  EXPECT_EQ(nadir_road_points(road_.get(), &pictures, result_.get(), nullptr, 0, &count), NADIR_BAD_FRAME);
+  EXPECT_EQ(nadir_road_points(road_.get(), &narrow, result_.get(), nullptr, 0, &count), NADIR_BAD_FRAME);
+  processed(road_, pictures, result_);
+  EXPECT_EQ(nadir_road_points(road_.get(), &frame_, result_.get(), nullptr, 0, &count), NADIR_BAD_FRAME);
+  EXPECT_EQ(count, 99u);
+}
+
+TEST_F(ListedPoints, ThereAreNoneWithoutAMap) {
+  const Road road = makeRoad(smallCamera(), settingsUntil(NADIR_UNTIL_MATCH));
+  const Result result = makeResult(road);
+  processed(road, frame_, result);
+  size_t count = 99;
+  EXPECT_EQ(nadir_road_points(road.get(), &frame_, result.get(), nullptr, 0, &count), NADIR_NOTHING_FOUND);
+  EXPECT_EQ(count, 99u);
+}
+
 TEST_F(ListedPoints, ThereAreNoneBeforeTheFirstFrame) {
   const Result fresh = makeResult(road_);
   lab::Random random(4);

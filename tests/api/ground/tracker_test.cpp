@@ -169,6 +169,14 @@ TEST(TrackerBytes, GrowWithTheWindow) {
   EXPECT_GE(nadir_tracker_bytes(road.get(), &more), nadir_tracker_bytes(road.get(), &less) + 5 * 16 * 14 * 2);
 }
 
+TEST(TrackerBytes, AreNoneForWhatCannotBeMade) {
+  const Road road = roadWithTwoAreas();
+  const NadirTrackSettings good = trackSettings(), bad = trackSettings(1001);
+  EXPECT_EQ(nadir_tracker_bytes(nullptr, &good), 0u);
+  EXPECT_EQ(nadir_tracker_bytes(road.get(), nullptr), 0u);
+  EXPECT_EQ(nadir_tracker_bytes(road.get(), &bad), 0u);
+}
+
 TEST(TrackerCreate, RefusesNullPointers) {
   const Road road = roadWithTwoAreas();
   const NadirTrackSettings settings = trackSettings();
@@ -711,6 +719,11 @@ TEST(Saving, WithoutRoomWritesNothing) {
     EXPECT_EQ(nadir_tracker_save(tracker.get(), memory.data(), room), bytes) << room;
     EXPECT_TRUE(same(before, memory)) << room;
   }
+}
+
+TEST(Saving, WithoutMemoryTellsItsSizeWhateverTheRoom) {
+  const Tracker tracker = filled(roadWithTwoAreas(), 9);
+  EXPECT_EQ(nadir_tracker_save(tracker.get(), nullptr, SIZE_MAX), saved(tracker).size());
 }
 
 TEST(Saving, WithMoreRoomLeavesTheRest) {

@@ -278,6 +278,18 @@ TEST(PullPushInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   EXPECT_EQ(dst.pixels(), marks<uint16_t>(180));
 }
 
+TEST(PullPushInMemory, WrongImagesAreRefusedWithNothingWritten) {
+  const Image<uint16_t> src(20, 9, Pixels(180, 3));
+  Image<uint16_t> dst = marked(20, 9), narrower = marked(19, 9);
+  const size_t bytes = nadir_pull_push_bytes(20, 9);
+  Pixels memory(bytes / 2);
+  EXPECT_EQ(nadir_pull_push(nullptr, dst, memory.data(), bytes), 0);
+  EXPECT_EQ(nadir_pull_push(src, nullptr, memory.data(), bytes), 0);
+  EXPECT_EQ(nadir_pull_push(src, narrower, memory.data(), bytes), 0);
+  EXPECT_EQ(dst.pixels(), marks<uint16_t>(180));
+  EXPECT_EQ(narrower.pixels(), marks<uint16_t>(171));
+}
+
 TEST(PullPushInMemory, SizesThatAreRefusedTakeNoMemory) {
   EXPECT_EQ(nadir_pull_push_bytes(1, 9), 0u);
   EXPECT_EQ(nadir_pull_push_bytes(9, 1), 0u);

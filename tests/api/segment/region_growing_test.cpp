@@ -253,6 +253,20 @@ TEST(RegionGrowingInMemory, GrowsAsTheAllocatingCallDoes) {
   }
 }
 
+TEST(RegionGrowingInMemory, WrongArgumentsAreRefusedWithNothingWritten) {
+  const auto src = imageOf(constant<uint16_t>(20, 9, 3));
+  auto labels = imageOf(Picture{20, 9, marks<uint16_t>(180)}), narrower = imageOf(Picture{19, 9, marks<uint16_t>(171)});
+  const int32_t params[] = {0, 1};
+  const size_t bytes = nadir_region_growing_bytes(20, 9);
+  std::vector<uint32_t> memory(bytes / 4);
+  EXPECT_EQ(nadir_region_growing(nullptr, params, labels, memory.data(), bytes), 0);
+  EXPECT_EQ(nadir_region_growing(src, nullptr, labels, memory.data(), bytes), 0);
+  EXPECT_EQ(nadir_region_growing(src, params, nullptr, memory.data(), bytes), 0);
+  EXPECT_EQ(nadir_region_growing(src, params, narrower, memory.data(), bytes), 0);
+  EXPECT_EQ(labels.pixels(), marks<uint16_t>(180));
+  EXPECT_EQ(narrower.pixels(), marks<uint16_t>(171));
+}
+
 TEST(RegionGrowingInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   const auto src = imageOf(constant<uint16_t>(20, 9, 3));
   auto labels = imageOf(Picture{20, 9, marks<uint16_t>(180)});

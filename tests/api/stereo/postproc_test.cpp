@@ -207,6 +207,16 @@ TEST(SgmPostprocInMemory, CleansAsTheAllocatingCallDoes) {
   }
 }
 
+TEST(SgmPostprocInMemory, NullPointersFailWithNothingWritten) {
+  const Input in = randomInput(5, 5);
+  const size_t bytes = nadir_sgm_postproc_bytes(5, 5);
+  Words result(25, garbage), memory(bytes / 2);
+  EXPECT_EQ(nadir_sgm_postproc(nullptr, in.mask.data(), result.data(), 5, 5, memory.data(), bytes), 0u);
+  EXPECT_EQ(nadir_sgm_postproc(in.disparity.data(), nullptr, result.data(), 5, 5, memory.data(), bytes), 0u);
+  EXPECT_EQ(nadir_sgm_postproc(in.disparity.data(), in.mask.data(), nullptr, 5, 5, memory.data(), bytes), 0u);
+  EXPECT_TRUE(same(Words(25, garbage), result));
+}
+
 TEST(SgmPostprocInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   const Input in = randomInput(20, 9);
   const size_t bytes = nadir_sgm_postproc_bytes(20, 9);
