@@ -90,6 +90,17 @@ TEST(Warnings, TellSharesInPercent) {
     }
 }
 
+TEST(Warnings, OfNoIdHaveNoNumbers) {
+  for (const uint32_t id : {0u, NADIR_WARNINGS + 1u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(nadir_warning_name(id), nullptr) << id;
+    EXPECT_EQ(nadir_warning_sentence(id), nullptr) << id;
+    EXPECT_EQ(nadir_warning_number_name(id, 0), nullptr) << id;
+    EXPECT_EQ(nadir_warning_scale(id, 0), 1) << id;
+  }
+  EXPECT_EQ(nadir_warning_number_name(NADIR_WARNING_GROUND_ELSEWHERE, 4), nullptr);
+  EXPECT_EQ(nadir_warning_scale(NADIR_WARNING_GROUND_ELSEWHERE, 4), 1);
+}
+
 // A frame without pictures says nothing of them, one without a mount nothing of the ground.
 TEST(Trust, IsNotANumberForWhatCouldNotBeMeasured) {
   const NadirCamera camera = smallCamera();
