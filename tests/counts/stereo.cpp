@@ -28,9 +28,9 @@ struct Pair {
 void callSteps(const Pair& pair) {
   std::vector<uint8_t> costs(size_t{pair.width} * disparityCount), sums(costs.size());
   const size_t row = size_t{10} * pair.width;
-  for (const auto function : {SGM_CalcDsiRow, SGM_CalcDsiRow_neon}) {
-    function(&pair.first[row], &pair.reference[row], pair.width, pair.height, disparityCount, 10, costs.data());
-  }
+  const uint32_t *first = &pair.first[row], *reference = &pair.reference[row];
+  SGM_CalcDsiRow(first, reference, pair.width, pair.height, disparityCount, 10, costs.data());
+  SGM_CalcDsiRow_neon(first, reference, pair.width, pair.height, disparityCount, 10, costs.data());
   std::vector<uint8_t> p2[4];
   for (auto& map : p2) map.resize(pair.pixels);
   SGM_CalcP2(pair.pair.reference.data(), pair.width, pair.height, p2[0].data(), p2[1].data(), p2[2].data(),
@@ -40,10 +40,8 @@ void callSteps(const Pair& pair) {
     done(PC_Init(&pc, dir, pair.width, disparityCount, 7));
     PC_ResetBuffer(&pc);
     PC_NextFrame(&pc);
-    for (const auto function : {PC_NextRow, PC_NextRow_neon}) {
-      function(&pc, costs.data(), &p2[dir][row], sums.data());
-      function(&pc, costs.data(), &p2[dir][row], sums.data());
-    }
+    for (int time = 0; time < 2; ++time) PC_NextRow(&pc, costs.data(), &p2[dir][row], sums.data());
+    for (int time = 0; time < 2; ++time) PC_NextRow_neon(&pc, costs.data(), &p2[dir][row], sums.data());
     PC_SwapBuffer(&pc);
     PC_Destroy(&pc);
   }
