@@ -152,7 +152,7 @@ Fingerprint polygonsF() {
 }
 
 // The callback has no place for a pointer to where its points shall go.
-std::vector<int32_t> visited;
+thread_local std::vector<int32_t> visited;
 
 Fingerprint digitalLines() {
   Fingerprint hash;
