@@ -68,7 +68,10 @@ ROOMS = {
     "tests/lab": "include/nadir lab lab/scene lab/verify",
     "tests/trust": "include/nadir lab lab/scene ground/trust",
     "tests/kernels": "include/nadir lab src/core src/simd src/imgproc src/stereo ground/kernels tests/support",
-    "tests/fuzz": "include/nadir lab src/simd tests/models tests/support",
+    "tests/readers": "include/nadir lab tools/base tools/files tools/pictures tools/draw tools/camera tools/evaluate"
+                     " tools/sequence",
+    "tests/fuzz": "include/nadir lab src/simd tests/models tests/support tests/readers",
+    "tests/attack": "include/nadir lab tests/readers",
     "tests/abi": "include/nadir",
     "tests/install": "",
     "tests/isolation": "",
