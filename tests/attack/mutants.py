@@ -14,7 +14,9 @@ import pathlib
 import random
 import re
 import shutil
+import signal
 import subprocess
+import sys
 import textwrap
 import time
 
@@ -36,9 +38,11 @@ people write.
 LEAST_NOTICED = 98
 # How many mutants must be counted before the share of the noticed says something.
 WANTED = 500
+# CMake names objects by their paths below tools/.
+OBJECTS_OF_PROGRAM = [path.replace("tools/", ".dir/") for path in PROGRAM]
 # The share of each part in all mutants, as a pattern of turns.
 TURNS = ["library", "road", "library", "program"]
-MUTATED_OBJECTS = re.compile(r"nadir_objects\.dir|nadirground_objects\.dir|nadir_road_kernels\.dir|nadir-tool\.dir")
+MUTATED_OBJECTS = re.compile(r"nadir_objects\.dir|nadirground_objects\.dir|nadir_road_kernels\.dir|nadir_tool_\w+\.dir|nadir-tool\.dir")
 FLAGS = ["-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=ON", "-DBUILD_SHARED_LIBS=OFF", "-DNADIR_BUILD_TOOLS=ON",
          "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold"]
 OUTCOMES = ("noticed", "survived")
@@ -173,8 +177,11 @@ class Map:
         self.seconds = kept["seconds"]
         self.lines = {file: {int(line): set(numbers) for line, numbers in of_file.items()} for file, of_file in kept["lines"].items()}
 
+    def order(self, number):
+        return "tool" in self.suites[number].program, self.seconds[number]
+
     def of_line(self, file, line):
-        """The suites for a line, fastest first. A line that is no code of its own takes those of the code around it: the
+        """The suites for a line, fastest first, and the program's last, since they start it again and again. A line that is no code of its own takes those of the code around it: the
         other lines of its statement, or all that run the file where it is a constant."""
         of_file = self.lines.get(file, {})
         if line in of_file:
@@ -184,14 +191,14 @@ class Map:
             below = min((known for known in of_file if known > line), default=None)
             numbers = of_file.get(above, set()) | of_file.get(below, set())
             numbers = numbers or set().union(*of_file.values()) if of_file else set(range(len(self.suites)))
-        return [(self.suites[n], self.seconds[n]) for n in sorted(numbers, key=lambda n: self.seconds[n])]
+        return [(self.suites[n], self.seconds[n]) for n in sorted(numbers, key=self.order)]
 
 
 def made_map(tree, work, digest):
     """Runs every suite of a build that counts lines."""
     tree.make(COUNTING)
     kept = {"digest": digest, "suites": [], "seconds": [], "lines": {}}
-    wanted = lambda path: bool(MUTATED_OBJECTS.search(path)) and ("nadir-tool.dir" not in path or any(part in path for part in PROGRAM))
+    wanted = lambda path: bool(MUTATED_OBJECTS.search(path)) and ("/tools/CMakeFiles/" not in path or any(part in path for part in OBJECTS_OF_PROGRAM))
     for suite in suites.suites(tree.build):
         passed, seconds, ran, known = suites.lines_of_suite(tree.build, suite, tree.path, work / "map", wanted)
         print(f"map: {suite.name} {seconds:.1f} s, {len(ran)} lines{'' if passed else ', left out: it fails unchanged'}", flush=True)
@@ -377,6 +384,7 @@ def run(options):
     if options.short:
         return self_test(work)
     work.mkdir(parents=True, exist_ok=True)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # which takes the mutant out of the tree
     commit = subprocess.run(["git", "-C", ROOT, "describe", "--always", "--dirty"], capture_output=True, text=True, check=True).stdout.strip()
     tree = Tree(work.resolve(), 0)
     tree.follow(ROOT)

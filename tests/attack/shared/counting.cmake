@@ -3,7 +3,7 @@
 # The tests do not count, so that they are the same objects as in other builds, and as fast. NADIR_COUNTED says how what
 # counts is optimised.
 function(nadir_count_lines)
-  foreach(target IN ITEMS nadir_objects nadirground_objects nadir_road_kernels nadir-tool)
+  foreach(target IN ITEMS nadir_objects nadirground_objects nadir_road_kernels nadir_tool_files nadir_tool_rooms nadir-tool)
     if(TARGET ${target})
       target_compile_options(${target} PRIVATE ${NADIR_COUNTED} --coverage -fprofile-update=single)
     endif()
