@@ -14,6 +14,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
+#include "tools/files/temporary_file.hpp"
 #include "tools/pictures/chunks.hpp"
 
 namespace nadir::tool {
@@ -36,7 +37,7 @@ void openStandardStreams() {
   if (opened > STDERR_FILENO) close(opened);
 }
 
-// Exceptions end here where some library lets none out. Nothing may be allocated any more.
+// Exceptions end here where some library lets none out. Nothing may be allocated any more, and no destructor runs.
 [[noreturn]] void endInOneSentence() {
   const char* sentence = "nadir: something failed inside the program\n";
   try {
@@ -45,6 +46,7 @@ void openStandardStreams() {
     sentence = "nadir: not enough memory\n";
   } catch (...) {
   }
+  removeTemporaryFiles();
   std::fputs(sentence, stderr);
   _exit(failed);
 }
@@ -57,8 +59,10 @@ void prepareProcess() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
-// Tables of this program and of what it includes are filled before main().
-[[gnu::constructor(101)]] void watchOverExceptions() { std::set_terminate(endInOneSentence); }
+// Tables of the libraries and of this program are filled before main(). What stands in this section runs before all of
+// them.
+void watchOverExceptions() { std::set_terminate(endInOneSentence); }
+[[gnu::section(".preinit_array"), gnu::used]] void (*const beforeAll)() = watchOverExceptions;
 
 void describe(CLI::App& app) {
   app.name("nadir");

@@ -53,7 +53,7 @@ ROOMS = {
                   " tools/synth tools/evaluate tools/report tools/sequence",
     "tools/commands": "include/nadir lab lab/scene lab/verify tools/base tools/files tools/pictures tools/draw"
                       " tools/camera tools/road tools/synth tools/evaluate tools/report tools/sequence tools/tune",
-    "tools": "include/nadir lab tools/base tools/pictures tools/commands",
+    "tools": "include/nadir lab tools/base tools/files tools/pictures tools/commands",
     # everything that runs them
     "examples": "include/nadir",
     "tests/models": "include/nadir lab",

@@ -31,7 +31,7 @@ class Background {
 
   // Throws what the use of an earlier item has thrown.
   void give(Item item) {
-    if (!thread_.joinable()) return use_(item);
+    if (!thread_.joinable()) return useHere(item);
     std::unique_lock<std::mutex> lock(mutex_);
     changed_.wait(lock, [this] { return waiting_.size() < room_ || failure_; });
     if (failure_) std::rethrow_exception(failure_);
@@ -53,6 +53,17 @@ class Background {
     }
     changed_.notify_all();
     if (thread_.joinable()) thread_.join();
+  }
+
+  // One that has failed is the last one, as on the thread.
+  void useHere(Item& item) {
+    if (failure_) std::rethrow_exception(failure_);
+    try {
+      use_(item);
+    } catch (...) {
+      failure_ = std::current_exception();
+      throw;
+    }
   }
 
   void work() {

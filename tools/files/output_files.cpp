@@ -21,9 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int mostLinks = 40;      // as many as the system follows
-constexpr size_t keptName = 200;   // bytes of a target's name that its temporary name begins with
-constexpr int mostAttempts = 100;  // for a name that nobody has
+constexpr int mostLinks = 40;  // as many as the system follows
 
 // Links are followed to their end, which need not exist, so that they stay links.
 fs::path endOfLinks(const fs::path& path, std::error_code& error) {
@@ -46,25 +44,6 @@ std::optional<mode_t> modeToKeep(const std::string& target, const std::string& s
   if ((status.st_mode & 0222) == 0) throw Error("cannot write " + shownAs + ": it is read-only");
   if (access(target.c_str(), W_OK) != 0) throw fileError("write", shownAs, errno);
   return status.st_mode & 0777;
-}
-
-std::string temporaryName(const std::string& target) {
-  uint64_t number = 0;
-  if (getentropy(&number, sizeof number) != 0) throw fileError("write", target, errno);
-  const fs::path path(target);
-  const std::string name = path.filename().string().substr(0, keptName);
-  return (path.parent_path() / name).string() + format(".nadir-%016llx.part", static_cast<unsigned long long>(number));
-}
-
-FileDescriptor newFile(const std::string& target, const std::string& shownAs, std::string& name) {
-  for (int attempt = 1;; ++attempt) {
-    std::string candidate = temporaryName(target);
-    FileDescriptor file(open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    if (file.number < 0 && errno == EEXIST && attempt < mostAttempts) continue;
-    if (file.number < 0) throw fileError("write", shownAs, errno);
-    name = std::move(candidate);
-    return file;
-  }
 }
 
 // A file system that knows one mode for all its files refuses to change it.
@@ -114,21 +93,28 @@ void removeParts(const std::string& folder) {
       fs::remove(entry.path(), missing);
 }
 
-// Renaming does nothing where both names are links to one file, so the predecessor's other name has to go by itself.
-void OutputFiles::remove(const File& file) {
-  if (!file.temporary.empty() && !file.inPlace) std::remove(file.temporary.c_str());
-  if (file.inPlace && file.predecessor.empty()) std::remove(file.target.c_str());
-  if (file.predecessor.empty()) return;
-  std::rename(file.predecessor.c_str(), file.target.c_str());
-  std::remove(file.predecessor.c_str());
+// Where the predecessor has its name still, only its second one has to go. A predecessor that cannot come back stays
+// under its second name, because nothing else holds its bytes.
+void OutputFiles::putBack(const File& file) {
+  const char *target = file.target.c_str(), *predecessor = file.predecessor.c_str();
+  const bool replaced = file.temporary.inPlace();
+  if (file.predecessor.empty()) {
+    if (replaced) std::remove(target);
+  } else if (!replaced && access(target, F_OK) == 0) {
+    std::remove(predecessor);
+  } else if (std::rename(predecessor, target) != 0) {
+    std::remove(target);
+    if (link(predecessor, target) == 0) std::remove(predecessor);
+  }
 }
 
 OutputFiles::~OutputFiles() {
   for (auto file = files_.rbegin(); file != files_.rend(); ++file)
     if (!committed_)
-      remove(*file);
+      putBack(*file);
     else if (!file->predecessor.empty())
       std::remove(file->predecessor.c_str());
+  files_.clear();  // the folders are empty now
   if (committed_) return;
   for (auto folder = newFolders_.rbegin(); folder != newFolders_.rend(); ++folder) std::remove(folder->c_str());
 }
@@ -153,19 +139,16 @@ void OutputFiles::write(const std::string& path, const Bytes& bytes) {
   if (inputs_->hold(target)) throw Error("the output " + path + " is one of the inputs");
   for (const File& file : files_)
     if (file.target == target) throw Error("two outputs have the same name, " + path);
-  files_.push_back({target});
-  FileDescriptor file = newFile(target, path, files_.back().temporary);
+  files_.emplace_back(target);
+  FileDescriptor file = files_.back().temporary.make(target, path);
   if (mode) giveMode(file, *mode, path);
   fill(std::move(file), bytes, path);
 }
 
 void OutputFiles::commit() {
-  for (const File& file : files_) sync(file.temporary, O_WRONLY, file.target);
+  for (const File& file : files_) sync(file.temporary.name(), O_WRONLY, file.target);
   for (File& file : files_) file.predecessor = keptPredecessor(file.target);
-  for (File& file : files_) {
-    if (std::rename(file.temporary.c_str(), file.target.c_str()) != 0) throw fileError("write", file.target, errno);
-    file.inPlace = true;
-  }
+  for (File& file : files_) file.temporary.rename(file.target);
   syncFolders();
   committed_ = true;
 }

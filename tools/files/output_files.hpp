@@ -1,6 +1,7 @@
 // The outputs of a command, written so that either all of them are there or none, and stay there when the power is cut.
 #pragma once
 
+#include <list>
 #include <memory>
 #include <set>
 #include <string>
@@ -9,6 +10,7 @@
 #include "tools/base/interrupt.hpp"
 #include "tools/files/file_marks.hpp"
 #include "tools/files/files.hpp"
+#include "tools/files/temporary_file.hpp"
 
 namespace nadir::tool {
 
@@ -39,18 +41,18 @@ class OutputFiles {
 
  private:
   struct File {
+    explicit File(std::string name) : target(std::move(name)) {}
     std::string target;
-    std::string temporary = {};  // empty as long as there is none
-    std::string predecessor = {};
-    bool inPlace = false;
+    std::string predecessor;  // its second name, empty as long as there is none
+    TemporaryFile temporary;
   };
 
-  static void remove(const File& file);
+  static void putBack(const File& file);
   void syncFolders() const;
 
   std::shared_ptr<const FileMarks> inputs_;
   InterruptDelay untilAllIsDone_;
-  std::vector<File> files_;
+  std::list<File> files_;
   std::vector<std::string> newFolders_;
   bool committed_ = false;
 };
