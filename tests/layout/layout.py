@@ -76,6 +76,7 @@ ROOMS = {
     "tests/install": "",
     "tests/isolation": "",
     "tests/tool": "include/nadir lab",
+    "tests/attack/faults": "",
 }
 
 # Arrows that lead upward all the same, each with its reason. One that is not needed any more must go.

@@ -1,0 +1,12 @@
+"""Failing allocations: each allocation of a small run of every command fails once, and from then on. The run must end
+with one sentence and the old results, or with the right ones; the slowest command tries every tenth.
+"""
+import errno
+
+from shared import faults
+
+SAMPLED = 400  # of 90000: 15 seconds
+
+
+def run(options):
+    return faults.run(options, "libnadir_failing_allocations.so", lambda kind: errno.ENOMEM, SAMPLED)
