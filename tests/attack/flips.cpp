@@ -33,7 +33,9 @@ std::regex placeFor(const std::string& reader) {
   if (reader == "camera" || reader == "areas") return std::regex("toml:[0-9]+: ");
   if (reader == "log") return std::regex("frames\\.jsonl: line [0-9]+");
   if (reader == "picture") return std::regex("");  // its caller names the file
-  return std::regex("/(run|summary|scene)\\.json|/(frames|truth)\\.jsonl|/tracks|/regions|\\.ya?ml");
+  if (reader == "regions") return std::regex("/(summary|scene)\\.json");
+  if (reader == "opencv" || reader == "ros") return std::regex("\\.ya?ml");
+  return std::regex("/run\\.json|/(frames|truth)\\.jsonl: line [0-9]+|/tracks has");  // no areas, fewer frames
 }
 
 class Damage {

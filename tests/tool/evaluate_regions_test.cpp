@@ -175,6 +175,8 @@ TEST_F(EvaluateRegions, BadFoldersAreRefusedInOneSentence) {
   refuse({"scene", "scene"}, "cannot read scene/regions.png: No such file or directory");
   writeFile(folder.path("result/summary.json"), "{\"regions\": [{}]}");
   refuse({"result", "scene"}, "cannot use result/summary.json: it is not a list of regions as nadir ground writes it");
+  writeFile(folder.path("result/summary.json"), "{\"regions\":\n[{]}");
+  refuse({"result", "scene"}, "cannot use result/summary.json: line 2 is no JSON");
   writeFile(folder.path("result/summary.json"), "{\"regions\": null}");
   refuse({"result", "scene"}, "result/summary.json holds no regions: nadir ground was told --no-regions");
   topMm = "-40";

@@ -90,7 +90,9 @@ TEST_F(EvaluateTracks, RefusesInOneSentence) {
   writeFile(folder.path("s/truth.jsonl"), truth(0, 0, 1, 0, 1));
   refuse({"r", "s"}, "s has fewer frames than r");
   writeFile(folder.path("r/run.json"), "{\"areas\": [{\"name\": 1}]}");
-  refuse({"r", "s"}, "cannot compare r with s");
+  refuse({"r", "s"}, "cannot use r/run.json: it does not name areas as nadir ground does");
+  writeFile(folder.path("r/run.json"), "{\n\n\"areas\" []}");
+  refuse({"r", "s"}, "cannot use r/run.json: line 3 is no JSON");
   writeFile(folder.path("r/run.json"), "{\"areas\": []}");
   refuse({"r", "s"}, "r has no areas of interest");
 }

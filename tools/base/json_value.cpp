@@ -1,6 +1,7 @@
-// Numbers rounded for JSON.
+// JSON of files is taken apart with care, and numbers are rounded for it.
 #include "tools/base/json_value.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -23,6 +24,16 @@ void checkNesting(const std::string& text) {
     if (!quoted) depth += (c == '[' || c == '{') - (c == ']' || c == '}');
   }
   if (depth > deepest) throw UnusableFile("it is nested too deeply");
+}
+
+nlohmann::json parsedJson(const std::string& text) {
+  checkNesting(text);
+  try {
+    return nlohmann::json::parse(text);
+  } catch (const nlohmann::json::parse_error& error) {
+    const auto place = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
+    throw UnusableFile(format("line %zu is no JSON", 1 + static_cast<size_t>(std::count(text.begin(), place, '\n'))));
+  }
 }
 
 double numberIn(const nlohmann::json& value, double least, double most) {

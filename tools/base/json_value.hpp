@@ -17,6 +17,9 @@ using Json = nlohmann::ordered_json;
 // functions call themselves for each level, and the stack would end.
 void checkNesting(const std::string& text);
 
+// What the text of a whole file holds. Throws UnusableFile, with the line, where that is no JSON or nests too deeply.
+nlohmann::json parsedJson(const std::string& text);
+
 // The number that a foreign file holds, if it is one within the range; throws UnusableFile where it is not.
 double numberIn(const nlohmann::json& value, double least, double most);
 

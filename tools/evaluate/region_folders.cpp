@@ -23,8 +23,7 @@ template <class Use>
 auto useJson(const std::string& path, const char* writer, Use use) {
   const std::string text = readText(path);
   try {
-    checkNesting(text);
-    return use(Json::parse(text));
+    return use(parsedJson(text));
   } catch (const Json::exception&) {
     throw UnusableFile(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
   } catch (const UnusableFile& reason) {

@@ -63,12 +63,13 @@ std::vector<Point_s32> cornersOf(const nlohmann::json& area) {
 void readAreas(const std::string& path, std::vector<AreaTrack>& areas, std::vector<PolygonRecord>& places) {
   const std::string text = readText(path);
   try {
-    checkNesting(text);
-    const nlohmann::json settings = nlohmann::json::parse(text);
+    const nlohmann::json settings = parsedJson(text);
     for (const nlohmann::json& area : settings.at("areas")) {
       areas.push_back({area.at("name"), {}, {}, {}, {}});
       places.emplace_back(cornersOf(area));
     }
+  } catch (const nlohmann::json::exception&) {
+    throw UnusableFile("cannot use " + path + ": it does not name areas as nadir ground does");
   } catch (const UnusableFile& reason) {
     throw UnusableFile("cannot use " + path + ": " + reason.what());
   }
@@ -137,11 +138,7 @@ bool isSequenceResult(const std::string& folder) { return std::filesystem::exist
 std::vector<AreaTrack> readTracks(const std::string& result, const std::string& sequence) {
   if (!std::filesystem::exists(sequence + "/truth.jsonl"))
     throw Error(sequence + " is no sequence of nadir synth: it has no truth.jsonl");
-  try {
-    return joinedTracks(result, sequence);
-  } catch (const nlohmann::json::exception&) {
-    throw Error("cannot compare " + result + " with " + sequence + ": their files are not those of this version");
-  }
+  return joinedTracks(result, sequence);
 }
 
 std::string trackTable(const std::vector<AreaTrack>& areas) {
