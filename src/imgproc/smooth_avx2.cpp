@@ -1,4 +1,4 @@
-// These are the kernels of smoothing, hole filling and averaging for AVX2.
+// These are the kernels of smoothing, hole filling, halving and averaging for AVX2.
 #include "imgproc/smooth_rows.hpp"
 
 namespace nadir {

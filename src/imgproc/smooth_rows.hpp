@@ -82,6 +82,15 @@ struct SmoothRows {
     });
   }
 
+  static void halve(const uint16_t* src, size_t srcStep, uint16_t* coarse, size_t coarseStep) {
+    const size_t srcPixels = 2 * (srcStep / sizeof *src), coarsePixels = coarseStep / sizeof *coarse;
+    for (size_t y = 0; y < halvedHeight; ++y) {
+      const uint16_t* const in = src + y * srcPixels;
+      uint16_t* const out = coarse + y * coarsePixels;
+      forEachPixel(halvedWidth, [=](size_t i) { out[i] = in[2 * i]; });
+    }
+  }
+
   // The division is one of doubles, which vectors have: both numbers and the truncated quotient are exact.
   static void mean(const int32_t* sums, const uint16_t* counts, int32_t limit, uint16_t* means, size_t n) {
     forEachPixel(n, [=](size_t i) {
@@ -97,6 +106,7 @@ struct SmoothRows {
     kernels.gaussDown = gaussDown;
     kernels.pull = pull;
     kernels.push = push;
+    kernels.halve = halve;
     kernels.mean = mean;
     return kernels;
   }

@@ -1,4 +1,4 @@
-// These are the kernels of smoothing, hole filling and averaging for the plain processor.
+// These are the kernels of smoothing, hole filling, halving and averaging for the plain processor.
 #include "imgproc/smooth_rows.hpp"
 
 namespace nadir {

@@ -1,4 +1,4 @@
-// The cases of smoothing, hole filling and averaging.
+// The cases of smoothing, hole filling, halving and averaging.
 #include "imgproc/smooth_kernels.hpp"
 
 #include <algorithm>
@@ -13,6 +13,7 @@ using Across = decltype(SmoothKernels::gaussAcross);
 using Down = decltype(SmoothKernels::gaussDown);
 using Pull = decltype(SmoothKernels::pull);
 using Push = decltype(SmoothKernels::push);
+using Halve = decltype(SmoothKernels::halve);
 using Mean = decltype(SmoothKernels::mean);
 
 constexpr uint16_t largestSum = 16 * 255;  // of 8 bits each, with weights that add up to 16
@@ -79,6 +80,18 @@ void checkPush(Check& check, Push scalar, Push tested) {
   });
 }
 
+void checkHalve(Check& check, Halve scalar, Halve tested) {
+  for (const Guard side : {Guard::behind, Guard::before}) {
+    for (const size_t gap : {0, 3}) {
+      const size_t srcStep = 2 * halvedWidth + gap, step = halvedWidth + gap;
+      const Guarded<uint16_t> src(pixels(check, Fill::random, (2 * halvedHeight - 1) * srcStep + 2 * halvedWidth),
+                                  side);
+      compare<uint16_t>(check, (halvedHeight - 1) * step + halvedWidth, side, scalar, tested,
+                        [&](Halve f, uint16_t* out) { f(src.data(), srcStep * sizeof *out, out, step * sizeof *out); });
+    }
+  }
+}
+
 void checkMean(Check& check, Mean scalar, Mean tested) {
   using Limits = std::numeric_limits<int32_t>;
   forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
@@ -131,6 +144,12 @@ void benchPush(Push push) {
   forRows([=] { push(benchPixels(), benchPixels() + benchWidth, benchOutput(), benchWidth / 2); });
 }
 
+void benchHalve(Halve halve) {
+  static const std::vector<uint16_t> src = lab::Random(11).values<uint16_t>(4 * halvedWidth * halvedHeight, 65536);
+  static std::vector<uint16_t> coarse(halvedWidth * halvedHeight);
+  halve(src.data(), 4 * halvedWidth, coarse.data(), 2 * halvedWidth);
+}
+
 void benchMean(Mean mean) {
   static const std::vector<int32_t> sums = lab::Random(9).values<int32_t>(benchWidth, 1u << 20);
   static const std::vector<uint16_t> counts = lab::Random(10).values<uint16_t>(benchWidth, 17);
@@ -148,6 +167,8 @@ void addSmoothCases(Registry& r) {
       r, "pull", [](unsigned c) { return smoothKernels(c).pull; }, checkPull, benchPull);
   add<Push>(
       r, "push", [](unsigned c) { return smoothKernels(c).push; }, checkPush, benchPush);
+  add<Halve>(
+      r, "halve", [](unsigned c) { return smoothKernels(c).halve; }, checkHalve, benchHalve);
   add<Mean>(
       r, "mean", [](unsigned c) { return smoothKernels(c).mean; }, checkMean, benchMean);
 }
