@@ -77,6 +77,7 @@ ROOMS = {
     "tests/isolation": "",
     "tests/tool": "include/nadir lab",
     "tests/attack/faults": "",
+    "scripts/measure": "",
 }
 
 # Arrows that lead upward all the same, each with its reason. One that is not needed any more must go.
