@@ -45,7 +45,7 @@ def build_and_run(build, work):
     for old in pathlib.Path(build).rglob("*.gcda"):
         old.unlink()
     for suite in suites.suites(build):
-        if suite.name == "nadir_trust_tests:Table.":  # minutes without the optimiser, for no line that others do not run
+        if suite.name.startswith("nadir_trust_tests:Table"):  # minutes without the optimiser, for no line that others do not run
             continue
         passed, seconds = suites.timed_run(build, suite, work / "tmp", {"GCOV_ERROR_FILE": "/dev/null"})
         print(f"{suite.name} {seconds:.1f} s{'' if passed else ' FAILED'}", flush=True)

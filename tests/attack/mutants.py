@@ -175,13 +175,15 @@ class Map:
         self.digest = kept["digest"]
         self.suites = [suites.Suite(*suite) for suite in kept["suites"]]
         self.seconds = kept["seconds"]
+        self.noticed = collections.Counter()
         self.lines = {file: {int(line): set(numbers) for line, numbers in of_file.items()} for file, of_file in kept["lines"].items()}
 
     def order(self, number):
         return "tool" in self.suites[number].program, self.seconds[number]
 
     def of_line(self, file, line):
-        """The suites for a line, fastest first, and the program's last, since they start it again and again. A line that is no code of its own takes those of the code around it: the
+        """The suites for a line: first those that noticed most in its file so far, then the fastest, and the program's last,
+        since they start it again and again. A line that is no code of its own takes those of the code around it: the
         other lines of its statement, or all that run the file where it is a constant."""
         of_file = self.lines.get(file, {})
         if line in of_file:
@@ -191,7 +193,7 @@ class Map:
             below = min((known for known in of_file if known > line), default=None)
             numbers = of_file.get(above, set()) | of_file.get(below, set())
             numbers = numbers or set().union(*of_file.values()) if of_file else set(range(len(self.suites)))
-        return [(self.suites[n], self.seconds[n]) for n in sorted(numbers, key=self.order)]
+        return [(self.suites[n], self.seconds[n]) for n in sorted(numbers, key=lambda n: (-self.noticed[file, self.suites[n].name], *self.order(n)))]
 
 
 def made_map(tree, work, digest):
@@ -256,6 +258,7 @@ def try_all(tree, chosen, lines, work, commit):
         result, by = tree.attempt(tried, lines.of_line(tried.file, tried.line))
         record = {"key": key(tried), "part": part, "result": result, "by": by, "commit": commit, "tests": lines.digest,
                   "seconds": round(time.time() - start, 1), **tried._asdict()}
+        lines.noticed[tried.file, by] += 1
         with open(work / "state.jsonl", "a") as state:
             state.write(json.dumps(record) + "\n")
         print(f"{result:12} {record['seconds']:5} s {tried.file}:{tried.line} {tried.kind} {by}", flush=True)
@@ -389,6 +392,7 @@ def run(options):
     tree = Tree(work.resolve(), 0)
     tree.follow(ROOT)
     lines, done, start = current_map(tree, work), verdicts(work), time.time()
+    lines.noticed.update((record["file"], record["by"]) for record in done.values())
     tree.prepare()
     chosen = itertools.chain(survivors_again(done, tree, lines.digest), in_turns(candidates(tree, options.seed), done))
     for record in try_all(tree, chosen, lines, work, commit):
