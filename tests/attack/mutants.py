@@ -176,6 +176,7 @@ class Map:
         self.suites = [suites.Suite(*suite) for suite in kept["suites"]]
         self.seconds = kept["seconds"]
         self.noticed = collections.Counter()
+        self.failing = set()
         self.lines = {file: {int(line): set(numbers) for line, numbers in of_file.items()} for file, of_file in kept["lines"].items()}
 
     def order(self, number):
@@ -193,7 +194,9 @@ class Map:
             below = min((known for known in of_file if known > line), default=None)
             numbers = of_file.get(above, set()) | of_file.get(below, set())
             numbers = numbers or set().union(*of_file.values()) if of_file else set(range(len(self.suites)))
-        return [(self.suites[n], self.seconds[n]) for n in sorted(numbers, key=lambda n: (-self.noticed[file, self.suites[n].name], *self.order(n)))]
+        numbers = [n for n in numbers if self.suites[n].name not in self.failing]
+        numbers.sort(key=lambda n: (-self.noticed[file, self.suites[n].name], *self.order(n)))
+        return [(self.suites[n], self.seconds[n]) for n in numbers]
 
 
 def made_map(tree, work, digest):
@@ -222,6 +225,16 @@ def current_map(tree, work):
     if not file.exists() or json.loads(file.read_text())["digest"] != digest:
         file.write_text(json.dumps(made_map(tree, work, digest)))
     return Map(json.loads(file.read_text()))
+
+
+def leave_out_failing(tree, lines, work):
+    """Takes suites out of a map that fail in the unchanged tree: they would notice everything. Which do is found once."""
+    file = work / "failing.json"
+    if not file.exists() or json.loads(file.read_text())["digest"] != lines.digest:
+        failing = [suite.name for suite in lines.suites if not suites.run(tree.build, suite, tree.temporary)]
+        file.write_text(json.dumps({"digest": lines.digest, "failing": failing}))
+    lines.failing = set(json.loads(file.read_text())["failing"])
+    print(f"left out, as they fail unchanged: {' '.join(sorted(lines.failing)) or 'none'}", flush=True)
 
 
 def key(mutation):
@@ -394,6 +407,7 @@ def run(options):
     lines, done, start = current_map(tree, work), verdicts(work), time.time()
     lines.noticed.update((record["file"], record["by"]) for record in done.values())
     tree.prepare()
+    leave_out_failing(tree, lines, work)
     chosen = itertools.chain(survivors_again(done, tree, lines.digest), in_turns(candidates(tree, options.seed), done))
     for record in try_all(tree, chosen, lines, work, commit):
         done[record["key"]] = record
