@@ -1,7 +1,12 @@
 // This turns floats into 32-bit integers, the same way on every processor.
 #pragma once
 
+#include <cfloat>
 #include <cstdint>
+
+// The x87 processor keeps more digits than a float or a double has and rounds them when it likes: no result would be
+// the same everywhere.
+static_assert(FLT_EVAL_METHOD == 0, "floats must be computed as floats: on 32-bit x86 give -msse2 -mfpmath=sse");
 
 namespace nadir {
 

@@ -9,9 +9,14 @@ namespace {
 constexpr Level<Filter3x3Kernels> levels[] = {
 #if defined(NADIR_WITH_NEON)
     {cpuNeon, &filter3x3Neon},
-#elif defined(NADIR_WITH_SSE41)
+#endif
+#if defined(NADIR_WITH_AVX512)
     {cpuAvx512, &filter3x3Avx512},
+#endif
+#if defined(NADIR_WITH_AVX2)
     {cpuAvx2, &filter3x3Avx2},
+#endif
+#if defined(NADIR_WITH_SSE41)
     {cpuSse41, &filter3x3Sse41},
 #endif
     {cpuScalar, &filter3x3Scalar},

@@ -9,9 +9,14 @@ namespace {
 constexpr Level<StereoKernels> levels[] = {
 #if defined(NADIR_WITH_NEON)
     {cpuNeon, &stereoNeon},
-#elif defined(NADIR_WITH_SSE41)
+#endif
+#if defined(NADIR_WITH_AVX512)
     {cpuAvx512, &stereoAvx512},
+#endif
+#if defined(NADIR_WITH_AVX2)
     {cpuAvx2, &stereoAvx2},
+#endif
+#if defined(NADIR_WITH_SSE41)
     {cpuSse41, &stereoSse41},
 #endif
     {cpuScalar, &stereoScalar},
