@@ -154,7 +154,8 @@ ViewTruth truth(const Scene& scene, const Rig& rig, Side side, const RowDone& ro
 MapTruth mapTruth(const Scene& scene, const Rig& rig, const MapLayout& layout) {
   const Pinhole& camera = rig.camera(rig.reference);
   const Vec middle = camera.ray(camera.principalX, camera.principalY).at(scene.groundZ / camera.forward.z);
-  const double half = static_cast<double>(layout.width / 2 * layout.cell);
+  const double half =
+      static_cast<double>(layout.width / 2 * layout.cell);  // NOLINT(bugprone-integer-division): whole cells
   const Grid<uint8_t> none(layout.width, layout.height);
   MapTruth map{middle.x - half, middle.y - half, Grid<double>(layout.width, layout.height),
                Grid<uint16_t>(layout.width, layout.height), none};

@@ -30,7 +30,8 @@ template <class From, class To>
 uint32_t widen(const ImgC& src, const Img& dst) {
   const From* from = static_cast<const From*>(src.data);
   To* to = static_cast<To*>(dst.data);
-  forEachPixel(pixelCount(dst), [=](size_t i) { to[i] = static_cast<To>(from[i]); });
+  forEachPixel(pixelCount(dst),
+               [=](size_t i) { to[i] = static_cast<To>(from[i]); });  // NOLINT(*-signed-char-misuse,*-str34-c)
   return 1;
 }
 

@@ -165,7 +165,7 @@ template <class Simd>
 constexpr bool hasItsOperations() {
   using Eight = std::conditional_t<Simd::findsEight, OperationsForEight<Simd>, OperationsOfAll<Simd>>;
   using Codes = std::conditional_t<Simd::looksUp, OperationsForLookUps<Simd>, OperationsForBitCounts<Simd>>;
-  return sizeof(Eight) > 0 && sizeof(Codes) > 0;  // instantiates them
+  return sizeof(Eight) > 0 && sizeof(Codes) > 0;  // NOLINT(bugprone-sizeof-expression): instantiates them
 }
 
 }  // namespace nadir
