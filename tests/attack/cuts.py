@@ -159,8 +159,8 @@ def run(options):
     cases = [Pair(nadir, inputs, options.work), Sequence(nadir, inputs, options.work)]
     cuts, midst, findings = 0, 0, []
     goal = SHORT_MOMENTS if options.short else MOMENTS
-    while cuts < goal and (not options.minutes or time.monotonic() < begin + 60 * options.minutes):
+    while midst < goal and (not options.minutes or time.monotonic() < begin + 60 * options.minutes):
         running, found = moment_of(cases[cuts % 2], chance, options.work)
         cuts, midst, findings = cuts + 1, midst + running, findings + found
-        print(f"cuts: {cuts} of {goal}, {midst} while the program ran, {len(findings)} findings", flush=True)
-    return {"cuts": cuts, "while the program ran": midst, "findings": findings}
+        print(f"cuts: {midst} of {goal} while the program ran, {cuts - midst} behind it, {len(findings)} findings", flush=True)
+    return {"cuts while the program ran": midst, "cuts after its end": cuts - midst, "findings": findings}
