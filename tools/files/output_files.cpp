@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <optional>
-#include <regex>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
@@ -86,10 +85,9 @@ std::string keptPredecessor(const std::string& target) {
 void syncFolder(const std::string& folder) { sync(folder, O_RDONLY | O_DIRECTORY, folder); }
 
 void removeParts(const std::string& folder) {
-  static const std::regex part(".*\\.nadir-[0-9a-f]{16}\\.part");
   std::error_code missing;
   for (const auto& entry : fs::directory_iterator(folder, missing))
-    if (fs::is_regular_file(entry.symlink_status(missing)) && std::regex_match(entry.path().filename().string(), part))
+    if (fs::is_regular_file(entry.symlink_status(missing)) && isTemporaryName(entry.path().filename().string()))
       fs::remove(entry.path(), missing);
 }
 

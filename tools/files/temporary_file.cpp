@@ -20,6 +20,8 @@ namespace {
 
 constexpr size_t keptName = 200;   // bytes of a target's name that its temporary name begins with
 constexpr int mostAttempts = 100;  // for a name that nobody has
+const char mark[] = ".nadir-", ending[] = ".part";
+constexpr size_t digits = 16;
 
 std::mutex chain;
 TemporaryFile* newest = nullptr;
@@ -31,7 +33,15 @@ std::string temporaryName(const std::string& target) {
   if (getentropy(&number, sizeof number) != 0) throw fileError("write", target, errno);
   const std::filesystem::path path(target);
   const std::string name = path.filename().string().substr(0, keptName);
-  return (path.parent_path() / name).string() + format(".nadir-%016llx.part", static_cast<unsigned long long>(number));
+  return (path.parent_path() / name).string() +
+         format("%s%016llx%s", mark, static_cast<unsigned long long>(number), ending);
+}
+
+bool isTemporaryName(const std::string& name) {
+  constexpr size_t length = sizeof mark - 1 + digits + sizeof ending - 1;
+  if (name.size() < length) return false;
+  const std::string end = name.substr(name.size() - length), number = end.substr(sizeof mark - 1, digits);
+  return end == mark + number + ending && number.find_first_not_of("0123456789abcdef") == std::string::npos;
 }
 
 TemporaryFile::TemporaryFile() {

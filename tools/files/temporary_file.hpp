@@ -10,6 +10,9 @@ namespace nadir::tool {
 // A name beside the target that nobody has, begun with its name. Throws where the system has no random number.
 std::string temporaryName(const std::string& target);
 
+// Whether a file's name is one that temporaryName() gives.
+bool isTemporaryName(const std::string& name);
+
 class TemporaryFile {
  public:
   TemporaryFile();
