@@ -173,6 +173,15 @@ TEST_F(Safety, ALinkToNothingStaysALink) {
   EXPECT_TRUE(fs::is_regular_file(folder.path("far/d.png")));
 }
 
+TEST_F(Safety, OfHardLinksTheNamedOneIsReplaced) {
+  makePair();
+  writeFile(folder.path("d.png"), "old");
+  fs::create_hard_link(folder.path("d.png"), folder.path("kept"));
+  ASSERT_EQ(disparity("d.png").status, 0);
+  EXPECT_EQ(readFile(folder.path("kept")), "old");
+  EXPECT_EQ(readPng(folder.path("d.png")).width, 96u);
+}
+
 TEST_F(Safety, ALogThatIsALinkIsRefused) {
   makeSequence();
   ASSERT_EQ(ground({"--no-maps"}).status, 0);
