@@ -21,6 +21,7 @@ MEGABYTES = 24
 def mount(image, place):
     """The journal is written every second, not every five, so that short runs see it written by itself, too."""
     place.mkdir(exist_ok=True)
+    subprocess.run(["umount", "-q", place])  # what a run that was killed has left
     done = subprocess.run(["mount", "-o", "loop,commit=1", image, place], capture_output=True, text=True)
     if done.returncode:
         raise Skipped(f"no file system in a file can be mounted here: {done.stderr.strip()}")

@@ -17,7 +17,6 @@
 #include "tools/camera/camera_file.hpp"
 #include "tools/camera/camera_import.hpp"
 #include "tools/evaluate/region_folders.hpp"
-#include "tools/evaluate/region_report.hpp"
 #include "tools/evaluate/track_evaluation.hpp"
 #include "tools/files/frame_log.hpp"
 #include "tools/pictures/formats.hpp"
@@ -260,7 +259,8 @@ void readRegionFiles(const std::string& bytes, Fingerprint& print) {
   files().write("regions/summary.json", parts[0]);
   files().write("regions/scene.json", parts[1]);
   const RegionEvaluation evaluation = evaluateRegionFolders(files().path("regions"), files().path("regions"));
-  add(print, regionTable(evaluation) + regionJson(evaluation));
+  for (const Judged& object : evaluation.objects) print.add(object.object.number).add(object.object.highestMm);
+  for (const Thing& region : evaluation.falseRegions) print.add(region.number).add(region.highestMm);
 }
 
 // run.json as --resume compares it with the settings in force, which the program has written itself.
