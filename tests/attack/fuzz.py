@@ -16,6 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 EXECUTIONS = 10_000_000
 LONGEST = 1_000_000  # bytes of an input
 SLICE_SECONDS = 60  # of a target before the next one has its turn
+LARGE_EVERY = 4  # of so many turns of a reader one begins with inputs near the longest
 BETWEEN = b"\x1d"  # tests/readers: between the files of one reader
 
 
@@ -62,21 +63,44 @@ def calibrations():
     return {"opencv": [[opencv.encode()]], "ros": [[text.encode() for text in ros]]}
 
 
+def enlarged(options, target, small):
+    """Nearly as long as the longest input: a large picture, many lines, or one text far down in its file."""
+    if target in ("picture", "measurement"):
+        folder = options.work / "seeds/large"
+        if not folder.exists():
+            runs.run([runs.program(options), "synth", folder, "--size", "720x540"], options.work)
+        return (folder / "left.png").read_bytes()
+    room = LONGEST - len(small)
+    return small * (LONGEST // len(small)) if target == "log" else b"\n" * room + small
+
+
+def plant(folder, number, content):
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / f"seed{number}").write_bytes(content)
+
+
 def plant_seeds(options):
     seeds = {target: [[path.read_bytes() for path in paths] for paths in given] for target, given in seed_files(options).items()}
     for target, given in {**seeds, **calibrations()}.items():
-        corpus = options.work / "corpus" / target
-        corpus.mkdir(parents=True, exist_ok=True)
         for number, files in enumerate(given):
-            (corpus / f"seed{number}").write_bytes(BETWEEN.join(files))
+            plant(options.work / "corpus" / target, number, BETWEEN.join(files))
+        plant(options.work / "large" / target, 0, enlarged(options, target, BETWEEN.join(given[0])))
 
 
-def fuzzed(program, target, options, state):
-    """One turn of a target: how many inputs it tried, and what it found."""
-    corpus, found = options.work / "corpus" / target, options.work / "found" / target
-    for folder in (corpus, found):
+def corpora(options, target, turn):
+    """The folder that new inputs go to, and what else a turn begins with; interfaces know no large inputs."""
+    large = options.work / "large" / target
+    if large.exists() and turn % LARGE_EVERY == LARGE_EVERY - 1:
+        return [large]
+    return [options.work / "corpus" / target, ROOT / "tests/fuzz/corpus" / target]
+
+
+def fuzzed(program, target, options, turn, number):
+    """One turn of a target, the `number`th of all: how many inputs it tried, and what it found."""
+    folders, found = corpora(options, target, turn), options.work / "found" / target
+    for folder in (folders[0], found):
         folder.mkdir(parents=True, exist_ok=True)
-    command = [program, corpus, ROOT / "tests/fuzz/corpus" / target, f"-seed={options.seed + state['turns']}",
+    command = [program, *folders, f"-seed={options.seed + number}",
                f"-max_total_time={SLICE_SECONDS}", f"-max_len={LONGEST}", "-timeout=120", "-rss_limit_mb=3000",
                f"-artifact_prefix={found}/", "-print_final_stats=1", "-verbosity=0"]
     environment = dict(os.environ, ASAN_OPTIONS="max_malloc_fill_size=16777216" if target == "ground" else "")
@@ -95,8 +119,9 @@ def run(options):
     plant_seeds(options)
     end = time.monotonic() + 60 * options.minutes if options.minutes else float("inf")
     while sum(state["executions"].values()) < EXECUTIONS and time.monotonic() < end:
-        target = list(programs)[state["turns"] % len(programs)]
-        tried, findings = fuzzed(programs[target], target, options, state)
+        turn, place = divmod(state["turns"], len(programs))
+        target = list(programs)[place]
+        tried, findings = fuzzed(programs[target], target, options, turn, state["turns"])
         state["turns"] += 1
         state["executions"][target] = state["executions"].get(target, 0) + tried
         state["findings"] += findings
