@@ -82,7 +82,7 @@ void checkPush(Check& check, Push scalar, Push tested) {
 
 void checkHalve(Check& check, Halve scalar, Halve tested) {
   for (const Guard side : {Guard::behind, Guard::before}) {
-    for (const size_t gap : {0, 3}) {
+    for (const size_t gap : {size_t{0}, size_t{3}}) {
       const size_t srcStep = 2 * halvedWidth + gap, step = halvedWidth + gap;
       const Guarded<uint16_t> src(pixels(check, Fill::random, (2 * halvedHeight - 1) * srcStep + 2 * halvedWidth),
                                   side);
