@@ -6,7 +6,7 @@ import errno
 
 from shared import faults
 
-SAMPLED = 300  # of 2500: 15 seconds
+SAMPLED = 120  # of 2500: seconds
 ERRORS = {"open": errno.EMFILE, "write": errno.ENOSPC, "mkdir": errno.ENOSPC, "mmap": errno.ENOMEM, "thread": errno.EAGAIN,
           "lock": errno.ENOLCK}
 

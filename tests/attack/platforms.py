@@ -30,13 +30,11 @@ def native(compilers, flags):
 
 GCC, CLANG = ("gcc", "g++"), ("clang-14", "clang++-14")
 SSE, ARM = "-msse2 -mfpmath=sse", "-march=armv7-a -mfloat-abi=hard -mfpu="
-SHORT = {
-    "i686": cross("i686", SSE),
-    "armv7-vfpv3-d16": cross("armv7", ARM + "vfpv3-d16"),
-}
+SHORT = {"i686": cross("i686", SSE)}
 PLATFORMS = {
     **SHORT,
     "i686-scalar": cross("i686", SSE) + ["-DNADIR_SIMD=OFF"],
+    "armv7-vfpv3-d16": cross("armv7", ARM + "vfpv3-d16"),
     "armv7-neon": cross("armv7", ARM + "neon"),
     "armv7-neon-vfpv4": cross("armv7", ARM + "neon-vfpv4"),
     "gcc-O0": native(GCC, "-O0"),
