@@ -5,10 +5,10 @@
 if(RECORD)
   set(NOW ${DESCRIPTION})
 endif()
-execute_process(COMMAND abidw --exported-interfaces-only --suppressions ${CMAKE_CURRENT_LIST_DIR}/private.ini --no-corpus-path
-                        --no-comp-dir-path --no-show-locs --no-elf-needed --type-id-style hash --out-file ${NOW} ${LIBRARY}
+execute_process(COMMAND abidw --exported-interfaces-only --short-locs --no-corpus-path --no-comp-dir-path --no-elf-needed
+                        --type-id-style hash --out-file ${NOW} ${LIBRARY}
                 COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND abidiff --no-added-syms ${DESCRIPTION} ${NOW}
+execute_process(COMMAND abidiff --no-added-syms --suppressions ${CMAKE_CURRENT_LIST_DIR}/private.ini ${DESCRIPTION} ${NOW}
                 RESULT_VARIABLE result OUTPUT_VARIABLE changes ERROR_VARIABLE errors)
 if(NOT result EQUAL 0)
   message(FATAL_ERROR "abidiff says ${result}; what is meant, scripts/record/abi records\n${changes}${errors}")
