@@ -11,7 +11,7 @@ namespace nadir::test {
 
 // Sanitizers and emulators take twenty times as long and are there for memory and for the processor, not for one more
 // shape: they take every so many of the inputs.
-#if defined(__SANITIZE_ADDRESS__) || !defined(__x86_64__)
+#if defined(NADIR_SANITIZED) || !defined(__x86_64__)
 inline constexpr uint64_t everyRound = 11;
 #else
 inline constexpr uint64_t everyRound = 1;

@@ -12,7 +12,7 @@
 
 namespace nadir::test {
 
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef NADIR_SANITIZED
 inline constexpr bool stackIsPlain = false;  // sanitizers put red zones and frames of their own on it
 #else
 inline constexpr bool stackIsPlain = true;

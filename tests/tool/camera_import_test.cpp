@@ -191,6 +191,7 @@ TEST_F(CameraImport, TooLittleOrOutOfRange) {
 TEST_F(CameraImport, BadOpenCvFiles) {
   expectOpenCvRefused("%YAML:1.0\nR1: 3\n", "bad.yml:1: it holds neither P1 and P2 nor Q, of a rectified stereo pair");
   expectOpenCvRefused("just text\n", "bad.yml:1: it is not a calibration in YAML");
+  expectOpenCvRefused("%YAML:1.0\nR1: 3\nP1: [\n", "bad.yml:4: end of sequence flow not found");
   expectOpenCvRefused(replaced(openCv, "[ 600., 0., 320.5, 0., ", "[ "),
                       "bad.yml:3: P1: is no matrix of 3 x 4 numbers");
   expectOpenCvRefused(replaced(openCv, "320.5", "wide"), "bad.yml:7: P1: holds something that is not a number");
