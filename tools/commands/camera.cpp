@@ -14,7 +14,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct CameraOptions {
   std::vector<std::string> calibrations;
   std::string output;
   double unitMm = 0;
@@ -31,7 +31,7 @@ std::string optionName(const CameraKey& key) {
   return name;
 }
 
-ImportedCamera importCalibration(const Options& options) {
+ImportedCamera importCalibration(const CameraOptions& options) {
   const auto& files = options.calibrations;
   if (files.empty()) return {};
   if (files.size() > 2) throw CLI::ValidationError("CALIBRATION", "one or two files are used, not more");
@@ -45,7 +45,7 @@ void chooseMap(ImportedCamera& imported) {
   for (const char* key : {"width_cells", "height_cells", "cell_mm"}) imported.origins[key] = "chosen to begin with";
 }
 
-void takeOptions(const Options& options, ImportedCamera& imported) {
+void takeOptions(const CameraOptions& options, ImportedCamera& imported) {
   for (size_t i = 0; i < options.values.size(); ++i) {
     if (!options.values[i]) continue;
     const CameraKey& key = cameraKeys()[i];
@@ -93,7 +93,7 @@ std::string report(const ImportedCamera& imported, const std::string& output) {
   return text;
 }
 
-void run(const Options& options) {
+void run(const CameraOptions& options) {
   ImportedCamera imported = importCalibration(options);
   chooseMap(imported);
   takeOptions(options, imported);
@@ -113,7 +113,7 @@ void addKeyOption(CLI::App& command, const CameraKey& key, std::optional<double>
 }  // namespace
 
 void addCameraCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<CameraOptions>();
   CLI::App* camera = app.add_subcommand("camera", "Make a camera file.");
   camera->require_subcommand(1);
   CLI::App* command = camera->add_subcommand("import", "Make a camera file from a calibration or from plain numbers.");

@@ -23,32 +23,32 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct DisparityOptions {
   std::string left, right, output, preview, mask;
   View grid = View::left;
   bool noPreview = false, half = false, noPostprocessing = false, strict = false;
   uint32_t uniqueness = usualSettings().uniqueness;
 };
 
-Pair readInputs(const Options& options, StageTimes& times) {
+Pair readInputs(const DisparityOptions& options, StageTimes& times) {
   Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
   if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
   return pair;
 }
 
-TextChunks texts(const Options& options) {
+TextChunks texts(const DisparityOptions& options) {
   TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.grid);
   texts["nadir:uniqueness"] = std::to_string(options.uniqueness);
   texts["nadir:post-processing"] = options.noPostprocessing ? "no" : "yes";
   return texts;
 }
 
-std::string previewName(const Options& options) {
+std::string previewName(const DisparityOptions& options) {
   if (!options.preview.empty()) return options.preview;
   return std::filesystem::path(options.output).replace_extension(".preview.png").string();
 }
 
-void writeOutputs(const Options& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
+void writeOutputs(const DisparityOptions& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
   const auto preview = [&] {
     const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
     return encodeDisparityPlot(pixels, usualRange(pixels));
@@ -75,7 +75,7 @@ std::string report(const Grid<uint16_t>& disparity, const NadirPixelCounts& coun
   return table.text();
 }
 
-void run(const Options& options) {
+void run(const DisparityOptions& options) {
   StageTimes times;
   const Pair pair = readInputs(options, times);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
@@ -91,7 +91,7 @@ void run(const Options& options) {
 }  // namespace
 
 void addDisparityCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<DisparityOptions>();
   CLI::App* command = app.add_subcommand("disparity", "Match a rectified pair; write its disparities and a preview.");
   command
       ->add_option("LEFT", options->left,

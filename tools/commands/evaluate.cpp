@@ -28,7 +28,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct EvaluateOptions {
   std::vector<std::string> given;  // names of the options on the command line
   std::string input, truth, errorMap, plot, area;
   std::optional<View> visible;
@@ -66,7 +66,7 @@ Grid<float> visibleTruth(Grid<float> truth, View grid) {
 }
 
 // What the two pictures say of themselves must agree with the option and with each other.
-Warnings gridWarnings(const Options& options) {
+Warnings gridWarnings(const EvaluateOptions& options) {
   Warnings warnings;
   for (const std::string& path : {options.input, options.truth})
     if (options.visible)
@@ -79,14 +79,14 @@ struct Compared {
   Grid<float> values, truth;
 };
 
-Compared readDisparities(const Options& options) {
+Compared readDisparities(const EvaluateOptions& options) {
   Compared c{readDisparity(options.input, options.scale, 16), readDisparity(options.truth, options.truthScale, 256)};
   checkSize(c.values, c.truth, "disparity picture");
   if (options.visible) c.truth = visibleTruth(std::move(c.truth), *options.visible);
   return c;
 }
 
-Compared readMaps(const Options& options) {
+Compared readMaps(const EvaluateOptions& options) {
   HeightPicture map = readHeights(options.input), truth = readHeights(options.truth);
   checkSize(map.heights, truth.heights, "elevation map");
   checkPlace(map.place, truth.place);
@@ -107,13 +107,13 @@ const AreaTrack& plotted(const std::vector<AreaTrack>& areas, const std::string&
 }
 
 // An option that is passed over would promise what is not done.
-void allowOnly(const std::vector<std::string>& meant, const Options& options, const char* kind) {
+void allowOnly(const std::vector<std::string>& meant, const EvaluateOptions& options, const char* kind) {
   for (const std::string& name : options.given)
     if (std::find(meant.begin(), meant.end(), name) == meant.end())
       throw Error(format("%s is not for %s, %s", name.c_str(), options.input.c_str(), kind));
 }
 
-void runOnSequences(const Options& options) {
+void runOnSequences(const EvaluateOptions& options) {
   allowOnly({"--plot", "--area", "--json"}, options, "a folder of a sequence");
   const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
   OutputFiles files({options.input + "/frames.jsonl", options.truth + "/truth.jsonl"});
@@ -123,7 +123,7 @@ void runOnSequences(const Options& options) {
 }
 
 // No option is for regions but --json, because all that the two folders hold is compared.
-void runOnFolders(const Options& options) {
+void runOnFolders(const EvaluateOptions& options) {
   if (!std::filesystem::is_directory(options.truth))
     throw Error(options.truth + " must be a folder that nadir synth wrote, because " + options.input + " is a folder");
   allowOnly({"--json"}, options, "a folder of a pair");
@@ -131,7 +131,7 @@ void runOnFolders(const Options& options) {
   print(options.json ? regionJson(evaluation) : regionTable(evaluation));
 }
 
-void runOnPictures(const Options& options) {
+void runOnPictures(const EvaluateOptions& options) {
   const bool heights = options.heights || isElevationMap(options.input);
   if (heights)
     allowOnly({"--heights", "--error-map", "--error-range", "--json"}, options, "an elevation map");
@@ -151,7 +151,7 @@ void runOnPictures(const Options& options) {
   if (options.strict) throwIfAny(warnings);
 }
 
-void run(const Options& options) {
+void run(const EvaluateOptions& options) {
   if (isSequenceResult(options.input)) return runOnSequences(options);
   if (std::filesystem::is_directory(options.input)) return runOnFolders(options);
   runOnPictures(options);
@@ -167,7 +167,7 @@ std::vector<std::string> givenOptions(const CLI::App& command) {
 }  // namespace
 
 void addEvaluateCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<EvaluateOptions>();
   CLI::App* command =
       app.add_subcommand("evaluate", "Compare disparities, an elevation map or regions with the truth.");
   command

@@ -30,7 +30,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct GroundOptions {
   RoadOptions road;
   std::string left, right, folder, write;
   bool strict = false, noMaps = false;
@@ -69,7 +69,7 @@ std::vector<Output> outputsOf(const Road& road, const PairResult& r) {
 }
 
 // Throws for a file that was asked for and that this run has not.
-void checkProducts(const Options& options) {
+void checkProducts(const GroundOptions& options) {
   const auto asks = [products = productsNamed(options.write, Source::pair)](Product p) {
     return products.count(p) > 0;
   };
@@ -79,11 +79,11 @@ void checkProducts(const Options& options) {
     throw Error("--write disparity: with --disparity nothing is matched");
 }
 
-Products productsOf(const Options& options, Source source) {
+Products productsOf(const GroundOptions& options, Source source) {
   return options.write.empty() ? usualProducts(source) : productsNamed(options.write, source);
 }
 
-void writeOutputs(const Options& options, const Road& road, const PairResult& r, const Warnings& warnings,
+void writeOutputs(const GroundOptions& options, const Road& road, const PairResult& r, const Warnings& warnings,
                   OutputFiles& files) {
   const std::string summary = groundJson(road, r, warnings);
   const Products wanted = productsOf(options, Source::pair);
@@ -104,7 +104,7 @@ Warnings allWarnings(const RoadOptions& options, const NadirFindings& findings) 
   return warnings;
 }
 
-void runOnPair(const Options& options) {
+void runOnPair(const GroundOptions& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   checkProducts(options);
   StageTimes times;
@@ -121,7 +121,7 @@ void runOnPair(const Options& options) {
   if (options.strict) throwIfAny(warnings);
 }
 
-void runOnSequence(const Options& options) {
+void runOnSequence(const GroundOptions& options) {
   SequenceOptions sequence = options.sequence;
   sequence.folder = options.folder;
   sequence.strict = options.strict;
@@ -133,7 +133,7 @@ void runOnSequence(const Options& options) {
   groundSequence(FrameSource(options.left, options.right), road, sequence);
 }
 
-void run(const Options& options, bool sequenceAsked) {
+void run(const GroundOptions& options, bool sequenceAsked) {
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
   if (options.right.empty() && !std::filesystem::exists(options.left))
     throw Error("there is no file or folder " + options.left);
@@ -144,7 +144,7 @@ void run(const Options& options, bool sequenceAsked) {
   runOnPair(options);
 }
 
-void addInputs(CLI::App& command, Options& options) {
+void addInputs(CLI::App& command, GroundOptions& options) {
   command
       .add_option("LEFT", options.left,
                   "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
@@ -213,7 +213,7 @@ void addWriteOption(CLI::App& command, std::string& words) {
 }
 
 // Returns whether one of them is given.
-std::function<bool()> addSequenceOptions(CLI::App& command, Options& ofCommand) {
+std::function<bool()> addSequenceOptions(CLI::App& command, GroundOptions& ofCommand) {
   SequenceOptions& options = ofCommand.sequence;
   std::vector<CLI::Option*> all;
   const auto number = [&](const char* name, auto& value, const NumberRange& range, const char* help, const char* unit) {
@@ -259,7 +259,7 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
 }  // namespace
 
 void addGroundCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<GroundOptions>();
   CLI::App* command =
       app.add_subcommand("ground", "Map heights above the ground and find what stands there and in areas of interest.");
   addInputs(*command, *options);

@@ -13,13 +13,13 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct PreviewOptions {
   std::string input, output;
   double scale = 0;
   std::vector<double> range;
 };
 
-void run(const Options& options) {
+void run(const PreviewOptions& options) {
   const Grid<float> disparity = readDisparity(options.input, options.scale, 16);
   std::pair<double, double> range = usualRange(disparity);
   if (!options.range.empty()) range = {options.range[0], options.range[1]};
@@ -32,7 +32,7 @@ void run(const Options& options) {
 }  // namespace
 
 void addPreviewCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<PreviewOptions>();
   CLI::App* command = app.add_subcommand("preview", "Draw a disparity picture in colours with a scale in pixels.");
   command->add_option("DISPARITY", options->input, "16-bit grey PNG of disparities, 0 for none")->required();
   command->add_option("-o,--output", options->output, "PNG that receives the preview")->required()->type_name("FILE");

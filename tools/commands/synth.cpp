@@ -17,7 +17,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct SynthOptions {
   std::string folder;
   SynthSettings settings;
   SequenceSettings sequence;
@@ -60,7 +60,7 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
   print(report(settings, rendering));
 }
 
-void run(Options& options) {
+void run(SynthOptions& options) {
   SynthSettings& settings = options.settings;
   if (!options.focalGiven) settings.camera.focal *= settings.camera.width / 640.0;
   settings.camera.reference = options.grid == View::left ? scene::Side::left : scene::Side::right;
@@ -103,7 +103,7 @@ std::vector<std::string> sceneNames() {
   return names;
 }
 
-void addCameraOptions(CLI::App& command, Options& options) {
+void addCameraOptions(CLI::App& command, SynthOptions& options) {
   scene::CameraSettings& camera = options.settings.camera;
   const std::string sizeHelp = format("Width and height of the pictures, %s pixels each (default: %ux%u)",
                                       sideRange().c_str(), camera.width, camera.height);
@@ -130,7 +130,7 @@ void addCameraOptions(CLI::App& command, Options& options) {
                 "View whose camera is the world's origin and has the given height, left or right (default: left)");
 }
 
-void addSequenceOptions(CLI::App& command, Options& options) {
+void addSequenceOptions(CLI::App& command, SynthOptions& options) {
   SequenceSettings& sequence = options.sequence;
   CLI::Option* frames = addNumber(command, "--frames", sequence.frames, wholeNumberFrom(1, 1000000),
                                   "Render so many frames instead of one pair, {range}", "N");
@@ -150,7 +150,7 @@ void addSequenceOptions(CLI::App& command, Options& options) {
 }  // namespace
 
 void addSynthCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<SynthOptions>();
   SynthSettings& settings = options->settings;
   CLI::App* command = app.add_subcommand(
       "synth", "Render a stereo pair, or a sequence of pairs, of a scene whose every measure is known.");

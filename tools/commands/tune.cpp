@@ -17,7 +17,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct TuneOptions {
   std::vector<std::string> folders;
   std::string setting = tunables().front().name, plot;
   std::optional<uint32_t> low, high;
@@ -27,7 +27,7 @@ struct Options {
 };
 
 // The setting with the range that was asked for.
-Tunable chosen(const Options& options) {
+Tunable chosen(const TuneOptions& options) {
   const auto& all = tunables();
   Tunable t = *std::find_if(all.begin(), all.end(), [&](const Tunable& u) { return options.setting == u.name; });
   t.tolerance = options.tolerance.value_or(t.tolerance);
@@ -75,7 +75,7 @@ std::vector<std::string> pairFiles(const std::vector<std::string>& folders) {
   return files;
 }
 
-void run(const Options& options) {
+void run(const TuneOptions& options) {
   const Tunable t = chosen(options);
   const Objective objective = objectiveOf(t, options.folders, {t.tolerance, options.wrongCosts});
   const SearchResult result = searchBest(objective, t.low, t.high, options.maxTrials);
@@ -102,7 +102,7 @@ std::vector<std::string> settingNames() {
 }  // namespace
 
 void addTuneCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<TuneOptions>();
   CLI::App* command =
       app.add_subcommand("tune", "Find the value of a setting that does best on pairs whose truth is known.");
   command

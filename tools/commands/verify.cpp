@@ -17,7 +17,7 @@ namespace nadir::tool {
 
 namespace {
 
-struct Options {
+struct VerifyOptions {
   bool printHashes = false;
   std::string against;
 };
@@ -62,7 +62,7 @@ std::string sameSoFar(const verify::Findings& findings, const verify::Table& tab
       same, findings.size() - same + unknownStages(findings, table).size());
 }
 
-void run(const Options& options) {
+void run(const VerifyOptions& options) {
   const auto start = std::chrono::steady_clock::now();
   const verify::Table table = options.against.empty() ? verify::builtInTable() : readTable(options.against);
   const verify::Table hashes = hashesOf(verify::allStages(), verify::renderedMaterial());
@@ -79,7 +79,7 @@ void run(const Options& options) {
 }  // namespace
 
 void addVerifyCommand(CLI::App& app) {
-  auto options = std::make_shared<Options>();
+  auto options = std::make_shared<VerifyOptions>();
   CLI::App* command = app.add_subcommand(
       "verify", "Check that this processor gives the same results, to the last bit, as those that were tested.");
   CLI::Option* prints =

@@ -14,9 +14,7 @@ namespace nadir::tool {
 
 namespace {
 
-using Json = nlohmann::json;
-
-constexpr double farthest = 1e9;  // mm
+constexpr double farthestThing = 1e9;  // mm
 
 // A JSON file and what is to be made of it; whatever is missing or of another kind makes one sentence.
 template <class Use>
@@ -24,32 +22,32 @@ auto useJson(const std::string& path, const char* writer, Use use) {
   const std::string text = readText(path);
   try {
     return use(parsedJson(text));
-  } catch (const Json::exception&) {
+  } catch (const nlohmann::json::exception&) {
     throw UnusableFile(format("cannot use %s: it is not a list of regions as %s writes it", path.c_str(), writer));
   } catch (const UnusableFile& reason) {
     throw UnusableFile(format("cannot use %s: %s", path.c_str(), reason.what()));
   }
 }
 
-std::vector<Thing> things(const Json& regions, const char* number) {
+std::vector<Thing> things(const nlohmann::json& regions, const char* number) {
   std::vector<Thing> things;
-  for (const Json& region : regions)
+  for (const nlohmann::json& region : regions)
     things.push_back({wholeNumberIn<uint16_t>(region.at(number), 1, 65535), region.value("kind", ""),
-                      numberIn(region.at("centre_mm").at("x"), -farthest, farthest),
-                      numberIn(region.at("centre_mm").at("y"), -farthest, farthest),
-                      numberIn(region.at("highest_mm"), -farthest, farthest)});
+                      numberIn(region.at("centre_mm").at("x"), -farthestThing, farthestThing),
+                      numberIn(region.at("centre_mm").at("y"), -farthestThing, farthestThing),
+                      numberIn(region.at("highest_mm"), -farthestThing, farthestThing)});
   return things;
 }
 
 std::vector<Thing> foundIn(const std::string& path) {
-  return useJson(path, "nadir ground", [&path](const Json& json) {
+  return useJson(path, "nadir ground", [&path](const nlohmann::json& json) {
     if (json.at("regions").is_null()) throw Error(path + " holds no regions: nadir ground was told --no-regions");
     return things(json.at("regions"), "label");
   });
 }
 
 std::vector<Thing> objectsIn(const std::string& path) {
-  return useJson(path, "nadir synth", [](const Json& json) { return things(json.at("regions"), "region"); });
+  return useJson(path, "nadir synth", [](const nlohmann::json& json) { return things(json.at("regions"), "region"); });
 }
 
 ThingMap readMap(const std::string& picturePath) {

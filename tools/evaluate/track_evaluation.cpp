@@ -17,10 +17,10 @@ namespace nadir::tool {
 
 namespace {
 
-constexpr double farthest = 1e9;  // mm
+constexpr double farthestMeasured = 1e9;  // mm
 
 float millimetres(const nlohmann::json& value) {
-  return value.is_number() ? static_cast<float>(numberIn(value, -farthest, farthest)) : std::nanf("");
+  return value.is_number() ? static_cast<float>(numberIn(value, -farthestMeasured, farthestMeasured)) : std::nanf("");
 }
 
 // An object of the truth at the time of one frame.
@@ -34,7 +34,7 @@ TrueObjects objectsOf(const nlohmann::json& line) {
   TrueObjects objects;
   for (const nlohmann::json& object : line.at("objects")) {
     const auto whole = [&object](const char* key) {
-      return static_cast<int32_t>(std::lround(numberIn(object.at(key), -farthest, farthest)));
+      return static_cast<int32_t>(std::lround(numberIn(object.at(key), -farthestMeasured, farthestMeasured)));
     };
     objects.push_back({{whole("x_mm"), whole("y_mm")}, millimetres(object.at("height_mm"))});
   }
