@@ -42,6 +42,13 @@ uint64_t everything(uint32_t grid, double percentile) {
   return print.value();
 }
 
+TEST(Levels, AProcessorHasThoseOfOneFamily) {
+  const unsigned levels = cpu(), x86 = cpuSse41 | cpuAvx2 | cpuAvx512;
+  EXPECT_TRUE(levels == cpuNeon || (levels & x86) == levels) << levels;
+}
+
+TEST(Levels, NoneOfThemIsScalar) { EXPECT_STREQ(cpuName(cpuScalar), "scalar"); }
+
 TEST(RoadLevels, GiveTheSameBits) {
   const unsigned best = cpu();
   const std::vector<unsigned> levels = cumulativeLevels();

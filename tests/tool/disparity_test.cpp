@@ -178,6 +178,15 @@ TEST_F(Disparity, ColoursBecomeLuminance) {
   EXPECT_EQ(disparity({"--grid", "left"}, "l.png", "right.png"), fromRed);
 }
 
+TEST_F(Disparity, HowOpaqueAPixelIsDoesNotMatter) {
+  Picture glass = left;
+  glass.channels = 2;
+  glass.samples.clear();
+  for (const uint16_t v : left.samples) glass.samples.insert(glass.samples.end(), {v, static_cast<uint16_t>(7 * v)});
+  writePng(folder.path("l.png"), glass);
+  EXPECT_EQ(disparity({}, "l.png", "right.png"), disparity({}));
+}
+
 TEST_F(Disparity, SixteenBitZeroStaysNoData) {
   for (uint32_t y = 50; y < 90; ++y)
     for (uint32_t x = 150; x < 200; ++x) right.samples[y * width + x] = 0;

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <csignal>
 #include <filesystem>
 #include <regex>
@@ -230,6 +231,7 @@ TEST_F(FrameTimesOfNames, TheFirstFramesTellTheUnit) {
   EXPECT_EQ(guess({3, 4, 5, 7, 90, 91}), "frames");
   EXPECT_EQ(guess({10, 15, 20, 35, 40, 45}), "frames");
   EXPECT_EQ(guess({7}), "frames");
+  EXPECT_EQ(guess({0, 40000000}), "ns");
   EXPECT_EQ(guess(regular(20241122000001, 1)), "frames?");
   // since the machine was started
   EXPECT_EQ(guess({0, 33, 67, 100, 133, 167}), "ms");
@@ -245,6 +247,21 @@ TEST_F(FrameTimesOfNames, TheFirstFramesTellTheUnit) {
   EXPECT_EQ(guess(regular(0, 2000000)), "us?");
   EXPECT_EQ(guess(regular(0, 2000000000)), "ns?");
   EXPECT_EQ(guess(regular(1732199999123456, 33000000)), "us?") << "or nanoseconds, twenty days after the start";
+}
+
+// Tens could be every tenth of the frames; one step of 15 among them makes them a clock's.
+TEST_F(FrameTimesOfNames, TheThirtyFourthFrameTellsNothing) {
+  std::vector<uint64_t> numbers;
+  for (uint64_t i = 0; i < 33; ++i) numbers.push_back(10 * i);
+  numbers.push_back(335);
+  EXPECT_EQ(guess(numbers), "frames?");
+  numbers[32] = 325;
+  EXPECT_EQ(guess(numbers), "ms");
+}
+
+TEST_F(FrameTimesOfNames, ASingleFrameIsTakenAsOneOfACount) {
+  rename({20241122000001});
+  EXPECT_NE(run("r").err.find("names, 1 apart, are taken as counted frames"), std::string::npos);
 }
 
 TEST_F(FrameTimesOfNames, ADoubtfulGuessIsAWarning) {
@@ -316,6 +333,13 @@ TEST_F(GroundSequence, PicturesWithoutANumberAreNoFrames) {
   expectSame("whole", "r");
 }
 
+TEST_F(GroundSequence, FilesThatAreNoPicturesAreNoFrames) {
+  ground("whole");
+  for (const std::string side : {"left", "right"}) writeFile(folder.path("s/" + side + "/000009.txt"), "notes");
+  EXPECT_EQ(ground("r").status, 0);
+  expectSame("whole", "r");
+}
+
 TEST_F(GroundSequence, AFileWithAPercentSignIsAFile) {
   fs::copy_file(folder.path("s/left/000002.png"), folder.path("100%d.png"));
   const Outcome outcome =
@@ -359,6 +383,7 @@ TEST_F(GroundSequence, TrackedHeightIsTheFiltersOfTheHighestCells) {
     begun = true;
     EXPECT_NEAR(left["tracked_mm"], filter.x, 0.06);
     EXPECT_NEAR(left["tracked_mm_per_s"], filter.v, 0.06);
+    EXPECT_DOUBLE_EQ(left["tracked_mm"], std::round(10 * double{left["tracked_mm"]}) / 10);
     EXPECT_TRUE(line["areas"][1]["tracked_mm"].is_null());
     EXPECT_EQ(line["areas"][1]["covered_cells"], 0);
   }

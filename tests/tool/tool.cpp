@@ -125,9 +125,9 @@ void writePng(const std::string& path, const Picture& picture) {
   png_infop info = png_create_info_struct(png);
   if (setjmp(png_jmpbuf(png))) std::abort();
   png_init_io(png, file);
-  png_set_IHDR(png, info, picture.width, picture.height, static_cast<int>(picture.bits),
-               picture.channels == 3 ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
-               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  constexpr int types[] = {PNG_COLOR_TYPE_GRAY, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_COLOR_TYPE_RGB};
+  png_set_IHDR(png, info, picture.width, picture.height, static_cast<int>(picture.bits), types[picture.channels - 1],
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_text(png, info, texts.data(), static_cast<int>(texts.size()));
   png_set_rows(png, info, rows.data());
   png_write_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);

@@ -298,6 +298,9 @@ TEST(MatchedShares, CountWhatCanHaveADisparity) {
   EXPECT_EQ(1u, shares.cutOff);
   const DisparityPlane horizon{0, 1, -3};  // 2 pixels in row 5
   EXPECT_EQ(14u * 3 - 2, matchedShares(pictures, &horizon).able);
+  const DisparityPlane rising{1, 0, -3}, falling{-1, 0, 12};  // 2 pixels in columns 5 and 10
+  EXPECT_EQ(11u * 6 - 2, matchedShares(pictures, &rising).able);
+  EXPECT_EQ(9u * 6 - 2, matchedShares(pictures, &falling).able);
 }
 
 TEST(MapView, TopsAreWhereTheRangeEnds) {
@@ -324,6 +327,13 @@ TEST(MapView, WhatItOffersIsSeen) {
   const MapView found = mapView(contextOf(c), 0, width, height);
   EXPECT_NEAR(lost.bestSeen, found.seen, 0.01);
   EXPECT_GT(found.seen, 0.5);
+}
+
+TEST(MapView, OfTheSkyOffersNothing) {
+  const MapView sky = mapView(contextOf(mounted(3000, -120, 0)), 0, width, height);
+  EXPECT_EQ(0, sky.bestSeen);
+  EXPECT_EQ(0, sky.offsetX);
+  EXPECT_EQ(0, sky.offsetY);
 }
 
 TEST(NearPlane, IsTheGround) {

@@ -125,6 +125,13 @@ TEST(GroundAreas, AreWholeOnTheMapUpToItsCorners) {
   for (uint32_t i = 0; i < 5; ++i) EXPECT_EQ(placed(road, i).whole_on_map, i == 0 ? 1u : 0u) << i;
 }
 
+TEST(GroundAreas, AreWholeOnAMapFarAside) {
+  NadirCamera camera = smallCamera();
+  camera.map_offset_x_mm = 5000;
+  const Road road = makeRoad(camera, defaultSettings(camera), {areaOf({4800, 0, 5200, 0, 5000, 200})});
+  EXPECT_EQ(placed(road, 0).whole_on_map, 1u);
+}
+
 TEST(GroundAreas, AreCopied) {
   Corners corners = square;
   const Road road = makeRoad(smallCamera(), defaultSettings(smallCamera()), {areaOf(corners)});

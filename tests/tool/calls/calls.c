@@ -1,22 +1,27 @@
-/* Loaded before the C library: writes down which files a program brings to the disk and which it renames, and lets one
- * renaming fail. */
+/* Loaded before the C library: writes down which files a program brings to the disk, renames, or opens so that its
+ * children would have them, and lets renaming, linking and writing do less than is asked of them. */
 #define _GNU_SOURCE
 #include <errno.h>
 #include <fcntl.h>
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+static int openFile(const char* path, int flags, unsigned mode) {
+  return (int)syscall(SYS_openat, AT_FDCWD, path, flags, mode);
+}
+
 static void note(const char* what, const char* path) {
   char line[4200];
   const char* log = getenv("NADIR_CALLS");
   if (!log) return;
   snprintf(line, sizeof line, "%s %s\n", what, path);
-  const int file = open(log, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+  const int file = openFile(log, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
   if (file < 0) return;
-  if (write(file, line, strlen(line)) < 0) abort();
+  if (syscall(SYS_write, file, line, strlen(line)) < 0) abort();
   close(file);
 }
 
@@ -49,4 +54,28 @@ int rename(const char* from, const char* to) {
   note("from", from);
   note("to", to);
   return (int)syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+
+int open(const char* path, int flags, ...) {
+  va_list rest;
+  va_start(rest, flags);
+  const unsigned mode = flags & O_CREAT ? va_arg(rest, unsigned) : 0;
+  va_end(rest);
+  if (!(flags & O_CLOEXEC)) note("inherited", path);
+  return openFile(path, flags, mode);
+}
+
+int link(const char* from, const char* to) {
+  if (getenv("NADIR_FAILING_LINK")) {
+    errno = EPERM;
+    return -1;
+  }
+  return (int)syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
+}
+
+/* Every other writing stops after the first byte. */
+ssize_t write(int file, const void* bytes, size_t count) {
+  static int calls = 0;
+  if (getenv("NADIR_SHORT_WRITES") && ++calls % 2 == 1 && count > 1) count = 1;
+  return syscall(SYS_write, file, bytes, count);
 }
