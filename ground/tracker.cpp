@@ -31,7 +31,9 @@ constexpr uint32_t stateVersion = 1;
 
 NadirTracker* trackerIn(Arena& arena, const Shape& shape, const NadirTrackSettings& settings) {
   NadirTracker* tracker = arena.take<NadirTracker>(1);
-  NadirTracker pieces{shape, settings, 0, 0, nullptr, {}};
+  NadirTracker pieces{};
+  pieces.shape = shape;
+  pieces.settings = settings;
   pieces.tracks = arena.take<HeightTrack>(shape.areas);
   pieces.window = mapWindow(arena, shape, settings.average_frames);
   if (tracker) *tracker = pieces;
@@ -107,8 +109,8 @@ bool isUndamaged(const void* memory, size_t bytes) {
 
 // A sum can be made for any numbers, but a tracker goes on with none that it cannot come to by itself.
 bool holdsGoodNumbers(const NadirTracker& t, StateReader reader) {
-  uint32_t begun = 0, count = 0, next = 0;
-  int64_t timeNs = 0;
+  uint32_t begun{}, count{}, next{};
+  int64_t timeNs{};
   bool good = true;
   reader.visit(begun);
   reader.visit(timeNs);

@@ -70,7 +70,8 @@ Judgement markPixels(const NadirArea& area, StereoCtx context, const Shape& shap
   context.intCalib.principalY += 0.5f;
   const auto ground = static_cast<uint16_t>(groundZ(context));
   const ImgC plane = {1, 1, 2, IMG_TYPE_U16, &ground};
-  Img image = {static_cast<uint16_t>(shape.mapWidth), static_cast<uint16_t>(shape.mapHeight), 1, IMG_TYPE_U8, mask};
+  Img image;
+  Img_Init(&image, shape.mapWidth, shape.mapHeight, IMG_TYPE_U8, mask);
   const PolygonRecord polygon(area);
   if (!IP_Utils_CreateElevMaskFromImgPoly(polygon.get(), &context, &plane, &image)) return {NADIR_NO_MEMORY};
   return {};

@@ -72,13 +72,13 @@ class StateReader {
   static void takeBits(uint64_t bits, T& value) {
     if constexpr (sizeof(T) == 2) {
       const auto word = static_cast<uint16_t>(bits);
-      std::memcpy(&value, &word, 2);
+      std::memcpy(&value, &word, sizeof value);
     } else if constexpr (sizeof(T) == 4) {
       const auto word = static_cast<uint32_t>(bits);
-      std::memcpy(&value, &word, 4);
+      std::memcpy(&value, &word, sizeof value);
     } else {
       static_assert(sizeof(T) == 8);
-      std::memcpy(&value, &bits, 8);
+      std::memcpy(&value, &bits, sizeof value);
     }
   }
 

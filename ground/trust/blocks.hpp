@@ -1,6 +1,7 @@
 // Disparities of small squares of the picture: fewer and steadier than those of pixels.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -36,14 +37,14 @@ class BlockTolerance {
  public:
   explicit BlockTolerance(const DisparityPlane& plane) {
     const double pull = pulledRows * (plane.perRow < 0 ? -plane.perRow : plane.perRow);
-    least_ = pull > leastOfAll ? pull : leastOfAll;
+    least_ = std::max(leastOfAll, pull);
   }
 
   // Where the plane has so much.
   template <class Real>
   Real at(Real disparity) const {
     const Real share = Real(0.015) * disparity, least = static_cast<Real>(least_);
-    return share > least ? share : least;
+    return std::max(least, share);
   }
 
  private:

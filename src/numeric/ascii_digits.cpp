@@ -20,8 +20,7 @@ struct Digits {
   char zero[glyphChars + 1];
   char columnFormat[5];
   char gap[3];
-  char lastColumnFormat[6];
-  char unused;
+  char lastColumnFormat[7];
   char oneToNine[9][oneToNineStep];
   char behind[glyphChars * glyphColumns - oneToNineStep];
 };
@@ -45,7 +44,7 @@ R"(  '.        .'  )"
 R"(    '------'    )"
 R"(                )",
 
-"%.*s", "  ", "%.*s\n", 0,
+"%.*s", "  ", "%.*s\n",
 
 {
 
@@ -232,14 +231,15 @@ int32_t IP_Utils_PrintNumAsAscii(uint32_t number) {
   const char *hundreds = nadir::glyphOf(number / 100), *tens = nadir::glyphOf(number / 10 % 10),
              *units = nadir::glyphOf(number % 10);
   const size_t lines = strnlen(nadir::glyphOf(0), 320);
-  int printed = 0;
-  for (size_t i = 0; i < lines; ++i) {
-    const size_t at = i * nadir::glyphColumns;
+  size_t line = 0;
+  int printed;
+  do {
+    const size_t at = line * nadir::glyphColumns;
     std::printf(nadir::digits.columnFormat, nadir::glyphColumns, hundreds + at);
     std::printf("%s", nadir::digits.gap);
     std::printf(nadir::digits.columnFormat, nadir::glyphColumns, tens + at);
     std::printf("%s", nadir::digits.gap);
     printed = std::printf(nadir::digits.lastColumnFormat, nadir::glyphColumns, units + at);
-  }
+  } while (++line < lines);
   return printed;
 }

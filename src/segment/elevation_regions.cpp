@@ -63,18 +63,18 @@ Columns levelColumns(const uint16_t* above, const uint16_t* row, const Area& are
 }
 
 void findRegions(const ImgC& elev, const Area& area, const RgeParams& params, Found& found) {
-  size_t aboveCount = 0;
+  const Run* above = found.runs;
   for (uint32_t y = area.y0; y < area.y1 && area.x0 < area.x1; ++y) {
     const uint16_t* row = cells(elev, y);
     Run* runs = found.runs + found.count;
     const size_t count = findRowRuns(row, y, area, params, runs);
     const Columns level = y > area.y0 ? levelColumns(cells(elev, y - 1), row, area, params.maxStep) : Columns();
-    const auto touch = [&](const Run& above, const Run& run) {
-      return level.hasAny(std::max(above.start, run.start), std::min(above.end, run.end));
+    const auto touch = [&](const Run& a, const Run& b) {
+      return level.hasAny(std::max(a.start, b.start), std::min(a.end, b.end));
     };
-    linkRow(runs - aboveCount, aboveCount, runs, count, Reach::sharedColumn, found.labels, touch);
+    linkRow(above, static_cast<size_t>(runs - above), runs, count, Reach::sharedColumn, found.labels, touch);
     found.count += count;
-    aboveCount = count;
+    above = runs;
   }
 }
 

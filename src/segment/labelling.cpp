@@ -13,9 +13,6 @@
 namespace nadir {
 namespace {
 
-constexpr uint32_t mapBytes = largestMapSide * largestMapSide * 2;
-constexpr uint32_t initialSizes = 4096;
-
 constexpr size_t mostRuns = mostRunsOf(largestMapSide);
 
 // Labels an image in two passes. In between, a run's first pixel holds its provisional label, so that the runs need no
@@ -86,14 +83,16 @@ bool isSupported(const Img& src) {
 }  // namespace nadir
 
 int32_t IP_CompFind_CreateLabelMap(Img* map, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < nadir::mapBytes) return 0;
+  constexpr uint32_t mapBytes = nadir::largestMapSide * nadir::largestMapSide * 2;
+  if (bufferBytes < mapBytes) return 0;
   return static_cast<int32_t>(Img_Init(map, nadir::largestMapSide, nadir::largestMapSide, IMG_TYPE_U16, buffer));
 }
 
 int32_t IP_CompFind_CreateComponentSizes(Vector* sizes, void* buffer, uint32_t bufferBytes) {
-  if (bufferBytes < nadir::initialSizes * 2) return 0;
+  constexpr uint32_t initialSizes = 4096;
+  if (bufferBytes < initialSizes * 2) return 0;
   Vector_Init(sizes, VECTOR_TYPE_U16, buffer, bufferBytes);
-  return static_cast<int32_t>(Vector_Fill(sizes, 0, nadir::initialSizes));
+  return static_cast<int32_t>(Vector_Fill(sizes, 0, initialSizes));
 }
 
 int32_t IP_CompFind_Process(const Img* src, Img* labelMap, Vector* sizes, const int32_t* threshold) {

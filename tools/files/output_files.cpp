@@ -20,15 +20,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int mostLinks = 40;  // as many as the system follows
-
-// Links are followed to their end, which need not exist, so that they stay links.
+// Links are followed to their end, which need not exist, so that they stay links. The system tells of loops.
 fs::path endOfLinks(const fs::path& path, std::error_code& error) {
   fs::path target = fs::weakly_canonical(fs::absolute(path), error);
   std::error_code missing;
-  for (int links = 0; !error && fs::is_symlink(fs::symlink_status(target, missing)); ++links) {
+  while (!error && fs::is_symlink(fs::symlink_status(target, missing))) {
     const fs::path next = fs::read_symlink(target, error);
-    if (links == mostLinks) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
     if (!error) target = fs::weakly_canonical(target.parent_path() / next, error);
   }
   return target;

@@ -18,8 +18,7 @@ namespace nadir::tool {
 
 namespace {
 
-constexpr size_t keptName = 200;   // bytes of a target's name that its temporary name begins with
-constexpr int mostAttempts = 100;  // for a name that nobody has
+constexpr size_t keptName = 200;  // bytes of a target's name that its temporary name begins with
 const char mark[] = ".nadir-", ending[] = ".part";
 constexpr size_t digits = 16;
 
@@ -57,16 +56,14 @@ TemporaryFile::~TemporaryFile() {
   remove();
 }
 
+// Nobody has the name: it holds 64 random bits.
 FileDescriptor TemporaryFile::make(const std::string& target, const std::string& shownAs) {
-  for (int attempt = 1;; ++attempt) {
-    std::string candidate = temporaryName(target);
-    const std::lock_guard<std::mutex> lock(chain);
-    FileDescriptor file(open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    if (file.number < 0 && errno == EEXIST && attempt < mostAttempts) continue;
-    if (file.number < 0) throw fileError("write", shownAs, errno);
-    name_ = std::move(candidate);
-    return file;
-  }
+  std::string candidate = temporaryName(target);
+  const std::lock_guard<std::mutex> lock(chain);
+  FileDescriptor file(open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  if (file.number < 0) throw fileError("write", shownAs, errno);
+  name_ = std::move(candidate);
+  return file;
 }
 
 void TemporaryFile::rename(const std::string& target) {

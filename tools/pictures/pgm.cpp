@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <system_error>
 
 #include "tools/base/error.hpp"
 
@@ -17,13 +19,12 @@ class Header {
 
   uint32_t number() {
     skipSpace();
-    const size_t start = at_;
+    const char *const bytes = reinterpret_cast<const char*>(bytes_.data()), *const start = bytes + at_;
     uint32_t value = 0;
-    for (; at_ < bytes_.size() && std::isdigit(bytes_[at_]); ++at_) {
-      value = value * 10 + bytes_[at_] - '0';
-      if (value > 65535) throw Error("a number of its header is too large");
-    }
-    if (at_ == start) throw Error("it is damaged (its header is not that of a PGM picture)");
+    const auto [end, error] = std::from_chars(start, bytes + bytes_.size(), value);
+    if (end == start) throw Error("it is damaged (its header is not that of a PGM picture)");
+    if (error != std::errc() || value > 65535) throw Error("a number of its header is too large");
+    at_ = static_cast<size_t>(end - bytes);
     return value;
   }
 

@@ -178,11 +178,9 @@ void appendBytes(png_structp png, png_bytep bytes, size_t count) {
   auto* out = static_cast<Bytes*>(png_get_io_ptr(png));
   try {
     out->insert(out->end(), bytes, bytes + count);
-    return;
   } catch (const std::bad_alloc&) {
     static_cast<Message*>(png_get_error_ptr(png))->memory = true;
   }
-  png_error(png, "not enough memory");
 }
 
 class PngWriter {

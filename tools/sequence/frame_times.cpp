@@ -57,7 +57,7 @@ std::vector<uint64_t> firstSteps(const FrameSource& source) {
 // A single frame has no step; 1 makes a count of it.
 Numbers numbersOf(const FrameSource& source) {
   std::vector<uint64_t> steps = firstSteps(source);
-  if (steps.empty()) return {source.number(0), 1, 1, true};
+  if (steps.empty()) steps = {1};
   std::sort(steps.begin(), steps.end());
   const uint64_t common = std::accumulate(steps.begin(), steps.end(), uint64_t{0}, std::gcd<uint64_t, uint64_t>);
   return {source.number(0), steps[steps.size() / 2], steps.front(), common == steps.front()};
