@@ -65,9 +65,9 @@ void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r)
 
 // The matcher's pictures and codes are still there when it is done.
 MatchedFrame matchedFrame(const NadirRoad& road) {
-  const MatchMemory& m = road.match;
+  const PassMemory& m = road.match.pass;
   const Shape& s = road.shape;
-  return {{m.raw, m.cleaned, m.reference, m.mask, s.width, s.height},
+  return {{m.raw, road.match.cleaned, m.reference, m.mask, s.width, s.height},
           {m.firstCodes, m.referenceCodes, m.first, m.reference, s.width, s.height, m.walk, m.walkBytes, m.raw},
           road.settings.grid == NADIR_GRID_LEFT,
           road.settings.uniqueness};

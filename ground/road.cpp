@@ -32,15 +32,15 @@ StereoCtx stereoContext(const NadirCamera& camera, uint32_t grid) {
 
 // The codes of the pictures are not needed any more when points are sorted: 8 bytes a pixel.
 SortMemory sortMemoryOver(const MatchMemory& match, Arena& arena, const Shape& shape) {
-  return sortMemory(arena, shape, match.firstCodes, reinterpret_cast<uint16_t*>(match.referenceCodes));
+  return sortMemory(arena, shape, match.pass.firstCodes, reinterpret_cast<uint16_t*>(match.pass.referenceCodes));
 }
 
 // The road stands at the beginning of its own block; null where the arena has none.
-NadirRoad* roadIn(Arena& arena, const Shape& shape) {
+NadirRoad* roadIn(Arena& arena, const Shape& shape, const NadirSettings& settings) {
   NadirRoad* road = arena.take<NadirRoad>(1);
   NadirRoad pieces{};
   pieces.shape = shape;
-  pieces.match = matchMemory(arena, shape);
+  pieces.match = matchMemory(arena, shape, settings);
   if (shape.hasMap()) pieces.sort = sortMemoryOver(pieces.match, arena, shape);
   pieces.holes = holeMemory(arena, shape);
   pieces.regions = regionMemory(arena, shape);
@@ -72,11 +72,11 @@ Judgement placeAreas(NadirRoad& road, const NadirArea* areas) {
 Judgement made(const NadirCamera& camera, const NadirSettings& settings, const NadirArea* areas, const Shape& shape,
                NadirRoad*& road) {
   Arena counting(nullptr);
-  roadIn(counting, shape);
+  roadIn(counting, shape, settings);
   void* block = counting.bytes() ? std::malloc(counting.bytes()) : nullptr;
   if (!block) return {NADIR_NO_MEMORY};
   Arena arena(block);
-  NadirRoad* whole = roadIn(arena, shape);
+  NadirRoad* whole = roadIn(arena, shape, settings);
   setUp(*whole, camera, settings);
   const Judgement j = placeAreas(*whole, areas);
   if (j.status)
@@ -100,7 +100,7 @@ using namespace nadir::ground;
 size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t areaCount) {
   if (!camera || !settings || judged(*camera, *settings).status) return 0;
   Arena counting(nullptr);
-  roadIn(counting, shapeOf(*camera, *settings, areaCount));
+  roadIn(counting, shapeOf(*camera, *settings, areaCount), *settings);
   return counting.bytes();
 }
 

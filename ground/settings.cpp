@@ -36,7 +36,9 @@ NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* came
                0,
                usualHeight * cell,
                usualStep * cell,
-               usualArea * cell * cell / 1e6};
+               usualArea * cell * cell / 1e6,
+               NADIR_CHECK_NONE,
+               NADIR_REFINE_NONE};
   return NADIR_OK;
 }
 

@@ -14,6 +14,40 @@ namespace nadir::ground {
 // in 16 bits 0 means that there is no data. Source and destination must not overlap.
 using PictureRow = void (*)(const void* src, uint16_t* dst, size_t n);
 using MaskRow = void (*)(const uint8_t* src, uint8_t* dst, size_t n);
+using CodeRow = void (*)(const uint32_t* src, uint32_t* dst, size_t n);
+
+// ---- opinions on disparities, 1/16 pixel each, 0 for none ----
+
+// Two opinions on a pixel agree if they differ by no more than this.
+constexpr uint16_t agreement = 24;
+
+// own becomes the mean of own and other, halves to the even neighbour, where both are known and agree, and 0 elsewhere.
+using AgreeRow = void (*)(const uint16_t* other, uint16_t* own, size_t n);
+
+// Neighbours whose disparities differ by no more than this lie on one surface.
+constexpr uint16_t closeness = 12;
+
+// A pixel's neighbourhood reaches so far in all directions.
+constexpr int nearby = 3, nearbySide = 2 * nearby + 1;
+
+// For each pixel of a row, how many pixels of its stretch of nearbySide columns are known and close to it, itself
+// included, and the sum of what they say more than it does, modulo 2^16. Both are 0 for a pixel that is not known.
+//
+// row  n + 2 * nearby disparities, of which the first and the last `nearby` are neighbours only.
+using CloseRow = void (*)(const uint16_t* row, size_t n, uint16_t* more, uint16_t* count);
+
+// Rows around one of n pixels, nearbySide of each: the row itself stands in the middle.
+struct NearRows {
+  const uint16_t* disparity[nearbySide];
+  const uint16_t* more[nearbySide];   // CloseRow's of each row
+  const uint16_t* count[nearbySide];  // likewise
+};
+
+// The mean of all pixels that are close to those in a pixel's column which are close to it, halves to the even
+// neighbour; 0 where the pixel is not known or these are fewer than `least`.
+using MeanRow = void (*)(const NearRows& rows, size_t n, uint16_t least, uint16_t* mean);
+
+// ---- places on the map ----
 
 // Disparities in pixels, the shift added; 0 where there is none: where `stored`, in 1/16 pixel, is 0, or `given`, in
 // pixels, is not a number.
@@ -57,6 +91,10 @@ struct RoadKernels {
   PictureRow take16, take8;
   PictureRow mirror16, mirror8;  // the same, the last pixel first
   MaskRow mirrorMask;            // bytes, the last first
+  CodeRow mirrorCodes;           // census codes, the last first
+  AgreeRow agree;
+  CloseRow close;
+  MeanRow mean;
   PixelsOfStored pixelsOf;
   PixelsOfGiven pixelsGiven;
   PlaceRow place;

@@ -42,6 +42,79 @@ struct RoadRows {
     forEachPixel(n, [=](size_t i) { dst[i] = src[n - 1 - i]; });
   }
 
+  static void mirrorCodes(const uint32_t* src, uint32_t* dst, size_t n) {
+    forEachPixel(n, [=](size_t i) { dst[i] = src[n - 1 - i]; });
+  }
+
+  // ---- opinions ----
+
+  static uint16_t difference(uint16_t a, uint16_t b) { return static_cast<uint16_t>(a > b ? a - b : b - a); }
+
+  static void agree(const uint16_t* other, uint16_t* own, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const uint16_t a = own[i], b = other[i];
+      const uint16_t floor = static_cast<uint16_t>((a & b) + ((a ^ b) >> 1));
+      const uint16_t even = static_cast<uint16_t>(floor + ((a ^ b) & floor & 1));
+      own[i] = (a != 0) & (b != 0) & (difference(a, b) <= agreement) ? even : uint16_t{0};
+    });
+  }
+
+  static bool areClose(uint16_t a, uint16_t b) { return (a != 0) & (b != 0) & (difference(a, b) <= closeness); }
+
+  static void close(const uint16_t* row, size_t n, uint16_t* more, uint16_t* count) {
+    forEachPixel(n, [=](size_t i) {
+      const uint16_t own = row[i + nearby];
+      uint16_t sum = 0, found = 0;
+      for (int k = 0; k < nearbySide; ++k) {
+        const uint16_t near = row[i + static_cast<size_t>(k)];
+        const bool isClose = areClose(own, near);
+        sum = static_cast<uint16_t>(sum + (isClose ? near - own : 0));
+        found = static_cast<uint16_t>(found + isClose);
+      }
+      more[i] = sum;
+      count[i] = found;
+    });
+  }
+
+  // Sums stay below 2^15: at most 49 neighbours differ by no more than twice the closeness.
+  [[gnu::noinline]] static void addClose(const uint16_t* own, const uint16_t* near, const uint16_t* more,
+                                         const uint16_t* count, size_t n, uint16_t* allMore, uint16_t* allCount) {
+    forEachPixel(n, [=](size_t i) {
+      const uint16_t kept = areClose(own[i], near[i]) ? 0xFFFF : 0;
+      const auto apart = static_cast<uint16_t>(near[i] - own[i]);
+      const auto added = static_cast<uint16_t>(more[i] + static_cast<uint32_t>(apart) * count[i]);
+      allMore[i] = static_cast<uint16_t>(allMore[i] + (added & kept));
+      allCount[i] = static_cast<uint16_t>(allCount[i] + (count[i] & kept));
+    });
+  }
+
+  // A quotient of such small whole numbers is no nearer to a half than a float can tell, unless it is one. Adding
+  // 1.5 * 2^23 leaves no bits behind the point.
+  [[gnu::noinline]] static void meansOf(const uint16_t* own, const uint16_t* allMore, const uint16_t* allCount,
+                                        size_t n, uint16_t least, uint16_t* mean) {
+    constexpr float noFraction = 12582912.0f;
+    forEachPixel(n, [=](size_t i) {
+      const int32_t count = allCount[i];
+      const float moved =
+          static_cast<float>(static_cast<int16_t>(allMore[i])) / static_cast<float>(count | (count == 0));
+      const int32_t rounded = own[i] + static_cast<int32_t>(moved + noFraction - noFraction);
+      mean[i] = static_cast<uint16_t>((own[i] != 0) & (count >= least) ? rounded : 0);
+    });
+  }
+
+  static void mean(const NearRows& rows, size_t n, uint16_t least, uint16_t* mean) {
+    constexpr size_t stretch = 256;
+    for (size_t from = 0; from < n; from += stretch) {
+      const size_t m = n - from < stretch ? n - from : stretch;
+      const uint16_t* own = rows.disparity[nearby] + from;
+      uint16_t allMore[stretch] = {};
+      uint16_t allCount[stretch] = {};
+      for (int k = 0; k < nearbySide; ++k)
+        addClose(own, rows.disparity[k] + from, rows.more[k] + from, rows.count[k] + from, m, allMore, allCount);
+      meansOf(own, allMore, allCount, m, least, mean + from);
+    }
+  }
+
   // ---- disparities ----
 
   static void pixelsOf(const uint16_t* stored, float shift, float* disparity, size_t n) {
@@ -174,6 +247,10 @@ struct RoadRows {
     kernels.mirror16 = mirror16;
     kernels.mirror8 = mirror8;
     kernels.mirrorMask = mirrorMask;
+    kernels.mirrorCodes = mirrorCodes;
+    kernels.agree = agree;
+    kernels.close = close;
+    kernels.mean = mean;
     kernels.pixelsOf = pixelsOf;
     kernels.pixelsGiven = pixelsGiven;
     kernels.place = place;

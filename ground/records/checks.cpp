@@ -50,7 +50,9 @@ Judgement judgedMount(const NadirCamera& c) {
 Judgement judgedMatching(const NadirSettings& s) {
   const Range ranges[] = {{"until", double(s.until), NADIR_UNTIL_MATCH, NADIR_UNTIL_ALL},
                           {"grid", double(s.grid), NADIR_GRID_LEFT, NADIR_GRID_RIGHT},
-                          {"postprocess", double(s.postprocess), 0, 1}};
+                          {"postprocess", double(s.postprocess), 0, 1},
+                          {"check", double(s.check), NADIR_CHECK_NONE, NADIR_CHECK_BOTH},
+                          {"refine", double(s.refine), NADIR_REFINE_NONE, NADIR_REFINE_SURFACE}};
   return outside(NADIR_BAD_SETTING, ranges);
 }
 

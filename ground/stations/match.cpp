@@ -1,12 +1,12 @@
-// Census, semi-global matching and the clean-up, all on the right grid; the left one is its mirror image.
+// Census, the passes of the matcher and what follows them, all on the right grid; the left one is its mirror image.
 #include "ground/stations/match.hpp"
 
-#include <nadir/imgproc.h>
 #include <nadir/stereo.h>
 
 #include <cstring>
 
 #include "ground/kernels/kernels.hpp"
+#include "ground/stations/opinions.hpp"
 
 namespace nadir::ground {
 
@@ -48,22 +48,35 @@ struct Taking {
   }
 };
 
-void takePictures(const Taking& taking, const MatchMemory& m) {
+void takePictures(const Taking& taking, const PassMemory& m) {
   const NadirFrame& f = taking.frame;
   taking.picture(taking.mirrored ? f.right : f.left, taking.mirrored ? f.right_stride : f.left_stride, m.first);
   taking.picture(taking.mirrored ? f.left : f.right, taking.mirrored ? f.left_stride : f.right_stride, m.reference);
-  taking.mask(m.mask);
 }
 
-// The clean-up may fill a masked pixel from a neighbour; what the user discards stays discarded.
-void cleanUp(const MatchMemory& m, const NadirSettings& settings, const Shape& shape, bool masked) {
-  if (settings.postprocess)
-    nadir_sgm_postproc(m.raw, m.mask, m.cleaned, static_cast<uint16_t>(shape.width),
-                       static_cast<uint16_t>(shape.height), m.cleanUp, m.cleanUpBytes);
-  else
-    std::memcpy(m.cleaned, m.raw, shape.pixels() * sizeof(uint16_t));
-  for (uint64_t i = 0; masked && i < shape.pixels(); ++i)
-    if (m.mask[i] != 0) m.cleaned[i] = 0;
+// What the user discards stays discarded: the clean-up may have filled it from a neighbour.
+void clearMasked(const uint8_t* mask, uint64_t pixels, uint16_t* disparity) {
+  for (uint64_t i = 0; i < pixels; ++i)
+    if (mask[i] != 0) disparity[i] = 0;
+}
+
+// The mask is the measured view's, so the pass from the other side comes before it is taken. The pass that decides
+// comes last and leaves its raw disparities behind.
+void matchAllWays(const Taking& taking, const MatchMemory& m, const NadirSettings& settings) {
+  const Shape& shape = taking.shape;
+  if (m.otherSide) {
+    std::memset(m.pass.mask, 0, shape.pixels());
+    passFromOtherSide(m.pass, settings, shape, m.otherSide);
+  }
+  taking.mask(m.pass.mask);
+  if (m.turned) passUpsideDown(m.pass, settings, shape, m.turned);
+  pass(m.pass, settings, shape, m.cleaned);
+}
+
+void judgeOpinions(const Taking& taking, const MatchMemory& m) {
+  if (m.turned) keepAgreed(m.turned, taking.shape, m.cleaned);
+  if (m.otherSide) keepConfirmed(m.otherSide, taking.shape, m.cleaned);
+  if (taking.frame.mask) clearMasked(m.pass.mask, taking.shape.pixels(), m.cleaned);
 }
 
 // Counts n pixels of a row that lie in the border or not. A row has at most 65535 pixels: counters as wide as pixels
@@ -92,7 +105,7 @@ NadirPixelCounts countsOf(const MatchMemory& m, const Shape& shape) {
     const bool row = y < borderRow || y + borderRow >= shape.height;
     const auto stretch = [&](uint32_t from, uint32_t to, bool isBorder) {
       const size_t at = size_t{y} * shape.width + from;
-      count(m.raw + at, m.cleaned + at, m.mask + at, to - from, row || isBorder, counts);
+      count(m.pass.raw + at, m.cleaned + at, m.pass.mask + at, to - from, row || isBorder, counts);
     };
     const uint32_t right = shape.width > borderLeft + borderRight ? shape.width - borderRight : borderLeft;
     stretch(0, borderLeft, true);
@@ -108,21 +121,36 @@ void giveDisparities(const uint16_t* cleaned, const Taking& taking, uint16_t* di
     give(cleaned + size_t{y} * taking.shape.width, disparity + size_t{y} * taking.shape.width, taking.shape.width);
 }
 
-}  // namespace
+bool hasTurnedPass(const NadirSettings& s) { return s.check == NADIR_CHECK_FLIP || s.check == NADIR_CHECK_BOTH; }
 
-MatchMemory matchMemory(Arena& arena, const Shape& shape) {
+bool hasPassFromOtherSide(const NadirSettings& s) {
+  return s.check == NADIR_CHECK_SIDES || s.check == NADIR_CHECK_BOTH;
+}
+
+PassMemory passMemory(Arena& arena, const Shape& shape) {
   const uint64_t pixels = shape.pixels();
-  const auto width = static_cast<uint16_t>(shape.width), height = static_cast<uint16_t>(shape.height);
-  MatchMemory m;
+  PassMemory m;
   m.first = arena.take<uint16_t>(pixels);
   m.reference = arena.take<uint16_t>(pixels);
   m.firstCodes = arena.take<uint32_t>(pixels);
   m.referenceCodes = arena.take<uint32_t>(pixels);
   m.mask = arena.take<uint8_t>(pixels);
   m.raw = arena.take<uint16_t>(pixels);
-  m.cleaned = arena.take<uint16_t>(pixels);
   m.walk = arena.take<uint8_t>(m.walkBytes = nadir_sgm_bytes(shape.width));
-  m.cleanUp = arena.take<uint8_t>(m.cleanUpBytes = nadir_sgm_postproc_bytes(width, height));
+  m.cleanUpBytes = nadir_sgm_postproc_bytes(static_cast<uint16_t>(shape.width), static_cast<uint16_t>(shape.height));
+  m.cleanUp = arena.take<uint8_t>(m.cleanUpBytes);
+  return m;
+}
+
+}  // namespace
+
+MatchMemory matchMemory(Arena& arena, const Shape& shape, const NadirSettings& settings) {
+  MatchMemory m{};
+  m.pass = passMemory(arena, shape);
+  m.cleaned = arena.take<uint16_t>(shape.pixels());
+  if (hasTurnedPass(settings)) m.turned = arena.take<uint16_t>(shape.pixels());
+  if (hasPassFromOtherSide(settings)) m.otherSide = arena.take<uint16_t>(shape.pixels());
+  if (settings.refine) m.refine = refineMemory(arena, shape);
   return m;
 }
 
@@ -131,16 +159,15 @@ void match(const NadirFrame& frame, const NadirSettings& settings, const Shape& 
   const Taking taking{frame, shape, roadKernels(), settings.grid == NADIR_GRID_LEFT};
   const char* taken = taking.mirrored ? "mirroring" : "taking pictures";
   stages.begin(taken);
-  takePictures(taking, m);
+  takePictures(taking, m.pass);
   stages.begin("census");
-  IP_Census_5x5(m.first, m.firstCodes, shape.width, shape.height);
-  IP_Census_5x5(m.reference, m.referenceCodes, shape.width, shape.height);
+  IP_Census_5x5(m.pass.first, m.pass.firstCodes, shape.width, shape.height);
+  IP_Census_5x5(m.pass.reference, m.pass.referenceCodes, shape.width, shape.height);
   stages.begin("matching");
-  const SgmParams params{64, settings.uniqueness};
-  nadir_sgm_full(m.firstCodes, m.referenceCodes, m.reference, shape.width, shape.height, &params, m.raw, nullptr,
-                 m.walk, m.walkBytes);
-  stages.begin("post-processing");
-  cleanUp(m, settings, shape, frame.mask != nullptr);
+  matchAllWays(taking, m, settings);
+  stages.begin("checking");
+  judgeOpinions(taking, m);
+  if (settings.refine) refine(m.refine, shape, m.cleaned);
   counts = countsOf(m, shape);
   stages.begin(taken);
   giveDisparities(m.cleaned, taking, disparity);

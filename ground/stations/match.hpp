@@ -6,20 +6,20 @@
 #include "ground/records/arena.hpp"
 #include "ground/records/shape.hpp"
 #include "ground/records/stages.hpp"
+#include "ground/stations/passes.hpp"
+#include "ground/stations/refine.hpp"
 
 namespace nadir::ground {
 
-// All memory of matching, and two arrays of 8 bytes a pixel together that are free again when it is done.
+// All memory of matching; the codes are free again when it is done, 8 bytes a pixel together.
 struct MatchMemory {
-  uint16_t *first, *reference;            // the pictures as the matcher takes them
-  uint32_t *firstCodes, *referenceCodes;  // their census codes
-  uint8_t* mask;                          // all 0 while nothing is masked
-  uint16_t *raw, *cleaned;                // disparities on the matcher's grid
-  void *walk, *cleanUp;                   // of nadir_sgm_full and nadir_sgm_postproc
-  size_t walkBytes, cleanUpBytes;
+  PassMemory pass;
+  uint16_t* cleaned;             // disparities on the matcher's grid
+  uint16_t *turned, *otherSide;  // of passes that check them; null where there is none
+  RefineMemory refine;           // likewise
 };
 
-MatchMemory matchMemory(Arena& arena, const Shape& shape);
+MatchMemory matchMemory(Arena& arena, const Shape& shape, const NadirSettings& settings);
 
 // disparity  receives the view's, width * height of them.
 void match(const NadirFrame& frame, const NadirSettings& settings, const Shape& shape, const MatchMemory& memory,

@@ -130,6 +130,19 @@ typedef struct NadirArea {
 #define NADIR_GRID_LEFT 0 /* the view that is measured: its pixels get the disparities, its camera is the origin */
 #define NADIR_GRID_RIGHT 1
 
+/* What is matched again to tell guesses from measurements; each check costs one pass of the matcher. Disparities agree
+ * that differ by a pixel and a half at most. */
+#define NADIR_CHECK_NONE 0
+#define NADIR_CHECK_FLIP 1  /* both pictures upside down: what both passes agree on becomes their mean, the rest goes \
+                             */
+#define NADIR_CHECK_SIDES 2 /* the other view measured: what it does not confirm goes, so what only one view shows */
+#define NADIR_CHECK_BOTH 3
+
+#define NADIR_REFINE_NONE 0
+#define NADIR_REFINE_SURFACE                                                              \
+  1 /* each disparity becomes the mean of those of its 7 x 7 pixels that lie within three \
+       quarters of a pixel; where they are fewer than 12, it goes */
+
 typedef struct NadirSettings {
   uint32_t size;
   uint32_t until;       /* NADIR_UNTIL_... */
@@ -145,6 +158,8 @@ typedef struct NadirSettings {
   double min_height_mm; /* regions are cells higher than this, rounded down; 0 to 65534 */
   double max_step_mm;   /* neighbours that differ by more, rounded down, are not joined; 0 to 65535 */
   double min_area_m2;   /* smaller regions are dropped; 0 to 1e6 */
+  uint32_t check;       /* NADIR_CHECK_... */
+  uint32_t refine;      /* NADIR_REFINE_... */
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes
