@@ -38,7 +38,9 @@ NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* came
                usualStep * cell,
                usualArea * cell * cell / 1e6,
                NADIR_CHECK_NONE,
-               NADIR_REFINE_NONE};
+               NADIR_REFINE_NONE,
+               NADIR_RANGE_61,
+               0};
   return NADIR_OK;
 }
 

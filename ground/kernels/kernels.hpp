@@ -16,6 +16,10 @@ using PictureRow = void (*)(const void* src, uint16_t* dst, size_t n);
 using MaskRow = void (*)(const uint8_t* src, uint8_t* dst, size_t n);
 using CodeRow = void (*)(const uint32_t* src, uint32_t* dst, size_t n);
 
+// A row of blocks of 2 x 2 pixels, whose rows are top and bottom, 2 * n pixels each: half becomes the mean of those
+// with data (not 0), halves rounded up, and 0 without any.
+using HalveRow = void (*)(const uint16_t* top, const uint16_t* bottom, uint16_t* half, size_t n);
+
 // ---- opinions on disparities, 1/16 pixel each, 0 for none ----
 
 // Two opinions on a pixel agree if they differ by no more than this.
@@ -92,6 +96,7 @@ struct RoadKernels {
   PictureRow mirror16, mirror8;  // the same, the last pixel first
   MaskRow mirrorMask;            // bytes, the last first
   CodeRow mirrorCodes;           // census codes, the last first
+  HalveRow halve;
   AgreeRow agree;
   CloseRow close;
   MeanRow mean;

@@ -46,6 +46,19 @@ struct RoadRows {
     forEachPixel(n, [=](size_t i) { dst[i] = src[n - 1 - i]; });
   }
 
+  static uint32_t roundedMean(uint32_t sum, uint32_t count) {
+    const uint32_t more = sum + count / 2;
+    return count == 3 ? more / 3 : more >> (count / 2);
+  }
+
+  static void halve(const uint16_t* top, const uint16_t* bottom, uint16_t* half, size_t n) {
+    forEachPixel(n, [=](size_t i) {
+      const uint32_t a = top[2 * i], b = top[2 * i + 1], c = bottom[2 * i], d = bottom[2 * i + 1];
+      const uint32_t count = uint32_t{a != 0} + uint32_t{b != 0} + uint32_t{c != 0} + uint32_t{d != 0};
+      half[i] = static_cast<uint16_t>(roundedMean(a + b + c + d, count));
+    });
+  }
+
   // ---- opinions ----
 
   static uint16_t difference(uint16_t a, uint16_t b) { return static_cast<uint16_t>(a > b ? a - b : b - a); }
@@ -248,6 +261,7 @@ struct RoadRows {
     kernels.mirror8 = mirror8;
     kernels.mirrorMask = mirrorMask;
     kernels.mirrorCodes = mirrorCodes;
+    kernels.halve = halve;
     kernels.agree = agree;
     kernels.close = close;
     kernels.mean = mean;

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "ground/kernels/kernels.hpp"
+#include "ground/stations/halves.hpp"
 #include "ground/stations/opinions.hpp"
 
 namespace nadir::ground {
@@ -16,42 +17,47 @@ namespace {
 constexpr uint32_t borderLeft = 2, borderRight = 4, borderRow = 2;
 
 // Both views of a point lie in a row, the right one further left. Mirrored and swapped, the left picture takes the
-// right one's place as the reference.
+// right one's place as the reference. Pictures are halved before they are mirrored, so that an odd column is the same
+// one in both views.
 struct Taking {
   const NadirFrame& frame;
-  const Shape& shape;
+  const Shape& whole;  // of the frame's pictures
   const RoadKernels& kernels;
   bool mirrored;
+  uint32_t times;  // how often they are halved
+  Shape shape;     // then
+
+  bool isMirroredInOneGo() const { return mirrored && times == 0; }
 
   PictureRow row() const {
-    if (frame.bits == 8) return mirrored ? kernels.mirror8 : kernels.take8;
-    return mirrored ? kernels.mirror16 : kernels.take16;
+    if (frame.bits == 8) return isMirroredInOneGo() ? kernels.mirror8 : kernels.take8;
+    return isMirroredInOneGo() ? kernels.mirror16 : kernels.take16;
   }
 
-  void picture(const void* data, size_t stride, uint16_t* to) const {
+  // `row` is room for one row.
+  void picture(const void* data, size_t stride, uint16_t* to, uint16_t* room) const {
     const auto* from = static_cast<const uint8_t*>(data);
-    for (uint32_t y = 0; y < shape.height; ++y) row()(from + y * stride, to + size_t{y} * shape.width, shape.width);
+    for (uint32_t y = 0; y < whole.height; ++y) row()(from + y * stride, to + size_t{y} * whole.width, whole.width);
+    for (uint32_t done = 0; done < times; ++done) halve(to, halvedShape(whole, done), room);
+    if (mirrored && times > 0) mirrorRows(to, kernels.mirror16, shape, room);
   }
 
-  void mask(uint8_t* to) const {
-    if (!frame.mask) {
-      std::memset(to, 0, shape.pixels());
-      return;
-    }
-    for (uint32_t y = 0; y < shape.height; ++y, to += shape.width) {
-      const uint8_t* row = frame.mask + y * frame.mask_stride;
-      if (mirrored)
-        kernels.mirrorMask(row, to, shape.width);
-      else
-        std::memcpy(to, row, shape.width);
-    }
+  void mask(uint8_t* to, uint8_t* room) const {
+    std::memset(to, 0, shape.pixels());
+    if (!frame.mask) return;
+    for (uint32_t y = 0; y < whole.height; ++y)
+      std::memcpy(to + size_t{y} * whole.width, frame.mask + y * frame.mask_stride, whole.width);
+    for (uint32_t done = 0; done < times; ++done) halve(to, halvedShape(whole, done));
+    if (mirrored) mirrorRows(to, kernels.mirrorMask, shape, room);
   }
 };
 
 void takePictures(const Taking& taking, const PassMemory& m) {
   const NadirFrame& f = taking.frame;
-  taking.picture(taking.mirrored ? f.right : f.left, taking.mirrored ? f.right_stride : f.left_stride, m.first);
-  taking.picture(taking.mirrored ? f.left : f.right, taking.mirrored ? f.left_stride : f.right_stride, m.reference);
+  auto* room = static_cast<uint16_t*>(m.walk);
+  const bool left = taking.mirrored;
+  taking.picture(left ? f.right : f.left, left ? f.right_stride : f.left_stride, m.first, room);
+  taking.picture(left ? f.left : f.right, left ? f.left_stride : f.right_stride, m.reference, room);
 }
 
 // What the user discards stays discarded: the clean-up may have filled it from a neighbour.
@@ -68,7 +74,7 @@ void matchAllWays(const Taking& taking, const MatchMemory& m, const NadirSetting
     std::memset(m.pass.mask, 0, shape.pixels());
     passFromOtherSide(m.pass, settings, shape, m.otherSide);
   }
-  taking.mask(m.pass.mask);
+  taking.mask(m.pass.mask, static_cast<uint8_t*>(m.pass.walk));
   if (m.turned) passUpsideDown(m.pass, settings, shape, m.turned);
   pass(m.pass, settings, shape, m.cleaned);
 }
@@ -76,7 +82,14 @@ void matchAllWays(const Taking& taking, const MatchMemory& m, const NadirSetting
 void judgeOpinions(const Taking& taking, const MatchMemory& m) {
   if (m.turned) keepAgreed(m.turned, taking.shape, m.cleaned);
   if (m.otherSide) keepConfirmed(m.otherSide, taking.shape, m.cleaned);
+}
+
+// What coarser pictures have found is taken over here, and finds its way into finer ones.
+void finish(const Taking& taking, const MatchMemory& m, const NadirSettings& settings) {
+  if (taking.times < m.halvings)
+    takeNearer(m.nearer[taking.times], taking.shape, taking.mirrored, m.cleaned, m.pass.raw);
   if (taking.frame.mask) clearMasked(m.pass.mask, taking.shape.pixels(), m.cleaned);
+  if (settings.refine) refine(m.refine, taking.shape, m.cleaned);
 }
 
 // Counts n pixels of a row that lie in the border or not. A row has at most 65535 pixels: counters as wide as pixels
@@ -121,6 +134,18 @@ void giveDisparities(const uint16_t* cleaned, const Taking& taking, uint16_t* di
     give(cleaned + size_t{y} * taking.shape.width, disparity + size_t{y} * taking.shape.width, taking.shape.width);
 }
 
+void matchCodes(const Taking& taking, const MatchMemory& m, const NadirSettings& settings, const Stages& stages) {
+  const Shape& shape = taking.shape;
+  stages.begin(taking.times ? "census of halves" : "census");
+  IP_Census_5x5(m.pass.first, m.pass.firstCodes, shape.width, shape.height);
+  IP_Census_5x5(m.pass.reference, m.pass.referenceCodes, shape.width, shape.height);
+  stages.begin(taking.times ? "matching halves" : "matching");
+  matchAllWays(taking, m, settings);
+  stages.begin(taking.times ? "checking halves" : "checking");
+  judgeOpinions(taking, m);
+  finish(taking, m, settings);
+}
+
 bool hasTurnedPass(const NadirSettings& s) { return s.check == NADIR_CHECK_FLIP || s.check == NADIR_CHECK_BOTH; }
 
 bool hasPassFromOtherSide(const NadirSettings& s) {
@@ -151,26 +176,25 @@ MatchMemory matchMemory(Arena& arena, const Shape& shape, const NadirSettings& s
   if (hasTurnedPass(settings)) m.turned = arena.take<uint16_t>(shape.pixels());
   if (hasPassFromOtherSide(settings)) m.otherSide = arena.take<uint16_t>(shape.pixels());
   if (settings.refine) m.refine = refineMemory(arena, shape);
+  m.halvings = halvings(settings.range, shape);
+  for (uint32_t times = 1; times <= m.halvings; ++times)
+    m.nearer[times - 1] = arena.take<uint16_t>(halvedShape(shape, times).pixels());
   return m;
 }
 
 void match(const NadirFrame& frame, const NadirSettings& settings, const Shape& shape, const MatchMemory& m,
            const Stages& stages, uint16_t* disparity, NadirPixelCounts& counts) {
-  const Taking taking{frame, shape, roadKernels(), settings.grid == NADIR_GRID_LEFT};
-  const char* taken = taking.mirrored ? "mirroring" : "taking pictures";
-  stages.begin(taken);
-  takePictures(taking, m.pass);
-  stages.begin("census");
-  IP_Census_5x5(m.pass.first, m.pass.firstCodes, shape.width, shape.height);
-  IP_Census_5x5(m.pass.reference, m.pass.referenceCodes, shape.width, shape.height);
-  stages.begin("matching");
-  matchAllWays(taking, m, settings);
-  stages.begin("checking");
-  judgeOpinions(taking, m);
-  if (settings.refine) refine(m.refine, shape, m.cleaned);
+  const bool mirrored = settings.grid == NADIR_GRID_LEFT;
+  for (uint32_t times = m.halvings + 1; times-- > 0;) {
+    const Taking taking{frame, shape, roadKernels(), mirrored, times, halvedShape(shape, times)};
+    const char* taken = times > 0 ? "halving" : mirrored ? "mirroring" : "taking pictures";
+    stages.begin(taken);
+    takePictures(taking, m.pass);
+    matchCodes(taking, m, settings, stages);
+    stages.begin(taken);
+    giveDisparities(m.cleaned, taking, times > 0 ? m.nearer[times - 1] : disparity);
+  }
   counts = countsOf(m, shape);
-  stages.begin(taken);
-  giveDisparities(m.cleaned, taking, disparity);
 }
 
 }  // namespace nadir::ground

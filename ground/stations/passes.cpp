@@ -29,16 +29,6 @@ void turnUpsideDown(const PassMemory& m, const Shape& shape) {
   turnUpsideDown(m.mask, shape);
 }
 
-// `row` is room for one.
-template <class Pixel, class Mirror>
-void mirrorRows(Pixel* pixels, Mirror mirror, const Shape& shape, void* row) {
-  auto* copy = static_cast<Pixel*>(row);
-  for (uint32_t y = 0; y < shape.height; ++y, pixels += shape.width) {
-    std::memcpy(copy, pixels, shape.width * sizeof(Pixel));
-    mirror(copy, pixels, shape.width);
-  }
-}
-
 // The matcher's walk is free between passes, and has room for more than a row of codes.
 void mirror(const PassMemory& m, const Shape& shape) {
   const RoadKernels& kernels = roadKernels();

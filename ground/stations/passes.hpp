@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "ground/records/shape.hpp"
 
@@ -19,6 +20,16 @@ struct PassMemory {
   void *walk, *cleanUp;                   // of nadir_sgm_full and nadir_sgm_postproc
   size_t walkBytes, cleanUpBytes;
 };
+
+// Each row's last pixel comes first. `row` is room for one row.
+template <class Pixel, class Mirror>
+void mirrorRows(Pixel* pixels, Mirror mirror, const Shape& shape, void* row) {
+  auto* copy = static_cast<Pixel*>(row);
+  for (uint32_t y = 0; y < shape.height; ++y, pixels += shape.width) {
+    std::memcpy(copy, pixels, shape.width * sizeof(Pixel));
+    mirror(copy, pixels, shape.width);
+  }
+}
 
 // Matches, and cleans up where the settings say so.
 void pass(const PassMemory& memory, const NadirSettings& settings, const Shape& shape, uint16_t* disparity);

@@ -138,6 +138,13 @@ typedef struct NadirArea {
 #define NADIR_CHECK_SIDES 2 /* the other view measured: what it does not confirm goes, so what only one view shows */
 #define NADIR_CHECK_BOTH 3
 
+/* The largest disparities that are found, pixels. Beyond 61 the pair is matched again in pictures of half the width and
+ * height, and beyond 122 in those of a quarter: what is near is large, and does not need the pixels that what is far
+ * away needs. Pictures do not become narrower than 64 columns: nadir_road_range says what is left. */
+#define NADIR_RANGE_61 61
+#define NADIR_RANGE_122 122
+#define NADIR_RANGE_244 244
+
 #define NADIR_REFINE_NONE 0
 #define NADIR_REFINE_SURFACE                                                              \
   1 /* each disparity becomes the mean of those of its 7 x 7 pixels that lie within three \
@@ -160,6 +167,8 @@ typedef struct NadirSettings {
   double min_area_m2;   /* smaller regions are dropped; 0 to 1e6 */
   uint32_t check;       /* NADIR_CHECK_... */
   uint32_t refine;      /* NADIR_REFINE_... */
+  uint32_t range;       /* NADIR_RANGE_... */
+  uint32_t reserved;    /* 0 */
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes
