@@ -25,9 +25,8 @@ namespace {
 
 struct DisparityOptions {
   std::string left, right, output, preview, mask;
-  View grid = View::left;
-  bool noPreview = false, half = false, noPostprocessing = false, strict = false;
-  uint32_t uniqueness = usualSettings().uniqueness;
+  bool noPreview = false, half = false, strict = false;
+  MatchOptions match;
 };
 
 Pair readInputs(const DisparityOptions& options, StageTimes& times) {
@@ -37,9 +36,9 @@ Pair readInputs(const DisparityOptions& options, StageTimes& times) {
 }
 
 TextChunks texts(const DisparityOptions& options) {
-  TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.grid);
-  texts["nadir:uniqueness"] = std::to_string(options.uniqueness);
-  texts["nadir:post-processing"] = options.noPostprocessing ? "no" : "yes";
+  TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.match.view);
+  texts["nadir:uniqueness"] = std::to_string(options.match.uniqueness);
+  texts["nadir:post-processing"] = options.match.noPostprocessing ? "no" : "yes";
   return texts;
 }
 
@@ -79,7 +78,7 @@ void run(const DisparityOptions& options) {
   StageTimes times;
   const Pair pair = readInputs(options, times);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
-  const Matching result = matched(pair, mask, options.grid, options.uniqueness, !options.noPostprocessing, times);
+  const Matching result = matched(pair, mask, options.match, times);
   OutputFiles files({options.left, options.right, options.mask});
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
@@ -112,15 +111,16 @@ void addDisparityCommand(CLI::App& app) {
                        "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
-  addViewOption(*command, "--grid", options->grid,
+  addViewOption(*command, "--grid", options->match.view,
                 "View whose pixels get the disparities: left or right (default: left)");
-  addUniquenessOption(*command, options->uniqueness,
+  addUniquenessOption(*command, options->match.uniqueness,
                       "How much worse, in 1/128 of the best cost, every other match must be; more rejects more, "
                       "{range} (default: {default})");
   addMaskOption(*command, options->mask,
                 "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 get "
                 "no disparity (default: none)");
-  addRawOption(*command, options->noPostprocessing);
+  addAccuracyOptions(*command, options->match);
+  addRawOption(*command, options->match.noPostprocessing);
   addStrictOption(*command, options->strict);
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
   command->footer(

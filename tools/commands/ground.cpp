@@ -46,7 +46,7 @@ struct Output {
 std::vector<Output> outputsOf(const Road& road, const PairResult& r) {
   const double percentile = road.settings.percentile;
   const auto disparity = [&] {
-    return encodePng(gridOf<uint16_t>(r.findings.disparity), disparityTexts(SGM_DISP_SCALE, road.options.view));
+    return encodePng(gridOf<uint16_t>(r.findings.disparity), disparityTexts(SGM_DISP_SCALE, road.options.match.view));
   };
   const auto map = [&, percentile] {
     return encodePng(gridOf<uint16_t>(r.findings.heights), mapTexts(road.context, percentile));
@@ -100,7 +100,8 @@ void writeOutputs(const GroundOptions& options, const Road& road, const PairResu
 Warnings allWarnings(const RoadOptions& options, const NadirFindings& findings) {
   Warnings warnings = warningsOf(findings);
   if (!options.disparity.empty())
-    for (const Warning& warning : gridWarnings(options.disparity, options.view, "--grid")) warnings.push_back(warning);
+    for (const Warning& warning : gridWarnings(options.disparity, options.match.view, "--grid"))
+      warnings.push_back(warning);
   return warnings;
 }
 
@@ -246,14 +247,15 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
   addNumber(command, "--disparity-scale", options.disparityScale, positiveNumber(),
             "What one pixel of disparity is stored as there (default: the file's own text nadir:scale, else 16)", "N")
       ->needs(given);
-  addViewOption(command, "--grid", options.view,
+  addViewOption(command, "--grid", options.match.view,
                 "View that is measured, left or right; its camera is the world's origin (default: left)");
-  addUniquenessOption(command, options.uniqueness, "As for nadir disparity, {range} (default: {default})")
+  addUniquenessOption(command, options.match.uniqueness, "As for nadir disparity, {range} (default: {default})")
       ->excludes(given);
+  for (CLI::Option* option : addAccuracyOptions(command, options.match)) option->excludes(given);
   addMaskOption(command, options.mask,
                 "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
       ->excludes(given);
-  addRawOption(command, options.noPostprocessing)->excludes(given);
+  addRawOption(command, options.match.noPostprocessing)->excludes(given);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The names, ranges and units of the options that several commands have.
 #include "tools/commands/options.hpp"
 
+#include <set>
+
 #include "tools/base/in_order.hpp"
 
 namespace nadir::tool {
@@ -10,6 +12,21 @@ namespace {
 void replaceIn(std::string& text, const std::string& mark, const std::string& words) {
   const size_t place = text.find(mark);
   if (place != std::string::npos) text.replace(place, mark.size(), words);
+}
+
+std::set<std::string> wordsOf(const Words& words) {
+  std::set<std::string> all;
+  for (const Word& word : words) all.insert(word.word);
+  return all;
+}
+
+// Adds an option that takes one of some words; {default} in its help is the word of the number that it has before.
+CLI::Option* addWord(CLI::App& command, const char* name, const Words& words, uint32_t& number, const char* help,
+                     const char* type) {
+  const auto choose = [&words, &number](const std::string& word) { number = numberOf(words, word); };
+  return command.add_option_function<std::string>(name, choose, helpWith(help, "", wordOf(words, number)))
+      ->check(CLI::IsMember(wordsOf(words)).description(""))
+      ->type_name(type);
 }
 
 }  // namespace
@@ -22,6 +39,22 @@ std::string helpWith(std::string help, const std::string& range, const std::stri
 
 CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help) {
   return addNumber(command, "--uniqueness", uniqueness, wholeNumberFrom(0, 128), help, "N");
+}
+
+std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options) {
+  return {
+      addWord(command, "--check", checkWords(), options.check,
+              "Match again to tell guesses from measurements: flip, both pictures upside down; sides, from the other "
+              "view; both; none (default: {default}). flip and sides take twice the time, both three times",
+              "HOW"),
+      addWord(command, "--refine", refineWords(), options.refine,
+              "What disparities become: surface, the mean of those nearby that lie on the same surface, and none "
+              "where there are too few; none, they stay (default: {default})",
+              "HOW"),
+      addWord(command, "--range", rangeWords(), options.range,
+              "The largest disparity that is found, pixels: 61; 122, which matches pictures of half the size too; "
+              "244, and of a quarter; auto (default: {default})",
+              "PIXELS")};
 }
 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help) {

@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "tools/base/text.hpp"
 #include "tools/base/view.hpp"
 #include "tools/commands/number_range.hpp"
+#include "tools/road/match_options.hpp"
 
 namespace nadir::tool {
 
@@ -40,6 +42,9 @@ CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, 
 }
 
 CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help);
+// --check, --refine and --range.
+std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options);
+
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help);
 CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
 

@@ -121,7 +121,7 @@ std::string groundJson(const Road& road, const PairResult& result, const Warning
                {"warnings", warningsJson(warnings)},
                {"trust", trustJson(*findings.trust)},
                {"camera", cameraJson(road.camera)},
-               {"view", nameOf(road.options.view)},
+               {"view", nameOf(road.options.match.view)},
                {"disparity", disparitiesJson(*findings.pixels, result.picture.pixels.size())},
                {"points", findings.points},
                {"map", mapJson(road, findings)},

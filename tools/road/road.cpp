@@ -57,9 +57,7 @@ NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& came
   NadirSettings s;
   nadir_settings_fill(&s, &camera);
   s.until = options.noRegions ? NADIR_UNTIL_MAP : NADIR_UNTIL_ALL;
-  s.grid = options.view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
-  s.uniqueness = options.uniqueness;
-  s.postprocess = !options.noPostprocessing;
+  s = withOptions(s, options.match);
   s.percentile = options.percentile;
   s.min_points = options.minPoints;
   s.fill_holes_m2 = options.fillHolesM2;
@@ -239,12 +237,6 @@ void expect(NadirStatus status) {
   if (status != NADIR_OK) throw Error(nadir_status_text(status));
 }
 
-NadirSettings usualSettings() {
-  NadirSettings settings;
-  nadir_settings_fill(&settings, nullptr);
-  return settings;
-}
-
 // The areas are read too, so that a mistake in the last one does not wait for the matcher.
 Road roadOf(const RoadOptions& options) {
   Road road{options, readCamera(options.camera), {}, {}, {}, {}};
@@ -281,7 +273,7 @@ void work(const Road& road, NadirRoad& handle, const std::string& left, const st
   give(frame, result.given);
   if (!result.memory) result.memory = newResult(handle);
   result.findings = process(handle, frame, *result.memory, times);
-  result.picture = std::move(options.view == View::left ? pair.left : pair.right);
+  result.picture = std::move(options.match.view == View::left ? pair.left : pair.right);
 }
 
 Grid<uint16_t> heightsOfGiven(const Road& road, const Grid<float>& disparity) {
@@ -304,17 +296,13 @@ Warnings warningsOf(const NadirFindings& findings) {
   return warnings;
 }
 
-Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
-                 StageTimes& times) {
+Matching matched(const Pair& pair, const Grid<uint8_t>& mask, const MatchOptions& options, StageTimes& times) {
   NadirCamera camera{};
   camera.size = sizeof camera;
   camera.width_px = pair.left.width;
   camera.height_px = pair.left.height;
-  NadirSettings settings = usualSettings();
+  NadirSettings settings = withOptions(usualSettings(), options);
   settings.until = NADIR_UNTIL_MATCH;
-  settings.grid = view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
-  settings.uniqueness = uniqueness;
-  settings.postprocess = postprocess;
   const RoadHandle road = made(camera, settings, {});
   const ResultHandle result = newResult(*road);
   const NadirFindings findings = process(*road, frameOf(pair, mask), *result, times);

@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "lab/grid.hpp"
-#include "tools/base/view.hpp"
 #include "tools/base/warnings.hpp"
 #include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera.hpp"
+#include "tools/road/match_options.hpp"
 #include "tools/road/pair_input.hpp"
 #include "tools/road/timed_stages.hpp"
 
@@ -21,16 +21,11 @@ namespace nadir::tool {
 // Throws for a status that only a lack of memory or a mistake of this program can explain.
 void expect(NadirStatus status);
 
-// The library's defaults; those that follow from the camera are left at 0.
-NadirSettings usualSettings();
-
 // What the user may say. A file with an empty name is not given.
 struct RoadOptions {
   std::string camera, mask, disparity, areas;
   double disparityScale = 0;  // of the given disparities; 0: what their file says
-  View view = View::left;
-  bool noPostprocessing = false;
-  uint32_t uniqueness = usualSettings().uniqueness;
+  MatchOptions match;
   double percentile = usualSettings().percentile;
   uint32_t minPoints = usualSettings().min_points;
   double fillHolesM2 = usualSettings().fill_holes_m2;
@@ -95,14 +90,13 @@ Grid<uint16_t> heightsOfGiven(const Road& road, const Grid<float>& disparity);
 // Finds the points, row by row, and the ground that they show.
 void addPoints(const Road& road, PairResult& result, StageTimes& times);
 
-// What the matcher alone makes of a pair, on the grid of the view and with the settings' uniqueness and clean-up.
+// What the matcher alone makes of a pair, on the grid of the view.
 struct Matching {
   Grid<uint16_t> disparity;  // SGM_DISP_SCALE per pixel, 0 for none
   NadirPixelCounts counts;
   Warnings warnings;
 };
-Matching matched(const Pair& pair, const Grid<uint8_t>& mask, View view, uint32_t uniqueness, bool postprocess,
-                 StageTimes& times);
+Matching matched(const Pair& pair, const Grid<uint8_t>& mask, const MatchOptions& options, StageTimes& times);
 
 // The frame's warnings, for people and programs.
 Warnings warningsOf(const NadirFindings& findings);

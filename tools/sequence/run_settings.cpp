@@ -69,7 +69,7 @@ Json settingsJson(const Road& road, const SequenceRule& rule, const FirstPair& f
           {"maps", rule.products.count(Product::map) > 0},
           {"averages", rule.products.count(Product::average) > 0},
           {"camera", cameraJson(road.camera)},
-          {"view", nameOf(road.options.view)},
+          {"view", nameOf(road.options.match.view)},
           {"uniqueness", settings.uniqueness},
           {"post_processing", settings.postprocess != 0},
           {"mask", maskJson(mask)},

@@ -69,7 +69,9 @@ MatchSample matchSample(const std::string& folder) {
 
 Grid<float> disparitiesOf(const Pair& pair, uint32_t uniqueness) {
   StageTimes times;
-  return unpacked(matched(pair, {}, View::left, uniqueness, true, times).disparity, SGM_DISP_SCALE);
+  MatchOptions options;
+  options.uniqueness = uniqueness;
+  return unpacked(matched(pair, {}, options, times).disparity, SGM_DISP_SCALE);
 }
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {

@@ -1,0 +1,49 @@
+// Words become the library's numbers and back.
+#include "tools/road/match_options.hpp"
+
+#include <algorithm>
+
+namespace nadir::tool {
+
+NadirSettings usualSettings() {
+  NadirSettings settings;
+  nadir_settings_fill(&settings, nullptr);
+  return settings;
+}
+
+const Words& checkWords() {
+  static const Words words = {
+      {"none", NADIR_CHECK_NONE}, {"flip", NADIR_CHECK_FLIP}, {"sides", NADIR_CHECK_SIDES}, {"both", NADIR_CHECK_BOTH}};
+  return words;
+}
+
+const Words& refineWords() {
+  static const Words words = {{"none", NADIR_REFINE_NONE}, {"surface", NADIR_REFINE_SURFACE}};
+  return words;
+}
+
+const Words& rangeWords() {
+  static const Words words = {
+      {"61", NADIR_RANGE_61}, {"122", NADIR_RANGE_122}, {"244", NADIR_RANGE_244}, {"auto", automaticRange}};
+  return words;
+}
+
+std::string wordOf(const Words& words, uint32_t number) {
+  return std::find_if(words.begin(), words.end(), [=](const Word& w) { return w.number == number; })->word;
+}
+
+uint32_t numberOf(const Words& words, const std::string& word) {
+  return std::find_if(words.begin(), words.end(), [&](const Word& w) { return w.word == word; })->number;
+}
+
+NadirSettings withOptions(NadirSettings settings, const MatchOptions& options) {
+  settings.grid = options.view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
+  settings.postprocess = !options.noPostprocessing;
+  settings.uniqueness = options.uniqueness;
+  settings.check = options.check;
+  settings.refine = options.refine;
+  settings.range = options.range;
+  return settings;
+}
+
+}  // namespace nadir::tool

@@ -1,0 +1,46 @@
+// How pairs are matched: what the user may say, and the words for it.
+#pragma once
+
+#include <nadir/ground.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/base/view.hpp"
+
+namespace nadir::tool {
+
+// The library's defaults; those that follow from the camera are left at 0.
+NadirSettings usualSettings();
+
+struct MatchOptions {
+  View view = View::left;
+  bool noPostprocessing = false;
+  uint32_t uniqueness = usualSettings().uniqueness;
+  uint32_t check = usualSettings().check;    // NADIR_CHECK_...
+  uint32_t refine = usualSettings().refine;  // NADIR_REFINE_...
+  uint32_t range = usualSettings().range;    // NADIR_RANGE_..., or automaticRange
+};
+
+// The least range that measures the tallest things over the map.
+constexpr uint32_t automaticRange = 0;
+
+// A word that a user says, and the library's number for it.
+struct Word {
+  const char* word;
+  uint32_t number;
+};
+using Words = std::vector<Word>;
+
+const Words& checkWords();
+const Words& refineWords();
+const Words& rangeWords();
+
+// The word of a number, and the number of a word, which must be among them.
+std::string wordOf(const Words& words, uint32_t number);
+uint32_t numberOf(const Words& words, const std::string& word);
+
+// Settings of the library with these options in them.
+NadirSettings withOptions(NadirSettings settings, const MatchOptions& options);
+
+}  // namespace nadir::tool
