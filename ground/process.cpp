@@ -67,8 +67,10 @@ void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r)
 MatchedFrame matchedFrame(const NadirRoad& road) {
   const PassMemory& m = road.match.pass;
   const Shape& s = road.shape;
-  return {{m.raw, road.match.cleaned, m.reference, m.mask, s.width, s.height},
-          {m.firstCodes, m.referenceCodes, m.first, m.reference, s.width, s.height, m.walk, m.walkBytes, m.raw},
+  const uint32_t halvings = road.match.halvings;
+  return {{m.raw, road.match.cleaned, m.reference, m.mask, s.width, s.height, rangeEndOf(halvings)},
+          {m.firstCodes, m.referenceCodes, m.first, m.reference, s.width, s.height, m.walk, m.walkBytes, halvings > 0,
+           m.raw},
           road.settings.grid == NADIR_GRID_LEFT,
           road.settings.uniqueness};
 }

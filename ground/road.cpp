@@ -6,6 +6,7 @@
 
 #include "ground/records/checks.hpp"
 #include "ground/records/plane_view.hpp"
+#include "ground/stations/halves.hpp"
 
 namespace nadir::ground {
 
@@ -57,7 +58,8 @@ void setUp(NadirRoad& road, const NadirCamera& camera, const NadirSettings& sett
   road.context = stereoContext(camera, settings.grid);
   road.placing = placingOf(road.context, road.shape, road.sort.rayX);
   road.mount = {&road.context, camera.column_shift_px,
-                mapView(road.context, camera.column_shift_px, road.shape.width, road.shape.height)};
+                mapView(road.context, camera.column_shift_px, largestDisparityOf(road.match.halvings), road.shape.width,
+                        road.shape.height)};
 }
 
 Judgement placeAreas(NadirRoad& road, const NadirArea* areas) {
@@ -86,6 +88,26 @@ Judgement made(const NadirCamera& camera, const NadirSettings& settings, const N
   return j;
 }
 
+// Whether things of a height are measured over all of the map that is seen; none is missed where nothing is seen.
+bool reaches(uint32_t range, const NadirCamera& camera, const NadirSettings& settings, double tallestMm) {
+  const Shape shape = shapeOf(camera, settings, 0);
+  const StereoCtx context = stereoContext(camera, settings.grid);
+  const double largest = largestDisparityOf(halvings(range, shape));
+  return !(leastTop(context, camera.column_shift_px, largest, shape.width, shape.height) < tallestMm);
+}
+
+// Ranges that end where the one before them does, since smaller pictures would be too narrow, are of no use.
+uint32_t leastRange(const NadirCamera& camera, const NadirSettings& settings, double tallestMm) {
+  const Shape shape = shapeOf(camera, settings, 0);
+  const uint32_t longerOnes[] = {NADIR_RANGE_122, NADIR_RANGE_244};
+  uint32_t range = NADIR_RANGE_61;
+  for (const uint32_t longer : longerOnes) {
+    const bool isLonger = halvings(longer, shape) > halvings(range, shape);
+    if (isLonger && !reaches(range, camera, settings, tallestMm)) range = longer;
+  }
+  return range;
+}
+
 NadirStatus told(const Judgement& j, NadirFault* fault) {
   if (fault) *fault = {sizeof *fault, j.area, j.corner, 0, j.field};
   return j.status;
@@ -111,6 +133,16 @@ NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* se
   *road = nullptr;
   if (const Judgement j = judged(*camera, *settings); j.status) return told(j, fault);
   return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, areaCount), *road), fault);
+}
+
+NadirStatus nadir_road_range(const NadirCamera* camera, const NadirSettings* settings, double tallest_mm,
+                             uint32_t* range) {
+  if (!camera || !settings || !range) return NADIR_NULL_POINTER;
+  if (const Judgement j = judged(*camera, *settings); j.status) return j.status;
+  if (!(tallest_mm >= 0 && tallest_mm <= 65534)) return NADIR_BAD_SETTING;
+  if (settings->until == NADIR_UNTIL_MATCH) return NADIR_NOTHING_FOUND;
+  *range = leastRange(*camera, *settings, tallest_mm);
+  return NADIR_OK;
 }
 
 void nadir_road_destroy(NadirRoad* road) { std::free(road); }

@@ -7,9 +7,6 @@ namespace nadir::ground {
 
 namespace {
 
-// The largest disparity that the matcher finds: 61 and a half for the fit between whole ones.
-constexpr double largestDisparity = 61.5;
-
 // Nearer than this the ground's disparity is not found. The same limit ends the places that a map is offered at.
 constexpr double leastDisparity = 2;
 
@@ -21,7 +18,7 @@ constexpr uint32_t places = 12;
 
 struct Viewer {
   const StereoCtx& context;
-  double columnShift;
+  double columnShift, largestDisparity;
   uint32_t width, height;
 
   bool shows(const Point3_f32& world) const {
@@ -129,13 +126,11 @@ void findBetterPlace(const Viewer& viewer, MapView& view) {
   });
 }
 
-}  // namespace
-
-MapView mapView(const StereoCtx& context, double columnShift, uint32_t width, uint32_t height) {
-  const Viewer viewer{context, columnShift, width, height};
+// What is seen of the map where it lies, and how high it is measured there.
+MapView topsOf(const Viewer& viewer) {
   MapView view{0, NAN, NAN, 0, 0, 0};
   uint32_t seen = 0;
-  forEachSample(context, 0, 0, [&](const Point3_f32& ground) {
+  forEachSample(viewer.context, 0, 0, [&](const Point3_f32& ground) {
     if (!viewer.shows(ground)) return;
     ++seen;
     if (!viewer.measuresTops()) return;
@@ -144,6 +139,20 @@ MapView mapView(const StereoCtx& context, double columnShift, uint32_t width, ui
     if (!(view.mostTop >= top)) view.mostTop = top;
   });
   view.seen = shareOf(seen);
+  return view;
+}
+
+}  // namespace
+
+double leastTop(const StereoCtx& context, double columnShift, double largestDisparity, uint32_t width,
+                uint32_t height) {
+  return topsOf({context, columnShift, largestDisparity, width, height}).leastTop;
+}
+
+MapView mapView(const StereoCtx& context, double columnShift, double largestDisparity, uint32_t width,
+                uint32_t height) {
+  const Viewer viewer{context, columnShift, largestDisparity, width, height};
+  MapView view = topsOf(viewer);
   findBetterPlace(viewer, view);
   return view;
 }

@@ -16,7 +16,14 @@ struct MapView {
   double offsetX, offsetY;   // what moves it there, mm in world x and y
 };
 
+// The largest disparity that is found in pictures that are halved so often: 61 and a half for the fit between whole
+// ones.
+constexpr double largestDisparityOf(uint32_t halvings) { return 61.5 * (1u << halvings); }
+
 // context  its lowerLeft is the map's corner.
-MapView mapView(const StereoCtx& context, double columnShift, uint32_t width, uint32_t height);
+MapView mapView(const StereoCtx& context, double columnShift, double largestDisparity, uint32_t width, uint32_t height);
+
+// The same view's leastTop alone.
+double leastTop(const StereoCtx& context, double columnShift, double largestDisparity, uint32_t width, uint32_t height);
 
 }  // namespace nadir::ground

@@ -49,14 +49,14 @@ bool hasEmptyNeighbour(const uint16_t* pixel, size_t width) {
   return false;
 }
 
-uint32_t countAtEnd(const uint16_t* row, uint32_t n) {
+uint32_t countAtEnd(const uint16_t* row, uint32_t n, uint16_t rangeEnd) {
   uint16_t count = 0;
   for (uint32_t i = 0; i < n; ++i) count = static_cast<uint16_t>(count + (row[i] >= rangeEnd));
   return count;
 }
 
-void countEnd(const uint16_t* row, uint32_t width, MatchedShares& shares) {
-  const uint32_t n = width - borderLeft - borderRight, atEnd = countAtEnd(row + borderLeft, n);
+void countEnd(const uint16_t* row, uint32_t width, uint16_t rangeEnd, MatchedShares& shares) {
+  const uint32_t n = width - borderLeft - borderRight, atEnd = countAtEnd(row + borderLeft, n, rangeEnd);
   if (atEnd == 0) return;
   shares.atEnd += atEnd;
   for (uint32_t x = borderLeft; x < width - borderRight; ++x)
@@ -73,7 +73,7 @@ MatchedShares matchedShares(const MatchedPictures& p, const DisparityPlane* grou
     const size_t row = size_t{y} * p.width;
     const Span able = belowHorizon(ground, y, {borderLeft, p.width - borderRight});
     countRow(p, row + able.from, able.to - able.from, shares);
-    countEnd(p.cleaned + row, p.width, shares);
+    countEnd(p.cleaned + row, p.width, p.rangeEnd, shares);
   }
   return shares;
 }

@@ -13,11 +13,12 @@ struct MatchedPictures {
   const uint16_t* reference;      // the measured view, 0 for no data
   const uint8_t* mask;            // not 0 discards
   uint32_t width, height;
+  uint16_t rangeEnd;  // the disparities that are called the range's last ones begin here
 };
 
-// The matcher finds disparities up to 61.5 pixels. What is nearer leaves no value, and around it a rim of the last
-// ones.
-constexpr uint16_t rangeEnd = 58 * 16;
+// The matcher finds disparities up to 61.5 pixels, in pictures that were halved twice as many for each time. What is
+// nearer leaves no value, and around it a rim of the last ones.
+constexpr uint16_t rangeEndOf(uint32_t halvings) { return static_cast<uint16_t>(58 * 16 << halvings); }
 
 struct MatchedShares {
   uint32_t pixels = 0;   // of the picture

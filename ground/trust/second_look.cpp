@@ -102,6 +102,7 @@ SecondLook secondLook(const LookMemory& m, const uint16_t* cleaned) {
   look.exchanged = strip.share(isKnown);
   strip.match(m.firstCodes, unmovedAt, m.referenceCodes, m.reference);
   look.unmoved = strip.share(isUnmoved);
+  if (m.isRangeLonger) return look;
   strip.match(m.firstCodes, -nearer, m.referenceCodes, m.reference);
   look.nearerInHole = strip.share(isNearerInHole);
   return look;

@@ -13,7 +13,8 @@ struct LookMemory {
   uint32_t width, height;
   void* walk;  // of nadir_sgm_full for this width
   size_t walkBytes;
-  uint16_t* strip;  // receives disparities, lookRows(width, height) * width of them
+  bool isRangeLonger;  // what is nearer than a pass can find was looked for in smaller pictures
+  uint16_t* strip;     // receives disparities, lookRows(width, height) * width of them
 };
 
 // What a look asks of a peak; the usual number.
@@ -29,7 +30,7 @@ struct SecondLook {
   double exchanged;     // that have one with the pictures exchanged
   double unmoved;       // that lie in the same column of both pictures, to a quarter of a pixel
   double nearerInHole;  // that have none as given, and a disparity beyond the range when one picture is moved towards
-                        // the other
+                        // the other; 0 where the range was longer
 };
 
 // Looks at the rows of the picture with the fewest disparities; it must be large enough. `cleaned` are those, on the

@@ -133,22 +133,22 @@ typedef struct NadirArea {
 /* What is matched again to tell guesses from measurements; each check costs one pass of the matcher. Disparities agree
  * that differ by a pixel and a half at most. */
 #define NADIR_CHECK_NONE 0
-#define NADIR_CHECK_FLIP 1  /* both pictures upside down: what both passes agree on becomes their mean, the rest goes \
-                             */
+#define NADIR_CHECK_FLIP 1  /* both pictures upside down: where both passes agree their mean is taken, the rest goes */
 #define NADIR_CHECK_SIDES 2 /* the other view measured: what it does not confirm goes, so what only one view shows */
 #define NADIR_CHECK_BOTH 3
 
 /* The largest disparities that are found, pixels. Beyond 61 the pair is matched again in pictures of half the width and
  * height, and beyond 122 in those of a quarter: what is near is large, and does not need the pixels that what is far
- * away needs. Pictures do not become narrower than 64 columns: nadir_road_range says what is left. */
+ * away needs. Pictures do not become narrower than 64 columns. */
 #define NADIR_RANGE_61 61
 #define NADIR_RANGE_122 122
 #define NADIR_RANGE_244 244
 
+/* The matcher's disparities wander by a fraction of a pixel about the surface that they belong to. Refined by their
+ * surface, each becomes the mean of those of its 7 x 7 pixels that lie within three quarters of a pixel; where these
+ * are fewer than 12, it goes. */
 #define NADIR_REFINE_NONE 0
-#define NADIR_REFINE_SURFACE                                                              \
-  1 /* each disparity becomes the mean of those of its 7 x 7 pixels that lie within three \
-       quarters of a pixel; where they are fewer than 12, it goes */
+#define NADIR_REFINE_SURFACE 1
 
 typedef struct NadirSettings {
   uint32_t size;
@@ -172,8 +172,8 @@ typedef struct NadirSettings {
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes
- * filled. Heights and areas follow the camera's cell: higher than one and a half of its sides, steps up to one side, no
- * fewer than 30 cells.
+ * filled, nothing checked or refined, range 61. Heights and areas follow the camera's cell: higher than one and a half
+ * of its sides, steps up to one side, no fewer than 30 cells.
  *
  * camera  its cell_mm is read; null where only NADIR_UNTIL_MATCH is meant: the last three are then 0. */
 NADIR_API NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* camera);
@@ -206,6 +206,18 @@ NADIR_API NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSe
                                         const NadirArea* areas, uint32_t area_count, NadirRoad** road,
                                         NadirFault* fault);
 NADIR_API void nadir_road_destroy(NadirRoad* road); /* null is accepted */
+
+/* The least range that measures things of a height over all of the map that the camera sees: what stands under it is
+ * nearer than the ground, and disparities grow with nearness. Where none reaches so far, the longest one; one that
+ * pictures of this width do not lengthen is left out.
+ *
+ * settings    its range is looked at no more than for its being one.
+ * tallest_mm  0 to 65534, else NADIR_BAD_SETTING.
+ * range       receives NADIR_RANGE_...; untouched where the call fails.
+ *
+ * Settings that end at the match have no map (NADIR_NOTHING_FOUND). */
+NADIR_API NadirStatus nadir_road_range(const NadirCamera* camera, const NadirSettings* settings, double tallest_mm,
+                                       uint32_t* range);
 
 /* libnadir's record of the camera, the view and the map, for calls of camera.h beside the road: lowerLeft is the map's
  * corner, offsets included. A road up to the match has none (NADIR_NOTHING_FOUND). */

@@ -62,7 +62,11 @@ NEXT(NadirSettings, percentile, double, fill_holes_m2);
 NEXT(NadirSettings, fill_holes_m2, double, min_height_mm);
 NEXT(NadirSettings, min_height_mm, double, max_step_mm);
 NEXT(NadirSettings, max_step_mm, double, min_area_m2);
-LAST(NadirSettings, min_area_m2, 64, 64);
+NEXT(NadirSettings, min_area_m2, uint32_t, check);
+NEXT(NadirSettings, check, uint32_t, refine);
+NEXT(NadirSettings, refine, uint32_t, range);
+NEXT(NadirSettings, range, uint32_t, reserved);
+LAST(NadirSettings, reserved, 80, 80);
 
 FIRST(NadirPlane, const void*, data);
 NEXT(NadirPlane, data, size_t, stride);

@@ -17,6 +17,7 @@ NadirStatus (*is_nadir_road_process)(NadirRoad*, const NadirFrame*, NadirResult*
 NadirStatus (*is_nadir_result_read)(const NadirResult*, NadirFindings*) = nadir_result_read;
 NadirStatus (*is_nadir_road_points)(NadirRoad*, const NadirFrame*, const NadirResult*, NadirPoint*, size_t,
                                     size_t*) = nadir_road_points;
+NadirStatus (*is_nadir_road_range)(const NadirCamera*, const NadirSettings*, double, uint32_t*) = nadir_road_range;
 NadirStatus (*is_nadir_road_ground_plane)(NadirRoad*, const NadirFrame*, const NadirResult*,
                                           NadirGroundPlane*) = nadir_road_ground_plane;
 const char* (*is_nadir_warning_name)(uint32_t) = nadir_warning_name;

@@ -112,6 +112,8 @@ void callGround() {
   StereoCtx context;
   NadirPlacedArea area = lab::emptyRecord<NadirPlacedArea>();
   found(nadir_settings_fill(&settings, &made));
+  uint32_t range;
+  found(nadir_road_range(&made, &settings, 2000, &range));
   NadirRoad* const road = roadOf(made, settings);
   found(nadir_road_context(road, &context));
   found(nadir_road_area(road, 0, &area));

@@ -92,6 +92,38 @@ Fingerprint given() {
   return hash;
 }
 
+// All checks, refined and not, with pictures of half the size.
+Fingerprint matchedAgain() {
+  Fingerprint hash;
+  for (const uint32_t grid : lab::bothGrids)
+    for (const uint32_t check : {NADIR_CHECK_NONE, NADIR_CHECK_FLIP, NADIR_CHECK_SIDES, NADIR_CHECK_BOTH})
+      for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122}) {
+        lab::RoadPlan plan = somePlan();
+        plan.settings.grid = grid;
+        plan.settings.check = check;
+        plan.settings.range = range;
+        plan.settings.refine = range == NADIR_RANGE_61 ? NADIR_REFINE_SURFACE : NADIR_REFINE_NONE;
+        NadirFrame frame = someFrame();
+        frame.mask = check == NADIR_CHECK_BOTH ? somePair().mask.data() : nullptr;
+        frame.mask_stride = somePair().width;
+        addFoundAndPoints(hash, plan, frame);
+      }
+  return hash;
+}
+
+Fingerprint ranges() {
+  Fingerprint hash;
+  lab::RoadPlan plan = somePlan();
+  for (plan.camera.width_px = 100; plan.camera.width_px < 900; plan.camera.width_px *= 2)
+    for (plan.camera.tilt_deg = -60; plan.camera.tilt_deg <= 60; plan.camera.tilt_deg += 30)
+      for (double tallest = 0; tallest < plan.camera.height_mm; tallest += 100) {
+        uint32_t range;
+        lab::demand(nadir_road_range(&plan.camera, &plan.settings, tallest, &range));
+        hash.add(range);
+      }
+  return hash;
+}
+
 Fingerprint setUp() {
   const lab::RoadPlan plan = somePlan();
   const lab::Road road(plan);
@@ -148,6 +180,8 @@ std::vector<Case> groundCases() {
           {"RoadMasked", masked},
           {"RoadOfEightBits", ofEightBits},
           {"RoadWithoutHoles", withoutHoles},
+          {"RoadMatchedAgain", matchedAgain},
+          {"RoadRanges", ranges},
           {"RoadGiven", given},
           {"RoadTracked", tracked}};
 }

@@ -19,8 +19,9 @@ ROWS = {
         "zero_inside zero_outside add subtract multiply shift_left shift_right_u16 shift_right_s16 divide_u16 divide_s16"
         " keep_set_u8 clear_set_u8 keep_set_u16 clear_set_u16",
     "Gauss, pull-push, halving, averages over time": "gauss_across gauss_down pull push halve mean",
-    "the road: pictures, points, cells, ranks":
-        "take16 take8 mirror16 mirror8 mirror_mask pixels_of pixels_given place ranked",
+    "the road: pictures, opinions, points, cells, ranks":
+        "take16 take8 mirror16 mirror8 mirror_mask mirror_codes halve_known agree close mean_close pixels_of pixels_given"
+        " place ranked",
 }
 
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <list>
 
 #include "ground/kernels/kernels.hpp"
 #include "tests/kernels/harness.hpp"
@@ -11,8 +12,18 @@
 namespace nadir::test {
 namespace {
 
+using ground::agreement;
+using ground::AgreeRow;
+using ground::closeness;
+using ground::CloseRow;
+using ground::CodeRow;
+using ground::HalveRow;
 using ground::leastDisparity;
 using ground::MaskRow;
+using ground::MeanRow;
+using ground::nearby;
+using ground::nearbySide;
+using ground::NearRows;
 using ground::noCell;
 using ground::PictureRow;
 using ground::PixelsOfGiven;
@@ -52,6 +63,145 @@ void checkMirrorMask(Check& check, MaskRow, MaskRow tested) {
     std::reverse_copy(src.begin(), src.end(), want.data());
     tested(src.data(), got.data(), n);
     check.equal("pixel", want, got);
+  });
+}
+
+void checkMirrorCodes(Check& check, CodeRow, CodeRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const Guarded<uint32_t> src(filled<uint32_t>(check.random, fill, n, 0, 0xFFFFFFFF), side);
+    Output<uint32_t> want(n, side), got(n, side);
+    std::reverse_copy(src.begin(), src.end(), want.data());
+    tested(src.data(), got.data(), n);
+    check.equal("code", want, got);
+  });
+}
+
+uint16_t meanOfKnown(const std::vector<uint16_t>& block) {
+  uint32_t sum = 0, count = 0;
+  for (const uint16_t pixel : block) sum += pixel, count += pixel != 0;
+  return static_cast<uint16_t>(count ? (sum + count / 2) / count : 0);
+}
+
+// A third of the pixels has no data.
+std::vector<uint16_t> withHoles(lab::Random& random, std::vector<uint16_t> pixels) {
+  for (uint16_t& pixel : pixels)
+    if (random.below(3) == 0) pixel = 0;
+  return pixels;
+}
+
+void checkHalve(Check& check, HalveRow, HalveRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const auto row = [&] { return withHoles(check.random, filled<uint16_t>(check.random, fill, 2 * n, 0, 65535)); };
+    const Guarded<uint16_t> top(row(), side), bottom(row(), side);
+    Output<uint16_t> want(n, side), got(n, side);
+    for (size_t i = 0; i < n; ++i)
+      want.data()[i] = meanOfKnown({top[2 * i], top[2 * i + 1], bottom[2 * i], bottom[2 * i + 1]});
+    tested(top.data(), bottom.data(), got.data(), n);
+    check.equal("pixel", want, got);
+  });
+}
+
+// ---- opinions ----
+
+// Disparities of a surface that wanders by a few sixteenths, with holes and steps.
+std::vector<uint16_t> surface(lab::Random& random, size_t n, uint32_t wander) {
+  std::vector<uint16_t> row(n);
+  uint32_t base = 32 + random.below(900);
+  for (uint16_t& d : row) {
+    if (random.below(9) == 0) base = 32 + random.below(3900);
+    d = static_cast<uint16_t>(random.below(5) == 0 ? 0 : base + random.below(wander));
+  }
+  return row;
+}
+
+uint32_t apart(uint16_t a, uint16_t b) { return static_cast<uint32_t>(std::abs(int32_t{a} - int32_t{b})); }
+
+void checkAgree(Check& check, AgreeRow, AgreeRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const std::vector<uint16_t> before = surface(check.random, n, 40);
+    std::vector<uint16_t> opinion = filled<uint16_t>(check.random, fill, n, 0, 65535);
+    for (size_t i = 0; i < n; ++i)
+      if (check.random.below(4)) opinion[i] = static_cast<uint16_t>(before[i] + check.random.below(60));
+    const Guarded<uint16_t> other(opinion, side);
+    Output<uint16_t> want(n, side), own(n, side);
+    own.set(before);
+    for (size_t i = 0; i < n; ++i) {
+      const bool agreed = before[i] && other[i] && apart(before[i], other[i]) <= agreement;
+      want.data()[i] = static_cast<uint16_t>(agreed ? std::nearbyint((before[i] + other[i]) / 2.0) : 0);
+    }
+    tested(other.data(), own.data(), n);
+    check.equal("disparity", want, own);
+  });
+}
+
+bool areClose(uint16_t a, uint16_t b) { return a && b && apart(a, b) <= closeness; }
+
+// What a pixel's stretch of a row says more than it does, and how many pixels say it.
+struct Stretch {
+  int32_t more = 0;
+  uint32_t count = 0;
+};
+
+Stretch stretchOf(const uint16_t* row, size_t i) {
+  Stretch stretch;
+  for (size_t k = i; k < i + nearbySide; ++k)
+    if (areClose(row[i + nearby], row[k])) stretch.more += row[k] - row[i + nearby], ++stretch.count;
+  return stretch;
+}
+
+void checkClose(Check& check, CloseRow, CloseRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
+    const Guarded<uint16_t> row(surface(check.random, n + 2 * nearby, 20), side);
+    Output<uint16_t> wantMore(n, side), wantCount(n, side), more(n, side), count(n, side);
+    for (size_t i = 0; i < n; ++i) {
+      const Stretch stretch = stretchOf(row.data(), i);
+      wantMore.data()[i] = static_cast<uint16_t>(stretch.more);
+      wantCount.data()[i] = static_cast<uint16_t>(stretch.count);
+    }
+    tested(row.data(), n, more.data(), count.data());
+    check.equal("sum", wantMore, more);
+    check.equal("count", wantCount, count);
+  });
+}
+
+// The mean over what the column's close pixels are close to.
+uint16_t meanAround(const std::vector<std::vector<uint16_t>>& rows, size_t i, uint16_t least) {
+  const uint16_t own = rows[nearby][i + nearby];
+  int64_t sum = 0, count = 0;
+  for (const std::vector<uint16_t>& row : rows) {
+    if (!areClose(own, row[i + nearby])) continue;
+    const Stretch stretch = stretchOf(row.data(), i);
+    sum += stretch.more + int64_t{row[i + nearby] - own} * stretch.count;
+    count += stretch.count;
+  }
+  if (count == 0 || count < least) return 0;
+  return static_cast<uint16_t>(own + std::nearbyint(static_cast<double>(sum) / static_cast<double>(count)));
+}
+
+void checkMean(Check& check, MeanRow, MeanRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
+    const auto base = surface(check.random, n + 2 * nearby, 16);
+    std::vector<std::vector<uint16_t>> rows(nearbySide, base);
+    std::list<Guarded<uint16_t>> known, sums, counts;
+    NearRows around;
+    for (size_t k = 0; k < nearbySide; ++k) {
+      for (uint16_t& d : rows[k])
+        d = static_cast<uint16_t>(d && check.random.below(6) ? d + check.random.below(12) : 0);
+      std::vector<uint16_t> more(n), count(n);
+      for (size_t i = 0; i < n; ++i) {
+        const Stretch stretch = stretchOf(rows[k].data(), i);
+        more[i] = static_cast<uint16_t>(stretch.more), count[i] = static_cast<uint16_t>(stretch.count);
+      }
+      known.emplace_back(std::vector<uint16_t>(rows[k].begin() + nearby, rows[k].end() - nearby), side);
+      sums.emplace_back(more, side), counts.emplace_back(count, side);
+      around.disparity[k] = known.back().data(), around.more[k] = sums.back().data(),
+      around.count[k] = counts.back().data();
+    }
+    const auto least = static_cast<uint16_t>(check.random.below(30));
+    Output<uint16_t> want(n, side), got(n, side);
+    for (size_t i = 0; i < n; ++i) want.data()[i] = meanAround(rows, i, least);
+    tested(around, n, least, got.data());
+    check.equal("mean", want, got);
   });
 }
 
@@ -342,6 +492,45 @@ void benchMirrorMask(MaskRow kernel) {
   forRows([=](size_t) { kernel(in.data(), out.data(), benchWidth); });
 }
 
+void benchMirrorCodes(CodeRow kernel) {
+  static const std::vector<uint32_t> in(benchWidth, 1);
+  static std::vector<uint32_t> out(benchWidth);
+  forRows([=](size_t) { kernel(in.data(), out.data(), benchWidth); });
+}
+
+void benchHalve(HalveRow kernel) {
+  for (size_t y = 0; y < benchHeight / 2; ++y)
+    kernel(benchPixels().data(), benchPixels().data(), benchOutput().data(), benchWidth / 2);
+}
+
+const std::vector<uint16_t>& benchSurface() {
+  static const std::vector<uint16_t> row = [] {
+    lab::Random random(5);
+    return surface(random, benchWidth + 2 * nearby, 16);
+  }();
+  return row;
+}
+
+void benchAgree(AgreeRow kernel) {
+  forRows([=](size_t) { kernel(benchSurface().data(), benchOutput().data(), benchWidth); });
+}
+
+void benchClose(CloseRow kernel) {
+  static std::vector<uint16_t> count(benchWidth);
+  forRows([=](size_t) { kernel(benchSurface().data(), benchWidth, benchOutput().data(), count.data()); });
+}
+
+void benchMean(MeanRow kernel) {
+  static const std::vector<uint16_t> more(benchWidth, 20), count(benchWidth, 5);
+  NearRows rows;
+  for (int k = 0; k < nearbySide; ++k) {
+    rows.disparity[k] = benchSurface().data() + nearby;
+    rows.more[k] = more.data();
+    rows.count[k] = count.data();
+  }
+  forRows([&](size_t) { kernel(rows, benchWidth, 12, benchOutput().data()); });
+}
+
 std::vector<float>& benchDisparities() {
   static std::vector<float> row(benchWidth);
   return row;
@@ -397,6 +586,16 @@ void addRoadCases(Registry& r) {
       r, "mirror8", [](unsigned c) { return roadKernels(c).mirror8; }, checkPicture<uint8_t, true>, benchPicture);
   addModelled<MaskRow>(
       r, "mirror_mask", [](unsigned c) { return roadKernels(c).mirrorMask; }, checkMirrorMask, benchMirrorMask);
+  addModelled<CodeRow>(
+      r, "mirror_codes", [](unsigned c) { return roadKernels(c).mirrorCodes; }, checkMirrorCodes, benchMirrorCodes);
+  addModelled<HalveRow>(
+      r, "halve_known", [](unsigned c) { return roadKernels(c).halve; }, checkHalve, benchHalve);
+  addModelled<AgreeRow>(
+      r, "agree", [](unsigned c) { return roadKernels(c).agree; }, checkAgree, benchAgree);
+  addModelled<CloseRow>(
+      r, "close", [](unsigned c) { return roadKernels(c).close; }, checkClose, benchClose);
+  addModelled<MeanRow>(
+      r, "mean_close", [](unsigned c) { return roadKernels(c).mean; }, checkMean, benchMean);
   addModelled<PixelsOfStored>(
       r, "pixels_of", [](unsigned c) { return roadKernels(c).pixelsOf; }, checkPixelsOf, benchPixelsOf);
   addModelled<PixelsOfGiven>(

@@ -48,7 +48,7 @@ void addShares(Ranges& ranges, const std::string& kind, const Pair& pair, const 
   ranges["cut off"][kind].add(t.cut_off);
   ranges["below the ground"][kind].add(t.below_ground);
   if (camera) {
-    const MapView map = mapView(contextOf(*camera), 0, pair.left.width, pair.left.height);
+    const MapView map = mapView(contextOf(*camera), 0, largestDisparityOf(0), pair.left.width, pair.left.height);
     ranges["map seen, of the best place's"][kind].add(map.seen / map.bestSeen);
   }
   for (const NadirWarning& w : j.warnings) {

@@ -285,10 +285,10 @@ TEST(MatchedShares, CountWhatCanHaveADisparity) {
   raw.at(6, 5) = 0;        // filled by the clean-up
   reference.at(7, 5) = 0;  // no data
   mask.at(8, 5) = 1;
-  cleaned.at(4, 4) = rangeEnd;  // beside the hole
-  cleaned.at(12, 4) = rangeEnd;
+  cleaned.at(4, 4) = rangeEndOf(0);  // beside the hole
+  cleaned.at(12, 4) = rangeEndOf(0);
   const MatchedPictures pictures{
-      raw.pixels.data(), cleaned.pixels.data(), reference.pixels.data(), mask.pixels.data(), 20, 10};
+      raw.pixels.data(), cleaned.pixels.data(), reference.pixels.data(), mask.pixels.data(), 20, 10, rangeEndOf(0)};
   const MatchedShares shares = matchedShares(pictures, nullptr);
   EXPECT_EQ(200u, shares.pixels);
   EXPECT_EQ(14u * 6 - 2, shares.able);
@@ -305,26 +305,26 @@ TEST(MatchedShares, CountWhatCanHaveADisparity) {
 
 TEST(MapView, TopsAreWhereTheRangeEnds) {
   const StereoCtx context = contextOf(camera);
-  const MapView view = mapView(context, 0, width, height);
+  const MapView view = mapView(context, 0, largestDisparityOf(0), width, height);
   EXPECT_GT(view.seen, 0.5);
   // A point as high as the least top has the largest disparity at that place, and none that is seen has more.
   EXPECT_LT(view.leastTop, view.mostTop);
   const StereoCtx down = contextOf(mounted(3000, 0, 0));
   const double nearest = 250 * 130 / 61.5;
-  EXPECT_NEAR(3000 - nearest, mapView(down, 0, width, height).leastTop, 0.01);
-  EXPECT_NEAR(3000 - 250 * 130 / 71.5, mapView(down, 10, width, height).mostTop, 0.01);
+  EXPECT_NEAR(3000 - nearest, mapView(down, 0, largestDisparityOf(0), width, height).leastTop, 0.01);
+  EXPECT_NEAR(3000 - 250 * 130 / 71.5, mapView(down, 10, largestDisparityOf(0), width, height).mostTop, 0.01);
 }
 
 TEST(MapView, WhatItOffersIsSeen) {
   CameraNumbers c = camera;
   c.offsetX = 9000;
   c.offsetY = -12000;
-  const MapView lost = mapView(contextOf(c), 0, width, height);
+  const MapView lost = mapView(contextOf(c), 0, largestDisparityOf(0), width, height);
   EXPECT_EQ(0, lost.seen);
   EXPECT_TRUE(std::isnan(lost.leastTop));
   c.offsetX += lost.offsetX;
   c.offsetY += lost.offsetY;
-  const MapView found = mapView(contextOf(c), 0, width, height);
+  const MapView found = mapView(contextOf(c), 0, largestDisparityOf(0), width, height);
   EXPECT_NEAR(lost.bestSeen, found.seen, 0.01);
   EXPECT_GT(found.seen, 0.5);
 }
@@ -391,7 +391,7 @@ TEST(Trust, GivenDisparitiesAreJudgedByTheGroundAlone) {
   NadirTrust trust;
   for (const double turn : {0.0, 20.0}) {
     const StereoCtx context = contextOf(mounted(3000, -30 + turn, 0));
-    const MountView mount{&context, 0, mapView(context, 0, width, height)};
+    const MountView mount{&context, 0, mapView(context, 0, largestDisparityOf(0), width, height)};
     const ViewDisparities view{disparity.pixels.data(), nullptr, 0, width, height};
     const size_t count = judge(nullptr, &mount, view, blocks.data(), trust, warnings);
     ASSERT_EQ(turn == 0 ? 0u : 1u, count);

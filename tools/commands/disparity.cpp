@@ -38,6 +38,9 @@ Pair readInputs(const DisparityOptions& options, StageTimes& times) {
 TextChunks texts(const DisparityOptions& options) {
   TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.match.view);
   texts["nadir:uniqueness"] = std::to_string(options.match.uniqueness);
+  texts["nadir:check"] = wordOf(checkWords(), options.match.check);
+  texts["nadir:refine"] = wordOf(refineWords(), options.match.refine);
+  texts["nadir:range"] = wordOf(rangeWords(), options.match.range);
   texts["nadir:post-processing"] = options.match.noPostprocessing ? "no" : "yes";
   return texts;
 }
@@ -119,7 +122,9 @@ void addDisparityCommand(CLI::App& app) {
   addMaskOption(*command, options->mask,
                 "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 get "
                 "no disparity (default: none)");
-  addAccuracyOptions(*command, options->match);
+  addAccuracyOptions(*command, options->match, rangeWordsOfPairs(),
+                     "The largest disparity that is found, pixels: 61; 122, which matches pictures of half the size "
+                     "too; 244, and of a quarter (default: {default})");
   addRawOption(*command, options->match.noPostprocessing);
   addStrictOption(*command, options->strict);
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");

@@ -251,7 +251,13 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
                 "View that is measured, left or right; its camera is the world's origin (default: left)");
   addUniquenessOption(command, options.match.uniqueness, "As for nadir disparity, {range} (default: {default})")
       ->excludes(given);
-  for (CLI::Option* option : addAccuracyOptions(command, options.match)) option->excludes(given);
+  const char* range =
+      "The largest disparity that is found, pixels: 61; 122, which matches pictures of half the size too; 244, and of "
+      "a quarter; auto, the least that measures things of --tallest all over the map (default: {default})";
+  for (CLI::Option* option : addAccuracyOptions(command, options.match, rangeWords(), range)) option->excludes(given);
+  addNumber(command, "--tallest", options.tallestMm, numberFrom(0, 65534),
+            "Height of the tallest things, for --range auto, {range} (default: {default})", "MM")
+      ->excludes(given);
   addMaskOption(command, options.mask,
                 "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
       ->excludes(given);

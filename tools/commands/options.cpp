@@ -41,7 +41,8 @@ CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const 
   return addNumber(command, "--uniqueness", uniqueness, wholeNumberFrom(0, 128), help, "N");
 }
 
-std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options) {
+std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options, const Words& ranges,
+                                             const char* rangeHelp) {
   return {
       addWord(command, "--check", checkWords(), options.check,
               "Match again to tell guesses from measurements: flip, both pictures upside down; sides, from the other "
@@ -51,10 +52,7 @@ std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& op
               "What disparities become: surface, the mean of those nearby that lie on the same surface, and none "
               "where there are too few; none, they stay (default: {default})",
               "HOW"),
-      addWord(command, "--range", rangeWords(), options.range,
-              "The largest disparity that is found, pixels: 61; 122, which matches pictures of half the size too; "
-              "244, and of a quarter; auto (default: {default})",
-              "PIXELS")};
+      addWord(command, "--range", ranges, options.range, rangeHelp, "PIXELS")};
 }
 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help) {

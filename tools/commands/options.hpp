@@ -42,8 +42,10 @@ CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, 
 }
 
 CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help);
-// --check, --refine and --range.
-std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options);
+
+// --check, --refine and --range, which takes one of these words.
+std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options, const Words& ranges,
+                                             const char* rangeHelp);
 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help);
 CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);

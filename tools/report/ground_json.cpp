@@ -14,6 +14,17 @@ Json disparitiesJson(const NadirPixelCounts& counts, size_t pixels) {
   return {{"pixels", pixels}, {"with_value", counts.value}, {"share", shareJson(counts.value, pixels)}};
 }
 
+// Null where the disparities were given.
+Json matchingJson(const Road& road) {
+  if (!road.options.disparity.empty()) return Json();
+  const NadirSettings& s = road.settings;
+  return {{"uniqueness", s.uniqueness},
+          {"check", wordOf(checkWords(), s.check)},
+          {"refine", wordOf(refineWords(), s.refine)},
+          {"range_px", s.range},
+          {"post_processing", s.postprocess != 0}};
+}
+
 Json mapJson(const Road& road, const NadirFindings& findings) {
   const MapHeights heights = heightsOf(gridOf<uint16_t>(findings.heights));
   const NadirPlane& map = findings.heights;
@@ -122,6 +133,7 @@ std::string groundJson(const Road& road, const PairResult& result, const Warning
                {"trust", trustJson(*findings.trust)},
                {"camera", cameraJson(road.camera)},
                {"view", nameOf(road.options.match.view)},
+               {"matching", matchingJson(road)},
                {"disparity", disparitiesJson(*findings.pixels, result.picture.pixels.size())},
                {"points", findings.points},
                {"map", mapJson(road, findings)},

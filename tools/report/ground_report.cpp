@@ -15,11 +15,19 @@ namespace {
 // Nothing is no part of nothing, where a table has to say something.
 double percent(size_t part, size_t whole) { return 100 * shareOf(part, whole, 0); }
 
-void addMap(Table& table, const PairResult& result) {
+// How high things are measured all over the map.
+std::string topText(const NadirTrust& trust) {
+  if (std::isnan(trust.least_top_mm)) return "px";
+  return format("px; measures up to %.0f mm above the ground", trust.least_top_mm);
+}
+
+void addMap(Table& table, const Road& road, const PairResult& result) {
   const NadirFindings& f = result.findings;
   const MapHeights heights = heightsOf(gridOf<uint16_t>(f.heights));
   const size_t cells = size_t{f.heights.width} * f.heights.height;
   table.line("pixels with a disparity", percent(f.pixels->value, result.picture.pixels.size()), "%");
+  if (result.given.pixels.empty())
+    table.line("largest disparity that is found", road.settings.range, topText(*f.trust));
   table.line("points over the map", percent(f.points_inside, f.points), "%");
   table.line("seen cells of " + sizeText(f.heights.width, f.heights.height), percent(f.seen_cells, cells), "%");
   if (f.filled_cells > 0) table.line("filled cells", percent(f.filled_cells, cells), "%");
@@ -81,7 +89,7 @@ std::string groundTable(const Road& road, const PairResult& result, const StageT
   table.heading("stage", "time");
   times.addTo(table);
   table.gap();
-  addMap(table, result);
+  addMap(table, road, result);
   addPlane(table, road.camera, result);
   if (road.findsRegions()) addRegions(table, road, findings);
   for (uint32_t i = 0; i < findings.area_count; ++i)

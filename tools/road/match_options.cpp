@@ -11,6 +11,13 @@ NadirSettings usualSettings() {
   return settings;
 }
 
+MatchOptions matchOptionsOfMaps() {
+  MatchOptions options;
+  options.check = NADIR_CHECK_FLIP;
+  options.range = automaticRange;
+  return options;
+}
+
 const Words& checkWords() {
   static const Words words = {
       {"none", NADIR_CHECK_NONE}, {"flip", NADIR_CHECK_FLIP}, {"sides", NADIR_CHECK_SIDES}, {"both", NADIR_CHECK_BOTH}};
@@ -19,6 +26,11 @@ const Words& checkWords() {
 
 const Words& refineWords() {
   static const Words words = {{"none", NADIR_REFINE_NONE}, {"surface", NADIR_REFINE_SURFACE}};
+  return words;
+}
+
+const Words& rangeWordsOfPairs() {
+  static const Words words = {{"61", NADIR_RANGE_61}, {"122", NADIR_RANGE_122}, {"244", NADIR_RANGE_244}};
   return words;
 }
 

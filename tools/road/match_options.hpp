@@ -17,13 +17,16 @@ struct MatchOptions {
   View view = View::left;
   bool noPostprocessing = false;
   uint32_t uniqueness = usualSettings().uniqueness;
-  uint32_t check = usualSettings().check;    // NADIR_CHECK_...
-  uint32_t refine = usualSettings().refine;  // NADIR_REFINE_...
-  uint32_t range = usualSettings().range;    // NADIR_RANGE_..., or automaticRange
+  uint32_t check = usualSettings().check;  // NADIR_CHECK_...
+  uint32_t refine = NADIR_REFINE_SURFACE;  // NADIR_REFINE_...; it costs little and mends more than it empties
+  uint32_t range = usualSettings().range;  // NADIR_RANGE_..., or automaticRange
 };
 
 // The least range that measures the tallest things over the map.
 constexpr uint32_t automaticRange = 0;
+
+// What maps are made with: a wrong height costs more than a hole.
+MatchOptions matchOptionsOfMaps();
 
 // A word that a user says, and the library's number for it.
 struct Word {
@@ -34,7 +37,8 @@ using Words = std::vector<Word>;
 
 const Words& checkWords();
 const Words& refineWords();
-const Words& rangeWords();
+const Words& rangeWords();         // all of them
+const Words& rangeWordsOfPairs();  // those that need no camera
 
 // The word of a number, and the number of a word, which must be among them.
 std::string wordOf(const Words& words, uint32_t number);

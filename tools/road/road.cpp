@@ -53,6 +53,13 @@ NadirCamera cameraRecord(const Camera& c) {
           c.tiltDeg,           c.panDeg,  c.mapOffsetXMm, c.mapOffsetYMm};
 }
 
+// What is wrong with the camera is told when the road is made.
+uint32_t rangeFor(double tallestMm, const NadirCamera& camera, NadirSettings settings) {
+  uint32_t range = settings.range = NADIR_RANGE_61;
+  nadir_road_range(&camera, &settings, tallestMm, &range);
+  return range;
+}
+
 NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& camera) {
   NadirSettings s;
   nadir_settings_fill(&s, &camera);
@@ -64,6 +71,7 @@ NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& came
   s.min_height_mm = options.minHeightMm.value_or(s.min_height_mm);
   s.max_step_mm = options.maxStepMm.value_or(s.max_step_mm);
   s.min_area_m2 = options.minAreaM2.value_or(s.min_area_m2);
+  if (options.match.range == automaticRange) s.range = rangeFor(options.tallestMm, camera, s);
   return s;
 }
 

@@ -25,7 +25,8 @@ void expect(NadirStatus status);
 struct RoadOptions {
   std::string camera, mask, disparity, areas;
   double disparityScale = 0;  // of the given disparities; 0: what their file says
-  MatchOptions match;
+  MatchOptions match = matchOptionsOfMaps();
+  double tallestMm = 2000;  // above the ground: what an automatic range must measure
   double percentile = usualSettings().percentile;
   uint32_t minPoints = usualSettings().min_points;
   double fillHolesM2 = usualSettings().fill_holes_m2;

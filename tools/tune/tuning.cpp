@@ -67,16 +67,16 @@ MatchSample matchSample(const std::string& folder) {
   return sample;
 }
 
-Grid<float> disparitiesOf(const Pair& pair, uint32_t uniqueness) {
+Grid<float> disparitiesOf(const Pair& pair, const MatchOptions& options) {
   StageTimes times;
-  MatchOptions options;
-  options.uniqueness = uniqueness;
   return unpacked(matched(pair, {}, options, times).disparity, SGM_DISP_SCALE);
 }
 
 Objective matchObjective(const std::vector<std::string>& folders, const Judge& judge) {
   return meanOf(readAll<MatchSample>(folders, matchSample), [judge](const MatchSample& sample, uint32_t uniqueness) {
-    return scoreOf(disparitiesOf(sample.pair, uniqueness), sample.truth, judge);
+    MatchOptions options;
+    options.uniqueness = uniqueness;
+    return scoreOf(disparitiesOf(sample.pair, options), sample.truth, judge);
   });
 }
 
@@ -94,11 +94,13 @@ MapSample mapSample(const std::string& folder) {
   const std::string path = folder + "/elevation_gt.png";
   sample.options.camera = folder + "/camera.toml";
   sample.options.noRegions = true;
-  sample.disparity = disparitiesOf(pair, usualSettings().uniqueness);
   sample.truth = readHeights(path).heights;
   const Road road = roadOf(sample.options);
   checkSize(pair, road);
   checkTruth(sample.truth, Grid<uint8_t>(road.camera.mapWidthCells, road.camera.mapHeightCells), path);
+  MatchOptions options = sample.options.match;
+  options.range = road.settings.range;
+  sample.disparity = disparitiesOf(pair, options);
   return sample;
 }
 

@@ -510,7 +510,7 @@ TEST(OnStage, IsCalledAsEachStageBeginsAndAtTheEnd) {
   const Road road = makeRoad(smallCamera(), defaultSettings(smallCamera()));
   processed(road, frame, makeResult(road));
   EXPECT_EQ(stages.ends, 1u);
-  const std::vector<std::string> expected = {"mirroring", "census", "matching",       "post-processing",
+  const std::vector<std::string> expected = {"mirroring", "census", "matching",       "checking",
                                              "mirroring", "trust",  "points and map", "regions"};
   EXPECT_EQ(stages.names, expected);
 }
