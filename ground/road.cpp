@@ -135,13 +135,13 @@ NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* se
   return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, areaCount), *road), fault);
 }
 
-NadirStatus nadir_road_range(const NadirCamera* camera, const NadirSettings* settings, double tallest_mm,
+NadirStatus nadir_road_range(const NadirCamera* camera, const NadirSettings* settings, double tallestMm,
                              uint32_t* range) {
   if (!camera || !settings || !range) return NADIR_NULL_POINTER;
   if (const Judgement j = judged(*camera, *settings); j.status) return j.status;
-  if (!(tallest_mm >= 0 && tallest_mm <= 65534)) return NADIR_BAD_SETTING;
+  if (!(tallestMm >= 0 && tallestMm <= 65534)) return NADIR_BAD_SETTING;
   if (settings->until == NADIR_UNTIL_MATCH) return NADIR_NOTHING_FOUND;
-  *range = leastRange(*camera, *settings, tallest_mm);
+  *range = leastRange(*camera, *settings, tallestMm);
   return NADIR_OK;
 }
 

@@ -30,7 +30,7 @@ struct Rows {
   }
 
   NearRows around(int64_t y) const {
-    NearRows rows;
+    NearRows rows = {};
     for (int k = 0; k < nearbySide; ++k) {
       rows.disparity[k] = disparity(y + k - nearby) + nearby;
       rows.more[k] = more(y + k - nearby);

@@ -183,7 +183,7 @@ void checkMean(Check& check, MeanRow, MeanRow tested) {
     const auto base = surface(check.random, n + 2 * nearby, 16);
     std::vector<std::vector<uint16_t>> rows(nearbySide, base);
     std::list<Guarded<uint16_t>> known, sums, counts;
-    NearRows around;
+    NearRows around = {};
     for (size_t k = 0; k < nearbySide; ++k) {
       for (uint16_t& d : rows[k])
         d = static_cast<uint16_t>(d && check.random.below(6) ? d + check.random.below(12) : 0);
@@ -522,7 +522,7 @@ void benchClose(CloseRow kernel) {
 
 void benchMean(MeanRow kernel) {
   static const std::vector<uint16_t> more(benchWidth, 20), count(benchWidth, 5);
-  NearRows rows;
+  NearRows rows = {};
   for (int k = 0; k < nearbySide; ++k) {
     rows.disparity[k] = benchSurface().data() + nearby;
     rows.more[k] = more.data();
