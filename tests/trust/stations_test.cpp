@@ -330,7 +330,7 @@ TEST(MapView, WhatItOffersIsSeen) {
 }
 
 TEST(MapView, OfTheSkyOffersNothing) {
-  const MapView sky = mapView(contextOf(mounted(3000, -120, 0)), 0, width, height);
+  const MapView sky = mapView(contextOf(mounted(3000, -120, 0)), 0, largestDisparityOf(0), width, height);
   EXPECT_EQ(0, sky.bestSeen);
   EXPECT_EQ(0, sky.offsetX);
   EXPECT_EQ(0, sky.offsetY);
