@@ -81,8 +81,11 @@ struct Equations {
 
   void add(const RayPoint& p) {
     const double row[4] = {p.u, p.v, 1, p.w};
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 4; ++j) rows[i][j] += row[i] * row[j];
+    const double* factor = row;
+    for (double(&sums)[4] : rows) {
+      for (int j = 0; j < 4; ++j) sums[j] += *factor * row[j];
+      ++factor;
+    }
   }
 
   double determinant(int x, int y, int z) const {

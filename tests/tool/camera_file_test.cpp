@@ -88,6 +88,32 @@ TEST_F(CameraFile, OutOfRange) {
             "nadir: c.toml:5: width_px: is 4294967376, must lie between 5 and 65535\n");
 }
 
+TEST_F(CameraFile, EveryKeyHasItsRange) {
+  const std::pair<std::string, std::string> ranges[] = {{"baseline_mm = 120", "between 0.01 and 100000"},
+                                                        {"focal_px = 600.5", "between 1 and 100000"},
+                                                        {"principal_x_px = 39.5", "between -65535 and 65535"},
+                                                        {"principal_y_px = 29.5", "between -65535 and 65535"},
+                                                        {"width_px = 80", "between 5 and 65535"},
+                                                        {"height_px = 60", "between 5 and 65535"},
+                                                        {"height_mm = 1500", "between 1 and 1000000"},
+                                                        {"tilt_deg = -30", "between -89.9 and 89.9"},
+                                                        {"width_cells = 16", "between 1 and 4096"},
+                                                        {"height_cells = 16", "between 1 and 4096"},
+                                                        {"cell_mm = 50", "between 1 and 10000"}};
+  for (const auto& [line, range] : ranges) {
+    const std::string key = line.substr(0, line.find(' '));
+    for (const char* value : {"2000000000", "-2000000000"})
+      EXPECT_NE(complaintAfter(line, key + " = " + value).find("must lie " + range + "\n"), std::string::npos) << line;
+  }
+  for (const char* key : {"column_shift_px", "pan_deg"})
+    EXPECT_NE(complaintAfter("[map]", std::string(key) + " = 1e9\n[map]")
+                  .find(key[0] == 'c' ? "between -65535 and 65535\n" : "between -89.9 and 89.9\n"),
+              std::string::npos);
+  for (const char* key : {"offset_x_mm", "offset_y_mm"})
+    EXPECT_NE(complaintAfter("[map]", "[map]\n" + std::string(key) + " = -1e9").find("between -1000000 and 1000000\n"),
+              std::string::npos);
+}
+
 TEST_F(CameraFile, NotANumberAndInfinity) {
   EXPECT_NE(complaintAfter("= 1500", "= nan").find("c.toml:7: height_mm: is nan, must lie between"), std::string::npos);
   EXPECT_NE(complaintAfter("= 1500", "= inf").find("c.toml:7: height_mm: is inf, must lie between"), std::string::npos);

@@ -246,6 +246,10 @@ TEST_F(FrameTimesOfNames, TheFirstFramesTellTheUnit) {
   EXPECT_EQ(guess(regular(0, 2000)), "ms?");
   EXPECT_EQ(guess(regular(0, 2000000)), "us?");
   EXPECT_EQ(guess(regular(0, 2000000000)), "ns?");
+  EXPECT_EQ(guess({0, 1000}), "ms?");
+  EXPECT_EQ(guess({0, 5000}), "us");
+  EXPECT_EQ(guess({0, 1000000}), "us?");
+  EXPECT_EQ(guess({0, 5000000}), "ns");
   EXPECT_EQ(guess(regular(1732199999123456, 33000000)), "us?") << "or nanoseconds, twenty days after the start";
 }
 
@@ -310,6 +314,12 @@ TEST_F(FrameTimesOfNames, TimesOfCenturiesDoNotOverflow) {
   ASSERT_EQ(run("r", {"--times", "s"}).status, 0);
   EXPECT_DOUBLE_EQ(lines("r")[2]["time_s"], 2);
   EXPECT_NEAR(lines("r")[3]["time_s"], 9223372036.854775807, 1e-3);
+}
+
+// At this rate the second frame comes 2 to the power of 63 nanoseconds after the first, one more than is counted.
+TEST_F(FrameTimesOfNames, TheLastNanosecondIsNotPassed) {
+  rename({0, uint64_t{1} << 33});
+  EXPECT_EQ(run("r", {"--fps", "0.931322574615478515625"}).status, 0);
 }
 
 TEST_F(GroundSequence, NumbersHave64Bits) {

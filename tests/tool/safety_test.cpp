@@ -75,7 +75,7 @@ class Calls : public Safety {
   }
   ~Calls() override {
     for (const char* name : {"LD_PRELOAD", "ASAN_OPTIONS", "NADIR_CALLS", "NADIR_FAILING_RENAME", "NADIR_FAILING_LINK",
-                             "NADIR_SHORT_WRITES"})
+                             "NADIR_INTERRUPTED"})
       unsetenv(name);
   }
 
@@ -137,21 +137,22 @@ TEST_F(Calls, AFailedCommitLeavesTheOldResults) {
   }
 }
 
-TEST_F(Calls, WhatIsWrittenInPiecesIsWhole) {
+TEST_F(Calls, WhatIsReadAndWrittenInPiecesIsWhole) {
   makePair();
   ASSERT_EQ(disparity("whole.png").status, 0);
-  setenv("NADIR_SHORT_WRITES", "1", 1);
+  setenv("NADIR_INTERRUPTED", "1", 1);
   ASSERT_EQ(disparity("pieces.png").status, 0);
   EXPECT_EQ(readFile(folder.path("pieces.png")), readFile(folder.path("whole.png")));
 }
 
-TEST_F(Calls, ALogThatIsWrittenInPiecesIsWhole) {
+TEST_F(Calls, ALogThatIsReadAndWrittenInPiecesIsWhole) {
   makeSequence();
   ASSERT_EQ(ground().status, 0);
   const Bytes whole = readFile(folder.path("r/frames.jsonl"));
   fs::remove_all(folder.path("r"));
-  setenv("NADIR_SHORT_WRITES", "1", 1);
+  setenv("NADIR_INTERRUPTED", "1", 1);
   ASSERT_EQ(ground().status, 0);
+  ASSERT_EQ(ground({"--resume"}).status, 0);
   EXPECT_EQ(readFile(folder.path("r/frames.jsonl")), whole);
 }
 
@@ -497,6 +498,15 @@ TEST_F(Safety, DevicesAreRefusedAndPipesAreRead) {
                               "' disparity pipe right.png -o d.png > /dev/null";
   EXPECT_EQ(std::system(command.c_str()), 0);
   EXPECT_EQ(readPng(folder.path("d.png")).width, 96u);
+}
+
+TEST_F(Safety, PipesOfAnyLengthAreRead) {
+  makePair();
+  writeFile(folder.path("long.png"), readFile(folder.path("left.png")) + Bytes(3000000, 'x'));
+  const std::string command = "cd '" + folder.path("") +
+                              "' && mkfifo pipe && { cat long.png > pipe & } && timeout 20 '" NADIR_TOOL
+                              "' disparity pipe right.png -o d.png > /dev/null";
+  EXPECT_EQ(std::system(command.c_str()), 0);
 }
 
 TEST_F(Safety, NumbersOfOptionsAreDecimal) {

@@ -168,6 +168,14 @@ TEST(Blocks, AgreeWithThePlaneTheyAreOn) {
   EXPECT_EQ(blocks.size(), agreementOf(expectedGround(low, 0), blocks.data(), blocks.size()).below);
 }
 
+TEST(Blocks, ScatterByWhatTheyAreOffIt) {
+  const DisparityPlane level{0, 0, 20};  // with a tolerance of 0.3
+  const Block blocks[] = {{4, 4, 20.15f}, {12, 4, 19.85f}, {20, 4, 30}};
+  EXPECT_NEAR(0.5, agreementOf(level, blocks, 3).scatter, 1e-5);
+  EXPECT_EQ(0, agreementOf(level, blocks + 2, 1).scatter);
+  EXPECT_EQ(0u, agreementOf({0, 0, 0}, blocks, 3).blocks) << "beyond the horizon";
+}
+
 // Straight down all disparities are 12.04 pixels, stored as 12 1/16: 0.26 percent, 7 mm.
 TEST(GroundSearch, FindsTheGroundAtEveryTilt) {
   for (const double tilt : {-70.0, -45.0, 0.0, 30.0, 60.0})

@@ -1,5 +1,5 @@
 /* Loaded before the C library: writes down which files a program brings to the disk, renames, or opens so that its
- * children would have them, and lets renaming, linking and writing do less than is asked of them. */
+ * children would have them, and lets renaming, linking, reading and writing do less than is asked of them. */
 #define _GNU_SOURCE
 #include <errno.h>
 #include <fcntl.h>
@@ -73,9 +73,20 @@ int link(const char* from, const char* to) {
   return (int)syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
-/* Every other writing stops after the first byte. */
+/* Of four calls one is interrupted and one gets a byte alone, where the environment says so. */
+static int isInterrupted(size_t* count) {
+  static unsigned calls = 0;
+  if (!getenv("NADIR_INTERRUPTED")) return 0;
+  ++calls;
+  if (calls % 4 == 1 && *count > 1) *count = 1;
+  errno = EINTR;
+  return calls % 4 == 3;
+}
+
 ssize_t write(int file, const void* bytes, size_t count) {
-  static int calls = 0;
-  if (getenv("NADIR_SHORT_WRITES") && ++calls % 2 == 1 && count > 1) count = 1;
-  return syscall(SYS_write, file, bytes, count);
+  return isInterrupted(&count) ? -1 : syscall(SYS_write, file, bytes, count);
+}
+
+ssize_t read(int file, void* bytes, size_t count) {
+  return isInterrupted(&count) ? -1 : syscall(SYS_read, file, bytes, count);
 }
