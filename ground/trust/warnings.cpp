@@ -104,11 +104,13 @@ bool listGround(const Evidence& e, List& list) {
   return true;
 }
 
+constexpr uint32_t mostNumbers = sizeof NadirWarning::numbers / sizeof(double);
+
 struct Description {
   const char* name;
   const char* sentence;
-  const char* numbers[4];
-  double scales[4];
+  const char* numbers[mostNumbers];
+  double scales[mostNumbers];
 };
 
 constexpr Description descriptions[NADIR_WARNINGS] = {
@@ -181,7 +183,7 @@ const char* nadir_warning_name(uint32_t id) {
 
 const char* nadir_warning_number_name(uint32_t id, uint32_t number) {
   const auto* d = descriptionOf(id);
-  return d && number < 4 ? d->numbers[number] : nullptr;
+  return d && number < nadir::ground::mostNumbers ? d->numbers[number] : nullptr;
 }
 
 const char* nadir_warning_sentence(uint32_t id) {
@@ -191,5 +193,5 @@ const char* nadir_warning_sentence(uint32_t id) {
 
 double nadir_warning_scale(uint32_t id, uint32_t number) {
   const auto* d = descriptionOf(id);
-  return d && number < 4 && d->numbers[number] ? d->scales[number] : 1;
+  return d && number < nadir::ground::mostNumbers && d->numbers[number] ? d->scales[number] : 1;
 }

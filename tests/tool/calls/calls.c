@@ -73,20 +73,20 @@ int link(const char* from, const char* to) {
   return (int)syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
-/* Of four calls one is interrupted and one gets a byte alone, where the environment says so. */
-static int isInterrupted(size_t* count) {
-  static unsigned calls = 0;
+/* Where the environment says so, of three calls one is interrupted and the next gets a byte alone. */
+static int isInterrupted(unsigned call, size_t* count) {
   if (!getenv("NADIR_INTERRUPTED")) return 0;
-  ++calls;
-  if (calls % 4 == 1 && *count > 1) *count = 1;
+  if (call % 3 == 1 && *count > 1) *count = 1;
   errno = EINTR;
-  return calls % 4 == 3;
+  return call % 3 == 0;
 }
 
 ssize_t write(int file, const void* bytes, size_t count) {
-  return isInterrupted(&count) ? -1 : syscall(SYS_write, file, bytes, count);
+  static unsigned calls = 0;
+  return isInterrupted(calls++, &count) ? -1 : syscall(SYS_write, file, bytes, count);
 }
 
 ssize_t read(int file, void* bytes, size_t count) {
-  return isInterrupted(&count) ? -1 : syscall(SYS_read, file, bytes, count);
+  static unsigned calls = 0;
+  return isInterrupted(calls++, &count) ? -1 : syscall(SYS_read, file, bytes, count);
 }
