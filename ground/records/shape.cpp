@@ -27,7 +27,10 @@ uint32_t mostRegions(const NadirCamera& camera, const NadirSettings& settings) {
 }  // namespace
 
 Shape shapeOf(const NadirCamera& camera, const NadirSettings& settings, uint32_t areaCount) {
-  Shape shape{camera.width_px, camera.height_px, 0, 0, settings.until, 0, 0, 0};
+  Shape shape{};
+  shape.width = camera.width_px;
+  shape.height = camera.height_px;
+  shape.until = settings.until;
   if (shape.hasMap()) {
     shape.mapWidth = camera.map_width_cells;
     shape.mapHeight = camera.map_height_cells;

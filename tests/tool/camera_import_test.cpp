@@ -219,6 +219,13 @@ TEST_F(CameraImport, BadRosPairs) {
   expectRosRefused(ros("left", rosLeft), replaced(ros("right", rosRight), "240.25", "238"),
                    "r.yaml:8: projection_matrix: has another focal length or principal row than the left camera");
   expectRosRefused(ros("left", rosLeft), "image_width: 640\n", "r.yaml:1: projection_matrix: is missing");
+  const auto wide = [](const char* width) { return replaced(ros("left", rosLeft), "640", width); };
+  for (const char* width : {"0", "65536", "640.5"})
+    expectRosRefused(wide(width), ros("right", rosRight), "l.yaml:1: image_width: is no number of pixels");
+  for (const std::string width : {"1", "65535"})
+    expectRosRefused(
+        wide(width.c_str()), ros("right", rosRight),
+        "the pictures differ in size: those of l.yaml are " + width + " x 480 pixels, those of r.yaml 640 x 480");
 }
 
 }  // namespace
