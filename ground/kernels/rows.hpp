@@ -68,7 +68,8 @@ struct RoadRows {
       const uint16_t a = own[i], b = other[i];
       const uint16_t floor = static_cast<uint16_t>((a & b) + ((a ^ b) >> 1));
       const uint16_t even = static_cast<uint16_t>(floor + ((a ^ b) & floor & 1));
-      own[i] = (a != 0) & (b != 0) & (difference(a, b) <= agreement) ? even : uint16_t{0};
+      const bool agreed = (a != 0) & (b != 0) & (difference(a, b) <= agreement);
+      own[i] = agreed ? even : uint16_t{0};
     });
   }
 
@@ -111,7 +112,8 @@ struct RoadRows {
       const float moved =
           static_cast<float>(static_cast<int16_t>(allMore[i])) / static_cast<float>(count | (count == 0));
       const int32_t rounded = own[i] + static_cast<int32_t>(moved + noFraction - noFraction);
-      mean[i] = static_cast<uint16_t>((own[i] != 0) & (count >= least) ? rounded : 0);
+      const bool isOnSurface = (own[i] != 0) & (count >= least);
+      mean[i] = static_cast<uint16_t>(isOnSurface ? rounded : 0);
     });
   }
 

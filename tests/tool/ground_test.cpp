@@ -44,6 +44,15 @@ TEST_F(Ground, MatchedPlane) {
   EXPECT_GT(summary("share"), 0.7);
 }
 
+TEST_F(Ground, WhatIsCheckedMayBeSmaller) {
+  shiftRight(10);
+  const auto least = [&](const char* check) {
+    ground({"--check", check});
+    return summary("min_area_m2");
+  };
+  EXPECT_DOUBLE_EQ(least("flip"), least("none") * 2 / 3);
+}
+
 TEST_F(Ground, ColumnShiftIsAddedToTheDisparity) {
   give([](uint32_t, uint32_t) { return uint16_t{20 * 16}; });
   const std::pair<const char*, uint16_t> expected[] = {{"5", 700}, {"-2.5", 357}, {"-6", 71}};  // 1500 - 20000 / 25 ...

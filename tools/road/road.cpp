@@ -53,6 +53,9 @@ NadirCamera cameraRecord(const Camera& c) {
           c.tiltDeg,           c.panDeg,  c.mapOffsetXMm, c.mapOffsetYMm};
 }
 
+// Things lose their rim where passes must agree: a child seen from 3.5 m a third of its cells.
+constexpr double keptByChecks = 2.0 / 3;
+
 // What is wrong with the camera is told when the road is made.
 uint32_t rangeFor(double tallestMm, const NadirCamera& camera, NadirSettings settings) {
   uint32_t range = settings.range = NADIR_RANGE_61;
@@ -70,7 +73,8 @@ NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& came
   s.fill_holes_m2 = options.fillHolesM2;
   s.min_height_mm = options.minHeightMm.value_or(s.min_height_mm);
   s.max_step_mm = options.maxStepMm.value_or(s.max_step_mm);
-  s.min_area_m2 = options.minAreaM2.value_or(s.min_area_m2);
+  const bool checked = s.check != NADIR_CHECK_NONE && options.disparity.empty();
+  s.min_area_m2 = options.minAreaM2.value_or(checked ? s.min_area_m2 * keptByChecks : s.min_area_m2);
   if (options.match.range == automaticRange) s.range = rangeFor(options.tallestMm, camera, s);
   return s;
 }
