@@ -94,10 +94,12 @@ Fingerprint given() {
 
 // All checks, refined and not, with pictures of half the size.
 Fingerprint matchedAgain() {
+  static constexpr uint32_t checks[] = {NADIR_CHECK_NONE, NADIR_CHECK_FLIP, NADIR_CHECK_SIDES, NADIR_CHECK_BOTH};
+  static constexpr uint32_t ranges[] = {NADIR_RANGE_61, NADIR_RANGE_122};
   Fingerprint hash;
   for (const uint32_t grid : lab::bothGrids)
-    for (const uint32_t check : {NADIR_CHECK_NONE, NADIR_CHECK_FLIP, NADIR_CHECK_SIDES, NADIR_CHECK_BOTH})
-      for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122}) {
+    for (const uint32_t check : checks)
+      for (const uint32_t range : ranges) {
         lab::RoadPlan plan = somePlan();
         plan.settings.grid = grid;
         plan.settings.check = check;
