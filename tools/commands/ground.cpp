@@ -187,7 +187,8 @@ void addRegionOptions(CLI::App& command, RoadOptions& options) {
             "MM")
       ->excludes(without);
   addNumber(command, "--min-area", options.minAreaM2, numberFrom(0, 1e6),
-            "Smaller regions are dropped (default: 20 cells, 0.032 m2 for cells of 40 mm; with --check none 30 cells)", "M2")
+            "Smaller regions are dropped (default: 20 cells, 0.032 m2 for cells of 40 mm; with --check none 30 cells)",
+            "M2")
       ->excludes(without);
   command
       .add_option("--areas", options.areas,
