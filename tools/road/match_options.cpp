@@ -35,8 +35,11 @@ const Words& rangeWordsOfPairs() {
 }
 
 const Words& rangeWords() {
-  static const Words words = {
-      {"61", NADIR_RANGE_61}, {"122", NADIR_RANGE_122}, {"244", NADIR_RANGE_244}, {"auto", automaticRange}};
+  static const Words words = [] {
+    Words all = rangeWordsOfPairs();
+    all.push_back({"auto", automaticRange});
+    return all;
+  }();
   return words;
 }
 

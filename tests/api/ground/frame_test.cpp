@@ -10,8 +10,6 @@
 namespace nadir::test {
 namespace {
 
-using Picture = Grid<uint16_t>;
-
 struct Pair {
   Picture left, right;
 };
@@ -43,18 +41,6 @@ NadirSettings matching(uint32_t grid, uint32_t postprocess) {
   settings.postprocess = postprocess;
   return settings;
 }
-
-NadirCamera cameraOf(const Picture& picture) {
-  NadirCamera camera = smallCamera();
-  camera.width_px = picture.width;
-  camera.height_px = picture.height;
-  return camera;
-}
-
-struct Matched {
-  Picture disparity;
-  NadirPixelCounts pixels;
-};
 
 Matched matched(const NadirFrame& frame, const NadirSettings& settings, const NadirCamera& camera = smallCamera()) {
   const Road road = makeRoad(camera, settings);

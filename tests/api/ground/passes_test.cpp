@@ -14,7 +14,6 @@
 namespace nadir::test {
 namespace {
 
-using Picture = Grid<uint16_t>;
 using Mask = Grid<uint8_t>;
 
 constexpr std::array<uint32_t, 2> bothGrids{NADIR_GRID_LEFT, NADIR_GRID_RIGHT};
@@ -136,18 +135,6 @@ NadirSettings settingsOf(const Asked& asked) {
   settings.range = asked.range;
   return settings;
 }
-
-NadirCamera cameraOf(const Picture& picture) {
-  NadirCamera camera = smallCamera();
-  camera.width_px = picture.width;
-  camera.height_px = picture.height;
-  return camera;
-}
-
-struct Matched {
-  Picture disparity;
-  NadirPixelCounts pixels;
-};
 
 Matched matchedWithCounts(const Pair& pair, const Asked& asked) {
   const Road road = makeRoad(cameraOf(pair.left), settingsOf(asked));

@@ -19,6 +19,7 @@
 namespace nadir::test {
 
 using lab::Grid;
+using Picture = Grid<uint16_t>;
 
 inline constexpr float noDisparity = std::numeric_limits<float>::quiet_NaN();
 
@@ -197,5 +198,19 @@ inline std::string everythingIn(const NadirFindings& f) {
   for (const NadirShare& share : recordsOf(f.shares, f.share_count)) add(&share, sizeof share);
   return out;
 }
+
+// A small camera whose pictures are of that size.
+inline NadirCamera cameraOf(const Picture& picture) {
+  NadirCamera camera = smallCamera();
+  camera.width_px = picture.width;
+  camera.height_px = picture.height;
+  return camera;
+}
+
+// What the match alone gives.
+struct Matched {
+  Picture disparity;
+  NadirPixelCounts pixels;
+};
 
 }  // namespace nadir::test
