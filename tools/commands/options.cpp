@@ -46,7 +46,7 @@ std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& op
   return {
       addWord(command, "--check", checkWords(), options.check,
               "Match again to tell guesses from measurements: flip, both pictures upside down; sides, from the other "
-              "view; both; none (default: {default}). flip and sides take twice the time, both three times",
+              "view; both; none (default: {default}). flip and sides take up to twice the time, both up to three times",
               "HOW"),
       addWord(command, "--refine", refineWords(), options.refine,
               "What disparities become: surface, the mean of those nearby that lie on the same surface, and none "
