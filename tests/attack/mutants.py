@@ -264,6 +264,13 @@ def verdicts(work):
     return {record["key"]: record for record in kept}
 
 
+def of_today(done, tree):
+    """The verdicts on lines that still stand: what is said of others says nothing of the project as it is."""
+    lines = {file: set((tree.path / file).read_text().split("\n")) for file in {record["file"] for record in done.values()}
+             if (tree.path / file).exists()}
+    return {name: record for name, record in done.items() if record["before"] in lines.get(record["file"], ())}
+
+
 def try_all(tree, chosen, lines, work, commit):
     """Tries mutants one after the other and keeps each verdict."""
     for part, tried in chosen:
@@ -289,14 +296,13 @@ def in_turns(ordered, done):
 
 
 def survivors_again(done, tree, digest):
-    """What survived with other tests than those of today, where its line still stands."""
+    """What survived with other tests than those of today."""
     for record in [record for record in done.values() if record["result"] == "survived" and record["tests"] != digest]:
         lines = (tree.path / record["file"]).read_text().split("\n")
         places = [number for number, line in enumerate(lines, 1) if line == record["before"]]
-        if places:
-            line = min(places, key=lambda place: abs(place - record["line"]))
-            fields = {**{name: record[name] for name in mutations.Mutation._fields}, "line": line}
-            yield record["part"], mutations.Mutation(**fields)
+        line = min(places, key=lambda place: abs(place - record["line"]))
+        fields = {**{name: record[name] for name in mutations.Mutation._fields}, "line": line}
+        yield record["part"], mutations.Mutation(**fields)
 
 
 def reasons():
@@ -404,7 +410,7 @@ def run(options):
     commit = subprocess.run(["git", "-C", ROOT, "describe", "--always", "--dirty"], capture_output=True, text=True, check=True).stdout.strip()
     tree = Tree(work.resolve(), 0)
     tree.follow(ROOT)
-    lines, done, start = current_map(tree, work), verdicts(work), time.time()
+    lines, done, start = current_map(tree, work), of_today(verdicts(work), tree), time.time()
     lines.noticed.update((record["file"], record["by"]) for record in done.values())
     tree.prepare()
     leave_out_failing(tree, lines, work)
