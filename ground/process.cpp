@@ -59,8 +59,10 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
 void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r) {
   stages.begin("regions");
   r.regionCount = findRegions(r.heights, road.context, road.settings, road.shape, road.regions, r.labels, r.regions);
-  r.shareCount =
-      fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, road.shape, road.regions, r.areas, r.shares);
+  const ElevMapParams& map = road.context.mapParams;
+  const double leastOfRegion = road.settings.min_area_m2 * 1e6 / map.cellSizeX / map.cellSizeY;
+  r.shareCount = fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, leastOfRegion, road.shape,
+                                 road.regions, r.areas, r.shares);
 }
 
 // The matcher's pictures and codes are still there when it is done.

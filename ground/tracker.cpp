@@ -27,7 +27,7 @@ namespace nadir::ground {
 namespace {
 
 constexpr uint32_t stateMark = 0x5254444E;  // the bytes NDTR
-constexpr uint32_t stateVersion = 1;
+constexpr uint32_t stateVersion = 2;
 
 NadirTracker* trackerIn(Arena& arena, const Shape& shape, const NadirTrackSettings& settings) {
   NadirTracker* tracker = arena.take<NadirTracker>(1);
@@ -49,7 +49,20 @@ void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
 
 double sinceLast(const NadirTracker& t, int64_t timeNs) { return t.begun ? secondsBetween(t.timeNs, timeNs) : 0; }
 
-double measuredIn(const NadirOccupancy& area) { return area.covered_cells == 0 ? double{NAN} : area.highest_mm; }
+// What is higher than all large pieces is a small one, and no measurement.
+MeasuredHeight measuredHeight(double highestMm, double pieceMm) {
+  if (std::isnan(pieceMm)) highestMm = NAN;
+  return {highestMm > pieceMm ? pieceMm : highestMm, pieceMm};
+}
+
+MeasuredHeight measuredIn(const NadirOccupancy& area) {
+  return measuredHeight(area.covered_cells == 0 ? double{NAN} : area.highest_mm,
+                        area.piece_mm == 0 ? double{NAN} : area.piece_mm);
+}
+
+MeasuredHeight measuredIn(const NadirMeasurement& m, uint32_t area) {
+  return measuredHeight(m.highest_mm[area], m.piece_mm ? m.piece_mm[area] : m.highest_mm[area]);
+}
 
 bool isMap(const NadirPlane& plane, const Shape& shape) {
   return plane.width == shape.mapWidth && plane.height == shape.mapHeight &&
@@ -81,12 +94,19 @@ StateHead headOf(const NadirTracker& t) {
 }
 
 template <class Visitor>
+void visitMotion(Visitor& visitor, Motion& motion) {
+  visitor.visit(motion.height);
+  visitor.visit(motion.rate);
+  for (float& number : motion.covariance) visitor.visit(number);
+}
+
+template <class Visitor>
 void visitTrack(Visitor& visitor, HeightTrack& track) {
   visitor.visit(track.active);
   visitor.visit(track.measuredAtNs);
-  visitor.visit(track.height);
-  visitor.visit(track.rate);
-  for (float& number : track.covariance) visitor.visit(number);
+  visitMotion(visitor, track.motion);
+  visitor.visit(track.doubts);
+  visitMotion(visitor, track.doubted);
 }
 
 template <class Visitor>
@@ -117,7 +137,7 @@ bool holdsGoodNumbers(const NadirTracker& t, StateReader reader) {
   for (uint32_t i = 0; i < t.shape.areas; ++i) {
     HeightTrack track{};
     visitTrack(reader, track);
-    good &= track.active <= begun && (!track.active || track.measuredAtNs <= timeNs) && isFinite(track);
+    good &= track.active <= begun && (!track.active || track.measuredAtNs <= timeNs) && isPossible(track);
   }
   reader.visit(count);
   reader.visit(next);
@@ -189,9 +209,10 @@ NadirStatus nadir_tracker_replay(NadirTracker* tracker, const NadirMeasurement* 
   if (m.area_count > 0 && !m.highest_mm) return NADIR_NULL_POINTER;
   if (m.heights.data && !isMap(m.heights, tracker->shape)) return NADIR_FOREIGN_RESULT;
   if (!areHeights(m.highest_mm, m.area_count)) return NADIR_BAD_FRAME;
+  if (m.piece_mm && !areHeights(m.piece_mm, m.area_count)) return NADIR_BAD_FRAME;
   if (tracker->begun && m.time_ns < tracker->timeNs) return NADIR_BAD_TIME;
   for (uint32_t i = 0; i < m.area_count; ++i)
-    stepTrack(tracker->tracks[i], tracker->settings, m.time_ns, sinceLast(*tracker, m.time_ns), m.highest_mm[i]);
+    stepTrack(tracker->tracks[i], tracker->settings, m.time_ns, sinceLast(*tracker, m.time_ns), measuredIn(m, i));
   step(*tracker, m.time_ns, m.heights);
   return NADIR_OK;
 }

@@ -1,6 +1,8 @@
 // The cells of an area, counted by what stands on them.
 #include "ground/stations/occupancy.hpp"
 
+#include <cmath>
+
 #include "ground/stations/cell_groups.hpp"
 
 namespace nadir::ground {
@@ -13,8 +15,31 @@ uint32_t countSeen(const PlacedArea& area, const uint16_t* heights, uint64_t cel
   return seen;
 }
 
-NadirOccupancy occupancyOf(const PlacedArea& area, uint32_t seen, const CellSet& covered, uint32_t firstShare) {
-  return {sizeof(NadirOccupancy), area.cells, seen, covered.cells, covered.highestMm, covered.medianMm, firstShare, 0};
+// Half of what a region must have, rounded up.
+uint32_t enoughCells(double leastOfRegion, const PlacedArea& area) {
+  const double whole = leastOfRegion < area.cells ? leastOfRegion : area.cells;
+  return static_cast<uint32_t>(-std::floor(-whole / 2));
+}
+
+// The cells of dropped regions count as those of kept ones do.
+uint32_t highestPiece(const PlacedArea& area, const uint16_t* heights, uint32_t cells, uint32_t enough,
+                      const RegionMemory& m) {
+  const auto joins = [&](uint32_t i) { return area.mask[i] != 0 && m.grown[i] != 0; };
+  uint16_t* const counts = m.kept;
+  uint32_t highest = 0;
+  for (uint32_t i = 0; i < cells; ++i)
+    if (joins(i)) counts[m.grown[i]] = 0;
+  for (uint32_t i = 0; i < cells; ++i)
+    if (joins(i)) ++counts[m.grown[i]];
+  for (uint32_t i = 0; i < cells; ++i)
+    if (joins(i) && counts[m.grown[i]] >= enough && heights[i] > highest) highest = heights[i];
+  return highest;
+}
+
+NadirOccupancy occupancyOf(const PlacedArea& area, uint32_t seen, const CellSet& covered, uint32_t firstShare,
+                           uint32_t pieceMm) {
+  return {sizeof(NadirOccupancy), area.cells, seen, covered.cells, covered.highestMm,
+          covered.medianMm,       firstShare, 0,    pieceMm};
 }
 
 NadirShare shareOf(uint32_t label, const CellSet& set) {
@@ -24,14 +49,17 @@ NadirShare shareOf(uint32_t label, const CellSet& set) {
 }  // namespace
 
 uint32_t fillOccupancies(const PlacedArea* areas, const uint16_t* heights, const uint16_t* labels, uint32_t regions,
-                         const Shape& shape, const RegionMemory& m, NadirOccupancy* occupancies, NadirShare* shares) {
+                         double leastOfRegion, const Shape& shape, const RegionMemory& m, NadirOccupancy* occupancies,
+                         NadirShare* shares) {
   const auto cells = static_cast<uint32_t>(shape.cells());
   uint32_t count = 0;
   for (uint32_t a = 0; a < shape.areas; ++a) {
     const uint8_t* mask = areas[a].mask;
     const auto inside = [mask](uint32_t i) { return mask[i] != 0; };
     const uint32_t covered = sortByGroup(labels, heights, cells, regions, inside, m.begins, m.sorted);
-    occupancies[a] = occupancyOf(areas[a], countSeen(areas[a], heights, cells), cellSet(m.sorted, covered), count);
+    const uint32_t piece = highestPiece(areas[a], heights, cells, enoughCells(leastOfRegion, areas[a]), m);
+    occupancies[a] =
+        occupancyOf(areas[a], countSeen(areas[a], heights, cells), cellSet(m.sorted, covered), count, piece);
     for (uint32_t label = 1; label <= regions; ++label)
       if (const uint32_t shared = m.begins[label + 1] - m.begins[label])
         shares[count++] = shareOf(label, cellSet(m.sorted + m.begins[label], shared));

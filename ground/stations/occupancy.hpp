@@ -6,12 +6,13 @@
 
 namespace nadir::ground {
 
-// memory  of the regions, which are found by then.
-// shares  room for the shape's areas times its regions.
+// leastOfRegion  the cells that make up the least area of a region, which need not be whole.
+// memory         of the regions, which are found by then.
+// shares         room for the shape's areas times its regions.
 //
 // Returns how many shares there are.
 uint32_t fillOccupancies(const PlacedArea* areas, const uint16_t* heights, const uint16_t* labels, uint32_t regions,
-                         const Shape& shape, const RegionMemory& memory, NadirOccupancy* occupancies,
-                         NadirShare* shares);
+                         double leastOfRegion, const Shape& shape, const RegionMemory& memory,
+                         NadirOccupancy* occupancies, NadirShare* shares);
 
 }  // namespace nadir::ground

@@ -11,7 +11,7 @@ namespace nadir::ground {
 struct RegionMemory {
   NadirElevationRegions* state;
   uint16_t* grown;         // of each cell: the library's label
-  uint16_t* kept;          // of each library's label: ours
+  uint16_t* kept;          // of each library's label: ours, and later how many of its cells lie in an area
   struct Extent* extents;  // of each library's label
   uint32_t* begins;        // of each of our labels, see cell_groups.hpp
   uint16_t* sorted;        // heights, region by region

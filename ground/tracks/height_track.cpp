@@ -1,8 +1,9 @@
-// A Kalman filter of height and rate, begun and ended by who comes and goes.
+// A Kalman filter of height and rate, begun and ended by who comes and goes, and deaf to what cannot be.
 #include "ground/tracks/height_track.hpp"
 
 #include <cmath>
 #include <cstring>
+#include <initializer_list>
 
 namespace nadir::ground {
 
@@ -11,55 +12,126 @@ namespace {
 // A head that enters an area may be rising or bending down: mm per second.
 constexpr float firstRateDeviation = 300;
 
-Kalman1d filterOf(const HeightTrack& track, const NadirTrackSettings& s) {
+// Who walks stays within three deviations of where the filter expects him but for one frame in some hundred; a wrong
+// match, or the ground beside him, is seldom so near as five.
+constexpr double mostDeviations = 5;
+
+// So many frames that agree on what is doubted are believed: wrong matches change from frame to frame.
+constexpr uint32_t framesToBelieve = 3;
+
+Motion motionOf(const Kalman1d& filter) {
+  Motion motion{filter.x, filter.v, {}};
+  std::memcpy(motion.covariance, filter.P, sizeof motion.covariance);
+  return motion;
+}
+
+Kalman1d filterOf(const Motion& motion, const NadirTrackSettings& s) {
   Kalman1d filter{};
-  IP_Kalman1d_Create(&filter, track.height, track.rate, static_cast<float>(s.noise_mm), firstRateDeviation,
+  IP_Kalman1d_Create(&filter, motion.height, motion.rate, static_cast<float>(s.noise_mm), firstRateDeviation,
                      static_cast<float>(s.acceleration_mm_per_s2));
+  std::memcpy(filter.P, motion.covariance, sizeof motion.covariance);
   return filter;
 }
 
-void keep(HeightTrack& track, const Kalman1d& filter) {
-  track.height = filter.x;
-  track.rate = filter.v;
-  std::memcpy(track.covariance, filter.P, sizeof track.covariance);
+Motion begun(const NadirTrackSettings& s, double measuredMm) {
+  Kalman1d filter{};
+  IP_Kalman1d_Create(&filter, static_cast<float>(measuredMm), 0, static_cast<float>(s.noise_mm), firstRateDeviation,
+                     static_cast<float>(s.acceleration_mm_per_s2));
+  return motionOf(filter);
 }
 
-void begin(HeightTrack& track, const NadirTrackSettings& settings, double measuredMm) {
-  track.active = 1;
-  track.height = static_cast<float>(measuredMm);
-  track.rate = 0;
-  keep(track, filterOf(track, settings));
-}
-
-void goOn(HeightTrack& track, const NadirTrackSettings& settings, double sinceLast, double measuredMm) {
-  Kalman1d filter = filterOf(track, settings);
-  std::memcpy(filter.P, track.covariance, sizeof track.covariance);
+void predict(Motion& motion, const NadirTrackSettings& settings, double sinceLast) {
+  Kalman1d filter = filterOf(motion, settings);
   IP_Kalman1d_Predict(&filter, static_cast<float>(sinceLast));
-  if (!std::isnan(measuredMm)) IP_Kalman1d_Update(&filter, static_cast<float>(measuredMm));
-  keep(track, filter);
+  motion = motionOf(filter);
+}
+
+void update(Motion& motion, const NadirTrackSettings& settings, double measuredMm) {
+  Kalman1d filter = filterOf(motion, settings);
+  IP_Kalman1d_Update(&filter, static_cast<float>(measuredMm));
+  motion = motionOf(filter);
+}
+
+// How far a measurement lies from the expected height, as a variance.
+float expectedVariance(const Motion& motion, const NadirTrackSettings& settings) {
+  const auto noise = static_cast<float>(settings.noise_mm);
+  return motion.covariance[0] + noise * noise;
+}
+
+bool isLikely(const Motion& motion, const NadirTrackSettings& settings, double measuredMm) {
+  const double off = measuredMm - static_cast<double>(motion.height);
+  return off * off <= mostDeviations * mostDeviations * static_cast<double>(expectedVariance(motion, settings));
+}
+
+bool isFinite(const Motion& motion) {
+  bool finite = std::isfinite(motion.height) && std::isfinite(motion.rate);
+  for (const float number : motion.covariance) finite &= std::isfinite(number);
+  return finite;
+}
+
+// False for what a filter comes to when its uncertainties' squares leave single precision, at either end.
+bool isUsable(const Motion& motion, const NadirTrackSettings& settings) {
+  return isFinite(motion) && std::isfinite(1 / expectedVariance(motion, settings));
+}
+
+bool isZero(const Motion& motion) {
+  bool zero = motion.height == 0 && motion.rate == 0;
+  for (const float number : motion.covariance) zero &= number == 0;
+  return zero;
+}
+
+bool isPossible(const Motion& motion) { return isFinite(motion) && motion.covariance[0] >= 0; }
+
+void believe(HeightTrack& track, int64_t timeNs, const Motion& motion) { track = {1, timeNs, motion, 0, {}}; }
+
+void expectNext(HeightTrack& track, const NadirTrackSettings& settings, double sinceLast) {
+  predict(track.motion, settings, sinceLast);
+  if (track.doubts > 0) predict(track.doubted, settings, sinceLast);
+  if (!isUsable(track.motion, settings) || !isFinite(track.doubted)) track = {};
+}
+
+void doubt(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double measuredMm) {
+  const bool again = track.doubts > 0 && isLikely(track.doubted, settings, measuredMm);
+  if (again)
+    update(track.doubted, settings, measuredMm);
+  else
+    track.doubted = begun(settings, measuredMm);
+  track.doubts = again ? track.doubts + 1 : 1;
+  if (track.doubts == framesToBelieve) believe(track, timeNs, track.doubted);
+}
+
+void goOn(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, const MeasuredHeight& measured) {
+  for (const double height : {measured.piece, measured.region})
+    if (isLikely(track.motion, settings, height)) {
+      update(track.motion, settings, height);
+      return believe(track, timeNs, track.motion);
+    }
+  if (!std::isnan(measured.region)) doubt(track, settings, timeNs, measured.region);
 }
 
 }  // namespace
 
-bool isFinite(const HeightTrack& track) {
-  bool finite = std::isfinite(track.height) && std::isfinite(track.rate);
-  for (const float number : track.covariance) finite &= std::isfinite(number);
-  return finite;
+bool isPossible(const HeightTrack& track) {
+  if (!track.active)
+    return track.measuredAtNs == 0 && track.doubts == 0 && isZero(track.motion) && isZero(track.doubted);
+  return isPossible(track.motion) && isPossible(track.doubted) && track.doubts < framesToBelieve &&
+         (track.doubts > 0 || isZero(track.doubted));
 }
 
 void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
-               double measuredMm) {
-  const bool measured = !std::isnan(measuredMm);
+               const MeasuredHeight& measured) {
   if (track.active && secondsBetween(track.measuredAtNs, timeNs) > settings.patience_s) track = {};
-  if (track.active) goOn(track, settings, sinceLast, measuredMm);
-  if (!isFinite(track)) track = {};
-  if (measured && !track.active) begin(track, settings, measuredMm);
-  if (measured) track.measuredAtNs = timeNs;
+  if (track.active) expectNext(track, settings, sinceLast);
+  if (track.active)
+    goOn(track, settings, timeNs, measured);
+  else if (!std::isnan(measured.region))
+    believe(track, timeNs, begun(settings, measured.region));
 }
 
 NadirTrack described(const HeightTrack& track) {
   if (!track.active) return {sizeof(NadirTrack), 0, 0, 0, 0};
-  return {sizeof(NadirTrack), 1, track.height, track.rate, std::sqrt(track.covariance[0])};
+  const Motion& m = track.motion;
+  return {sizeof(NadirTrack), 1, m.height, m.rate, std::sqrt(m.covariance[0])};
 }
 
 }  // namespace nadir::ground

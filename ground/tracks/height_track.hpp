@@ -11,22 +11,35 @@ inline double secondsBetween(int64_t earlierNs, int64_t laterNs) {
   return static_cast<double>(static_cast<uint64_t>(laterNs) - static_cast<uint64_t>(earlierNs)) / 1e9;
 }
 
-// All numbers that a track goes on with.
-struct HeightTrack {
-  uint32_t active;
-  int64_t measuredAtNs;
+// What a filter knows.
+struct Motion {
   float height, rate, covariance[4];
 };
 
-// False for what a filter comes to when its uncertainties' squares leave single precision, at either end.
-bool isFinite(const HeightTrack& track);
+// All numbers that a track goes on with. What it cannot believe may be true nevertheless, and is followed beside it:
+// `doubted` for as many frames in which it was measured; all 0 where nothing is doubted.
+struct HeightTrack {
+  uint32_t active;
+  int64_t measuredAtNs;
+  Motion motion;
+  uint32_t doubts;
+  Motion doubted;
+};
 
-// A frame in which the height was measured, or nothing stood there (not-a-number). A track whose numbers are not finite
-// any more knows nothing, and begins anew.
+// What a frame says of an area, mm; not-a-number for nothing.
+struct MeasuredHeight {
+  double region;  // the highest cell of regions, enough of whose cells lie in the area
+  double piece;   // the same where half of a region is enough: a track needs less to go on than to begin
+};
+
+// False for numbers that no track comes to: an inactive one knows nothing.
+bool isPossible(const HeightTrack& track);
+
+// One frame. A track whose numbers are not finite any more knows nothing, and begins anew.
 //
 // sinceLast  seconds since the frame before.
 void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
-               double measuredMm);
+               const MeasuredHeight& measured);
 
 NadirTrack described(const HeightTrack& track);
 

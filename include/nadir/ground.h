@@ -314,6 +314,9 @@ typedef struct NadirOccupancy {
   uint32_t highest_mm, median_mm; /* of the covered cells, 0 without one */
   uint32_t first_share;           /* of the findings' shares: each region that it shares cells with, by label */
   uint32_t share_count;
+  uint32_t piece_mm; /* highest of the cells that join as those of a region do, where so many of them lie in
+                        the area that they make up half of min_area_m2, or half of the area if that is
+                        less; 0 without one */
 } NadirOccupancy;
 
 /* A region's cells that lie in an area. */
@@ -467,7 +470,16 @@ typedef struct NadirTrackSettings {
 NADIR_API NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings);
 
 /* The height of what stands in an area, followed by a Kalman filter of height and rate (IP_Kalman1d_*). A track begins
- * at the first measured height, as uncertain as that, with a rate of 0 that is uncertain by 300 mm per second. */
+ * at the first measured height, as uncertain as that, with a rate of 0 that is uncertain by 300 mm per second.
+ *
+ * Too few cells are no measurement, and a track goes on with less than what begins one: it begins at highest_mm, or at
+ * piece_mm of the NadirOccupancy where that is lower, and not where either is missing; it goes on with piece_mm if that
+ * is likely, or else with the height that it would begin at.
+ *
+ * A height is unlikely that lies more than five standard deviations from where the filter expects it, its own and the
+ * measurement's together. It is doubted: the track goes on as if nothing were measured. The third doubted height of the
+ * same thing is believed, and the track goes on from there: they come without a believed one in between, each likely to
+ * a filter that began at the first of them. */
 typedef struct NadirTrack {
   uint32_t size;
   uint32_t active; /* 0: nothing is followed, and the rest is 0 */
@@ -494,7 +506,7 @@ typedef struct NadirMeasurement {
   int64_t time_ns;          /* of the frame, from any beginning; never before that of the last one */
   const double* highest_mm; /* in each area, 0 to 65535, not-a-number where nothing stands; null without areas */
   NadirPlane heights;       /* the map; without data it does not enter the average */
-  size_t reserved;          /* 0 */
+  const double* piece_mm;   /* each area's NadirOccupancy.piece_mm, as highest_mm; null: what is highest is enough */
 } NadirMeasurement;
 
 /* Takes a frame's findings, in the order of the frames. */

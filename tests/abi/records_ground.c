@@ -130,7 +130,8 @@ NEXT(NadirOccupancy, covered_cells, uint32_t, highest_mm);
 NEXT(NadirOccupancy, highest_mm, uint32_t, median_mm);
 NEXT(NadirOccupancy, median_mm, uint32_t, first_share);
 NEXT(NadirOccupancy, first_share, uint32_t, share_count);
-LAST(NadirOccupancy, share_count, 32, 32);
+NEXT(NadirOccupancy, share_count, uint32_t, piece_mm);
+LAST(NadirOccupancy, piece_mm, 36, 36);
 
 FIRST(NadirShare, uint32_t, size);
 NEXT(NadirShare, size, uint32_t, label);
@@ -239,5 +240,5 @@ NEXT(NadirMeasurement, size, uint32_t, area_count);
 NEXT(NadirMeasurement, area_count, int64_t, time_ns);
 NEXT(NadirMeasurement, time_ns, const double*, highest_mm);
 NEXT(NadirMeasurement, highest_mm, NadirPlane, heights);
-NEXT(NadirMeasurement, heights, size_t, reserved);
-LAST(NadirMeasurement, reserved, 40, 56);
+NEXT(NadirMeasurement, heights, const double*, piece_mm);
+LAST(NadirMeasurement, piece_mm, 40, 56);

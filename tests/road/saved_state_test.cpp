@@ -38,8 +38,9 @@ struct Tracked {
 
 // The bytes of a state: its head, then `begun` and the time, the tracks of two areas, the window's count and next
 // place.
-constexpr size_t headBytes = 6 * 4 + 3 * 8, trackBytes = 4 + 8 + 6 * 4;
-constexpr size_t begunAt = headBytes, timeAt = begunAt + 4, tracksAt = timeAt + 8, countAt = tracksAt + 2 * trackBytes;
+constexpr size_t headBytes = 6 * 4 + 3 * 8, motionBytes = 6 * 4, trackBytes = 4 + 8 + motionBytes + 4 + motionBytes;
+constexpr size_t begunAt = headBytes, timeAt = begunAt + 4, tracksAt = timeAt + 8, countAt = tracksAt + 2 * trackBytes,
+                 doubtsAt = tracksAt + 12 + motionBytes;
 
 std::vector<uint8_t> forged(std::vector<uint8_t> state, size_t at, uint8_t value) {
   state[at] = value;
@@ -72,6 +73,10 @@ TEST(RoadSavedState, NumbersThatNoTrackerComesToAreRefused) {
              {"tracks before the beginning", begunAt, 0},
              {"half active", tracksAt, 2},
              {"measured in the future", timeAt, 4},
+             {"of a negative variance", tracksAt + 12 + 11, 0xC2},
+             {"more doubts than are believed", doubtsAt, 3},
+             {"a height without a doubt", doubtsAt + 4, 1},
+             {"a doubted variance without a doubt", doubtsAt + 12, 1},
              {"more maps than the window holds", countAt, 3},
              {"a place beyond the next one", countAt + 4, 0},
              {"a place beyond the window", countAt + 7, 1}};

@@ -20,6 +20,7 @@ Json watchedJson(const WatchedArea& area, const NadirOccupancy& o, const NadirTr
                {"covered_cells", o.covered_cells},
                {"covered_share", shareJson(o.covered_cells, area.cells)}};
   addHeights(json, o.covered_cells, o.highest_mm, o.median_mm);
+  json["piece_mm"] = o.piece_mm ? Json(o.piece_mm) : Json();
   addTrack(json, track);
   return json;
 }

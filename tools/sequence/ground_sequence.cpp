@@ -48,8 +48,8 @@ struct Written {
 };
 
 // What a log tells of an area's height.
-double measuredIn(const nlohmann::json& area) {
-  const nlohmann::json& height = area.at("highest_mm");
+double measuredIn(const nlohmann::json& area, const char* key) {
+  const nlohmann::json& height = area.at(key);
   return height.is_null() ? std::nan("") : height.get<double>();
 }
 
@@ -220,7 +220,7 @@ class SequenceRun {
   // The tracker's state follows from what was measured.
   struct Measured {
     size_t frame;
-    std::vector<double> highestMm;
+    std::vector<double> highestMm, pieceMm;
   };
 
   void readBack(const nlohmann::json& line) {
@@ -231,9 +231,12 @@ class SequenceRun {
     skipped_ += damaged;
     warned_ += !line.at("warnings").empty();
     if (!damaged) {
-      measured_.push_back({done_, {}});
-      for (size_t i = 0; i < road_.areas.size(); ++i)
-        measured_.back().highestMm.push_back(measuredIn(line.at("areas").at(i)));
+      Measured measured{done_, {}, {}};
+      for (size_t i = 0; i < road_.areas.size(); ++i) {
+        measured.highestMm.push_back(measuredIn(line.at("areas").at(i), "highest_mm"));
+        measured.pieceMm.push_back(measuredIn(line.at("areas").at(i), "piece_mm"));
+      }
+      measured_.push_back(std::move(measured));
     }
     ++done_;
   }
@@ -251,6 +254,7 @@ class SequenceRun {
     m.time_ns = nanosecondsOf(measured.frame);
     m.area_count = static_cast<uint32_t>(measured.highestMm.size());
     m.highest_mm = measured.highestMm.data();
+    m.piece_mm = measured.pieceMm.data();
     Grid<uint16_t> heights;
     if (inWindow) heights = readElevation(mapPath("elevation", measured.frame));
     if (!heights.pixels.empty())

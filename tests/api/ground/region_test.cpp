@@ -289,6 +289,29 @@ TEST(Occupancy, KnowsTheirMedian) {
   });
 }
 
+// Small regions are no regions, but half of one is enough; in an area too small for that, half of the area.
+TEST(Occupancy, KnowsTheHighestPieceThatIsHalfARegion) {
+  uint32_t found = 0, inDropped = 0;
+  forEachCase(100, [&](const Case& c, const Road& road, const NadirFindings& f) {
+    NadirSettings settings = c.settings;
+    settings.min_area_m2 = 0;
+    const std::vector<Cells> grown = regionsOf(gridOf<uint16_t>(f.heights), settings);
+    const std::vector<NadirOccupancy> areas = recordsOf(f.areas, f.area_count);
+    for (uint32_t i = 0; i < 3; ++i) {
+      const double least = std::min(c.settings.min_area_m2 / 0.0016, static_cast<double>(areas[i].cells)) * (1 - 1e-12);
+      uint32_t highest = 0;
+      for (const Cells& cells : grown)
+        if (const Cells inside = inMask(cells, maskOf(road, i)); 2.0 * static_cast<double>(inside.size()) >= least)
+          highest = std::max(highest, highestOf(inside));
+      EXPECT_EQ(areas[i].piece_mm, highest);
+      found += highest > 0;
+      inDropped += highest > areas[i].highest_mm;
+    }
+  });
+  EXPECT_GT(found, 50u);
+  EXPECT_GT(inDropped, 5u);
+}
+
 TEST(Occupancy, HasAShareForEachRegionInLabelsOrder) {
   forEachArea([](const NadirOccupancy& area, const Grid<uint8_t>& mask, const auto& regions, const NadirFindings& f) {
     const std::vector<NadirShare> shares = recordsOf(f.shares, f.share_count);

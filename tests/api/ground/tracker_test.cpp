@@ -37,6 +37,7 @@ struct Log {
   int64_t time;
   double highest[2];
   Grid<uint16_t> map;
+  std::vector<double> pieces = {};
 };
 
 NadirMeasurement measurementOf(const Log& log) {
@@ -45,6 +46,7 @@ NadirMeasurement measurementOf(const Log& log) {
   m.area_count = 2;
   m.time_ns = log.time;
   m.highest_mm = log.highest;
+  if (!log.pieces.empty()) m.piece_mm = log.pieces.data();
   if (!log.map.pixels.empty()) m.heights = {log.map.pixels.data(), log.map.width * 2, log.map.width, log.map.height};
   return m;
 }
@@ -279,9 +281,11 @@ TEST(Track, IsThatOfLibnadirsFilter) {
     ASSERT_EQ(replay(tracker, {time, {800, nothing}, {}}), NADIR_OK);
     for (int i = 0; i < 20; ++i) {
       const int64_t passed = random.below(300) * int64_t{1000000};
-      const double highest = random.below(4) ? 700.0 + random.below(200) : nothing;
-      ASSERT_EQ(replay(tracker, {time += passed, {highest, nothing}, {}}), NADIR_OK);
       IP_Kalman1d_Predict(&filter, static_cast<float>(static_cast<double>(passed) / 1e9));
+      const double deviation = std::sqrt(static_cast<double>(filter.P[0] + filter.R));
+      const double likely = static_cast<double>(filter.x) + 0.01 * random.between(-480, 480) * deviation;
+      const double highest = random.below(4) && likely >= 0 ? likely : nothing;
+      ASSERT_EQ(replay(tracker, {time += passed, {highest, nothing}, {}}), NADIR_OK);
       if (highest == highest) IP_Kalman1d_Update(&filter, static_cast<float>(highest));
       const NadirTrack track = trackOf(tracker);
       EXPECT_NEAR(track.height_mm, static_cast<double>(filter.x), 1e-3);
@@ -341,6 +345,133 @@ TEST(Track, WithoutPatienceItEndsAtTheFirstGap) {
   replay(tracker, 0, 1000);
   replay(tracker, 0.001, nothing);
   EXPECT_EQ(trackOf(tracker).active, 0u);
+}
+
+// ---- what a track believes ----
+
+constexpr double frameSeconds = 1 / 15.0;
+
+// Somebody 1150 mm tall who bobs by 17 mm, measured with an error of one part in ten of what tracks expect.
+double bobbing(uint32_t frame) { return 1150 + 17 * std::sin(0.48 * frame) + (frame * 7 % 3) - 1.0; }
+
+// Followed for so many frames.
+Tracker walked(const Road& road, uint32_t frames) {
+  Tracker tracker = makeTracker(road);
+  for (uint32_t i = 0; i < frames; ++i) EXPECT_EQ(replay(tracker, i * frameSeconds, bobbing(i)), NADIR_OK);
+  return tracker;
+}
+
+TEST(Belief, OneWrongHeightMovesATrackByAFewDeviationsAtMost) {
+  const Road road = roadWithTwoAreas();
+  for (const uint32_t frames : {1u, 2u, 20u}) {
+    const Tracker unmeasured = walked(road, frames);
+    replay(unmeasured, frames * frameSeconds, nothing);
+    const NadirTrack wanted = trackOf(unmeasured);
+    for (double wrong = 0; wrong <= 65535; wrong += wrong < 3000 ? 13 : 5000) {
+      const Tracker tracker = walked(road, frames);
+      replay(tracker, frames * frameSeconds, wrong);
+      const double moved = std::abs(trackOf(tracker).height_mm - wanted.height_mm);
+      ASSERT_LE(moved, 5 * wanted.deviation_mm) << wrong << " after " << frames;
+      if (std::abs(wrong - wanted.height_mm) > 200) ASSERT_TRUE(sameBytes(wanted, trackOf(tracker))) << wrong;
+    }
+  }
+}
+
+TEST(Belief, AChangeThatStaysIsFollowedInItsThirdFrame) {
+  const Road road = roadWithTwoAreas();
+  for (const double change : {-1000.0, -300.0, 300.0, 700.0}) {
+    const Tracker tracker = walked(road, 20);
+    for (uint32_t i = 20; i < 23; ++i) {
+      EXPECT_NEAR(trackOf(tracker).height_mm, 1150, 60) << change;
+      replay(tracker, i * frameSeconds, bobbing(i) + change);
+    }
+    EXPECT_NEAR(trackOf(tracker).height_mm, bobbing(22) + change, 20) << change;
+    for (uint32_t i = 23; i < 40; ++i) replay(tracker, i * frameSeconds, bobbing(i) + change);
+    EXPECT_NEAR(trackOf(tracker).height_mm, bobbing(39) + change, 10) << change;
+  }
+}
+
+TEST(Belief, AChangeThatStaysIsKnownAsWellAsANewTrackIs) {
+  const Road road = roadWithTwoAreas();
+  const Tracker changed = walked(road, 20), begun = makeTracker(road);
+  for (uint32_t i = 20; i < 23; ++i)
+    for (const Tracker* tracker : {&changed, &begun}) replay(*tracker, i * frameSeconds, 1700 + i);
+  EXPECT_TRUE(sameBytes(trackOf(changed), trackOf(begun)));
+}
+
+TEST(Belief, WrongHeightsThatDisagreeAreNotBelieved) {
+  const Tracker tracker = walked(roadWithTwoAreas(), 20);
+  const double wrong[] = {278, 75, 600, 1700, 90, 500};
+  for (uint32_t i = 0; i < 6; ++i) {
+    replay(tracker, (20 + i) * frameSeconds, wrong[i]);
+    EXPECT_EQ(trackOf(tracker).active, 1u);
+    EXPECT_NEAR(trackOf(tracker).height_mm, 1150, 120) << i;
+  }
+}
+
+TEST(Belief, ABelievedHeightEndsAllDoubt) {
+  const Tracker tracker = walked(roadWithTwoAreas(), 20);
+  for (uint32_t i = 20; i < 50; ++i) {
+    replay(tracker, i * frameSeconds, i % 3 == 0 ? bobbing(i) : 500);
+    EXPECT_NEAR(trackOf(tracker).height_mm, bobbing(i), 60) << i;
+  }
+}
+
+TEST(Belief, FramesWithoutAMeasurementLeaveADoubt) {
+  const Tracker tracker = walked(roadWithTwoAreas(), 20);
+  for (uint32_t i = 20; i < 25; ++i) replay(tracker, i * frameSeconds, i % 2 ? nothing : 500);
+  EXPECT_NEAR(trackOf(tracker).height_mm, 500, 1);
+}
+
+TEST(Belief, ThePatienceCountsFromTheLastBelievedHeight) {
+  const Tracker tracker = makeTracker(roadWithTwoAreas());
+  replay(tracker, 0, 1150);
+  replay(tracker, 0.4, 60000);
+  EXPECT_NEAR(trackOf(tracker).height_mm, 1150, 1e-3);
+  replay(tracker, 0.51, 30000);
+  EXPECT_EQ(trackOf(tracker).height_mm, 30000);
+}
+
+// What `piece` and `highest` say of a track of 1150 mm, and of an area where nothing is followed.
+NadirTrack afterPiece(double highest, double piece, bool followed) {
+  const Road road = roadWithTwoAreas();
+  const Tracker tracker = followed ? walked(road, 20) : makeTracker(road);
+  EXPECT_EQ(replay(tracker, {4 * second / 3, {highest, nothing}, {}, {piece, nothing}}), NADIR_OK);
+  return trackOf(tracker);
+}
+
+TEST(Belief, APieceOfARegionKeepsATrackButBeginsNone) {
+  EXPECT_TRUE(sameBytes(afterPiece(nothing, 1160, true), afterPiece(1160, 1160, true)));
+  EXPECT_EQ(afterPiece(nothing, 1160, false).active, 0u);
+}
+
+TEST(Belief, APieceTallerThanRegionsKeepsATrackThatIsAsTall) {
+  EXPECT_TRUE(sameBytes(afterPiece(250, 1160, true), afterPiece(1160, 1160, true)));
+  EXPECT_TRUE(sameBytes(afterPiece(1160, 1900, true), afterPiece(1160, 1160, true)));
+  EXPECT_EQ(afterPiece(250, 1160, false).height_mm, 250);
+}
+
+TEST(Belief, TooFewCellsAreNoMeasurement) {
+  EXPECT_TRUE(sameBytes(afterPiece(1160, nothing, true), afterPiece(nothing, nothing, true)));
+  EXPECT_EQ(afterPiece(1160, nothing, false).active, 0u);
+  EXPECT_TRUE(sameBytes(afterPiece(1700, 1160, true), afterPiece(1160, 1160, true)));
+  EXPECT_EQ(afterPiece(1700, 1160, false).height_mm, 1160);
+}
+
+// Walkers, measured with the error that the settings tell.
+TEST(Belief, TheStatedDeviationCoversTheError) {
+  uint32_t covered = 0, frames = 0;
+  inRounds(20, [&](lab::Random& random) {
+    const Tracker tracker = makeTracker(roadWithTwoAreas());
+    for (uint32_t i = 0; i < 60; ++i) {
+      const double truth = 1600 + 17 * std::sin(0.48 * i),
+                   sum = random.below(1000) + random.below(1000) + random.below(1000);
+      replay(tracker, i * frameSeconds, truth + 10 * (sum - 1498.5) / 500);
+      covered += std::abs(trackOf(tracker).height_mm - truth) <= 2 * trackOf(tracker).deviation_mm;
+      ++frames;
+    }
+  });
+  EXPECT_GE(covered, 0.95 * frames);
 }
 
 TEST(Track, LivesInNanosecondsOfAnyBeginning) {
@@ -440,6 +571,13 @@ TEST_F(RefusedSteps, OtherNumbersOfAreas) {
   }
 }
 
+TEST_F(RefusedSteps, PiecesThatNoMapHolds) {
+  for (const double height : {-1.0, 65535.5, std::numeric_limits<double>::infinity()}) {
+    log_.pieces = {900, height};
+    expectRefused(measurementOf(log_), NADIR_BAD_FRAME);
+  }
+}
+
 TEST_F(RefusedSteps, NoHeightsOfAreas) {
   NadirMeasurement m = measurementOf(log_);
   m.highest_mm = nullptr;
@@ -518,8 +656,10 @@ Grid<float> frameNumber(uint32_t number) {
 Log logOf(const NadirFindings& findings, int64_t time) {
   Log log{time, {nothing, nothing}, gridOf<uint16_t>(findings.heights)};
   const std::vector<NadirOccupancy> areas = recordsOf(findings.areas, findings.area_count);
-  for (size_t i = 0; i < areas.size(); ++i)
+  for (size_t i = 0; i < areas.size(); ++i) {
     if (areas[i].covered_cells > 0) log.highest[i] = areas[i].highest_mm;
+    log.pieces.push_back(areas[i].piece_mm > 0 ? areas[i].piece_mm : nothing);
+  }
   return log;
 }
 
