@@ -46,6 +46,6 @@ NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* came
 
 NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings) {
   if (!settings) return NADIR_NULL_POINTER;
-  *settings = {sizeof *settings, 0, 10, 1500, 0.5};
+  *settings = {sizeof *settings, 0, 10, 1500, 0.5, 0};
   return NADIR_OK;
 }

@@ -19,6 +19,8 @@ struct NadirTracker {
   uint32_t begun;  // 0 before the first frame
   int64_t timeNs;
   HeightTrack* tracks;
+  Point_f32* centres;  // of the areas, world
+  StereoCtx context;
   MapWindow window;
 };
 
@@ -27,18 +29,61 @@ namespace nadir::ground {
 namespace {
 
 constexpr uint32_t stateMark = 0x5254444E;  // the bytes NDTR
-constexpr uint32_t stateVersion = 2;
+constexpr uint32_t stateVersion = 3;
 
-NadirTracker* trackerIn(Arena& arena, const Shape& shape, const NadirTrackSettings& settings) {
+// The mean of its cells' centres, which are at least one.
+Point_f32 centreOf(const PlacedArea& area, const Shape& shape, const StereoCtx& context) {
+  double columns = 0, rows = 0;
+  for (uint32_t y = 0; y < shape.mapHeight; ++y)
+    for (uint32_t x = 0; x < shape.mapWidth; ++x) {
+      if (area.mask[uint64_t{y} * shape.mapWidth + x] == 0) continue;
+      columns += x + 0.5;
+      rows += y + 0.5;
+    }
+  const Point_f32 cell = {static_cast<float>(columns / area.cells), static_cast<float>(rows / area.cells)};
+  Point_f32 world;
+  ip_elev2world(&cell, &world, &context.mapParams, &context.lowerLeft);
+  return world;
+}
+
+NadirTracker* trackerIn(Arena& arena, const NadirRoad& road, const NadirTrackSettings& settings) {
+  const Shape& shape = road.shape;
   NadirTracker* tracker = arena.take<NadirTracker>(1);
   NadirTracker pieces{};
   pieces.shape = shape;
   pieces.settings = settings;
+  pieces.context = road.context;
   pieces.tracks = arena.take<HeightTrack>(shape.areas);
+  pieces.centres = arena.take<Point_f32>(shape.areas);
   pieces.window = mapWindow(arena, shape, settings.average_frames);
   if (tracker) *tracker = pieces;
-  for (uint32_t i = 0; tracker && i < shape.areas; ++i) pieces.tracks[i] = {};
+  for (uint32_t i = 0; tracker && i < shape.areas; ++i) {
+    pieces.tracks[i] = {};
+    pieces.centres[i] = centreOf(road.areas[i], shape, road.context);
+  }
   return tracker;
+}
+
+// How much lower a point over the area's centre seems for a disparity that is one pixel too small, mm: along its ray,
+// as far as all of the depth's change goes. 0 where the camera does not see it.
+double millimetresOfPixel(const NadirTracker& t, uint32_t area, double heightMm) {
+  const IntCalib& optics = t.context.intCalib;
+  const auto below = static_cast<float>(static_cast<double>(t.context.orientation.height) - heightMm);
+  const Point3_f32 world = {t.centres[area].x, t.centres[area].y, below};
+  Point3_f32 seen;
+  ip_stereo_world2cam(&t.context, &world, &seen);
+  if (!(below > 0 && seen.z > 0)) return 0;
+  return static_cast<double>(seen.z) * static_cast<double>(below) /
+         (static_cast<double>(optics.focalLength) * static_cast<double>(optics.baseline));
+}
+
+// Of a disparity's error the larger part belongs to its fraction of a pixel and to what is seen.
+constexpr double changingShare = 0.6;
+
+Precision precisionAt(const NadirTracker& t, uint32_t area, double heightMm) {
+  if (t.settings.disparity_px == 0 || std::isnan(heightMm)) return {t.settings.noise_mm, 0};
+  const double off = t.settings.disparity_px * millimetresOfPixel(t, area, heightMm), changing = changingShare * off;
+  return {changing > t.settings.noise_mm ? changing : t.settings.noise_mm, off};
 }
 
 void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
@@ -49,10 +94,10 @@ void step(NadirTracker& t, int64_t timeNs, const NadirPlane& heights) {
 
 double sinceLast(const NadirTracker& t, int64_t timeNs) { return t.begun ? secondsBetween(t.timeNs, timeNs) : 0; }
 
-// What is higher than all large pieces is a small one, and no measurement.
+// Regions that are higher than all that is half a region have few cells in the area: they are no measurement.
 MeasuredHeight measuredHeight(double highestMm, double pieceMm) {
   if (std::isnan(pieceMm)) highestMm = NAN;
-  return {highestMm > pieceMm ? pieceMm : highestMm, pieceMm};
+  return {pieceMm, highestMm > pieceMm ? pieceMm : highestMm};
 }
 
 MeasuredHeight measuredIn(const NadirOccupancy& area) {
@@ -64,6 +109,11 @@ MeasuredHeight measuredIn(const NadirMeasurement& m, uint32_t area) {
   return measuredHeight(m.highest_mm[area], m.piece_mm ? m.piece_mm[area] : m.highest_mm[area]);
 }
 
+void stepTrack(NadirTracker& t, uint32_t area, int64_t timeNs, const MeasuredHeight& measured) {
+  const Precision precision = precisionAt(t, area, measured.piece);
+  stepTrack(t.tracks[area], t.settings, precision, timeNs, sinceLast(t, timeNs), measured);
+}
+
 bool isMap(const NadirPlane& plane, const Shape& shape) {
   return plane.width == shape.mapWidth && plane.height == shape.mapHeight &&
          holdsRows(plane.stride, shape.mapWidth * sizeof(uint16_t), shape.mapHeight);
@@ -72,17 +122,17 @@ bool isMap(const NadirPlane& plane, const Shape& shape) {
 // What a saved state has to agree on with the tracker that takes it up.
 struct StateHead {
   uint32_t mark, version, areas, mapWidth, mapHeight, averageFrames;
-  double noise, acceleration, patience;
+  double noise, acceleration, patience, disparity;
 
   template <class Visitor>
   void visit(Visitor& visitor) {
     for (uint32_t* number : {&mark, &version, &areas, &mapWidth, &mapHeight, &averageFrames}) visitor.visit(*number);
-    for (double* number : {&noise, &acceleration, &patience}) visitor.visit(*number);
+    for (double* number : {&noise, &acceleration, &patience, &disparity}) visitor.visit(*number);
   }
   bool equals(const StateHead& other) const {
     return mark == other.mark && version == other.version && areas == other.areas && mapWidth == other.mapWidth &&
            mapHeight == other.mapHeight && averageFrames == other.averageFrames && noise == other.noise &&
-           acceleration == other.acceleration && patience == other.patience;
+           acceleration == other.acceleration && patience == other.patience && disparity == other.disparity;
   }
 };
 
@@ -90,7 +140,7 @@ StateHead headOf(const NadirTracker& t) {
   const NadirTrackSettings& s = t.settings;
   return {stateMark,         stateVersion,     t.shape.areas, t.shape.mapWidth,
           t.shape.mapHeight, s.average_frames, s.noise_mm,    s.acceleration_mm_per_s2,
-          s.patience_s};
+          s.patience_s,      s.disparity_px};
 }
 
 template <class Visitor>
@@ -168,7 +218,7 @@ bool areHeights(const double* mm, uint32_t count) {
 size_t nadir_tracker_bytes(const NadirRoad* road, const NadirTrackSettings* settings) {
   if (!road || !settings || judged(*settings).status) return 0;
   Arena counting(nullptr);
-  trackerIn(counting, road->shape, *settings);
+  trackerIn(counting, *road, *settings);
   return counting.bytes();
 }
 
@@ -183,7 +233,7 @@ NadirStatus nadir_tracker_create(const NadirRoad* road, const NadirTrackSettings
   void* block = bytes ? std::calloc(1, bytes) : nullptr;  // a state is saved whole, unused maps too
   if (!block) return NADIR_NO_MEMORY;
   Arena arena(block);
-  *tracker = trackerIn(arena, road->shape, *settings);
+  *tracker = trackerIn(arena, *road, *settings);
   return NADIR_OK;
 }
 
@@ -194,8 +244,7 @@ NadirStatus nadir_tracker_step(NadirTracker* tracker, const NadirResult* result,
   if (!areEqual(tracker->shape, result->shape)) return NADIR_FOREIGN_RESULT;
   if (!result->holdsFrame) return NADIR_NOTHING_FOUND;
   if (tracker->begun && timeNs < tracker->timeNs) return NADIR_BAD_TIME;
-  for (uint32_t i = 0; i < tracker->shape.areas; ++i)
-    stepTrack(tracker->tracks[i], tracker->settings, timeNs, sinceLast(*tracker, timeNs), measuredIn(result->areas[i]));
+  for (uint32_t i = 0; i < tracker->shape.areas; ++i) stepTrack(*tracker, i, timeNs, measuredIn(result->areas[i]));
   const bool hasMap = tracker->shape.hasMap();
   step(*tracker, timeNs, planeOf(hasMap ? result->heights : nullptr, result->shape.mapWidth, result->shape.mapHeight));
   return NADIR_OK;
@@ -211,8 +260,7 @@ NadirStatus nadir_tracker_replay(NadirTracker* tracker, const NadirMeasurement* 
   if (!areHeights(m.highest_mm, m.area_count)) return NADIR_BAD_FRAME;
   if (m.piece_mm && !areHeights(m.piece_mm, m.area_count)) return NADIR_BAD_FRAME;
   if (tracker->begun && m.time_ns < tracker->timeNs) return NADIR_BAD_TIME;
-  for (uint32_t i = 0; i < m.area_count; ++i)
-    stepTrack(tracker->tracks[i], tracker->settings, m.time_ns, sinceLast(*tracker, m.time_ns), measuredIn(m, i));
+  for (uint32_t i = 0; i < m.area_count; ++i) stepTrack(*tracker, i, m.time_ns, measuredIn(m, i));
   step(*tracker, m.time_ns, m.heights);
   return NADIR_OK;
 }
@@ -221,7 +269,9 @@ NadirStatus nadir_tracker_read(const NadirTracker* tracker, uint32_t area, Nadir
   if (!tracker || !track) return NADIR_NULL_POINTER;
   if (!isWhole(track)) return NADIR_BAD_RECORD;
   if (area >= tracker->shape.areas) return NADIR_NOTHING_FOUND;
-  *track = described(tracker->tracks[area]);
+  const HeightTrack& followed = tracker->tracks[area];
+  const double height = static_cast<double>(followed.motion.height);
+  *track = described(followed, precisionAt(*tracker, area, height).lasting);
   return NADIR_OK;
 }
 

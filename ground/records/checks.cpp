@@ -121,7 +121,8 @@ Judgement judged(const NadirTrackSettings& s) {
   const Range ranges[] = {{"average_frames", double(s.average_frames), 0, 1000},
                           {"noise_mm", s.noise_mm, justAboveZero, 1e6},
                           {"acceleration_mm_per_s2", s.acceleration_mm_per_s2, 0, 1e9},
-                          {"patience_s", s.patience_s, 0, 1e6}};
+                          {"patience_s", s.patience_s, 0, 1e6},
+                          {"disparity_px", s.disparity_px, 0, 1000}};
   return outside(NADIR_BAD_SETTING, ranges);
 }
 

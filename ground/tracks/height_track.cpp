@@ -25,42 +25,49 @@ Motion motionOf(const Kalman1d& filter) {
   return motion;
 }
 
-Kalman1d filterOf(const Motion& motion, const NadirTrackSettings& s) {
+// What a filter goes by beside what it knows.
+struct Rule {
+  float noise, lasting, acceleration;
+};
+
+Rule ruleOf(const NadirTrackSettings& settings, const Precision& precision) {
+  return {static_cast<float>(precision.noise), static_cast<float>(precision.lasting),
+          static_cast<float>(settings.acceleration_mm_per_s2)};
+}
+
+Kalman1d filterOf(const Motion& motion, const Rule& rule) {
   Kalman1d filter{};
-  IP_Kalman1d_Create(&filter, motion.height, motion.rate, static_cast<float>(s.noise_mm), firstRateDeviation,
-                     static_cast<float>(s.acceleration_mm_per_s2));
+  IP_Kalman1d_Create(&filter, motion.height, motion.rate, rule.noise, firstRateDeviation, rule.acceleration);
   std::memcpy(filter.P, motion.covariance, sizeof motion.covariance);
   return filter;
 }
 
-Motion begun(const NadirTrackSettings& s, double measuredMm) {
+Motion begun(const Rule& rule, double measuredMm) {
   Kalman1d filter{};
-  IP_Kalman1d_Create(&filter, static_cast<float>(measuredMm), 0, static_cast<float>(s.noise_mm), firstRateDeviation,
-                     static_cast<float>(s.acceleration_mm_per_s2));
+  IP_Kalman1d_Create(&filter, static_cast<float>(measuredMm), 0, rule.noise, firstRateDeviation, rule.acceleration);
   return motionOf(filter);
 }
 
-void predict(Motion& motion, const NadirTrackSettings& settings, double sinceLast) {
-  Kalman1d filter = filterOf(motion, settings);
+void predict(Motion& motion, const Rule& rule, double sinceLast) {
+  Kalman1d filter = filterOf(motion, rule);
   IP_Kalman1d_Predict(&filter, static_cast<float>(sinceLast));
   motion = motionOf(filter);
 }
 
-void update(Motion& motion, const NadirTrackSettings& settings, double measuredMm) {
-  Kalman1d filter = filterOf(motion, settings);
+void update(Motion& motion, const Rule& rule, double measuredMm) {
+  Kalman1d filter = filterOf(motion, rule);
   IP_Kalman1d_Update(&filter, static_cast<float>(measuredMm));
   motion = motionOf(filter);
 }
 
 // How far a measurement lies from the expected height, as a variance.
-float expectedVariance(const Motion& motion, const NadirTrackSettings& settings) {
-  const auto noise = static_cast<float>(settings.noise_mm);
-  return motion.covariance[0] + noise * noise;
+float expectedVariance(const Motion& motion, const Rule& rule) {
+  return motion.covariance[0] + rule.noise * rule.noise + rule.lasting * rule.lasting;
 }
 
-bool isLikely(const Motion& motion, const NadirTrackSettings& settings, double measuredMm) {
+bool isLikely(const Motion& motion, const Rule& rule, double measuredMm) {
   const double off = measuredMm - static_cast<double>(motion.height);
-  return off * off <= mostDeviations * mostDeviations * static_cast<double>(expectedVariance(motion, settings));
+  return off * off <= mostDeviations * mostDeviations * static_cast<double>(expectedVariance(motion, rule));
 }
 
 bool isFinite(const Motion& motion) {
@@ -70,8 +77,8 @@ bool isFinite(const Motion& motion) {
 }
 
 // False for what a filter comes to when its uncertainties' squares leave single precision, at either end.
-bool isUsable(const Motion& motion, const NadirTrackSettings& settings) {
-  return isFinite(motion) && std::isfinite(1 / expectedVariance(motion, settings));
+bool isUsable(const Motion& motion, const Rule& rule) {
+  return isFinite(motion) && std::isfinite(1 / (motion.covariance[0] + rule.noise * rule.noise));
 }
 
 bool isZero(const Motion& motion) {
@@ -84,29 +91,29 @@ bool isPossible(const Motion& motion) { return isFinite(motion) && motion.covari
 
 void believe(HeightTrack& track, int64_t timeNs, const Motion& motion) { track = {1, timeNs, motion, 0, {}}; }
 
-void expectNext(HeightTrack& track, const NadirTrackSettings& settings, double sinceLast) {
-  predict(track.motion, settings, sinceLast);
-  if (track.doubts > 0) predict(track.doubted, settings, sinceLast);
-  if (!isUsable(track.motion, settings) || !isFinite(track.doubted)) track = {};
+void expectNext(HeightTrack& track, const Rule& rule, double sinceLast) {
+  predict(track.motion, rule, sinceLast);
+  if (track.doubts > 0) predict(track.doubted, rule, sinceLast);
+  if (!isUsable(track.motion, rule) || !isFinite(track.doubted)) track = {};
 }
 
-void doubt(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double measuredMm) {
-  const bool again = track.doubts > 0 && isLikely(track.doubted, settings, measuredMm);
+void doubt(HeightTrack& track, const Rule& rule, int64_t timeNs, double measuredMm) {
+  const bool again = track.doubts > 0 && isLikely(track.doubted, rule, measuredMm);
   if (again)
-    update(track.doubted, settings, measuredMm);
+    update(track.doubted, rule, measuredMm);
   else
-    track.doubted = begun(settings, measuredMm);
+    track.doubted = begun(rule, measuredMm);
   track.doubts = again ? track.doubts + 1 : 1;
   if (track.doubts == framesToBelieve) believe(track, timeNs, track.doubted);
 }
 
-void goOn(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, const MeasuredHeight& measured) {
+void goOn(HeightTrack& track, const Rule& rule, int64_t timeNs, const MeasuredHeight& measured) {
   for (const double height : {measured.piece, measured.region})
-    if (isLikely(track.motion, settings, height)) {
-      update(track.motion, settings, height);
+    if (isLikely(track.motion, rule, height)) {
+      update(track.motion, rule, height);
       return believe(track, timeNs, track.motion);
     }
-  if (!std::isnan(measured.region)) doubt(track, settings, timeNs, measured.region);
+  if (!std::isnan(measured.region)) doubt(track, rule, timeNs, measured.piece);
 }
 
 }  // namespace
@@ -118,20 +125,24 @@ bool isPossible(const HeightTrack& track) {
          (track.doubts > 0 || isZero(track.doubted));
 }
 
-void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
-               const MeasuredHeight& measured) {
+void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, const Precision& precision, int64_t timeNs,
+               double sinceLast, const MeasuredHeight& measured) {
+  const Rule rule = ruleOf(settings, precision);
   if (track.active && secondsBetween(track.measuredAtNs, timeNs) > settings.patience_s) track = {};
-  if (track.active) expectNext(track, settings, sinceLast);
+  if (track.active) expectNext(track, rule, sinceLast);
   if (track.active)
-    goOn(track, settings, timeNs, measured);
+    goOn(track, rule, timeNs, measured);
   else if (!std::isnan(measured.region))
-    believe(track, timeNs, begun(settings, measured.region));
+    believe(track, timeNs, begun(rule, measured.piece));
 }
 
-NadirTrack described(const HeightTrack& track) {
+// Without what lasts, the numbers are the filter's own to the last bit.
+NadirTrack described(const HeightTrack& track, double lasting) {
   if (!track.active) return {sizeof(NadirTrack), 0, 0, 0, 0};
   const Motion& m = track.motion;
-  return {sizeof(NadirTrack), 1, m.height, m.rate, std::sqrt(m.covariance[0])};
+  const double filtered = std::sqrt(m.covariance[0]);
+  return {sizeof(NadirTrack), 1, m.height, m.rate,
+          lasting > 0 ? std::sqrt(filtered * filtered + lasting * lasting) : filtered};
 }
 
 }  // namespace nadir::ground

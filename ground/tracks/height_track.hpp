@@ -28,8 +28,14 @@ struct HeightTrack {
 
 // What a frame says of an area, mm; not-a-number for nothing.
 struct MeasuredHeight {
-  double region;  // the highest cell of regions, enough of whose cells lie in the area
-  double piece;   // the same where half of a region is enough: a track needs less to go on than to begin
+  double piece;   // the highest cell of what is at least half a region: a track needs no more to go on
+  double region;  // the same, no higher than the regions are; without one no track begins
+};
+
+// How far a measured height is off, mm, standard deviations.
+struct Precision {
+  double noise;    // in another direction in every frame
+  double lasting;  // and for as long as the same disparity is met, which no filter evens out
 };
 
 // False for numbers that no track comes to: an inactive one knows nothing.
@@ -38,9 +44,9 @@ bool isPossible(const HeightTrack& track);
 // One frame. A track whose numbers are not finite any more knows nothing, and begins anew.
 //
 // sinceLast  seconds since the frame before.
-void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, int64_t timeNs, double sinceLast,
-               const MeasuredHeight& measured);
+void stepTrack(HeightTrack& track, const NadirTrackSettings& settings, const Precision& precision, int64_t timeNs,
+               double sinceLast, const MeasuredHeight& measured);
 
-NadirTrack described(const HeightTrack& track);
+NadirTrack described(const HeightTrack& track, double lasting);
 
 }  // namespace nadir::ground

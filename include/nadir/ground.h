@@ -464,17 +464,25 @@ typedef struct NadirTrackSettings {
   double noise_mm;               /* standard deviation of a measured height; more than 0, at most 1e6 */
   double acceleration_mm_per_s2; /* standard deviation of what changes the rate; 0 to 1e9 */
   double patience_s;             /* how long a track goes on without a measurement; 0 to 1e6 */
+  double disparity_px;           /* standard deviation of a measured disparity; 0 to 1000 */
 } NadirTrackSettings;
 
-/* Fills in the defaults: no average, 10 mm, 1500 mm per square second (a walking head's), half a second. */
+/* Fills in the defaults: no average, 10 mm, 1500 mm per square second (a walking head's), half a second, and nothing
+ * said of disparities.
+ *
+ * Where disparity_px is not 0, heights are told to be as uncertain as the camera sees them: over an area's centre, at
+ * the height that is measured or tracked, they are off by as many millimetres as make up that part of a pixel. A tenth
+ * is what the matcher reaches. Most of that stays while the same disparity is met: it is in a track's deviation, and
+ * counts for what is likely, but a filter does not even it out. Six tenths as much change from frame to frame, and
+ * noise_mm is then the least of noise. */
 NADIR_API NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings);
 
 /* The height of what stands in an area, followed by a Kalman filter of height and rate (IP_Kalman1d_*). A track begins
  * at the first measured height, as uncertain as that, with a rate of 0 that is uncertain by 300 mm per second.
  *
- * Too few cells are no measurement, and a track goes on with less than what begins one: it begins at highest_mm, or at
- * piece_mm of the NadirOccupancy where that is lower, and not where either is missing; it goes on with piece_mm if that
- * is likely, or else with the height that it would begin at.
+ * Too few cells are no measurement, and a track goes on with less than what begins one: it begins at piece_mm of the
+ * NadirOccupancy, where there is highest_mm too; it goes on with piece_mm wherever that is likely, or else with the
+ * lower one of both.
  *
  * A height is unlikely that lies more than five standard deviations from where the filter expects it, its own and the
  * measurement's together. It is doubted: the track goes on as if nothing were measured. The third doubted height of the

@@ -63,7 +63,7 @@ const Table& builtInTable() {
       {"road: holes filled", 0xd7214e33738228b5u},
       {"road: given", 0xf749db66047741c5u},
       {"road: points", 0xc7e11bc8dd0d70bdu},
-      {"road: tracks", 0x0efb76174848bce1u},
+      {"road: tracks", 0x5d51861862037981u},
   };
   return table;
 }

@@ -226,7 +226,8 @@ NEXT(NadirTrackSettings, size, uint32_t, average_frames);
 NEXT(NadirTrackSettings, average_frames, double, noise_mm);
 NEXT(NadirTrackSettings, noise_mm, double, acceleration_mm_per_s2);
 NEXT(NadirTrackSettings, acceleration_mm_per_s2, double, patience_s);
-LAST(NadirTrackSettings, patience_s, 32, 32);
+NEXT(NadirTrackSettings, patience_s, double, disparity_px);
+LAST(NadirTrackSettings, disparity_px, 40, 40);
 
 FIRST(NadirTrack, uint32_t, size);
 NEXT(NadirTrack, size, uint32_t, active);

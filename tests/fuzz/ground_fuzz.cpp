@@ -199,6 +199,7 @@ NadirTrackSettings anyTracking(Input& in) {
   s.noise_mm = anyNumber(in, 1, 100);
   s.acceleration_mm_per_s2 = anyNumber(in, 0, 3000);
   s.patience_s = anyNumber(in, 0, 2);
+  s.disparity_px = in.below(2) ? 0 : anyNumber(in, 0, 2);
   return s;
 }
 

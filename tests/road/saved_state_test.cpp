@@ -38,7 +38,7 @@ struct Tracked {
 
 // The bytes of a state: its head, then `begun` and the time, the tracks of two areas, the window's count and next
 // place.
-constexpr size_t headBytes = 6 * 4 + 3 * 8, motionBytes = 6 * 4, trackBytes = 4 + 8 + motionBytes + 4 + motionBytes;
+constexpr size_t headBytes = 6 * 4 + 4 * 8, motionBytes = 6 * 4, trackBytes = 4 + 8 + motionBytes + 4 + motionBytes;
 constexpr size_t begunAt = headBytes, timeAt = begunAt + 4, tracksAt = timeAt + 8, countAt = tracksAt + 2 * trackBytes,
                  doubtsAt = tracksAt + 12 + motionBytes;
 

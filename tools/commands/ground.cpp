@@ -229,7 +229,8 @@ std::function<bool()> addSequenceOptions(CLI::App& command, GroundOptions& ofCom
   number("--average", rule.track.average_frames, wholeNumberFrom(1, 1000),
          "Frames in the window that the averaged maps are means of, {range} (default: {default})", "N");
   number("--track-noise", rule.track.noise_mm, numberFrom(0.1, 10000),
-         "How uncertain a frame's height in an area is, standard deviation, {range} (default: {default})", "MM");
+         "How uncertain a frame's height in an area is at least, standard deviation, {range} (default: {default})",
+         "MM");
   all.push_back(addThreadsOption(command, options.threads,
                                  "Frames worked on at a time, {range} (default: one for each processor)"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));

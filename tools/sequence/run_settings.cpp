@@ -48,7 +48,8 @@ Json areasJson(const std::vector<WatchedArea>& areas) {
 Json trackJson(const NadirTrackSettings& rule) {
   return {{"noise_mm", rule.noise_mm},
           {"acceleration_mm_per_s2", rule.acceleration_mm_per_s2},
-          {"patience_s", rule.patience_s}};
+          {"patience_s", rule.patience_s},
+          {"disparity_px", rule.disparity_px}};
 }
 
 struct FirstPair {
@@ -89,6 +90,8 @@ NadirTrackSettings usualTracking() {
   NadirTrackSettings settings;
   nadir_track_settings_fill(&settings);
   settings.average_frames = 10;
+  settings.noise_mm = 1;
+  settings.disparity_px = 0.1;
   return settings;
 }
 

@@ -125,7 +125,11 @@ std::vector<TrackLimit> trackLimits() {
           {"patience_s",
            [](NadirTrackSettings& s, double v) { s.patience_s = v; },
            {0, 1e6},
-           {-1e-9, 1e6 + 1, nothing, inf}}};
+           {-1e-9, 1e6 + 1, nothing, inf}},
+          {"disparity_px",
+           [](NadirTrackSettings& s, double v) { s.disparity_px = v; },
+           {0, 1000},
+           {-1e-9, 1001, nothing, inf}}};
 }
 
 class TrackLimits : public ::testing::TestWithParam<TrackLimit> {};
@@ -445,10 +449,13 @@ TEST(Belief, APieceOfARegionKeepsATrackButBeginsNone) {
   EXPECT_EQ(afterPiece(nothing, 1160, false).active, 0u);
 }
 
-TEST(Belief, APieceTallerThanRegionsKeepsATrackThatIsAsTall) {
+TEST(Belief, APieceTallerThanRegionsIsWhatTheAreaMeasures) {
   EXPECT_TRUE(sameBytes(afterPiece(250, 1160, true), afterPiece(1160, 1160, true)));
+  EXPECT_EQ(afterPiece(250, 1160, false).height_mm, 1160);
+}
+
+TEST(Belief, RegionsKeepATrackThatATallerPieceWouldNot) {
   EXPECT_TRUE(sameBytes(afterPiece(1160, 1900, true), afterPiece(1160, 1160, true)));
-  EXPECT_EQ(afterPiece(250, 1160, false).height_mm, 250);
 }
 
 TEST(Belief, TooFewCellsAreNoMeasurement) {
@@ -456,6 +463,60 @@ TEST(Belief, TooFewCellsAreNoMeasurement) {
   EXPECT_EQ(afterPiece(1160, nothing, false).active, 0u);
   EXPECT_TRUE(sameBytes(afterPiece(1700, 1160, true), afterPiece(1160, 1160, true)));
   EXPECT_EQ(afterPiece(1700, 1160, false).height_mm, 1160);
+}
+
+// ---- what a disparity is worth ----
+
+NadirTrackSettings ofDisparities(double pixels) {
+  NadirTrackSettings settings = trackSettings();
+  settings.disparity_px = pixels;
+  return settings;
+}
+
+// From straight above and 2000 mm high a pixel of disparity is depth * depth / 16000 mm everywhere.
+TEST(Precision, IsThatOfTheDisparityAtTheHeight) {
+  for (const double height : {0.0, 700.0, 1500.0})
+    for (const double pixels : {0.05, 0.1, 1.0}) {
+      const Tracker tracker = makeTracker(roadWithTwoAreas(), ofDisparities(pixels));
+      replay(tracker, 0, height);
+      const double off = pixels * (2000 - height) * (2000 - height) / 16000;
+      EXPECT_NEAR(trackOf(tracker).deviation_mm, std::hypot(std::max(10.0, 0.6 * off), off), 0.01 * off) << height;
+    }
+}
+
+TEST(Precision, GrowsWithTheDepthOfTheArea) {
+  NadirCamera camera = smallCamera();
+  camera.tilt_deg = -40;
+  const std::vector<int32_t> away = {-300, -1980, 300, -1980, 300, -1850, -300, -1850};
+  const std::vector<int32_t> nearby = {-300, -1600, 300, -1600, 300, -1470, -300, -1470};
+  const Road road = makeRoad(camera, defaultSettings(camera), {areaOf(away), areaOf(nearby)});
+  const Tracker tracker = makeTracker(road, ofDisparities(0.1));
+  ASSERT_EQ(replay(tracker, {0, {500, 500}, {}}), NADIR_OK);
+  EXPECT_GT(trackOf(tracker, 0).deviation_mm, trackOf(tracker, 1).deviation_mm + 0.5);
+}
+
+TEST(Precision, WhatLastsIsNotEvenedOut) {
+  const Tracker tracker = makeTracker(roadWithTwoAreas(), ofDisparities(0.1));
+  for (int i = 0; i < 200; ++i) replay(tracker, i * frameSeconds, 400);
+  EXPECT_GE(trackOf(tracker).deviation_mm, 0.1 * 1600 * 1600 / 16000);
+}
+
+// No camera sees it, and nothing is said of its disparity.
+TEST(Precision, AboveTheCameraIsThatOfTheNoise) {
+  for (const double height : {2000.0, 2500.0, 65535.0}) {
+    const Tracker tracker = makeTracker(roadWithTwoAreas(), ofDisparities(0.1));
+    replay(tracker, 0, height);
+    EXPECT_FLOAT_EQ(static_cast<float>(trackOf(tracker).deviation_mm), 10) << height;
+  }
+}
+
+TEST(Precision, WidensWhatIsLikely) {
+  for (const double pixels : {0.0, 0.2}) {
+    const Tracker tracker = makeTracker(roadWithTwoAreas(), ofDisparities(pixels));
+    for (uint32_t i = 0; i < 20; ++i) replay(tracker, i * frameSeconds, 400);
+    replay(tracker, 20 * frameSeconds, 500);
+    EXPECT_EQ(trackOf(tracker).height_mm > 405, pixels > 0);
+  }
 }
 
 // Walkers, measured with the error that the settings tell.
@@ -910,7 +971,7 @@ TEST(Loading, RefusesMoreThanWasSaved) {
 
 // What stands at the beginning says who saved it: a mark, the version, numbers of areas and cells, and the settings.
 TEST(Loading, RefusesEveryFlippedBitOfItsHead) {
-  constexpr size_t headBytes = 48;
+  constexpr size_t headBytes = 56;
   const Road road = roadWithTwoAreas();
   const std::vector<unsigned char> state = saved(filled(road, 9));
   const Tracker tracker = filled(road, 4);
@@ -925,12 +986,13 @@ TEST(Loading, RefusesEveryFlippedBitOfItsHead) {
 TEST(Loading, RefusesOtherSettings) {
   const Road road = roadWithTwoAreas();
   const std::vector<unsigned char> state = saved(filled(road, 9));
-  for (int member = 0; member < 4; ++member) {
+  for (int member = 0; member < 5; ++member) {
     NadirTrackSettings settings = trackSettings(3);
     settings.average_frames += member == 0;
     settings.noise_mm += member == 1;
     settings.acceleration_mm_per_s2 += member == 2;
     settings.patience_s += member == 3;
+    settings.disparity_px += member == 4;
     expectRefused(makeTracker(road, settings), state, "member " + std::to_string(member));
   }
 }
