@@ -78,7 +78,7 @@ double millimetresOfPixel(const NadirTracker& t, uint32_t area, double heightMm)
 }
 
 // Of a disparity's error the larger part belongs to its fraction of a pixel and to what is seen.
-constexpr double changingShare = 0.6;
+constexpr double changingShare = 0.4;
 
 Precision precisionAt(const NadirTracker& t, uint32_t area, double heightMm) {
   if (t.settings.disparity_px == 0 || std::isnan(heightMm)) return {t.settings.noise_mm, 0};

@@ -102,7 +102,11 @@ Judgement markCells(const NadirArea& area, const StereoCtx& context, const Shape
 
 void measure(const Shape& shape, const Extent& map, PlacedArea& placed) {
   placed.cells = 0;
-  for (uint64_t i = 0; i < shape.cells(); ++i) placed.cells += placed.mask[i];
+  for (uint32_t i = 0; i < shape.cells(); ++i) {
+    if (placed.mask[i] == 0) continue;
+    if (placed.cells++ == 0) placed.firstCell = i;
+    placed.endCell = i + 1;
+  }
   placed.wholeOnMap = true;
   for (uint32_t i = 0; i < placed.corners; ++i)
     placed.wholeOnMap &= map.holds(placed.ground[2 * i], placed.ground[2 * i + 1]);

@@ -14,6 +14,7 @@ struct PlacedArea {
   uint32_t corners;
   uint8_t* mask;  // of the map: 1 for each of its cells
   uint32_t cells;
+  uint32_t firstCell, endCell;  // they lie among these of the map
   bool wholeOnMap;
 };
 

@@ -9,9 +9,9 @@ namespace nadir::ground {
 
 namespace {
 
-uint32_t countSeen(const PlacedArea& area, const uint16_t* heights, uint64_t cells) {
+uint32_t countSeen(const PlacedArea& area, const uint16_t* heights) {
   uint32_t seen = 0;
-  for (uint64_t i = 0; i < cells; ++i) seen += area.mask[i] != 0 && heights[i] != 0;
+  for (uint32_t i = area.firstCell; i < area.endCell; ++i) seen += area.mask[i] != 0 && heights[i] != 0;
   return seen;
 }
 
@@ -22,17 +22,16 @@ uint32_t enoughCells(double leastOfRegion, const PlacedArea& area) {
 }
 
 // The cells of dropped regions count as those of kept ones do.
-uint32_t highestPiece(const PlacedArea& area, const uint16_t* heights, uint32_t cells, uint32_t enough,
-                      const RegionMemory& m) {
-  const auto joins = [&](uint32_t i) { return area.mask[i] != 0 && m.grown[i] != 0; };
+uint32_t highestPiece(const PlacedArea& area, const uint16_t* heights, uint32_t enough, const RegionMemory& m) {
   uint16_t* const counts = m.kept;
   uint32_t highest = 0;
-  for (uint32_t i = 0; i < cells; ++i)
-    if (joins(i)) counts[m.grown[i]] = 0;
-  for (uint32_t i = 0; i < cells; ++i)
-    if (joins(i)) ++counts[m.grown[i]];
-  for (uint32_t i = 0; i < cells; ++i)
-    if (joins(i) && counts[m.grown[i]] >= enough && heights[i] > highest) highest = heights[i];
+  for (uint32_t i = area.firstCell; i < area.endCell; ++i) counts[m.grown[i]] = 0;
+  for (uint32_t i = area.firstCell; i < area.endCell; ++i)
+    counts[m.grown[i]] = static_cast<uint16_t>(counts[m.grown[i]] + area.mask[i]);
+  for (uint32_t i = area.firstCell; i < area.endCell; ++i) {
+    const uint16_t label = m.grown[i];
+    if (label != 0 && area.mask[i] != 0 && counts[label] >= enough && heights[i] > highest) highest = heights[i];
+  }
   return highest;
 }
 
@@ -57,9 +56,8 @@ uint32_t fillOccupancies(const PlacedArea* areas, const uint16_t* heights, const
     const uint8_t* mask = areas[a].mask;
     const auto inside = [mask](uint32_t i) { return mask[i] != 0; };
     const uint32_t covered = sortByGroup(labels, heights, cells, regions, inside, m.begins, m.sorted);
-    const uint32_t piece = highestPiece(areas[a], heights, cells, enoughCells(leastOfRegion, areas[a]), m);
-    occupancies[a] =
-        occupancyOf(areas[a], countSeen(areas[a], heights, cells), cellSet(m.sorted, covered), count, piece);
+    const uint32_t piece = highestPiece(areas[a], heights, enoughCells(leastOfRegion, areas[a]), m);
+    occupancies[a] = occupancyOf(areas[a], countSeen(areas[a], heights), cellSet(m.sorted, covered), count, piece);
     for (uint32_t label = 1; label <= regions; ++label)
       if (const uint32_t shared = m.begins[label + 1] - m.begins[label])
         shares[count++] = shareOf(label, cellSet(m.sorted + m.begins[label], shared));

@@ -471,10 +471,10 @@ typedef struct NadirTrackSettings {
  * said of disparities.
  *
  * Where disparity_px is not 0, heights are told to be as uncertain as the camera sees them: over an area's centre, at
- * the height that is measured or tracked, they are off by as many millimetres as make up that part of a pixel. A tenth
- * is what the matcher reaches. Most of that stays while the same disparity is met: it is in a track's deviation, and
- * counts for what is likely, but a filter does not even it out. Six tenths as much change from frame to frame, and
- * noise_mm is then the least of noise. */
+ * the height that is measured or tracked, they are off by as many millimetres as make up that part of a pixel. 0.15 is
+ * what the matcher reaches on small things. Most of that stays while the same disparity is met: it is in a track's
+ * deviation, and counts for what is likely, but a filter does not even it out. Four tenths as much change from frame to
+ * frame, and noise_mm is then the least of noise. */
 NADIR_API NadirStatus nadir_track_settings_fill(NadirTrackSettings* settings);
 
 /* The height of what stands in an area, followed by a Kalman filter of height and rate (IP_Kalman1d_*). A track begins

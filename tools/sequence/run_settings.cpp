@@ -91,7 +91,7 @@ NadirTrackSettings usualTracking() {
   nadir_track_settings_fill(&settings);
   settings.average_frames = 10;
   settings.noise_mm = 1;
-  settings.disparity_px = 0.1;
+  settings.disparity_px = 0.15;
   return settings;
 }
 

@@ -480,7 +480,7 @@ TEST(Precision, IsThatOfTheDisparityAtTheHeight) {
       const Tracker tracker = makeTracker(roadWithTwoAreas(), ofDisparities(pixels));
       replay(tracker, 0, height);
       const double off = pixels * (2000 - height) * (2000 - height) / 16000;
-      EXPECT_NEAR(trackOf(tracker).deviation_mm, std::hypot(std::max(10.0, 0.6 * off), off), 0.01 * off) << height;
+      EXPECT_NEAR(trackOf(tracker).deviation_mm, std::hypot(std::max(10.0, 0.4 * off), off), 0.01 * off) << height;
     }
 }
 
