@@ -51,6 +51,18 @@ struct NearRows {
 // neighbour; 0 where the pixel is not known or these are fewer than `least`.
 using MeanRow = void (*)(const NearRows& rows, size_t n, uint16_t least, uint16_t* mean);
 
+// Rows of opinions that two passes agree on, around one of n pixels: nearbySide of them, each with n + 2 * nearby, of
+// which the first and the last `nearby` are neighbours only. 0 where they agree on none.
+struct AgreedRows {
+  const uint16_t* row[nearbySide];
+};
+
+// own becomes what is agreed on. Where that is nothing, it becomes own or other, whichever more of the 7 x 7 agreed
+// ones around it are close to, as long as these are at least `least`; 0 where they are fewer, or as many for either.
+//
+// least  more than 0
+using SupportRow = void (*)(const AgreedRows& agreed, const uint16_t* other, size_t n, uint16_t least, uint16_t* own);
+
 // ---- places on the map ----
 
 // Disparities in pixels, the shift added; 0 where there is none: where `stored`, in 1/16 pixel, is 0, or `given`, in
@@ -98,6 +110,7 @@ struct RoadKernels {
   CodeRow mirrorCodes;           // census codes, the last first
   HalveRow halve;
   AgreeRow agree;
+  SupportRow support;
   CloseRow close;
   MeanRow mean;
   PixelsOfStored pixelsOf;

@@ -75,6 +75,42 @@ struct RoadRows {
 
   static bool areClose(uint16_t a, uint16_t b) { return (a != 0) & (b != 0) & (difference(a, b) <= closeness); }
 
+  [[gnu::noinline]] static void addSupport(const uint16_t* agreed, const uint16_t* own, const uint16_t* other, size_t n,
+                                           uint16_t* ofOwn, uint16_t* ofOther) {
+    forEachPixel(n, [=](size_t i) {
+      uint16_t forOwn = 0, forOther = 0;
+      for (int k = 0; k < nearbySide; ++k) {
+        const uint16_t near = agreed[i + static_cast<size_t>(k)];
+        forOwn = static_cast<uint16_t>(forOwn + areClose(own[i], near));
+        forOther = static_cast<uint16_t>(forOther + areClose(other[i], near));
+      }
+      ofOwn[i] = static_cast<uint16_t>(ofOwn[i] + forOwn);
+      ofOther[i] = static_cast<uint16_t>(ofOther[i] + forOther);
+    });
+  }
+
+  [[gnu::noinline]] static void keepBetter(const uint16_t* agreed, const uint16_t* other, const uint16_t* ofOwn,
+                                           const uint16_t* ofOther, size_t n, uint16_t least, uint16_t* own) {
+    forEachPixel(n, [=](size_t i) {
+      const bool isOwn = (ofOwn[i] > ofOther[i]) & (ofOwn[i] >= least);
+      const bool isOther = (ofOther[i] > ofOwn[i]) & (ofOther[i] >= least);
+      const uint16_t kept = isOther ? other[i] : uint16_t{0};
+      const uint16_t better = isOwn ? own[i] : kept;
+      own[i] = agreed[i] != 0 ? agreed[i] : better;
+    });
+  }
+
+  static void support(const AgreedRows& agreed, const uint16_t* other, size_t n, uint16_t least, uint16_t* own) {
+    constexpr size_t stretch = 256;
+    for (size_t from = 0; from < n; from += stretch) {
+      const size_t m = n - from < stretch ? n - from : stretch;
+      uint16_t ofOwn[stretch] = {};
+      uint16_t ofOther[stretch] = {};
+      for (const uint16_t* row : agreed.row) addSupport(row + from, own + from, other + from, m, ofOwn, ofOther);
+      keepBetter(agreed.row[nearby] + nearby + from, other + from, ofOwn, ofOther, m, least, own + from);
+    }
+  }
+
   static void close(const uint16_t* row, size_t n, uint16_t* more, uint16_t* count) {
     forEachPixel(n, [=](size_t i) {
       const uint16_t own = row[i + nearby];
@@ -265,6 +301,7 @@ struct RoadRows {
     kernels.mirrorCodes = mirrorCodes;
     kernels.halve = halve;
     kernels.agree = agree;
+    kernels.support = support;
     kernels.close = close;
     kernels.mean = mean;
     kernels.pixelsOf = pixelsOf;

@@ -53,7 +53,7 @@ Judgement judgedMatching(const NadirSettings& s) {
                           {"postprocess", double(s.postprocess), 0, 1},
                           {"check", double(s.check), NADIR_CHECK_NONE, NADIR_CHECK_BOTH},
                           {"refine", double(s.refine), NADIR_REFINE_NONE, NADIR_REFINE_SURFACE},
-                          {"reserved", double(s.reserved), 0, 0}};
+                          {"support", double(s.support), 0, NADIR_LARGEST_SUPPORT}};
   if (s.range != NADIR_RANGE_61 && s.range != NADIR_RANGE_122 && s.range != NADIR_RANGE_244)
     return {NADIR_BAD_SETTING, "range"};
   return outside(NADIR_BAD_SETTING, ranges);

@@ -8,6 +8,7 @@
 #include "ground/kernels/kernels.hpp"
 #include "ground/stations/halves.hpp"
 #include "ground/stations/opinions.hpp"
+#include "ground/stations/rows_around.hpp"
 
 namespace nadir::ground {
 
@@ -79,8 +80,11 @@ void matchAllWays(const Taking& taking, const MatchMemory& m, const NadirSetting
   pass(m.pass, settings, shape, m.cleaned);
 }
 
-void judgeOpinions(const Taking& taking, const MatchMemory& m) {
-  if (m.turned) keepAgreed(m.turned, taking.shape, m.cleaned);
+void judgeOpinions(const Taking& taking, const MatchMemory& m, const NadirSettings& settings) {
+  if (m.agreed)
+    keepSupported(m.turned, settings.support, taking.shape, m.agreed, m.cleaned);
+  else if (m.turned)
+    keepAgreed(m.turned, taking.shape, m.cleaned);
   if (m.otherSide) keepConfirmed(m.otherSide, taking.shape, m.cleaned);
 }
 
@@ -142,7 +146,7 @@ void matchCodes(const Taking& taking, const MatchMemory& m, const NadirSettings&
   stages.begin(taking.times ? "matching halves" : "matching");
   matchAllWays(taking, m, settings);
   stages.begin(taking.times ? "checking halves" : "checking");
-  judgeOpinions(taking, m);
+  judgeOpinions(taking, m, settings);
   finish(taking, m, settings);
 }
 
@@ -175,6 +179,7 @@ MatchMemory matchMemory(Arena& arena, const Shape& shape, const NadirSettings& s
   m.cleaned = arena.take<uint16_t>(shape.pixels());
   if (hasTurnedPass(settings)) m.turned = arena.take<uint16_t>(shape.pixels());
   if (hasPassFromOtherSide(settings)) m.otherSide = arena.take<uint16_t>(shape.pixels());
+  if (hasTurnedPass(settings) && settings.support > 0) m.agreed = rowsAroundMemory(arena, shape.width);
   if (settings.refine) m.refine = refineMemory(arena, shape);
   m.halvings = halvings(settings.range, shape);
   for (uint32_t times = 1; times <= m.halvings; ++times)

@@ -16,6 +16,7 @@ struct MatchMemory {
   PassMemory pass;
   uint16_t* cleaned;             // disparities on the matcher's grid
   uint16_t *turned, *otherSide;  // those of passes that check them; null where there is none
+  uint16_t* agreed;              // likewise, rows of what they agree on
   RefineMemory refine;           // likewise
   uint32_t halvings;             // how often the pictures are halved
   uint16_t* nearer[2];           // disparities of the view in pictures that were halved once and twice

@@ -137,6 +137,12 @@ typedef struct NadirArea {
 #define NADIR_CHECK_SIDES 2 /* the other view measured: what it does not confirm goes, so what only one view shows */
 #define NADIR_CHECK_BOTH 3
 
+/* Where both ways up do not agree, one of them may still be right, above all along the rims of things. It stays if it
+ * has support: if so many of the 48 pixels around that both agree on lie within three quarters of a pixel of it, and
+ * more than of the other. The fewer are asked for, the denser is the result and the more often wrong; 0 keeps none. It
+ * means something with NADIR_CHECK_FLIP and NADIR_CHECK_BOTH, before what the other view says. */
+#define NADIR_LARGEST_SUPPORT 48
+
 /* The largest disparities that are found, pixels. Beyond 61 the pair is matched again in pictures of half the width and
  * height, and beyond 122 in those of a quarter: what is near is large, and does not need the pixels that what is far
  * away needs. Pictures do not become narrower than 64 columns. */
@@ -170,7 +176,7 @@ typedef struct NadirSettings {
   uint32_t check;       /* NADIR_CHECK_... */
   uint32_t refine;      /* NADIR_REFINE_... */
   uint32_t range;       /* NADIR_RANGE_... */
-  uint32_t reserved;    /* 0 */
+  uint32_t support;     /* 0 to NADIR_LARGEST_SUPPORT */
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes

@@ -65,8 +65,8 @@ NEXT(NadirSettings, max_step_mm, double, min_area_m2);
 NEXT(NadirSettings, min_area_m2, uint32_t, check);
 NEXT(NadirSettings, check, uint32_t, refine);
 NEXT(NadirSettings, refine, uint32_t, range);
-NEXT(NadirSettings, range, uint32_t, reserved);
-LAST(NadirSettings, reserved, 80, 80);
+NEXT(NadirSettings, range, uint32_t, support);
+LAST(NadirSettings, support, 80, 80);
 
 FIRST(NadirPlane, const void*, data);
 NEXT(NadirPlane, data, size_t, stride);

@@ -113,6 +113,21 @@ Fingerprint matchedAgain() {
   return hash;
 }
 
+// What two passes disagree on, kept more and less easily.
+Fingerprint supported() {
+  Fingerprint hash;
+  for (const uint32_t grid : lab::bothGrids)
+    for (const uint32_t support : {1, 8, 20}) {
+      lab::RoadPlan plan = somePlan();
+      plan.settings.grid = grid;
+      plan.settings.check = support == 20 ? NADIR_CHECK_BOTH : NADIR_CHECK_FLIP;
+      plan.settings.range = NADIR_RANGE_122;
+      plan.settings.support = support;
+      addFoundAndPoints(hash, plan, someFrame());
+    }
+  return hash;
+}
+
 Fingerprint ranges() {
   Fingerprint hash;
   lab::RoadPlan plan = somePlan();
@@ -183,6 +198,7 @@ std::vector<Case> groundCases() {
           {"RoadOfEightBits", ofEightBits},
           {"RoadWithoutHoles", withoutHoles},
           {"RoadMatchedAgain", matchedAgain},
+          {"RoadSupported", supported},
           {"RoadRanges", ranges},
           {"RoadGiven", given},
           {"RoadTracked", tracked}};

@@ -12,6 +12,7 @@
 namespace nadir::test {
 namespace {
 
+using ground::AgreedRows;
 using ground::agreement;
 using ground::AgreeRow;
 using ground::closeness;
@@ -32,6 +33,7 @@ using ground::PlaceRow;
 using ground::Placing;
 using ground::RankedValue;
 using ground::roadKernels;
+using ground::SupportRow;
 
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr size_t benchWidth = 640, benchHeight = 480;
@@ -126,6 +128,51 @@ void checkAgree(Check& check, AgreeRow, AgreeRow tested) {
 }
 
 bool areClose(uint16_t a, uint16_t b) { return a && b && apart(a, b) <= closeness; }
+
+// How many of the 7 x 7 around a pixel are close to what is said of it.
+uint16_t support(const std::vector<std::vector<uint16_t>>& agreed, size_t i, uint16_t said) {
+  uint16_t found = 0;
+  for (const std::vector<uint16_t>& row : agreed)
+    for (size_t k = i; k < i + nearbySide; ++k) found = static_cast<uint16_t>(found + areClose(said, row[k]));
+  return found;
+}
+
+uint16_t better(uint16_t own, uint16_t ofOwn, uint16_t other, uint16_t ofOther, uint16_t least) {
+  if (ofOwn == ofOther || std::max(ofOwn, ofOther) < least) return 0;
+  return ofOwn > ofOther ? own : other;
+}
+
+std::vector<uint16_t> scattered(lab::Random& random, const std::vector<uint16_t>& base, uint32_t by) {
+  std::vector<uint16_t> out;
+  for (const uint16_t d : base)
+    out.push_back(static_cast<uint16_t>(d && random.below(4) ? d + random.below(by) : random.below(50)));
+  return out;
+}
+
+void checkSupport(Check& check, SupportRow, SupportRow tested) {
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) {
+    const auto base = surface(check.random, n + 2 * nearby, 16);
+    std::vector<std::vector<uint16_t>> rows;
+    std::list<Guarded<uint16_t>> known;
+    AgreedRows agreed = {};
+    for (const uint16_t*& row : agreed.row) {
+      rows.push_back(scattered(check.random, base, 12));
+      for (uint16_t& d : rows.back()) d = static_cast<uint16_t>(check.random.below(3) ? d : 0);
+      row = known.emplace_back(rows.back(), side).data();
+    }
+    const std::vector<uint16_t> middle(base.begin() + nearby, base.end() - nearby);
+    const Guarded<uint16_t> other(scattered(check.random, middle, 40), side);
+    Output<uint16_t> want(n, side), own(n, side);
+    own.set(scattered(check.random, middle, 40));
+    const auto least = static_cast<uint16_t>(1 + check.random.below(30));
+    for (size_t i = 0; i < n; ++i) {
+      const uint16_t mine = own.data()[i], both = rows[nearby][i + nearby];
+      want.data()[i] = both ? both : better(mine, support(rows, i, mine), other[i], support(rows, i, other[i]), least);
+    }
+    tested(agreed, other.data(), n, least, own.data());
+    check.equal("disparity", want, own);
+  });
+}
 
 // What a pixel's stretch of a row says more than it does, and how many pixels say it.
 struct Stretch {
@@ -506,6 +553,12 @@ void benchAgree(AgreeRow kernel) {
   forRows([=](size_t) { kernel(benchSurface().data(), benchOutput().data(), benchWidth); });
 }
 
+void benchSupport(SupportRow kernel) {
+  AgreedRows agreed = {};
+  for (const uint16_t*& row : agreed.row) row = benchSurface().data();
+  forRows([&](size_t) { kernel(agreed, benchSurface().data(), benchWidth, 12, benchOutput().data()); });
+}
+
 void benchClose(CloseRow kernel) {
   static std::vector<uint16_t> count(benchWidth);
   forRows([=](size_t) { kernel(benchSurface().data(), benchWidth, benchOutput().data(), count.data()); });
@@ -584,6 +637,8 @@ void addRoadCases(Registry& r) {
       r, "halve_known", [](unsigned c) { return roadKernels(c).halve; }, checkHalve, benchHalve);
   addModelled<AgreeRow>(
       r, "agree", [](unsigned c) { return roadKernels(c).agree; }, checkAgree, benchAgree);
+  addModelled<SupportRow>(
+      r, "support", [](unsigned c) { return roadKernels(c).support; }, checkSupport, benchSupport);
   addModelled<CloseRow>(
       r, "close", [](unsigned c) { return roadKernels(c).close; }, checkClose, benchClose);
   addModelled<MeanRow>(

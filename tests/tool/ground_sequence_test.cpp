@@ -616,6 +616,7 @@ const std::vector<Setting> settings = {
     {"--grid", "right", "view is "},
     {"--uniqueness", "7", "uniqueness is "},
     {"--check", "sides", "check is "},
+    {"--support", "9", "support is "},
     {"--refine", "none", "refine is "},
     {"--range", "244", "range_px is "},
     {"--tallest", "3450", "range_px is "},

@@ -39,6 +39,7 @@ TextChunks texts(const DisparityOptions& options) {
   TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.match.view);
   texts["nadir:uniqueness"] = std::to_string(options.match.uniqueness);
   texts["nadir:check"] = wordOf(checkWords(), options.match.check);
+  texts["nadir:support"] = std::to_string(options.match.support);
   texts["nadir:refine"] = wordOf(refineWords(), options.match.refine);
   texts["nadir:range"] = wordOf(rangeWords(), options.match.range);
   texts["nadir:post-processing"] = options.match.noPostprocessing ? "no" : "yes";

@@ -48,6 +48,10 @@ std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& op
               "Match again to tell guesses from measurements: flip, both pictures upside down; sides, from the other "
               "view; both; none (default: {default}). flip and sides take up to twice the time, both up to three times",
               "HOW"),
+      addNumber(command, "--support", options.support, wholeNumberFrom(0, NADIR_LARGEST_SUPPORT),
+                "With flip and both: where the two disagree, keep what at least so many of the pixels around that they "
+                "agree on lie close to, {range}; 0 keeps nothing (default: {default})",
+                "N"),
       addWord(command, "--refine", refineWords(), options.refine,
               "What disparities become: surface, the mean of those nearby that lie on the same surface, and none "
               "where there are too few; none, they stay (default: {default})",

@@ -43,7 +43,7 @@ CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, 
 
 CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help);
 
-// --check, --refine and --range, which takes one of these words.
+// --check, --support, --refine and --range, which takes one of these words.
 std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options, const Words& ranges,
                                              const char* rangeHelp);
 

@@ -18,11 +18,9 @@ Json disparitiesJson(const NadirPixelCounts& counts, size_t pixels) {
 Json matchingJson(const Road& road) {
   if (!road.options.disparity.empty()) return Json();
   const NadirSettings& s = road.settings;
-  return {{"uniqueness", s.uniqueness},
-          {"check", wordOf(checkWords(), s.check)},
-          {"refine", wordOf(refineWords(), s.refine)},
-          {"range_px", s.range},
-          {"post_processing", s.postprocess != 0}};
+  return {{"uniqueness", s.uniqueness}, {"check", wordOf(checkWords(), s.check)},
+          {"support", s.support},       {"refine", wordOf(refineWords(), s.refine)},
+          {"range_px", s.range},        {"post_processing", s.postprocess != 0}};
 }
 
 Json mapJson(const Road& road, const NadirFindings& findings) {

@@ -56,6 +56,7 @@ NadirSettings withOptions(NadirSettings settings, const MatchOptions& options) {
   settings.postprocess = !options.noPostprocessing;
   settings.uniqueness = options.uniqueness;
   settings.check = options.check;
+  settings.support = options.support;
   settings.refine = options.refine;
   settings.range = options.range;
   return settings;

@@ -18,6 +18,7 @@ struct MatchOptions {
   bool noPostprocessing = false;
   uint32_t uniqueness = usualSettings().uniqueness;
   uint32_t check = usualSettings().check;  // NADIR_CHECK_...
+  uint32_t support = usualSettings().support;
   uint32_t refine = NADIR_REFINE_SURFACE;  // NADIR_REFINE_...; it costs little and mends more than it empties
   uint32_t range = usualSettings().range;  // NADIR_RANGE_..., or automaticRange
 };

@@ -73,6 +73,7 @@ Json settingsJson(const Road& road, const SequenceRule& rule, const FirstPair& f
           {"view", nameOf(road.options.match.view)},
           {"uniqueness", settings.uniqueness},
           {"check", wordOf(checkWords(), settings.check)},
+          {"support", settings.support},
           {"refine", wordOf(refineWords(), settings.refine)},
           {"range_px", settings.range},
           {"post_processing", settings.postprocess != 0},

@@ -92,7 +92,7 @@ std::vector<Limit<NadirSettings>> settingsLimits() {
           {MEMBER(NadirSettings, min_area_m2), {0, 1e6}, tooMuch},
           {MEMBER(NadirSettings, check), {0, 1, 2, 3}, {4, 4294967295.0}},
           {MEMBER(NadirSettings, refine), {0, 1}, {2, 4294967295.0}},
-          {MEMBER(NadirSettings, reserved), {0}, {1, 4294967295.0}},
+          {MEMBER(NadirSettings, support), {0, 1, 48}, {49, 4294967295.0}},
           {MEMBER(NadirSettings, range), {61, 122, 244}, {0, 60, 62, 121, 123, 183, 243, 245, 488, 4294967295.0}}};
 }
 

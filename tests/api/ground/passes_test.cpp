@@ -105,11 +105,12 @@ struct Asked {
   uint32_t check = NADIR_CHECK_NONE;
   uint32_t refine = NADIR_REFINE_NONE;
   uint32_t range = NADIR_RANGE_61;
+  uint32_t support = 0;
 };
 
 std::ostream& operator<<(std::ostream& out, const Asked& asked) {
   return out << "grid " << asked.grid << ", clean-up " << asked.postprocess << ", check " << asked.check << ", refine "
-             << asked.refine << ", range " << asked.range;
+             << asked.refine << ", range " << asked.range << ", support " << asked.support;
 }
 
 std::vector<Asked> plainPasses() {
@@ -118,6 +119,11 @@ std::vector<Asked> plainPasses() {
 
 Asked with(Asked asked, uint32_t check) {
   asked.check = check;
+  return asked;
+}
+
+Asked supported(Asked asked, uint32_t support) {
+  asked.support = support;
   return asked;
 }
 
@@ -133,6 +139,7 @@ NadirSettings settingsOf(const Asked& asked) {
   settings.check = asked.check;
   settings.refine = asked.refine;
   settings.range = asked.range;
+  settings.support = asked.support;
   return settings;
 }
 
@@ -186,8 +193,53 @@ TEST(CheckFlip, GivesTheMeanWhereBothWaysUpAgree) {
 TEST(CheckFlip, DoesNotCareWhichWayIsUp) {
   const Pair pair = covered(boxes(130, 47));
   for (const Asked& plain : plainPasses()) {
-    const Asked asked = with(plain, NADIR_CHECK_FLIP);
-    EXPECT_TRUE(same(matched(pair, asked).pixels, flipped(matched(flipped(pair), asked)).pixels)) << asked;
+    for (const uint32_t support : {0, 8}) {
+      const Asked asked = supported(with(plain, NADIR_CHECK_FLIP), support);
+      EXPECT_TRUE(same(matched(pair, asked).pixels, flipped(matched(flipped(pair), asked)).pixels)) << asked;
+    }
+  }
+}
+
+// How many of the 7 x 7 around a pixel, as far as they are in the picture, lie close to what is said of it.
+uint32_t supportOf(uint32_t said, const Picture& agreed, uint32_t x, uint32_t y) {
+  uint32_t found = 0;
+  for (uint32_t j = y < 3 ? 0 : y - 3; j < std::min(agreed.height, y + 4); ++j)
+    for (uint32_t i = x < 3 ? 0 : x - 3; i < std::min(agreed.width, x + 4); ++i)
+      found += said != 0 && agreed.at(i, j) != 0 && std::abs(int(agreed.at(i, j)) - int(said)) <= 12;
+  return found;
+}
+
+struct Opinions {
+  Picture upright, upsideDown, agreed;
+
+  uint16_t kept(uint32_t x, uint32_t y, uint32_t least) const {
+    if (agreed.at(x, y) != 0) return agreed.at(x, y);
+    const uint32_t up = supportOf(upright.at(x, y), agreed, x, y);
+    const uint32_t down = supportOf(upsideDown.at(x, y), agreed, x, y);
+    if (up == down || std::max(up, down) < least) return 0;
+    return up > down ? upright.at(x, y) : upsideDown.at(x, y);
+  }
+};
+
+TEST(Support, KeepsOpinionsThatEnoughAgreedPixelsAroundAreCloseTo) {
+  for (const Asked& asked : plainPasses()) {
+    const Pair pair = boxes(130, 47);
+    const Opinions all{matched(pair, asked), flipped(matched(flipped(pair), asked)), bothWaysUp(pair, asked)};
+    for (const uint32_t least : {1, 8, 20}) {
+      const Picture got = matched(pair, supported(with(asked, NADIR_CHECK_FLIP), least));
+      EXPECT_TRUE(least > 8 || values(got) > values(all.agreed)) << asked << ", " << least;
+      for (uint32_t y = 0; y < got.height && !::testing::Test::HasFailure(); ++y)
+        for (uint32_t x = 0; x < got.width; ++x)
+          ASSERT_EQ(got.at(x, y), all.kept(x, y, least)) << x << ", " << y << ", " << asked << ", " << least;
+    }
+  }
+}
+
+TEST(Support, MeansNothingToAPassThatStandsAlone) {
+  const Pair pair = boxes(130, 47);
+  for (const uint32_t check : {NADIR_CHECK_NONE, NADIR_CHECK_SIDES}) {
+    const Asked asked = with({NADIR_GRID_LEFT, 1}, check);
+    EXPECT_TRUE(same(matched(pair, asked).pixels, matched(pair, supported(asked, 8)).pixels)) << asked;
   }
 }
 
@@ -270,6 +322,7 @@ TEST(CheckBoth, KeepsWhatTheOtherViewConfirmsOfBothWaysUp) {
     SCOPED_TRACE(asked);
     expectWhatIsConfirmed(sides(boxes(130, 47), asked, NADIR_CHECK_BOTH));
     expectWhatIsConfirmed(sides(covered(boxes(130, 47)), asked, NADIR_CHECK_BOTH));
+    expectWhatIsConfirmed(sides(boxes(130, 47), supported(asked, 8), NADIR_CHECK_BOTH));
   }
 }
 
@@ -457,13 +510,19 @@ TEST(Range, PicturesDoNotBecomeNarrowerThanSixtyFourColumns) {
 
 // ---- all of them together ----
 
+std::vector<uint32_t> supportsOf(uint32_t check) {
+  if (check == NADIR_CHECK_FLIP || check == NADIR_CHECK_BOTH) return {0, 8};
+  return {0};
+}
+
 std::vector<Asked> everyPass() {
   std::vector<Asked> out;
   for (const Asked& plain : plainPasses())
     for (const uint32_t check : {NADIR_CHECK_NONE, NADIR_CHECK_FLIP, NADIR_CHECK_SIDES, NADIR_CHECK_BOTH})
       for (const uint32_t refine : {NADIR_REFINE_NONE, NADIR_REFINE_SURFACE})
         for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122})
-          out.push_back({plain.grid, plain.postprocess, check, refine, range});
+          for (const uint32_t support : supportsOf(check))
+            out.push_back({plain.grid, plain.postprocess, check, refine, range, support});
   return out;
 }
 
