@@ -98,7 +98,7 @@ void expectNext(HeightTrack& track, const Rule& rule, double sinceLast) {
 }
 
 void doubt(HeightTrack& track, const Rule& rule, int64_t timeNs, double measuredMm) {
-  const bool again = track.doubts > 0 && isLikely(track.doubted, rule, measuredMm);
+  const bool again = track.doubts > 0 && isUsable(track.doubted, rule) && isLikely(track.doubted, rule, measuredMm);
   if (again)
     update(track.doubted, rule, measuredMm);
   else

@@ -83,6 +83,18 @@ TEST(RoadSavedState, NumbersThatNoTrackerComesToAreRefused) {
   for (const auto& b : bad) EXPECT_EQ(tracked.load(forged(state, b.at, b.value)), NADIR_BAD_STATE) << b.what;
 }
 
+TEST(RoadSavedState, AnAreaWhereNothingIsFollowedKnowsNothing) {
+  const lab::Road road(smallPlan());
+  const lab::Tracker tracker(road, tracking());
+  const std::vector<uint8_t> state = tracker.saved();
+  ASSERT_EQ(nadir_tracker_load(tracker.get(), state.data(), state.size()), NADIR_OK);
+  for (size_t at = tracksAt + 4; at < countAt; ++at) {
+    if (at >= tracksAt + trackBytes && at < tracksAt + trackBytes + 4) continue;  // whether something is followed
+    const std::vector<uint8_t> knowing = forged(state, at, 1);
+    EXPECT_EQ(nadir_tracker_load(tracker.get(), knowing.data(), knowing.size()), NADIR_BAD_STATE) << at;
+  }
+}
+
 // Each of a track's floats becomes an infinity by its two highest bytes.
 TEST(RoadSavedState, NumbersThatAreNotFiniteAreRefused) {
   const Tracked tracked;

@@ -465,6 +465,23 @@ TEST(Belief, TooFewCellsAreNoMeasurement) {
   EXPECT_EQ(afterPiece(1700, 1160, false).height_mm, 1160);
 }
 
+// The squares of such noise lie at the end of single precision: whatever becomes of doubts, the state stays one.
+TEST(Belief, DoubtsOfTheLeastNoiseCanBeSaved) {
+  const Road road = roadWithTwoAreas();
+  NadirTrackSettings settings = trackSettings();
+  for (const double noise : {1e-18, 1e-19, 5e-20, 1e-20, 1e-22}) {
+    settings.noise_mm = noise;
+    const Tracker tracker = makeTracker(road, settings), other = makeTracker(road, settings);
+    double time = 0;
+    for (const double height : {1000.0, 0.0, 900.0, 900.0, 900.0, 300.0, 300.0, 900.0}) {
+      if (height == 0) time = 0.1;
+      replay(tracker, time, height > 0 ? height : nothing);
+      const std::vector<unsigned char> state = saved(tracker);
+      ASSERT_EQ(nadir_tracker_load(other.get(), state.data(), state.size()), NADIR_OK) << noise;
+    }
+  }
+}
+
 // ---- what a disparity is worth ----
 
 NadirTrackSettings ofDisparities(double pixels) {
