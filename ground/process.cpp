@@ -4,6 +4,7 @@
 #include "ground/result.hpp"
 #include "ground/road.hpp"
 #include "ground/stations/occupancy.hpp"
+#include "ground/stations/picture_edge.hpp"
 
 namespace nadir::ground {
 
@@ -56,9 +57,12 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
   r.filledCells = fillHoles(road.shape, road.holes, r.heights);
 }
 
-void findWhatStands(const NadirRoad& road, const Stages& stages, NadirResult& r) {
+void findWhatStands(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
   stages.begin("regions");
-  r.regionCount = findRegions(r.heights, road.context, road.settings, road.shape, road.regions, r.labels, r.regions);
+  r.regionCount = findRegions(r.heights, road.context, road.settings, road.shape, road.areas, road.regions, r.labels,
+                              r.regions);
+  markAtPictureEdge(disparityRows(road, frame, r), pictureEdge(road.settings, road.match.halvings, road.columnShift),
+                    road.shape, road.sort, r.labels, r.regions);
   const ElevMapParams& map = road.context.mapParams;
   const double leastOfRegion = road.settings.min_area_m2 * 1e6 / map.cellSizeX / map.cellSizeY;
   r.shareCount = fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, leastOfRegion, road.shape,
@@ -92,7 +96,7 @@ void work(const NadirRoad& road, const NadirFrame& frame, NadirResult& r) {
   findDisparities(road, frame, stages, r);
   judgeFrame(road, frame, stages, r);
   if (road.shape.hasMap()) findHeights(road, frame, stages, r);
-  if (road.shape.hasRegions()) findWhatStands(road, stages, r);
+  if (road.shape.hasRegions()) findWhatStands(road, frame, stages, r);
   r.holdsFrame = true;
   stages.end();
 }

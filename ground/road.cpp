@@ -44,7 +44,7 @@ NadirRoad* roadIn(Arena& arena, const Shape& shape, const NadirSettings& setting
   pieces.match = matchMemory(arena, shape, settings);
   if (shape.hasMap()) pieces.sort = sortMemoryOver(pieces.match, arena, shape);
   pieces.holes = holeMemory(arena, shape);
-  pieces.regions = regionMemory(arena, shape);
+  pieces.regions = regionMemory(arena, shape, settings);
   pieces.areas = areaMemory(arena, shape);
   pieces.trust = trustMemory(arena, shape);
   if (road) *road = pieces;

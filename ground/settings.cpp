@@ -40,6 +40,7 @@ NadirStatus nadir_settings_fill(NadirSettings* settings, const NadirCamera* came
                NADIR_CHECK_NONE,
                NADIR_REFINE_NONE,
                NADIR_RANGE_61,
+               0,
                0};
   return NADIR_OK;
 }

@@ -155,7 +155,7 @@ inline Fingerprint& addRegions(Fingerprint& print, const NadirFindings& f) {
   for (uint32_t i = 0; i < f.region_count; ++i) {
     const NadirRegion& r = f.regions[i];
     print.add(r.label).add(r.cells).add(r.highest_mm).add(r.median_mm).add(r.left).add(r.top).add(r.right);
-    print.add(r.bottom).add(r.at_map_edge).add(r.centre_x_mm).add(r.centre_y_mm).add(r.area_m2);
+    print.add(r.bottom).add(r.at_map_edge).add(r.at_picture_edge).add(r.centre_x_mm).add(r.centre_y_mm).add(r.area_m2);
   }
   return print;
 }

@@ -20,8 +20,8 @@ struct RoadFrame {
   static std::vector<NadirArea> areas() {
     static constexpr int32_t left[] = {-3000, 1500, -500, 1500, -500, 4500, -3000, 4500};
     static constexpr int32_t right[] = {500, 1500, 3000, 1500, 3000, 4500, 500, 4500};
-    return {{sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, left},
-            {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, right}};
+    return {{sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, left, 0, 0},
+            {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, right, 0, 0}};
   }
   static lab::RoadPlan planOf(const lab::TexturedPair& pair, uint32_t until, double percentile) {
     lab::RoadPlan plan = lab::planOf(lab::cameraOver(pair));

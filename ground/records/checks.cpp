@@ -14,6 +14,7 @@ struct Range {
 
 constexpr double justAboveZero = 4.9406564584124654e-324;  // the least of all doubles above 0
 constexpr double farthest = 1e6;                           // mm and pixels: what libnadir's fixed point holds
+constexpr double highest = 65535;                           // mm: what a map can hold
 constexpr uint32_t leastSide = 5, largestSide = 65535, largestMap = 65535, mostPixels = 1u << 25;
 
 template <size_t n>
@@ -69,7 +70,8 @@ Judgement judgedCells(const NadirSettings& s) {
 Judgement judgedRegions(const NadirSettings& s) {
   const Range ranges[] = {{"min_height_mm", s.min_height_mm, 0, 65534},
                           {"max_step_mm", s.max_step_mm, 0, 65535},
-                          {"min_area_m2", s.min_area_m2, 0, 1e6}};
+                          {"min_area_m2", s.min_area_m2, 0, 1e6},
+                          {"dip_mm", s.dip_mm, 0, highest}};
   return outside(NADIR_BAD_SETTING, ranges);
 }
 
@@ -113,6 +115,10 @@ Judgement judged(const NadirArea& area) {
   for (uint32_t i = 0; i < 2 * area.corner_count; ++i)
     if (area.corners[i] < -NADIR_AREA_REACH || area.corners[i] > NADIR_AREA_REACH)
       return {NADIR_BAD_AREA, "corners", 0, i / 2};
+  const Range ranges[] = {{"min_height_mm", double(area.min_height_mm), 0, highest},
+                          {"max_height_mm", double(area.max_height_mm), 0, highest}};
+  if (const Judgement j = outside(NADIR_BAD_AREA, ranges); isBad(j)) return j;
+  if (area.max_height_mm > 0 && area.max_height_mm <= area.min_height_mm) return {NADIR_BAD_AREA, "max_height_mm"};
   return {};
 }
 

@@ -126,6 +126,8 @@ Judgement placeArea(const NadirArea& area, const StereoCtx& context, const Shape
   const Extent map = extentOf(context);
   if (!isInReach(map)) return {NADIR_MAP_OUT_OF_REACH, "map_width_cells"};
   placed.corners = area.corner_count;
+  placed.leastMm = static_cast<uint16_t>(area.min_height_mm);
+  placed.mostMm = static_cast<uint16_t>(area.max_height_mm);
   if (const Judgement j = markCells(area, context, shape, placed); j.status) return j;
   measure(shape, map, placed);
   if (placed.cells == 0) return {NADIR_AREA_WITHOUT_CELLS};

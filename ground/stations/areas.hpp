@@ -16,6 +16,9 @@ struct PlacedArea {
   uint32_t cells;
   uint32_t firstCell, endCell;  // they lie among these of the map
   bool wholeOnMap;
+  uint16_t leastMm, mostMm;  // where regions are other cells than elsewhere, else 0; see NadirArea
+
+  bool hasRule() const { return leastMm > 0 || mostMm > 0; }
 };
 
 // For the shape's number of areas.

@@ -18,15 +18,24 @@ struct Extent {
 
 namespace {
 
-void grow(const uint16_t* heights, const NadirSettings& settings, const Shape& shape, const RegionMemory& m) {
+// The heights that count, 0 elsewhere. Of areas that overlap the first one is put on top.
+void chooseCells(const uint16_t* heights, const NadirSettings& settings, const Shape& shape, const PlacedArea* areas,
+                 uint16_t* chosen) {
+  const auto least = static_cast<uint16_t>(settings.min_height_mm);
+  for (uint64_t i = 0; i < shape.cells(); ++i) chosen[i] = heights[i] > least ? heights[i] : uint16_t{0};
+  for (uint32_t a = shape.areas; a-- > 0;) {
+    const PlacedArea& area = areas[a];
+    if (!area.hasRule()) continue;
+    const uint16_t low = area.leastMm ? area.leastMm : least, high = area.mostMm ? area.mostMm : uint16_t{65535};
+    for (uint64_t i = 0; i < shape.cells(); ++i)
+      if (area.mask[i]) chosen[i] = heights[i] > low && heights[i] <= high ? heights[i] : uint16_t{0};
+  }
+}
+
+void grow(const uint16_t* chosen, const NadirSettings& settings, const Shape& shape, const RegionMemory& m) {
   const ImgC map = {static_cast<uint16_t>(shape.mapWidth), static_cast<uint16_t>(shape.mapHeight), 2, IMG_TYPE_U16,
-                    heights};
-  const RgeParams params = {0,
-                            0,
-                            0,
-                            0,
-                            static_cast<int32_t>(std::floor(settings.max_step_mm)),
-                            static_cast<int32_t>(std::floor(settings.min_height_mm))};
+                    chosen};
+  const RgeParams params = {0, 0, 0, 0, static_cast<int32_t>(std::floor(settings.max_step_mm)), 0};
   Img labels = imageOf(m.grown, shape.mapWidth, shape.mapHeight);
   nadir_elevation_regions_process(m.state, &map, &params);
   nadir_elevation_regions_label_map(m.state, &labels);
@@ -42,6 +51,19 @@ void enlarge(Extent& e, uint32_t x, uint32_t y) {
   e.sumY += y;
 }
 
+double squareMetres(uint32_t cells, const ElevMapParams& map) {
+  return static_cast<double>(cells) * map.cellSizeX * map.cellSizeY / 1e6;
+}
+
+// So much of the least area of a region rises above the place where it meets another one, or they are one.
+constexpr uint32_t partsOfAnArea = 4;
+
+PartRule partRule(const NadirSettings& settings, const ElevMapParams& map) {
+  uint32_t least = 1;
+  while (squareMetres(partsOfAnArea * least, map) < settings.min_area_m2) ++least;
+  return {static_cast<uint16_t>(std::ceil(settings.dip_mm)), least};
+}
+
 // Returns the highest label.
 uint32_t measureLabels(const Shape& shape, const RegionMemory& m) {
   uint32_t count = 0;
@@ -54,10 +76,6 @@ uint32_t measureLabels(const Shape& shape, const RegionMemory& m) {
       count = label > count ? label : count;
     }
   return count;
-}
-
-double squareMetres(uint32_t cells, const ElevMapParams& map) {
-  return static_cast<double>(cells) * map.cellSizeX * map.cellSizeY / 1e6;
 }
 
 // The centre of a cell is half a cell from its corner.
@@ -87,7 +105,9 @@ NadirRegion described(const Extent& e, uint32_t label, const StereoCtx& context,
           touchesEdge(e, shape),
           centre.x,
           centre.y,
-          squareMetres(e.cells, context.mapParams)};
+          squareMetres(e.cells, context.mapParams),
+          0,
+          0};
 }
 
 // Regions that are large enough are numbered in the order of the library's, which is that of their first cells.
@@ -117,12 +137,13 @@ void addHeights(const uint16_t* heights, const uint16_t* labels, const Shape& sh
 
 }  // namespace
 
-RegionMemory regionMemory(Arena& arena, const Shape& shape) {
+RegionMemory regionMemory(Arena& arena, const Shape& shape, const NadirSettings& settings) {
   RegionMemory m{};
   if (!shape.hasRegions()) return m;
   const size_t stateBytes = nadir_elevation_regions_bytes();
   void* state = arena.take<uint8_t>(stateBytes);
   m.state = state ? nadir_elevation_regions_init(state, stateBytes) : nullptr;
+  if (settings.dip_mm > 0) m.parts = arena.take<PartCell>(shape.cells());
   m.grown = arena.take<uint16_t>(shape.cells());
   m.kept = arena.take<uint16_t>(shape.cells() + 1);
   m.extents = arena.take<Extent>(shape.cells() + 1);
@@ -132,8 +153,12 @@ RegionMemory regionMemory(Arena& arena, const Shape& shape) {
 }
 
 uint32_t findRegions(const uint16_t* heights, const StereoCtx& context, const NadirSettings& settings,
-                     const Shape& shape, const RegionMemory& m, uint16_t* labels, NadirRegion* regions) {
-  grow(heights, settings, shape, m);
+                     const Shape& shape, const PlacedArea* areas, const RegionMemory& m, uint16_t* labels,
+                     NadirRegion* regions) {
+  uint16_t* chosen = labels;  // which are written when these are no longer needed
+  chooseCells(heights, settings, shape, areas, chosen);
+  grow(chosen, settings, shape, m);
+  if (m.parts) part(chosen, partRule(settings, context.mapParams), shape, m.parts, m.grown);
   const uint32_t count = keepLarge(measureLabels(shape, m), context, settings, shape, m, regions);
   for (uint64_t i = 0; i < shape.cells(); ++i) labels[i] = m.kept[m.grown[i]];
   addHeights(heights, labels, shape, m, regions, count);

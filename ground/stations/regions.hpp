@@ -5,11 +5,14 @@
 
 #include "ground/records/arena.hpp"
 #include "ground/records/shape.hpp"
+#include "ground/stations/areas.hpp"
+#include "ground/stations/parts.hpp"
 
 namespace nadir::ground {
 
 struct RegionMemory {
   NadirElevationRegions* state;
+  PartCell* parts;         // null where nothing is parted
   uint16_t* grown;         // of each cell: the library's label
   uint16_t* kept;          // of each library's label: ours, and later how many of its cells lie in an area
   struct Extent* extents;  // of each library's label
@@ -18,13 +21,15 @@ struct RegionMemory {
 };
 
 // A null arena's memory has no state.
-RegionMemory regionMemory(Arena& arena, const Shape& shape);
+RegionMemory regionMemory(Arena& arena, const Shape& shape, const NadirSettings& settings);
 
+// areas    the shape's, whose own rules hold in them.
 // labels   receives each cell's region.
 // regions  room for the shape's.
 //
 // Returns how many regions there are.
 uint32_t findRegions(const uint16_t* heights, const StereoCtx& context, const NadirSettings& settings,
-                     const Shape& shape, const RegionMemory& memory, uint16_t* labels, NadirRegion* regions);
+                     const Shape& shape, const PlacedArea* areas, const RegionMemory& memory, uint16_t* labels,
+                     NadirRegion* regions);
 
 }  // namespace nadir::ground

@@ -59,7 +59,7 @@ typedef int32_t NadirStatus;
 #define NADIR_BAD_RECORD 3       /* a record's `size` is smaller than its first version or larger than this library's */
 #define NADIR_BAD_CAMERA 4       /* a number of the camera is missing or out of range; the fault names it */
 #define NADIR_BAD_SETTING 5      /* a setting is out of range; the fault names it */
-#define NADIR_BAD_AREA 6         /* an area's number of corners, its unit or a corner is out of range */
+#define NADIR_BAD_AREA 6         /* an area's number of corners, its unit, a corner or a height is out of range */
 #define NADIR_MAP_OUT_OF_REACH 7 /* areas need a map that ends within NADIR_AREA_REACH of the camera */
 #define NADIR_CAMERA_TOO_HIGH 8  /* areas in pixels need a camera that is at most 65535 mm high */
 #define NADIR_CORNER_OFF_GROUND 9   /* a corner does not show the ground within NADIR_AREA_REACH of the camera */
@@ -119,6 +119,10 @@ typedef struct NadirArea {
   uint32_t corner_count;  /* 3 to 100 */
   uint32_t reserved;      /* 0 */
   const int32_t* corners; /* x, y, x, y, ...; each at most NADIR_AREA_REACH in size */
+  uint32_t min_height_mm; /* in this area regions are cells higher than this; 0: as the settings say */
+  uint32_t max_height_mm; /* and not higher than this, so that a lamp or a beam is left out; 0: whatever height.
+                             Both 0 to 65535, and the second more than the first unless it is 0. Where areas overlap,
+                             the first one that has either rules the cell */
 } NadirArea;
 
 #define NADIR_UNTIL_MATCH 0 /* disparities alone; the camera needs a size and nothing else */
@@ -177,6 +181,12 @@ typedef struct NadirSettings {
   uint32_t refine;      /* NADIR_REFINE_... */
   uint32_t range;       /* NADIR_RANGE_... */
   uint32_t support;     /* 0 to NADIR_LARGEST_SUPPORT */
+  double dip_mm; /* a region is parted where it sinks by this much at least, rounded up, between two of its tops; 0 to
+                    65535, and 0 parts nothing. A top is the height that a quarter of min_area_m2 about it reaches.
+                    Each cell goes to the part that its surface rises to: the watershed of the map from below (L. Vincent,
+                    P. Soille, "Watersheds in digital spaces", IEEE PAMI 13(6), 1991), of tops with such a dynamic (M.
+                    Grimaud, "New measure of contrast: the dynamics", SPIE 1769, 1992). What is parted is then held to
+                    min_area_m2 */
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes
@@ -309,6 +319,10 @@ typedef struct NadirRegion {
   uint32_t at_map_edge;              /* 1 where the box touches the map's edge: what stands there may go on beyond it */
   double centre_x_mm, centre_y_mm;   /* world, the mean of its cells' centres */
   double area_m2;
+  uint32_t at_picture_edge; /* 1 where a point of it lies within 8 pixels of an edge of either picture, 16 with range
+                               122, 32 with 244: what stands there may go on where nothing is measured, and be higher
+                               and larger than this */
+  uint32_t reserved;        /* 0 */
 } NadirRegion;
 
 /* What stands in an area. */

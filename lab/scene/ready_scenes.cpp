@@ -124,6 +124,22 @@ void people(Builder& b) {
   }
 }
 
+// Beside each other, behind each other and on the slant, 500 mm from middle to middle.
+void couples(Builder& b) {
+  struct Row {
+    double across, down, aside, behind;
+  };
+  static constexpr Row rows[] = {{0.34, 0.52, 500, 0}, {0.66, 0.44, 0, 500}, {0.46, 0.74, 400, -300}};
+  for (const Row& r : rows) {
+    const Site first = b.nearby(r.across, r.down, 0);
+    const Site second{first.x + r.aside, first.y + r.behind, first.groundZ, 0};
+    b.nextRegion();
+    b.capsule(first, 220, 1680 + b.jitter(60));
+    b.nextRegion();
+    b.capsule(second, 230, 1760 + b.jitter(60));
+  }
+}
+
 // Their heads stay in the picture: the corners of their paths are given where the picture shows them.
 void walkers(Builder& b) {
   struct Row {
@@ -192,6 +208,7 @@ struct SceneRecipe {
 constexpr SceneRecipe recipes[] = {
     {{"boxes", "six boxes of different heights, turned this way and that"}, boxes},
     {{"people", "six upright capsules of the size of people"}, people},
+    {{"couples", "three couples who stand 500 mm apart"}, couples},
     {{"walkers", "two adults and a child who walk to and fro"}, walkers},
     {{"steps", "a flight of four steps and a low kerb"}, steps},
     {{"slope", "a wide ramp with a box on it, a small ramp, a dome"}, slope},

@@ -31,8 +31,8 @@ lab::RoadPlan planOf(const Material& m, uint32_t grid = NADIR_GRID_LEFT) {
   static constexpr int32_t ground[] = {-1500, -3000, 1200, -2500, 300, -200};
   lab::RoadPlan plan = lab::planOf(cameraOf(m));
   plan.settings.grid = grid;
-  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, pixels},
-                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, ground}};
+  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, pixels, 0, 0},
+                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, ground, 0, 0}};
   return plan;
 }
 

@@ -49,7 +49,9 @@ NEXT(NadirArea, size, uint32_t, unit);
 NEXT(NadirArea, unit, uint32_t, corner_count);
 NEXT(NadirArea, corner_count, uint32_t, reserved);
 NEXT(NadirArea, reserved, const int32_t*, corners);
-LAST(NadirArea, corners, 20, 24);
+NEXT(NadirArea, corners, uint32_t, min_height_mm);
+NEXT(NadirArea, min_height_mm, uint32_t, max_height_mm);
+LAST(NadirArea, max_height_mm, 28, 32);
 
 FIRST(NadirSettings, uint32_t, size);
 NEXT(NadirSettings, size, uint32_t, until);
@@ -66,7 +68,8 @@ NEXT(NadirSettings, min_area_m2, uint32_t, check);
 NEXT(NadirSettings, check, uint32_t, refine);
 NEXT(NadirSettings, refine, uint32_t, range);
 NEXT(NadirSettings, range, uint32_t, support);
-LAST(NadirSettings, support, 80, 80);
+NEXT(NadirSettings, support, double, dip_mm);
+LAST(NadirSettings, dip_mm, 88, 88);
 
 FIRST(NadirPlane, const void*, data);
 NEXT(NadirPlane, data, size_t, stride);
@@ -120,7 +123,9 @@ NEXT(NadirRegion, bottom, uint32_t, at_map_edge);
 NEXT(NadirRegion, at_map_edge, double, centre_x_mm);
 NEXT(NadirRegion, centre_x_mm, double, centre_y_mm);
 NEXT(NadirRegion, centre_y_mm, double, area_m2);
-LAST(NadirRegion, area_m2, 64, 64);
+NEXT(NadirRegion, area_m2, uint32_t, at_picture_edge);
+NEXT(NadirRegion, at_picture_edge, uint32_t, reserved);
+LAST(NadirRegion, reserved, 72, 72);
 
 FIRST(NadirOccupancy, uint32_t, size);
 NEXT(NadirOccupancy, size, uint32_t, cells);

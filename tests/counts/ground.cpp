@@ -76,7 +76,7 @@ void callTracker(const NadirRoad* road, const NadirResult* result) {
 
 NadirRoad* roadOf(const NadirCamera& camera, const NadirSettings& settings) {
   static constexpr int32_t corners[] = {60, 60, 260, 60, 260, 220, 60, 220};
-  const NadirArea area = {sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, corners};
+  const NadirArea area = {sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, corners, 0, 0};
   NadirRoad* road;
   done(nadir_road_bytes(&camera, &settings, 1) > 0 && nadir_result_bytes(&camera, &settings, 1) > 0);
   found(nadir_road_create(&camera, &settings, &area, 1, &road, nullptr));

@@ -90,7 +90,7 @@ Areas anyAreas(Input& in) {
     std::vector<int32_t> corners(2 * count);
     for (int32_t& c : corners) c = in.below(64) ? static_cast<int32_t>(in.below(4000)) - 1000 : anyBits<int32_t>(in);
     areas.corners.push_back(corners);
-    areas.records.push_back({sizeof(NadirArea), in.below(2), count, 0, nullptr});
+    areas.records.push_back({sizeof(NadirArea), in.below(2), count, 0, nullptr, 0, 0});
   }
   for (size_t i = 0; i < areas.records.size(); ++i) areas.records[i].corners = areas.corners[i].data();
   return areas;

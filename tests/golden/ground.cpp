@@ -18,8 +18,8 @@ lab::RoadPlan somePlan() {
   static constexpr int32_t pixels[] = {5, 5, 150, 9, 140, 92, 20, 90, 60, 50};
   static constexpr int32_t ground[] = {-2000, -4000, 3000, -4000, 2500, 1000, -1900, 900};
   lab::RoadPlan plan = lab::planOf(lab::cameraOver(somePair()));
-  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 5, 0, pixels},
-                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, ground}};
+  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 5, 0, pixels, 0, 0},
+                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, ground, 0, 0}};
   return plan;
 }
 

@@ -112,7 +112,7 @@ TEST(RoadAlloc, WithoutMemoryThereIsNoObject) {
 TEST(RoadAlloc, ARefusedAreaGivesTheBlockBack) {
   static constexpr int32_t besideTheMap[] = {-20000, -20000, -19990, -20000, -19990, -19990};
   lab::RoadPlan plan = fullPlan();
-  plan.areas[1] = {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, besideTheMap};
+  plan.areas[1] = {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, besideTheMap, 0, 0};
   const size_t live = heap::liveBlocks();
   EXPECT_EQ(createRoad(plan), NADIR_AREA_WITHOUT_CELLS);
   EXPECT_EQ(heap::liveBlocks(), live);

@@ -33,8 +33,8 @@ inline lab::RoadPlan fullPlan(uint32_t grid = NADIR_GRID_LEFT) {
   lab::RoadPlan plan = lab::planOf(lab::cameraOver(somePair()));
   plan.settings.grid = grid;
   plan.settings.fill_holes_m2 = 1;
-  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, pixels},
-                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, ground}};
+  plan.areas = {{sizeof(NadirArea), NADIR_AREA_PIXELS, 4, 0, pixels, 0, 0},
+                {sizeof(NadirArea), NADIR_AREA_GROUND_MM, 3, 0, ground, 0, 0}};
   return plan;
 }
 

@@ -115,6 +115,26 @@ TEST_F(Areas, AreDrawnInBothPictures) {
   }
 }
 
+TEST_F(Areas, HaveHeightsOfTheirOwn) {
+  const std::string corners = "ground_mm = [[-200, -150], [0, -150], [0, 250], [-200, 250]]\n";
+  const auto covered = [&](const std::string& heights) {
+    return found(area("a", corners + heights))[0]["covered_cells"].get<int>();
+  };
+  EXPECT_EQ(covered("min_height_mm = 499.9"), 24);
+  EXPECT_EQ(covered("min_height_mm = 500"), 0);
+  EXPECT_EQ(covered("max_height_mm = 500"), 24);
+  EXPECT_EQ(covered("max_height_mm = 499"), 0);
+}
+
+TEST_F(Areas, TellTheHeightsOfTheirOwn) {
+  const std::string corners = "ground_mm = [[-200, -150], [0, -150], [0, 250], [-200, 250]]\n";
+  const Json areas = found(area("a", corners) + area("b", corners + "min_height_mm = 90\nmax_height_mm = 400"));
+  EXPECT_FALSE(areas[0].contains("min_height_mm"));
+  EXPECT_FALSE(areas[0].contains("max_height_mm"));
+  EXPECT_EQ(areas[1]["min_height_mm"], 90);
+  EXPECT_EQ(areas[1]["max_height_mm"], 400);
+}
+
 TEST_F(Areas, NamesThatAreNotAscii) {
   EXPECT_EQ(found(area("T\xC3\xBCr", "ground_mm = [[0, 0], [200, 0], [200, 200]]"))[0]["name"], "T\xC3\xBCr");
 }
@@ -158,6 +178,16 @@ TEST_F(Areas, EveryMistakeIsToldWithItsAreaAndLine) {
       {"long name", area(std::string(41, 'x'), good), "a.toml:2: area.name: must be a text of 1 to 40 bytes"},
       {"two of one name", area("a", good) + area("a", good), "a.toml:5: area \"a\": is the name of two areas"},
       {"unknown key", area("a", good + "\ncolour = 3"), "a.toml:4: area \"a\": colour is no key of an area"},
+      {"low height", area("a", good + "\nmin_height_mm = 0"),
+       "a.toml:4: area \"a\": min_height_mm must be a number of millimetres from 1 to 65535"},
+      {"height in words", area("a", good + "\nmax_height_mm = 'low'"),
+       "a.toml:4: area \"a\": max_height_mm must be a number of millimetres from 1 to 65535"},
+      {"heights exchanged", area("a", good + "\nmin_height_mm = 500\nmax_height_mm = 500"),
+       "a.toml:5: area \"a\": max_height_mm must be a number of millimetres from 1 to 65535, above min_height_mm"},
+      {"below all regions", area("a", good + "\nmax_height_mm = 75"),
+       "a.toml:1: area \"a\": nothing would be found up to max_height_mm = 75, since regions are higher than 75 mm; "
+       "the "
+       "area needs a min_height_mm below that"},
       {"misspelt table", "[[aera]]\nname = \"a\"\n", "a.toml:1: aera: is no key of a file of areas"},
       {"one table", "[area]\nname = \"a\"\n", "a.toml:1: area: must be tables that begin with the line [[area]]"},
       {"no TOML", "[[area]\n", "a.toml:1: "},

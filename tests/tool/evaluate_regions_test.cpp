@@ -84,6 +84,50 @@ TEST_F(EvaluateRegions, FoundWithItsErrors) {
   EXPECT_EQ(json["height_largest_mm"], 5);
 }
 
+TEST_F(EvaluateRegions, AreasOffByTheirShareOfTheObject) {
+  truth("..1111......22", {1, 2});
+  found("...111.....222", {1, 2});
+  const Json json = judged();
+  EXPECT_EQ(json["area_mean"], 0.125) << "a quarter too small and a half too large";
+  EXPECT_EQ(json["area_mean_absolute"], 0.375);
+  EXPECT_EQ(json["verdicts"][0]["area_error"], -0.25);
+}
+
+TEST_F(EvaluateRegions, WhatThePictureShowsInPartIsCutOff) {
+  truth("1111....2222", {1, 2});
+  found("............", {});
+  std::vector<uint16_t> shown(side * side, 100);
+  shown[0] = 0;
+  heights(shown);
+  const Json json = judged();
+  EXPECT_EQ(json["missed"], 2);
+  EXPECT_EQ(json["missed_cut_off"], 1) << "the first cell lies outside the picture";
+  EXPECT_EQ(json["verdicts"][0]["cut_off"], true);
+  EXPECT_EQ(json["verdicts"][1]["cut_off"], false);
+}
+
+TEST_F(EvaluateRegions, AreasOfCutOffThingsSayNothing) {
+  truth("1111....2222", {1, 2});
+  found("11......2222", {1, 2});
+  std::vector<uint16_t> shown(side * side, 100);
+  shown[3] = 0;
+  heights(shown);
+  const Json json = judged();
+  EXPECT_EQ(json["area_mean"], 0);
+  EXPECT_TRUE(json["verdicts"][0]["area_error"].is_null());
+}
+
+TEST_F(EvaluateRegions, TheSideOfWhatIsCutOffIsNotFalse) {
+  truth("1111....2222", {2});
+  found("....3.......", {3});
+  std::vector<uint16_t> shown(side * side, 100);
+  for (size_t i = 0; i < 4; ++i) shown[i] = 0;
+  heights(shown);
+  EXPECT_EQ(judged()["false_regions"], 0) << "it stands beside object 1";
+  found(".....3......", {3});
+  EXPECT_EQ(judged()["false_regions"], 1) << "a cell from it";
+}
+
 TEST_F(EvaluateRegions, TableSaysTheSame) {
   truth("..1111......22", {1, 2});
   found("..1111........", {1});
@@ -91,7 +135,8 @@ TEST_F(EvaluateRegions, TableSaysTheSame) {
   EXPECT_EQ(numberAfter(outcome.out, "found"), 1);
   EXPECT_EQ(numberAfter(outcome.out, "missed"), 1);
   EXPECT_EQ(numberAfter(outcome.out, "position, mean error"), 50);
-  EXPECT_NE(outcome.out.find("mm high: found as region 1; centre off by 50 mm, height by -5 mm"), std::string::npos)
+  EXPECT_NE(outcome.out.find("mm high: found as region 1; centre off by 50 mm, height by -5 mm, area by +0 %"),
+            std::string::npos)
       << outcome.out;
 }
 

@@ -42,6 +42,8 @@ TEST_F(Regions, SizePlaceAndHeights) {
                     {"area_m2", 0.09},
                     {"box_mm", {{"left", -200.0}, {"top", -150.0}, {"right", 100.0}, {"bottom", 150.0}}},
                     {"centre_mm", {{"x", -50.0}, {"y", 0.0}}},
+                    {"at_map_edge", false},
+                    {"at_picture_edge", false},
                     {"highest_mm", 500},
                     {"median_mm", 500}};
   ASSERT_EQ(regions.size(), 2u);
@@ -49,6 +51,22 @@ TEST_F(Regions, SizePlaceAndHeights) {
   EXPECT_EQ(regions[1]["cells"], 36);
   EXPECT_EQ(regions[1]["centre_mm"]["x"], 350);
   EXPECT_EQ(regions[1]["highest_mm"], 700);
+}
+
+TEST_F(Regions, OfAPresetFollowTheOptionsThatItStandsFor) {
+  giveTwoBlocks();
+  EXPECT_EQ(found({"--for", "people"})["region_rule"],
+            found({"--min-height", "300", "--max-step", "250", "--dip", "30"})["region_rule"]);
+  EXPECT_EQ(found({"--for", "vehicles"})["region_rule"],
+            found({"--min-height", "300", "--max-step", "400", "--min-area", "1"})["region_rule"]);
+  EXPECT_EQ(found({"--for", "boxes"})["map"]["percentile"], 50);
+}
+
+TEST_F(Regions, OfAPresetMayBeToldMore) {
+  giveTwoBlocks();
+  const Json rule = found({"--for", "people", "--min-height", "600"})["region_rule"];
+  EXPECT_EQ(rule["min_height_mm"], 600);
+  EXPECT_EQ(rule["max_step_mm"], 250);
 }
 
 TEST_F(Regions, LabelMapHasTheSameCells) {
@@ -103,7 +121,7 @@ TEST_F(Regions, StepsUpToTheLargestJoin) {
 TEST_F(Regions, DefaultsFollowTheSizeOfACell) {
   giveTwoBlocks();
   const Json rule = found()["region_rule"];
-  EXPECT_EQ(rule, (Json{{"min_height_mm", 75}, {"max_step_mm", 50}, {"min_area_m2", 0.075}}));
+  EXPECT_EQ(rule, (Json{{"min_height_mm", 75}, {"max_step_mm", 50}, {"min_area_m2", 0.075}, {"dip_mm", 0}}));
 }
 
 // A cell in the middle of a block is not seen.
@@ -243,6 +261,20 @@ TEST_P(RenderedRegions, ThePeopleAreFound) {
   EXPECT_EQ(judged["found"], 6) << judged;
   EXPECT_LT(judged["position_largest_mm"], 100) << "two cells and a half";
   EXPECT_LT(judged["height_largest_mm"], 100);
+}
+
+TEST(Presets, PartPeopleWhoStand500MillimetresApart) {
+  const Folder folder;
+  ASSERT_EQ(folder.run({"synth", "s", "--scene", "couples", "--noise", "20"}).status, 0);
+  ASSERT_EQ(folder
+                .run({"ground", "s/left.png", "s/right.png", "--camera", "s/camera.toml", "-o", "result", "--for",
+                      "people", "--write", "regions"})
+                .status,
+            0);
+  const Json judged = parseJson(folder.run({"evaluate", "result", "s", "--json"}).out);
+  EXPECT_EQ(judged["found"], 6) << judged;
+  EXPECT_EQ(judged["false_regions"], 0) << judged;
+  EXPECT_LT(judged["area_mean_absolute"], 0.15) << judged;
 }
 
 INSTANTIATE_TEST_SUITE_P(Noise, RenderedRegions, testing::Values("0", "20"));

@@ -37,7 +37,7 @@ TEST(Synth, SameSeedSameBytes) {
 }
 
 TEST(Synth, WritesTheseFilesForEveryScene) {
-  for (const char* scene : {"boxes", "people", "walkers", "steps", "slope", "crop-rows", "empty-floor"}) {
+  for (const char* scene : {"boxes", "people", "couples", "walkers", "steps", "slope", "crop-rows", "empty-floor"}) {
     const Folder folder;
     synth(folder, ".", {"--size", "64x64", "--scene", scene});
     EXPECT_EQ(folder.names(), everyFile);

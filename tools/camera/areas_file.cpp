@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
@@ -16,7 +18,9 @@ namespace {
 
 constexpr size_t fewestCorners = 3;
 constexpr size_t mostCorners = 100;  // the library's limit
-constexpr size_t longestName = 40;   // what the pictures have room for
+constexpr std::string_view keys[] = {"name", "pixels", "ground_mm", "min_height_mm", "max_height_mm"};
+constexpr double highest = 65535;   // mm: what a map can hold
+constexpr size_t longestName = 40;  // what the pictures have room for
 
 // Reads the areas of one file; a mistake in one does not keep the next from being read.
 class Reader {
@@ -51,7 +55,27 @@ class Reader {
     if (!pixels == !ground)
       return mistakes_.add(lineOf(table), label(area.name), "needs its corners, either as pixels or as ground_mm");
     area.unit = pixels ? AreaUnit::pixels : AreaUnit::groundMm;
+    readHeights(table, area);
     if (readCorners(pixels ? *pixels : *ground, area) && !area.name.empty()) areas_.push_back(area);
+  }
+
+  void readHeights(const toml::table& table, Area& area) {
+    readHeight(table, "min_height_mm", 0, area.name, area.minHeightMm);
+    readHeight(table, "max_height_mm", area.minHeightMm, area.name, area.maxHeightMm);
+  }
+
+  // A height that is not there keeps its value. Whole millimetres are compared, as of the other rules of regions.
+  void readHeight(const toml::table& table, const char* key, uint32_t above, const std::string& name,
+                  uint32_t& height) {
+    const toml::node* node = table.get(key);
+    if (!node) return;
+    const double value = node->is_number() ? std::floor(*node->value<double>()) : 0;
+    if (value >= 1 && value > above && value <= highest)
+      height = static_cast<uint32_t>(value);
+    else
+      mistakes_.add(lineOf(*node), label(name),
+                    format("%s must be a number of millimetres from 1 to 65535%s", key,
+                           above > 0 ? ", above min_height_mm" : ""));
   }
 
   static std::string label(const std::string& name) {
@@ -72,7 +96,7 @@ class Reader {
 
   void reportUnknownKeys(const toml::table& table, const std::string& name) {
     for (const auto& [key, node] : table)
-      if (key.str() != "name" && key.str() != "pixels" && key.str() != "ground_mm")
+      if (std::find(std::begin(keys), std::end(keys), key.str()) == std::end(keys))
         mistakes_.add(lineOf(key), label(name), format("%s is no key of an area", std::string(key.str()).c_str()));
   }
 

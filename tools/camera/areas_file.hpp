@@ -15,6 +15,7 @@ struct Area {
   AreaUnit unit;
   std::vector<Point_s32> corners;  // pixels of the measured view, 0 = centre of the first; or world x and y, mm
   std::string origin;              // FILE:LINE, for what is found wrong later
+  uint32_t minHeightMm = 0, maxHeightMm = 0;  // of what counts in it; 0: as everywhere
 };
 
 // A polygon as the library takes it, the vertices behind their count.

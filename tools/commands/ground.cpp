@@ -22,6 +22,7 @@
 #include "tools/report/ply.hpp"
 #include "tools/report/products.hpp"
 #include "tools/report/region_plot.hpp"
+#include "tools/road/presets.hpp"
 #include "tools/road/road.hpp"
 #include "tools/road/timed_stages.hpp"
 #include "tools/sequence/ground_sequence.hpp"
@@ -164,13 +165,24 @@ void addInputs(CLI::App& command, GroundOptions& options) {
 void addMapOptions(CLI::App& command, RoadOptions& options) {
   addNumber(command, "--percentile", options.percentile, numberFrom(1, 100),
             "How the points of one cell become its height: this percentile of their heights; 50 is the median, 100 the "
-            "highest point; {range} (default: {default})",
+            "highest point; {range} (default: 90)",
             "P");
   addNumber(command, "--min-points", options.minPoints, wholeNumberFrom(1, 1000000),
             "Cells with fewer points stay unseen, {range} (default: {default})", "N");
   addNumber(command, "--fill-holes", options.fillHolesM2, numberFrom(0, 1e6),
             "Fill patches of unseen cells up to this area from the heights around them (default: {default}, fill none)",
             "M2");
+}
+
+void addPresetOption(CLI::App& command, RoadOptions& options) {
+  std::vector<std::string> names;
+  std::string meanings;
+  for (const Preset& preset : presets()) {
+    names.push_back(preset.name);
+    meanings += (meanings.empty() ? "" : "; ") + preset.name + ": " + optionsOf(preset);
+  }
+  const std::string help = "What is looked for, short for other options, which may still be given: " + meanings;
+  command.add_option("--for", options.preset, help)->check(CLI::IsMember(names).description(""))->type_name("THINGS");
 }
 
 void addRegionOptions(CLI::App& command, RoadOptions& options) {
@@ -189,6 +201,11 @@ void addRegionOptions(CLI::App& command, RoadOptions& options) {
   addNumber(command, "--min-area", options.minAreaM2, numberFrom(0, 1e6),
             "Smaller regions are dropped (default: 20 cells, 0.032 m2 for cells of 40 mm; with --check none 30 cells)",
             "M2")
+      ->excludes(without);
+  addNumber(command, "--dip", options.dipMm, numberFrom(0, 65535),
+            "Part a region where it sinks by so much between two tops, as between people who touch (default: 0, "
+            "nothing is parted)",
+            "MM")
       ->excludes(without);
   command
       .add_option("--areas", options.areas,
@@ -258,7 +275,7 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
       "a quarter; auto, the least that measures things of --tallest all over the map (default: {default})";
   for (CLI::Option* option : addAccuracyOptions(command, options.match, rangeWords(), range)) option->excludes(given);
   addNumber(command, "--tallest", options.tallestMm, numberFrom(0, 65534),
-            "Height of the tallest things, for --range auto, {range} (default: {default})", "MM")
+            "Height of the tallest things, for --range auto, {range} (default: 2000)", "MM")
       ->excludes(given);
   addMaskOption(command, options.mask,
                 "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
@@ -273,6 +290,7 @@ void addGroundCommand(CLI::App& app) {
   CLI::App* command =
       app.add_subcommand("ground", "Map heights above the ground and find what stands there and in areas of interest.");
   addInputs(*command, *options);
+  addPresetOption(*command, options->road);
   addMapOptions(*command, options->road);
   addRegionOptions(*command, options->road);
   addMatchOptions(*command, options->road);
@@ -317,11 +335,13 @@ void addGroundCommand(CLI::App& app) {
       "  [[area]]\n"
       "  name = \"table\"\n"
       "  ground_mm = [[-500, -1200], [500, -1200], [500, -400]]    # world x, y\n"
+      "  min_height_mm = 300    # in this area alone, as --min-height\n"
+      "  max_height_mm = 2200   # and nothing that is higher\n"
       "\nWorld x points to the picture's right, y to its lower edge, z down; the origin is the camera. The map shows\n"
       "the ground from above, row 0 at the smallest y. The fitted ground plane tells whether the camera file's mount\n"
       "is right. Examples:\n"
       "  nadir ground left.png right.png --camera camera.toml -o result\n"
-      "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --min-height 300\n"
+      "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --for people\n"
       "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02\n"
       "  nadir ground walk --camera walk/camera.toml -o result --fps 15 --resume\n"
       "  nadir ground cam0/%06d.png cam1/%06d.png --camera camera.toml -o result");

@@ -11,37 +11,65 @@ namespace nadir::tool {
 
 namespace {
 
+// The object of a cell, or of the cell before it in its row or column, or of that behind it.
+uint16_t objectAtOrBeside(const Grid<uint16_t>& objects, size_t i) {
+  const auto x = static_cast<uint32_t>(i % objects.width), y = static_cast<uint32_t>(i / objects.width);
+  const auto at = [&](uint32_t column, uint32_t row) {
+    return column < objects.width && row < objects.height ? objects.at(column, row) : uint16_t{0};
+  };
+  for (const uint16_t object : {at(x, y), at(x - 1, y), at(x, y - 1), at(x + 1, y), at(x, y + 1)})
+    if (object != 0) return object;
+  return 0;
+}
+
 // How many cells each thing has, and how many each pair shares.
 class Overlaps {
  public:
   Overlaps(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known) {
     for (size_t i = 0; i < known.pixels.size(); ++i) {
-      const uint16_t region = found.cells.pixels[i], object = known.pixels[i] ? truth.cells.pixels[i] : uint16_t{0};
+      const uint16_t region = found.cells.pixels[i], whole = truth.cells.pixels[i];
+      const uint16_t object = known.pixels[i] ? whole : uint16_t{0};
       ++regions_[region];
+      ++wholes_[whole];
       ++objects_[object];
       ++shared_[{object, region}];
+      ++sharedWholes_[{objectAtOrBeside(truth.cells, i), region}];
     }
   }
 
   size_t cellsOf(const Thing& object) const { return countOf(objects_, object.number); }
+  size_t cellsOfRegion(const Thing& region) const { return countOf(regions_, region.number); }
+  bool isCutOff(const Thing& object) const { return cellsOf(object) < countOf(wholes_, object.number); }
   size_t sharedCells(const Thing& object, const Thing& region) const {
     return countOf(shared_, std::pair(object.number, region.number));
   }
 
   bool belongTogether(const Thing& object, const Thing& region) const {
-    const size_t both = sharedCells(object, region);
-    return both > 0 && 2 * both >= std::min(cellsOf(object), countOf(regions_, region.number));
+    return holdsHalf(sharedCells(object, region), cellsOf(object), cellsOfRegion(region));
+  }
+
+  // What the picture cuts off is seen from the side, and measured where its side stands: on cells along its edge.
+  bool isOnCutOff(const Thing& region) const {
+    return std::any_of(wholes_.begin(), wholes_.end(), [&](const auto& whole) {
+      const size_t both = countOf(sharedWholes_, std::pair(whole.first, region.number));
+      return whole.first != 0 && countOf(objects_, whole.first) < whole.second &&
+             holdsHalf(both, whole.second, cellsOfRegion(region));
+    });
   }
 
  private:
+  static bool holdsHalf(size_t both, size_t ofOne, size_t ofOther) {
+    return both > 0 && 2 * both >= std::min(ofOne, ofOther);
+  }
+
   template <class Key>
   static size_t countOf(const std::map<Key, size_t>& counts, const Key& key) {
     const auto found = counts.find(key);
     return found == counts.end() ? 0 : found->second;
   }
 
-  std::map<uint16_t, size_t> regions_, objects_;
-  std::map<std::pair<uint16_t, uint16_t>, size_t> shared_;
+  std::map<uint16_t, size_t> regions_, objects_, wholes_;
+  std::map<std::pair<uint16_t, uint16_t>, size_t> shared_, sharedWholes_;
 };
 
 using Things = std::vector<Thing>;
@@ -70,11 +98,16 @@ Judged judgedObject(const Thing& object, const ThingMap& found, const Things& ob
   const Things regions =
       thingsWith(found.things, [&](const Thing& region) { return overlaps.belongTogether(object, region); });
   Judged j{object, verdictOf(object, regions, objects, overlaps), {}};
-  for (const Thing& region : regions) j.regions.push_back(region.number);
+  j.cutOff = overlaps.isCutOff(object);
+  for (const Thing& region : regions) {
+    j.regions.push_back(region.number);
+    j.cutOff |= region.atPictureEdge;
+  }
   if (j.verdict == Verdict::found) {
     const Thing& region = regions.front();
     j.positionMm = std::hypot(region.centreXMm - object.centreXMm, region.centreYMm - object.centreYMm);
     j.heightMm = region.highestMm - object.highestMm;
+    j.area = static_cast<double>(overlaps.cellsOfRegion(region)) / static_cast<double>(overlaps.cellsOf(object)) - 1;
   }
   return j;
 }
@@ -95,14 +128,20 @@ size_t RegionEvaluation::count(Verdict verdict) const {
       std::count_if(objects.begin(), objects.end(), [verdict](const Judged& j) { return j.verdict == verdict; }));
 }
 
+size_t RegionEvaluation::missedCutOff() const {
+  return static_cast<size_t>(std::count_if(objects.begin(), objects.end(),
+                                           [](const Judged& j) { return j.verdict == Verdict::missed && j.cutOff; }));
+}
+
 RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known) {
   const Overlaps overlaps(found, truth, known);
   const Things objects = thingsWith(truth.things, [&](const Thing& object) { return overlaps.cellsOf(object) > 0; });
   RegionEvaluation e;
   for (const Thing& object : objects) e.objects.push_back(judgedObject(object, found, objects, overlaps));
   e.falseRegions = thingsWith(found.things, [&](const Thing& region) {
-    return std::none_of(objects.begin(), objects.end(),
-                        [&](const Thing& o) { return overlaps.belongTogether(o, region); });
+    return !overlaps.isOnCutOff(region) && std::none_of(objects.begin(), objects.end(), [&](const Thing& object) {
+      return overlaps.belongTogether(object, region);
+    });
   });
   return e;
 }

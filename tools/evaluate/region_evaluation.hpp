@@ -17,6 +17,7 @@ struct Thing {
   std::string kind;  // of an object
   double centreXMm, centreYMm;
   double highestMm;
+  bool atPictureEdge;  // of what was found
 };
 
 // Cells with the numbers of the things on them, 0 for none.
@@ -44,6 +45,8 @@ struct Judged {
   std::vector<uint16_t> regions;  // that belong to it
   double positionMm = 0;          // distance of the centres, of found ones
   double heightMm = 0;            // region's highest - object's, of found ones
+  double area = 0;                // region's / object's - 1, of found ones
+  bool cutOff = false;            // the pictures show a part of it alone, or its region says so
 };
 
 struct RegionEvaluation {
@@ -51,9 +54,11 @@ struct RegionEvaluation {
   std::vector<Thing> falseRegions;  // that belong to no object
 
   size_t count(Verdict verdict) const;
+  size_t missedCutOff() const;
 };
 
-// The truth does not count where `known` is 0. Objects without a single known cell are left out.
+// The truth does not count where `known` is 0, which is what the picture does not show. Objects without a single known
+// cell are left out. A region on the cells of a cut off object, or beside them, is not false.
 RegionEvaluation evaluateRegions(const ThingMap& found, const ThingMap& truth, const Grid<uint8_t>& known);
 
 }  // namespace nadir::tool

@@ -35,7 +35,8 @@ std::vector<Thing> things(const nlohmann::json& regions, const char* number) {
     things.push_back({wholeNumberIn<uint16_t>(region.at(number), 1, 65535), region.value("kind", ""),
                       numberIn(region.at("centre_mm").at("x"), -farthestThing, farthestThing),
                       numberIn(region.at("centre_mm").at("y"), -farthestThing, farthestThing),
-                      numberIn(region.at("highest_mm"), -farthestThing, farthestThing)});
+                      numberIn(region.at("highest_mm"), -farthestThing, farthestThing),
+                      region.value("at_picture_edge", false)});
   return things;
 }
 

@@ -17,6 +17,22 @@ struct Errors {
   double heightMean = std::nan(""), heightMeanAbsolute = std::nan(""), heightLargest = std::nan("");
 };
 
+// The same of the areas of those that are whole: a part says nothing of its size.
+struct AreaErrors {
+  double mean = std::nan(""), meanAbsolute = std::nan("");
+};
+
+AreaErrors areaErrorsOf(const RegionEvaluation& evaluation) {
+  double n = 0, sum = 0, absolute = 0;
+  for (const Judged& j : evaluation.objects) {
+    if (j.verdict != Verdict::found || j.cutOff) continue;
+    n += 1;
+    sum += j.area;
+    absolute += std::abs(j.area);
+  }
+  return {sum / n, absolute / n};
+}
+
 Errors errorsOf(const RegionEvaluation& evaluation) {
   const auto n = static_cast<double>(evaluation.count(Verdict::found));
   if (n == 0) return {};
@@ -38,11 +54,14 @@ std::string remark(const Judged& j) {
     text += format(" %s %u", region == j.regions.front() ? "as region" : "and", region);
   if (j.verdict == Verdict::found)
     text += format("; centre off by %.0f mm, height by %+.0f mm", j.positionMm, j.heightMm);
+  if (j.cutOff) return text + "; cut off by the picture's edge";
+  return j.verdict == Verdict::found ? text + format(", area by %+.0f %%", 100 * j.area) : text;
   return text;
 }
 
 // Tenths of a millimetre are far below what is measured.
 Json rounded(double value) { return roundedNumber(value, 10); }
+Json roundedShare(double value) { return roundedNumber(value, 1000); }
 
 Json objectJson(const Judged& j) {
   const bool found = j.verdict == Verdict::found;
@@ -51,17 +70,21 @@ Json objectJson(const Judged& j) {
           {"verdict", nameOf(j.verdict)},
           {"labels", j.regions},
           {"position_error_mm", found ? rounded(j.positionMm) : Json()},
-          {"height_error_mm", found ? rounded(j.heightMm) : Json()}};
+          {"height_error_mm", found ? rounded(j.heightMm) : Json()},
+          {"cut_off", j.cutOff},
+          {"area_error", found && !j.cutOff ? roundedShare(j.area) : Json()}};
 }
 
 }  // namespace
 
 std::string regionTable(const RegionEvaluation& evaluation) {
   const Errors e = errorsOf(evaluation);
+  const AreaErrors areas = areaErrorsOf(evaluation);
   Table table;
   table.line("objects", static_cast<double>(evaluation.objects.size()), "", 0);
   for (const Verdict verdict : {Verdict::found, Verdict::missed, Verdict::split, Verdict::merged})
     table.line(nameOf(verdict), static_cast<double>(evaluation.count(verdict)), "", 0);
+  table.line("missed, but cut off", static_cast<double>(evaluation.missedCutOff()), "by the picture's edge", 0);
   table.line("false regions", static_cast<double>(evaluation.falseRegions.size()), "", 0);
   table.gap();
   table.line("position, mean error", e.positionMean, "mm", 0);
@@ -69,6 +92,8 @@ std::string regionTable(const RegionEvaluation& evaluation) {
   table.line("height, mean error (bias)", e.heightMean, "mm", 0);
   table.line("height, mean absolute error", e.heightMeanAbsolute, "mm", 0);
   table.line("height, largest error", e.heightLargest, "mm", 0);
+  table.line("area, mean error (bias)", 100 * areas.mean, "%", 0);
+  table.line("area, mean absolute error", 100 * areas.meanAbsolute, "%", 0);
   table.gap();
   for (const Judged& j : evaluation.objects)
     table.line(format("object %u, %s", j.object.number, j.object.kind.c_str()), j.object.highestMm,
@@ -78,15 +103,19 @@ std::string regionTable(const RegionEvaluation& evaluation) {
 
 std::string regionJson(const RegionEvaluation& evaluation) {
   const Errors e = errorsOf(evaluation);
+  const AreaErrors areas = areaErrorsOf(evaluation);
   Json json = {{"objects", evaluation.objects.size()}};
   for (const Verdict verdict : {Verdict::found, Verdict::missed, Verdict::split, Verdict::merged})
     json[nameOf(verdict)] = evaluation.count(verdict);
+  json["missed_cut_off"] = evaluation.missedCutOff();
   json["false_regions"] = evaluation.falseRegions.size();
   json["position_mean_mm"] = rounded(e.positionMean);
   json["position_largest_mm"] = rounded(e.positionLargest);
   json["height_mean_mm"] = rounded(e.heightMean);
   json["height_mean_absolute_mm"] = rounded(e.heightMeanAbsolute);
   json["height_largest_mm"] = rounded(e.heightLargest);
+  json["area_mean"] = roundedShare(areas.mean);
+  json["area_mean_absolute"] = roundedShare(areas.meanAbsolute);
   json["verdicts"] = Json::array();
   for (const Judged& j : evaluation.objects) json["verdicts"].push_back(objectJson(j));
   return json.dump(2) + "\n";

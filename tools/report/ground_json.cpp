@@ -67,6 +67,7 @@ Json areaJson(const WatchedArea& area, const NadirOccupancy& o, const NadirShare
   Json json = {{"name", area.area.name}};
   if (area.area.unit == AreaUnit::pixels) json["pixels"] = cornersJson(area.area.corners);
   json["ground_mm"] = cornersJson(area.ground);
+  addRule(json, area.area);
   json["whole_on_map"] = area.wholeOnMap;
   json["cells"] = area.cells;
   json["area_m2"] = squareMetresJson(area.cells, context);

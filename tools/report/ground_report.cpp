@@ -55,12 +55,14 @@ void addRegions(Table& table, const Road& road, const NadirFindings& findings) {
   table.heading(format("regions: %u", findings.region_count), "");
   table.line("higher than", road.settings.min_height_mm, "mm", 0);
   table.line("joined by steps up to", road.settings.max_step_mm, "mm", 0);
+  if (road.settings.dip_mm > 0) table.line("parted by dips of", road.settings.dip_mm, "mm", 0);
   table.line("not smaller than", road.settings.min_area_m2, "m2", 3);
   for (uint32_t i = 0; i < findings.region_count; ++i) {
     const NadirRegion& region = findings.regions[i];
     table.line(format("region %u", region.label), region.area_m2,
                described(region.highest_mm, region.median_mm) +
-                   format(", at x %.0f, y %.0f mm", region.centre_x_mm, region.centre_y_mm),
+                   format(", at x %.0f, y %.0f mm", region.centre_x_mm, region.centre_y_mm) +
+                   (region.at_picture_edge ? "; cut off by the picture's edge" : ""),
                3);
   }
 }

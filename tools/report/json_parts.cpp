@@ -42,7 +42,8 @@ Json cameraJson(const Camera& camera) {
 Json ruleJson(const NadirSettings& settings) {
   return {{"min_height_mm", settings.min_height_mm},
           {"max_step_mm", settings.max_step_mm},
-          {"min_area_m2", roundedNumber(settings.min_area_m2, 1e6)}};
+          {"min_area_m2", roundedNumber(settings.min_area_m2, 1e6)},
+          {"dip_mm", settings.dip_mm}};
 }
 
 Json cornersJson(const std::vector<Point_s32>& corners) {
@@ -56,7 +57,9 @@ Json regionJson(const NadirRegion& region, const StereoCtx& context) {
                {"cells", region.cells},
                {"area_m2", squareMetresJson(region.cells, context)},
                {"box_mm", boxJson(region, context)},
-               {"centre_mm", {{"x", measuredJson(region.centre_x_mm)}, {"y", measuredJson(region.centre_y_mm)}}}};
+               {"centre_mm", {{"x", measuredJson(region.centre_x_mm)}, {"y", measuredJson(region.centre_y_mm)}}},
+               {"at_map_edge", region.at_map_edge != 0},
+               {"at_picture_edge", region.at_picture_edge != 0}};
   addHeights(json, region.cells, region.highest_mm, region.median_mm);
   return json;
 }
@@ -75,6 +78,11 @@ Json warningsJson(const Warnings& warnings) {
     json.push_back({{"id", warning.id}, {"sentence", warning.sentence}, {"numbers", numbers}});
   }
   return json;
+}
+
+void addRule(Json& json, const Area& area) {
+  if (area.minHeightMm > 0) json["min_height_mm"] = area.minHeightMm;
+  if (area.maxHeightMm > 0) json["max_height_mm"] = area.maxHeightMm;
 }
 
 void addHeights(Json& json, uint32_t cells, uint32_t highestMm, uint32_t medianMm) {

@@ -7,6 +7,7 @@
 
 #include "tools/base/json_value.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera.hpp"
 
 namespace nadir::tool {
@@ -39,6 +40,9 @@ Json warningsJson(const Warnings& warnings);
 
 // How far a frame's mount is from what the camera file says.
 Json driftJson(const NadirTrust& trust);
+
+// Adds the heights of an area's own rule, as far as it has one.
+void addRule(Json& json, const Area& area);
 
 // Adds the heights of some cells, null where there is no cell.
 void addHeights(Json& json, uint32_t cells, uint32_t highestMm, uint32_t medianMm);

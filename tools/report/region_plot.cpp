@@ -57,6 +57,16 @@ void drawNames(Signs& signs, const std::vector<NamedOutline>& areas) {
   }
 }
 
+// ---- numbers ----
+
+constexpr Rgb cutOff{255, 200, 90};
+
+// What goes on beyond the picture's edge is told apart from what is whole.
+void drawNumber(Signs& signs, const Spot& place, const NadirRegion& region, uint32_t scale) {
+  const bool cut = region.at_picture_edge != 0;
+  signs.drawAt(place, format("%u%s", region.label, cut ? " cut off" : ""), scale, cut ? cutOff : white);
+}
+
 // ---- on the map ----
 
 bool differs(const Grid<uint16_t>& labels, uint16_t label, int64_t x, int64_t y) {
@@ -140,11 +150,11 @@ void colourRegions(Grid<Rgb>& picture, const Grid<uint16_t>& labels) {
     if (const uint16_t label = labels.pixels[i]) picture.pixels[i] = blended(picture.pixels[i], colourOf(label), 0.5);
 }
 
-void numberRegions(Signs& signs, const Grid<uint16_t>& labels, size_t count) {
+void numberRegions(Signs& signs, const Grid<uint16_t>& labels, const NadirFindings& findings) {
   const uint32_t scale = labels.width < 400 ? 1 : 2;
-  const std::vector<std::optional<Spot>> places = middles(labels, count);
-  for (size_t i = 1; i <= count; ++i)
-    if (places[i]) signs.drawAt(*places[i], format("%zu", i), scale, white);
+  const std::vector<std::optional<Spot>> places = middles(labels, findings.region_count);
+  for (uint32_t i = 0; i < findings.region_count; ++i)
+    if (places[i + 1]) drawNumber(signs, *places[i + 1], findings.regions[i], scale);
 }
 
 // Long edges on the ground are followed piece by piece, because a part of them can lie behind the camera.
@@ -194,12 +204,13 @@ Bytes encodeRegionMap(const Road& road, const PairResult& result) {
   Signs signs(map.picture, map.place);
   for (uint32_t i = 0; i < findings.region_count; ++i) {
     const NadirRegion& region = findings.regions[i];
-    signs.drawAt(spotOf(map, road.context, region.centre_x_mm, region.centre_y_mm), format("%u", region.label), 2,
-                 white);
+    drawNumber(signs, spotOf(map, road.context, region.centre_x_mm, region.centre_y_mm), region, 2);
   }
   drawNames(signs, areas);
-  return encodePng(map.picture, pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
-                                             "Regions are outlined in white and numbered, areas of interest in pink."));
+  return encodePng(map.picture,
+                   pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen. "
+                                "Regions are outlined in white and numbered (yellow: cut off by the picture's "
+                                "edge), areas of interest in pink."));
 }
 
 Bytes encodeRegionPicture(const Road& road, const PairResult& result) {
@@ -210,11 +221,11 @@ Bytes encodeRegionPicture(const Road& road, const PairResult& result) {
   colourRegions(picture, labels);
   drawLines(picture, areas);
   Signs signs(picture, whole);
-  numberRegions(signs, labels, result.findings.region_count);
+  numberRegions(signs, labels, result.findings);
   drawNames(signs, areas);
   return encodePng(picture,
-                   pictureTexts("The measured picture: regions coloured and numbered, areas of interest on the "
-                                "ground outlined in pink."));
+                   pictureTexts("The measured picture: regions coloured and numbered (yellow: cut off by its edge "
+                                "or the other picture's), areas of interest on the ground outlined in pink."));
 }
 
 }  // namespace nadir::tool

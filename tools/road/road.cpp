@@ -11,6 +11,7 @@
 #include "tools/base/text.hpp"
 #include "tools/camera/camera_file.hpp"
 #include "tools/pictures/pictures.hpp"
+#include "tools/road/presets.hpp"
 
 namespace nadir::tool {
 
@@ -56,6 +57,9 @@ NadirCamera cameraRecord(const Camera& c) {
 // Things lose their rim where passes must agree: a child seen from 3.5 m a third of its cells.
 constexpr double keptByChecks = 2.0 / 3;
 
+// Above the ground: what an automatic range must measure.
+constexpr double usualTallestMm = 2000;
+
 // What is wrong with the camera is told when the road is made.
 uint32_t rangeFor(double tallestMm, const NadirCamera& camera, NadirSettings settings) {
   uint32_t range = settings.range = NADIR_RANGE_61;
@@ -63,19 +67,35 @@ uint32_t rangeFor(double tallestMm, const NadirCamera& camera, NadirSettings set
   return range;
 }
 
+// The least area of regions that nobody gave.
+double usualArea(const NadirSettings& settings, const RoadOptions& options) {
+  const bool checked = settings.check != NADIR_CHECK_NONE && options.disparity.empty();
+  return checked ? settings.min_area_m2 * keptByChecks : settings.min_area_m2;
+}
+
+// What is given stands above the preset, and that above what is usual.
+void setRules(const RoadOptions& options, NadirSettings& s) {
+  const Preset& preset = presetNamed(options.preset);
+  const auto chosen = [](const std::optional<double>& given, const std::optional<double>& ofPreset, double usual) {
+    return given.value_or(ofPreset.value_or(usual));
+  };
+  s.percentile = chosen(options.percentile, preset.percentile, s.percentile);
+  s.min_height_mm = chosen(options.minHeightMm, preset.minHeightMm, s.min_height_mm);
+  s.max_step_mm = chosen(options.maxStepMm, preset.maxStepMm, s.max_step_mm);
+  s.dip_mm = chosen(options.dipMm, preset.dipMm, s.dip_mm);
+  s.min_area_m2 = chosen(options.minAreaM2, preset.minAreaM2, usualArea(s, options));
+}
+
 NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& camera) {
   NadirSettings s;
   nadir_settings_fill(&s, &camera);
   s.until = options.noRegions ? NADIR_UNTIL_MAP : NADIR_UNTIL_ALL;
   s = withOptions(s, options.match);
-  s.percentile = options.percentile;
   s.min_points = options.minPoints;
   s.fill_holes_m2 = options.fillHolesM2;
-  s.min_height_mm = options.minHeightMm.value_or(s.min_height_mm);
-  s.max_step_mm = options.maxStepMm.value_or(s.max_step_mm);
-  const bool checked = s.check != NADIR_CHECK_NONE && options.disparity.empty();
-  s.min_area_m2 = options.minAreaM2.value_or(checked ? s.min_area_m2 * keptByChecks : s.min_area_m2);
-  if (options.match.range == automaticRange) s.range = rangeFor(options.tallestMm, camera, s);
+  setRules(options, s);
+  const double tallest = options.tallestMm.value_or(presetNamed(options.preset).tallestMm.value_or(usualTallestMm));
+  if (options.match.range == automaticRange) s.range = rangeFor(tallest, camera, s);
   return s;
 }
 
@@ -83,7 +103,7 @@ std::vector<NadirArea> areaRecords(const std::vector<Area>& areas) {
   std::vector<NadirArea> records;
   for (const Area& a : areas)
     records.push_back({sizeof(NadirArea), a.unit == AreaUnit::pixels ? 0u + NADIR_AREA_PIXELS : NADIR_AREA_GROUND_MM,
-                       static_cast<uint32_t>(a.corners.size()), 0, &a.corners[0].x});
+                       static_cast<uint32_t>(a.corners.size()), 0, &a.corners[0].x, a.minHeightMm, a.maxHeightMm});
   return records;
 }
 
@@ -133,6 +153,16 @@ RoadHandle made(const NadirCamera& camera, const NadirSettings& settings, const 
   if (fault.field && status != NADIR_OK) throw Error(format("%s: %s", fault.field, nadir_status_text(status)));
   expect(status);
   return RoadHandle(road);
+}
+
+// Throws where an area's greatest height lies below the least one of regions: nothing would ever stand there.
+void checkHeights(const std::vector<Area>& areas, const NadirSettings& settings) {
+  for (const Area& a : areas)
+    if (a.maxHeightMm > 0 && a.minHeightMm == 0 && a.maxHeightMm <= settings.min_height_mm)
+      throw Error(
+          format("%s: area \"%s\": nothing would be found up to max_height_mm = %u, since regions are higher "
+                 "than %g mm; the area needs a min_height_mm below that",
+                 a.origin.c_str(), a.name.c_str(), a.maxHeightMm, settings.min_height_mm));
 }
 
 std::vector<Area> areasOf(const Road& road) {
@@ -257,6 +287,7 @@ Road roadOf(const RoadOptions& options) {
   const NadirCamera camera = cameraRecord(road.camera);
   const std::vector<Area> areas = readAllAreas(options);
   road.settings = settingsRecord(options, camera);
+  checkHeights(areas, road.settings);
   road.handle = made(camera, road.settings, areas);
   road.context = contextOf(*road.handle);
   for (const Area& area : areas)

@@ -26,12 +26,13 @@ struct RoadOptions {
   std::string camera, mask, disparity, areas;
   double disparityScale = 0;  // of the given disparities; 0: what their file says
   MatchOptions match = matchOptionsOfMaps();
-  double tallestMm = 2000;  // above the ground: what an automatic range must measure
-  double percentile = usualSettings().percentile;
+  std::string preset;               // empty for none; what is given here stands above what it holds
+  std::optional<double> tallestMm;  // above the ground: what an automatic range must measure
+  std::optional<double> percentile;
   uint32_t minPoints = usualSettings().min_points;
   double fillHolesM2 = usualSettings().fill_holes_m2;
   bool noRegions = false;
-  std::optional<double> minHeightMm, maxStepMm, minAreaM2;  // else the usual ones for the map's cells
+  std::optional<double> minHeightMm, maxStepMm, dipMm, minAreaM2;  // else the usual ones for the map's cells
 };
 
 struct Destroy {

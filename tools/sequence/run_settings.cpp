@@ -40,8 +40,10 @@ Json maskJson(const std::optional<MaskMark>& mask) {
 
 Json areasJson(const std::vector<WatchedArea>& areas) {
   Json json = Json::array();
-  for (const WatchedArea& area : areas)
+  for (const WatchedArea& area : areas) {
     json.push_back({{"name", area.area.name}, {"ground_mm", cornersJson(area.ground)}, {"cells", area.cells}});
+    addRule(json.back(), area.area);
+  }
   return json;
 }
 

@@ -143,7 +143,7 @@ TEST(GroundAreas, AreCopied) {
 TEST(GroundAreas, NothingIsReadBehindTheirCorners) {
   for (const Guard side : {Guard::behind, Guard::before}) {
     const Guarded<int32_t> corners(square, side);
-    const NadirArea area{sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, corners.data()};
+    const NadirArea area{sizeof(NadirArea), NADIR_AREA_GROUND_MM, 4, 0, corners.data(), 0, 0};
     EXPECT_EQ(answerTo({area}), NADIR_OK);
   }
 }

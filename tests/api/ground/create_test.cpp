@@ -90,6 +90,7 @@ std::vector<Limit<NadirSettings>> settingsLimits() {
           {MEMBER(NadirSettings, min_height_mm), {0, 65534}, {-1e-9, 65534.5, notANumber, beyondAll}},
           {MEMBER(NadirSettings, max_step_mm), {0, 65535}, {-1e-9, 65535.5, notANumber, beyondAll}},
           {MEMBER(NadirSettings, min_area_m2), {0, 1e6}, tooMuch},
+          {MEMBER(NadirSettings, dip_mm), {0, 65535}, tooMuch},
           {MEMBER(NadirSettings, check), {0, 1, 2, 3}, {4, 4294967295.0}},
           {MEMBER(NadirSettings, refine), {0, 1}, {2, 4294967295.0}},
           {MEMBER(NadirSettings, support), {0, 1, 48}, {49, 4294967295.0}},

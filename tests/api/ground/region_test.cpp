@@ -199,6 +199,279 @@ TEST(Regions, SayWhetherTheyTouchTheMapsEdge) {
   });
 }
 
+// ---- parts ----
+
+// Hills, all of which touch.
+Grid<float> hills(lab::Random& random) {
+  Grid<float> grid(96, 60);
+  for (float& d : grid.pixels) d = 16000.0f / (1900.0f - static_cast<float>(random.below(8)) * 40.0f);
+  return grid;
+}
+
+// How many cells of a map are the tops of parts: no path leads from them to another cell that is higher, or as high and
+// before them, without sinking by the dip.
+size_t topsOf(const Grid<uint16_t>& heights, uint16_t dip) {
+  size_t tops = 0;
+  const auto cells = static_cast<uint32_t>(heights.pixels.size());
+  for (uint32_t from = 0; from < cells; ++from) {
+    const uint16_t top = heights.pixels[from];
+    std::vector<uint32_t> reached = {from};
+    std::vector<uint8_t> known(cells);
+    known[from] = 1;
+    bool isTop = top > 60;
+    for (size_t i = 0; i < reached.size() && isTop; ++i) {
+      const uint32_t cell = reached[i], x = cell % heights.width, y = cell / heights.width;
+      const auto visit = [&](bool exists, uint32_t next) {
+        if (!exists || known[next] || heights.pixels[next] <= 60 || heights.pixels[next] + dip <= top) return;
+        known[next] = 1;
+        reached.push_back(next);
+        isTop &= heights.pixels[next] < top || (heights.pixels[next] == top && next > from);
+      };
+      visit(x > 0, cell - 1);
+      visit(x + 1 < heights.width, cell + 1);
+      visit(y > 0, cell - heights.width);
+      visit(y + 1 < heights.height, cell + heights.width);
+    }
+    tops += isTop;
+  }
+  return tops;
+}
+
+NadirSettings settingsOfParts(double dipMm, double minAreaM2 = 0) {
+  NadirSettings settings = defaultSettings(smallCamera());
+  settings.max_step_mm = 65535;
+  settings.min_area_m2 = minAreaM2;
+  settings.dip_mm = dipMm;
+  return settings;
+}
+
+TEST(Parts, AreAsManyAsThereAreTops) {
+  inRounds(60, [](lab::Random& random) {
+    const Grid<float> disparity = hills(random);
+    const auto dip = static_cast<uint16_t>(1 + random.below(300));
+    const Road road = makeRoad(smallCamera(), settingsOfParts(dip));
+    const Result result = makeResult(road);
+    const NadirFindings f = processed(road, frameOf(disparity), result);
+    EXPECT_EQ(f.region_count, topsOf(gridOf<uint16_t>(f.heights), dip)) << "dip of " << dip << " mm";
+  });
+}
+
+Grid<uint16_t> partsOf(const Grid<float>& disparity, const NadirSettings& settings) {
+  const Road road = makeRoad(smallCamera(), settings);
+  const Result result = makeResult(road);
+  return gridOf<uint16_t>(processed(road, frameOf(disparity), result).labels);
+}
+
+uint16_t highestLabel(const Grid<uint16_t>& labels) {
+  return *std::max_element(labels.pixels.begin(), labels.pixels.end());
+}
+
+TEST(Parts, CoverTheSameCells) {
+  inRounds(20, [](lab::Random& random) {
+    const Grid<float> disparity = anyBoxes(random);
+    const Grid<uint16_t> whole = partsOf(disparity, settingsOfParts(0)),
+                         parts = partsOf(disparity, settingsOfParts(40));
+    for (size_t i = 0; i < whole.pixels.size(); ++i) EXPECT_EQ(whole.pixels[i] == 0, parts.pixels[i] == 0);
+  });
+}
+
+TEST(Parts, AreNumberedByTheirFirstCells) {
+  inRounds(20, [](lab::Random& random) {
+    uint16_t highest = 0;
+    for (const uint16_t label : partsOf(hills(random), settingsOfParts(40)).pixels) {
+      EXPECT_LE(label, highest + 1);
+      highest = std::max(highest, label);
+    }
+  });
+}
+
+// A block a metre high with a trough across it.
+uint16_t partsOfTrough(double troughMm, const NadirSettings& settings) {
+  Grid<float> grid(96, 60, 8.0f);
+  for (uint32_t y = 20; y < 40; ++y) {
+    std::fill(grid.row(y) + 30, grid.row(y) + 66, 16.0f);
+    std::fill(grid.row(y) + 44, grid.row(y) + 52, static_cast<float>(16000 / (2000 - troughMm)));
+  }
+  return highestLabel(partsOf(grid, settings));
+}
+
+TEST(Parts, StayTogetherOverAShallowTrough) {
+  EXPECT_EQ(partsOfTrough(960, settingsOfParts(50)), 1);
+  EXPECT_EQ(partsOfTrough(940, settingsOfParts(50)), 2);
+}
+
+TEST(Parts, AreNotMadeWithoutADip) { EXPECT_EQ(partsOfTrough(300, settingsOfParts(0)), 1); }
+
+TEST(Parts, HaveATopThatAQuarterOfTheLeastAreaReaches) {
+  // Beyond the trough about 30 cells of 1600 mm2 are left of 0.048 m2.
+  EXPECT_EQ(partsOfTrough(500, settingsOfParts(50, 0.04)), 2);
+  EXPECT_EQ(partsOfTrough(500, settingsOfParts(50, 0.4)), 0);
+}
+
+// ---- heights of an area's own ----
+
+NadirArea areaWithHeights(const std::vector<int32_t>& corners, uint32_t least, uint32_t most) {
+  NadirArea area = areaOf(corners);
+  area.min_height_mm = least;
+  area.max_height_mm = most;
+  return area;
+}
+
+const std::vector<int32_t> leftHalf = {-320, -320, 0, -320, 0, 240, -320, 240};
+const std::vector<int32_t> wholeMap = {-320, -320, 320, -320, 320, 240, -320, 240};
+
+// Every cell's label with some areas against those that the model finds in heights that `counts` leaves.
+template <class Counts>
+void expectCounted(const std::vector<NadirArea>& areas, Counts counts) {
+  inRounds(40, [&](lab::Random& random) {
+    const Grid<float> disparity = anyBoxes(random);
+    NadirSettings settings = defaultSettings(smallCamera());
+    settings.min_height_mm = 300;
+    settings.min_area_m2 = 0.0016;
+    const Road road = makeRoad(smallCamera(), settings, areas);
+    const Result result = makeResult(road);
+    const NadirFindings f = processed(road, frameOf(disparity), result);
+    Grid<uint16_t> heights = gridOf<uint16_t>(f.heights);
+    for (uint32_t y = 0; y < heights.height; ++y)
+      for (uint32_t x = 0; x < heights.width; ++x)
+        if (!counts(x, heights.at(x, y))) heights.at(x, y) = 0;
+    settings.min_height_mm = 0;
+    Grid<uint16_t> wanted(heights.width, heights.height);
+    uint16_t label = 0;
+    for (const Cells& cells : regionsOf(heights, settings)) {
+      ++label;
+      for (const Cell& cell : cells) wanted.at(cell.x, cell.y) = label;
+    }
+    EXPECT_TRUE(same(wanted.pixels, gridOf<uint16_t>(f.labels).pixels));
+  });
+}
+
+constexpr uint32_t leftColumns = 8;  // of the map, whose middles lie left of x = 0
+
+TEST(AreaHeights, LowerTheLeastOneInTheArea) {
+  expectCounted({areaWithHeights(leftHalf, 100, 0)},
+                [](uint32_t x, uint16_t mm) { return mm > (x < leftColumns ? 100 : 300); });
+}
+
+TEST(AreaHeights, RaiseTheLeastOneInTheArea) {
+  expectCounted({areaWithHeights(leftHalf, 600, 0)},
+                [](uint32_t x, uint16_t mm) { return mm > (x < leftColumns ? 600 : 300); });
+}
+
+TEST(AreaHeights, LeaveOutWhatIsHigher) {
+  expectCounted({areaWithHeights(leftHalf, 0, 700)},
+                [](uint32_t x, uint16_t mm) { return mm > 300 && (x >= leftColumns || mm <= 700); });
+}
+
+TEST(AreaHeights, OfTheFirstAreaHoldWhereSeveralHaveSome) {
+  expectCounted({areaWithHeights(leftHalf, 100, 0), areaWithHeights(wholeMap, 500, 800)},
+                [](uint32_t x, uint16_t mm) { return x < leftColumns ? mm > 100 : mm > 500 && mm <= 800; });
+}
+
+TEST(AreaHeights, OfAnAreaWithoutThemDoNotStandBeforeOthers) {
+  expectCounted({areaOf(wholeMap), areaWithHeights(leftHalf, 100, 0)},
+                [](uint32_t x, uint16_t mm) { return mm > (x < leftColumns ? 100 : 300); });
+}
+
+TEST(AreaHeights, AreRefusedOutOfTheirRange) {
+  struct {
+    uint32_t least, most;
+    const char* field;
+  } const wrong[] = {{65536, 0, "min_height_mm"}, {0, 65536, "max_height_mm"}, {500, 500, "max_height_mm"}};
+  for (const auto& w : wrong) {
+    const NadirCamera camera = smallCamera();
+    const NadirSettings settings = defaultSettings(camera);
+    const NadirArea area = areaWithHeights(leftHalf, w.least, w.most);
+    NadirRoad* road = nullptr;
+    NadirFault fault{};
+    fault.size = sizeof fault;
+    EXPECT_EQ(nadir_road_create(&camera, &settings, &area, 1, &road, &fault), NADIR_BAD_AREA);
+    EXPECT_STREQ(fault.field, w.field);
+  }
+}
+
+// ---- the picture's edge ----
+
+// A floor with a box, whose disparity is 16 pixels; half-open columns and rows.
+Grid<float> oneBox(uint32_t left, uint32_t top, uint32_t right, uint32_t bottom) {
+  Grid<float> grid(96, 60, 8.0f);
+  for (uint32_t y = top; y < bottom; ++y) std::fill(grid.row(y) + left, grid.row(y) + right, 16.0f);
+  return grid;
+}
+
+// The camera's map reaches beyond what it sees.
+NadirCamera wideCamera() {
+  NadirCamera camera = smallCamera();
+  camera.map_width_cells = 60;
+  camera.map_height_cells = 60;
+  return camera;
+}
+
+uint32_t isAtPictureEdge(const Grid<float>& disparity, const NadirCamera& camera, const NadirSettings& settings) {
+  const Road road = makeRoad(camera, settings);
+  const Result result = makeResult(road);
+  const NadirFindings f = processed(road, frameOf(disparity), result);
+  EXPECT_EQ(f.region_count, 1u);
+  return f.regions[0].at_picture_edge;
+}
+
+uint32_t isAtPictureEdge(const Grid<float>& disparity, uint32_t grid = NADIR_GRID_LEFT) {
+  NadirSettings settings = defaultSettings(wideCamera());
+  settings.grid = grid;
+  settings.min_area_m2 = 0.001;
+  return isAtPictureEdge(disparity, wideCamera(), settings);
+}
+
+TEST(PictureEdge, DoesNotCutOffWhatStandsInTheMiddle) { EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 60, 40)), 0u); }
+
+TEST(PictureEdge, CutsOffWhatReachesTheFirstRows) {
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 7, 60, 40)), 1u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 8, 60, 40)), 0u);
+}
+
+TEST(PictureEdge, CutsOffWhatReachesTheLastRows) {
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 60, 53)), 1u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 60, 52)), 0u);
+}
+
+TEST(PictureEdge, OfTheLeftGridIsOnTheLeftThatOfTheRightPicture) {
+  EXPECT_EQ(isAtPictureEdge(oneBox(23, 20, 60, 40)), 1u) << "the right picture has it from column 7 on";
+  EXPECT_EQ(isAtPictureEdge(oneBox(24, 20, 60, 40)), 0u);
+}
+
+TEST(PictureEdge, OfTheLeftGridIsOnTheRightItsOwn) {
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 89, 40)), 1u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 88, 40)), 0u);
+}
+
+TEST(PictureEdge, OfTheRightGridIsTheMirrorImage) {
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 73, 40), NADIR_GRID_RIGHT), 1u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(40, 20, 72, 40), NADIR_GRID_RIGHT), 0u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(8, 20, 60, 40), NADIR_GRID_RIGHT), 0u);
+  EXPECT_EQ(isAtPictureEdge(oneBox(7, 20, 60, 40), NADIR_GRID_RIGHT), 1u);
+}
+
+TEST(PictureEdge, IsLookedForWithoutTheColumnShift) {
+  NadirCamera camera = wideCamera();
+  camera.column_shift_px = 4;
+  NadirSettings settings = defaultSettings(camera);
+  settings.min_area_m2 = 0.001;
+  Grid<float> disparity = oneBox(24, 20, 60, 40);
+  for (float& d : disparity.pixels) d -= d == 8 ? 4.0f : 0.0f;
+  EXPECT_EQ(isAtPictureEdge(disparity, camera, settings), 0u);
+}
+
+TEST(PictureEdge, IsWiderWhereSmallerPicturesAreMatched) {
+  NadirCamera camera = wideCamera();
+  camera.width_px = 192;
+  NadirSettings settings = defaultSettings(camera);
+  settings.min_area_m2 = 0.001;
+  settings.range = NADIR_RANGE_122;
+  Grid<float> disparity(192, 60, 8.0f);
+  for (uint32_t y = 15; y < 40; ++y) std::fill(disparity.row(y) + 60, disparity.row(y) + 80, 16.0f);
+  EXPECT_EQ(isAtPictureEdge(disparity, camera, settings), 1u) << "row 15 of halves is row 7";
+}
+
 TEST(Regions, LieWhereTheMeanOfTheirCellsLies) {
   forEachRegion([](const NadirRegion& region, const Cells& cells, const NadirFindings&, const NadirCamera& camera) {
     const double corner = -40.0 * (camera.map_width_cells / 2);

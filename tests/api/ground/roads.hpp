@@ -64,7 +64,7 @@ inline NadirSettings settingsUntil(uint32_t until, const NadirCamera& camera = s
 }
 
 inline NadirArea areaOf(const std::vector<int32_t>& corners, uint32_t unit = NADIR_AREA_GROUND_MM) {
-  return {sizeof(NadirArea), unit, static_cast<uint32_t>(corners.size() / 2), 0, corners.data()};
+  return {sizeof(NadirArea), unit, static_cast<uint32_t>(corners.size() / 2), 0, corners.data(), 0, 0};
 }
 
 template <class Object, void (*destroy)(Object*)>
