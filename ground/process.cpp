@@ -59,8 +59,8 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
 
 void findWhatStands(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
   stages.begin("regions");
-  r.regionCount = findRegions(r.heights, road.context, road.settings, road.shape, road.areas, road.regions, r.labels,
-                              r.regions);
+  r.regionCount =
+      findRegions(r.heights, road.context, road.settings, road.shape, road.areas, road.regions, r.labels, r.regions);
   markAtPictureEdge(disparityRows(road, frame, r), pictureEdge(road.settings, road.match.halvings, road.columnShift),
                     road.shape, road.sort, r.labels, r.regions);
   const ElevMapParams& map = road.context.mapParams;

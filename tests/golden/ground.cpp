@@ -128,6 +128,21 @@ Fingerprint supported() {
   return hash;
 }
 
+// Regions that are parted, and areas with heights of their own.
+Fingerprint parted() {
+  Fingerprint hash;
+  for (const double dip : {1, 30, 400}) {
+    lab::RoadPlan plan = somePlan();
+    plan.settings.max_step_mm = 2000;
+    plan.settings.min_area_m2 = 0;
+    plan.settings.dip_mm = dip;
+    plan.areas[0].min_height_mm = 20;
+    plan.areas[1].max_height_mm = 900;
+    addFoundAndPoints(hash, plan, someFrame());
+  }
+  return hash;
+}
+
 Fingerprint ranges() {
   Fingerprint hash;
   lab::RoadPlan plan = somePlan();
@@ -147,7 +162,7 @@ Fingerprint setUp() {
   const NadirSettings& s = plan.settings;
   Fingerprint hash;
   hash.add(s.until).add(s.grid).add(s.uniqueness).add(s.postprocess).add(s.min_points).add(s.percentile);
-  hash.add(s.fill_holes_m2).add(s.min_height_mm).add(s.max_step_mm).add(s.min_area_m2);
+  hash.add(s.fill_holes_m2).add(s.min_height_mm).add(s.max_step_mm).add(s.min_area_m2).add(s.dip_mm);
   StereoCtx context;
   lab::demand(nadir_road_context(road.road(), &context));
   hash.add(context.extCalib.R, 9).add(context.extCalib.T, 3).add(context.lowerLeft.x).add(context.lowerLeft.y);
@@ -199,6 +214,7 @@ std::vector<Case> groundCases() {
           {"RoadWithoutHoles", withoutHoles},
           {"RoadMatchedAgain", matchedAgain},
           {"RoadSupported", supported},
+          {"RoadParted", parted},
           {"RoadRanges", ranges},
           {"RoadGiven", given},
           {"RoadTracked", tracked}};
