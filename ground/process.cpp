@@ -1,4 +1,6 @@
 // The stations in their order, and a frame's points one by one.
+#include <cmath>
+
 #include "ground/records/checks.hpp"
 #include "ground/records/plane_view.hpp"
 #include "ground/result.hpp"
@@ -57,12 +59,17 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
   r.filledCells = fillHoles(road.shape, road.holes, r.heights);
 }
 
+void findPictureEdge(const NadirRoad& road, const NadirFrame& frame, NadirResult& r) {
+  const double largest = r.matched ? largestDisparityOf(road.match.halvings) : INFINITY;
+  const PictureEdge edge = pictureEdge(road.settings, road.shape, road.match.halvings, road.columnShift, largest);
+  markAtPictureEdge(disparityRows(road, frame, r), edge, road.shape, road.sort, r.labels, r.regions);
+}
+
 void findWhatStands(const NadirRoad& road, const NadirFrame& frame, const Stages& stages, NadirResult& r) {
   stages.begin("regions");
   r.regionCount =
       findRegions(r.heights, road.context, road.settings, road.shape, road.areas, road.regions, r.labels, r.regions);
-  markAtPictureEdge(disparityRows(road, frame, r), pictureEdge(road.settings, road.match.halvings, road.columnShift),
-                    road.shape, road.sort, r.labels, r.regions);
+  if (r.regionCount > 0) findPictureEdge(road, frame, r);
   const ElevMapParams& map = road.context.mapParams;
   const double leastOfRegion = road.settings.min_area_m2 * 1e6 / map.cellSizeX / map.cellSizeY;
   r.shareCount = fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, leastOfRegion, road.shape,

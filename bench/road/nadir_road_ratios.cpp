@@ -1,5 +1,7 @@
 // Prints what docs/measured/road.md holds: how long the road and its stages take beside the matcher. Only ratios: they
-// mean something on other machines too.
+// mean something on other machines too. With --modes: how long each way of matching takes beside a single pass.
+#include <nadir/ground.h>
+
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -36,7 +38,42 @@ void printRoad(const lab::TexturedPair& pair, double percentile, const std::vect
   }
 }
 
-void run() {
+const std::vector<MatchMode>& modes() {
+  static const std::vector<MatchMode> all = {
+      {"one pass", NADIR_CHECK_NONE, NADIR_REFINE_NONE, NADIR_RANGE_61, 0},
+      {"--refine surface", NADIR_CHECK_NONE, NADIR_REFINE_SURFACE, NADIR_RANGE_61, 0},
+      {"--check flip", NADIR_CHECK_FLIP, NADIR_REFINE_NONE, NADIR_RANGE_61, 0},
+      {"--check flip --support 8", NADIR_CHECK_FLIP, NADIR_REFINE_NONE, NADIR_RANGE_61, 8},
+      {"--check sides", NADIR_CHECK_SIDES, NADIR_REFINE_NONE, NADIR_RANGE_61, 0},
+      {"--check both", NADIR_CHECK_BOTH, NADIR_REFINE_NONE, NADIR_RANGE_61, 0},
+      {"--range 122", NADIR_CHECK_NONE, NADIR_REFINE_NONE, NADIR_RANGE_122, 0},
+      {"--range 244", NADIR_CHECK_NONE, NADIR_REFINE_NONE, NADIR_RANGE_244, 0},
+      {"--check flip --refine surface --range 122", NADIR_CHECK_FLIP, NADIR_REFINE_SURFACE, NADIR_RANGE_122, 0}};
+  return all;
+}
+
+void printModes(const lab::TexturedPair& pair, const std::vector<Level>& all) {
+  std::vector<std::vector<double>> times;
+  for (const Level& level : all) {
+    setCpu(level.cpu);
+    times.push_back(modeTimes(pair, modes()));
+  }
+  for (size_t mode = 0; mode < modes().size(); ++mode) {
+    std::printf("| %s | `%s` |", lab::sizeText(pair).c_str(), modes()[mode].name);
+    for (const std::vector<double>& seconds : times) std::printf(" %.2f |", seconds[mode] / seconds[0]);
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+}
+
+void printAllModes() {
+  const std::vector<Level> all = levels();
+  printHead({"size", "mode"}, all);
+  for (const auto& [width, height] : {std::pair<uint32_t, uint32_t>{320, 240}, {640, 480}, {1280, 960}})
+    printModes(lab::texturedPair(width, height), all);
+}
+
+void printAllStages() {
   const std::vector<Level> all = levels();
   printHead({"size", "percentile", "stage"}, all);
   for (const auto& [width, height] : {std::pair<uint32_t, uint32_t>{320, 240}, {640, 480}, {1280, 960}})
@@ -46,4 +83,9 @@ void run() {
 }  // namespace
 }  // namespace nadir::bench
 
-int main() { nadir::bench::run(); }
+int main(int count, char** words) {
+  if (count > 1 && std::string(words[1]) == "--modes")
+    nadir::bench::printAllModes();
+  else
+    nadir::bench::printAllStages();
+}

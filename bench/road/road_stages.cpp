@@ -2,7 +2,9 @@
 #include "bench/road/road_stages.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <memory>
 
 #include "bench/matching.hpp"
 #include "bench/road/road_frame.hpp"
@@ -70,6 +72,22 @@ RoadTimes roadTimes(const lab::TexturedPair& pair, double percentile) {
     for (size_t i = 0; i < times.stages.size(); ++i) keepFastest(times.stages[i].second, watch.stages.at(i).second);
   }
   return times;
+}
+
+std::vector<double> modeTimes(const lab::TexturedPair& pair, const std::vector<MatchMode>& modes) {
+  std::vector<std::function<void()>> ways;
+  for (const MatchMode& mode : modes) {
+    lab::RoadPlan plan = RoadFrame::planOf(pair, NADIR_UNTIL_MATCH, 90);
+    plan.areas.clear();
+    plan.settings.check = mode.check;
+    plan.settings.refine = mode.refine;
+    plan.settings.range = mode.range;
+    plan.settings.support = mode.support;
+    const auto road = std::make_shared<lab::Road>(plan);
+    ways.push_back(
+        [road, &pair] { road->findings(lab::frameOf(pair.first.data(), pair.reference.data(), pair.width)); });
+  }
+  return fastest(ways);
 }
 
 }  // namespace nadir::bench

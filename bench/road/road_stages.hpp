@@ -21,4 +21,13 @@ struct RoadTimes {
 // With the left view, the defaults and two areas, at the level that is set.
 RoadTimes roadTimes(const lab::TexturedPair& pair, double percentile);
 
+// How a pair may be matched; zeros are one pass of the matcher.
+struct MatchMode {
+  const char* name;
+  uint32_t check, refine, range, support;
+};
+
+// Seconds from two pictures to the disparities, of each mode, taking turns.
+std::vector<double> modeTimes(const lab::TexturedPair& pair, const std::vector<MatchMode>& modes);
+
 }  // namespace nadir::bench

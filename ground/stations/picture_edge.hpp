@@ -6,12 +6,15 @@
 namespace nadir::ground {
 
 struct PictureEdge {
-  float pixels;   // from an edge, which count as being at it
-  float towards;  // -1 where the other picture has points further left, by their disparity, else 1
-  float shift;    // what rows of disparities have more than that
+  uint32_t pixels;       // from an edge, which count as being at it
+  float towards;         // -1 where the other picture has points further left, by their disparity, else 1
+  float shift;           // what rows of disparities have more than that
+  uint32_t left, right;  // columns that may show what lies at the other picture's edge, and those at this one's
 };
 
-PictureEdge pictureEdge(const NadirSettings& settings, uint32_t halvings, float columnShift);
+// largestDisparity  pixels, before the column shift; infinite where disparities were given.
+PictureEdge pictureEdge(const NadirSettings& settings, const Shape& shape, uint32_t halvings, float columnShift,
+                        double largestDisparity);
 
 // Sets at_picture_edge of regions that have a point at an edge of either picture.
 //
