@@ -14,7 +14,7 @@ struct Range {
 
 constexpr double justAboveZero = 4.9406564584124654e-324;  // the least of all doubles above 0
 constexpr double farthest = 1e6;                           // mm and pixels: what libnadir's fixed point holds
-constexpr double highest = 65535;                           // mm: what a map can hold
+constexpr double highest = 65535;                          // mm: what a map can hold
 constexpr uint32_t leastSide = 5, largestSide = 65535, largestMap = 65535, mostPixels = 1u << 25;
 
 template <size_t n>

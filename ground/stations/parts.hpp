@@ -21,8 +21,8 @@ struct PartRule {
 };
 
 // Cells are taken from the highest down. One that touches no part begins a part, others join one. Where parts meet that
-// both have a top so far above the meeting place, they stay apart; else they become one. The source of the method stands
-// in the public header.
+// both have a top so far above the meeting place, they stay apart; else they become one. The source of the method
+// stands in the public header.
 //
 // heights  of the map.
 // memory   room for a record of each cell; a map of regions has at most 128 x 128.

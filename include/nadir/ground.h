@@ -183,10 +183,10 @@ typedef struct NadirSettings {
   uint32_t support;     /* 0 to NADIR_LARGEST_SUPPORT */
   double dip_mm; /* a region is parted where it sinks by this much at least, rounded up, between two of its tops; 0 to
                     65535, and 0 parts nothing. A top is the height that a quarter of min_area_m2 about it reaches.
-                    Each cell goes to the part that its surface rises to: the watershed of the map from below (L. Vincent,
-                    P. Soille, "Watersheds in digital spaces", IEEE PAMI 13(6), 1991), of tops with such a dynamic (M.
-                    Grimaud, "New measure of contrast: the dynamics", SPIE 1769, 1992). What is parted is then held to
-                    min_area_m2 */
+                    Each cell goes to the part that its surface rises to: the watershed of the map from below (L.
+                    Vincent, P. Soille, "Watersheds in digital spaces", IEEE PAMI 13(6), 1991), of tops with such a
+                    dynamic (M. Grimaud, "New measure of contrast: the dynamics", SPIE 1769, 1992). What is parted is
+                    then held to min_area_m2 */
 } NadirSettings;
 
 /* Fills in the defaults: the left grid to the end, uniqueness 48, the clean-up, percentile 90, 1 point, no holes

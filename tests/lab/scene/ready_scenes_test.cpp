@@ -135,7 +135,8 @@ TEST_P(ReadyScenes, NothingSeenIsAboveTheMap) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ReadyScenes,
-                         testing::Values("boxes", "people", "couples", "walkers", "steps", "slope", "crop-rows", "empty-floor"));
+                         testing::Values("boxes", "people", "couples", "walkers", "steps", "slope", "crop-rows",
+                                         "empty-floor"));
 
 TEST(SceneMap, LiesAroundTheGroundPointOfTheOpticalAxis) {
   const scene::Rig rig = makeRig(cameraAt(-30, 0));
