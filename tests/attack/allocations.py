@@ -5,7 +5,7 @@ import errno
 
 from shared import faults
 
-SAMPLED = 160  # of 90000: seconds
+SAMPLED = 160  # of 30000: seconds
 
 
 def run(options):

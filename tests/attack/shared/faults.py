@@ -160,11 +160,14 @@ def changed(files, old):
 
 
 def planned(attack, error_of):
-    """Every fault of every command with its index, in the order of the commands: each call once, and from then on."""
+    """Every fault of every command with its index, in the order of the commands: each call once, and from then on. What all
+    of them allocate before they look at their arguments, four fifths of all, fails in the first one alone."""
+    alike = attack.counts(Command("version", "--version")).get("allocation", 0) * 19 // 20  # it looks at one itself
     for command in COMMANDS:
         for kind, number in sorted(attack.counts(command).items()):
             for call in range(1, number + 1):
-                if kind != "allocation" or call % command.every == 0:
+                known = kind == "allocation" and call <= alike and command is not COMMANDS[0]
+                if not known and (kind != "allocation" or call % command.every == 0):
                     for mode in ("once", "on"):
                         yield command, f"{kind} {call} {mode} {error_of(kind)}"
 
