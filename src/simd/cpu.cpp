@@ -18,13 +18,13 @@ unsigned askProcessor() {
   __builtin_cpu_init();
   if (!__builtin_cpu_supports("sse4.1")) return cpuScalar;
   if (!__builtin_cpu_supports("avx2")) return cpuSse41;
+  unsigned levels = cpuSse41 | cpuAvx2;
 #if defined(NADIR_WITH_AVX512)
   if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
-      __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bitalg")) {
-    return cpuSse41 | cpuAvx2 | cpuAvx512;
-  }
+      __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512bitalg"))
+    levels |= cpuAvx512;
 #endif
-  return cpuSse41 | cpuAvx2;
+  return levels;
 #else
   return cpuScalar;
 #endif

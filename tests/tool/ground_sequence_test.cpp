@@ -612,6 +612,8 @@ const std::vector<Setting> settings = {
     {"--min-height", "111", "region_rule/min_height_mm is "},
     {"--max-step", "112", "region_rule/max_step_mm is "},
     {"--min-area", "0.25", "region_rule/min_area_m2 is "},
+    {"--dip", "31", "region_rule/dip_mm is "},
+    {"--for", "people", "region_rule/min_height_mm is "},
     {"--areas", "a.toml", "areas/0 is missing there and given here"},
     {"--grid", "right", "view is "},
     {"--uniqueness", "7", "uniqueness is "},

@@ -30,11 +30,13 @@ Json squareMetresJson(size_t cells, const StereoCtx& context) {
 
 Json shareJson(size_t part, size_t whole) { return measuredJson(shareOf(part, whole, 0)); }
 
+// Tables are made as objects: a null that becomes one by being indexed is torn where there is no memory for it.
 Json cameraJson(const Camera& camera) {
-  Json json;
+  Json json = Json::object();
   for (const CameraKey& key : cameraKeys()) {
     const double value = valueOf(camera, key);
-    (*key.table ? json[key.table] : json)[key.name] = isCount(key) ? Json(static_cast<uint32_t>(value)) : Json(value);
+    Json& table = *key.table ? *json.emplace(key.table, Json::object()).first : json;
+    table[key.name] = isCount(key) ? Json(static_cast<uint32_t>(value)) : Json(value);
   }
   return json;
 }

@@ -86,6 +86,10 @@ void setRules(const RoadOptions& options, NadirSettings& s) {
   s.min_area_m2 = chosen(options.minAreaM2, preset.minAreaM2, usualArea(s, options));
 }
 
+double tallestMm(const RoadOptions& options) {
+  return options.tallestMm.value_or(presetNamed(options.preset).tallestMm.value_or(usualTallestMm));
+}
+
 NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& camera) {
   NadirSettings s;
   nadir_settings_fill(&s, &camera);
@@ -94,8 +98,7 @@ NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& came
   s.min_points = options.minPoints;
   s.fill_holes_m2 = options.fillHolesM2;
   setRules(options, s);
-  const double tallest = options.tallestMm.value_or(presetNamed(options.preset).tallestMm.value_or(usualTallestMm));
-  if (options.match.range == automaticRange) s.range = rangeFor(tallest, camera, s);
+  if (options.match.range == automaticRange) s.range = rangeFor(tallestMm(options), camera, s);
   return s;
 }
 
@@ -293,6 +296,11 @@ Road roadOf(const RoadOptions& options) {
   for (const Area& area : areas)
     road.areas.push_back(watchedArea(*road.handle, area, static_cast<uint32_t>(road.areas.size())));
   return road;
+}
+
+std::string rangeSentence(const Road& road) {
+  return format("disparities up to %u pixels are looked for, so that things of %g mm are measured (--range, --tallest)",
+                road.settings.range, tallestMm(road.options));
 }
 
 RoadHandle copyOf(const Road& road) { return made(cameraRecord(road.camera), road.settings, areasOf(road)); }

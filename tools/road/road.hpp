@@ -66,6 +66,9 @@ struct Road {
 
 Road roadOf(const RoadOptions& options);
 
+// What an automatic range has come to.
+std::string rangeSentence(const Road& road);
+
 // Another road of the same kind, for another thread.
 RoadHandle copyOf(const Road& road);
 

@@ -77,6 +77,7 @@ class SequenceRun {
     FrameLog log(logPath());
     takeUp(log);
     if (!times_.sentence().empty()) say(times_.sentence());
+    if (road_.options.match.range == automaticRange) say(rangeSentence(road_));
     tell(times_.warnings());
     work(log);
     print(table());
