@@ -117,7 +117,7 @@ Fingerprint matchedAgain() {
 Fingerprint supported() {
   Fingerprint hash;
   for (const uint32_t grid : lab::bothGrids)
-    for (const uint32_t support : {1, 8, 20}) {
+    for (const uint32_t support : {1u, 8u, 20u}) {
       lab::RoadPlan plan = somePlan();
       plan.settings.grid = grid;
       plan.settings.check = support == 20 ? NADIR_CHECK_BOTH : NADIR_CHECK_FLIP;
