@@ -205,8 +205,8 @@ typedef struct NadirRoad NadirRoad;
  *
  *                        320 x 240      640 x 480
  *   NADIR_UNTIL_MATCH    1545 + 155     6007 + 616
- *   NADIR_UNTIL_MAP      1674 + 179     6182 + 640
- *   NADIR_UNTIL_ALL      1978 + 197     6486 + 657
+ *   NADIR_UNTIL_MAP      1675 + 179     6182 + 640
+ *   NADIR_UNTIL_ALL      1978 + 198     6486 + 659
  */
 NADIR_API size_t nadir_road_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);
 NADIR_API size_t nadir_result_bytes(const NadirCamera* camera, const NadirSettings* settings, uint32_t area_count);

@@ -564,7 +564,6 @@ TEST(Occupancy, KnowsTheirMedian) {
 
 // Small regions are no regions, but half of one is enough; in an area too small for that, half of the area.
 TEST(Occupancy, KnowsTheHighestPieceThatIsHalfARegion) {
-  uint32_t found = 0, inDropped = 0;
   forEachCase(100, [&](const Case& c, const Road& road, const NadirFindings& f) {
     NadirSettings settings = c.settings;
     settings.min_area_m2 = 0;
@@ -577,12 +576,25 @@ TEST(Occupancy, KnowsTheHighestPieceThatIsHalfARegion) {
         if (const Cells inside = inMask(cells, maskOf(road, i)); 2.0 * static_cast<double>(inside.size()) >= least)
           highest = std::max(highest, highestOf(inside));
       EXPECT_EQ(areas[i].piece_mm, highest);
-      found += highest > 0;
-      inDropped += highest > areas[i].highest_mm;
     }
   });
-  EXPECT_GT(found, 50u);
-  EXPECT_GT(inDropped, 5u);
+}
+
+TEST(Occupancy, KnowsThePieceOfARegionThatIsDropped) {
+  const std::vector<int32_t> all = {-320, -320, 320, -320, 320, 240, -320, 240};
+  const auto found = [&all](uint32_t leastCells) {
+    NadirSettings settings = defaultSettings(smallCamera());
+    settings.min_area_m2 = leastCells * 0.0016;
+    const Road road = makeRoad(smallCamera(), settings, {areaOf(all)});
+    const Result result = makeResult(road);
+    const NadirFindings f = processed(road, frameOf(oneBox(40, 20, 52, 32)), result);  // a metre high
+    return std::pair(f.region_count ? f.regions[0].cells : 0, f.areas[0].piece_mm);
+  };
+  const uint32_t cells = found(1).first;
+  EXPECT_EQ(found(cells), std::pair(cells, 1000u));
+  EXPECT_EQ(found(cells + 1), std::pair(0u, 1000u)) << "dropped";
+  EXPECT_EQ(found(2 * cells), std::pair(0u, 1000u)) << "half of the least";
+  EXPECT_EQ(found(2 * cells + 1), std::pair(0u, 0u)) << "less than that";
 }
 
 TEST(Occupancy, HasAShareForEachRegionInLabelsOrder) {
