@@ -584,7 +584,7 @@ TEST(Occupancy, KnowsThePieceOfARegionThatIsDropped) {
   const std::vector<int32_t> all = {-320, -320, 320, -320, 320, 240, -320, 240};
   const auto found = [&all](uint32_t leastCells) {
     NadirSettings settings = defaultSettings(smallCamera());
-    settings.min_area_m2 = leastCells * 0.0016;
+    settings.min_area_m2 = leastCells * 1600 / 1e6;
     const Road road = makeRoad(smallCamera(), settings, {areaOf(all)});
     const Result result = makeResult(road);
     const NadirFindings f = processed(road, frameOf(oneBox(40, 20, 52, 32)), result);  // a metre high
