@@ -76,7 +76,7 @@ void addSpoilt(Ranges& ranges, const Rendered& good, bool hasMount, const std::s
 
 TEST(Figures, DISABLED_OfTheThresholds) {
   Ranges ranges;
-  for (const char* scene : {"boxes", "people", "walkers", "steps", "slope", "crop-rows", "empty-floor"})
+  for (const char* scene : {"boxes", "people", "couples", "walkers", "steps", "slope", "crop-rows", "empty-floor"})
     for (const uint32_t width : {160u, 320u, 640u})
       for (uint64_t seed = 1; seed <= 5; ++seed) {
         const Rendered r = rendered(scene, width, width * 3 / 4, seed, 0);

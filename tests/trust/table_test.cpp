@@ -50,9 +50,10 @@ TEST_P(TableOfScene, SpoiltCamerasGiveTheirOwn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, TableOfScene,
-                         testing::Values("boxes", "people", "walkers", "steps", "slope", "crop-rows", "empty-floor"));
+                         testing::Values("boxes", "people", "couples", "walkers", "steps", "slope", "crop-rows",
+                                         "empty-floor"));
 
-TEST(Table, HoldsEveryReadyScene) { EXPECT_EQ(7u, scene::readyScenes().size()); }
+TEST(Table, HoldsEveryReadyScene) { EXPECT_EQ(8u, scene::readyScenes().size()); }
 
 TEST(Table, PeopleUnderALowCameraAreTooNear) {
   const Rendered people = rendered("people", 640, 480, 12, 5, 2500),
