@@ -719,6 +719,18 @@ TEST_F(GroundSequence, DamagedSettingsAreNotGoneOnWith) {
             std::string::npos);
 }
 
+TEST_F(GroundSequence, LinesOfALogHaveALimit) {
+  ground("r");
+  const Bytes log = readFile(folder.path("r/frames.jsonl"));
+  const size_t end = log.find('\n');
+  const auto resumed = [&](size_t length) {
+    writeFile(folder.path("r/frames.jsonl"), log.substr(0, end) + Bytes(length - end, ' ') + log.substr(end));
+    return ground("r", {"--resume"});
+  };
+  EXPECT_EQ(resumed(1 << 24).status, 0);
+  EXPECT_EQ(resumed((1 << 24) + (1 << 14)).err, "nadir: cannot use r/frames.jsonl: line 1: it is too long\n");
+}
+
 TEST_F(GroundSequence, ADamagedLogIsNamed) {
   ground("r");
   const Bytes log = readFile(folder.path("r/frames.jsonl"));

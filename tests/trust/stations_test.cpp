@@ -191,6 +191,18 @@ TEST(GroundSearch, FindsTheGroundAtEveryTilt) {
     }
 }
 
+// A table top fills most of the picture, and the ground is seen beside it.
+TEST(GroundSearch, PrefersThePlaneThatNothingLiesBelow) {
+  Grid<uint16_t> disparity = groundOf(camera);
+  const auto ofTable = [](uint16_t stored) { return static_cast<uint16_t>(stored ? stored + 48 : 0); };
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 0; x < width * 5 / 8; ++x) disparity.at(x, y) = ofTable(disparity.at(x, y));
+  const std::vector<Block> blocks = blocksOf(disparity);
+  const FoundGround found = searchedGround(blocks.data(), blocks.size());
+  EXPECT_EQ(0u, found.agreement.below);
+  EXPECT_NEAR(camera.height, mountOf(found.plane, contextOf(camera), 0).heightMm, 10);
+}
+
 TEST(GroundSearch, FindsNothingWhereThereIsNothing) {
   const Block two[2] = {{1, 2, 3}, {4, 5, 6}}, line[4] = {{1, 1, 5}, {2, 2, 5}, {3, 3, 5}, {4, 4, 5}};
   EXPECT_EQ(0u, searchedGround(nullptr, 0).agreement.on);

@@ -65,6 +65,16 @@ TEST(GroundPlane, OfNoPointsIsNone) {
   EXPECT_EQ(fitOf(camera, empty).status, NADIR_NOTHING_FOUND);
 }
 
+// The world begins where ip_stereo_disp2world places a disparity.
+TEST(GroundPlane, CountsThePointsThatLieInTheWorld) {
+  Grid<float> disparity = groundOf(smallCamera());
+  const float least = std::numeric_limits<float>::epsilon();
+  disparity.at(0, 0) = std::nextafter(least, 1.0f);
+  const uint64_t points = fitOf(smallCamera(), disparity).plane.points;
+  disparity.at(0, 0) = least;
+  EXPECT_EQ(fitOf(smallCamera(), disparity).plane.points, points - 1);
+}
+
 TEST(GroundPlane, NeedsAFrameThatWasProcessed) {
   const NadirCamera camera = smallCamera();
   const Road road = makeRoad(camera, defaultSettings(camera));
