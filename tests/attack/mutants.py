@@ -175,6 +175,7 @@ class Map:
         self.digest = kept["digest"]
         self.suites = [suites.Suite(*suite) for suite in kept["suites"]]
         self.seconds = kept["seconds"]
+        self.left_out = kept["left_out"]
         self.noticed = collections.Counter()
         self.failing = set()
         self.lines = {file: {int(line): set(numbers) for line, numbers in of_file.items()} for file, of_file in kept["lines"].items()}
@@ -202,12 +203,13 @@ class Map:
 def made_map(tree, work, digest):
     """Runs every suite of a build that counts lines."""
     tree.make(COUNTING)
-    kept = {"digest": digest, "suites": [], "seconds": [], "lines": {}}
+    kept = {"digest": digest, "suites": [], "seconds": [], "left_out": [], "lines": {}}
     wanted = lambda path: bool(MUTATED_OBJECTS.search(path)) and ("/tools/CMakeFiles/" not in path or any(part in path for part in OBJECTS_OF_PROGRAM))
     for suite in suites.suites(tree.build):
         passed, seconds, ran, known = suites.lines_of_suite(tree.build, suite, tree.path, work / "map", wanted)
         print(f"map: {suite.name} {seconds:.1f} s, {len(ran)} lines{'' if passed else ', left out: it fails unchanged'}", flush=True)
         if not passed:
+            kept["left_out"].append(suite.name)
             continue
         number = len(kept["suites"])
         kept["suites"].append(suite)
@@ -339,6 +341,12 @@ def too_few(done):
         yield f"{noticed} of {noticed + survived} mutants are noticed, which must be {LEAST_NOTICED} %"
 
 
+def left_out(lines):
+    """A sentence for each suite that fails without any change: what it would notice seems to survive."""
+    for name in sorted({*lines.left_out, *lines.failing}):
+        yield f"{name} fails in the unchanged tree and is left out"
+
+
 def figures(done, findings):
     """How many there are of each verdict, in all and of each part."""
     counted = [record for record in done.values() if record["result"] in OUTCOMES]
@@ -419,4 +427,4 @@ def run(options):
         done[record["key"]] = record
         if options.minutes and time.time() - start > 60 * options.minutes:
             break
-    return figures(done, [*too_few(done), *write_survivors(done)])
+    return figures(done, [*too_few(done), *left_out(lines), *write_survivors(done)])
