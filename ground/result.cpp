@@ -44,7 +44,7 @@ NadirFindings findingsOf(const NadirResult& r) {
 }  // namespace
 
 NadirResult* resultIn(Arena& arena, const Shape& shape) {
-  NadirResult* result = arena.take<NadirResult>(1);
+  NadirResult* result = arena.take<NadirResult>();
   NadirResult pieces{};
   pieces.shape = shape;
   pieces.disparity = arena.take<uint16_t>(shape.pixels());

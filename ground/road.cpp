@@ -38,7 +38,7 @@ SortMemory sortMemoryOver(const MatchMemory& match, Arena& arena, const Shape& s
 
 // The road stands at the beginning of its own block; null where the arena has none.
 NadirRoad* roadIn(Arena& arena, const Shape& shape, const NadirSettings& settings) {
-  NadirRoad* road = arena.take<NadirRoad>(1);
+  NadirRoad* road = arena.take<NadirRoad>();
   NadirRoad pieces{};
   pieces.shape = shape;
   pieces.match = matchMemory(arena, shape, settings);

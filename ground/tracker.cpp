@@ -48,7 +48,7 @@ Point_f32 centreOf(const PlacedArea& area, const Shape& shape, const StereoCtx& 
 
 NadirTracker* trackerIn(Arena& arena, const NadirRoad& road, const NadirTrackSettings& settings) {
   const Shape& shape = road.shape;
-  NadirTracker* tracker = arena.take<NadirTracker>(1);
+  NadirTracker* tracker = arena.take<NadirTracker>();
   NadirTracker pieces{};
   pieces.shape = shape;
   pieces.settings = settings;

@@ -224,7 +224,7 @@ struct RoadRows {
   };
 
   static Range rangeOf(const uint16_t* values, size_t count) {
-    Range range = {values[0], values[0]};
+    Range range = {*values, *values};
     for (size_t i = 0; i < count; ++i) {
       range.least = values[i] < range.least ? values[i] : range.least;
       range.most = values[i] > range.most ? values[i] : range.most;

@@ -13,7 +13,7 @@ class Arena {
   explicit Arena(void* block) : block_(static_cast<uint8_t*>(block)) {}
 
   template <class T>
-  T* take(uint64_t count) {
+  T* take(uint64_t count = 1) {
     const uint64_t begin = used_;
     used_ += (count * sizeof(T) + alignment - 1) / alignment * alignment;
     static_assert(alignof(T) <= alignment);

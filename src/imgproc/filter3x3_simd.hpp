@@ -121,9 +121,9 @@ struct Filter3x3Strips {
     const auto stripAt = [=](size_t x, auto row) { strip<Filter>(src + x, srcStride, dst + x, dstStride, rows, row); };
     if (rows == 0 || columns == 0) return;
     if (columns < vectorLanes) return stripAt(0, NarrowRow{columns});
-    size_t x = 0;
-    for (; x + vectorLanes <= columns; x += vectorLanes) stripAt(x, WholeRow());
-    if (x < columns) stripAt(columns - vectorLanes, WholeRow());
+    const size_t whole = columns / vectorLanes * vectorLanes;
+    for (size_t x = 0; x < whole; x += vectorLanes) stripAt(x, WholeRow());
+    if (whole < columns) stripAt(columns - vectorLanes, WholeRow());
   }
 
   static constexpr MorphFilters<T> morphFilters() {

@@ -187,7 +187,7 @@ inline unsigned countAtMost(const U8<Level> (&blocks)[n], U8<Level> bound) {
 
 template <class Level, size_t n>
 inline unsigned smallestKey(const U8<Level> (&values)[n], const U8<Level> (&indices)[n]) {
-  __m256i least = _mm256_set1_epi16(-1);
+  __m256i least = _mm256_unpacklo_epi8(indices[0].v, values[0].v);
   for (size_t k = 0; k < n; ++k) {
     least = _mm256_min_epu16(least, _mm256_unpacklo_epi8(indices[k].v, values[k].v));
     least = _mm256_min_epu16(least, _mm256_unpackhi_epi8(indices[k].v, values[k].v));

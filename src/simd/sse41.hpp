@@ -99,7 +99,7 @@ inline unsigned countAtMost(const U8 (&blocks)[n], U8 bound) {
 
 template <size_t n>
 inline unsigned smallestKey(const U8 (&values)[n], const U8 (&indices)[n]) {
-  __m128i least = _mm_set1_epi16(-1);
+  __m128i least = _mm_unpacklo_epi8(indices[0].v, values[0].v);
   for (size_t k = 0; k < n; ++k) {
     least = _mm_min_epu16(least, _mm_unpacklo_epi8(indices[k].v, values[k].v));
     least = _mm_min_epu16(least, _mm_unpackhi_epi8(indices[k].v, values[k].v));
