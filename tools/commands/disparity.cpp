@@ -37,7 +37,7 @@ Pair readInputs(const DisparityOptions& options, StageTimes& times) {
 
 TextChunks texts(const DisparityOptions& options) {
   TextChunks texts = disparityTexts(SGM_DISP_SCALE, options.match.view);
-  texts["nadir:uniqueness"] = std::to_string(options.match.uniqueness);
+  texts["nadir:uniqueness"] = std::to_string(uniquenessOf(options.match));
   texts["nadir:check"] = wordOf(checkWords(), options.match.check);
   texts["nadir:support"] = std::to_string(options.match.support);
   texts["nadir:refine"] = wordOf(refineWords(), options.match.refine);
@@ -119,7 +119,7 @@ void addDisparityCommand(CLI::App& app) {
                 "View whose pixels get the disparities: left or right (default: left)");
   addUniquenessOption(*command, options->match.uniqueness,
                       "How much worse, in 1/128 of the best cost, every other match must be; more rejects more, "
-                      "{range} (default: {default})");
+                      "{range} (default: 48, beside checks 40)");
   addMaskOption(*command, options->mask,
                 "8-bit grey picture of the output's size (PNG or PGM), on the grid's view: pixels that are not 0 get "
                 "no disparity (default: none)");

@@ -268,7 +268,8 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
       ->needs(given);
   addViewOption(command, "--grid", options.match.view,
                 "View that is measured, left or right; its camera is the world's origin (default: left)");
-  addUniquenessOption(command, options.match.uniqueness, "As for nadir disparity, {range} (default: {default})")
+  addUniquenessOption(command, options.match.uniqueness,
+                      "As for nadir disparity, {range} (default: 48, beside checks 40)")
       ->excludes(given);
   const char* range =
       "The largest disparity that is found, pixels: 61; 122, which matches pictures of half the size too; 244, and of "

@@ -37,7 +37,7 @@ std::string helpWith(std::string help, const std::string& range, const std::stri
   return help;
 }
 
-CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help) {
+CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help) {
   return addNumber(command, "--uniqueness", uniqueness, wholeNumberFrom(0, 128), help, "N");
 }
 

@@ -41,7 +41,7 @@ CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, 
       ->type_name("VIEW");
 }
 
-CLI::Option* addUniquenessOption(CLI::App& command, uint32_t& uniqueness, const char* help);
+CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help);
 
 // --check, --support, --refine and --range, which takes one of these words.
 std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options, const Words& ranges,

@@ -51,10 +51,15 @@ uint32_t numberOf(const Words& words, const std::string& word) {
   return std::find_if(words.begin(), words.end(), [&](const Word& w) { return w.word == word; })->number;
 }
 
+uint32_t uniquenessOf(const MatchOptions& options) {
+  return options.uniqueness.value_or(options.check == NADIR_CHECK_NONE ? usualSettings().uniqueness
+                                                                       : uniquenessBesideChecks);
+}
+
 NadirSettings withOptions(NadirSettings settings, const MatchOptions& options) {
   settings.grid = options.view == View::left ? NADIR_GRID_LEFT : NADIR_GRID_RIGHT;
   settings.postprocess = !options.noPostprocessing;
-  settings.uniqueness = options.uniqueness;
+  settings.uniqueness = uniquenessOf(options);
   settings.check = options.check;
   settings.support = options.support;
   settings.refine = options.refine;

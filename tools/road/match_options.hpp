@@ -3,6 +3,7 @@
 
 #include <nadir/ground.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,12 +17,17 @@ NadirSettings usualSettings();
 struct MatchOptions {
   View view = View::left;
   bool noPostprocessing = false;
-  uint32_t uniqueness = usualSettings().uniqueness;
+  std::optional<uint32_t> uniqueness;      // else what suits the check
   uint32_t check = usualSettings().check;  // NADIR_CHECK_...
   uint32_t support = usualSettings().support;
   uint32_t refine = NADIR_REFINE_SURFACE;  // NADIR_REFINE_...; it costs little and mends more than it empties
   uint32_t range = usualSettings().range;  // NADIR_RANGE_..., or automaticRange
 };
+
+// Where a second pass looks for wrong matches, the peak check can be milder, and takes fewer right ones.
+constexpr uint32_t uniquenessBesideChecks = 40;
+
+uint32_t uniquenessOf(const MatchOptions& options);
 
 // The least range that measures the tallest things over the map.
 constexpr uint32_t automaticRange = 0;
