@@ -157,10 +157,10 @@ typedef struct NadirArea {
 /* The matcher's disparities wander by a fraction of a pixel about the surface that they belong to, and are drawn to
  * whole pixels ("pixel locking": M. Shimizu, M. Okutomi, "Sub-pixel estimation error cancellation on area-based
  * matching", IJCV 63(3), 2005). Refined by their surface, each that is neither a whole nor a half pixel first goes a
- * sixteenth away from the nearest whole one, and then becomes the mean over its 7 x 7 pixels, as far as they lie on that surface: of those in its own column
- * the ones that lie within three quarters of a pixel of it, and of the 7 around each of these in its row the ones that
- * lie within as much of that. So the mean follows a slope. Where they are fewer than 12, the disparity goes. It moves
- * by whole sixteenths, halves to the even number of them. */
+ * sixteenth away from the nearest whole one, and then becomes the mean over its 7 x 7 pixels, as far as they lie on
+ * that surface: of those in its own column the ones that lie within three quarters of a pixel of it, and of the 7
+ * around each of these in its row the ones that lie within as much of that. So the mean follows a slope. Where they are
+ * fewer than 12, the disparity goes. It moves by whole sixteenths, halves to the even number of them. */
 #define NADIR_REFINE_NONE 0
 #define NADIR_REFINE_SURFACE 1
 
