@@ -18,7 +18,7 @@ namespace {
 
 constexpr size_t fewestCorners = 3;
 constexpr size_t mostCorners = 100;  // the library's limit
-constexpr std::string_view keys[] = {"name", "pixels", "ground_mm", "min_height_mm", "max_height_mm"};
+constexpr std::string_view areaKeys[] = {"name", "pixels", "ground_mm", "min_height_mm", "max_height_mm"};
 constexpr double highest = 65535;   // mm: what a map can hold
 constexpr size_t longestName = 40;  // what the pictures have room for
 
@@ -96,7 +96,7 @@ class Reader {
 
   void reportUnknownKeys(const toml::table& table, const std::string& name) {
     for (const auto& [key, node] : table)
-      if (std::find(std::begin(keys), std::end(keys), key.str()) == std::end(keys))
+      if (std::find(std::begin(areaKeys), std::end(areaKeys), key.str()) == std::end(areaKeys))
         mistakes_.add(lineOf(key), label(name), format("%s is no key of an area", std::string(key.str()).c_str()));
   }
 
