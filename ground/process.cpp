@@ -1,6 +1,4 @@
 // The stations in their order, and a frame's points one by one.
-#include <cmath>
-
 #include "ground/records/checks.hpp"
 #include "ground/records/plane_view.hpp"
 #include "ground/result.hpp"
@@ -59,8 +57,19 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
   r.filledCells = fillHoles(road.shape, road.holes, r.heights);
 }
 
+// Not-a-number is not larger than anything.
+float largestGiven(const NadirFrame& frame, const Shape& shape) {
+  float largest = 0;
+  for (uint32_t y = 0; y < shape.height; ++y) {
+    const auto* bytes = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
+    const auto* row = reinterpret_cast<const float*>(bytes);
+    for (uint32_t x = 0; x < shape.width; ++x) largest = row[x] > largest ? row[x] : largest;
+  }
+  return largest;
+}
+
 void findPictureEdge(const NadirRoad& road, const NadirFrame& frame, NadirResult& r) {
-  const double largest = r.matched ? largestDisparityOf(road.match.halvings) : INFINITY;
+  const double largest = r.matched ? largestDisparityOf(road.match.halvings) : double{largestGiven(frame, road.shape)};
   const PictureEdge edge = pictureEdge(road.settings, road.shape, road.match.halvings, road.columnShift, largest);
   markAtPictureEdge(disparityRows(road, frame, r), edge, road.shape, road.sort, r.labels, r.regions);
 }

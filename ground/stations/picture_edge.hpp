@@ -12,7 +12,7 @@ struct PictureEdge {
   uint32_t left, right;  // columns that may show what lies at the other picture's edge, and those at this one's
 };
 
-// largestDisparity  pixels, before the column shift; infinite where disparities were given.
+// largestDisparity  pixels, before the column shift.
 PictureEdge pictureEdge(const NadirSettings& settings, const Shape& shape, uint32_t halvings, float columnShift,
                         double largestDisparity);
 
