@@ -20,13 +20,17 @@ bool isGood(const NadirFrame& f, const Shape& shape) {
          holds(f.right_stride, rowBytes) && (!f.mask || holds(f.mask_stride, shape.width));
 }
 
+const float* givenRow(const NadirFrame& frame, uint32_t y) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
+  return reinterpret_cast<const float*>(bytes);
+}
+
 // The road's own pixels tell a given picture's values apart from its holes.
 NadirPixelCounts givenCounts(const NadirFrame& frame, const Shape& shape) {
   NadirPixelCounts counts{};
   counts.size = sizeof counts;
   for (uint32_t y = 0; y < shape.height; ++y) {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
-    const auto* row = reinterpret_cast<const float*>(bytes);
+    const float* row = givenRow(frame, y);
     for (uint32_t x = 0; x < shape.width; ++x) counts.value += row[x] == row[x];  // not-a-number is no number's equal
   }
   counts.ambiguous = static_cast<uint32_t>(shape.pixels()) - counts.value;
@@ -61,8 +65,7 @@ void findHeights(const NadirRoad& road, const NadirFrame& frame, const Stages& s
 float largestGiven(const NadirFrame& frame, const Shape& shape) {
   float largest = 0;
   for (uint32_t y = 0; y < shape.height; ++y) {
-    const auto* bytes = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
-    const auto* row = reinterpret_cast<const float*>(bytes);
+    const float* row = givenRow(frame, y);
     for (uint32_t x = 0; x < shape.width; ++x) largest = row[x] > largest ? row[x] : largest;
   }
   return largest;
@@ -79,10 +82,9 @@ void findWhatStands(const NadirRoad& road, const NadirFrame& frame, const Stages
   r.regionCount =
       findRegions(r.heights, road.context, road.settings, road.shape, road.areas, road.regions, r.labels, r.regions);
   if (r.regionCount > 0) findPictureEdge(road, frame, r);
-  const ElevMapParams& map = road.context.mapParams;
-  const double leastOfRegion = road.settings.min_area_m2 * 1e6 / map.cellSizeX / map.cellSizeY;
-  r.shareCount = fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, leastOfRegion, road.shape,
-                                 road.regions, r.areas, r.shares);
+  r.shareCount =
+      fillOccupancies(road.areas, r.heights, r.labels, r.regionCount, leastCells(road.settings, road.context.mapParams),
+                      road.shape, road.regions, r.areas, r.shares);
 }
 
 // The matcher's pictures and codes are still there when it is done.

@@ -58,10 +58,11 @@ double squareMetres(uint32_t cells, const ElevMapParams& map) {
 // So much of the least area of a region rises above the place where it meets another one, or they are one.
 constexpr uint32_t partsOfAnArea = 4;
 
-PartRule partRule(const NadirSettings& settings, const ElevMapParams& map) {
-  uint32_t least = 1;
-  while (squareMetres(partsOfAnArea * least, map) < settings.min_area_m2) ++least;
-  return {static_cast<uint16_t>(std::ceil(settings.dip_mm)), least};
+// More cells than the map has are none that a part could have: so many are as good as any number above.
+PartRule partRule(const NadirSettings& settings, const ElevMapParams& map, const Shape& shape) {
+  const double asked = std::ceil(leastCells(settings, map) / partsOfAnArea);
+  const double most = static_cast<double>(shape.cells()) + 1, least = asked < most ? asked : most;
+  return {static_cast<uint16_t>(std::ceil(settings.dip_mm)), least > 1 ? static_cast<uint32_t>(least) : 1};
 }
 
 // Returns the highest label.
@@ -137,6 +138,10 @@ void addHeights(const uint16_t* heights, const uint16_t* labels, const Shape& sh
 
 }  // namespace
 
+double leastCells(const NadirSettings& settings, const ElevMapParams& map) {
+  return settings.min_area_m2 * 1e6 / map.cellSizeX / map.cellSizeY;
+}
+
 RegionMemory regionMemory(Arena& arena, const Shape& shape, const NadirSettings& settings) {
   RegionMemory m{};
   if (!shape.hasRegions()) return m;
@@ -158,7 +163,7 @@ uint32_t findRegions(const uint16_t* heights, const StereoCtx& context, const Na
   uint16_t* chosen = labels;  // which are written when these are no longer needed
   chooseCells(heights, settings, shape, areas, chosen);
   grow(chosen, settings, shape, m);
-  if (m.parts) part(chosen, partRule(settings, context.mapParams), shape, m.parts, m.grown);
+  if (m.parts) part(chosen, partRule(settings, context.mapParams, shape), shape, m.parts, m.grown);
   const uint32_t count = keepLarge(measureLabels(shape, m), context, settings, shape, m, regions);
   for (uint64_t i = 0; i < shape.cells(); ++i) labels[i] = m.kept[m.grown[i]];
   addHeights(heights, labels, shape, m, regions, count);

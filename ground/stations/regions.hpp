@@ -23,6 +23,9 @@ struct RegionMemory {
 // A null arena's memory has no state.
 RegionMemory regionMemory(Arena& arena, const Shape& shape, const NadirSettings& settings);
 
+// The cells that make up the least area of a region, which need not be whole.
+double leastCells(const NadirSettings& settings, const ElevMapParams& map);
+
 // areas    the shape's, whose own rules hold in them.
 // labels   receives each cell's region.
 // regions  room for the shape's.

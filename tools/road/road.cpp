@@ -299,7 +299,7 @@ Road roadOf(const RoadOptions& options) {
 }
 
 std::string rangeSentence(const Road& road) {
-  return format("disparities up to %u pixels are looked for, so that things of %g mm are measured (--range, --tallest)",
+  return format("disparities up to %u pixels are looked for, for things up to %g mm high (--range, --tallest)",
                 road.settings.range, tallestMm(road.options));
 }
 

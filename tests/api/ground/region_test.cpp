@@ -300,6 +300,15 @@ TEST(Parts, StayTogetherOverAShallowTrough) {
   EXPECT_EQ(partsOfTrough(940, settingsOfParts(50)), 2);
 }
 
+TEST(Parts, OfAnAreaThatNoMapHasAreNone) {
+  NadirCamera camera = smallCamera();
+  camera.cell_mm = 1;
+  NadirSettings settings = settingsOfParts(30, 1e6);
+  const Road road = makeRoad(camera, settings);
+  const Result result = makeResult(road);
+  EXPECT_EQ(processed(road, frameOf(Grid<float>(96, 60, 16.0f)), result).region_count, 0u);
+}
+
 TEST(Parts, AreNotMadeWithoutADip) { EXPECT_EQ(partsOfTrough(300, settingsOfParts(0)), 1); }
 
 TEST(Parts, HaveATopThatAQuarterOfTheLeastAreaReaches) {
