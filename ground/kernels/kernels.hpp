@@ -103,6 +103,24 @@ using PlaceRow = void (*)(const float* disparity, size_t n, float rayY, const Pl
 // rank   less than count
 using RankedValue = uint16_t (*)(const uint16_t* values, size_t count, size_t rank);
 
+// ---- pictures of lenses ----
+
+// A source is told in parts of a pixel, this many to each; the part that is none stands for "outside of the picture".
+constexpr uint32_t sourceParts = 64;
+constexpr uint8_t beyondPicture = 255;
+
+// Where pixels come from. corner has the row of the upper left one of four pixels in its upper 16 bits and the column
+// in its lower ones; across and down say how far the source lies towards the right and the lower ones, 0 to
+// sourceParts. Where a pixel comes from nowhere, across is beyondPicture and the corner 0.
+struct Sources {
+  const uint32_t* corner;
+  const uint8_t *across, *down;
+};
+
+// Rectifies n pixels of 8 or 16 bits, as nadir_rectifier_process states. Rows may begin at any address; all four pixels
+// of each corner are read, whether they have a weight or not.
+using RectifyRow = void (*)(const void* picture, size_t stride, const Sources& sources, void* rectified, size_t n);
+
 struct RoadKernels {
   PictureRow take16, take8;
   PictureRow mirror16, mirror8;  // the same, the last pixel first
@@ -117,6 +135,7 @@ struct RoadKernels {
   PixelsOfGiven pixelsGiven;
   PlaceRow place;
   RankedValue ranked;
+  RectifyRow rectify16, rectify8;
 };
 
 // The fastest kernels among the levels `cpu` (a set of Cpu bits).

@@ -291,6 +291,67 @@ struct RoadRows {
     return narrowed(range, rank, [=](uint16_t limit) { return countUpTo(values, count, limit); });
   }
 
+  // ---- pictures of lenses ----
+
+  static constexpr size_t rectifiedStretch = 256;
+
+  // The four pixels around each source, side by side as they lie in the picture: nothing else of it is touched.
+  template <class T>
+  struct Around {
+    T top[2 * rectifiedStretch], bottom[2 * rectifiedStretch];
+  };
+
+  template <class T>
+  static void fetch(const uint8_t* picture, size_t stride, const uint32_t* corner, size_t n, Around<T>& around) {
+    for (size_t i = 0; i < n; ++i) {
+      const uint8_t* source = picture + (corner[i] >> 16) * stride + (corner[i] & 0xFFFF) * sizeof(T);
+      std::memcpy(around.top + 2 * i, source, 2 * sizeof(T));
+      std::memcpy(around.bottom + 2 * i, source + stride, 2 * sizeof(T));
+    }
+  }
+
+  // Black pixels are pixels: only what comes from nowhere becomes 0.
+  static void blend(const Around<uint8_t>& around, const uint8_t* across, const uint8_t* down, size_t n, uint8_t* out) {
+    const uint8_t *top = around.top, *bottom = around.bottom;
+    forEachPixel(n, [=](size_t i) {
+      const uint16_t right = across[i], left = static_cast<uint16_t>(sourceParts - right);
+      const auto above = static_cast<uint16_t>(top[2 * i] * left + top[2 * i + 1] * right);
+      const auto below = static_cast<uint16_t>(bottom[2 * i] * left + bottom[2 * i + 1] * right);
+      const uint32_t sum = uint32_t{above} * (sourceParts - down[i]) + uint32_t{below} * down[i];
+      const auto mean = static_cast<uint8_t>((sum + sourceParts * sourceParts / 2) / (sourceParts * sourceParts));
+      const auto seen = static_cast<uint8_t>(mean + (mean == 0));
+      out[i] = across[i] == beyondPicture ? uint8_t{0} : seen;
+    });
+  }
+
+  static void blend(const Around<uint16_t>& around, const uint8_t* across, const uint8_t* down, size_t n,
+                    uint16_t* out) {
+    const uint16_t *top = around.top, *bottom = around.bottom;
+    forEachPixel(n, [=](size_t i) {
+      const uint32_t a = top[2 * i], b = top[2 * i + 1], c = bottom[2 * i], d = bottom[2 * i + 1];
+      const uint32_t right = across[i], lower = down[i];
+      const uint32_t above = a * sourceParts + (b - a) * right, below = c * sourceParts + (d - c) * right;
+      const uint32_t sum = above * sourceParts + (below - above) * lower;
+      const uint32_t mean = (sum + sourceParts * sourceParts / 2) / (sourceParts * sourceParts);
+      const bool leftMissing = ((a == 0) & (lower != sourceParts)) | ((c == 0) & (lower != 0));
+      const bool rightMissing = ((b == 0) & (lower != sourceParts)) | ((d == 0) & (lower != 0));
+      const bool missing = (leftMissing & (right != sourceParts)) | (rightMissing & (right != 0));
+      out[i] = static_cast<uint16_t>(missing | (right == beyondPicture) ? 0 : mean);
+    });
+  }
+
+  template <class T>
+  static void rectify(const void* picture, size_t stride, const Sources& sources, void* rectified, size_t n) {
+    for (size_t from = 0; from < n; from += rectifiedStretch) {
+      const size_t m = n - from < rectifiedStretch ? n - from : rectifiedStretch;
+      Around<T> around;
+      T out[rectifiedStretch];
+      fetch(static_cast<const uint8_t*>(picture), stride, sources.corner + from, m, around);
+      blend(around, sources.across + from, sources.down + from, m, out);
+      std::memcpy(static_cast<uint8_t*>(rectified) + from * sizeof(T), out, m * sizeof(T));
+    }
+  }
+
   static constexpr RoadKernels table() {
     RoadKernels kernels = {};
     kernels.take16 = take16;
@@ -308,6 +369,8 @@ struct RoadRows {
     kernels.pixelsGiven = pixelsGiven;
     kernels.place = place;
     kernels.ranked = ranked;
+    kernels.rectify16 = rectify<uint16_t>;
+    kernels.rectify8 = rectify<uint8_t>;
     return kernels;
   }
 };

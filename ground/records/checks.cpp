@@ -24,7 +24,9 @@ Judgement outside(NadirStatus status, const Range (&ranges)[n]) {
   return {};
 }
 
-Judgement judgedSize(const NadirCamera& c) {
+// Of cameras, lenses and views.
+template <class Record>
+Judgement judgedSize(const Record& c) {
   const Range ranges[] = {{"width_px", double(c.width_px), leastSide, largestSide},
                           {"height_px", double(c.height_px), leastSide, largestSide},
                           {"height_px", double(c.width_px) * c.height_px, 0, mostPixels}};
@@ -130,6 +132,32 @@ Judgement judged(const NadirTrackSettings& s) {
                           {"patience_s", s.patience_s, 0, 1e6},
                           {"disparity_px", s.disparity_px, 0, 1000}};
   return outside(NADIR_BAD_SETTING, ranges);
+}
+
+Judgement judged(const NadirLens& lens) {
+  if (!isWhole(&lens)) return {NADIR_BAD_RECORD, "lens"};
+  if (const Judgement j = judgedSize(lens); isBad(j)) return j;
+  const Range ranges[] = {{"model", double(lens.model), NADIR_LENS_NONE, NADIR_LENS_FISHEYE},
+                          {"focal_x_px", lens.focal_x_px, justAboveZero, farthest},
+                          {"focal_y_px", lens.focal_y_px, justAboveZero, farthest},
+                          {"principal_x_px", lens.principal_x_px, -farthest, farthest},
+                          {"principal_y_px", lens.principal_y_px, -farthest, farthest}};
+  if (const Judgement j = outside(NADIR_BAD_CAMERA, ranges); isBad(j)) return j;
+  constexpr uint32_t ofModel[] = {0, 12, 4};
+  for (uint32_t i = 0; i < 12; ++i) {
+    const double most = i < ofModel[lens.model] ? farthest : 0;
+    if (!Range{"coefficients", lens.coefficients[i], -most, most}.holds()) return {NADIR_BAD_CAMERA, "coefficients"};
+  }
+  return {};
+}
+
+Judgement judged(const NadirRectifiedView& view) {
+  if (!isWhole(&view)) return {NADIR_BAD_RECORD, "view"};
+  if (const Judgement j = judgedSize(view); isBad(j)) return j;
+  const Range ranges[] = {{"focal_px", view.focal_px, justAboveZero, farthest},
+                          {"principal_x_px", view.principal_x_px, -farthest, farthest},
+                          {"principal_y_px", view.principal_y_px, -farthest, farthest}};
+  return outside(NADIR_BAD_CAMERA, ranges);
 }
 
 }  // namespace nadir::ground

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <nadir/ground.h>
+#include <nadir/rectify.h>
 
 namespace nadir::ground {
 
@@ -16,6 +17,8 @@ struct Judgement {
 Judgement judged(const NadirCamera& camera, const NadirSettings& settings);
 Judgement judged(const NadirArea& area);
 Judgement judged(const NadirTrackSettings& settings);
+Judgement judged(const NadirLens& lens);
+Judgement judged(const NadirRectifiedView& view);  // but for whether its rotation is one
 
 // True where a caller's record has all members that this library knows of. There is one version of each so far.
 template <class Record>

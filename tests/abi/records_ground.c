@@ -3,6 +3,7 @@
  * something, and processors that align 64-bit members differently agree. Compiling this file is the test; it is
  * compiled as C and, through records_ground.cpp, as C++. */
 #include <nadir/ground.h>
+#include <nadir/rectify.h>
 
 #include "tests/abi/holds.h"
 
@@ -248,3 +249,26 @@ NEXT(NadirMeasurement, time_ns, const double*, highest_mm);
 NEXT(NadirMeasurement, highest_mm, NadirPlane, heights);
 NEXT(NadirMeasurement, heights, const double*, piece_mm);
 LAST(NadirMeasurement, piece_mm, 40, 56);
+
+typedef double doubleTwelve[12];
+typedef double doubleNine[9];
+FIRST(NadirLens, uint32_t, size);
+NEXT(NadirLens, size, uint32_t, width_px);
+NEXT(NadirLens, width_px, uint32_t, height_px);
+NEXT(NadirLens, height_px, uint32_t, model);
+NEXT(NadirLens, model, double, focal_x_px);
+NEXT(NadirLens, focal_x_px, double, focal_y_px);
+NEXT(NadirLens, focal_y_px, double, principal_x_px);
+NEXT(NadirLens, principal_x_px, double, principal_y_px);
+NEXT(NadirLens, principal_y_px, doubleTwelve, coefficients);
+LAST(NadirLens, coefficients, 144, 144);
+
+FIRST(NadirRectifiedView, uint32_t, size);
+NEXT(NadirRectifiedView, size, uint32_t, width_px);
+NEXT(NadirRectifiedView, width_px, uint32_t, height_px);
+NEXT(NadirRectifiedView, height_px, uint32_t, reserved);
+NEXT(NadirRectifiedView, reserved, doubleNine, rotation);
+NEXT(NadirRectifiedView, rotation, double, focal_px);
+NEXT(NadirRectifiedView, focal_px, double, principal_x_px);
+NEXT(NadirRectifiedView, principal_x_px, double, principal_y_px);
+LAST(NadirRectifiedView, principal_y_px, 112, 112);

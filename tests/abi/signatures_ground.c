@@ -1,6 +1,7 @@
 /* Every exported function of libnadirground with its type, as signatures.c does it for libnadir. That it links and
  * starts as a C program shows that it needs no C++ runtime. */
 #include <nadir/ground.h>
+#include <nadir/rectify.h>
 
 const char* (*is_nadir_status_text)(NadirStatus) = nadir_status_text;
 NadirStatus (*is_nadir_settings_fill)(NadirSettings*, const NadirCamera*) = nadir_settings_fill;
@@ -35,5 +36,17 @@ NadirStatus (*is_nadir_tracker_read)(const NadirTracker*, uint32_t, NadirTrack*)
 NadirStatus (*is_nadir_tracker_average)(NadirTracker*, NadirPlane*) = nadir_tracker_average;
 size_t (*is_nadir_tracker_save)(const NadirTracker*, void*, size_t) = nadir_tracker_save;
 NadirStatus (*is_nadir_tracker_load)(NadirTracker*, const void*, size_t) = nadir_tracker_load;
+
+NadirStatus (*is_nadir_rectified_views)(const NadirLens*, const NadirLens*, const double*, const double*,
+                                        NadirRectifiedView*, NadirRectifiedView*, double*,
+                                        NadirFault*) = nadir_rectified_views;
+size_t (*is_nadir_rectifier_bytes)(const NadirRectifiedView*) = nadir_rectifier_bytes;
+NadirStatus (*is_nadir_rectifier_create)(const NadirLens*, const NadirRectifiedView*, NadirRectifier**,
+                                         NadirFault*) = nadir_rectifier_create;
+void (*is_nadir_rectifier_destroy)(NadirRectifier*) = nadir_rectifier_destroy;
+NadirStatus (*is_nadir_rectifier_process)(const NadirRectifier*, uint32_t, const void*, size_t, void*,
+                                          size_t) = nadir_rectifier_process;
+NadirStatus (*is_nadir_rectifier_source)(const NadirRectifier*, uint32_t, uint32_t, double*,
+                                         double*) = nadir_rectifier_source;
 
 int main(void) { return 0; }

@@ -24,5 +24,6 @@ std::vector<Case> geometryCases();
 std::vector<Case> cameraCases();
 std::vector<Case> segmentCases();
 std::vector<Case> groundCases();
+std::vector<Case> rectifyCases();
 
 }  // namespace nadir::test::golden

@@ -25,8 +25,8 @@ namespace {
 
 std::vector<Case> allCases() {
   std::vector<Case> all;
-  for (const auto& cases :
-       {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases(), groundCases()}) {
+  for (const auto& cases : {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases(),
+                            groundCases(), rectifyCases()}) {
     all.insert(all.end(), cases.begin(), cases.end());
   }
   return all;

@@ -33,7 +33,8 @@ ROOMS = {
     "ground/stations": "include/nadir ground/kernels ground/records",
     "ground/tracks": "include/nadir ground/records",
     "ground/trust": "include/nadir ground/kernels ground/records",
-    "ground": "include/nadir ground/kernels ground/records ground/stations ground/tracks ground/trust",
+    "ground/lens": "include/nadir ground/kernels ground/records ground/trust",
+    "ground": "include/nadir ground/kernels ground/lens ground/records ground/stations ground/tracks ground/trust",
     # the program
     "tools/base": "include/nadir lab ground/records",
     "tools/files": "include/nadir lab tools/base",
