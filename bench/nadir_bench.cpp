@@ -32,6 +32,7 @@ Works worksOf(const lab::TexturedPair& pair) {
   if (pair.width <= 640) return allWorks(pair);
   Works road;
   addGroundWorks(road, pair);
+  addRectifyWorks(road, pair);
   return road;
 }
 

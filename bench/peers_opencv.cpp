@@ -16,6 +16,7 @@
 #include "bench/segment_calls.hpp"
 #include "bench/star.hpp"
 #include "geometry/polygon_cells.hpp"
+#include "lab/rectifier.hpp"
 
 namespace nadir::bench {
 namespace {
@@ -123,6 +124,35 @@ Peer dilate(const lab::TexturedPair& pair) {
       "IP_Morph3x3 dilate", [](const Img* src, Img* dst) { IP_Morph3x3(src, dst, MORPH_DILATE); });
 }
 
+// Theirs takes a map in fixed point, as ours is: 32 places to a pixel, where ours has 64. The pictures are the same but
+// for rounding and for borders.
+template <class Pixel>
+Peer remap(const lab::TexturedPair& pair, const std::string& bits) {
+  const auto size = cv::Size(static_cast<int>(pair.width), static_cast<int>(pair.height));
+  const auto rectifier = std::make_shared<lab::Rectifier>(lab::lensOf(lab::lensKinds()[2], pair.width, pair.height),
+                                                          lab::turnedView(pair.width, pair.height));
+  cv::Mat_<float> x(size), y(size);
+  for (int v = 0; v < size.height; ++v)
+    for (int u = 0; u < size.width; ++u) {
+      double fromX = -9, fromY = -9;
+      nadir_rectifier_source(rectifier->get(), static_cast<uint32_t>(u), static_cast<uint32_t>(v), &fromX, &fromY);
+      x(v, u) = static_cast<float>(fromX);
+      y(v, u) = static_cast<float>(fromY);
+    }
+  cv::Mat places, parts;
+  cv::convertMaps(x, y, places, parts, CV_16SC2);
+  const std::vector<Pixel> pixels(pair.first.begin(), pair.first.end());
+  const cv::Mat src = cv::Mat(size, cv::DataType<Pixel>::type, const_cast<Pixel*>(pixels.data())).clone();
+  const auto ours = std::make_shared<cv::Mat>(src.size(), src.type());
+  const auto theirs = std::make_shared<cv::Mat>(src.size(), src.type());
+  return {"remap INTER_LINEAR, " + bits, "nadir_rectifier_process, " + bits,
+          [=] {
+            lab::demand(nadir_rectifier_process(rectifier->get(), 8 * sizeof(Pixel), src.data, src.step, ours->data,
+                                                ours->step));
+          },
+          [=] { cv::remap(src, *theirs, places, parts, cv::INTER_LINEAR, cv::BORDER_CONSTANT); }};
+}
+
 // Theirs is asked for every cell.
 Peer cellsInPolygon() {
   constexpr int32_t side = 1000, cell = 20;
@@ -181,7 +211,9 @@ std::vector<Peer> peers(const lab::TexturedPair& pair) {
           wholeRoad(pair, threeWay),
           median(pair),
           gauss(pair),
-          dilate(pair)};
+          dilate(pair),
+          remap<uint8_t>(pair, "8 bits"),
+          remap<uint16_t>(pair, "16 bits")};
 }
 
 std::vector<Peer> polygonPeers() { return {cellsInPolygon()}; }

@@ -13,6 +13,7 @@ Works allWorks(const lab::TexturedPair& pair) {
   addSegmentWorks(works, pair);
   addStereoWorks(works, pair);
   addGroundWorks(works, pair);
+  addRectifyWorks(works, pair);
   return works;
 }
 

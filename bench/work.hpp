@@ -25,6 +25,7 @@ void addImgprocWorks(Works& works, const lab::TexturedPair& pair);
 void addSegmentWorks(Works& works, const lab::TexturedPair& pair);
 void addStereoWorks(Works& works, const lab::TexturedPair& pair);
 void addGroundWorks(Works& works, const lab::TexturedPair& pair);
+void addRectifyWorks(Works& works, const lab::TexturedPair& pair);
 
 Works allWorks(const lab::TexturedPair& pair);
 

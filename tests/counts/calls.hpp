@@ -17,6 +17,7 @@ void callGeometry();
 void callCamera();
 void callNumbers();
 void callGround();
+void callRectify();
 
 // A refused call would have a count too, and nobody would see that it says nothing.
 inline void done(int64_t status, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {

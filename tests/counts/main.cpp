@@ -28,6 +28,7 @@ __attribute__((noinline)) void callEverything() {
   callCamera();
   callNumbers();
   callGround();
+  callRectify();
 }
 
 }  // namespace

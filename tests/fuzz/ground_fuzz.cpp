@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "lab/fingerprint.hpp"
+#include "lab/rectifier.hpp"
 #include "lab/road.hpp"
 #include "simd/cpu.hpp"
 #include "tests/fuzz/input.hpp"
@@ -267,11 +268,63 @@ void fuzzRoad(Input& in) {
   fuzzTracker(in, road);
 }
 
+NadirLens anyLens(Input& in) {
+  NadirLens lens = lab::lensOf(lab::lensKinds()[in.below(6)], anyCount(in, 5, 40), anyCount(in, 5, 24));
+  if (in.below(8) == 0) lens.focal_x_px = anyNumber(in, 1, 60);
+  if (in.below(8) == 0) lens.principal_y_px = anyNumber(in, -9, 24);
+  for (uint32_t n = in.below(3); n > 0; --n) lens.coefficients[in.below(12)] = anyNumber(in, -1, 1);
+  return lens;
+}
+
+NadirRectifiedView anyView(Input& in) {
+  NadirRectifiedView view = lab::turnedView(anyCount(in, 5, 40), anyCount(in, 5, 24));
+  view.focal_px = anyNumber(in, 1, 60);
+  if (in.below(8) == 0) view.rotation[in.below(9)] = anyNumber(in, -1, 1);
+  return view;
+}
+
+void expectSourcesWithin(const lab::Rectifier& rectifier, const NadirLens& lens, const NadirRectifiedView& view) {
+  for (uint32_t i = 0; i < view.width_px * view.height_px; ++i) {
+    double x = 0, y = 0;
+    nadir_rectifier_source(rectifier.get(), i % view.width_px, i / view.width_px, &x, &y);
+    expect("source", true, x >= 0 && y >= 0 && x <= lens.width_px - 1 && y <= lens.height_px - 1);
+  }
+}
+
+template <class Pixel>
+void expectSameRectified(Input& in, const lab::Rectifier& rectifier, const NadirLens& lens) {
+  static const std::vector<unsigned> levels = cumulativeLevels();
+  const auto picture = in.values<Pixel>(size_t{lens.width_px} * lens.height_px);
+  setCpu(levels.front());
+  const auto want = rectifier.rectified(picture, lens.width_px);
+  for (const unsigned level : levels) {
+    setCpu(level);
+    expect("rectified", true, want == rectifier.rectified(picture, lens.width_px));
+  }
+}
+
+void fuzzRectifier(Input& in) {
+  const NadirLens lens = anyLens(in);
+  const NadirRectifiedView view = anyView(in);
+  if (nadir_rectifier_bytes(&view) > largestBlock || lens.width_px > 100 || lens.height_px > 100) return;
+  NadirRectifier* made = nullptr;
+  NadirFault fault = lab::emptyRecord<NadirFault>();
+  const NadirStatus status = nadir_rectifier_create(&lens, &view, &made, &fault);
+  expect("a rectifier or a field", status != NADIR_OK, made == nullptr && fault.field != nullptr);
+  nadir_rectifier_destroy(made);
+  if (status != NADIR_OK) return;
+  const lab::Rectifier rectifier(lens, view);
+  expectSourcesWithin(rectifier, lens, view);
+  expectSameRectified<uint8_t>(in, rectifier, lens);
+  expectSameRectified<uint16_t>(in, rectifier, lens);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input in(data, size);
   fuzzRoad(in);
+  fuzzRectifier(in);
   return 0;
 }
 

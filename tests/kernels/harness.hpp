@@ -196,5 +196,6 @@ void addStereoRowCases(Registry& registry);
 void addSelectionCases(Registry& registry);
 void addWalkCases(Registry& registry);
 void addRoadCases(Registry& registry);
+void addRectifyCases(Registry& registry);
 
 }  // namespace nadir::test

@@ -124,7 +124,7 @@ std::vector<Family> families() {
           {"PointKernels", sizeof(PointKernels) / field, {addPointCases}},
           {"SmoothKernels", sizeof(SmoothKernels) / field, {addSmoothCases}},
           {"StereoKernels", sizeof(StereoKernels) / field - 1, {addStereoRowCases, addSelectionCases, addWalkCases}},
-          {"RoadKernels", sizeof(ground::RoadKernels) / field, {addRoadCases}}};
+          {"RoadKernels", sizeof(ground::RoadKernels) / field, {addRoadCases, addRectifyCases}}};
 }
 
 Registry casesOf(const Family& family) {

@@ -21,7 +21,7 @@ ROWS = {
     "Gauss, pull-push, halving, averages over time": "gauss_across gauss_down pull push halve mean",
     "the road: pictures, opinions, points, cells, ranks":
         "take16 take8 mirror16 mirror8 mirror_mask mirror_codes halve_known agree support close mean_close pixels_of"
-        " pixels_given place ranked",
+        " pixels_given place ranked rectify16 rectify8",
 }
 
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "lab/heap.hpp"
+#include "lab/rectifier.hpp"
 #include "tests/road/frames.hpp"
 
 namespace nadir::test {
@@ -53,6 +54,22 @@ NadirStatus createTracker(const NadirRoad* road, const NadirTrackSettings& setti
   return status;
 }
 
+const NadirRectifiedView& someView() {
+  static const NadirRectifiedView view = lab::turnedView(40, 30);
+  return view;
+}
+
+size_t rectifierBytes() { return nadir_rectifier_bytes(&someView()); }
+
+NadirStatus createRectifier() {
+  static const NadirLens lens = lab::lensOf(lab::lensKinds()[2], 50, 40);
+  NadirRectifier* rectifier = untouched<NadirRectifier>();
+  const NadirStatus status = nadir_rectifier_create(&lens, &someView(), &rectifier, nullptr);
+  EXPECT_EQ(status != NADIR_OK, rectifier == untouched<NadirRectifier>());
+  if (status == NADIR_OK) nadir_rectifier_destroy(rectifier);
+  return status;
+}
+
 std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan) {
   const auto areas = static_cast<uint32_t>(plan.areas.size());
   const NadirTrackSettings settings = fullTracking();
@@ -62,7 +79,8 @@ std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan
       {"result", [&road] { return createResult(road.road()); }, nadir_result_bytes(&plan.camera, &plan.settings, areas),
        0},
       {"tracker", [&road, settings] { return createTracker(road.road(), settings); },
-       nadir_tracker_bytes(road.road(), &settings), 0}};
+       nadir_tracker_bytes(road.road(), &settings), 0},
+      {"rectifier", createRectifier, rectifierBytes(), 0}};
 }
 
 std::vector<lab::RoadPlan> plans() {
@@ -150,6 +168,17 @@ TEST(RoadAlloc, FramesTakeNoMemory) {
     for (size_t frame = 0; frame < 5; ++frame) workOn(road, tracker, other, frame, points, state);
     EXPECT_EQ(heap::allocations(), 0u);
   }
+}
+
+TEST(RoadAlloc, RectifyingTakesNoMemory) {
+  const lab::Rectifier rectifier(lab::lensOf(lab::lensKinds()[2], 50, 40), someView());
+  const std::vector<uint16_t> picture(50 * 40, 9);
+  std::vector<uint16_t> out(40 * 30);
+  double x = 0, y = 0;
+  heap::watch();
+  lab::demand(nadir_rectifier_process(rectifier.get(), 16, picture.data(), 100, out.data(), 80));
+  lab::demand(nadir_rectifier_source(rectifier.get(), 20, 15, &x, &y));
+  EXPECT_EQ(heap::allocations(), 0u);
 }
 
 // The heap hands out blocks full of other bytes than 0, and frames leave their own behind.
