@@ -336,7 +336,8 @@ struct RoadRows {
       const bool leftMissing = ((a == 0) & (lower != sourceParts)) | ((c == 0) & (lower != 0));
       const bool rightMissing = ((b == 0) & (lower != sourceParts)) | ((d == 0) & (lower != 0));
       const bool missing = (leftMissing & (right != sourceParts)) | (rightMissing & (right != 0));
-      out[i] = static_cast<uint16_t>(missing | (right == beyondPicture) ? 0 : mean);
+      const bool known = !missing & (right != beyondPicture);
+      out[i] = static_cast<uint16_t>(known ? mean : 0);
     });
   }
 
