@@ -25,25 +25,54 @@ function(nadir_optimise_lightly target)
   target_compile_options(${target} PRIVATE $<$<NOT:$<CONFIG:Debug>>:-O1>)
   if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=address")
     target_compile_options(${target} PRIVATE -fno-sanitize=all)
-    target_compile_definitions(${target} PRIVATE NADIR_SANITIZED)
   endif()
 endfunction()
 nadir_optimise_lightly(nadir_test_headers)
 
+# AddressSanitizer watches the libraries and the program, not the tests. Where another build of the same sources has
+# their programs, those that reach what they test from outside run with what this build made: compiling them anew takes
+# longer than testing.
+set(NADIR_TEST_PROGRAMS "" CACHE PATH "A build without sanitizers, whose test programs run on what this build made")
+
+# The environment in which another build's program tests what this one made: the shared libraries, with the sanitizer's
+# own before them all, or the program.
+function(nadir_borrowing_environment kind variable)
+  if(kind STREQUAL "ON_LIBRARIES")
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+      OUTPUT_VARIABLE sanitizer OUTPUT_STRIP_TRAILING_WHITESPACE)
+    set(environment "LD_PRELOAD=${sanitizer}"
+      "LD_LIBRARY_PATH=$<TARGET_FILE_DIR:nadir>:$<TARGET_FILE_DIR:nadirground>")
+  else()
+    set(environment "NADIR_TOOL=$<TARGET_FILE:nadir-tool>")
+  endif()
+  set(${variable} ${environment} PARENT_SCOPE)
+endfunction()
+
 # Registers a GoogleTest program: test by test; or, where the start of a process costs more than most tests, as a whole
-# (on an emulator) or in two halves (under sanitizers, where one core would wait for the tool's tests).
+# (on an emulator) or in parts (under sanitizers, where one core would wait for the tool's tests).
+#
+# nadir_add_gtest(TARGET [ON_LIBRARIES|ON_PROGRAM]): what it tests, where it does so from outside.
 function(nadir_add_gtest target)
   nadir_optimise_lightly(${target})
   target_precompile_headers(${target} REUSE_FROM nadir_test_headers)
   if(NADIR_ON_DEMAND)
     return()
   endif()
+  set(program ${target})
+  set(environment)
+  if(ARGN AND NADIR_TEST_PROGRAMS)
+    set_target_properties(${target} PROPERTIES EXCLUDE_FROM_ALL ON)
+    file(RELATIVE_PATH folder ${PROJECT_BINARY_DIR} ${CMAKE_CURRENT_BINARY_DIR})
+    set(program ${NADIR_TEST_PROGRAMS}/${folder}/${target})
+    nadir_borrowing_environment(${ARGN} environment)
+  endif()
   if(CMAKE_CROSSCOMPILING_EMULATOR)
     add_test(NAME ${target} COMMAND ${target})
   elseif(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
-    foreach(half IN ITEMS 0 1)
-      add_test(NAME ${target}.${half} COMMAND ${target})
-      set_tests_properties(${target}.${half} PROPERTIES ENVIRONMENT "GTEST_TOTAL_SHARDS=2;GTEST_SHARD_INDEX=${half}")
+    foreach(part RANGE 3)
+      add_test(NAME ${target}.${part} COMMAND ${program})
+      set_tests_properties(${target}.${part} PROPERTIES
+        ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${part};${environment}")
     endforeach()
   else()
     gtest_discover_tests(${target} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120)

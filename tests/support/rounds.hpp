@@ -6,15 +6,16 @@
 #include <cstdint>
 
 #include "lab/random.hpp"
+#include "tests/support/sanitized.hpp"
 
 namespace nadir::test {
 
 // Sanitizers and emulators take twenty times as long and are there for memory and for the processor, not for one more
 // shape: they take every so many of the inputs.
-#if defined(NADIR_SANITIZED) || !defined(__x86_64__)
-inline constexpr uint64_t everyRound = 11;
+#ifdef __x86_64__
+inline const uint64_t everyRound = isSanitized ? 11 : 1;
 #else
-inline constexpr uint64_t everyRound = 1;
+inline constexpr uint64_t everyRound = 11;
 #endif
 
 // check(code) for all codes below `end`.

@@ -9,14 +9,11 @@
 #include <cstring>
 
 #include "tests/support/guarded.hpp"
+#include "tests/support/sanitized.hpp"
 
 namespace nadir::test {
 
-#ifdef NADIR_SANITIZED
-inline constexpr bool stackIsPlain = false;  // sanitizers put red zones and frames of their own on it
-#else
-inline constexpr bool stackIsPlain = true;
-#endif
+inline const bool stackIsPlain = !isSanitized;  // sanitizers put red zones and frames of their own on it
 
 // A page that must not be touched lies below it: who takes far too much crashes.
 class PaintedStack {

@@ -349,8 +349,7 @@ TEST_F(Safety, ResultsComeBeforeTheTableThatNobodyReads) {
 
 TEST_F(Safety, AReaderWhoLeavesTakesNoResultAlong) {
   makePair();
-  const std::string command = "cd '" + folder.path("") +
-                              "' && { '" NADIR_TOOL
+  const std::string command = "cd '" + folder.path("") + "' && { '" + toolPath() +
                               "' disparity left.png right.png -o d.png 2> err; echo $? > status; } | true";
   ASSERT_EQ(std::system(command.c_str()), 0);
   EXPECT_EQ(readPng(folder.path("d.png")).width, 96u);
@@ -361,8 +360,7 @@ TEST_F(Safety, AReaderWhoLeavesTakesNoResultAlong) {
 TEST_F(Safety, AFileThatMayNotGrowIsToldInASentence) {
   makePair();
   const auto before = folder.names();
-  const std::string command = "cd '" + folder.path("") +
-                              "' && ulimit -f 1 && '" NADIR_TOOL
+  const std::string command = "cd '" + folder.path("") + "' && ulimit -f 1 && '" + toolPath() +
                               "' disparity left.png right.png -o d.png > /dev/null 2>&1";
   const int status = std::system(command.c_str());
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
@@ -391,8 +389,7 @@ TEST_F(Safety, NamesCannotSteerTheTerminal) {
   ASSERT_EQ(grantpt(terminal) + unlockpt(terminal), 0);
   writeFile(folder.path("a.toml"),
             "[[area]]\nname = \"\\u001b]0;owned\\u0007door\"\nground_mm = [[-200, -200], [200, -200], [200, 200]]\n");
-  const std::string command = "cd '" + folder.path("") +
-                              "' && '" NADIR_TOOL
+  const std::string command = "cd '" + folder.path("") + "' && '" + toolPath() +
                               "' ground left.png right.png --camera camera.toml --areas a.toml -o r > '" +
                               std::string(ptsname(terminal)) + "'";
   const int other = open(ptsname(terminal), O_RDWR | O_NOCTTY);
@@ -512,9 +509,8 @@ TEST_F(Safety, DevicesAreRefusedAndPipesAreRead) {
   makePair();
   expectRefused(folder.run({"disparity", "/dev/zero", "right.png", "-o", "d.png"}),
                 "cannot read /dev/zero: it is a device");
-  const std::string command = "cd '" + folder.path("") +
-                              "' && mkfifo pipe && { cat left.png > pipe & } && '" NADIR_TOOL
-                              "' disparity pipe right.png -o d.png > /dev/null";
+  const std::string command = "cd '" + folder.path("") + "' && mkfifo pipe && { cat left.png > pipe & } && '" +
+                              toolPath() + "' disparity pipe right.png -o d.png > /dev/null";
   EXPECT_EQ(std::system(command.c_str()), 0);
   EXPECT_EQ(readPng(folder.path("d.png")).width, 96u);
 }
@@ -523,7 +519,7 @@ TEST_F(Safety, PipesOfAnyLengthAreRead) {
   makePair();
   writeFile(folder.path("long.png"), readFile(folder.path("left.png")) + Bytes(3000000, 'x'));
   const std::string command = "cd '" + folder.path("") +
-                              "' && mkfifo pipe && { cat long.png > pipe & } && timeout 20 '" NADIR_TOOL
+                              "' && mkfifo pipe && { cat long.png > pipe & } && timeout 20 '" + toolPath() +
                               "' disparity pipe right.png -o d.png > /dev/null";
   EXPECT_EQ(std::system(command.c_str()), 0);
 }

@@ -161,8 +161,14 @@ std::vector<std::string> Folder::names() const {
 }
 
 // The process.
+std::string toolPath() {
+  const char* other = std::getenv("NADIR_TOOL");
+  return other ? other : NADIR_TOOL;
+}
+
 int Folder::start(const std::vector<std::string>& arguments, const std::function<void()>& prepare) const {
-  std::vector<char*> argv = {const_cast<char*>(NADIR_TOOL)};
+  const std::string tool = toolPath();
+  std::vector<char*> argv = {const_cast<char*>(tool.c_str())};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   const pid_t child = fork();
@@ -171,7 +177,7 @@ int Folder::start(const std::vector<std::string>& arguments, const std::function
     sendTo(root_ + ".out", STDOUT_FILENO);
     sendTo(root_ + ".err", STDERR_FILENO);
     prepare();
-    execv(NADIR_TOOL, argv.data());
+    execv(tool.c_str(), argv.data());
     _exit(127);
   }
   return child;

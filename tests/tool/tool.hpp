@@ -36,6 +36,9 @@ struct Outcome {
   std::string out, err;
 };
 
+// The program that is tested: what the variable NADIR_TOOL names, or the one that was built with the tests.
+std::string toolPath();
+
 // A folder that disappears with the object.
 class Folder {
  public:
