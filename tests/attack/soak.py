@@ -9,7 +9,7 @@ import time
 
 from shared import runs
 
-MINUTES, SHORT_SECONDS = 60, 10
+MINUTES, SHORT_SECONDS = 60, 6
 FRAMES = 12000  # of one run of the program; the same pictures come again and again
 WARM_SHARE = 0.2  # until every buffer has grown to what it needs, and threads have their arenas
 LARGEST_GROWTH_KB = 1024  # between the medians of the first and of the last third
