@@ -34,7 +34,7 @@ std::regex placeFor(const std::string& reader) {
   if (reader == "log") return std::regex("frames\\.jsonl: line [0-9]+");
   if (reader == "picture") return std::regex("");  // its caller names the file
   if (reader == "regions") return std::regex("/(summary|scene)\\.json");
-  if (reader == "opencv" || reader == "ros") return std::regex("\\.ya?ml");
+  if (reader == "calibration") return std::regex("\\.ya?ml");
   return std::regex("/run\\.json|/(frames|truth)\\.jsonl: line [0-9]+|/tracks has");  // no areas, fewer frames
 }
 

@@ -49,18 +49,9 @@ def seed_files(options):
             "settings": [[settings, settings]]}
 
 
-def matrix(offset):
-    """A projection matrix whose camera stands so far to the side."""
-    return f"[500., 0., 320., {offset}, 0., 500., 240., 0., 0., 0., 1., 0.]"
-
-
 def calibrations():
     """What other programs write, which ours cannot make."""
-    entry = "{name}: !!opencv-matrix\n  rows: 3\n  cols: 4\n  dt: d\n  data: {data}\n"
-    opencv = "%YAML:1.0\n---\n" + entry.format(name="P1", data=matrix(0)) + entry.format(name="P2", data=matrix(-65000.))
-    ros = ["image_width: 640\nimage_height: 480\nprojection_matrix:\n  rows: 3\n  cols: 4\n  data: " + matrix(offset) + "\n"
-           for offset in (0, -65.)]
-    return {"opencv": [[opencv.encode()]], "ros": [[text.encode() for text in ros]]}
+    return {"calibration": [[path.read_bytes()] for path in sorted((ROOT / "tests/fuzz/corpus/calibration").glob("seed-*"))]}
 
 
 def enlarged(options, target, small):

@@ -15,7 +15,7 @@
 #include "tools/base/json_value.hpp"
 #include "tools/camera/areas_file.hpp"
 #include "tools/camera/camera_file.hpp"
-#include "tools/camera/camera_import.hpp"
+#include "tools/camera/rectification.hpp"
 #include "tools/evaluate/region_folders.hpp"
 #include "tools/evaluate/track_evaluation.hpp"
 #include "tools/files/frame_log.hpp"
@@ -203,13 +203,36 @@ void addImported(const ImportedCamera& imported, Fingerprint& print) {
   add(print, cameraText(imported.camera));
 }
 
-void readOpenCvCalibration(const std::string& bytes, Fingerprint& print) {
-  addImported(importOpenCv({files().path("stereo.yml"), bytes}, 1), print);
+void checkCalibration(const Calibration& calibration) {
+  if (calibration.lenses)
+    for (const NadirLens& lens : *calibration.lenses) {
+      require(lens.focal_x_px >= 1 && lens.focal_y_px >= 1, "a focal length of a lens");
+      require(lens.model <= NADIR_LENS_FISHEYE, "a model of a lens");
+      for (const double c : lens.coefficients) require(std::abs(c) <= 1e6, "a coefficient of a lens");
+    }
+  if (calibration.optics) require(calibration.optics->focalPx > 0 && calibration.optics->baseline > 0, "optics");
+  if (calibration.rotations)
+    for (const Rotation& rotation : *calibration.rotations)
+      for (const double r : rotation) require(std::abs(r) <= 1.001, "a rotation");
 }
 
-void readRosCalibration(const std::string& bytes, Fingerprint& print) {
+// One file or two, whatever kind they are of.
+void readCalibrations(const std::string& bytes, Fingerprint& print) {
+  const bool areTwo = bytes.find(between) != std::string::npos;
   const std::vector<std::string> parts = partsOf(bytes, 2);
-  addImported(importRos({files().path("left.yaml"), parts[0]}, {files().path("right.yaml"), parts[1]}, 0), print);
+  std::vector<CalibrationFile> given = {{files().path("one.yaml"), parts[0]}};
+  if (areTwo) given.push_back({files().path("two.yaml"), parts[1]});
+  CalibrationOptions options;
+  options.unitMm = 1;
+  Calibration calibration = parsedCalibration(given, options);
+  checkCalibration(calibration);
+  if (calibration.optics) addImported(cameraOf(calibration), print);
+  const PictureSize pictures =
+      calibration.lenses && (*calibration.lenses)[0].width_px > 0 ? PictureSize() : PictureSize{64, 48};
+  complete(calibration, pictures);
+  checkCalibration(calibration);
+  for (const NadirRectifiedView& view : viewsOf(calibration))
+    print.add(view.focal_px).add(view.principal_x_px).add(view.rotation[0]);
 }
 
 // ---- results that are read again ----
@@ -288,16 +311,12 @@ Answer answerOf(const std::string& bytes) {
 }  // namespace
 
 const std::vector<Reader>& readers() {
-  static const std::vector<Reader> all = {{"picture", answerOf<readPicture>},
-                                          {"measurement", answerOf<readMeasurement>},
-                                          {"camera", answerOf<readCameraText>},
-                                          {"areas", answerOf<readAreasText>},
-                                          {"opencv", answerOf<readOpenCvCalibration>},
-                                          {"ros", answerOf<readRosCalibration>},
-                                          {"log", answerOf<readFrameLog>},
-                                          {"tracks", answerOf<readTrackFiles>},
-                                          {"regions", answerOf<readRegionFiles>},
-                                          {"settings", answerOf<readSettings>}};
+  static const std::vector<Reader> all = {
+      {"picture", answerOf<readPicture>},          {"measurement", answerOf<readMeasurement>},
+      {"camera", answerOf<readCameraText>},        {"areas", answerOf<readAreasText>},
+      {"calibration", answerOf<readCalibrations>}, {"log", answerOf<readFrameLog>},
+      {"tracks", answerOf<readTrackFiles>},        {"regions", answerOf<readRegionFiles>},
+      {"settings", answerOf<readSettings>}};
   return all;
 }
 

@@ -189,20 +189,22 @@ TEST_F(CameraImport, TooLittleOrOutOfRange) {
 }
 
 TEST_F(CameraImport, BadOpenCvFiles) {
-  expectOpenCvRefused("%YAML:1.0\nR1: 3\n", "bad.yml:1: it holds neither P1 and P2 nor Q, of a rectified stereo pair");
-  expectOpenCvRefused("just text\n", "bad.yml:1: it is not a calibration in YAML");
+  expectOpenCvRefused("%YAML:1.0\nR1: 3\n", "bad.yml:1: R2: is missing, beside R1");
+  expectOpenCvRefused("just text\n",
+                      "bad.yml:1: it is not a calibration: neither YAML or XML nor a calib.txt nor a camera file");
   expectOpenCvRefused("%YAML:1.0\nR1: 3\nP1: [\n", "bad.yml:4: end of sequence flow not found");
   expectOpenCvRefused(replaced(openCv, "[ 600., 0., 320.5, 0., ", "[ "),
-                      "bad.yml:3: P1: is no matrix of 3 x 4 numbers");
-  expectOpenCvRefused(replaced(openCv, "320.5", "wide"), "bad.yml:7: P1: holds something that is not a number");
+                      "bad.yml:3: P1: is not a matrix of 3 x 4: 12 numbers");
+  expectOpenCvRefused(replaced(openCv, "320.5", "wide"),
+                      "bad.yml:3: P1: holds something that is not a number up to 1e9");
   expectOpenCvRefused(replaced(openCv, "600., 240.25", "610., 240.25"),
                       "bad.yml:3: P1: has two focal lengths, 600 and 610; it must be of rectified pictures");
   expectOpenCvRefused(replaced(openCv, "-72.", "72."),
-                      "bad.yml:8: P2: is of a camera that is not right of the first one");
+                      "bad.yml:8: P2: is of a camera that is not right of the first one; exchange the two");
   expectOpenCvRefused(replaced(openCv, "-72., 0., 600., 240.25, 0.", "0., 0., 600., 240.25, -72."),
                       "bad.yml:8: P2: is of a camera above or below the first one");
   expectOpenCvRefused(replaced(openCvQ, "8.3333333333333339,", "-8.3,"),
-                      "bad.yml:2: Q: is of a second camera that is not right of the first one");
+                      "bad.yml:2: Q: is of a second camera that is not right of the first one; exchange the two");
   writeFile(folder.path("bad.yml"), replaced(openCv, "cols: 4\n", "cols: [4\n"));
   const Outcome outcome = import({"bad.yml", "--unit-mm", "1"});
   EXPECT_EQ(outcome.status, 1);
@@ -213,7 +215,7 @@ TEST_F(CameraImport, BadRosPairs) {
   expectRosRefused(ros("left", rosRight), ros("right", rosLeft),
                    "l.yaml:8: projection_matrix: is not the left camera's: its last column is not 0");
   expectRosRefused(ros("left", rosLeft), ros("right", rosLeft),
-                   "r.yaml:8: projection_matrix: is of a camera that is not right of the first one");
+                   "r.yaml:8: projection_matrix: is of a camera that is not right of the first one; exchange the two");
   expectRosRefused(ros("left", rosLeft), replaced(ros("right", rosRight), "640", "320"),
                    "the pictures differ in size: those of l.yaml are 640 x 480 pixels, those of r.yaml 320 x 480");
   expectRosRefused(ros("left", rosLeft), replaced(ros("right", rosRight), "240.25", "238"),

@@ -41,10 +41,15 @@ void readValue(const toml::node& node, const CameraKey& key, Camera& camera, Mis
   setValue(camera, key, value);
 }
 
+// What its other readers take.
+bool isOtherTable(std::string_view name) {
+  return name == areaKey || name == "left_lens" || name == "right_lens" || name == "pose";
+}
+
 bool isKnownName(std::string_view table, std::string_view name) {
   const auto& keys = cameraKeys();
   return std::any_of(keys.begin(), keys.end(), [&](const CameraKey& key) {
-    return (key.table == table && key.name == name) || (table.empty() && (key.table == name || name == areaKey));
+    return (key.table == table && key.name == name) || (table.empty() && (key.table == name || isOtherTable(name)));
   });
 }
 
