@@ -119,6 +119,7 @@ int run(int argc, char** argv) {
   addCameraCommand(app);
   addEvaluateCommand(app);
   addPreviewCommand(app);
+  addRectifyCommand(app);
   addSynthCommand(app);
   addTuneCommand(app);
   addVerifyCommand(app);

@@ -605,6 +605,7 @@ struct Setting {
 
 const std::vector<Setting> settings = {
     {"--camera", "higher.toml", "camera/height_mm is 3500.0 there and 3600.0 here"},
+    {"--calibration", "calib.txt", "calibration is missing there and given here"},
     {"--percentile", "50", "percentile is 90.0 there and 50.0 here"},
     {"--min-points", "7", "min_points is "},
     {"--fill-holes", "0.5", "fill_holes_m2 is 0.0 there and 0.5 here"},
@@ -632,9 +633,20 @@ const std::vector<Setting> settings = {
     {"--write", "map", "averages is true there and false here"},
 };
 
-// The results of a sequence do not depend on these. It refuses the two that give disparities.
-const std::set<std::string> noSettings = {"--help",      "--output",          "--threads", "--resume",
-                                          "--disparity", "--disparity-scale", "--strict"};
+// The results of a sequence do not depend on these. It refuses the two that give disparities, and the two about a
+// calibration's numbers show in those.
+const std::set<std::string> noSettings = {"--help",      "--output",          "--threads", "--resume", "--unit-mm",
+                                          "--disparity", "--disparity-scale", "--strict",  "--lens"};
+
+// Of a camera file's pictures, which are rectified: it changes nothing.
+std::string calibrationOf(const std::string& camera) {
+  const auto number = [&camera](const char* key) {
+    return std::to_string(numberAfter(camera, std::string(key) + " ="));
+  };
+  const std::string focal = number("focal_px"), row = number("principal_y_px");
+  const std::string lens = "=[" + focal + " 0 " + number("principal_x_px") + "; 0 " + focal + " " + row + "; 0 0 1]\n";
+  return "cam0" + lens + "cam1" + lens + "baseline=" + number("baseline_mm") + "\nwidth=160\nheight=120\n";
+}
 
 TEST_F(GroundSequence, EveryOptionIsASettingOrIsKnownToBeNone) {
   std::set<std::string> told, known = noSettings;
@@ -651,6 +663,7 @@ TEST_F(GroundSequence, ResumeNoticesEverySetting) {
   Bytes camera = readFile(folder.path("s/camera.toml"));
   writeFile(folder.path("higher.toml"), camera.replace(camera.find("height_mm = 3500"), 16, "height_mm = 3600"));
   writePng(folder.path("m.png"), picture(160, 120, 8, std::vector<uint16_t>(160 * 120)));
+  writeFile(folder.path("calib.txt"), calibrationOf(readFile(folder.path("s/camera.toml"))));
   const std::vector<std::string> bare = {"ground", "s", "-o", "r", "--resume"};
   const auto resumed = [&](std::vector<std::string> more) {
     more.insert(more.begin(), bare.begin(), bare.end());

@@ -13,6 +13,7 @@ void addDisparityCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addGroundCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
+void addRectifyCommand(CLI::App& app);
 void addSynthCommand(CLI::App& app);
 void addTuneCommand(CLI::App& app);
 void addVerifyCommand(CLI::App& app);

@@ -10,6 +10,7 @@
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
@@ -27,10 +28,19 @@ struct DisparityOptions {
   std::string left, right, output, preview, mask;
   bool noPreview = false, half = false, strict = false;
   MatchOptions match;
+  CalibrationOptions calibration;
 };
+
+void rectify(const CalibrationOptions& options, Pair& pair) {
+  Calibration calibration = readCalibration(options);
+  complete(calibration, {pair.left.width, pair.left.height});
+  for (const std::string& remark : calibration.remarks) say(remark);
+  pair = PairRectifier(calibration).rectified(pair);
+}
 
 Pair readInputs(const DisparityOptions& options, StageTimes& times) {
   Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  if (!options.calibration.files.empty()) times.measure("rectifying", [&] { rectify(options.calibration, pair); });
   if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
   return pair;
 }
@@ -83,7 +93,9 @@ void run(const DisparityOptions& options) {
   const Pair pair = readInputs(options, times);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
   const Matching result = matched(pair, mask, options.match, times);
-  OutputFiles files({options.left, options.right, options.mask});
+  std::vector<std::string> inputs = options.calibration.files;
+  inputs.insert(inputs.end(), {options.left, options.right, options.mask});
+  OutputFiles files(inputs);
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
   print(report(result.disparity, result.counts, times));
   const Warnings warnings = result.warnings;
@@ -115,6 +127,8 @@ void addDisparityCommand(CLI::App& app) {
                        "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
+  addCalibrationOptions(*command, options->calibration,
+                        "Rectify the pictures on the way, with this calibration, as nadir rectify does");
   addViewOption(*command, "--grid", options->match.view,
                 "View whose pixels get the disparities: left or right (default: left)");
   addUniquenessOption(*command, options->match.uniqueness,

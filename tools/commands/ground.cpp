@@ -9,6 +9,7 @@
 
 #include "tools/base/error.hpp"
 #include "tools/base/warnings.hpp"
+#include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/files/encodings.hpp"
@@ -106,17 +107,27 @@ Warnings allWarnings(const RoadOptions& options, const NadirFindings& findings) 
   return warnings;
 }
 
+// Says what its calibration was taken for.
+Road toldRoad(const RoadOptions& options) {
+  Road road = roadOf(options);
+  if (road.calibration)
+    for (const std::string& remark : road.calibration->remarks) say(remark);
+  return road;
+}
+
 void runOnPair(const GroundOptions& options) {
   if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
   checkProducts(options);
   StageTimes times;
-  const Road road = roadOf(options.road);
+  const Road road = toldRoad(options.road);
   PairResult result;
   work(road, *road.handle, options.left, options.right, times, result);
   addPoints(road, result, times);
   const Warnings warnings = allWarnings(options.road, result.findings);
-  OutputFiles files({options.left, options.right, options.road.camera, options.road.areas, options.road.disparity,
-                     options.road.mask});
+  std::vector<std::string> inputs = options.road.calibration.files;
+  inputs.insert(inputs.end(), {options.left, options.right, options.road.camera, options.road.areas,
+                               options.road.disparity, options.road.mask});
+  OutputFiles files(inputs);
   times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });
   print(groundTable(road, result, times));
   tell(warnings);
@@ -131,7 +142,7 @@ void runOnSequence(const GroundOptions& options) {
   if (sequence.rule.products == Products{Product::average})
     throw Error("--write average needs map too: a resumed run makes its first means of the maps that are there");
   if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
-  const Road road = roadOf(options.road);
+  const Road road = toldRoad(options.road);
   groundSequence(FrameSource(options.left, options.right), road, sequence);
 }
 
@@ -157,6 +168,9 @@ void addInputs(CLI::App& command, GroundOptions& options) {
   command.add_option("--camera", options.road.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");
+  addCalibrationOptions(command, options.road.calibration,
+                        "Rectify the pictures on the way, with this calibration, as nadir rectify does (default: the "
+                        "camera file's own lenses, if it has them)");
   command.add_option("-o,--output", options.folder, "Receives the files below; made unless it exists")
       ->required()
       ->type_name("FOLDER");

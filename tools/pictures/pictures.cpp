@@ -63,12 +63,10 @@ Grid<uint16_t> scaledGrid(Raster raster, uint32_t factor, uint32_t least) {
   return grid;
 }
 
-}  // namespace
-
-Grid<uint16_t> readIntensity(const std::string& path) {
-  Raster raster = readRaster(path);
+// Samples of 8 bits times `factor`.
+Grid<uint16_t> greyGrid(Raster raster, uint32_t factorOf8Bits) {
   if (raster.channels == 1 && raster.bits == 16) return gridOf(std::move(raster));
-  const uint32_t factor = raster.bits == 8 ? 16 : 1;
+  const uint32_t factor = raster.bits == 8 ? factorOf8Bits : 1;
   const uint32_t black = raster.bits == 8 ? 1 : 0;
   if (raster.channels == 1) return scaledGrid(std::move(raster), factor, black);
   Grid<uint16_t> picture(raster.width, raster.height);
@@ -78,6 +76,16 @@ Grid<uint16_t> readIntensity(const std::string& path) {
     in += raster.channels;
   }
   return picture;
+}
+
+}  // namespace
+
+Grid<uint16_t> readIntensity(const std::string& path) { return greyGrid(readRaster(path), 16); }
+
+GreyPicture readGrey(const std::string& path) {
+  Raster raster = readRaster(path);
+  const uint32_t bits = raster.bits;
+  return {greyGrid(std::move(raster), 1), bits};
 }
 
 Grid<uint8_t> readMask(const std::string& path) {

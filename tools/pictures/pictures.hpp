@@ -20,6 +20,13 @@ using lab::Grid;
 // with the weights of ITU-R BT.601.
 Grid<uint16_t> readIntensity(const std::string& path);
 
+// A picture in its own depth; black of 8 bits becomes 1 there, too.
+struct GreyPicture {
+  Grid<uint16_t> pixels;
+  uint32_t bits;  // 8 or 16
+};
+GreyPicture readGrey(const std::string& path);
+
 // Reads an 8-bit picture, in which every value but 0 means "discard".
 Grid<uint8_t> readMask(const std::string& path);
 

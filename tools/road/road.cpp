@@ -46,6 +46,29 @@ std::vector<Area> readAllAreas(const RoadOptions& options) {
   return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
 }
 
+// ---- the way to rectified pictures ----
+
+// The lenses' pictures have the size of the rectified ones where nobody says otherwise.
+void setRectifier(const RoadOptions& options, Road& road) {
+  CalibrationOptions given = options.calibration;
+  if (given.files.empty() && holdsCalibration(options.camera)) given.files = {options.camera};
+  if (given.files.empty()) return;
+  Calibration calibration = readCalibration(given);
+  const bool sizeTold = calibration.lenses && (*calibration.lenses)[0].width_px != 0;
+  complete(calibration, sizeTold ? PictureSize() : PictureSize{road.camera.widthPx, road.camera.heightPx});
+  checkAgreement(calibration, options.camera);
+  road.rectifier = std::make_unique<PairRectifier>(calibration);
+  road.calibration = std::move(calibration);
+}
+
+void checkSize(const Pair& pair, const Road& road) {
+  const Camera& camera = road.camera;
+  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
+  throw UnusableFile(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
+                            sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
+                            sizeText(camera.widthPx, camera.heightPx).c_str()));
+}
+
 // ---- the library's records ----
 
 NadirCamera cameraRecord(const Camera& c) {
@@ -284,7 +307,8 @@ void expect(NadirStatus status) {
 
 // The areas are read too, so that a mistake in the last one does not wait for the matcher.
 Road roadOf(const RoadOptions& options) {
-  Road road{options, readCamera(options.camera), {}, {}, {}, {}};
+  Road road{options, readCamera(options.camera), {}, {}, {}, {}, {}, {}};
+  setRectifier(options, road);
   checkMap(road.camera, options);
   checkHoles(road.camera, options);
   const NadirCamera camera = cameraRecord(road.camera);
@@ -305,19 +329,16 @@ std::string rangeSentence(const Road& road) {
 
 RoadHandle copyOf(const Road& road) { return made(cameraRecord(road.camera), road.settings, areasOf(road)); }
 
-void checkSize(const Pair& pair, const Road& road) {
-  const Camera& camera = road.camera;
-  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
-  throw UnusableFile(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
-                            sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
-                            sizeText(camera.widthPx, camera.heightPx).c_str()));
+Pair fittingPair(const Road& road, Pair pair, StageTimes& times) {
+  if (road.rectifier) times.measure("rectifying", [&] { pair = road.rectifier->rectified(pair); });
+  checkSize(pair, road);
+  return pair;
 }
 
 void work(const Road& road, NadirRoad& handle, const std::string& left, const std::string& right, StageTimes& times,
           PairResult& result) {
   const RoadOptions& options = road.options;
-  Pair pair = times.measure("reading", [&] { return readPair(left, right); });
-  checkSize(pair, road);
+  Pair pair = fittingPair(road, times.measure("reading", [&] { return readPair(left, right); }), times);
   if (!options.disparity.empty()) result.given = givenDisparities(options, pair);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
   NadirFrame frame = frameOf(pair, mask);

@@ -11,9 +11,11 @@
 #include "lab/grid.hpp"
 #include "tools/base/warnings.hpp"
 #include "tools/camera/areas_file.hpp"
+#include "tools/camera/calibration.hpp"
 #include "tools/camera/camera.hpp"
 #include "tools/road/match_options.hpp"
 #include "tools/road/pair_input.hpp"
+#include "tools/road/pair_rectifier.hpp"
 #include "tools/road/timed_stages.hpp"
 
 namespace nadir::tool {
@@ -24,7 +26,8 @@ void expect(NadirStatus status);
 // What the user may say. A file with an empty name is not given.
 struct RoadOptions {
   std::string camera, mask, disparity, areas;
-  double disparityScale = 0;  // of the given disparities; 0: what their file says
+  CalibrationOptions calibration;  // no files: the camera file's own, or the pictures are rectified
+  double disparityScale = 0;       // of the given disparities; 0: what their file says
   MatchOptions match = matchOptionsOfMaps();
   std::string preset;               // empty for none; what is given here stands above what it holds
   std::optional<double> tallestMm;  // above the ground: what an automatic range must measure
@@ -60,6 +63,8 @@ struct Road {
   RoadHandle handle;
   StereoCtx context;  // of the measured view and the map
   std::vector<WatchedArea> areas;
+  std::optional<Calibration> calibration;          // complete
+  std::unique_ptr<const PairRectifier> rectifier;  // of it
 
   bool findsRegions() const { return settings.until == NADIR_UNTIL_ALL; }
 };
@@ -72,8 +77,8 @@ std::string rangeSentence(const Road& road);
 // Another road of the same kind, for another thread.
 RoadHandle copyOf(const Road& road);
 
-// Throws where the pictures are not of the camera's size.
-void checkSize(const Pair& pair, const Road& road);
+// The pair as the road takes it, rectified where it has a calibration. Throws where it is not of the camera's size.
+Pair fittingPair(const Road& road, Pair pair, StageTimes& times);
 
 // What came of a pair.
 struct PairResult {

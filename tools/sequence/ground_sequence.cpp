@@ -207,7 +207,8 @@ class SequenceRun {
   void checkCamera() const {
     std::optional<Pair> pair;
     for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
-    if (pair) checkSize(*pair, road_);
+    StageTimes untold;
+    if (pair) fittingPair(road_, std::move(*pair), untold);
   }
 
   std::optional<Pair> readable(size_t frame) const {

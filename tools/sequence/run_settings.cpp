@@ -54,6 +54,21 @@ Json trackJson(const NadirTrackSettings& rule) {
           {"disparity_px", rule.disparity_px}};
 }
 
+Json sideJson(const NadirLens& lens, const Rotation& rotation) {
+  return {{"width_px", lens.width_px},
+          {"height_px", lens.height_px},
+          {"model", lens.model},
+          {"focal_px", {lens.focal_x_px, lens.focal_y_px}},
+          {"principal_px", {lens.principal_x_px, lens.principal_y_px}},
+          {"coefficients", lens.coefficients},
+          {"rotation", rotation}};
+}
+
+Json calibrationJson(const Calibration& calibration) {
+  return {{"left", sideJson((*calibration.lenses)[0], (*calibration.rotations)[0])},
+          {"right", sideJson((*calibration.lenses)[1], (*calibration.rotations)[1])}};
+}
+
 struct FirstPair {
   std::string left, right;
 };
@@ -100,7 +115,8 @@ NadirTrackSettings usualTracking() {
 
 std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source, TimeUnit times) {
   const FirstPair first{absolutePath(source.left(0)), absolutePath(source.right(0))};
-  const Json json = settingsJson(road, rule, first, markOfMask(road.options.mask), times);
+  Json json = settingsJson(road, rule, first, markOfMask(road.options.mask), times);
+  if (road.calibration) json["calibration"] = calibrationJson(*road.calibration);  // else the pictures are rectified
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -90,13 +90,14 @@ struct MapSample {
 // The pair is matched once, because the settings of the map come later on the road.
 MapSample mapSample(const std::string& folder) {
   MapSample sample;
-  const Pair pair = readPair(folder + "/left.png", folder + "/right.png");
+  Pair pair = readPair(folder + "/left.png", folder + "/right.png");
   const std::string path = folder + "/elevation_gt.png";
   sample.options.camera = folder + "/camera.toml";
   sample.options.noRegions = true;
   sample.truth = readHeights(path).heights;
   const Road road = roadOf(sample.options);
-  checkSize(pair, road);
+  StageTimes untold;
+  pair = fittingPair(road, std::move(pair), untold);
   checkTruth(sample.truth, Grid<uint8_t>(road.camera.mapWidthCells, road.camera.mapHeightCells), path);
   MatchOptions options = sample.options.match;
   options.range = road.settings.range;

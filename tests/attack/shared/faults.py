@@ -48,10 +48,15 @@ COMMANDS = [
     Command("evaluate tracks", "evaluate tracks walk --plot out/plot.svg"),
     Command("camera", "camera import --baseline-mm 120 --focal-px 610 --principal-x-px 319.5 --principal-y-px 239.5"
             " --width-px 640 --height-px 480 --height-mm 1200 --tilt-deg -35 -o out/camera.toml"),
+    Command("camera of a calibration", "camera import calib.txt --height-mm 1200 --tilt-deg -35 -o out/camera.toml"),
+    Command("rectify", f"rectify {SCENE} --calibration calib.txt --height-mm 1200 --tilt-deg -35 -o out"),
     Command("preview", "preview d.png -o out/preview.png"),
     Command("tune", "tune scene --trials 3 -o out/plot.svg"),
     Command("verify", "verify", every=10),
 ]
+
+# Of the cameras of a scene of 64 x 64 pixels.
+CALIBRATION = "cam0=[60 0 32; 0 60 32; 0 0 1]\ncam1=[60 0 33; 0 60 32; 0 0 1]\nbaseline=120\nwidth=64\nheight=64\n"
 
 INPUTS = [
     "synth scene --size 64x64 --scene people",
@@ -83,6 +88,7 @@ class Attack:
             raise Skipped(f"{self.library} is not built for this processor")
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir(parents=True)
+        (self.folder / "calib.txt").write_text(CALIBRATION)
         for line in INPUTS:
             subprocess.run([self.program, *line.split()], cwd=self.folder, check=True, capture_output=True)
 
