@@ -81,10 +81,38 @@ TEST_F(BadInput, DamagedPgm) {
   expectLeftRefused(Bytes("P5 2 1 4095\n\x0F\xFF\x10\x00", 16), "larger than the header's maximum");
 }
 
+TEST_F(BadInput, DamagedBmp) {
+  const Bytes whole = bmp(picture(96, 64, 8, std::vector<uint16_t>(96 * 64, 100)));
+  expectLeftRefused(whole.substr(0, whole.size() - 1), "it ends too early");
+  expectLeftRefused(whole.substr(0, 10), "it is damaged");
+  Bytes flat = whole;
+  flat[22] = flat[23] = 0;  // the height
+  expectLeftRefused(flat, "it is damaged");
+  Bytes squeezed = whole;
+  squeezed[30] = 1;  // run lengths
+  expectLeftRefused(squeezed, "of a kind that is not read");
+}
+
+TEST_F(BadInput, DamagedJpeg) {
+  const Bytes whole = jpeg(picture(96, 64, 8, std::vector<uint16_t>(96 * 64, 100)));
+  for (const size_t size : {size_t{3}, size_t{20}, whole.size() / 2, whole.size() - 2, whole.size() - 1})
+    expectLeftRefused(whole.substr(0, size),
+                      "it is damaged or of a kind that is not read (Premature end of JPEG file)");
+  Bytes flat = whole;
+  const size_t frame = whole.find("\xFF\xC0");
+  ASSERT_NE(frame, Bytes::npos);
+  flat[frame + 5] = flat[frame + 6] = 0;  // the height
+  expectLeftRefused(flat, "it is damaged");
+  Bytes huge = whole;
+  huge[frame + 5] = huge[frame + 7] = static_cast<char>(0xEA);
+  expectLeftRefused(huge, "it is too large (");
+}
+
 TEST_F(BadInput, WrongKindOfFile) {
-  expectLeftRefused("", "neither a PNG nor a binary PGM");
-  expectLeftRefused("\xFF\xD8\xFF\xE0 a JPEG", "neither a PNG nor a binary PGM");
-  expectLeftRefused("P2 1 1 255 7\n", "neither a PNG nor a binary PGM");
+  const std::string none = "neither a PNG nor a binary PGM or PPM nor a JPEG nor a BMP picture";
+  expectLeftRefused("", none);
+  expectLeftRefused("GIF89a", none);
+  expectLeftRefused("P2 1 1 255 7\n", none);
 }
 
 TEST_F(BadInput, SizesThatDiffer) {

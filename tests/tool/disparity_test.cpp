@@ -160,6 +160,34 @@ Picture coloured(const Picture& grey) {
   return colour;
 }
 
+TEST_F(Disparity, PpmHoldsColours) {
+  const std::vector<uint16_t> fromPng = disparity({});
+  writeFile(folder.path("l.ppm"), pgm(coloured(left)));
+  EXPECT_EQ(disparity({}, "l.ppm", "right.png"), fromPng);
+}
+
+TEST_F(Disparity, BmpIsWhatAPngOfEightBitsIs) {
+  const Picture l = toEight(left).narrow, r = toEight(right).narrow;
+  writePng(folder.path("l.png"), l);
+  writePng(folder.path("r.png"), r);
+  writeFile(folder.path("l.bmp"), bmp(l));
+  writeFile(folder.path("r.bmp"), bmp(r));
+  EXPECT_EQ(disparity({}, "l.bmp", "r.bmp"), disparity({}, "l.png", "r.png"));
+}
+
+// It loses something even at its best, so that most disparities are nearly those of the pair.
+TEST_F(Disparity, JpegIsNearlyWhatAPngOfEightBitsIs) {
+  const Picture l = toEight(left).narrow, r = toEight(right).narrow;
+  writePng(folder.path("l.png"), l);
+  writePng(folder.path("r.png"), r);
+  writeFile(folder.path("l.jpg"), jpeg(l));
+  writeFile(folder.path("r.JPG"), jpeg(coloured(r)));
+  const std::vector<uint16_t> exact = disparity({}, "l.png", "r.png"), lossy = disparity({}, "l.jpg", "r.JPG");
+  size_t near = 0;
+  for (size_t i = 0; i < exact.size(); ++i) near += std::abs(exact[i] - lossy[i]) <= 8;
+  EXPECT_GT(near, exact.size() * 9 / 10);
+}
+
 TEST_F(Disparity, ColoursBecomeLuminance) {
   const std::vector<uint16_t> expected = disparity({});
   writePng(folder.path("l.png"), coloured(left));

@@ -18,6 +18,10 @@
 #include <limits>
 #include <sstream>
 
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STB_IMAGE_WRITE_STATIC
+#include <stb_image_write.h>
+
 namespace nadir::test {
 
 namespace fs = std::filesystem;
@@ -51,6 +55,12 @@ Bytes bigEndian(const Picture& picture) {
   return bytes;
 }
 
+Bytes littleEndian(uint32_t value, int count) {
+  Bytes bytes;
+  for (; count > 0; --count, value >>= 8) bytes += static_cast<char>(value & 255);
+  return bytes;
+}
+
 std::vector<uint16_t> samplesOf(png_structp png, png_infop info, const Picture& picture) {
   png_bytepp rows = png_get_rows(png, info);
   std::vector<uint16_t> samples;
@@ -74,10 +84,35 @@ Picture mirrored(Picture picture) {
 
 Bytes pgm(const Picture& picture) {
   std::ostringstream header;
-  header << "P5\n# made by a test\n"
+  header << (picture.channels == 1 ? "P5" : "P6") << "\n# made by a test\n"
          << picture.width << ' ' << picture.height << '\n'
          << (picture.bits == 16 ? 65535 : 255) << '\n';
   return header.str() + bigEndian(picture);
+}
+
+Bytes bmp(const Picture& picture) {
+  const uint32_t row = (picture.width * 3 + 3) / 4 * 4, header = 54, size = header + row * picture.height;
+  Bytes bytes = "BM" + littleEndian(size, 4) + littleEndian(0, 4) + littleEndian(header, 4) + littleEndian(40, 4) +
+                littleEndian(picture.width, 4) + littleEndian(picture.height, 4) + littleEndian(1, 2) +
+                littleEndian(24, 2) + Bytes(24, '\0');
+  for (uint32_t y = picture.height; y-- > 0;) {
+    Bytes samples;
+    for (uint32_t x = 0; x < picture.width; ++x) samples += Bytes(3, static_cast<char>(picture.at(x, y)));
+    samples.resize(row);
+    bytes += samples;
+  }
+  return bytes;
+}
+
+Bytes jpeg(const Picture& picture) {
+  Bytes bytes;
+  const std::vector<uint8_t> samples(picture.samples.begin(), picture.samples.end());
+  const auto append = [](void* to, void* data, int size) {
+    static_cast<Bytes*>(to)->append(static_cast<const char*>(data), static_cast<size_t>(size));
+  };
+  EXPECT_TRUE(stbi_write_jpg_to_func(append, &bytes, static_cast<int>(picture.width), static_cast<int>(picture.height),
+                                     static_cast<int>(picture.channels), samples.data(), 100));
+  return bytes;
 }
 
 Picture readPng(const std::string& path) {

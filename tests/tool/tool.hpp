@@ -22,7 +22,9 @@ struct Picture {
 Picture picture(uint32_t width, uint32_t height, uint32_t bits, std::vector<uint16_t> samples);
 Picture mirrored(Picture picture);
 
-Bytes pgm(const Picture& picture);
+Bytes pgm(const Picture& picture);   // of three channels: PPM
+Bytes bmp(const Picture& picture);   // one channel of 8 bits, stored as three
+Bytes jpeg(const Picture& picture);  // 8 bits, of the best quality
 
 // A PNG that libpng reads and writes for the tests; an unreadable file fails the test and gives an empty picture.
 Picture readPng(const std::string& path);

@@ -110,7 +110,8 @@ void addDisparityCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("disparity", "Match a rectified pair; write its disparities and a preview.");
   command
       ->add_option("LEFT", options->left,
-                   "Left picture: PNG or binary PGM, 8 or 16 bits, grey or colour (made grey). 16-bit values are "
+                   "Left picture: PNG, binary PGM or PPM, of 8 or 16 bits, JPEG or BMP, grey or colour (made grey). "
+                   "16-bit values are "
                    "taken as they are, best in the range of a 12-bit camera (0 to 4095), and 0 means no data; 8-bit "
                    "values are multiplied by 16, black included (it becomes 1)")
       ->required();

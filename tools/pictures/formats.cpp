@@ -7,16 +7,20 @@
 #include <iterator>
 
 #include "tools/base/error.hpp"
-#include "tools/pictures/pgm.hpp"
+#include "tools/pictures/bmp.hpp"
+#include "tools/pictures/jpeg.hpp"
 #include "tools/pictures/png.hpp"
+#include "tools/pictures/pnm.hpp"
 
 namespace nadir::tool {
 
 namespace {
 
-constexpr PictureFormat formats[] = {
-    {".png", "a PNG", isPng, decodePng},
-    {".pgm", "a binary PGM", isPgm, decodePgm},
+const PictureFormat formats[] = {
+    {{".png"}, "a PNG", isPng, decodePng},
+    {{".pgm", ".ppm", ".pnm"}, "a binary PGM or PPM", isPnm, decodePnm},
+    {{".jpg", ".jpeg"}, "a JPEG", isJpeg, decodeJpeg},
+    {{".bmp"}, "a BMP", isBmp, decodeBmp},
 };
 
 std::string inCapitals(std::string letters) {
@@ -35,8 +39,9 @@ std::string noneOfThem() {
 
 bool hasPictureEnding(const std::string& name) {
   const std::string ending = std::filesystem::path(name).extension().string();
+  const auto isThis = [&](const char* known) { return ending == known || ending == inCapitals(known); };
   return std::any_of(std::begin(formats), std::end(formats), [&](const PictureFormat& format) {
-    return ending == format.ending || ending == inCapitals(format.ending);
+    return std::any_of(format.endings.begin(), format.endings.end(), isThis);
   });
 }
 

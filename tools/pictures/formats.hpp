@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tools/files/files.hpp"
 #include "tools/pictures/raster.hpp"
@@ -9,10 +10,10 @@
 namespace nadir::tool {
 
 struct PictureFormat {
-  const char* ending;              // of its files' names, in small letters
-  const char* name;                // with its article, before the word "picture" in the sentence about a file of none
-  bool (*probe)(const Bytes&);     // true where the bytes begin as a picture of this format does
-  Raster (*decode)(const Bytes&);  // throws Error with the reason alone, for a sentence that names the file
+  std::vector<const char*> endings;  // of its files' names, in small letters
+  const char* name;                  // with its article, before the word "picture" in the sentence about a file of none
+  bool (*probe)(const Bytes&);       // true where the bytes begin as a picture of this format does
+  Raster (*decode)(const Bytes&);    // throws Error with the reason alone, for a sentence that names the file
 };
 
 // True for the name of a file that ends as pictures do, in small or in capital letters.

@@ -1,5 +1,5 @@
-// Decodes binary PGM.
-#include "tools/pictures/pgm.hpp"
+// Decodes binary PGM and PPM.
+#include "tools/pictures/pnm.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -22,7 +22,7 @@ class Header {
     const char *const bytes = reinterpret_cast<const char*>(bytes_.data()), *const start = bytes + at_;
     uint32_t value = 0;
     const auto [end, error] = std::from_chars(start, bytes + bytes_.size(), value);
-    if (end == start) throw Error("it is damaged (its header is not that of a PGM picture)");
+    if (end == start) throw Error("it is damaged (its header is not that of a PGM or PPM picture)");
     if (error != std::errc() || value > 65535) throw Error("a number of its header is too large");
     at_ = static_cast<size_t>(end - bytes);
     return value;
@@ -71,11 +71,12 @@ void stretch(std::vector<uint16_t>& samples, uint32_t maximum) {
 
 }  // namespace
 
-bool isPgm(const Bytes& bytes) { return bytes.size() >= 2 && bytes[0] == 'P' && bytes[1] == '5'; }
+bool isPnm(const Bytes& bytes) { return bytes.size() >= 2 && bytes[0] == 'P' && (bytes[1] == '5' || bytes[1] == '6'); }
 
-Raster decodePgm(const Bytes& bytes) {
+Raster decodePnm(const Bytes& bytes) {
   Header header(bytes);
   Raster raster;
+  raster.channels = bytes[1] == '6' ? 3 : 1;
   raster.width = header.number();
   raster.height = header.number();
   const uint32_t maximum = header.number();
@@ -83,7 +84,7 @@ Raster decodePgm(const Bytes& bytes) {
   checkRasterSize(raster.width, raster.height);
   raster.bits = maximum > 255 ? 16 : 8;
 
-  const size_t count = size_t{raster.width} * raster.height;
+  const size_t count = size_t{raster.width} * raster.height * raster.channels;
   const size_t sampleSize = raster.bits / 8;
   if (bytes.size() < header.end() + count * sampleSize) throw Error("it is damaged (it ends too early)");
   raster.samples.resize(count);
