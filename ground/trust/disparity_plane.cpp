@@ -31,16 +31,30 @@ Mount mountOf(const DisparityPlane& plane, const StereoCtx& context, double colu
   return {1 / inverse, directionDeg(sine, std::sqrt(aboveZero(1 - sine * sine))), directionDeg(x, z)};
 }
 
-void PlaneEquations::add(double x, double y, double disparity) {
-  n_ += 1;
-  x_ += x;
-  y_ += y;
-  xx_ += x * x;
-  xy_ += x * y;
-  yy_ += y * y;
-  d_ += disparity;
-  xd_ += x * disparity;
-  yd_ += y * disparity;
+void PlaneEquations::addWeighted(double x, double y, double weight, double weightedDisparity) {
+  n_ += weight;
+  x_ += weight * x;
+  y_ += weight * y;
+  xx_ += weight * (x * x);
+  xy_ += weight * (x * y);
+  yy_ += weight * (y * y);
+  d_ += weightedDisparity;
+  xd_ += x * weightedDisparity;
+  yd_ += y * weightedDisparity;
+}
+
+PlaneEquations PlaneEquations::without(const PlaneEquations& part) const {
+  PlaneEquations rest;
+  rest.n_ = n_ - part.n_;
+  rest.x_ = x_ - part.x_;
+  rest.y_ = y_ - part.y_;
+  rest.xx_ = xx_ - part.xx_;
+  rest.xy_ = xy_ - part.xy_;
+  rest.yy_ = yy_ - part.yy_;
+  rest.d_ = d_ - part.d_;
+  rest.xd_ = xd_ - part.xd_;
+  rest.yd_ = yd_ - part.yd_;
+  return rest;
 }
 
 // The adjugate over the determinant, for the unknowns per column, per row and at the origin.

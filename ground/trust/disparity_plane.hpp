@@ -34,7 +34,15 @@ Mount mountOf(const DisparityPlane& plane, const StereoCtx& context, double colu
 // The normal equations of a plane through points, by least squares.
 class PlaneEquations {
  public:
-  void add(double x, double y, double disparity);
+  void add(double x, double y, double disparity) { addWeighted(x, y, 1, disparity); }
+
+  // weightedDisparity is the weight times the disparity.
+  void addWeighted(double x, double y, double weight, double weightedDisparity);
+
+  bool isEmpty() const { return n_ == 0; }
+
+  // Those of the points that are not `part` of these.
+  PlaneEquations without(const PlaneEquations& part) const;
 
   // False where the points lie on one line, or are fewer than three.
   bool solve(DisparityPlane& plane) const;

@@ -34,12 +34,6 @@ constexpr double leastCluster = 0.18, largestScatter = 0.43, mostBelowCluster = 
 // Tolerances: a pan that is off by 5 degrees differs by 1.7 in the smallest pictures, 160 x 120 pixels.
 constexpr double alike = 1.5;
 
-bool clusters(const Agreement& a) {
-  const auto blocks = static_cast<double>(a.blocks);
-  return static_cast<double>(a.on) >= leastCluster * blocks && a.scatter <= largestScatter &&
-         static_cast<double>(a.below) <= mostBelowCluster * blocks;
-}
-
 // The blocks that hypotheses are tried on, each number in a row of its own, in single precision: what is counted over
 // and over is counted in vectors then.
 struct Sample {
@@ -100,6 +94,12 @@ FoundGround searchedGround(const Block* blocks, size_t count) {
   for (int i = 0; i < refinements; ++i) refine(found.plane, blocks, count, 1);
   found.agreement = agreementOf(found.plane, blocks, count);
   return found;
+}
+
+bool clusters(const Agreement& a) {
+  const auto blocks = static_cast<double>(a.blocks);
+  return static_cast<double>(a.on) >= leastCluster * blocks && a.scatter <= largestScatter &&
+         static_cast<double>(a.below) <= mostBelowCluster * blocks;
 }
 
 bool isThere(const Agreement& expected, const Agreement& best) {

@@ -15,6 +15,9 @@ struct FoundGround {
 // is the plane.
 FoundGround searchedGround(const Block* blocks, size_t count);
 
+// True where blocks lie on a plane in one piece with little below it: the ground, whatever else fills the picture.
+bool clusters(const Agreement& agreement);
+
 // True where the expected ground holds its own against the best plane there is, or is ground for itself: see
 // docs/trust.md for the figures.
 bool isThere(const Agreement& expected, const Agreement& best);

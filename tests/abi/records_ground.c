@@ -3,6 +3,7 @@
  * something, and processors that align 64-bit members differently agree. Compiling this file is the test; it is
  * compiled as C and, through records_ground.cpp, as C++. */
 #include <nadir/ground.h>
+#include <nadir/level.h>
 #include <nadir/rectify.h>
 
 #include "tests/abi/holds.h"
@@ -272,3 +273,20 @@ NEXT(NadirRectifiedView, rotation, double, focal_px);
 NEXT(NadirRectifiedView, focal_px, double, principal_x_px);
 NEXT(NadirRectifiedView, principal_x_px, double, principal_y_px);
 LAST(NadirRectifiedView, principal_y_px, 112, 112);
+
+typedef double doubleThree[3];
+FIRST(NadirLevelled, uint32_t, size);
+NEXT(NadirLevelled, size, uint32_t, pairs);
+NEXT(NadirLevelled, pairs, double, height_mm);
+NEXT(NadirLevelled, height_mm, double, tilt_deg);
+NEXT(NadirLevelled, tilt_deg, double, pan_deg);
+NEXT(NadirLevelled, pan_deg, double, height_deviation_mm);
+NEXT(NadirLevelled, height_deviation_mm, double, tilt_deviation_deg);
+NEXT(NadirLevelled, tilt_deviation_deg, double, pan_deviation_deg);
+NEXT(NadirLevelled, pan_deviation_deg, double, axis_below_horizon_deg);
+NEXT(NadirLevelled, axis_below_horizon_deg, double, roll_deg);
+NEXT(NadirLevelled, roll_deg, double, axis_deviation_deg);
+NEXT(NadirLevelled, axis_deviation_deg, double, roll_deviation_deg);
+NEXT(NadirLevelled, roll_deviation_deg, double, floor_share);
+NEXT(NadirLevelled, floor_share, doubleThree, plane);
+LAST(NadirLevelled, plane, 120, 120);

@@ -1,6 +1,7 @@
 /* Every exported function of libnadirground with its type, as signatures.c does it for libnadir. That it links and
  * starts as a C program shows that it needs no C++ runtime. */
 #include <nadir/ground.h>
+#include <nadir/level.h>
 #include <nadir/rectify.h>
 
 const char* (*is_nadir_status_text)(NadirStatus) = nadir_status_text;
@@ -48,5 +49,11 @@ NadirStatus (*is_nadir_rectifier_process)(const NadirRectifier*, uint32_t, const
                                           size_t) = nadir_rectifier_process;
 NadirStatus (*is_nadir_rectifier_source)(const NadirRectifier*, uint32_t, uint32_t, double*,
                                          double*) = nadir_rectifier_source;
+size_t (*is_nadir_level_bytes)(const NadirRoad*) = nadir_level_bytes;
+NadirStatus (*is_nadir_level_create)(const NadirRoad*, NadirLevel**) = nadir_level_create;
+void (*is_nadir_level_destroy)(NadirLevel*) = nadir_level_destroy;
+NadirStatus (*is_nadir_level_add)(NadirLevel*, const NadirFrame*, const NadirResult*) = nadir_level_add;
+NadirStatus (*is_nadir_level_read)(const NadirLevel*, NadirLevelled*) = nadir_level_read;
+NadirStatus (*is_nadir_level_taken)(const NadirLevel*, NadirPlane*) = nadir_level_taken;
 
 int main(void) { return 0; }

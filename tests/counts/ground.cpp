@@ -1,6 +1,7 @@
 // Calls of ground.h. The road is walked once, with given disparities: so its count is that of everything behind the
 // match.
 #include <nadir/ground.h>
+#include <nadir/level.h>
 
 #include <cmath>
 #include <vector>
@@ -103,6 +104,24 @@ void callFrame(NadirRoad* road, NadirResult* result) {
   found(nadir_road_ground_plane(road, &frame, result, &plane));
 }
 
+// The ground of disparities() with its boxes, as intensities show it.
+void callLevel(const NadirRoad* road, const NadirResult* result) {
+  const lab::TexturedPair pair = lab::texturedPair(width, height);
+  const std::vector<float> disparity = disparities();
+  NadirFrame frame = lab::frameOf(pair.first.data(), pair.reference.data(), width);
+  frame.disparity = disparity.data();
+  frame.disparity_stride = width * sizeof(float);
+  NadirLevelled levelled = lab::emptyRecord<NadirLevelled>();
+  NadirPlane taken;
+  NadirLevel* level;
+  done(nadir_level_bytes(road) > 0);
+  found(nadir_level_create(road, &level));
+  found(nadir_level_add(level, &frame, result));
+  found(nadir_level_read(level, &levelled));
+  found(nadir_level_taken(level, &taken));
+  nadir_level_destroy(level);
+}
+
 }  // namespace
 
 void callGround() {
@@ -120,6 +139,7 @@ void callGround() {
   found(nadir_result_create(road, &result));
   callFrame(road, result);
   callTracker(road, result);
+  callLevel(road, result);
   callWarnings();
   done(nadir_status_text(NADIR_OK) != nullptr);
   nadir_result_destroy(result);

@@ -1,4 +1,7 @@
 // Results of the road from a pair of pictures to what stands on the ground.
+#include <nadir/level.h>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -204,6 +207,39 @@ Fingerprint tracked() {
   return lab::addAverage(lab::addTrack(hash.add(saved), other, 1), other);
 }
 
+void addLevelled(Fingerprint& hash, const NadirLevel* level) {
+  NadirLevelled found = lab::emptyRecord<NadirLevelled>();
+  NadirPlane taken{};
+  hash.add(nadir_level_read(level, &found)).add(found.pairs);
+  for (const double value : {found.height_mm, found.tilt_deg, found.pan_deg, found.height_deviation_mm,
+                             found.tilt_deviation_deg, found.pan_deviation_deg, found.axis_below_horizon_deg,
+                             found.roll_deg, found.axis_deviation_deg, found.roll_deviation_deg, found.floor_share})
+    lab::addReal(hash, value);
+  if (nadir_level_taken(level, &taken) == NADIR_OK) lab::addPlane<uint8_t>(hash, taken);
+}
+
+// Two pairs, the second mirrored top to bottom, whose floors contradict each other.
+Fingerprint levelled() {
+  const lab::TexturedPair pair = lab::texturedPair(320, 240);
+  lab::RoadPlan plan = lab::planOf(lab::cameraOver(pair));
+  plan.settings.until = NADIR_UNTIL_MAP;
+  lab::Road road(plan);
+  NadirLevel* level = nullptr;
+  lab::demand(nadir_level_create(road.road(), &level));
+  Fingerprint hash;
+  for (const bool mirrored : {false, true}) {
+    std::vector<uint16_t> left = pair.first, right = pair.reference;
+    if (mirrored) std::reverse(left.begin(), left.end()), std::reverse(right.begin(), right.end());
+    const NadirFrame frame = mirrored ? lab::frameOf(right.data(), left.data(), pair.width)
+                                      : lab::frameOf(left.data(), right.data(), pair.width);
+    road.findings(frame);
+    hash.add(nadir_level_add(level, &frame, road.result()));
+    addLevelled(hash, level);
+  }
+  nadir_level_destroy(level);
+  return hash;
+}
+
 }  // namespace
 
 std::vector<Case> groundCases() {
@@ -217,7 +253,8 @@ std::vector<Case> groundCases() {
           {"RoadParted", parted},
           {"RoadRanges", ranges},
           {"RoadGiven", given},
-          {"RoadTracked", tracked}};
+          {"RoadTracked", tracked},
+          {"Levelled", levelled}};
 }
 
 }  // namespace nadir::test::golden

@@ -1,5 +1,6 @@
 // Each object of the road is one block whose bytes are known before, and nothing else asks for memory.
 #include <gtest/gtest.h>
+#include <nadir/level.h>
 
 #include <functional>
 #include <string>
@@ -83,6 +84,14 @@ std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan
       {"rectifier", createRectifier, rectifierBytes(), 0}};
 }
 
+NadirStatus createLevel(const NadirRoad* road) {
+  NadirLevel* level = untouched<NadirLevel>();
+  const NadirStatus status = nadir_level_create(road, &level);
+  EXPECT_EQ(status != NADIR_OK, level == untouched<NadirLevel>());
+  if (status == NADIR_OK) nadir_level_destroy(level);
+  return status;
+}
+
 std::vector<lab::RoadPlan> plans() {
   std::vector<lab::RoadPlan> all;
   for (const uint32_t until : lab::everyEnd) {
@@ -96,7 +105,10 @@ template <class Check>
 void forEachCreation(Check check) {
   for (const lab::RoadPlan& plan : plans()) {
     const lab::Road road(plan);
-    for (const Creation& c : creations(road, plan)) {
+    std::vector<Creation> all = creations(road, plan);
+    if (plan.settings.until != NADIR_UNTIL_MATCH)
+      all.push_back({"level", [&road] { return createLevel(road.road()); }, nadir_level_bytes(road.road()), 0});
+    for (const Creation& c : all) {
       SCOPED_TRACE(c.name + ", until " + std::to_string(plan.settings.until));
       check(c);
     }
@@ -179,6 +191,20 @@ TEST(RoadAlloc, RectifyingTakesNoMemory) {
   lab::demand(nadir_rectifier_process(rectifier.get(), 16, picture.data(), 100, out.data(), 80));
   lab::demand(nadir_rectifier_source(rectifier.get(), 20, 15, &x, &y));
   EXPECT_EQ(heap::allocations(), 0u);
+}
+
+TEST(RoadAlloc, LevellingTakesNoMemory) {
+  lab::Road road(fullPlan());
+  NadirLevel* level = nullptr;
+  lab::demand(nadir_level_create(road.road(), &level));
+  const NadirFrame frame = pairFrame();
+  road.findings(frame);
+  NadirLevelled found = lab::emptyRecord<NadirLevelled>();
+  heap::watch();
+  nadir_level_add(level, &frame, road.result());
+  nadir_level_read(level, &found);
+  EXPECT_EQ(heap::allocations(), 0u);
+  nadir_level_destroy(level);
 }
 
 // The heap hands out blocks full of other bytes than 0, and frames leave their own behind.
