@@ -55,12 +55,7 @@ bool succeeds(Decoder& decoder, Work work) {
 
 class Jpeg {
  public:
-  explicit Jpeg(const Bytes& bytes) {
-    decoder_.state.err = jpeg_std_error(&decoder_.errors);
-    decoder_.state.client_data = &decoder_;
-    decoder_.errors.error_exit = leave;
-    decoder_.errors.emit_message = leaveAtWarnings;
-    decoder_.progress.progress_monitor = countScans;
+  explicit Jpeg(const Bytes& bytes) : Jpeg() {
     attempt([&](jpeg_decompress_struct& state) {
       jpeg_create_decompress(&state);
       state.progress = &decoder_.progress;
@@ -85,6 +80,15 @@ class Jpeg {
   }
 
  private:
+  // What is read after this one is done is given back where reading fails.
+  Jpeg() {
+    decoder_.state.err = jpeg_std_error(&decoder_.errors);
+    decoder_.state.client_data = &decoder_;
+    decoder_.errors.error_exit = leave;
+    decoder_.errors.emit_message = leaveAtWarnings;
+    decoder_.progress.progress_monitor = countScans;
+  }
+
   static void readRows(jpeg_decompress_struct& state, uint8_t* samples, size_t stride) {
     jpeg_start_decompress(&state);
     while (state.output_scanline < state.output_height) {
