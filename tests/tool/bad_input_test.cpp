@@ -159,7 +159,8 @@ TEST_F(BadInput, EmptyColourRange) {
 
 TEST_F(BadInput, UnwritableTarget) {
   expectRefused({"disparity", "left.png", "right.png", "-o", "none/d.png"}, "cannot write none/d.png: No such file");
-  expectRefused({"disparity", "left.png", "right.png", "-o", "/dev/null"}, "it is not a plain file");
+  std::filesystem::create_symlink("/dev/null", folder.path("null.png"));
+  expectRefused({"disparity", "left.png", "right.png", "-o", "null.png"}, "it is not a plain file");
   std::filesystem::create_directory(folder.path("taken.png"));
   expectRefused({"disparity", "left.png", "right.png", "-o", "taken.png"}, "it is not a plain file");
   expectRefused({"synth", "none/below"}, "cannot make the folder none/below");
@@ -191,7 +192,6 @@ TEST_F(BadInput, AnOutputThatIsAnInput) {
       {{"preview", "disparity_gt.png", "-o", "disparity_gt.png"}, "disparity_gt.png"},
       {{"evaluate", "disparity_left_gt.png", "disparity_gt.png", "--error-map", "disparity_gt.png"},
        "disparity_gt.png"},
-      {{"tune", ".", "--trials", "2", "-o", "left.png"}, "left.png"},
       {{"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "result", "--mask", "result/regions.png"},
        "result/regions.png"},
       {{"camera", "import", "c.yml", "--unit-mm", "1", "-o", "c.yml"}, "c.yml"}};

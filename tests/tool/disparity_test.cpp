@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "tests/tool/tool.hpp"
 
@@ -114,6 +115,54 @@ TEST_F(Disparity, TextsTellHowToReadIt) {
   const Picture usual = readPng(folder.path("d.png"));
   EXPECT_EQ(usual.text.at("nadir:grid"), "left");
   EXPECT_EQ(usual.text.at("nadir:post-processing"), "yes");
+}
+
+// ---- kinds of output ----
+
+float floatAt(const Bytes& bytes, size_t at) {
+  uint32_t bits = 0;
+  for (size_t i = 4; i-- > 0;) bits = bits << 8 | static_cast<uint8_t>(bytes[at + i]);
+  float number;
+  std::memcpy(&number, &bits, sizeof number);
+  return number;
+}
+
+TEST_F(Disparity, NpyHoldsPixelsFromTheTopDown) {
+  const std::vector<uint16_t> sixteenths = disparity({});
+  ASSERT_EQ(folder.run({"disparity", "left.png", "right.png", "-o", "d.npy", "--no-preview"}).status, 0);
+  const Bytes npy = readFile(folder.path("d.npy"));
+  const Bytes header = npy.substr(0, npy.find('\n') + 1);
+  EXPECT_EQ(header.size() % 64, 0u);
+  EXPECT_EQ(header.substr(0, 8), Bytes("\x93NUMPY\x01\0", 8));
+  EXPECT_EQ(static_cast<uint8_t>(header[8]) + 256 * static_cast<uint8_t>(header[9]) + 10u, header.size());
+  EXPECT_NE(header.find("{'descr': '<f4', 'fortran_order': False, 'shape': (200, 320), }"), Bytes::npos);
+  ASSERT_EQ(npy.size(), header.size() + 4 * sixteenths.size());
+  for (size_t i = 0; i < sixteenths.size(); ++i) {
+    const float pixels = floatAt(npy, header.size() + 4 * i);
+    ASSERT_TRUE(sixteenths[i] ? pixels * 16 == sixteenths[i] : std::isnan(pixels)) << i << ": " << pixels;
+  }
+}
+
+TEST_F(Disparity, PfmHoldsPixelsFromTheBottomUp) {
+  const std::vector<uint16_t> sixteenths = disparity({});
+  ASSERT_EQ(folder.run({"disparity", "left.png", "right.png", "-o", "d.PFM", "--no-preview"}).status, 0);
+  const Bytes pfm = readFile(folder.path("d.PFM")), header = "Pf\n320 200\n-1.0\n";
+  EXPECT_EQ(pfm.substr(0, header.size()), header);
+  ASSERT_EQ(pfm.size(), header.size() + 4 * sixteenths.size());
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 0; x < width; ++x) {
+      const uint16_t stored = sixteenths[size_t{height - 1 - y} * width + x];
+      const float pixels = floatAt(pfm, header.size() + 4 * (size_t{y} * width + x));
+      ASSERT_TRUE(stored ? pixels * 16 == stored : std::isinf(pixels)) << x << ", " << y << ": " << pixels;
+    }
+}
+
+TEST_F(Disparity, AnEndingThatIsNotWrittenIsRefused) {
+  const Outcome outcome = folder.run({"disparity", "left.png", "right.png", "-o", "d.tif"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.err.find("\"d.tif\" does not end as a file that can be written there: .png, .pfm, .npy"),
+            Bytes::npos)
+      << outcome.err;
 }
 
 // ---- kinds of input ----

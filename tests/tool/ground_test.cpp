@@ -210,16 +210,18 @@ TEST_F(Ground, WritesWhatIsNamed) {
   EXPECT_EQ(written({}), usual + "summary.json ");
   const Bytes map = readFile(folder.path("some/elevation.png"));
   EXPECT_EQ(written({"--write", "all"}),
-            "disparity.png elevation.png elevation.preview.png points.ply regions.picture.png regions.png "
-            "regions.preview.png summary.json ");
+            "disparity.npy disparity.pfm disparity.png elevation.npy elevation.pfm elevation.png elevation.preview.png "
+            "points.ply regions.picture.png regions.png regions.preview.png summary.json ");
   EXPECT_EQ(written({"--write", "none"}), "summary.json ");
   EXPECT_EQ(written({"--write", "map,points"}), "elevation.png points.ply summary.json ");
   EXPECT_EQ(readFile(folder.path("some/elevation.png")), map);
   EXPECT_EQ(written({"--write", "regions"}), "regions.png summary.json ");
   EXPECT_EQ(written({"--write", "disparity"}), "disparity.png summary.json ");
+  EXPECT_EQ(written({"--write", "npy"}), "disparity.npy elevation.npy summary.json ");
   EXPECT_EQ(written({"--write", "preview", "--no-regions"}), "elevation.preview.png summary.json ");
   EXPECT_EQ(written({"--write", "all", "--no-regions"}),
-            "disparity.png elevation.png elevation.preview.png points.ply summary.json ");
+            "disparity.npy disparity.pfm disparity.png elevation.npy elevation.pfm elevation.png elevation.preview.png "
+            "points.ply summary.json ");
 }
 
 TEST_F(Ground, RefusesToWriteWhatItDoesNotHave) {
@@ -234,11 +236,11 @@ TEST_F(Ground, RefusesToWriteWhatItDoesNotHave) {
     EXPECT_EQ(outcome.err, "nadir: " + sentence + "\n");
     EXPECT_FALSE(std::filesystem::exists(folder.path("some")));
   };
-  const std::string words = "map, average, regions, preview, disparity, points, all, none";
+  const std::string words = "map, average, regions, preview, disparity, points, npy, pfm, all, none";
   refuse("map,ply", 2, "--write: \"ply\" is none of " + words + "; see nadir ground --help");
   refuse("map,,points", 2, "--write: \"\" is none of " + words + "; see nadir ground --help");
   refuse("map,all", 2, "--write: \"all\" stands alone; see nadir ground --help");
-  refuse("average", 1, "--write average: a pair has only map, regions, preview, disparity, points");
+  refuse("average", 1, "--write average: a pair has only map, regions, preview, disparity, points, npy, pfm");
   refuse("regions", 1, "--write regions: --no-regions leaves them out", {"--no-regions"});
   refuse("disparity", 1, "--write disparity: with --disparity nothing is matched", {"--disparity", "d.png"});
 }

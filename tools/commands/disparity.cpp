@@ -15,7 +15,9 @@
 #include "tools/commands/options.hpp"
 #include "tools/draw/disparity_plot.hpp"
 #include "tools/files/encodings.hpp"
+#include "tools/pictures/arrays.hpp"
 #include "tools/pictures/chunks.hpp"
+#include "tools/pictures/formats.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/road/halve.hpp"
 #include "tools/road/road.hpp"
@@ -61,12 +63,19 @@ std::string previewName(const DisparityOptions& options) {
   return std::filesystem::path(options.output).replace_extension(".preview.png").string();
 }
 
+Bytes encodedDisparity(const DisparityOptions& options, const Grid<uint16_t>& disparity) {
+  const std::string ending = endingOf(options.output);
+  if (ending == ".png") return encodePng(disparity, texts(options));
+  const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
+  return ending == ".pfm" ? encodePfm(pixels) : encodeNpy(pixels);
+}
+
 void writeOutputs(const DisparityOptions& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
   const auto preview = [&] {
     const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
     return encodeDisparityPlot(pixels, usualRange(pixels));
   };
-  std::vector<Encoding> encodings = {{options.output, [&] { return encodePng(disparity, texts(options)); }}};
+  std::vector<Encoding> encodings = {{options.output, [&] { return encodedDisparity(options, disparity); }}};
   if (!options.noPreview) encodings.push_back({previewName(options), preview});
   writeAll(encodings, files);
   files.commit();
@@ -119,13 +128,16 @@ void addDisparityCommand(CLI::App& app) {
       ->required();
   command
       ->add_option("-o,--output", options->output,
-                   "16-bit grey PNG that receives the disparities: pixels x 16, 0 for none")
+                   "Receives the disparities: a 16-bit grey PNG of pixels x 16, 0 for none; or, by its ending, "
+                   "floating-point pixels as .pfm (infinity for none) or .npy (NaN for none)")
       ->required()
+      ->check(endingIn({".png", ".pfm", ".npy"}))
       ->type_name("FILE");
   CLI::Option* preview =
       command
           ->add_option("--preview", options->preview,
                        "Preview in colours with a scale in pixels, PNG (default: the output's name with .preview.png)")
+          ->check(endingIn({".png"}))
           ->type_name("FILE");
   command->add_flag("--no-preview", options->noPreview, "Write no preview")->excludes(preview);
   addCalibrationOptions(*command, options->calibration,

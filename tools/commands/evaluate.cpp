@@ -191,6 +191,7 @@ void addEvaluateCommand(CLI::App& app) {
       command
           ->add_option("--error-map", options->errorMap,
                        "PNG that receives a picture of the signed errors: blue too small, red too large, grey unknown")
+          ->check(endingIn({".png"}))
           ->type_name("FILE");
   addNumber(*command, "--error-range", options->errorRange, positiveNumber(),
             "Error at the ends of the map's colours (default: 2 pixels, 100 mm)", "N")
@@ -200,6 +201,7 @@ void addEvaluateCommand(CLI::App& app) {
   CLI::Option* plot = command
                           ->add_option("--plot", options->plot,
                                        "SVG that receives the tracked height of an area over time, of a sequence")
+                          ->check(endingIn({".svg"}))
                           ->type_name("FILE");
   command->add_option("--area", options->area, "The area that is plotted (default: the first)")
       ->needs(plot)

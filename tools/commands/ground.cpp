@@ -8,11 +8,13 @@
 #include <memory>
 
 #include "tools/base/error.hpp"
+#include "tools/base/known_values.hpp"
 #include "tools/base/warnings.hpp"
 #include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
 #include "tools/files/encodings.hpp"
+#include "tools/pictures/arrays.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
@@ -58,11 +60,19 @@ std::vector<Output> outputsOf(const Road& road, const PairResult& r) {
   const auto regions = [&, percentile] {
     return encodePng(gridOf<uint16_t>(r.findings.labels), regionTexts(road.context, percentile));
   };
+  const auto pixels = [&] { return unpacked(gridOf<uint16_t>(r.findings.disparity), SGM_DISP_SCALE); };
+  const auto heights = [&] { return unpacked(gridOf<uint16_t>(r.findings.heights), 1); };
   std::vector<Output> outputs;
   if (r.findings.disparity.data) outputs.push_back({Product::disparity, "disparity.png", disparity});
   outputs.push_back({Product::map, "elevation.png", map});
   outputs.push_back({Product::preview, "elevation.preview.png", mapPreview});
   outputs.push_back({Product::points, "points.ply", points});
+  outputs.push_back({Product::npy, "elevation.npy", [=] { return encodeNpy(heights()); }});
+  outputs.push_back({Product::pfm, "elevation.pfm", [=] { return encodePfm(heights()); }});
+  if (r.findings.disparity.data) {
+    outputs.push_back({Product::npy, "disparity.npy", [=] { return encodeNpy(pixels()); }});
+    outputs.push_back({Product::pfm, "disparity.pfm", [=] { return encodePfm(pixels()); }});
+  }
   if (!road.findsRegions()) return outputs;
   outputs.push_back({Product::regions, "regions.png", regions});
   outputs.push_back({Product::preview, "regions.preview.png", [&] { return encodeRegionMap(road, r); }});
@@ -241,7 +251,7 @@ CLI::Option* addTimesOption(CLI::App& command, TimeRule& rule) {
 void addWriteOption(CLI::App& command, std::string& words) {
   const std::string help =
       "What to write beside summary.json or frames.jsonl, words with commas between them: " + productNames() +
-      "; a sequence has map and average alone (default: all but points)";
+      "; a sequence has map and average alone (default: all but points, npy and pfm)";
   command.add_option("--write", words, help)->check(CLI::Validator(mistakeInProducts, ""))->type_name("WORDS");
 }
 
@@ -321,7 +331,9 @@ void addGroundCommand(CLI::App& app) {
       "  regions.preview.png     preview: regions and areas of interest on the elevation map\n"
       "  regions.picture.png     preview: the same on the measured picture\n"
       "  disparity.png           disparity: pixels x 16, 0 none\n"
-      "  points.ply              points: the measured points, mm; the only file that is not written by default\n"
+      "  points.ply              points: the measured points, mm; it and those below are written where they are named\n"
+      "  elevation.npy/.pfm      npy, pfm: the elevation map as floating-point mm, NaN or infinity unseen\n"
+      "  disparity.npy/.pfm      npy, pfm: disparities as floating-point pixels, NaN or infinity for none\n"
       "  summary.json            always: every region and what stands in every area, in mm and m2, warnings and how "
       "far\n"
       "                          the result can be trusted; see docs/ground.md\n"

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tools/base/in_order.hpp"
+#include "tools/pictures/formats.hpp"
 
 namespace nadir::tool {
 
@@ -35,6 +36,19 @@ std::string helpWith(std::string help, const std::string& range, const std::stri
   replaceIn(help, "{range}", range);
   replaceIn(help, "{default}", defaultValue);
   return help;
+}
+
+CLI::Validator endingIn(std::vector<std::string> endings) {
+  const auto mistake = [endings](const std::string& name) {
+    if (name.empty()) return std::string();  // which is told better where it is written
+    std::string known;
+    for (const std::string& ending : endings) {
+      if (endingOf(name) == ending) return std::string();
+      known += (known.empty() ? "" : ", ") + ending;
+    }
+    return "\"" + name + "\" does not end as a file that can be written there: " + known;
+  };
+  return {mistake, ""};
 }
 
 CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help) {

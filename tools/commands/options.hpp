@@ -41,6 +41,9 @@ CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, 
       ->type_name("VIEW");
 }
 
+// Lets names of files pass that end as one of these (".png"), in small or capital letters.
+CLI::Validator endingIn(std::vector<std::string> endings);
+
 CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help);
 
 // --check, --support, --refine and --range, which takes one of these words.

@@ -35,7 +35,10 @@ void addPreviewCommand(CLI::App& app) {
   auto options = std::make_shared<PreviewOptions>();
   CLI::App* command = app.add_subcommand("preview", "Draw a disparity picture in colours with a scale in pixels.");
   command->add_option("DISPARITY", options->input, "16-bit grey PNG of disparities, 0 for none")->required();
-  command->add_option("-o,--output", options->output, "PNG that receives the preview")->required()->type_name("FILE");
+  command->add_option("-o,--output", options->output, "PNG that receives the preview")
+      ->required()
+      ->check(endingIn({".png"}))
+      ->type_name("FILE");
   command
       ->add_option("--range", options->range,
                    "Disparities at the two ends of the colours, pixels (default: those of the picture without the "

@@ -123,6 +123,7 @@ void addTuneCommand(CLI::App& app) {
   addNumber(*command, "--trials", options->maxTrials, wholeNumberFrom(2, 100),
             "Trials at most, {range} (default: {default})", "N");
   command->add_option("-o,--output", options->plot, "Receives a plot of the trials, SVG (default: none)")
+      ->check(endingIn({".svg"}))
       ->type_name("FILE");
   command->footer(
       settingList() +

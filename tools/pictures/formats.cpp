@@ -23,11 +23,6 @@ const PictureFormat formats[] = {
     {{".bmp"}, "a BMP", isBmp, decodeBmp},
 };
 
-std::string inCapitals(std::string letters) {
-  for (char& letter : letters) letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-  return letters;
-}
-
 std::string noneOfThem() {
   std::string names;
   for (const PictureFormat& format : formats)
@@ -37,11 +32,15 @@ std::string noneOfThem() {
 
 }  // namespace
 
+std::string endingOf(const std::string& name) {
+  std::string ending = std::filesystem::path(name).extension().string();
+  for (char& letter : ending) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  return ending;
+}
+
 bool hasPictureEnding(const std::string& name) {
-  const std::string ending = std::filesystem::path(name).extension().string();
-  const auto isThis = [&](const char* known) { return ending == known || ending == inCapitals(known); };
-  return std::any_of(std::begin(formats), std::end(formats), [&](const PictureFormat& format) {
-    return std::any_of(format.endings.begin(), format.endings.end(), isThis);
+  return std::any_of(std::begin(formats), std::end(formats), [ending = endingOf(name)](const PictureFormat& format) {
+    return std::find(format.endings.begin(), format.endings.end(), ending) != format.endings.end();
   });
 }
 

@@ -16,6 +16,9 @@ struct PictureFormat {
   Raster (*decode)(const Bytes&);    // throws Error with the reason alone, for a sentence that names the file
 };
 
+// Of a file's name, ".png", in small letters.
+std::string endingOf(const std::string& name);
+
 // True for the name of a file that ends as pictures do, in small or in capital letters.
 bool hasPictureEnding(const std::string& name);
 

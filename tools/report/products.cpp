@@ -25,6 +25,8 @@ constexpr ProductRow rows[] = {
     {Product::preview, "preview", true, false},
     {Product::disparity, "disparity", true, false},
     {Product::points, "points", true, false},
+    {Product::npy, "npy", true, false},
+    {Product::pfm, "pfm", true, false},
 };
 
 bool isOf(const ProductRow& row, Source source) { return source == Source::pair ? row.ofPair : row.ofSequence; }
@@ -89,7 +91,7 @@ Products productsNamed(const std::string& text, Source source) {
 
 Products usualProducts(Source source) {
   Products products = allOf(source);
-  products.erase(Product::points);
+  for (const Product rarelyRead : {Product::points, Product::npy, Product::pfm}) products.erase(rarelyRead);
   return products;
 }
 

@@ -6,7 +6,7 @@
 
 namespace nadir::tool {
 
-enum class Product { map, average, regions, preview, disparity, points };
+enum class Product { map, average, regions, preview, disparity, points, npy, pfm };
 using Products = std::set<Product>;
 
 enum class Source { pair, sequence };
@@ -21,7 +21,7 @@ std::string mistakeInProducts(const std::string& words);
 // the other source.
 Products productsNamed(const std::string& words, Source source);
 
-// What is written where nothing is named: points are large and few read them.
+// What is written where nothing is named: points and floating-point numbers are large and few read them.
 Products usualProducts(Source source);
 
 }  // namespace nadir::tool
