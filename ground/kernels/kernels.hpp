@@ -63,6 +63,46 @@ struct AgreedRows {
 // least  more than 0
 using SupportRow = void (*)(const AgreedRows& agreed, const uint16_t* other, size_t n, uint16_t least, uint16_t* own);
 
+// ---- pictures compared again ----
+
+// What both pictures show of one thing where disparities are known, n pixels of a row each.
+struct ComparedRow {
+  float* known;       // 1, or 0 where that cannot be told: the others are then 0 too
+  float* slope;       // the reference's pixel on the right minus the one on the left
+  float* difference;  // the first picture, at the place that the disparity names, minus the reference, times 16
+};
+
+// The pictures' row between two pixels of the first one is a straight line. It can be told where the pixels that it
+// takes, two of the first picture and three of the reference, lie inside and have data (not 0).
+using CompareRow = void (*)(const uint16_t* first, const uint16_t* reference, const uint16_t* disparity, size_t n,
+                            const ComparedRow& compared);
+
+// The neighbourhood that decides on a pixel has so many rows, and reaches so far to both sides.
+constexpr int comparedRows = 3, comparedBeside = 2;
+
+// Rows of n + 2 * comparedBeside pixels around one of n, of which the first and the last `comparedBeside` are
+// neighbours only: the row itself stands in the middle.
+struct ComparedRows {
+  const float *known[comparedRows], *slope[comparedRows], *difference[comparedRows];
+};
+
+// Where fewer can be told, none of both directions is sure.
+constexpr float leastCompared = 4;
+
+// A quarter of a pixel, in sixteenths: matchers are off by no more on surfaces, and rims pull by more.
+constexpr float furthestMove = 4;
+
+// Slopes of 40 levels of 12 bits, 20 from pixel to pixel, count as much as none at all: noise has slopes too.
+constexpr float calmSlope = 1600;
+
+// Each disparity that is not 0 moves by the Gauss-Newton step that makes the differences around it least: by twice the
+// covariance of slopes and differences over the variance of slopes and calmSlope together, to the other side. Means are
+// taken off, so that one picture may be brighter. Sums go down the columns first, then from left to right. The step is
+// bounded, rounded to whole sixteenths, halves to the even one, and ends at 1 at least.
+//
+// disparity  at most 65531
+using MoveRow = void (*)(const ComparedRows& rows, size_t n, uint16_t* disparity);
+
 // ---- places on the map ----
 
 // Disparities in pixels, the shift added; 0 where there is none: where `stored`, in 1/16 pixel, is 0, or `given`, in
@@ -131,6 +171,8 @@ struct RoadKernels {
   SupportRow support;
   CloseRow close;
   MeanRow mean;
+  CompareRow compare;
+  MoveRow move;
   PixelsOfStored pixelsOf;
   PixelsOfGiven pixelsGiven;
   PlaceRow place;

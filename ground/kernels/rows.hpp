@@ -138,11 +138,12 @@ struct RoadRows {
     });
   }
 
-  // A quotient of such small whole numbers is no nearer to a half than a float can tell, unless it is one. Adding
-  // 1.5 * 2^23 leaves no bits behind the point.
+  // Added to a small number and taken off again, 1.5 * 2^23 leaves no bits behind the point.
+  static constexpr float noFraction = 12582912.0f;
+
+  // A quotient of such small whole numbers is no nearer to a half than a float can tell, unless it is one.
   [[gnu::noinline]] static void meansOf(const uint16_t* own, const uint16_t* allMore, const uint16_t* allCount,
                                         size_t n, uint16_t least, uint16_t* mean) {
-    constexpr float noFraction = 12582912.0f;
     forEachPixel(n, [=](size_t i) {
       const int32_t count = allCount[i];
       const float moved =
@@ -163,6 +164,103 @@ struct RoadRows {
       for (int k = 0; k < nearbySide; ++k)
         addClose(own, rows.disparity[k] + from, rows.more[k] + from, rows.count[k] + from, m, allMore, allCount);
       meansOf(own, allMore, allCount, m, least, mean + from);
+    }
+  }
+
+  // ---- pictures compared again ----
+
+  static constexpr size_t comparedStretch = 256;
+
+  // A stretch's pixels of the first picture on both sides of the places that disparities name. The places are cut to
+  // the row, so that they can be read before they are known to lie inside.
+  [[gnu::noinline]] static void takeNamed(const uint16_t* first, const uint16_t* disparity, size_t from, size_t m,
+                                          size_t last, uint16_t* before, uint16_t* behind) {
+    for (size_t i = 0; i < m; ++i) {
+      const size_t place = from + i + disparity[from + i] / 16u, at = place < last ? place : last;
+      before[i] = first[at];
+      behind[i] = first[at + 1];
+    }
+  }
+
+  [[gnu::noinline]] static void compareStretch(const uint16_t* before, const uint16_t* behind,
+                                               const uint16_t* reference, const uint16_t* disparity, size_t m,
+                                               int32_t room, float* known, float* slope, float* difference) {
+    forEachPixel(m, [=](size_t i) {
+      const int32_t own = reference[i], left = reference[i - 1], right = reference[i + 1];
+      const int32_t a = before[i], b = behind[i], d = disparity[i], place = static_cast<int32_t>(i) + (d >> 4);
+      const bool isKnown = (d != 0) & (place <= room) & (a != 0) & (b != 0) & (own != 0) & (left != 0) & (right != 0);
+      const int32_t kept = isKnown ? -1 : 0;
+      known[i] = static_cast<float>(kept & 1);
+      slope[i] = static_cast<float>((right - left) & kept);
+      difference[i] = static_cast<float>(((a - own) * 16 + (b - a) * (d & 15)) & kept);
+    });
+  }
+
+  static void compareInside(const uint16_t* first, const uint16_t* reference, const uint16_t* disparity, size_t n,
+                            const ComparedRow& to) {
+    for (size_t from = 1; from + 1 < n; from += comparedStretch) {
+      const size_t m = n - 1 - from < comparedStretch ? n - 1 - from : comparedStretch;
+      uint16_t before[comparedStretch], behind[comparedStretch];
+      takeNamed(first, disparity, from, m, n - 2, before, behind);
+      compareStretch(before, behind, reference + from, disparity + from, m, static_cast<int32_t>(n - 2 - from),
+                     to.known + from, to.slope + from, to.difference + from);
+    }
+  }
+
+  // The outermost pixels have a neighbour on one side alone.
+  static void compare(const uint16_t* first, const uint16_t* reference, const uint16_t* disparity, size_t n,
+                      const ComparedRow& to) {
+    if (n > 0)
+      to.known[0] = to.slope[0] = to.difference[0] = to.known[n - 1] = to.slope[n - 1] = to.difference[n - 1] = 0;
+    compareInside(first, reference, disparity, n, to);
+  }
+
+  // Sums of columns, of a stretch and of what lies beside it.
+  struct Columns {
+    using Sums = float[comparedStretch + 2 * comparedBeside];
+    Sums known, slope, difference, squares, products;
+  };
+
+  [[gnu::noinline]] static void sumColumns(const ComparedRows& rows, size_t from, size_t n, Columns& columns) {
+    const auto at = [from](const float* const* row, int k) { return row[k] + from; };
+    const float *known0 = at(rows.known, 0), *known1 = at(rows.known, 1), *known2 = at(rows.known, 2);
+    const float *slope0 = at(rows.slope, 0), *slope1 = at(rows.slope, 1), *slope2 = at(rows.slope, 2);
+    const float *more0 = at(rows.difference, 0), *more1 = at(rows.difference, 1), *more2 = at(rows.difference, 2);
+    forEachPixel(n, [=, &columns](size_t i) {
+      columns.known[i] = known0[i] + known1[i] + known2[i];
+      columns.slope[i] = slope0[i] + slope1[i] + slope2[i];
+      columns.difference[i] = more0[i] + more1[i] + more2[i];
+      columns.squares[i] = slope0[i] * slope0[i] + slope1[i] * slope1[i] + slope2[i] * slope2[i];
+      columns.products[i] = slope0[i] * more0[i] + slope1[i] * more1[i] + slope2[i] * more2[i];
+    });
+  }
+
+  static float across(const float* sums) { return sums[0] + sums[1] + sums[2] + sums[3] + sums[4]; }
+
+  static float bounded(float step) {
+    const float atLeast = step > -furthestMove ? step : -furthestMove;
+    return atLeast < furthestMove ? atLeast : furthestMove;
+  }
+
+  [[gnu::noinline]] static void moveStretch(const Columns& columns, size_t n, uint16_t* disparity) {
+    forEachPixel(n, [=, &columns](size_t i) {
+      const float count = across(columns.known + i), slope = across(columns.slope + i);
+      const float covariance = count * across(columns.products + i) - slope * across(columns.difference + i);
+      const float variance = count * across(columns.squares + i) - slope * slope + calmSlope * count * count;
+      const bool told = count >= leastCompared;
+      const float step = bounded(-2.0f * covariance / (told ? variance : 1.0f));
+      const int32_t own = disparity[i], moved = own + static_cast<int32_t>(step + noFraction - noFraction);
+      const int32_t kept = moved > 1 ? moved : 1;
+      disparity[i] = static_cast<uint16_t>(told & (own != 0) ? kept : own);
+    });
+  }
+
+  static void move(const ComparedRows& rows, size_t n, uint16_t* disparity) {
+    for (size_t from = 0; from < n; from += comparedStretch) {
+      const size_t m = n - from < comparedStretch ? n - from : comparedStretch;
+      Columns columns;
+      sumColumns(rows, from, m + 2 * comparedBeside, columns);
+      moveStretch(columns, m, disparity + from);
     }
   }
 
@@ -366,6 +464,8 @@ struct RoadRows {
     kernels.support = support;
     kernels.close = close;
     kernels.mean = mean;
+    kernels.compare = compare;
+    kernels.move = move;
     kernels.pixelsOf = pixelsOf;
     kernels.pixelsGiven = pixelsGiven;
     kernels.place = place;

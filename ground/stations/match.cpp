@@ -93,7 +93,9 @@ void finish(const Taking& taking, const MatchMemory& m, const NadirSettings& set
   if (taking.times < m.halvings)
     takeNearer(m.nearer[taking.times], taking.shape, taking.mirrored, m.cleaned, m.pass.raw);
   if (taking.frame.mask) clearMasked(m.pass.mask, taking.shape.pixels(), m.cleaned);
-  if (settings.refine) refine(m.refine, taking.shape, m.cleaned);
+  if (!settings.refine) return;
+  compare(m.compare, taking.shape, m.pass.first, m.pass.reference, m.cleaned);
+  refine(m.refine, taking.shape, m.cleaned);
 }
 
 // Counts n pixels of a row that lie in the border or not. A row has at most 65535 pixels: counters as wide as pixels
@@ -180,6 +182,7 @@ MatchMemory matchMemory(Arena& arena, const Shape& shape, const NadirSettings& s
   if (hasTurnedPass(settings)) m.turned = arena.take<uint16_t>(shape.pixels());
   if (hasPassFromOtherSide(settings)) m.otherSide = arena.take<uint16_t>(shape.pixels());
   if (hasTurnedPass(settings) && settings.support > 0) m.agreed = rowsAroundMemory(arena, shape.width);
+  if (settings.refine) m.compare = compareMemory(arena, shape);
   if (settings.refine) m.refine = refineMemory(arena, shape);
   m.halvings = halvings(settings.range, shape);
   for (uint32_t times = 1; times <= m.halvings; ++times)

@@ -6,6 +6,7 @@
 #include "ground/records/arena.hpp"
 #include "ground/records/shape.hpp"
 #include "ground/records/stages.hpp"
+#include "ground/stations/compare.hpp"
 #include "ground/stations/passes.hpp"
 #include "ground/stations/refine.hpp"
 
@@ -17,6 +18,7 @@ struct MatchMemory {
   uint16_t* cleaned;             // disparities on the matcher's grid
   uint16_t *turned, *otherSide;  // those of passes that check them; null where there is none
   uint16_t* agreed;              // likewise, rows of what they agree on
+  CompareMemory compare;         // likewise
   RefineMemory refine;           // likewise
   uint32_t halvings;             // how often the pictures are halved
   uint16_t* nearer[2];           // disparities of the view in pictures that were halved once and twice

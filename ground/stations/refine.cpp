@@ -11,15 +11,6 @@ namespace {
 // A quarter of the neighbourhood: less is an island, or a seam between surfaces.
 constexpr uint16_t leastClose = nearbySide * nearbySide / 4;
 
-// Disparities between two whole pixels are drawn to the nearer one, by a twentieth of a pixel or more; whole and half
-// ones stay where they are.
-void release(uint16_t* disparity, uint32_t n) {
-  for (uint32_t i = 0; i < n; ++i) {
-    const uint32_t part = disparity[i] % 16u, up = (part > 0) & (part < 8), down = part > 8;
-    disparity[i] = static_cast<uint16_t>(disparity[i] + up - down);
-  }
-}
-
 struct Rows {
   const RefineMemory& m;
   RowsAround disparity;
@@ -29,7 +20,6 @@ struct Rows {
 
   void take(int64_t y, const uint16_t* row) const {
     disparity.take(y, row);
-    release(disparity.row(y), disparity.width);
     roadKernels().close(disparity.padded(y), disparity.width, more(y), count(y));
   }
 

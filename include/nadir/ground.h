@@ -156,11 +156,16 @@ typedef struct NadirArea {
 
 /* The matcher's disparities wander by a fraction of a pixel about the surface that they belong to, and are drawn to
  * whole pixels ("pixel locking": M. Shimizu, M. Okutomi, "Sub-pixel estimation error cancellation on area-based
- * matching", IJCV 63(3), 2005). Refined by their surface, each that is neither a whole nor a half pixel first goes a
- * sixteenth away from the nearest whole one, and then becomes the mean over its 7 x 7 pixels, as far as they lie on
- * that surface: of those in its own column the ones that lie within three quarters of a pixel of it, and of the 7
- * around each of these in its row the ones that lie within as much of that. So the mean follows a slope. Where they are
- * fewer than 12, the disparity goes. It moves by whole sixteenths, halves to the even number of them. */
+ * matching", IJCV 63(3), 2005). Refined by their surface, each is first compared with the pictures again: it goes to
+ * where the 5 x 3 pixels around look most alike in both, by one step from the slopes of the measured view (B. Lucas, T.
+ * Kanade, "An iterative image registration technique with an application to stereo vision", IJCAI 1981), and by no
+ * more than a quarter of a pixel. One picture may be brighter than the other. Where there is little to see it hardly
+ * moves, and where fewer than 4 of these pixels can be compared not at all.
+ *
+ * Then it becomes the mean over its 7 x 7 pixels, as far as they lie on its surface: of those in its own column the
+ * ones that lie within three quarters of a pixel of it, and of the 7 around each of these in its row the ones that lie
+ * within as much of that. So the mean follows a slope. Where they are fewer than 12, the disparity goes. Both move it
+ * by whole sixteenths, halves to the even number of them. */
 #define NADIR_REFINE_NONE 0
 #define NADIR_REFINE_SURFACE 1
 

@@ -20,8 +20,8 @@ ROWS = {
         " keep_set_u8 clear_set_u8 keep_set_u16 clear_set_u16",
     "Gauss, pull-push, halving, averages over time": "gauss_across gauss_down pull push halve mean",
     "the road: pictures, opinions, points, cells, ranks":
-        "take16 take8 mirror16 mirror8 mirror_mask mirror_codes halve_known agree support close mean_close pixels_of"
-        " pixels_given place ranked rectify16 rectify8",
+        "take16 take8 mirror16 mirror8 mirror_mask mirror_codes halve_known agree support close mean_close compare move"
+        " pixels_of pixels_given place ranked rectify16 rectify8",
 }
 
 

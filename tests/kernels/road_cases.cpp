@@ -2,6 +2,7 @@
 #include <nadir/camera.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <list>
@@ -18,10 +19,16 @@ using ground::AgreeRow;
 using ground::closeness;
 using ground::CloseRow;
 using ground::CodeRow;
+using ground::comparedBeside;
+using ground::ComparedRow;
+using ground::ComparedRows;
+using ground::comparedRows;
+using ground::CompareRow;
 using ground::HalveRow;
 using ground::leastDisparity;
 using ground::MaskRow;
 using ground::MeanRow;
+using ground::MoveRow;
 using ground::nearby;
 using ground::nearbySide;
 using ground::NearRows;
@@ -241,6 +248,124 @@ void checkMean(Check& check, MeanRow, MeanRow tested) {
     tested(around, n, least, got.data());
     check.equal("mean", want, got);
   });
+}
+
+// ---- pictures compared again ----
+
+// Three numbers of each pixel: known, slope, difference.
+using ComparedNumbers = std::array<std::vector<float>, 3>;
+
+ComparedRow rowOf(std::array<Output<float>, 3>& out) { return {out[0].data(), out[1].data(), out[2].data()}; }
+
+std::array<Output<float>, 3> comparedOutputs(size_t n, Guard side) {
+  return {Output<float>(n, side), Output<float>(n, side), Output<float>(n, side)};
+}
+
+// The line between pixels i and i + 1 of a picture, at so many sixteenths behind i.
+double onTheLine(const uint16_t* picture, size_t i, uint32_t part) {
+  return picture[i] + (picture[i + 1] - picture[i]) * (part / 16.0);
+}
+
+ComparedNumbers comparedOnes(const uint16_t* first, const uint16_t* reference, const std::vector<uint16_t>& disparity) {
+  const size_t n = disparity.size();
+  ComparedNumbers out = {std::vector<float>(n), std::vector<float>(n), std::vector<float>(n)};
+  for (size_t x = 1; x + 1 < n; ++x) {
+    const size_t at = x + disparity[x] / 16u;
+    const bool inside = disparity[x] && at + 1 < n;
+    if (!inside || !reference[x - 1] || !reference[x] || !reference[x + 1] || !first[at] || !first[at + 1]) continue;
+    out[0][x] = 1;
+    out[1][x] = static_cast<float>(reference[x + 1] - reference[x - 1]);
+    out[2][x] = static_cast<float>(16 * (onTheLine(first, at, disparity[x] % 16u) - reference[x]));
+  }
+  return out;
+}
+
+// Most pixels have data, and most disparities point into the row.
+void checkCompare(Check& check, CompareRow, CompareRow tested) {
+  size_t known = 0;
+  forEachInput(check, 0, widest, [&](size_t n, Fill fill, Guard side) {
+    const auto picture = [&] {
+      std::vector<uint16_t> row = filled<uint16_t>(check.random, fill, n, 1, 65535);
+      for (uint16_t& pixel : row) pixel = check.random.below(20) ? pixel : uint16_t{0};
+      return row;
+    };
+    const Guarded<uint16_t> first(picture(), side), reference(picture(), side);
+    std::vector<uint16_t> pointing(n);
+    for (uint16_t& d : pointing)
+      d = static_cast<uint16_t>(check.random.below(9) ? check.random.below(16 * 8) : check.random.below(65532));
+    const Guarded<uint16_t> disparity(pointing, side);
+    const ComparedNumbers want = comparedOnes(first.data(), reference.data(), pointing);
+    auto wanted = comparedOutputs(n, side), got = comparedOutputs(n, side);
+    tested(first.data(), reference.data(), disparity.data(), n, rowOf(got));
+    for (size_t k = 0; k < want.size(); ++k) {
+      wanted[k].set(want[k]);
+      check.equal("number", wanted[k], got[k]);
+    }
+    for (const float one : want[0]) known += one != 0;
+  });
+  check.holds("hardly a pixel is known", known > 1000);
+}
+
+// The sums around pixel i: down the columns, and then from left to right.
+template <class Term>
+float sumAround(size_t i, Term term) {
+  float sum = 0;
+  for (size_t x = i; x < i + 2 * comparedBeside + 1; ++x) sum += term(0, x) + term(1, x) + term(2, x);
+  return sum;
+}
+
+float stepAround(const std::vector<ComparedNumbers>& rows, size_t i) {
+  const auto sum = [&](size_t kind) { return sumAround(i, [&](size_t y, size_t x) { return rows[y][kind][x]; }); };
+  const auto product = [&](size_t a, size_t b) {
+    return sumAround(i, [&](size_t y, size_t x) { return rows[y][a][x] * rows[y][b][x]; });
+  };
+  const float count = sum(0);
+  if (count < 4) return 0;
+  const float variance = count * product(1, 1) - sum(1) * sum(1) + 1600 * count * count;
+  const float covariance = count * product(1, 2) - sum(1) * sum(2);
+  return std::clamp(-2 * covariance / variance, -4.0f, 4.0f);
+}
+
+// Pixels of 12 bits, whose differences are those of a move by `off` pixels, and some of 16 bits.
+ComparedNumbers comparedRow(lab::Random& random, size_t n, float off) {
+  ComparedNumbers row = {std::vector<float>(n), std::vector<float>(n), std::vector<float>(n)};
+  const int32_t most = random.below(4) ? 4095 : 65535;
+  for (size_t i = 0; i < n; ++i) {
+    if (random.below(4) == 0) continue;
+    row[0][i] = 1;
+    row[1][i] = static_cast<float>(random.between(-most, most));
+    row[2][i] = std::nearbyint(8 * off * row[1][i]) + static_cast<float>(random.between(0, most / 8));
+  }
+  return row;
+}
+
+void checkMove(Check& check, MoveRow, MoveRow tested) {
+  size_t moved = 0;
+  const auto checkRow = [&](size_t n, Guard side) {
+    const float off = static_cast<float>(check.random.between(-10, 10)) / 20;
+    std::vector<ComparedNumbers> numbers;
+    std::list<Guarded<float>> kept;
+    ComparedRows rows = {};
+    for (int k = 0; k < comparedRows; ++k) {
+      numbers.push_back(comparedRow(check.random, n + 2 * comparedBeside, off));
+      const auto keep = [&](size_t kind) { return kept.emplace_back(numbers.back()[kind], side).data(); };
+      rows.known[k] = keep(0), rows.slope[k] = keep(1), rows.difference[k] = keep(2);
+    }
+    std::vector<uint16_t> before = filled<uint16_t>(check.random, Fill::random, n, 0, 1000), after = before;
+    for (size_t i = 0; i < n; ++i) {
+      if (check.random.below(6) == 0) after[i] = before[i] = static_cast<uint16_t>(check.random.below(4));
+      const int step = static_cast<int>(std::nearbyint(stepAround(numbers, i)));
+      if (before[i]) after[i] = static_cast<uint16_t>(std::max(1, before[i] + step));
+      moved += after[i] != before[i];
+    }
+    Output<uint16_t> want(n, side), got(n, side);
+    want.set(after), got.set(before);
+    tested(rows, n, got.data());
+    check.equal("disparity", want, got);
+  };
+  forEachInput(check, 0, widest, [&](size_t n, Fill, Guard side) { checkRow(n, side); });
+  for (int round = 0; round < 20; ++round) checkRow(benchWidth, Guard::behind);
+  check.holds("hardly a disparity moves", moved > 5000);
 }
 
 // ---- disparities ----
@@ -575,6 +700,29 @@ void benchMean(MeanRow kernel) {
   forRows([&](size_t) { kernel(rows, benchWidth, 12, benchOutput().data()); });
 }
 
+const std::vector<float>& benchCompared(size_t kind) {
+  static const ComparedNumbers row = [] {
+    lab::Random random(8);
+    return comparedRow(random, benchWidth + 2 * comparedBeside, 0.2f);
+  }();
+  return row[kind];
+}
+
+void benchCompare(CompareRow kernel) {
+  static ComparedNumbers out = {std::vector<float>(benchWidth), std::vector<float>(benchWidth),
+                                std::vector<float>(benchWidth)};
+  const ComparedRow row = {out[0].data(), out[1].data(), out[2].data()};
+  forRows([&](size_t) { kernel(benchPixels().data(), benchPixels().data(), benchSurface().data(), benchWidth, row); });
+}
+
+void benchMove(MoveRow kernel) {
+  ComparedRows rows = {};
+  for (int k = 0; k < comparedRows; ++k)
+    rows.known[k] = benchCompared(0).data(), rows.slope[k] = benchCompared(1).data(),
+    rows.difference[k] = benchCompared(2).data();
+  forRows([&](size_t) { kernel(rows, benchWidth, benchOutput().data()); });
+}
+
 std::vector<float>& benchDisparities() {
   static std::vector<float> row(benchWidth);
   return row;
@@ -643,6 +791,10 @@ void addRoadCases(Registry& r) {
       r, "close", [](unsigned c) { return roadKernels(c).close; }, checkClose, benchClose);
   addModelled<MeanRow>(
       r, "mean_close", [](unsigned c) { return roadKernels(c).mean; }, checkMean, benchMean);
+  addModelled<CompareRow>(
+      r, "compare", [](unsigned c) { return roadKernels(c).compare; }, checkCompare, benchCompare);
+  addModelled<MoveRow>(
+      r, "move", [](unsigned c) { return roadKernels(c).move; }, checkMove, benchMove);
   addModelled<PixelsOfStored>(
       r, "pixels_of", [](unsigned c) { return roadKernels(c).pixelsOf; }, checkPixelsOf, benchPixelsOf);
   addModelled<PixelsOfGiven>(
