@@ -118,6 +118,7 @@ int run(int argc, char** argv) {
   addGroundCommand(app);
   addCameraCommand(app);
   addEvaluateCommand(app);
+  addPlanCommand(app);
   addPreviewCommand(app);
   addRectifyCommand(app);
   addSynthCommand(app);

@@ -52,10 +52,12 @@ ROOMS = {
                     " tools/synth tools/evaluate",
     "tools/sequence": "include/nadir lab tools/base tools/files tools/pictures tools/draw tools/camera tools/road"
                       " tools/synth tools/evaluate tools/report",
+    "tools/plan": "include/nadir lab tools/base tools/files tools/pictures tools/draw tools/camera tools/road tools/report",
     "tools/tune": "include/nadir lab tools/base tools/files tools/pictures tools/draw tools/camera tools/road"
                   " tools/synth tools/evaluate tools/report tools/sequence",
     "tools/commands": "include/nadir lab lab/scene lab/verify tools/base tools/files tools/pictures tools/draw"
-                      " tools/camera tools/road tools/synth tools/evaluate tools/report tools/sequence tools/tune",
+                      " tools/camera tools/road tools/synth tools/evaluate tools/report tools/sequence tools/plan"
+                      " tools/tune",
     "tools": "include/nadir lab tools/base tools/files tools/pictures tools/commands",
     # everything that runs them
     "examples": "include/nadir",

@@ -35,11 +35,8 @@ def corners(path):
 
 
 def row_offsets(nadir, folder, number, calibration):
-    for side in ("left", "right"):
-        grey = cv2.imread(str(BOARD / f"{side}{number}.jpg"), cv2.IMREAD_GRAYSCALE)
-        cv2.imwrite(str(folder / f"{side}{number}.png"), grey)
     out = folder / f"rectified{number}"
-    subprocess.run([nadir, "rectify", folder / f"left{number}.png", folder / f"right{number}.png", "--calibration",
+    subprocess.run([nadir, "rectify", BOARD / f"left{number}.jpg", BOARD / f"right{number}.jpg", "--calibration",
                     *calibration, "-o", out], check=True, capture_output=True)
     return abs(corners(out / "left.png")[:, 1] - corners(out / "right.png")[:, 1])
 

@@ -12,6 +12,7 @@ void addCameraCommand(CLI::App& app);
 void addDisparityCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addGroundCommand(CLI::App& app);
+void addPlanCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
 void addRectifyCommand(CLI::App& app);
 void addSynthCommand(CLI::App& app);

@@ -71,12 +71,6 @@ void checkSize(const Pair& pair, const Road& road) {
 
 // ---- the library's records ----
 
-NadirCamera cameraRecord(const Camera& c) {
-  return {sizeof(NadirCamera), c.widthPx, c.heightPx,     c.cellMm,       c.mapWidthCells, c.mapHeightCells,
-          c.baselineMm,        c.focalPx, c.principalXPx, c.principalYPx, c.columnShiftPx, c.heightMm,
-          c.tiltDeg,           c.panDeg,  c.mapOffsetXMm, c.mapOffsetYMm};
-}
-
 // Things lose their rim where passes must agree: a child seen from 3.5 m a third of its cells.
 constexpr double keptByChecks = 2.0 / 3;
 
@@ -299,6 +293,12 @@ Warning warningOf(const NadirWarning& w) {
 }
 
 }  // namespace
+
+NadirCamera cameraRecord(const Camera& c) {
+  return {sizeof(NadirCamera), c.widthPx, c.heightPx,     c.cellMm,       c.mapWidthCells, c.mapHeightCells,
+          c.baselineMm,        c.focalPx, c.principalXPx, c.principalYPx, c.columnShiftPx, c.heightMm,
+          c.tiltDeg,           c.panDeg,  c.mapOffsetXMm, c.mapOffsetYMm};
+}
 
 void expect(NadirStatus status) {
   if (status == NADIR_NO_MEMORY) throw std::bad_alloc();

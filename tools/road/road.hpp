@@ -23,6 +23,9 @@ namespace nadir::tool {
 // Throws for a status that only a lack of memory or a mistake of this program can explain.
 void expect(NadirStatus status);
 
+// A camera as the library takes it.
+NadirCamera cameraRecord(const Camera& camera);
+
 // What the user may say. A file with an empty name is not given.
 struct RoadOptions {
   std::string camera, mask, disparity, areas;

@@ -50,6 +50,7 @@ COMMANDS = [
             " --width-px 640 --height-px 480 --height-mm 1200 --tilt-deg -35 -o out/camera.toml"),
     Command("camera of a calibration", "camera import calib.txt --height-mm 1200 --tilt-deg -35 -o out/camera.toml"),
     Command("rectify", f"rectify {SCENE} --calibration calib.txt --height-mm 1200 --tilt-deg -35 -o out"),
+    Command("plan", "plan --see 3000x2000 --tallest 2000 --height 2600 -o out"),
     Command("preview", "preview d.png -o out/preview.png"),
     Command("tune", "tune scene --trials 3 -o out/plot.svg"),
     Command("verify", "verify", every=10),
