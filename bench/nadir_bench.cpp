@@ -33,6 +33,7 @@ Works worksOf(const lab::TexturedPair& pair) {
   Works road;
   addGroundWorks(road, pair);
   addRectifyWorks(road, pair);
+  addCheckWorks(road, pair);
   return road;
 }
 

@@ -14,6 +14,7 @@ Works allWorks(const lab::TexturedPair& pair) {
   addStereoWorks(works, pair);
   addGroundWorks(works, pair);
   addRectifyWorks(works, pair);
+  addCheckWorks(works, pair);
   return works;
 }
 

@@ -26,6 +26,7 @@ void addSegmentWorks(Works& works, const lab::TexturedPair& pair);
 void addStereoWorks(Works& works, const lab::TexturedPair& pair);
 void addGroundWorks(Works& works, const lab::TexturedPair& pair);
 void addRectifyWorks(Works& works, const lab::TexturedPair& pair);
+void addCheckWorks(Works& works, const lab::TexturedPair& pair);
 
 Works allWorks(const lab::TexturedPair& pair);
 

@@ -2,6 +2,7 @@
  * before ends, at a multiple of its own size, and the last one ends the record: without hidden holes every byte means
  * something, and processors that align 64-bit members differently agree. Compiling this file is the test; it is
  * compiled as C and, through records_ground.cpp, as C++. */
+#include <nadir/check.h>
 #include <nadir/ground.h>
 #include <nadir/level.h>
 #include <nadir/rectify.h>
@@ -290,3 +291,55 @@ NEXT(NadirLevelled, axis_deviation_deg, double, roll_deviation_deg);
 NEXT(NadirLevelled, roll_deviation_deg, double, floor_share);
 NEXT(NadirLevelled, floor_share, doubleThree, plane);
 LAST(NadirLevelled, plane, 120, 120);
+
+FIRST(NadirPair, uint32_t, size);
+NEXT(NadirPair, size, uint32_t, bits);
+NEXT(NadirPair, bits, uint32_t, range);
+NEXT(NadirPair, range, uint32_t, reserved);
+NEXT(NadirPair, reserved, NadirPlane, left);
+NEXT(NadirPair, left, NadirPlane, right);
+LAST(NadirPair, right, 48, 64);
+
+FIRST(NadirRowOffset, float, column);
+NEXT(NadirRowOffset, column, float, row);
+NEXT(NadirRowOffset, row, float, rows);
+NEXT(NadirRowOffset, rows, float, disparity_px);
+LAST(NadirRowOffset, disparity_px, 16, 16);
+
+FIRST(NadirCheckup, uint32_t, size);
+NEXT(NadirCheckup, size, uint32_t, verdict);
+NEXT(NadirCheckup, verdict, uint32_t, halvings);
+NEXT(NadirCheckup, halvings, uint32_t, range);
+NEXT(NadirCheckup, range, const NadirRowOffset*, offsets);
+NEXT(NadirCheckup, offsets, size_t, offset_count);
+NEXT(NadirCheckup, offset_count, double, mean_left);
+NEXT(NadirCheckup, mean_left, double, mean_right);
+NEXT(NadirCheckup, mean_right, double, dark_left);
+NEXT(NadirCheckup, dark_left, double, dark_right);
+NEXT(NadirCheckup, dark_right, double, clipped_left);
+NEXT(NadirCheckup, clipped_left, double, clipped_right);
+NEXT(NadirCheckup, clipped_right, double, gain);
+NEXT(NadirCheckup, gain, double, noise_left);
+NEXT(NadirCheckup, noise_left, double, noise_right);
+NEXT(NadirCheckup, noise_right, double, texture_left);
+NEXT(NadirCheckup, texture_left, double, texture_right);
+NEXT(NadirCheckup, texture_right, double, blur_left_px);
+NEXT(NadirCheckup, blur_left_px, double, blur_right_px);
+NEXT(NadirCheckup, blur_right_px, double, matched);
+NEXT(NadirCheckup, matched, double, matched_aligned);
+NEXT(NadirCheckup, matched_aligned, double, unmoved);
+NEXT(NadirCheckup, unmoved, double, row_offset_px);
+NEXT(NadirCheckup, row_offset_px, double, row_offset_left_px);
+NEXT(NadirCheckup, row_offset_left_px, double, row_offset_middle_px);
+NEXT(NadirCheckup, row_offset_middle_px, double, row_offset_right_px);
+NEXT(NadirCheckup, row_offset_right_px, double, row_offset_top_px);
+NEXT(NadirCheckup, row_offset_top_px, double, row_offset_centre_px);
+NEXT(NadirCheckup, row_offset_centre_px, double, row_offset_bottom_px);
+NEXT(NadirCheckup, row_offset_bottom_px, double, turn_deg);
+NEXT(NadirCheckup, turn_deg, double, scale_percent);
+NEXT(NadirCheckup, scale_percent, double, bend_px);
+NEXT(NadirCheckup, bend_px, double, least_disparity_px);
+NEXT(NadirCheckup, least_disparity_px, double, largest_disparity_px);
+NEXT(NadirCheckup, largest_disparity_px, double, nearer);
+NEXT(NadirCheckup, nearer, double, behind);
+LAST(NadirCheckup, behind, 264, 272);

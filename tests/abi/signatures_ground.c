@@ -1,5 +1,6 @@
 /* Every exported function of libnadirground with its type, as signatures.c does it for libnadir. That it links and
  * starts as a C program shows that it needs no C++ runtime. */
+#include <nadir/check.h>
 #include <nadir/ground.h>
 #include <nadir/level.h>
 #include <nadir/rectify.h>
@@ -55,5 +56,12 @@ void (*is_nadir_level_destroy)(NadirLevel*) = nadir_level_destroy;
 NadirStatus (*is_nadir_level_add)(NadirLevel*, const NadirFrame*, const NadirResult*) = nadir_level_add;
 NadirStatus (*is_nadir_level_read)(const NadirLevel*, NadirLevelled*) = nadir_level_read;
 NadirStatus (*is_nadir_level_taken)(const NadirLevel*, NadirPlane*) = nadir_level_taken;
+
+const char* (*is_nadir_verdict_name)(uint32_t) = nadir_verdict_name;
+const char* (*is_nadir_verdict_advice)(uint32_t) = nadir_verdict_advice;
+size_t (*is_nadir_checker_bytes)(uint32_t, uint32_t) = nadir_checker_bytes;
+NadirStatus (*is_nadir_checker_create)(uint32_t, uint32_t, NadirChecker**, NadirFault*) = nadir_checker_create;
+void (*is_nadir_checker_destroy)(NadirChecker*) = nadir_checker_destroy;
+NadirStatus (*is_nadir_checker_process)(NadirChecker*, const NadirPair*, NadirCheckup*) = nadir_checker_process;
 
 int main(void) { return 0; }

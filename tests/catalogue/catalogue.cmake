@@ -22,7 +22,7 @@ endforeach()
 if(CATALOGUE STREQUAL "timed")
   # Only these work through pictures; a call of the others is over before a clock says anything.
   list(TRANSFORM ROOT APPEND /include/nadir OUTPUT_VARIABLE headers)
-  declared_functions(wanted ${headers}/image.h ${headers}/imgproc.h ${headers}/segment.h ${headers}/stereo.h ${headers}/ground.h ${headers}/level.h ${headers}/rectify.h)
+  declared_functions(wanted ${headers}/image.h ${headers}/imgproc.h ${headers}/segment.h ${headers}/stereo.h ${headers}/ground.h ${headers}/check.h ${headers}/level.h ${headers}/rectify.h)
 endif()
 
 file(STRINGS ${OBJECTS} objects)

@@ -18,6 +18,7 @@ void callCamera();
 void callNumbers();
 void callGround();
 void callRectify();
+void callCheck();
 
 // A refused call would have a count too, and nobody would see that it says nothing.
 inline void done(int64_t status, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {

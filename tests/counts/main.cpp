@@ -29,6 +29,7 @@ __attribute__((noinline)) void callEverything() {
   callNumbers();
   callGround();
   callRectify();
+  callCheck();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "lab/checker.hpp"
 #include "lab/fingerprint.hpp"
 #include "lab/rectifier.hpp"
 #include "lab/road.hpp"
@@ -319,12 +320,46 @@ void fuzzRectifier(Input& in) {
   expectSameRectified<uint16_t>(in, rectifier, lens);
 }
 
+NadirPlane anyPlane(Input& in, const std::vector<uint16_t>& picture, uint32_t width, uint32_t height) {
+  NadirPlane plane{picture.data(), 2 * size_t{width}, width, height};
+  if (in.below(16) == 0) plane.width = anyCount(in, 0, width);
+  if (in.below(16) == 0) plane.stride = anyCount(in, 0, 4 * width);
+  if (plane.stride > 2 * size_t{width}) plane.height = height / 2;
+  return plane;
+}
+
+// Whatever the pictures are there is one verdict, the same at every level.
+void fuzzChecker(Input& in) {
+  if (in.below(16) != 0) return;  // it takes as long as a hundred small frames
+  const uint32_t width = 64 + in.below(9), height = 64 + in.below(5);
+  const auto left = in.values<uint16_t>(size_t{width} * height);
+  const auto right = in.below(4) == 0 ? left : in.values<uint16_t>(size_t{width} * height);
+  NadirPair pair = lab::emptyRecord<NadirPair>();
+  pair.bits = in.below(4) == 0 ? 8 : 16;
+  pair.range = NADIR_RANGE_122;
+  pair.left = anyPlane(in, left, width, height);
+  pair.right = anyPlane(in, right, width, height);
+  const lab::Checker checker(width, height);
+  uint64_t want = 0;
+  for (const unsigned level : cumulativeLevels()) {
+    setCpu(level);
+    NadirCheckup checkup = lab::emptyRecord<NadirCheckup>();
+    lab::Fingerprint hash;
+    hash.add(nadir_checker_process(checker.get(), &pair, &checkup));
+    lab::addCheckup(hash, checkup);
+    expect("a verdict", true, nadir_verdict_name(checkup.verdict) != nullptr);
+    if (want == 0) want = hash.value();
+    expect("checkup", want, hash.value());
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input in(data, size);
   fuzzRoad(in);
   fuzzRectifier(in);
+  fuzzChecker(in);
   return 0;
 }
 

@@ -25,5 +25,6 @@ std::vector<Case> cameraCases();
 std::vector<Case> segmentCases();
 std::vector<Case> groundCases();
 std::vector<Case> rectifyCases();
+std::vector<Case> checkCases();
 
 }  // namespace nadir::test::golden

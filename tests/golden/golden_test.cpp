@@ -26,7 +26,7 @@ namespace {
 std::vector<Case> allCases() {
   std::vector<Case> all;
   for (const auto& cases : {imageCases(), stereoCases(), numberCases(), geometryCases(), cameraCases(), segmentCases(),
-                            groundCases(), rectifyCases()}) {
+                            groundCases(), rectifyCases(), checkCases()}) {
     all.insert(all.end(), cases.begin(), cases.end());
   }
   return all;

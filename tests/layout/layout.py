@@ -35,8 +35,9 @@ ROOMS = {
     "ground/trust": "include/nadir ground/kernels ground/records",
     "ground/lens": "include/nadir ground/kernels ground/records ground/trust",
     "ground/floor": "include/nadir ground/records ground/trust",
-    "ground": "include/nadir ground/floor ground/kernels ground/lens ground/records ground/stations ground/tracks"
-              " ground/trust",
+    "ground/check": "include/nadir ground/kernels ground/records ground/trust",
+    "ground": "include/nadir ground/check ground/floor ground/kernels ground/lens ground/records ground/stations"
+              " ground/tracks ground/trust",
     # the program
     "tools/base": "include/nadir lab ground/records",
     "tools/files": "include/nadir lab tools/base",

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "lab/checker.hpp"
 #include "lab/heap.hpp"
 #include "lab/rectifier.hpp"
 #include "tests/road/frames.hpp"
@@ -71,6 +72,14 @@ NadirStatus createRectifier() {
   return status;
 }
 
+NadirStatus createChecker() {
+  NadirChecker* checker = untouched<NadirChecker>();
+  const NadirStatus status = nadir_checker_create(80, 70, &checker, nullptr);
+  EXPECT_EQ(status != NADIR_OK, checker == untouched<NadirChecker>());
+  if (status == NADIR_OK) nadir_checker_destroy(checker);
+  return status;
+}
+
 std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan) {
   const auto areas = static_cast<uint32_t>(plan.areas.size());
   const NadirTrackSettings settings = fullTracking();
@@ -81,7 +90,8 @@ std::vector<Creation> creations(const lab::Road& road, const lab::RoadPlan& plan
        0},
       {"tracker", [&road, settings] { return createTracker(road.road(), settings); },
        nadir_tracker_bytes(road.road(), &settings), 0},
-      {"rectifier", createRectifier, rectifierBytes(), 0}};
+      {"rectifier", createRectifier, rectifierBytes(), 0},
+      {"checker", createChecker, nadir_checker_bytes(80, 70), 0}};
 }
 
 NadirStatus createLevel(const NadirRoad* road) {
@@ -205,6 +215,16 @@ TEST(RoadAlloc, LevellingTakesNoMemory) {
   nadir_level_read(level, &found);
   EXPECT_EQ(heap::allocations(), 0u);
   nadir_level_destroy(level);
+}
+
+TEST(RoadAlloc, CheckingTakesNoMemory) {
+  const lab::Checker checker(80, 70);
+  const lab::Grid<uint16_t> picture(80, 70, uint16_t{900});
+  const NadirPair pair = lab::pairOf(picture, picture);
+  NadirCheckup checkup = lab::emptyRecord<NadirCheckup>();
+  heap::watch();
+  lab::demand(nadir_checker_process(checker.get(), &pair, &checkup));
+  EXPECT_EQ(heap::allocations(), 0u);
 }
 
 // The heap hands out blocks full of other bytes than 0, and frames leave their own behind.
