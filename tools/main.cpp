@@ -116,6 +116,7 @@ int run(int argc, char** argv) {
   describe(app);
   addDisparityCommand(app);
   addGroundCommand(app);
+  addCheckCommand(app);
   addCameraCommand(app);
   addEvaluateCommand(app);
   addPlanCommand(app);

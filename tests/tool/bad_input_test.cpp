@@ -189,6 +189,7 @@ TEST_F(BadInput, AnOutputThatIsAnInput) {
       {{"disparity", "left.png", "right.png", "-o", "link.png"}, "left.png"},
       {{"disparity", "link.png", "right.png", "-o", "left.png"}, "left.png"},
       {{"disparity", "left.png", "right.png", "-o", "d.png", "--preview", "right.png"}, "right.png"},
+      {{"check", "left.png", "right.png", "-o", "left.png"}, "left.png"},
       {{"preview", "disparity_gt.png", "-o", "disparity_gt.png"}, "disparity_gt.png"},
       {{"evaluate", "disparity_left_gt.png", "disparity_gt.png", "--error-map", "disparity_gt.png"},
        "disparity_gt.png"},

@@ -372,7 +372,7 @@ TEST_F(Disparity, VersionNamesLibraryAndKernels) {
 }
 
 TEST_F(Disparity, HelpTeaches) {
-  for (const char* command : {"disparity", "evaluate", "preview", "synth"}) {
+  for (const char* command : {"check", "disparity", "evaluate", "preview", "synth"}) {
     const Outcome outcome = folder.run({command, "--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.out.find(std::string("  nadir ") + command), std::string::npos) << "no example";

@@ -110,6 +110,7 @@ TEST(Options, HelpThatCannotBeWrittenFails) {
 TEST(Options, HelpShowsOptionsAsTheyAreTyped) {
   const Folder folder;
   for (const Arguments& arguments : {Arguments{"camera", "import"},
+                                     {"check"},
                                      {"disparity"},
                                      {"evaluate"},
                                      {"ground"},

@@ -9,6 +9,7 @@ class App;
 namespace nadir::tool {
 
 void addCameraCommand(CLI::App& app);
+void addCheckCommand(CLI::App& app);
 void addDisparityCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addGroundCommand(CLI::App& app);

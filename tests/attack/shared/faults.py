@@ -41,6 +41,7 @@ COMMANDS = [
     Command("synth", "synth out --size 64x64"),
     Command("synth frames", f"synth out {FRAMES}", resumes=True),
     Command("disparity", f"disparity {SCENE} -o out/d.png"),
+    Command("check", f"check {SCENE} -o out/rows.png"),
     Command("ground", f"ground {SCENE} --camera scene/camera.toml -o out"),
     Command("ground frames", "ground walk --camera walk/camera.toml --areas walk/areas.toml -o out --threads 2", resumes=True),
     Command("evaluate", "evaluate d.png scene/disparity_gt.png --error-map out/errors.png"),
