@@ -251,7 +251,8 @@ struct RoadRows {
       const float step = bounded(-2.0f * covariance / (told ? variance : 1.0f));
       const int32_t own = disparity[i], moved = own + static_cast<int32_t>(step + noFraction - noFraction);
       const int32_t kept = moved > 1 ? moved : 1;
-      disparity[i] = static_cast<uint16_t>(told & (own != 0) ? kept : own);
+      const bool moves = told & (own != 0);
+      disparity[i] = static_cast<uint16_t>(moves ? kept : own);
     });
   }
 
