@@ -8,12 +8,17 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
 #include <sstream>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
+#include "tools/commands/completion.hpp"
+#include "tools/commands/config_file.hpp"
+#include "tools/commands/help_format.hpp"
+#include "tools/commands/near_names.hpp"
 #include "tools/files/temporary_file.hpp"
 #include "tools/pictures/chunks.hpp"
 
@@ -73,11 +78,78 @@ void describe(CLI::App& app) {
       "  nadir evaluate scene/disparity.png scene/disparity_gt.png\n"
       "  nadir ground scene/left.png scene/right.png --camera scene/camera.toml -o scene/ground\n"
       "  nadir evaluate scene/ground scene\n"
-      "`nadir COMMAND --help` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage,\n"
+      "`nadir help COMMAND` explains a command. Exit status: 0 done, 1 the work failed, 2 wrong usage,\n"
       "3 done, but not all of it can be relied on (frames of a sequence were skipped, stages of verify not compared,\n"
       "warnings under --strict), 130 interrupted.");
-  app.set_version_flag("--version", [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
+  app.set_version_flag("-V,--version",
+                       [] { return format("%s (%s kernels)", software().c_str(), nadir_simd_level()); });
   app.require_subcommand(1);
+  app.formatter(std::make_shared<HelpFormat>());
+  app.option_defaults()->always_capture_default();
+}
+
+std::vector<CLI::App*> leavesOf(CLI::App& app) {
+  std::vector<CLI::App*> leaves;
+  for (CLI::App* command : app.get_subcommands([](CLI::App*) { return true; })) {
+    const std::vector<CLI::App*> below = leavesOf(*command);
+    leaves.insert(leaves.end(), below.begin(), below.end());
+    if (below.empty()) leaves.push_back(command);
+  }
+  return leaves;
+}
+
+// What every command has. --config has been read before the options are.
+void addCommonOptions(CLI::App& app) {
+  for (CLI::App* command : leavesOf(app)) {
+    CLI::Option* quiet = command->add_flag_callback("-q,--quiet", silence,
+                                                    "Print no table and no progress; warnings and errors are told");
+    if (CLI::Option* json = command->get_option_no_throw("--json")) quiet->excludes(json);
+    command
+        ->add_option(
+            "--config",
+            "TOML file of options by their names, in a table of the command's name; what the command line says "
+            "holds. nadir config prints one (default: none)")
+        ->type_name("FILE");
+    for (CLI::Option* option : {quiet, command->get_option("--config"), command->get_help_ptr()})
+      option->configurable(false);
+  }
+}
+
+// These two speak of the other commands.
+void addCommandsAboutCommands(CLI::App& app) {
+  app.add_subcommand("help", "Explain a command, as its --help does: nadir help ground.")->set_help_flag();
+  app.add_subcommand("config",
+                     "Print every option of a command with the value in force, as a file for --config: nadir config "
+                     "ground --for people.")
+      ->set_help_flag();
+  CLI::App* command =
+      app.add_subcommand("completion", "Print a script by which a shell completes commands and options.");
+  command->add_option("SHELL", "bash, zsh or fish; the script's first line says where it belongs")
+      ->required()
+      ->check(CLI::IsMember(completedShells()).description(""));
+  command->callback([&app, command] { print(completion(app, command->get_option("SHELL")->as<std::string>())); });
+}
+
+// Instead of doing their work, commands print their settings; inputs need not be named.
+void askForSettings(CLI::App& app) {
+  for (CLI::App* command : leavesOf(app)) {
+    command->parse_complete_callback([command] {
+      print(settingsInForce(*command));
+      throw CLI::Success();
+    });
+    for (CLI::Option* option : command->get_options()) option->required(false);
+  }
+}
+
+// "help ground" is "ground --help".
+Arguments asked(CLI::App& app, Arguments arguments) {
+  if (arguments.empty() || (arguments[0] != "help" && arguments[0] != "config")) return arguments;
+  const bool forHelp = arguments[0] == "help";
+  if (!forHelp && arguments.size() == 1) throw Error("name a command: nadir config ground", misused);
+  arguments.erase(arguments.begin());
+  if (forHelp) arguments.emplace_back("--help");
+  if (!forHelp) askForSettings(app);
+  return arguments;
 }
 
 // The command that the arguments name.
@@ -90,25 +162,52 @@ std::string fullName(const CLI::App& command) {
   return (command.get_parent() ? fullName(*command.get_parent()) + " " : "") + command.get_name();
 }
 
+std::vector<std::string> optionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options())
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  return names;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+    names.push_back(command->get_name());
+  return names;
+}
+
+std::string didYouMean(const std::string& mistyped, const std::vector<std::string>& names) {
+  const std::string meant = nearest(mistyped, names);
+  return meant.empty() ? "" : "; did you mean " + meant + "?";
+}
+
 // A word that was mistyped says more than what is missing because of it.
 std::string mistakeIn(const CLI::App& app, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = app.remaining(true);
   if (unknown.empty()) return error.what();
-  const std::string& first = unknown.front();
-  if (first[0] == '-') return "there is no option " + first;
-  const bool isCommand = commandIn(app).get_require_subcommand_min() > 0;
-  return isCommand ? "there is no command \"" + first + "\"" : "\"" + first + "\" is one argument too many";
+  const std::string first = unknown.front().substr(0, unknown.front().find('='));
+  const CLI::App& command = commandIn(app);
+  if (first[0] == '-') return "there is no option " + first + didYouMean(first, optionNames(command));
+  const bool isCommand = command.get_require_subcommand_min() > 0;
+  return isCommand ? "there is no command \"" + first + "\"" + didYouMean(first, commandNames(command))
+                   : "\"" + first + "\" is one argument too many";
 }
 
-int answer(const CLI::App& app, const CLI::ParseError& error) {
+// Where the file of --config says what is wrong.
+std::string placeOf(const std::string& sentence, const Configured& line) {
+  const auto place = line.places.find(sentence.substr(0, sentence.find(':')));
+  return place == line.places.end() ? "" : " (" + place->second + ")";
+}
+
+int answer(const CLI::App& app, const Configured& line, const CLI::ParseError& error) {
   if (error.get_exit_code() == 0) {
     std::ostringstream text;
     app.exit(error, text, text);
     print(text.str());
     return 0;
   }
-  const std::string sentence = mistakeIn(app, error) + "; see " + fullName(commandIn(app)) + " --help";
-  return complain(sentence, misused);
+  const std::string mistake = mistakeIn(app, error);
+  return complain(mistake + placeOf(mistake, line) + "; see " + fullName(commandIn(app)) + " --help", misused);
 }
 
 int run(int argc, char** argv) {
@@ -125,10 +224,13 @@ int run(int argc, char** argv) {
   addSynthCommand(app);
   addTuneCommand(app);
   addVerifyCommand(app);
+  addCommonOptions(app);
+  addCommandsAboutCommands(app);
+  const Configured line = configured(app, asked(app, Arguments(argv + 1, argv + argc)));
   try {
-    app.parse(argc, argv);
+    app.parse(Arguments(line.arguments.rbegin(), line.arguments.rend()));
   } catch (const CLI::ParseError& error) {
-    return answer(app, error);
+    return answer(app, line, error);
   }
   return 0;
 }

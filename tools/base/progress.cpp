@@ -29,8 +29,8 @@ Progress::Progress(std::string what, std::string unit, uint64_t total, Elsewhere
       total_(total),
       done_(done),
       before_(done),
-      terminal_(isatty(STDERR_FILENO) != 0),
-      lines_(elsewhere == Elsewhere::lines) {}
+      terminal_(!isSilent() && isatty(STDERR_FILENO) != 0),
+      lines_(!isSilent() && elsewhere == Elsewhere::lines) {}
 
 Progress::~Progress() { wipeBar(); }
 

@@ -55,7 +55,18 @@ std::string shownOn(int stream, std::string text) {
   return text;
 }
 
+namespace {
+
+bool silent = false;
+
+}  // namespace
+
+void silence() { silent = true; }
+
+bool isSilent() { return silent; }
+
 void print(const std::string& text) {
+  if (silent) return;
   if (std::fputs(shownOn(STDOUT_FILENO, text).c_str(), stdout) < 0 || std::fflush(stdout) != 0)
     throw Error("cannot write to standard output");
 }

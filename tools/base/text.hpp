@@ -30,6 +30,10 @@ class Table {
 // in them could set the window's title, or hide what is written, so a question mark takes its place there.
 std::string shownOn(int stream, std::string text);
 
+// From now on print() writes nothing, and no progress is shown.
+void silence();
+bool isSilent();
+
 // Writes to standard output and throws where that fails (a full disk behind a redirection).
 void print(const std::string& text);
 

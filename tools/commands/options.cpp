@@ -27,7 +27,8 @@ CLI::Option* addWord(CLI::App& command, const char* name, const Words& words, ui
   const auto choose = [&words, &number](const std::string& word) { number = numberOf(words, word); };
   return command.add_option_function<std::string>(name, choose, helpWith(help, "", wordOf(words, number)))
       ->check(CLI::IsMember(wordsOf(words)).description(""))
-      ->type_name(type);
+      ->type_name(type)
+      ->default_str(wordOf(words, number));
 }
 
 }  // namespace

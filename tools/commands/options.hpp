@@ -27,18 +27,21 @@ CLI::Option* addNumber(CLI::App& command, const char* name, Number& value, const
     defaultValue = format("%g", value);
   else if constexpr (std::is_integral_v<Number>)
     defaultValue = std::to_string(value);
-  return command.add_option(name, value, helpWith(help, range.words, defaultValue))
-      ->check(range.check)
-      ->type_name(unit);
+  CLI::Option* option =
+      command.add_option(name, value, helpWith(help, range.words, defaultValue))->check(range.check)->type_name(unit);
+  std::string usual = option->get_default_str();  // a number out of range stands for none
+  return range.check(usual).empty() ? option : option->default_str("");
 }
 
 // Adds an option that takes left or right. `chosen` is a View, or one that may be absent.
 template <class Chosen>
 CLI::Option* addViewOption(CLI::App& command, const char* name, Chosen& chosen, const char* help) {
   const auto choose = [&chosen](const std::string& word) { chosen = viewNamed(word); };
-  return command.add_option_function<std::string>(name, choose, help)
-      ->check(CLI::IsMember({nameOf(View::left), nameOf(View::right)}).description(""))
-      ->type_name("VIEW");
+  CLI::Option* option = command.add_option_function<std::string>(name, choose, help)
+                            ->check(CLI::IsMember({nameOf(View::left), nameOf(View::right)}).description(""))
+                            ->type_name("VIEW");
+  if constexpr (std::is_same_v<Chosen, View>) option->default_str(nameOf(chosen));
+  return option;
 }
 
 // Lets names of files pass that end as one of these (".png"), in small or capital letters.

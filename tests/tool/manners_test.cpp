@@ -1,0 +1,173 @@
+// How the program speaks with whoever types: help, mistyped words, settings in a file, silence, completion.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "tests/tool/tool.hpp"
+
+namespace nadir::test {
+namespace {
+
+class Manners : public testing::Test {
+ protected:
+  // The program's one sentence about a mistake.
+  std::string mistake(const std::vector<std::string>& arguments, int status = 2) {
+    const Outcome outcome = folder.run(arguments);
+    EXPECT_EQ(outcome.status, status) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    return outcome.err;
+  }
+
+  std::string printed(const std::vector<std::string>& arguments) {
+    const Outcome outcome = folder.run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.out;
+  }
+
+  void makePair() { ASSERT_EQ(folder.run({"synth", ".", "--size", "96x64"}).status, 0); }
+
+  Folder folder;
+};
+
+const std::vector<std::vector<std::string>> commands = {{"disparity"}, {"ground"},  {"camera", "import"},
+                                                        {"evaluate"},  {"preview"}, {"rectify"},
+                                                        {"synth"},     {"tune"},    {"verify"}};
+
+TEST_F(Manners, HelpOfACommandIsItsHelp) {
+  for (const auto& command : commands) {
+    std::vector<std::string> before = {"help"}, behind = command;
+    before.insert(before.end(), command.begin(), command.end());
+    behind.emplace_back("--help");
+    EXPECT_EQ(printed(before), printed(behind)) << command.front();
+  }
+  EXPECT_EQ(printed({"help"}), printed({"--help"}));
+}
+
+TEST_F(Manners, ShortVersionIsTheVersion) { EXPECT_EQ(printed({"-V"}), printed({"--version"})); }
+
+TEST_F(Manners, NoLineOfAHelpsOptionsIsWiderThan100Columns) {
+  for (const auto& command : commands) {
+    std::vector<std::string> help = command;
+    help.insert(help.begin(), "help");
+    std::istringstream lines(printed(help));
+    std::string line;
+    while (std::getline(lines, line) && line.find("Options:") == std::string::npos) {
+    }
+    while (std::getline(lines, line) && !line.empty())
+      if (line.rfind("    ", 0) == 0) EXPECT_LE(line.size(), 100u) << line;
+  }
+}
+
+TEST_F(Manners, MistypedWordsAreGuessed) {
+  EXPECT_EQ(mistake({"gruond"}), "nadir: there is no command \"gruond\"; did you mean ground?; see nadir --help\n");
+  EXPECT_EQ(mistake({"camera", "imprt"}),
+            "nadir: there is no command \"imprt\"; did you mean import?; see nadir camera --help\n");
+  EXPECT_EQ(mistake({"ground", "l", "r", "--rnage=61"}),
+            "nadir: there is no option --rnage; did you mean --range?; see nadir ground --help\n");
+}
+
+TEST_F(Manners, WordsUnlikeAnyAreNotGuessed) {
+  EXPECT_EQ(mistake({"xyzzy"}), "nadir: there is no command \"xyzzy\"; see nadir --help\n");
+}
+
+TEST_F(Manners, QuietPrintsNoTable) {
+  makePair();
+  EXPECT_NE(printed({"disparity", "left.png", "right.png", "-o", "d.png"}), "");
+  EXPECT_EQ(printed({"disparity", "left.png", "right.png", "-o", "d.png", "-q"}), "");
+}
+
+TEST_F(Manners, QuietStillTellsMistakes) {
+  EXPECT_NE(mistake({"disparity", "none.png", "none.png", "-o", "d.png", "--quiet"}, 1), "");
+}
+
+// ---- settings in a file ----
+
+TEST_F(Manners, AFilesOptionsAreThoseOfTheCommandLine) {
+  makePair();
+  printed({"disparity", "left.png", "right.png", "-o", "a.png", "--uniqueness", "20", "--raw", "--check", "flip"});
+  writeFile(folder.path("c.toml"),
+            "[disparity]\nuniqueness = 20\nraw = true\ncheck = \"flip\"\noutput = \"b.png\"\n"
+            "[ground]\nuniqueness = 7\n");
+  printed({"disparity", "left.png", "right.png", "--config", "c.toml"});
+  EXPECT_EQ(readFile(folder.path("a.png")), readFile(folder.path("b.png")));
+}
+
+TEST_F(Manners, TheCommandLineHoldsAgainstTheFile) {
+  makePair();
+  writeFile(folder.path("c.toml"), "[disparity]\nuniqueness = 20\noutput = \"b.png\"\n");
+  printed({"disparity", "left.png", "right.png", "--config=c.toml", "-o", "a.png", "--uniqueness=31"});
+  EXPECT_EQ(readPng(folder.path("a.png")).text.at("nadir:uniqueness"), "31");
+}
+
+TEST_F(Manners, SeveralValuesAreAnArray) {
+  makePair();
+  printed({"preview", "disparity_gt.png", "-o", "a.png", "--range", "5", "20"});
+  writeFile(folder.path("c.toml"), "[preview]\nrange = [5, 20]\n");
+  printed({"preview", "disparity_gt.png", "-o", "b.png", "--config", "c.toml"});
+  EXPECT_EQ(readFile(folder.path("a.png")), readFile(folder.path("b.png")));
+}
+
+TEST_F(Manners, TablesOfNestedCommandsAreNested) {
+  writeFile(folder.path("c.toml"), "[camera.import]\nunit-mn = 1\n");
+  EXPECT_EQ(mistake({"camera", "import", "c.yml", "--config", "c.toml"}, 1),
+            "nadir: c.toml:2: unit-mn: there is no such option; did you mean unit-mm?\n");
+}
+
+TEST_F(Manners, WhatIsWrongInAFileIsToldWithItsLine) {
+  const auto refused = [&](const std::string& text, int status) {
+    writeFile(folder.path("c.toml"), text);
+    return mistake({"disparity", "left.png", "right.png", "-o", "d.png", "--config", "c.toml"}, status);
+  };
+  EXPECT_EQ(refused("[disparity]\nuniqueness = 900\n", 2),
+            "nadir: --uniqueness: 900 is not a whole number from 0 to 128 (c.toml:2); see nadir disparity --help\n");
+  EXPECT_EQ(refused("[disparity]\nraw = 1\n", 1), "nadir: c.toml:2: raw: it is true or false\n");
+  EXPECT_EQ(refused("[disparity]\nuniqueness = true\n", 1),
+            "nadir: c.toml:2: uniqueness: it is no flag, but has a value\n");
+  EXPECT_EQ(refused("[disparity]\nuniqueness = 1979-05-27\n", 1).rfind("nadir: c.toml:2: uniqueness: it is a", 0), 0u);
+  EXPECT_EQ(refused("uniqueness = 3\n", 1), "nadir: c.toml:1: uniqueness: there is no such command\n");
+  EXPECT_EQ(refused("[disparty]\nuniqueness = 3\n", 1), "nadir: c.toml:1: disparty: there is no such command\n");
+  EXPECT_NE(refused("[disparity\n", 1).find("c.toml"), std::string::npos);
+}
+
+TEST_F(Manners, ConfigPrintsTheSettingsInForce) {
+  const std::string text = printed({"config", "ground", "--for", "people", "--uniqueness", "20", "--raw"});
+  EXPECT_EQ(text.rfind("[ground]\n", 0), 0u);
+  for (const char* line : {"for = \"people\"\n", "uniqueness = 20\n", "raw = true\n", "strict = false\n",
+                           "check = \"flip\"\n", "grid = \"left\"\n", "# mask is not given\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << "in:\n" << text;
+}
+
+TEST_F(Manners, WhatConfigPrintsIsTaken) {
+  for (const auto& command : commands) {
+    std::vector<std::string> ask = command;
+    ask.insert(ask.begin(), "config");
+    const std::string text = printed(ask);
+    writeFile(folder.path("c.toml"), text);
+    ask.insert(ask.end(), {"--config", "c.toml"});
+    EXPECT_EQ(printed(ask), text);
+  }
+}
+
+TEST_F(Manners, ConfigNeedsACommand) { EXPECT_EQ(mistake({"config"}), "nadir: name a command: nadir config ground\n"); }
+
+// ---- completion ----
+
+TEST_F(Manners, BashCompletesCommandsAndOptions) {
+  writeFile(folder.path("nadir.bash"), printed({"completion", "bash"}));
+  writeFile(folder.path("try.bash"),
+            "source nadir.bash\n"
+            "complete_words() { COMP_WORDS=(nadir \"$@\"); COMP_CWORD=$#; _nadir; echo \"${COMPREPLY[@]}\"; }\n"
+            "complete_words gr\ncomplete_words ground --ran\ncomplete_words camera imp\n");
+  ASSERT_EQ(std::system(("cd '" + folder.path("") + "' && bash try.bash > out").c_str()), 0);
+  EXPECT_EQ(readFile(folder.path("out")), "ground\n--range\nimport\n");
+}
+
+TEST_F(Manners, EveryShellGetsItsScript) {
+  EXPECT_EQ(printed({"completion", "zsh"}).rfind("#compdef nadir\n", 0), 0u);
+  EXPECT_NE(printed({"completion", "fish"}).find("__fish_seen_subcommand_from ground' -l range -d "),
+            std::string::npos);
+  EXPECT_NE(mistake({"completion", "tcsh"}).find("tcsh"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace nadir::test
