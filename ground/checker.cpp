@@ -192,7 +192,7 @@ double shareOf(const NadirRowOffset* offsets, size_t count, Counts counts) {
 bool isNearer(double disparity, double range) { return disparity > range + 0.5; }
 
 uint32_t rangeFor(double largest) {
-  for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122, NADIR_RANGE_244})
+  for (uint32_t range = NADIR_RANGE_61; range <= NADIR_RANGE_244; range *= 2)
     if (!isNearer(largest, range)) return range;
   return 0;
 }
@@ -256,7 +256,7 @@ NadirCheckup checkupOf(NadirChecker& c, const NadirPair& pair) {
   NadirCheckup found = nothingFound(NADIR_VERDICT_GOOD);
   takePicture(pair.left, pair.bits, c.whole, c.left);
   takePicture(pair.right, pair.bits, c.whole, c.right);
-  const bool identical = std::memcmp(c.left, c.right, c.whole.pixels() * sizeof *c.left) == 0;
+  const bool identical = std::memcmp(c.left, c.right, static_cast<size_t>(c.whole.pixels()) * sizeof *c.left) == 0;
   takeNumbers(pictureNumbers(c.numbers, c.left, c.whole.width, c.whole.height),
               pictureNumbers(c.numbers, c.right, c.whole.width, c.whole.height), found);
   halve(c, c.left);

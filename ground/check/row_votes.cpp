@@ -26,8 +26,8 @@ void takeDensities(const LookPair& pair, float (&share)[partCount]) {
 }
 
 Place placeOfPart(uint32_t part, double aspect) {
-  return {(2.0 * (part % partsAcross) + 1) / partsAcross - 1,
-          ((2.0 * (part / partsAcross) + 1) / partsDown - 1) * aspect};
+  const uint32_t column = part % partsAcross, row = part / partsAcross;
+  return {(2.0 * column + 1) / partsAcross - 1, ((2.0 * row + 1) / partsDown - 1) * aspect};
 }
 
 // Between two shifts; nothing beyond the farthest one.

@@ -328,12 +328,16 @@ TEST(Checker, SizesThatAreRefused) {
 }
 
 void expectRefused(NadirStatus status, NadirChecker* checker, const NadirPair* pair, uint32_t size) {
-  NadirCheckup checkup, before;
+  NadirCheckup checkup;
   std::memset(&checkup, 77, sizeof checkup);
   checkup.size = size;
-  std::memcpy(&before, &checkup, sizeof checkup);
+  const auto bytes = [&checkup] {
+    const auto* begin = reinterpret_cast<const uint8_t*>(&checkup);
+    return std::vector<uint8_t>(begin, begin + sizeof checkup);
+  };
+  const std::vector<uint8_t> before = bytes();
   EXPECT_EQ(nadir_checker_process(checker, pair, &checkup), status);
-  EXPECT_EQ(std::memcmp(&before, &checkup, sizeof checkup), 0);
+  EXPECT_EQ(bytes(), before);
 }
 
 TEST(Checker, PairsThatAreRefused) {
