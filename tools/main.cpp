@@ -215,6 +215,7 @@ int run(int argc, char** argv) {
   describe(app);
   addDisparityCommand(app);
   addGroundCommand(app);
+  addLevelCommand(app);
   addCheckCommand(app);
   addCameraCommand(app);
   addEvaluateCommand(app);

@@ -31,18 +31,6 @@ Mount mountOf(const DisparityPlane& plane, const StereoCtx& context, double colu
   return {1 / inverse, directionDeg(sine, std::sqrt(aboveZero(1 - sine * sine))), directionDeg(x, z)};
 }
 
-void PlaneEquations::addWeighted(double x, double y, double weight, double weightedDisparity) {
-  n_ += weight;
-  x_ += weight * x;
-  y_ += weight * y;
-  xx_ += weight * (x * x);
-  xy_ += weight * (x * y);
-  yy_ += weight * (y * y);
-  d_ += weightedDisparity;
-  xd_ += x * weightedDisparity;
-  yd_ += y * weightedDisparity;
-}
-
 PlaneEquations PlaneEquations::without(const PlaneEquations& part) const {
   PlaneEquations rest;
   rest.n_ = n_ - part.n_;

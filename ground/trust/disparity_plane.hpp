@@ -36,8 +36,18 @@ class PlaneEquations {
  public:
   void add(double x, double y, double disparity) { addWeighted(x, y, 1, disparity); }
 
-  // weightedDisparity is the weight times the disparity.
-  void addWeighted(double x, double y, double weight, double weightedDisparity);
+  // weightedDisparity is the weight times the disparity. It stands here so that a weight of 1 costs nothing.
+  void addWeighted(double x, double y, double weight, double weightedDisparity) {
+    n_ += weight;
+    x_ += weight * x;
+    y_ += weight * y;
+    xx_ += weight * (x * x);
+    xy_ += weight * (x * y);
+    yy_ += weight * (y * y);
+    d_ += weightedDisparity;
+    xd_ += x * weightedDisparity;
+    yd_ += y * weightedDisparity;
+  }
 
   bool isEmpty() const { return n_ == 0; }
 

@@ -60,13 +60,22 @@ void reportUnknownKeys(const toml::table& table, const std::string& tableName, M
                    "is no key of a camera file");
 }
 
-void readTable(const toml::table& table, const std::string& name, Camera& camera, Mistakes& mistakes) {
+// What is missing is no mistake where it is optional, or where it is yet to be found.
+enum class Mount { needed, mayLack };
+
+bool isNeeded(const CameraKey& key, Mount mount) {
+  const std::string_view name = key.name;
+  const bool isOfMount = name == "height_mm" || name == "tilt_deg";
+  return !key.optional && !(isOfMount && mount == Mount::mayLack);
+}
+
+void readTable(const toml::table& table, const std::string& name, Mount mount, Camera& camera, Mistakes& mistakes) {
   reportUnknownKeys(table, name, mistakes);
   for (const CameraKey& key : cameraKeys()) {
     if (key.table != name) continue;
     if (const toml::node* node = table.get(key.name))
       readValue(*node, key, camera, mistakes);
-    else if (!key.optional)
+    else if (isNeeded(key, mount))
       mistakes.add(lineOf(table), fullName(key), format("is missing (%s)", key.meaning));
   }
 }
@@ -75,7 +84,17 @@ void readMap(const toml::table& top, Camera& camera, Mistakes& mistakes) {
   const toml::node* node = top.get("map");
   if (!node) return mistakes.add(1, "map", "is missing, a table that begins with the line [map]");
   if (!node->is_table()) return mistakes.add(lineOf(*node), "map", format("is %s, must be a table", typeName(*node)));
-  readTable(*node->as_table(), "map", camera, mistakes);
+  readTable(*node->as_table(), "map", Mount::needed, camera, mistakes);
+}
+
+Camera parsed(const std::string& text, const std::string& path, Mount mount) {
+  const toml::table top = parseToml(text, path);
+  Camera camera;
+  Mistakes mistakes(path);
+  readTable(top, "", mount, camera, mistakes);
+  readMap(top, camera, mistakes);
+  mistakes.throwIfAny();
+  return camera;
 }
 
 // ---- writing ----
@@ -138,17 +157,11 @@ std::string mistakeIn(double value, const CameraKey& key) {
                 shortest(key.high).c_str());
 }
 
-Camera parseCamera(const std::string& text, const std::string& path) {
-  const toml::table top = parseToml(text, path);
-  Camera camera;
-  Mistakes mistakes(path);
-  readTable(top, "", camera, mistakes);
-  readMap(top, camera, mistakes);
-  mistakes.throwIfAny();
-  return camera;
-}
+Camera parseCamera(const std::string& text, const std::string& path) { return parsed(text, path, Mount::needed); }
 
 Camera readCamera(const std::string& path) { return parseCamera(readText(path), path); }
+
+Camera readCameraBeforeMount(const std::string& path) { return parsed(readText(path), path, Mount::mayLack); }
 
 std::string cameraText(const Camera& camera) {
   std::string text =

@@ -39,6 +39,9 @@ std::string mistakeIn(double value, const CameraKey& key);
 // Throws Error with a line "FILE:LINE: KEY: reason" for every mistake.
 Camera readCamera(const std::string& path);
 
+// Height and tilt may be missing: they are then unknown.
+Camera readCameraBeforeMount(const std::string& path);
+
 // `text` is the file's; `path` is for the messages alone.
 Camera parseCamera(const std::string& text, const std::string& path);
 

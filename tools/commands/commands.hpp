@@ -13,6 +13,7 @@ void addCheckCommand(CLI::App& app);
 void addDisparityCommand(CLI::App& app);
 void addEvaluateCommand(CLI::App& app);
 void addGroundCommand(CLI::App& app);
+void addLevelCommand(CLI::App& app);
 void addPlanCommand(CLI::App& app);
 void addPreviewCommand(CLI::App& app);
 void addRectifyCommand(CLI::App& app);

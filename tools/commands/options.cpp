@@ -21,7 +21,8 @@ std::set<std::string> wordsOf(const Words& words) {
   return all;
 }
 
-// Adds an option that takes one of some words; {default} in its help is the word of the number that it has before.
+}  // namespace
+
 CLI::Option* addWord(CLI::App& command, const char* name, const Words& words, uint32_t& number, const char* help,
                      const char* type) {
   const auto choose = [&words, &number](const std::string& word) { number = numberOf(words, word); };
@@ -30,8 +31,6 @@ CLI::Option* addWord(CLI::App& command, const char* name, const Words& words, ui
       ->type_name(type)
       ->default_str(wordOf(words, number));
 }
-
-}  // namespace
 
 std::string helpWith(std::string help, const std::string& range, const std::string& defaultValue) {
   replaceIn(help, "{range}", range);

@@ -49,6 +49,10 @@ CLI::Validator endingIn(std::vector<std::string> endings);
 
 CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help);
 
+// Adds an option that takes one of some words; {default} in its help is the word of the number that it has before.
+CLI::Option* addWord(CLI::App& command, const char* name, const Words& words, uint32_t& number, const char* help,
+                     const char* unit);
+
 // --check, --support, --refine and --range, which takes one of these words.
 std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& options, const Words& ranges,
                                              const char* rangeHelp);

@@ -40,6 +40,15 @@ void checkHoles(const Camera& camera, const RoadOptions& options) {
                      sizeText(camera.mapWidthCells, camera.mapHeightCells).c_str()));
 }
 
+// Any mount will do where none is asked for.
+Camera cameraFor(const RoadOptions& options) {
+  if (!options.mountMayLack) return readCamera(options.camera);
+  Camera camera = readCameraBeforeMount(options.camera);
+  if (std::isnan(camera.heightMm)) camera.heightMm = 1000;
+  if (std::isnan(camera.tiltDeg)) camera.tiltDeg = 0;
+  return camera;
+}
+
 std::vector<Area> readAllAreas(const RoadOptions& options) {
   if (options.noRegions) return {};
   const std::vector<Area> ofCamera = readAreasOfCamera(options.camera);
@@ -217,30 +226,10 @@ size_t strideOf(const Grid<T>& grid) {
   return grid.width * sizeof(T);
 }
 
-NadirFrame frameOf(const Pair& pair, const Grid<uint8_t>& mask) {
-  NadirFrame frame{};
-  frame.size = sizeof frame;
-  frame.bits = 16;
-  frame.left = pair.left.pixels.data();
-  frame.right = pair.right.pixels.data();
-  frame.left_stride = strideOf(pair.left);
-  frame.right_stride = strideOf(pair.right);
-  if (mask.pixels.empty()) return frame;
-  frame.mask = mask.pixels.data();
-  frame.mask_stride = strideOf(mask);
-  return frame;
-}
-
 void give(NadirFrame& frame, const Grid<float>& disparity) {
   if (disparity.pixels.empty()) return;
   frame.disparity = disparity.pixels.data();
   frame.disparity_stride = strideOf(disparity);
-}
-
-ResultHandle newResult(const NadirRoad& road) {
-  NadirResult* result = nullptr;
-  expect(nadir_result_create(&road, &result));
-  return ResultHandle(result);
 }
 
 NadirFindings process(NadirRoad& road, NadirFrame frame, NadirResult& result, StageTimes& times) {
@@ -305,9 +294,29 @@ void expect(NadirStatus status) {
   if (status != NADIR_OK) throw Error(nadir_status_text(status));
 }
 
+NadirFrame frameOf(const Pair& pair, const Grid<uint8_t>& mask) {
+  NadirFrame frame{};
+  frame.size = sizeof frame;
+  frame.bits = 16;
+  frame.left = pair.left.pixels.data();
+  frame.right = pair.right.pixels.data();
+  frame.left_stride = strideOf(pair.left);
+  frame.right_stride = strideOf(pair.right);
+  if (mask.pixels.empty()) return frame;
+  frame.mask = mask.pixels.data();
+  frame.mask_stride = strideOf(mask);
+  return frame;
+}
+
+ResultHandle newResult(const NadirRoad& road) {
+  NadirResult* result = nullptr;
+  expect(nadir_result_create(&road, &result));
+  return ResultHandle(result);
+}
+
 // The areas are read too, so that a mistake in the last one does not wait for the matcher.
 Road roadOf(const RoadOptions& options) {
-  Road road{options, readCamera(options.camera), {}, {}, {}, {}, {}, {}};
+  Road road{options, cameraFor(options), {}, {}, {}, {}, {}, {}};
   setRectifier(options, road);
   checkMap(road.camera, options);
   checkHoles(road.camera, options);

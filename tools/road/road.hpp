@@ -38,6 +38,7 @@ struct RoadOptions {
   uint32_t minPoints = usualSettings().min_points;
   double fillHolesM2 = usualSettings().fill_holes_m2;
   bool noRegions = false;
+  bool mountMayLack = false;                                       // some mount is then used
   std::optional<double> minHeightMm, maxStepMm, dipMm, minAreaM2;  // else the usual ones for the map's cells
 };
 
@@ -76,6 +77,9 @@ Road roadOf(const RoadOptions& options);
 
 // What an automatic range has come to.
 std::string rangeSentence(const Road& road);
+
+NadirFrame frameOf(const Pair& pair, const Grid<uint8_t>& mask);
+ResultHandle newResult(const NadirRoad& road);
 
 // Another road of the same kind, for another thread.
 RoadHandle copyOf(const Road& road);
