@@ -29,9 +29,9 @@ class Manners : public testing::Test {
   Folder folder;
 };
 
-const std::vector<std::vector<std::string>> commands = {{"disparity"}, {"ground"},  {"camera", "import"},
-                                                        {"evaluate"},  {"preview"}, {"rectify"},
-                                                        {"synth"},     {"tune"},    {"verify"}};
+const std::vector<std::vector<std::string>> commands = {{"disparity"}, {"ground"}, {"check"}, {"camera", "import"},
+                                                        {"evaluate"},  {"level"},  {"plan"},  {"preview"},
+                                                        {"rectify"},   {"synth"},  {"tune"},  {"verify"}};
 
 TEST_F(Manners, HelpOfACommandIsItsHelp) {
   for (const auto& command : commands) {
