@@ -245,6 +245,13 @@ TEST_F(Calibration, WhatContradictsIsNamed) {
   expectRefused({lenses, replaced(lenses, "600, 0, 320", "601, 0, 320")},
                 "b.yml:3: M1: is not what a.yml says in line 3; take two files of one calibration");
   expectRefused({lenses + "M1: 3\n", pose}, "a.yml:23: M1: is there twice, in line 3 too; take one of them out");
+  const std::string views = matrix("P1", "3 4", "600, 0, 320, 0, 0, 600, 240, 0, 0, 0, 1, 0") +
+                            matrix("P2", "3 4", "600, 0, 320, -90, 0, 600, 240, 0, 0, 0, 1, 0");
+  expectRefused(
+      {lenses, pose + views},
+      "b.yml:8: T: is 0.12 long, but the baseline is 0.15 (-P2[0,3] / P2[0,0]); take files of one calibration");
+  expectRefused({lenses, pose + matrix("R1", "3 3", "0, 1, 0, -1, 0, 0, 0, 0, 1") + matrix("R2", "3 3", noRotation)},
+                "b.yml:8: T: does not fit the rotations of the views, R1 and R2; take files of one calibration");
   expectRefused({lenses, chain("-0.12")},
                 "a.yml is OpenCV's and b.yml is a Kalibr camchain; take two files of one calibration");
   expectRefused({plain, plain}, "a.yml is a calib.txt, which says all by itself; leave b.yml out");

@@ -4,6 +4,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/camera/lens_items.hpp"
+#include "tools/camera/rectification.hpp"
 #include "tools/files/files.hpp"
 
 namespace nadir::tool {
@@ -75,6 +76,7 @@ Calibration parsedCalibration(const std::vector<CalibrationFile>& files, const C
   const CalibrationItems second = files.size() > 1 ? calibrationItems(files[1]) : CalibrationItems();
   Calibration calibration = calibrationIn(first, files.size() > 1 ? &second : nullptr, options);
   calibration.path = first.path();
+  checkConsistency(calibration);
   if (options.unitMm > 0) setUnit(options.unitMm, format("a unit being %g mm", options.unitMm), calibration);
   return calibration;
 }

@@ -143,13 +143,18 @@ std::vector<Agreement> agreementsWith(const Calibration& calibration) {
 
 }  // namespace
 
+void checkConsistency(const Calibration& calibration) {
+  if (calibration.pose && calibration.rotations) checkRotations(calibration);
+  if (calibration.pose && calibration.optics) checkBaseline(calibration);
+}
+
 void complete(Calibration& calibration, const PictureSize& pictures) {
   if (!calibration.lenses)
     throw Error(calibration.path +
                 ": it holds no lenses (M1, M2), which rectifying needs; are the pictures rectified?");
   for (NadirLens& lens : *calibration.lenses) setSize(lens, calibration, pictures);
   if (!calibration.rotations || !calibration.optics) findViews(calibration);
-  if (calibration.pose) checkRotations(calibration), checkBaseline(calibration);
+
   if (calibration.widthPx != 0) return;
   calibration.widthPx = (*calibration.lenses)[0].width_px;
   calibration.heightPx = (*calibration.lenses)[0].height_px;

@@ -10,8 +10,11 @@ struct PictureSize {
   uint32_t width = 0, height = 0;
 };
 
-// Finds what the calibration leaves open: sizes, rotations and optics. Throws where it contradicts itself, where
-// something that rectifying needs is missing, and where it tells of pictures of another size.
+// Throws where the pose does not fit the views: files of two calibrations, say.
+void checkConsistency(const Calibration& calibration);
+
+// Finds what the calibration leaves open: sizes, rotations and optics. Throws where something that rectifying needs is
+// missing, and where it tells of pictures of another size.
 //
 // pictures  of the cameras; 0 where nobody knows
 void complete(Calibration& calibration, const PictureSize& pictures);
