@@ -166,15 +166,15 @@ NadirStatus nadir_level_add(NadirLevel* level, const NadirFrame* frame, const Na
   level->holdsPair = true;
   UncertainPlane plane{};
   if (!findFloor(*level, *frame, result->disparity, plane)) return NADIR_NOTHING_FOUND;
-  return add(level->sums, plane) ? NADIR_OK : NADIR_NOTHING_FOUND;
+  add(level->sums, plane);
+  return NADIR_OK;
 }
 
 NadirStatus nadir_level_read(const NadirLevel* level, NadirLevelled* levelled) {
   if (!level || !levelled) return NADIR_NULL_POINTER;
   if (!isWhole(levelled)) return NADIR_BAD_RECORD;
-  UncertainPlane mean{};
-  if (level->sums.pairs == 0 || !findMean(level->sums, level->shape.width, level->shape.height, mean))
-    return NADIR_NOTHING_FOUND;
+  if (level->sums.pairs == 0) return NADIR_NOTHING_FOUND;
+  const UncertainPlane mean = meanOf(level->sums, level->shape.width, level->shape.height);
   NadirLevelled found{};
   found.size = sizeof found;
   describe(mean, level->sums.pairs, level->context, level->columnShift, found);

@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+#include "ground/trust/arc_tangent.hpp"
+
 namespace nadir::ground {
 
 namespace {
@@ -22,6 +24,9 @@ constexpr double leastPixels = 2000;
 
 // Fewer parts say little about how they differ.
 constexpr uint32_t leastTiles = 7;
+
+// Pictures without noise agree in all their parts, but what is added up needs an inverse.
+constexpr double leastVariance = 1e-18;
 
 // ---- what a pixel says ----
 
@@ -92,7 +97,7 @@ bool findExposure(const Overlay& o, const DisparityPlane& plane, Exposure& e) {
   e.gain = std::sqrt(left / right);
   e.offset = m.left / m.n - e.gain * (m.right / m.n);
   const double together = m.both / m.n - m.left / m.n * (m.right / m.n), off = 2 * (left - e.gain * together);
-  e.scatter = std::sqrt(off > 0 ? off : 0);
+  e.scatter = std::sqrt(aboveZero(off));
   return true;
 }
 
@@ -115,8 +120,7 @@ void forEachMove(const Overlay& o, const DisparityPlane& plane, const Exposure& 
   });
 }
 
-bool step(const Overlay& o, DisparityPlane& plane) {
-  Exposure e;
+bool step(const Overlay& o, DisparityPlane& plane, Exposure& e) {
   DisparityPlane move;
   PlaneEquations equations;
   if (!findExposure(o, plane, e)) return false;
@@ -147,13 +151,11 @@ void addSquares(const DisparityPlane& move, double (&covariance)[9]) {
 
 // How far the plane moves when one part of the picture after the other is left out tells how uncertain it is (B. Efron,
 // C. Stein, "The jackknife estimate of variance", Annals of Statistics 9(3), 1981).
-bool findCovariance(const Overlay& o, UncertainPlane& plane) {
-  Exposure e;
+bool findCovariance(const Overlay& o, const Exposure& e, UncertainPlane& plane) {
   Tiled equations;
-  if (!findExposure(o, plane.plane, e)) return false;
   addTiles(o, plane.plane, e, equations);
   uint32_t used = 0;
-  for (double& value : plane.covariance) value = 0;
+  for (int i = 0; i < 9; ++i) plane.covariance[i] = i % 4 == 0 ? leastVariance : 0;
   for (const PlaneEquations& tile : equations.tile) {
     if (tile.isEmpty()) continue;
     DisparityPlane move;
@@ -180,10 +182,11 @@ double moveBetween(const Overlay& o, const DisparityPlane& from, const Disparity
 
 bool align(const Overlay& overlay, UncertainPlane& plane) {
   UncertainPlane moved = plane;
+  Exposure e;
   for (int i = 0; i < rounds; ++i)
-    if (!step(overlay, moved.plane)) return false;
+    if (!step(overlay, moved.plane, e)) return false;
   if (!(moveBetween(overlay, plane.plane, moved.plane) <= farthestMove)) return false;
-  if (!findCovariance(overlay, moved)) return false;
+  if (!findCovariance(overlay, e, moved)) return false;
   plane = moved;
   return true;
 }

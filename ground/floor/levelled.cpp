@@ -14,15 +14,13 @@ constexpr double ninetyPercent = 1.645;
 
 constexpr double alongFloorDeg = 89, straightDownDeg = 89;
 
-bool invert(const double (&m)[9], double (&inverse)[9]) {
+void invert(const double (&m)[9], double (&inverse)[9]) {
   const double a = m[4] * m[8] - m[5] * m[7], b = m[5] * m[6] - m[3] * m[8], c = m[3] * m[7] - m[4] * m[6];
   const double whole = m[0] * a + m[1] * b + m[2] * c;
-  if (!(std::fabs(whole) > 0)) return false;
   const double adjugate[9] = {a, m[2] * m[7] - m[1] * m[8], m[1] * m[5] - m[2] * m[4],  //
                               b, m[0] * m[8] - m[2] * m[6], m[2] * m[3] - m[0] * m[5],  //
                               c, m[1] * m[6] - m[0] * m[7], m[0] * m[4] - m[1] * m[3]};
   for (int i = 0; i < 9; ++i) inverse[i] = adjugate[i] / whole;
-  return true;
 }
 
 // What is alike in all parts of all pairs does not show in their differences: cubics read sharp edges a little off, as
@@ -86,9 +84,9 @@ double numberAt(const DisparityPlane& plane, int i) {
 
 }  // namespace
 
-bool add(PlaneSums& sums, const UncertainPlane& plane) {
+void add(PlaneSums& sums, const UncertainPlane& plane) {
   double certainty[9];
-  if (!invert(plane.covariance, certainty)) return false;
+  invert(plane.covariance, certainty);
   ++sums.pairs;
   for (int i = 0; i < 9; ++i) {
     const double weighted = certainty[i] * numberAt(plane.plane, i % 3);
@@ -96,13 +94,13 @@ bool add(PlaneSums& sums, const UncertainPlane& plane) {
     sums.weighted[i / 3] += weighted;
     sums.squares += weighted * numberAt(plane.plane, i / 3);
   }
-  return true;
 }
 
 // Where planes differ by more than chance makes them, their squares about the mean say by how much: 3 (n - 1) are
 // expected, with a variance of twice that.
-bool findMean(const PlaneSums& sums, uint32_t width, uint32_t height, UncertainPlane& mean) {
-  if (!invert(sums.certainty, mean.covariance)) return false;
+UncertainPlane meanOf(const PlaneSums& sums, uint32_t width, uint32_t height) {
+  UncertainPlane mean{};
+  invert(sums.certainty, mean.covariance);
   double at[3] = {}, squares = sums.squares;
   for (int i = 0; i < 9; ++i) at[i / 3] += mean.covariance[i] * sums.weighted[i % 3];
   for (int i = 0; i < 3; ++i) squares -= at[i] * sums.weighted[i];
@@ -111,7 +109,7 @@ bool findMean(const PlaneSums& sums, uint32_t width, uint32_t height, UncertainP
   if (squares > expected + 3 * std::sqrt(2 * expected) && expected > 0)
     for (double& value : mean.covariance) value *= squares / expected;
   addCommonError(width, height, mean.covariance);
-  return true;
+  return mean;
 }
 
 void describe(const UncertainPlane& plane, uint32_t pairs, const StereoCtx& context, double columnShift,

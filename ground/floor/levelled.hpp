@@ -15,11 +15,10 @@ struct PlaneSums {
   double squares = 0;  // of the planes, in standard deviations
 };
 
-// False, with the sums untouched, where the covariance has no inverse.
-bool add(PlaneSums& sums, const UncertainPlane& plane);
+void add(PlaneSums& sums, const UncertainPlane& plane);
 
-// Of sums that hold a plane of pictures of that size. False where the covariance has no inverse.
-bool findMean(const PlaneSums& sums, uint32_t width, uint32_t height, UncertainPlane& mean);
+// Of sums that hold a plane of pictures of that size.
+UncertainPlane meanOf(const PlaneSums& sums, uint32_t width, uint32_t height);
 
 // Fills all but the floor's share.
 void describe(const UncertainPlane& plane, uint32_t pairs, const StereoCtx& context, double columnShift,

@@ -268,6 +268,119 @@ TEST(Level, AFloorThatIntensitiesDoNotShowIsNone) {
     frame.right = other.data();
     EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_NOTHING_FOUND);
   }
+  frame = frameOf(pair.left, pair.right);
+  frame.left = flat.data();
+  EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_NOTHING_FOUND);
+}
+
+// ---- floors that are told by their disparities ----
+
+// Both pictures of a plane whose disparity changes from row to row, out of waves that can be read at any place.
+struct Waves {
+  static constexpr uint32_t width = 480, height = 320;
+
+  Waves(double perRow, double first, double noise) : perRow_(perRow), first_(first) {
+    lab::Random random(11);
+    for (double(&wave)[3] : waves_) {
+      wave[0] = random.between(-900, 900) / 1000.0;
+      wave[1] = random.between(-900, 900) / 1000.0;
+      wave[2] = random.between(0, 6283) / 1000.0;
+    }
+    pair.camera = cameraOf(rigAt(usual));
+    pair.camera.width_px = width;
+    pair.camera.height_px = height;
+    pair.camera.principal_y_px = 159.5;
+    for (uint32_t y = 0; y < height; ++y)
+      for (uint32_t x = 0; x < width; ++x) {
+        pair.left.pixels.push_back(pixel(x, y, noise * random.between(-100, 100) / 100));
+        pair.right.pixels.push_back(pixel(x + at(y), y, noise * random.between(-100, 100) / 100));
+      }
+    pair.left.width = pair.right.width = width;
+    pair.left.height = pair.right.height = height;
+  }
+
+  double at(uint32_t y) const { return perRow_ * y + first_; }
+
+  // With disparities where `shown` has them: the plane's, or others.
+  template <class Shown>
+  NadirStatus add(const Bench& bench, Shown shown) const {
+    Grid<float> disparity(width, height);
+    for (uint32_t y = 0; y < height; ++y)
+      for (uint32_t x = 0; x < width; ++x)
+        disparity.pixels[size_t{y} * width + x] = shown(x, y, static_cast<float>(at(y)));
+    NadirFrame frame = frameOf(pair.left, pair.right);
+    frame.disparity = disparity.pixels.data();
+    frame.disparity_stride = width * sizeof(float);
+    EXPECT_EQ(nadir_road_process(bench.road.get(), &frame, bench.result.get()), NADIR_OK);
+    return nadir_level_add(bench.level.get(), &frame, bench.result.get());
+  }
+
+  Pair pair{};
+
+ private:
+  uint16_t pixel(double x, uint32_t y, double noise) const {
+    double sum = 2000 + noise;
+    for (const double(&wave)[3] : waves_) sum += 90 * std::sin(wave[0] * x + wave[1] * y + wave[2]);
+    return static_cast<uint16_t>(sum);
+  }
+
+  double perRow_, first_;
+  double waves_[16][3];
+};
+
+TEST(Level, AFloorMayFillAQuarterOfThePicture) {
+  const Waves floor(0.03, 20, 20);
+  const Bench bench(floor.pair.camera);
+  const auto below = [](uint32_t x, uint32_t y, float d) {
+    return y >= 240 ? d : 34 + static_cast<float>((x / 16 * 7 + y / 16 * 11) % 23);
+  };
+  ASSERT_EQ(floor.add(bench, below), NADIR_OK);
+  const NadirLevelled found = bench.read();
+  EXPECT_NEAR(found.plane[1], 0.03, 2e-4);
+  EXPECT_NEAR(found.plane[2], 20, 0.05);
+  EXPECT_NEAR(found.floor_share, 0.25, 0.01);
+}
+
+TEST(Level, PicturesWithoutNoiseGiveThePlaneItself) {
+  const Waves floor(0.05, 12, 0);
+  const Bench bench(floor.pair.camera);
+  ASSERT_EQ(floor.add(bench, [](uint32_t, uint32_t, float d) { return d + 0.2f; }), NADIR_OK);
+  const NadirLevelled found = bench.read();
+  EXPECT_NEAR(found.plane[0], 0, 2e-5);
+  EXPECT_NEAR(found.plane[1], 0.05, 2e-5);
+  EXPECT_NEAR(found.plane[2], 12, 0.01);
+}
+
+// A corner or a strip says nothing certain of a whole plane.
+TEST(Level, TooLittleOfAFloorIsNone) {
+  const Waves floor(0.03, 20, 300);
+  const Bench bench(floor.pair.camera);
+  const auto within = [&](uint32_t right, uint32_t bottom) {
+    return floor.add(bench, [=](uint32_t x, uint32_t y, float d) { return x < right && y < bottom ? d : noDisparity; });
+  };
+  EXPECT_EQ(within(32, 24), NADIR_NOTHING_FOUND);   // too few pixels
+  EXPECT_EQ(within(120, 39), NADIR_NOTHING_FOUND);  // two parts of the picture
+  EXPECT_EQ(within(480, 16), NADIR_NOTHING_FOUND);  // a strip
+}
+
+TEST(Level, APartAloneDoesNotTellHowUncertainItIs) {
+  const Waves floor(0.03, 20, 0);
+  const Bench bench(floor.pair.camera);
+  const auto tile = [](uint32_t x, uint32_t y, float d) {
+    return x >= 120 && x < 180 && y >= 80 && y < 120 ? d : noDisparity;
+  };
+  EXPECT_EQ(floor.add(bench, tile), NADIR_NOTHING_FOUND);
+}
+
+TEST(Level, PanIsNotToldOfACameraThatLooksAlongTheFloor) {
+  const Waves floor(0.15, -0.15 * 159.5 + 0.01, 0);
+  const Bench bench(floor.pair.camera);
+  ASSERT_EQ(floor.add(bench, [](uint32_t, uint32_t y, float d) { return y > 180 ? d : noDisparity; }), NADIR_OK);
+  const NadirLevelled found = bench.read();
+  EXPECT_LT(found.tilt_deg, -89);
+  EXPECT_TRUE(std::isnan(found.pan_deg));
+  EXPECT_TRUE(std::isnan(found.pan_deviation_deg));
+  EXPECT_NEAR(found.roll_deg, 0, 0.2);
 }
 
 // ---- which pixels are taken ----
@@ -374,7 +487,7 @@ TEST(Level, GivenDisparitiesAreTaken) {
   EXPECT_NEAR(bench.read().height_mm, usual.height, 0.003 * usual.height);
   const NadirFrame without = frameOf(pair.left, pair.right);
   EXPECT_EQ(nadir_level_add(bench.level.get(), &without, bench.result.get()), NADIR_NOTHING_FOUND);
-  --frame.disparity_stride;
+  frame.disparity_stride += 2;
   EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_BAD_FRAME);
   frame.disparity_stride = 4;
   EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_BAD_FRAME);

@@ -335,6 +335,16 @@ TEST(RectifiedViews, WhatIsStraightStaysStraight) {
   EXPECT_EQ(views.baseline, 100);
 }
 
+TEST(RectifiedViews, TheSmallestFocalLengthIsTaken) {
+  const double translation[] = {-100, 0, 0};
+  for (uint32_t smallest = 0; smallest < 4; ++smallest) {
+    NadirLens left = plainLens(), right = plainLens();
+    NadirLens& lens = smallest < 2 ? left : right;
+    (smallest % 2 == 0 ? lens.focal_x_px : lens.focal_y_px) = 50;
+    EXPECT_EQ(viewsOf(left, right, straight, translation).left.focal_px, 50) << smallest;
+  }
+}
+
 void expectNoViews(const PairViews& views, const char* field, uint32_t area = 0) {
   EXPECT_EQ(views.status, NADIR_BAD_CAMERA);
   EXPECT_STREQ(views.fault.field, field);
