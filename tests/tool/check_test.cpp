@@ -111,6 +111,7 @@ TEST_F(Check, RefusesWhatItCannotCheck) {
   EXPECT_EQ(folder.run({"check", "left.png", "none.png"}).status, 1);
   EXPECT_EQ(folder.run({"check", "left.png", "right.png", "--camera", "left.png"}).status, 1);
   EXPECT_EQ(folder.run({"check", "left.png", "right.png", "--range", "62"}).status, 2);
+  EXPECT_EQ(folder.run({"check", "left.png", "right.png", "-o", "rows.jpg"}).status, 2);
   EXPECT_EQ(folder.run({"check", "left.png"}).status, 2);
   EXPECT_EQ(folder.run({"check", "left.png", "right.png", "-o", "none/rows.png"}).status, 1);
 }

@@ -108,6 +108,7 @@ void addCheckCommand(CLI::App& app) {
   command
       ->add_option("-o,--output", options->output,
                    "PNG that receives the row offsets in colours over the right picture (default: none)")
+      ->check(endingIn({".png"}))
       ->type_name("FILE");
   command->footer(
       "The verdict is the first of these that holds: size, same (picture twice), exposure, textureless, blurred,\n"
