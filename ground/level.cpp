@@ -70,19 +70,22 @@ size_t listBlocks(const NadirLevel& level, const NadirFrame& frame, const uint16
   return listBlocks(matched, width, height, level.blocks);
 }
 
+bool isGiven(const NadirFrame& frame, uint32_t x, uint32_t y) {
+  const void* row = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
+  const float disparity = static_cast<const float*>(row)[x];
+  return disparity == disparity;  // not-a-number is no number's equal
+}
+
 // Returns how many pixels have a disparity.
 uint32_t markKnown(const NadirLevel& level, const NadirFrame& frame, const uint16_t* matched) {
-  const uint32_t width = level.shape.width;
   uint32_t known = 0;
-  for (uint32_t y = 0; y < level.shape.height; ++y) {
-    const auto* given = reinterpret_cast<const uint8_t*>(frame.disparity) + y * frame.disparity_stride;
-    for (uint32_t x = 0; x < width; ++x) {
-      const float* pixel = reinterpret_cast<const float*>(given) + x;
-      const bool has = frame.disparity ? *pixel == *pixel : matched[size_t{width} * y + x] != 0;
-      level.taken[size_t{width} * y + x] = has ? NADIR_LEVEL_LEFT_OUT : NADIR_LEVEL_UNKNOWN;
+  size_t i = 0;
+  for (uint32_t y = 0; y < level.shape.height; ++y)
+    for (uint32_t x = 0; x < level.shape.width; ++x, ++i) {
+      const bool has = frame.disparity ? isGiven(frame, x, y) : matched[i] != 0;
+      level.taken[i] = has ? NADIR_LEVEL_LEFT_OUT : NADIR_LEVEL_UNKNOWN;
       known += has;
     }
-  }
   return known;
 }
 

@@ -60,7 +60,8 @@ Levelling levelled(RoadOptions options, const std::vector<PairFiles>& pairs, Sta
   options.match.refine = NADIR_REFINE_NONE;
   if (options.match.range != automaticRange) return levelledOn(roadOf(options), pairs, times);
   Levelling found;
-  for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122, NADIR_RANGE_244}) {
+  constexpr uint32_t ranges[] = {NADIR_RANGE_61, NADIR_RANGE_122, NADIR_RANGE_244};
+  for (const uint32_t range : ranges) {
     options.match.range = range;
     found = levelledOn(roadOf(options), pairs, times);
     if (found.mount) break;

@@ -111,7 +111,7 @@ TEST(Rectifier, APictureThatIsNotMovedStaysWhatItIs) {
 template <class Pixel>
 class RectifierPixels : public testing::Test {};
 using PixelTypes = testing::Types<uint8_t, uint16_t>;
-TYPED_TEST_SUITE(RectifierPixels, PixelTypes);
+TYPED_TEST_SUITE(RectifierPixels, PixelTypes, );
 
 // What the header says of a pixel, from where it comes from in 64ths.
 template <class Pixel>
