@@ -49,7 +49,6 @@ double needed(const std::optional<double>& value, const char* option) {
 
 double focalOf(const PlanOptions& options, uint32_t widthPx) {
   if (!options.fovDeg) return needed(options.focalPx, "--focal (or --fov)");
-  constexpr double degree = 3.14159265358979323846 / 180;
   return widthPx / 2.0 / std::tan(*options.fovDeg * degree / 2);
 }
 

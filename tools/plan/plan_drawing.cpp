@@ -12,7 +12,7 @@ namespace {
 
 constexpr double width = 720, margin = 60, gapBetween = 100;  // pixels
 constexpr double roomAround = 0.4;                            // of the map's longer side, which is drawn around it
-constexpr double row = 14;                                    // of text
+constexpr double textRow = 14;                                // of text
 
 struct Box {
   double left, right, low, high;  // mm
@@ -55,14 +55,14 @@ std::string sideView(const Plan& plan, const Box& box, const Scale& s) {
   std::string text = line(s, box.left, 0, box.right, 0, "stroke=\"#000\" stroke-width=\"2\"");
   text += line(s, box.left, plan.tallestMm, box.right, plan.tallestMm, "stroke=\"#d62728\" stroke-dasharray=\"6 4\"");
   text += label(s.x(box.right), s.y(plan.tallestMm) - 4, "end", format("tallest %.0f mm", plan.tallestMm));
-  double under = s.y(0) + row;
+  double under = s.y(0) + textRow;
   for (const PlannedPlace& place : plan.places) {
     const double forward = place.forwardMm;
     text += line(s, 0, height, forward, 0, "stroke=\"#1f77b4\"");
     text +=
         line(s, forward, 0, forward, place.greatestHeightMm, "stroke=\"#2ca02c\" stroke-width=\"4\" opacity=\"0.6\"");
     text += label(s.x(forward), under, "middle", format("%s %.0f mm: %.1f mm", place.name, forward, place.stepMm));
-    under += row;
+    under += textRow;
   }
   text += format("<circle cx=\"%.1f\" cy=\"%.1f\" r=\"5\"/>\n", s.x(0), s.y(height));
   return text + label(s.x(0) + 8, s.y(height) - 6, "start", format("%.0f mm, tilt %g", height, plan.camera.tiltDeg));

@@ -16,7 +16,6 @@ namespace nadir::tool {
 
 namespace {
 
-constexpr double degree = 3.14159265358979323846 / 180;
 constexpr double roomAtEdges = 0.97;  // of the half picture: mounts are never so exact
 constexpr double roomInRange = 0.95;  // of the disparities
 constexpr double finePixelMm = 20;    // that a pixel sees at the far corners, unless the wish is wide
@@ -93,7 +92,7 @@ Candidate chosenFor(const Wish& wish) {
     throw Error(
         format("--tallest %g is not below the camera, --height %g; hang it higher", wish.tallestMm, wish.heightMm));
   std::optional<Candidate> nearest;
-  for (const uint32_t range : {NADIR_RANGE_61, NADIR_RANGE_122, NADIR_RANGE_244})
+  for (const uint32_t range : {0u + NADIR_RANGE_61, 0u + NADIR_RANGE_122, 0u + NADIR_RANGE_244})
     for (double tilt = 0; tilt <= steepestTilt; ++tilt) {
       const std::optional<Candidate> candidate = bestFor(wish, tilt, range);
       if (candidate && isFine(*candidate, wish)) return *candidate;

@@ -8,8 +8,6 @@ namespace nadir::tool {
 
 namespace {
 
-constexpr double degree = 3.14159265358979323846 / 180;
-
 // The pan turns the camera about its own y axis before the tilt does about the world's x axis.
 std::array<double, 9> worldAxes(double tiltDeg, double panDeg) {
   const double ct = std::cos(tiltDeg * degree), st = std::sin(tiltDeg * degree);

@@ -8,6 +8,8 @@
 
 namespace nadir::tool {
 
+constexpr double degree = 3.14159265358979323846 / 180;  // in radians
+
 struct GroundPoint {
   double xMm, yMm;  // world, from the foot of the left camera
 };
