@@ -281,9 +281,9 @@ TEST(Checker, ThingsAtTheEndOfALongRange) {
 
 TEST(Checker, SizesThatDoNotFitAreAVerdict) {
   lab::Checker checker(width, height);
-  const Grid<uint16_t> other(width, height + 1, uint16_t{9});
-  for (const NadirPair& pair :
-       {lab::pairOf(good().left, other), lab::pairOf(other, good().right), lab::pairOf(other, other)}) {
+  const Grid<uint16_t> other(width, height + 1, uint16_t{9}), wider(width + 1, height, uint16_t{9});
+  for (const NadirPair& pair : {lab::pairOf(good().left, other), lab::pairOf(wider, good().right),
+                                lab::pairOf(other, good().right), lab::pairOf(other, other)}) {
     const NadirCheckup c = checker.checkup(pair);
     EXPECT_STREQ(nadir_verdict_name(c.verdict), "size");
     for (const double number : lab::numbersOf(c)) EXPECT_TRUE(std::isnan(number));
