@@ -635,9 +635,9 @@ const std::vector<Setting> settings = {
 
 // The results of a sequence do not depend on these. It refuses the two that give disparities, and the two about a
 // calibration's numbers show in those.
-const std::set<std::string> noSettings = {"--config",          "--quiet",  "--help",    "--output",
-                                          "--threads",         "--resume", "--unit-mm", "--disparity",
-                                          "--disparity-scale", "--strict", "--lens"};
+const std::set<std::string> noSettings = {"--json",      "--config",          "--quiet",  "--help",
+                                          "--output",    "--threads",         "--resume", "--unit-mm",
+                                          "--disparity", "--disparity-scale", "--strict", "--lens"};
 
 // Of a camera file's pictures, which are rectified: it changes nothing.
 std::string calibrationOf(const std::string& camera) {

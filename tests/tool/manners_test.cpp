@@ -1,6 +1,7 @@
 // How the program speaks with whoever types: help, mistyped words, settings in a file, silence, completion.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "tests/tool/tool.hpp"
@@ -78,6 +79,36 @@ TEST_F(Manners, QuietPrintsNoTable) {
 
 TEST_F(Manners, QuietStillTellsMistakes) {
   EXPECT_NE(mistake({"disparity", "none.png", "none.png", "-o", "d.png", "--quiet"}, 1), "");
+}
+
+TEST_F(Manners, TheLastLineTellsWhatWasWrittenAndWhereToLook) {
+  makePair();
+  const std::string matched = printed({"disparity", "left.png", "right.png", "-o", "d.png"});
+  EXPECT_NE(matched.find("\nwrote d.png; look at d.preview.png\n"), std::string::npos) << matched;
+  const std::string mapped = printed({"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "r"});
+  EXPECT_NE(mapped.find("\nwrote the results into r; look at r/regions.picture.png\n"), std::string::npos) << mapped;
+}
+
+TEST_F(Manners, JsonOfAPairIsItsSummary) {
+  makePair();
+  const std::string json = printed({"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "r", "--json"});
+  EXPECT_EQ(json, readFile(folder.path("r/summary.json")));
+}
+
+TEST_F(Manners, JsonOfDisparitiesHoldsTheSharesOfTheTable) {
+  makePair();
+  const std::string json = printed({"disparity", "left.png", "right.png", "-o", "d.png", "--json"});
+  const Picture picture = readPng(folder.path("d.png"));
+  const auto none = std::count(picture.samples.begin(), picture.samples.end(), 0);
+  const double all = static_cast<double>(picture.samples.size());
+  EXPECT_EQ(numberAfter(json, "\"width_px\""), 96);
+  EXPECT_NEAR(numberAfter(json, "\"value\""), 1 - static_cast<double>(none) / all, 0.001);
+}
+
+TEST_F(Manners, JsonOfASearchHoldsItsBest) {
+  makePair();
+  const std::string json = printed({"tune", ".", "--trials", "2", "--json"});
+  EXPECT_NE(json.find("\"best\": {\n    \"uniqueness\": "), std::string::npos) << json;
 }
 
 // ---- settings in a file ----

@@ -71,6 +71,10 @@ void print(const std::string& text) {
     throw Error("cannot write to standard output");
 }
 
+std::string writtenLine(const std::string& what, const std::string& picture) {
+  return "\nwrote " + what + (picture.empty() ? "" : "; look at " + picture) + "\n";
+}
+
 void say(const std::string& sentence) { std::fprintf(stderr, "nadir: %s\n", shownOn(STDERR_FILENO, sentence).c_str()); }
 
 }  // namespace nadir::tool

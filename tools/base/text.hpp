@@ -37,6 +37,9 @@ bool isSilent();
 // Writes to standard output and throws where that fails (a full disk behind a redirection).
 void print(const std::string& text);
 
+// The last line of a table: "wrote WHAT; look at PICTURE", the second half where there is a picture.
+std::string writtenLine(const std::string& what, const std::string& picture = "");
+
 // A line of its own on standard error: "nadir: SENTENCE".
 void say(const std::string& sentence);
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "tools/base/json_value.hpp"
 #include "tools/base/known_values.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
@@ -19,6 +20,7 @@
 #include "tools/pictures/chunks.hpp"
 #include "tools/pictures/formats.hpp"
 #include "tools/pictures/png.hpp"
+#include "tools/report/json_parts.hpp"
 #include "tools/road/halve.hpp"
 #include "tools/road/road.hpp"
 
@@ -28,7 +30,7 @@ namespace {
 
 struct DisparityOptions {
   std::string left, right, output, preview, mask;
-  bool noPreview = false, half = false, strict = false;
+  bool noPreview = false, half = false, strict = false, json = false;
   MatchOptions match;
   CalibrationOptions calibration;
 };
@@ -81,20 +83,42 @@ void writeOutputs(const DisparityOptions& options, const Grid<uint16_t>& dispari
   files.commit();
 }
 
-std::string report(const Grid<uint16_t>& disparity, const NadirPixelCounts& counts, const StageTimes& times) {
-  const auto share = [&](size_t count) { return percentOf(count, disparity.pixels.size()); };
+struct Share {
+  const char *label, *key;
+  uint64_t pixels;
+};
+
+std::vector<Share> sharesOf(const NadirPixelCounts& counts) {
+  return {{"with a value", "value", counts.value},
+          {"  of these filled from a neighbour", "filled", counts.filled},
+          {"rejected, no distinct match", "ambiguous", counts.ambiguous},
+          {"removed by post-processing", "removed", counts.removed},
+          {"masked", "masked", counts.masked},
+          {"border, not matched", "border", counts.border}};
+}
+
+std::string table(const Matching& result, const StageTimes& times) {
+  const Grid<uint16_t>& disparity = result.disparity;
   Table table;
   table.heading("stage", "time");
   times.addTo(table);
   table.gap();
   table.heading("pixels, " + sizeText(disparity.width, disparity.height), "share");
-  table.line("with a value", share(counts.value), "%", 2);
-  table.line("  of these filled from a neighbour", share(counts.filled), "%", 2);
-  table.line("rejected, no distinct match", share(counts.ambiguous), "%", 2);
-  table.line("removed by post-processing", share(counts.removed), "%", 2);
-  table.line("masked", share(counts.masked), "%", 2);
-  table.line("border, not matched", share(counts.border), "%", 2);
+  for (const Share& share : sharesOf(result.counts))
+    table.line(share.label, percentOf(share.pixels, disparity.pixels.size()), "%", 2);
   return table.text();
+}
+
+std::string json(const Matching& result) {
+  const Grid<uint16_t>& disparity = result.disparity;
+  Json shares;
+  for (const Share& share : sharesOf(result.counts))
+    shares[share.key] = shareJson(share.pixels, disparity.pixels.size());
+  const Json all = {{"width_px", disparity.width},
+                    {"height_px", disparity.height},
+                    {"shares", shares},
+                    {"warnings", warningsJson(result.warnings)}};
+  return all.dump(2) + "\n";
 }
 
 void run(const DisparityOptions& options) {
@@ -106,7 +130,9 @@ void run(const DisparityOptions& options) {
   inputs.insert(inputs.end(), {options.left, options.right, options.mask});
   OutputFiles files(inputs);
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
-  print(report(result.disparity, result.counts, times));
+  print(options.json
+            ? json(result)
+            : table(result, times) + writtenLine(options.output, options.noPreview ? "" : previewName(options)));
   const Warnings warnings = result.warnings;
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
@@ -155,6 +181,7 @@ void addDisparityCommand(CLI::App& app) {
                      "too; 244, and of a quarter (default: {default})");
   addRawOption(*command, options->match.noPostprocessing);
   addStrictOption(*command, options->strict);
+  addJsonOption(*command, options->json, "shares are fractions of 1");
   command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
   command->footer(
       "Disparities from 2 to 61 pixels are found. A warning on standard error says why they may not be relied on:\n"

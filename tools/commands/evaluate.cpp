@@ -113,13 +113,15 @@ void allowOnly(const std::vector<std::string>& meant, const EvaluateOptions& opt
       throw Error(format("%s is not for %s, %s", name.c_str(), options.input.c_str(), kind));
 }
 
+std::string written(const std::string& picture) { return picture.empty() ? "" : writtenLine(picture); }
+
 void runOnSequences(const EvaluateOptions& options) {
   allowOnly({"--plot", "--area", "--json"}, options, "a folder of a sequence");
   const std::vector<AreaTrack> areas = readTracks(options.input, options.truth);
   OutputFiles files({options.input + "/frames.jsonl", options.truth + "/truth.jsonl"});
   if (!options.plot.empty()) files.write(options.plot, trackPlot(plotted(areas, options.area)));
   files.commit();
-  print(options.json ? trackJson(areas) : trackTable(areas));
+  print(options.json ? trackJson(areas) : trackTable(areas) + written(options.plot));
 }
 
 // No option is for regions but --json, because all that the two folders hold is compared.
@@ -144,7 +146,7 @@ void runOnPictures(const EvaluateOptions& options) {
   if (!options.errorMap.empty())
     files.write(options.errorMap, errorMap(compared.values, compared.truth, range, heights ? "mm" : "pixels"));
   files.commit();
-  print(report(compared, heights, options.json));
+  print(report(compared, heights, options.json) + (options.json ? "" : written(options.errorMap)));
   if (heights) return;
   const Warnings warnings = gridWarnings(options);
   tell(warnings);

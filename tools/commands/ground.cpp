@@ -9,6 +9,7 @@
 
 #include "tools/base/error.hpp"
 #include "tools/base/known_values.hpp"
+#include "tools/base/text.hpp"
 #include "tools/base/warnings.hpp"
 #include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
@@ -37,7 +38,7 @@ namespace {
 struct GroundOptions {
   RoadOptions road;
   std::string left, right, folder, write;
-  bool strict = false, noMaps = false;
+  bool strict = false, noMaps = false, json = false;
   SequenceOptions sequence;
 };
 
@@ -95,9 +96,8 @@ Products productsOf(const GroundOptions& options, Source source) {
   return options.write.empty() ? usualProducts(source) : productsNamed(options.write, source);
 }
 
-void writeOutputs(const GroundOptions& options, const Road& road, const PairResult& r, const Warnings& warnings,
+void writeOutputs(const GroundOptions& options, const Road& road, const PairResult& r, const std::string& summary,
                   OutputFiles& files) {
-  const std::string summary = groundJson(road, r, warnings);
   const Products wanted = productsOf(options, Source::pair);
   std::vector<Encoding> encodings;
   for (const Output& output : outputsOf(road, r))
@@ -106,6 +106,11 @@ void writeOutputs(const GroundOptions& options, const Road& road, const PairResu
   writeAll(encodings, files);
   files.write(options.folder + "/summary.json", bytesOf(summary));
   files.commit();
+}
+
+std::string pictureToLookAt(const GroundOptions& options, const Road& road) {
+  if (productsOf(options, Source::pair).count(Product::preview) == 0) return "";
+  return options.folder + (road.findsRegions() ? "/regions.picture.png" : "/elevation.preview.png");
 }
 
 // Those of the library's, and what given disparities say of themselves.
@@ -138,8 +143,11 @@ void runOnPair(const GroundOptions& options) {
   inputs.insert(inputs.end(), {options.left, options.right, options.road.camera, options.road.areas,
                                options.road.disparity, options.road.mask});
   OutputFiles files(inputs);
-  times.measure("writing", [&] { writeOutputs(options, road, result, warnings, files); });
-  print(groundTable(road, result, times));
+  const std::string summary = groundJson(road, result, warnings);
+  times.measure("writing", [&] { writeOutputs(options, road, result, summary, files); });
+  print(options.json ? summary
+                     : groundTable(road, result, times) +
+                           writtenLine("the results into " + options.folder, pictureToLookAt(options, road)));
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
 }
@@ -148,6 +156,7 @@ void runOnSequence(const GroundOptions& options) {
   SequenceOptions sequence = options.sequence;
   sequence.folder = options.folder;
   sequence.strict = options.strict;
+  sequence.json = options.json;
   sequence.rule.products = options.noMaps ? Products() : productsOf(options, Source::sequence);
   if (sequence.rule.products == Products{Product::average})
     throw Error("--write average needs map too: a resumed run makes its first means of the maps that are there");
@@ -320,6 +329,7 @@ void addGroundCommand(CLI::App& app) {
   addRegionOptions(*command, options->road);
   addMatchOptions(*command, options->road);
   addStrictOption(*command, options->strict);
+  addJsonOption(*command, options->json, "of a pair it is summary.json");
   addWriteOption(*command, options->write);
   const std::function<bool()> sequenceAsked = addSequenceOptions(*command, *options);
   command->footer(

@@ -87,6 +87,10 @@ CLI::Option* addScaleOption(CLI::App& command, double& scale) {
                    "What one pixel of disparity is stored as (default: the file's own text nadir:scale, else 16)", "N");
 }
 
+CLI::Option* addJsonOption(CLI::App& command, bool& json, const std::string& remark) {
+  return command.add_flag("--json", json, "Print a JSON object instead of the table; " + remark);
+}
+
 CLI::Option* addStrictOption(CLI::App& command, bool& strict) {
   return command.add_flag("--strict", strict,
                           "End with status 3 where there is any warning; the results are written all the same");

@@ -63,6 +63,9 @@ CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
 // The number that a picture of disparities is divided by; 0 leaves it to the file.
 CLI::Option* addScaleOption(CLI::App& command, double& scale);
 
+// remark  about its units.
+CLI::Option* addJsonOption(CLI::App& command, bool& json, const std::string& remark);
+
 CLI::Option* addStrictOption(CLI::App& command, bool& strict);
 
 // Sets the default, a thread for each processor, too.

@@ -57,7 +57,7 @@ void writePair(const std::string& folder, const SynthSettings& settings) {
   for (const auto& group : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
     for (const NamedFile& file : group) files.write(folder + "/" + file.name, file.bytes);
   files.commit();
-  print(report(settings, rendering));
+  print(report(settings, rendering) + writtenLine("the pair and its truth into " + folder, folder + "/left.png"));
 }
 
 void run(SynthOptions& options) {

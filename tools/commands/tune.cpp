@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/base/error.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
@@ -24,6 +25,7 @@ struct TuneOptions {
   std::optional<double> tolerance;
   double wrongCosts = 1;
   uint32_t maxTrials = 20;
+  bool json = false;
 };
 
 // The setting with the range that was asked for.
@@ -67,6 +69,17 @@ Bytes plotOf(const Tunable& t, const SearchResult& result) {
   return encodeLinePlot({format("nadir tune --setting %s", t.name), t.name, "score, %", {curve, best}});
 }
 
+std::string json(const Tunable& t, const SearchResult& result, double usualScore) {
+  Json trials = Json::array();
+  for (const Trial& trial : result.trials)
+    trials.push_back({{t.name, trial.setting}, {"score_percent", significantNumber(trial.score)}});
+  const Json all = {{"trials", trials},
+                    {"best", {{t.name, result.best.setting}, {"score_percent", significantNumber(result.best.score)}}},
+                    {"default", {{t.name, t.usual}, {"score_percent", significantNumber(usualScore)}}},
+                    {"one_peak", result.onePeak && usualScore <= result.best.score}};
+  return all.dump(2) + "\n";
+}
+
 std::vector<std::string> pairFiles(const std::vector<std::string>& folders) {
   std::vector<std::string> files;
   for (const std::string& folder : folders)
@@ -82,7 +95,9 @@ void run(const TuneOptions& options) {
   OutputFiles files(pairFiles(options.folders));
   if (!options.plot.empty()) files.write(options.plot, plotOf(t, result));
   files.commit();
-  print(report(t, result, objective(t.usual)));
+  const double usualScore = objective(t.usual);
+  print(options.json ? json(t, result, usualScore)
+                     : report(t, result, usualScore) + (options.plot.empty() ? "" : writtenLine(options.plot)));
 }
 
 std::string settingList() {
@@ -125,6 +140,7 @@ void addTuneCommand(CLI::App& app) {
   command->add_option("-o,--output", options->plot, "Receives a plot of the trials, SVG (default: none)")
       ->check(endingIn({".svg"}))
       ->type_name("FILE");
+  addJsonOption(*command, options->json, "scores are percent");
   command->footer(
       settingList() +
       "\nThe score of a pair is 100 * (right - W * wrong) / truth: of the pixels (of a map: cells) whose truth is\n"

@@ -80,7 +80,7 @@ class SequenceRun {
     if (road_.options.match.range == automaticRange) say(rangeSentence(road_));
     tell(times_.warnings());
     work(log);
-    print(table());
+    print(options_.json ? json() : table());
     if (done_ < source_.size())
       throw Error(format("interrupted after %zu of %zu frames; the same command with --resume goes on there", done_,
                          source_.size()),
@@ -372,7 +372,13 @@ class SequenceRun {
     table.line("frames", static_cast<double>(done_), format("of %zu", source_.size()), 0);
     table.line("skipped", static_cast<double>(skipped_), "", 0);
     if (warned_ > 0) table.line("with warnings", static_cast<double>(warned_), "", 0);
-    return table.text();
+    return table.text() + writtenLine(logPath() + (writes(Product::map) ? " and a map of every frame" : ""));
+  }
+
+  std::string json() const {
+    const Json counts = {
+        {"frames", done_}, {"frames_in_all", source_.size()}, {"skipped", skipped_}, {"with_warnings", warned_}};
+    return counts.dump(2) + "\n";
   }
 
   const FrameSource& source_;

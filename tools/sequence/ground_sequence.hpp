@@ -14,6 +14,7 @@ struct SequenceOptions {
   SequenceRule rule;
   unsigned threads = 1;
   bool resume = false;
+  bool json = false;    // prints an object, no table
   bool strict = false;  // warnings make the exit status notAllReliable
 };
 
