@@ -14,7 +14,7 @@ namespace nadir::tool {
 
 namespace {
 
-const char option[] = "--config";
+const char configOption[] = "--config";
 
 bool names(const std::string& argument, const std::string& name) {
   return argument == name || argument.rfind(name + "=", 0) == 0;
@@ -23,8 +23,8 @@ bool names(const std::string& argument, const std::string& name) {
 // The file's name; empty where there is none.
 std::string fileNamed(const Arguments& arguments) {
   for (size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] == option && i + 1 < arguments.size()) return arguments[i + 1];
-    if (names(arguments[i], option)) return arguments[i].substr(sizeof option);
+    if (arguments[i] == configOption && i + 1 < arguments.size()) return arguments[i + 1];
+    if (names(arguments[i], configOption)) return arguments[i].substr(sizeof configOption);
   }
   return "";
 }
@@ -65,7 +65,7 @@ class Reader {
   void add(const CLI::App& command, uint32_t line, const std::string& key, const toml::node& node) {
     const std::string name = "--" + key;
     const CLI::Option* known = command.get_option_no_throw(name);
-    if (!known || !known->nonpositional() || name == option) return refuseName(command, line, key);
+    if (!known || !known->nonpositional() || name == configOption) return refuseName(command, line, key);
     if (isGiven(*known)) return;
     const bool isFlag = takesNothing(*known);
     if (isFlag != node.is_boolean())
