@@ -14,7 +14,7 @@ constexpr float unknown = -1e9f;  // it outweighs all that pixels can add up to
 
 float pixelAt(const uint8_t* row, uint32_t bits, uint32_t x) {
   if (bits == 8) return row[x];
-  uint16_t pixel;
+  uint16_t pixel = 0;
   std::memcpy(&pixel, row + size_t{2} * x, sizeof pixel);
   return pixel == 0 ? unknown : pixel;
 }
