@@ -141,7 +141,7 @@ void checkGrid(const Grid<T>& grid) {
 // As what the commands take a picture for, whose texts then count.
 void readMeasurement(const std::string& bytes, Fingerprint& print) {
   const std::string path = files().write("picture", bytes);
-  print.add(isElevationMap(path));
+  print.add(static_cast<int>(pictureKind(path)));
   attempt([&] { print.add(readIntensity(path)); });
   attempt([&] { print.add(readMask(path)); });
   attempt([&] { print.add(readElevation(path)); });

@@ -182,7 +182,7 @@ TEST(Preview, AnArrowTellsOfValuesBeyondAnEnd) {
   const Folder folder;
   writePng(folder.path("d.png"), picture(60, 100, 16, std::vector<uint16_t>(60 * 100, 15 * 16)));
   const auto drawn = [&folder](const char* low, const char* high) {
-    EXPECT_EQ(folder.run({"preview", "d.png", "-o", "p.png", "--range", low, high}).status, 0);
+    EXPECT_EQ(folder.run({"preview", "d.png", "-o", "p.png", "--scale", "16", "--range", low, high}).status, 0);
     return readPng(folder.path("p.png"));
   };
   // The bar begins 8 columns right of the picture and is 14 wide; its middle, just above and just below it.

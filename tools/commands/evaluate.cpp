@@ -134,7 +134,7 @@ void runOnFolders(const EvaluateOptions& options) {
 }
 
 void runOnPictures(const EvaluateOptions& options) {
-  const bool heights = options.heights || isElevationMap(options.input);
+  const bool heights = options.heights || pictureKind(options.input) == PictureKind::elevationMap;
   if (heights)
     allowOnly({"--heights", "--error-map", "--error-range", "--json"}, options, "an elevation map");
   else

@@ -14,6 +14,7 @@
 #include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
 #include "tools/commands/options.hpp"
+#include "tools/draw/plot.hpp"
 #include "tools/files/encodings.hpp"
 #include "tools/pictures/arrays.hpp"
 #include "tools/pictures/chunks.hpp"
@@ -56,7 +57,10 @@ std::vector<Output> outputsOf(const Road& road, const PairResult& r) {
   const auto map = [&, percentile] {
     return encodePng(gridOf<uint16_t>(r.findings.heights), mapTexts(road.context, percentile));
   };
-  const auto mapPreview = [&] { return encodeMapPlot(gridOf<uint16_t>(r.findings.heights), road.context); };
+  const auto mapPreview = [&] {
+    const Grid<float> heights = unpacked(gridOf<uint16_t>(r.findings.heights), 1);
+    return encodeMapPlot(heights, placeOf(road.context), usualRange(heights));
+  };
   const auto points = [&] { return encodePly(r.points, r.picture, static_cast<float>(road.camera.heightMm)); };
   const auto regions = [&, percentile] {
     return encodePng(gridOf<uint16_t>(r.findings.labels), regionTexts(road.context, percentile));

@@ -35,6 +35,12 @@ double ownNumber(const Raster& raster, const char* name, double fallback) {
   return found == raster.text.end() ? fallback : std::strtod(found->second.c_str(), nullptr);
 }
 
+double ownScale(const Raster& raster, const std::string& path, double fallback) {
+  const double scale = ownNumber(raster, chunks::scale, fallback);
+  if (scale >= 1e-6 && scale <= 1e6) return scale;
+  throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
+}
+
 Raster readMeasurements(const std::string& path, const char* what) {
   Raster raster = readRaster(path);
   if (raster.channels != 1 || raster.bits != 16) throw Error(path + " is not a 16-bit grey picture of " + what);
@@ -98,9 +104,7 @@ Grid<uint8_t> readMask(const std::string& path) {
 
 Grid<float> readDisparity(const std::string& path, double scale, double fallback) {
   Raster raster = readMeasurements(path, "disparities");
-  const double divisor = scale > 0 ? scale : ownNumber(raster, chunks::scale, fallback);
-  if (!(divisor >= 1e-6 && divisor <= 1e6))
-    throw Error(path + " holds a text \"" + chunks::scale + "\" that is not a positive number up to 1e6");
+  const double divisor = scale > 0 ? scale : ownScale(raster, path, fallback);
   return unpacked(gridOf(std::move(raster)), divisor);
 }
 
@@ -122,10 +126,16 @@ Warnings gridWarnings(const std::string& path, View taken, const std::string& te
            {}}};
 }
 
-bool isElevationMap(const std::string& path) {
+PictureKind pictureKind(const std::string& path) {
   const Raster raster = readRaster(path);
-  const auto units = raster.text.find(chunks::units);
-  return units != raster.text.end() && units->second == elevationUnits;
+  if (raster.channels != 1) return PictureKind::colours;
+  if (raster.bits != 16) return PictureKind::intensities;
+  const auto found = raster.text.find(chunks::units);
+  const std::string units = found == raster.text.end() ? "" : found->second;
+  if (units == elevationUnits) return PictureKind::elevationMap;
+  if (units == regionUnits) return PictureKind::regionMap;
+  if (units.find(elevationUnits) != std::string::npos) return PictureKind::heights;  // stored finer
+  return raster.text.count(chunks::scale) ? PictureKind::disparities : PictureKind::intensities;
 }
 
 Grid<uint16_t> readElevation(const std::string& path) { return gridOf(readMeasurements(path, "heights")); }
@@ -133,9 +143,10 @@ Grid<uint16_t> readElevation(const std::string& path) { return gridOf(readMeasur
 HeightPicture readHeights(const std::string& path) {
   const Raster raster = readMeasurements(path, "heights");
   const double none = ownNumber(raster, chunks::noValue, 0);
+  const auto scale = static_cast<float>(ownScale(raster, path, 1));
   HeightPicture picture{{raster.width, raster.height, std::nanf("")}, placeIn(raster)};
   for (size_t i = 0; i < raster.samples.size(); ++i)
-    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max<float>(raster.samples[i], lowestHeight);
+    if (raster.samples[i] != none) picture.heights.pixels[i] = std::max(raster.samples[i] / scale, lowestHeight);
   return picture;
 }
 

@@ -41,8 +41,9 @@ std::optional<View> gridOfDisparity(const std::string& path);
 // Whether it contradicts what `teller`, an option or another picture, takes its pixels for.
 Warnings gridWarnings(const std::string& path, View taken, const std::string& teller);
 
-// True where the picture says of itself that it holds heights in mm.
-bool isElevationMap(const std::string& path);
+// What a picture holds. Its texts tell; one without any is what cameras took.
+enum class PictureKind { disparities, elevationMap, regionMap, heights, intensities, colours };
+PictureKind pictureKind(const std::string& path);
 
 // An elevation map.
 struct HeightPicture {
@@ -61,7 +62,7 @@ LabelPicture readLabels(const std::string& path);
 // The heights as they are stored: mm, 0 for unseen, where nadir ground has written the file.
 Grid<uint16_t> readElevation(const std::string& path);
 
-// Unseen cells hold the value that the file names, 0 where it names none.
+// Unseen cells hold the value that the file names, 0 where it names none; what 1 mm is stored as, it names, too.
 HeightPicture readHeights(const std::string& path);
 
 }  // namespace nadir::tool

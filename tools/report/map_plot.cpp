@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "tools/base/known_values.hpp"
 #include "tools/base/text.hpp"
 #include "tools/draw/canvas.hpp"
 #include "tools/draw/plot.hpp"
@@ -21,11 +20,17 @@ constexpr uint32_t tickLength = 5;
 constexpr double columnTickDistance = 52;
 constexpr double rowTickDistance = 28;
 
-Grid<float> enlarged(const Grid<float>& cells, uint32_t factor) {
-  Grid<float> pixels(cells.width * factor, cells.height * factor);
+template <class T>
+Grid<T> enlarged(const Grid<T>& cells, uint32_t factor) {
+  Grid<T> pixels(cells.width * factor, cells.height * factor);
   for (uint32_t y = 0; y < pixels.height; ++y)
     for (uint32_t x = 0; x < pixels.width; ++x) pixels.at(x, y) = cells.at(x / factor, y / factor);
   return pixels;
+}
+
+template <class T>
+uint32_t pixelsOfACell(const Grid<T>& cells, uint32_t smallestSide) {
+  return std::max(1u, smallestSide / std::max(cells.width, cells.height));
 }
 
 Grid<Rgb> withMargins(const Grid<Rgb>& inner) {
@@ -62,26 +67,35 @@ void drawRowAxis(Grid<Rgb>& picture, uint32_t pixels, double origin, double mmPe
   drawText(picture, 4, 4, "y, mm (downwards)");
 }
 
-}  // namespace
-
-MapPlot drawMap(const Grid<uint16_t>& heights, const StereoCtx& context, uint32_t smallestSide) {
-  const Grid<float> cells = unpacked(heights, 1);
-  const uint32_t factor = std::max(1u, smallestSide / std::max(cells.width, cells.height));
-  const Grid<float> pixels = enlarged(cells, factor);
-  const auto [low, high] = usualRange(cells);
-  MapPlot map{withMargins(plot(pixels, {low, high, turbo, "mm"})),
-              leftMargin,
-              topMargin,
-              factor,
-              {leftMargin, topMargin, pixels.width, pixels.height}};
-  const double mmPerPixel = static_cast<double>(context.mapParams.cellSizeX) / factor;
-  drawColumnAxis(map.picture, topMargin + pixels.height, pixels.width, context.lowerLeft.x, mmPerPixel);
-  drawRowAxis(map.picture, pixels.height, context.lowerLeft.y, mmPerPixel);
+// inner  the map itself, whatever stands at its right belongs to it.
+// size   of the map's cells, pixels.
+MapPlot withAxes(const Grid<Rgb>& inner, Rect size, const MapPlace& place, uint32_t factor) {
+  MapPlot map{withMargins(inner), leftMargin, topMargin, factor, {leftMargin, topMargin, size.width, size.height}};
+  if (!(place.cellMm > 0 && std::isfinite(place.leftMm) && std::isfinite(place.topMm))) return map;
+  const double mmPerPixel = place.cellMm / factor;
+  drawColumnAxis(map.picture, topMargin + size.height, size.width, place.leftMm, mmPerPixel);
+  drawRowAxis(map.picture, size.height, place.topMm, mmPerPixel);
   return map;
 }
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const StereoCtx& context) {
-  return encodePng(drawMap(heights, context, usualSide).picture,
+}  // namespace
+
+MapPlot drawMap(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range,
+                uint32_t smallestSide) {
+  const uint32_t factor = pixelsOfACell(heights, smallestSide);
+  const Grid<float> pixels = enlarged(heights, factor);
+  const Rect size{0, 0, pixels.width, pixels.height};
+  return withAxes(plot(pixels, {range.first, range.second, turbo, "mm"}), size, place, factor);
+}
+
+MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t smallestSide) {
+  const uint32_t factor = pixelsOfACell(cells, smallestSide);
+  const Grid<Rgb> pixels = enlarged(cells, factor);
+  return withAxes(pixels, {0, 0, pixels.width, pixels.height}, place, factor);
+}
+
+Bytes encodeMapPlot(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range) {
+  return encodePng(drawMap(heights, place, range, usualSide).picture,
                    pictureTexts("Heights above the ground in mm, coloured, seen from above; grey: unseen."));
 }
 

@@ -1,8 +1,9 @@
 // An elevation map in colours, seen from above, with its axes in mm.
 #pragma once
 
-#include <nadir/camera.h>
+#include <utility>
 
+#include "tools/base/map_place.hpp"
 #include "tools/draw/canvas.hpp"
 #include "tools/files/files.hpp"
 
@@ -18,10 +19,16 @@ struct MapPlot {
   Spot spot(double column, double row) const { return {left + column * cellPixels, top + row * cellPixels}; }
 };
 
-// context       of the map: its cells and its corner.
+// Heights in mm, NaN for unseen. Where the place is not known, there are no axes.
+//
+// range         the heights at the two ends of the colours, mm.
 // smallestSide  of the map's larger side, pixels: small maps are drawn with several pixels a cell.
-MapPlot drawMap(const Grid<uint16_t>& heights, const StereoCtx& context, uint32_t smallestSide);
+MapPlot drawMap(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range,
+                uint32_t smallestSide);
 
-Bytes encodeMapPlot(const Grid<uint16_t>& heights, const StereoCtx& context);
+// The same of cells that have their colours already, and no scale.
+MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t smallestSide);
+
+Bytes encodeMapPlot(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range);
 
 }  // namespace nadir::tool

@@ -4,10 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/base/known_values.hpp"
 #include "tools/base/text.hpp"
+#include "tools/draw/plot.hpp"
 #include "tools/draw/signs.hpp"
 #include "tools/pictures/chunks.hpp"
 #include "tools/report/map_plot.hpp"
+#include "tools/report/map_texts.hpp"
 
 namespace nadir::tool {
 
@@ -127,7 +130,7 @@ Grid<uint16_t> labelsOfPixels(const Road& road, const PairResult& r) {
   return labels;
 }
 
-// The mean place of each label's pixels, nothing for a label that no pixel has.
+// The mean place of each label's pixels, nothing for a label that no pixel has. No label is above `count`.
 std::vector<std::optional<Spot>> middles(const Grid<uint16_t>& labels, size_t count) {
   std::vector<Spot> sums(count + 1, Spot{0, 0});
   std::vector<size_t> pixels(count + 1);
@@ -143,6 +146,11 @@ std::vector<std::optional<Spot>> middles(const Grid<uint16_t>& labels, size_t co
     if (pixels[i]) middles[i] = Spot{sums[i].x / n, sums[i].y / n};
   }
   return middles;
+}
+
+void colourCells(Grid<Rgb>& cells, const Grid<uint16_t>& labels) {
+  for (size_t i = 0; i < labels.pixels.size(); ++i)
+    if (const uint16_t label = labels.pixels[i]) cells.pixels[i] = colourOf(label);
 }
 
 void colourRegions(Grid<Rgb>& picture, const Grid<uint16_t>& labels) {
@@ -193,11 +201,22 @@ std::vector<NamedOutline> areasInPicture(const Road& road, const Rect& whole) {
   return areas;
 }
 
+// The numbers stand in the middle of what they count.
+void numberLabels(MapPlot& map, const Grid<uint16_t>& labels) {
+  const uint16_t last = *std::max_element(labels.pixels.begin(), labels.pixels.end());
+  const std::vector<std::optional<Spot>> places = middles(labels, last);
+  Signs signs(map.picture, map.place);
+  for (uint32_t label = 1; label <= last; ++label)
+    if (const std::optional<Spot>& place = places[label])
+      signs.drawAt(map.spot(place->x, place->y), std::to_string(label), 2, white);
+}
+
 }  // namespace
 
 Bytes encodeRegionMap(const Road& road, const PairResult& result) {
   const NadirFindings& findings = result.findings;
-  MapPlot map = drawMap(gridOf<uint16_t>(findings.heights), road.context, mapSide);
+  const Grid<float> heights = unpacked(gridOf<uint16_t>(findings.heights), 1);
+  MapPlot map = drawMap(heights, placeOf(road.context), usualRange(heights), mapSide);
   const std::vector<NamedOutline> areas = areasOnMap(map, road);
   outlineCells(map, gridOf<uint16_t>(findings.labels));
   drawLines(map.picture, areas);
@@ -226,6 +245,14 @@ Bytes encodeRegionPicture(const Road& road, const PairResult& result) {
   return encodePng(picture,
                    pictureTexts("The measured picture: regions coloured and numbered (yellow: cut off by its edge "
                                 "or the other picture's), areas of interest on the ground outlined in pink."));
+}
+
+Bytes encodeLabelMap(const LabelPicture& map) {
+  Grid<Rgb> cells(map.labels.width, map.labels.height, noValueGrey);
+  colourCells(cells, map.labels);
+  MapPlot drawn = drawColouredMap(cells, map.place, mapSide);
+  numberLabels(drawn, map.labels);
+  return encodePng(drawn.picture, pictureTexts("Regions in colours, numbered, seen from above; grey: none."));
 }
 
 }  // namespace nadir::tool

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/files/files.hpp"
+#include "tools/pictures/pictures.hpp"
 #include "tools/road/road.hpp"
 
 namespace nadir::tool {
@@ -12,5 +13,8 @@ Bytes encodeRegionMap(const Road& road, const PairResult& result);
 
 // The measured view's picture, where what belongs to a region is coloured.
 Bytes encodeRegionPicture(const Road& road, const PairResult& result);
+
+// A map of regions, each in a colour and with its number; grey: none.
+Bytes encodeLabelMap(const LabelPicture& map);
 
 }  // namespace nadir::tool
