@@ -140,8 +140,9 @@ TEST_F(BadInput, Mask) {
                 "the mask left.png is not an 8-bit grey picture");
 }
 
-TEST_F(BadInput, HalvingAnotherSize) {
-  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--half"}, "these are 96 x 64");
+TEST_F(BadInput, ScalingDownUntilNothingIsLeft) {
+  expectRefused({"disparity", "left.png", "right.png", "-o", "d.png", "--scale-down", "16"},
+                "pictures of 96 x 64 pixels cannot be scaled down by 16: at least 5 x 5 must be left");
 }
 
 TEST_F(BadInput, WrongKindOfDisparityPicture) {

@@ -318,21 +318,86 @@ TEST_F(Disparity, SharesAddUp) {
     EXPECT_GE(numberAfter(table, stage), 0) << stage;
 }
 
-TEST_F(Disparity, HalvesVgaPictures) {
-  ASSERT_EQ(folder.run({"synth", "."}).status, 0);
-  for (const std::string name : {"left", "right"}) {
-    const Picture full = readPng(folder.path(name + ".png"));
-    Picture half = picture(320, 240, 16, {});
-    for (uint32_t y = 0; y < 240; ++y)
-      for (uint32_t x = 0; x < 320; ++x) {
-        const uint32_t sum = full.at(2 * x, 2 * y) + full.at(2 * x + 1, 2 * y) + full.at(2 * x, 2 * y + 1) +
-                             full.at(2 * x + 1, 2 * y + 1);
-        half.samples.push_back(static_cast<uint16_t>((sum + 2) / 4));
+// ---- scaled down ----
+
+// Every pixel is the mean of those in its block of 2 x 2 that are not 0.
+Picture halfOf(const Picture& full) {
+  Picture half = picture(full.width / 2, full.height / 2, 16, {});
+  for (uint32_t y = 0; y < half.height; ++y)
+    for (uint32_t x = 0; x < half.width; ++x) {
+      uint32_t sum = 0, count = 0;
+      for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t value = full.at(2 * x + i % 2, 2 * y + i / 2);
+        sum += value;
+        count += value != 0;
       }
-    writePng(folder.path(name + "-half.png"), half);
+      half.samples.push_back(static_cast<uint16_t>(count ? (sum + count / 2) / count : 0));
+    }
+  return half;
+}
+
+Picture withHole(Picture full) {
+  for (uint32_t y = 33; y < 60; ++y)
+    for (uint32_t x = 51; x < 70; ++x) full.samples[y * full.width + x] = 0;
+  return full;
+}
+
+class ScaledDown : public Disparity {
+ protected:
+  // The sentence that says it.
+  std::string sentence(const std::vector<std::string>& options, const std::string& l, const std::string& r) {
+    std::vector<std::string> arguments = {"disparity", l, r, "-o", "d.png"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const Outcome outcome = folder.run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.err;
   }
-  const std::vector<uint16_t> expected = disparity({}, "left-half.png", "right-half.png");
-  EXPECT_EQ(disparity({"--half"}), expected);
+};
+
+TEST_F(ScaledDown, IsTheDisparityOfHalvedPicturesOfAnySize) {
+  ASSERT_EQ(folder.run({"synth", ".", "--size", "323x203"}).status, 0);
+  for (const std::string name : {"left", "right"}) {
+    const Picture full = withHole(readPng(folder.path(name + ".png"))), half = halfOf(full);
+    writePng(folder.path(name + ".png"), full);
+    writePng(folder.path(name + "-2.png"), half);
+    writePng(folder.path(name + "-4.png"), halfOf(half));
+  }
+  for (const std::string n : {"2", "4"}) {
+    const std::vector<uint16_t> expected = disparity({}, "left-" + n + ".png", "right-" + n + ".png");
+    const std::string size = n == "2" ? "161 x 101" : "80 x 50";
+    EXPECT_EQ(sentence({"--scale-down", n}, "left.png", "right.png"),
+              "nadir: both pictures are scaled down to " + size + " pixels (--scale-down " + n + ")\n");
+    EXPECT_EQ(readPng(folder.path("d.png")).samples, expected) << n;
+  }
+  const Bytes four = readFile(folder.path("d.png"));
+  sentence({"--half"}, "left.png", "right.png");
+  const Bytes half = readFile(folder.path("d.png"));
+  sentence({"--scale-down", "2"}, "left.png", "right.png");
+  EXPECT_EQ(readFile(folder.path("d.png")), half);
+  EXPECT_NE(four, half);
+}
+
+TEST_F(ScaledDown, AutomaticallyToAtMost1280Columns) {
+  EXPECT_EQ(sentence({"--scale-down", "auto"}, "left.png", "right.png"), "");
+  EXPECT_EQ(sentence({"--scale-down", "1"}, "left.png", "right.png"), "");
+  const std::pair<uint32_t, std::string> sizes[] = {{1281, "640 x 20"}, {1282, "641 x 20"}, {2562, "640 x 10"}};
+  for (const auto& [columns, size] : sizes) {
+    Picture wide = picture(columns, 40, 8, {});
+    for (uint32_t i = 0; i < columns * 40; ++i) wide.samples.push_back(static_cast<uint16_t>((i * i / 7 + i) % 251));
+    writeFile(folder.path("wide.pgm"), pgm(wide));
+    EXPECT_NE(sentence({"--scale-down", "auto"}, "wide.pgm", "wide.pgm").find("scaled down to " + size + " pixels"),
+              std::string::npos)
+        << columns;
+  }
+}
+
+TEST_F(ScaledDown, OnlyPowersOfTwoAreTaken) {
+  for (const char* n : {"0", "3", "-2", "128", "02", "two"}) {
+    const Outcome outcome = folder.run({"disparity", "left.png", "right.png", "-o", "d.png", "--scale-down", n});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.err.find("is neither auto nor a power of two from 1 to 64"), std::string::npos) << outcome.err;
+  }
+  EXPECT_EQ(folder.run({"disparity", "left.png", "right.png", "-o", "d.png", "--scale-down", "2", "--half"}).status, 2);
 }
 
 // ---- preview ----

@@ -30,7 +30,8 @@ namespace {
 
 struct DisparityOptions {
   std::string left, right, output, preview, mask;
-  bool noPreview = false, half = false, strict = false, json = false;
+  bool noPreview = false, strict = false, json = false;
+  uint32_t scaleDown = 1;
   MatchOptions match;
   CalibrationOptions calibration;
 };
@@ -45,8 +46,13 @@ void rectify(const CalibrationOptions& options, Pair& pair) {
 Pair readInputs(const DisparityOptions& options, StageTimes& times) {
   Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
   if (!options.calibration.files.empty()) times.measure("rectifying", [&] { rectify(options.calibration, pair); });
-  if (options.half) times.measure("halving", [&] { pair = {halved(pair.left), halved(pair.right)}; });
   return pair;
+}
+
+void scaleDown(Pair& pair, uint32_t scaleDown, StageTimes& times) {
+  if (scaleDown == 1) return;
+  times.measure("halving", [&] { pair = scaledDown(std::move(pair), scaleDown); });
+  say(scaleDownSentence(pair, scaleDown));
 }
 
 TextChunks texts(const DisparityOptions& options) {
@@ -57,6 +63,7 @@ TextChunks texts(const DisparityOptions& options) {
   texts["nadir:refine"] = wordOf(refineWords(), options.match.refine);
   texts["nadir:range"] = wordOf(rangeWords(), options.match.range);
   texts["nadir:post-processing"] = options.match.noPostprocessing ? "no" : "yes";
+  if (options.scaleDown > 1) texts["nadir:scale-down"] = std::to_string(options.scaleDown);
   return texts;
 }
 
@@ -121,9 +128,11 @@ std::string json(const Matching& result) {
   return all.dump(2) + "\n";
 }
 
-void run(const DisparityOptions& options) {
+void run(DisparityOptions options) {
   StageTimes times;
-  const Pair pair = readInputs(options, times);
+  Pair pair = readInputs(options, times);
+  if (options.scaleDown == automaticScaleDown) options.scaleDown = scaleDownForWidth(pair.left.width);
+  scaleDown(pair, options.scaleDown, times);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
   const Matching result = matched(pair, mask, options.match, times);
   std::vector<std::string> inputs = options.calibration.files;
@@ -182,7 +191,10 @@ void addDisparityCommand(CLI::App& app) {
   addRawOption(*command, options->match.noPostprocessing);
   addStrictOption(*command, options->strict);
   addJsonOption(*command, options->json, "shares are fractions of 1");
-  command->add_flag("--half", options->half, "Halve pictures of 640 x 480 pixels to 320 x 240 first");
+  addScaleDownOption(*command, options->scaleDown,
+                     "Make both pictures N times smaller first: 2, 4, 8 and so on; auto, until they have at most 1280 "
+                     "columns. 0 stays no data, and an odd last row or column is left out; disparities are those of "
+                     "the smaller pictures (default: 1)");
   command->footer(
       "Disparities from 2 to 61 pixels are found. A warning on standard error says why they may not be relied on:\n"
       "pictures too dark, overexposed, exchanged or twice the same, little that can be matched, things nearer than "

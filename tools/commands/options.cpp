@@ -5,6 +5,7 @@
 
 #include "tools/base/in_order.hpp"
 #include "tools/pictures/formats.hpp"
+#include "tools/road/halve.hpp"
 
 namespace nadir::tool {
 
@@ -19,6 +20,15 @@ std::set<std::string> wordsOf(const Words& words) {
   std::set<std::string> all;
   for (const Word& word : words) all.insert(word.word);
   return all;
+}
+
+constexpr const char* automaticWord = "auto";
+
+std::string mistakeInScaleDown(const std::string& word) {
+  if (word == automaticWord) return "";
+  for (uint32_t n = 1; n <= largestScaleDown; n *= 2)
+    if (word == std::to_string(n)) return "";
+  return format("\"%s\" is neither auto nor a power of two from 1 to %u", word.c_str(), largestScaleDown);
 }
 
 }  // namespace
@@ -75,6 +85,18 @@ std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& op
 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help) {
   return command.add_option("--mask", path, help)->type_name("FILE");
+}
+
+CLI::Option* addScaleDownOption(CLI::App& command, uint32_t& scaleDown, const char* help) {
+  const auto choose = [&scaleDown](const std::string& word) {
+    scaleDown = word == automaticWord ? automaticScaleDown : static_cast<uint32_t>(std::stoul(word));
+  };
+  CLI::Option* option = command.add_option_function<std::string>("--scale-down", choose, help)
+                            ->check(CLI::Validator(mistakeInScaleDown, ""))
+                            ->type_name("N");
+  const auto chooseHalf = [&scaleDown](int64_t) { scaleDown = 2; };
+  command.add_flag_function("--half", chooseHalf, "Short for --scale-down 2")->excludes(option);
+  return option;
 }
 
 CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing) {

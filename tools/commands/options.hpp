@@ -58,6 +58,9 @@ std::vector<CLI::Option*> addAccuracyOptions(CLI::App& command, MatchOptions& op
                                              const char* rangeHelp);
 
 CLI::Option* addMaskOption(CLI::App& command, std::string& path, const char* help);
+// A power of two, or automaticScaleDown. --half is the older name for 2.
+CLI::Option* addScaleDownOption(CLI::App& command, uint32_t& scaleDown, const char* help);
+
 CLI::Option* addRawOption(CLI::App& command, bool& noPostprocessing);
 
 // The number that a picture of disparities is divided by; 0 leaves it to the file.

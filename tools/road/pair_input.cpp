@@ -13,8 +13,9 @@ Pair readPair(const std::string& left, const std::string& right) {
   if (!sameSize(pair.left, pair.right))
     throw UnusableFile(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
                               right.c_str(), sizeText(pair.right.width, pair.right.height).c_str()));
-  if (pair.left.width < 5 || pair.left.height < 5)
-    throw UnusableFile(format("the pictures are too small: %s pixels, the least is 5 x 5", leftSize.c_str()));
+  if (pair.left.width < smallestSide || pair.left.height < smallestSide)
+    throw UnusableFile(format("the pictures are too small: %s pixels, the least is %s", leftSize.c_str(),
+                              sizeText(smallestSide, smallestSide).c_str()));
   return pair;
 }
 

@@ -9,6 +9,8 @@ namespace nadir::tool {
 
 using lab::Grid;
 
+constexpr uint32_t smallestSide = 5;  // of a picture that the matcher can work on, pixels
+
 struct Pair {
   Grid<uint16_t> left, right;
 };
