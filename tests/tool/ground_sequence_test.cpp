@@ -141,6 +141,97 @@ TEST_F(GroundSequence, PatternsNameTheSameFrames) {
   EXPECT_EQ(readFile(folder.path("folder/frames.jsonl")), readFile(folder.path("pattern/frames.jsonl")));
 }
 
+// What two recordings of the frames are named, and how a run names them.
+struct Recording {
+  std::string leftFolder, leftName, rightFolder, rightName, left, right;  // a name's # stands for the number
+};
+
+const Recording recordings[] = {
+    {"cam0", "#.png", "cam1", "#.png", "cam0", "cam1"},
+    {"a", "left_#.png", "b", "r#.png", "a", "b"},
+    {"g", "#.png", "h", "#.png", "g/*.png", "h/0*[0-9].png"},
+    {"shots", "#_left.png", "shots", "#_right.png", "shots/*_left.png", "shots/*_right.png"},
+    {"m", "#.png", "n", "x#.png", "m", "n/x%06d.png"},
+};
+
+std::string named(std::string name, int frame) { return name.replace(name.find('#'), 1, number(frame)); }
+
+TEST_F(GroundSequence, TwoFoldersGlobsAndPatternsNameTheSameFrames) {
+  ground("whole", {"--write", "none"});
+  const auto heightsOf = [this](const std::string& output) {
+    std::vector<Json> all = lines(output);
+    for (Json& line : all) line["name"] = "";
+    return all;
+  };
+  for (const Recording& r : recordings) {
+    for (const std::string& made : {r.leftFolder, r.rightFolder}) fs::create_directory(folder.path(made));
+    for (int frame = 0; frame < frames; ++frame) {
+      const std::string digits = number(frame) + ".png";
+      fs::create_symlink("../s/left/" + digits, folder.path(r.leftFolder + "/" + named(r.leftName, frame)));
+      fs::create_symlink("../s/right/" + digits, folder.path(r.rightFolder + "/" + named(r.rightName, frame)));
+    }
+    writeFile(folder.path(r.leftFolder + "/notes.txt"), "");
+    const std::string output = "of-" + r.leftFolder;
+    std::vector<std::string> other = arguments(output, {"--write", "none"});
+    other[1] = r.left;
+    other.insert(other.begin() + 2, r.right);
+    const Outcome outcome = folder.run(other);
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(heightsOf(output), heightsOf("whole")) << r.left;
+  }
+}
+
+// Both pictures of a frame in one, left | right.
+Picture sideBySide(const Picture& left, const Picture& right) {
+  Picture both = picture(2 * left.width, left.height, left.bits, {});
+  for (uint32_t y = 0; y < left.height; ++y)
+    for (const Picture* side : {&left, &right})
+      for (uint32_t x = 0; x < left.width; ++x) both.samples.push_back(side->at(x, y));
+  return both;
+}
+
+TEST_F(GroundSequence, SideBySidePicturesAreTheSameFrames) {
+  fs::create_directory(folder.path("both"));
+  for (int frame = 0; frame < frames; ++frame) {
+    const std::string file = number(frame) + ".png";
+    writePng(folder.path("both/" + file),
+             sideBySide(readPng(folder.path("s/left/" + file)), readPng(folder.path("s/right/" + file))));
+  }
+  ground("two");
+  for (const std::string both : {"both", "both/*.png", "both/%06d.png"}) {
+    std::vector<std::string> one = arguments("one", {"--side-by-side"});
+    one[1] = both;
+    ASSERT_EQ(folder.run(one).status, 0);
+    EXPECT_EQ(readFile(folder.path("one/frames.jsonl")), readFile(folder.path("two/frames.jsonl")));
+    EXPECT_EQ(map("one", "average", 5).samples, map("two", "average", 5).samples);
+    fs::remove_all(folder.path("one"));
+  }
+  const auto pair = [this](std::vector<std::string> pictures, const std::string& output) {
+    pictures.insert(pictures.begin(), "ground");
+    pictures.insert(pictures.end(), {"--camera", "s/camera.toml", "-o", output});
+    EXPECT_EQ(folder.run(pictures).status, 0);
+    return readPng(folder.path(output + "/elevation.png")).samples;
+  };
+  EXPECT_EQ(pair({"both/000003.png", "--side-by-side"}, "p"), pair({"s/left/000003.png", "s/right/000003.png"}, "q"));
+}
+
+TEST_F(GroundSequence, ResumeNoticesOtherPictures) {
+  fs::create_directory_symlink("s/left", folder.path("cam0"));
+  fs::create_directory_symlink("s/right", folder.path("cam1"));
+  const auto resumed = [this](std::vector<std::string> pictures) {
+    pictures.insert(pictures.begin(), "ground");
+    pictures.insert(pictures.end(), {"--camera", "s/camera.toml", "-o", "r", "--resume", "--write", "none"});
+    return folder.run(pictures);
+  };
+  EXPECT_EQ(resumed({"cam0", "cam1"}).status, 0);
+  EXPECT_EQ(resumed({"s"}).status, 0);
+  EXPECT_EQ(resumed({"s/left/*.png", "cam1/%06d.png"}).status, 0);
+  EXPECT_NE(resumed({"cam1", "cam0"}).err.find("tells of other settings: first_left is "), std::string::npos);
+  EXPECT_NE(resumed({"cam0", "cam0"}).err.find("tells of other settings: first_right is "), std::string::npos);
+  EXPECT_NE(resumed({"cam0/00000[1-9].png", "cam1"}).err.find("tells of other settings: first_left is "),
+            std::string::npos);
+}
+
 TEST_F(GroundSequence, TimeFollowsTheNumbers) {
   for (const std::string side : {"s/left/", "s/right/"}) {
     fs::rename(folder.path(side + number(5) + ".png"), folder.path(side + number(25) + ".png"));
@@ -633,11 +724,11 @@ const std::vector<Setting> settings = {
     {"--write", "map", "averages is true there and false here"},
 };
 
-// The results of a sequence do not depend on these. It refuses the two that give disparities, and the two about a
-// calibration's numbers show in those.
-const std::set<std::string> noSettings = {"--json",      "--config",          "--quiet",  "--help",
-                                          "--output",    "--threads",         "--resume", "--unit-mm",
-                                          "--disparity", "--disparity-scale", "--strict", "--lens"};
+// The results of a sequence do not depend on these. It refuses the two that give disparities, the two about a
+// calibration's numbers show in those, and --side-by-side in which files are read.
+const std::set<std::string> noSettings = {"--json",    "--config", "--quiet",       "--help",      "--output",
+                                          "--threads", "--resume", "--unit-mm",     "--disparity", "--disparity-scale",
+                                          "--strict",  "--lens",   "--side-by-side"};
 
 // Of a camera file's pictures, which are rectified: it changes nothing.
 std::string calibrationOf(const std::string& camera) {
@@ -870,6 +961,9 @@ TEST_F(GroundSequence, RefusesInOneSentence) {
   for (const char* name :
        {"unnumbered/left/notes.png", "twice/left/a7.png", "twice/left/b07.png", "large/left/18446744073709551616.png"})
     writeFile(folder.path(name), "");
+  fs::create_directory(folder.path("few"));
+  fs::copy_file(folder.path("s/right/000000.png"), folder.path("few/000000.png"));
+  writePng(folder.path("odd.png"), picture(61, 60, 8, std::vector<uint16_t>(3660)));
   writePng(folder.path("small.png"), picture(60, 60, 8, std::vector<uint16_t>(3600)));
   const auto before = folder.names();
   const auto refuse = [&](std::vector<std::string> arguments, const std::string& sentence) {
@@ -882,17 +976,24 @@ TEST_F(GroundSequence, RefusesInOneSentence) {
     EXPECT_EQ(folder.names(), before);
   };
   refuse({"empty"}, "there is no frame in empty");
-  refuse({"unnumbered"}, "none of the pictures in unnumbered/left/ has a number at the end of its name");
+  refuse({"unnumbered"},
+         "there is no frame in unnumbered/left/: none of the pictures in it has a number at the end of its name");
   refuse({"twice"}, "the frames a7 and b07 of twice have the same number");
   refuse({"large"}, "the frame number 18446744073709551616 is too large");
   refuse({"nowhere"}, "there is no file or folder nowhere");
   refuse({"nowhere", "--fps", "15"}, "there is no file or folder nowhere");
-  refuse({"s/left"}, "cannot read the folder s/left/left/");
-  refuse({"s", "s"}, "name no second one");
+  refuse({"s/left"}, "there is no folder left in s/left: name two folders, one for each camera, or say --side-by-side");
+  refuse({"s", "s"}, "there is no frame in s/: none of the pictures in it has a number at the end of its name");
+  refuse({"s", "s", "--side-by-side"}, "s holds both pictures of each pair: name no second one");
+  refuse({"s/left", "twice/left"}, "the frames a7 and b07 of twice/left have the same number");
+  refuse({"s/left", "few"}, "frame 000001 of s/left has no right picture: none in few has its number");
+  refuse({"s/left/*.png", "s/right/*.bmp"}, "there is no frame in s/right/*.bmp");
+  refuse({"odd.png", "--side-by-side"}, "odd.png does not hold two pictures side by side: it has 61 columns");
   refuse({"s/left/%06d.png"}, "is no pattern of numbered pictures");
   refuse({"s/left/%06d.png", "s/right/%s.png"}, "is no pattern of numbered pictures");
   refuse({"s/left/no%06d.png", "s/right/%06d.png"}, "there is no frame in");
-  refuse({"s/left/000000.png"}, "a right picture is needed");
+  refuse({"s/left/000000.png"},
+         "a right picture is needed beside s/left/000000.png, or --side-by-side where it holds both");
   refuse({"s/left/000000.png", "s/right/000000.png", "--fps", "5"}, "is one picture");
   refuse({"s", "--disparity", "d.png"}, "--disparity is for one pair");
   refuse({"s", "--mask", "m.png"}, "cannot read m.png");

@@ -39,7 +39,7 @@ namespace {
 struct GroundOptions {
   RoadOptions road;
   std::string left, right, folder, write;
-  bool strict = false, noMaps = false, json = false;
+  bool sideBySide = false, strict = false, noMaps = false, json = false;
   SequenceOptions sequence;
 };
 
@@ -135,7 +135,8 @@ Road toldRoad(const RoadOptions& options) {
 }
 
 void runOnPair(const GroundOptions& options) {
-  if (options.right.empty()) throw Error("a right picture is needed beside " + options.left);
+  if (options.right.empty() && !options.sideBySide)
+    throw Error("a right picture is needed beside " + options.left + ", or --side-by-side where it holds both");
   checkProducts(options);
   StageTimes times;
   const Road road = toldRoad(options.road);
@@ -166,10 +167,12 @@ void runOnSequence(const GroundOptions& options) {
     throw Error("--write average needs map too: a resumed run makes its first means of the maps that are there");
   if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
   const Road road = toldRoad(options.road);
-  groundSequence(FrameSource(options.left, options.right), road, sequence);
+  groundSequence(FrameSource(options.left, options.right, options.sideBySide), road, sequence);
 }
 
 void run(const GroundOptions& options, bool sequenceAsked) {
+  if (options.sideBySide && !options.right.empty())
+    throw Error("with --side-by-side " + options.left + " holds both pictures of each pair: name no second one");
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
   if (options.right.empty() && !std::filesystem::exists(options.left))
     throw Error("there is no file or folder " + options.left);
@@ -185,9 +188,14 @@ void addInputs(CLI::App& command, GroundOptions& options) {
       .add_option("LEFT", options.left,
                   "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
                   "in left and right, each with its frame's number at the end of its name (others are left out); a "
-                  "pattern, left/%06d.png")
+                  "folder of the left camera's; a glob in quotes, 'left/*.png'; a pattern, left/%06d.png")
       ->required();
-  command.add_option("RIGHT", options.right, "Right picture of the same size, or the pattern of the right ones");
+  command.add_option("RIGHT", options.right,
+                     "Right picture of the same size, or the folder, glob or pattern of the right ones: those with "
+                     "the number of a left one");
+  command.add_flag("--side-by-side", options.sideBySide,
+                   "LEFT holds both pictures of a pair in one, left | right, or is a folder, a glob or a pattern of "
+                   "such");
   command.add_option("--camera", options.road.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");
@@ -385,7 +393,9 @@ void addGroundCommand(CLI::App& app) {
       "  nadir ground left.png right.png --camera camera.toml -o result --areas areas.toml --for people\n"
       "  nadir ground left.png right.png --camera camera.toml -o result --fill-holes 0.02\n"
       "  nadir ground walk --camera walk/camera.toml -o result --fps 15 --resume\n"
-      "  nadir ground cam0/%06d.png cam1/%06d.png --camera camera.toml -o result");
+      "  nadir ground cam0 cam1 --camera camera.toml -o result\n"
+      "  nadir ground 'shots/*_left.png' 'shots/*_right.png' --camera camera.toml -o result\n"
+      "  nadir ground recording --side-by-side --camera camera.toml -o result");
   command->callback([options, sequenceAsked] { run(*options, sequenceAsked()); });
 }
 

@@ -1,11 +1,41 @@
 // Pictures that do not fit together are refused here, before anything is matched.
 #include "tools/road/pair_input.hpp"
 
+#include <algorithm>
+
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/pictures/pictures.hpp"
 
 namespace nadir::tool {
+
+namespace {
+
+// Half of a picture's columns, from `first` on.
+Grid<uint16_t> halfOf(const Grid<uint16_t>& picture, uint32_t first) {
+  Grid<uint16_t> half(picture.width / 2, picture.height);
+  for (uint32_t y = 0; y < half.height; ++y) std::copy_n(picture.row(y) + first, half.width, half.row(y));
+  return half;
+}
+
+void checkLeastSize(const Pair& pair) {
+  if (pair.left.width < smallestSide || pair.left.height < smallestSide)
+    throw UnusableFile(format("the pictures are too small: %s pixels, the least is %s",
+                              sizeText(pair.left.width, pair.left.height).c_str(),
+                              sizeText(smallestSide, smallestSide).c_str()));
+}
+
+Pair readSideBySide(const std::string& path) {
+  const Grid<uint16_t> both = readIntensity(path);
+  if (both.width % 2 != 0)
+    throw UnusableFile(format("%s does not hold two pictures side by side: it has %u columns, an odd number",
+                              path.c_str(), both.width));
+  Pair pair{halfOf(both, 0), halfOf(both, both.width / 2)};
+  checkLeastSize(pair);
+  return pair;
+}
+
+}  // namespace
 
 Pair readPair(const std::string& left, const std::string& right) {
   const Pair pair{readIntensity(left), readIntensity(right)};
@@ -13,10 +43,12 @@ Pair readPair(const std::string& left, const std::string& right) {
   if (!sameSize(pair.left, pair.right))
     throw UnusableFile(format("the pictures differ in size: %s is %s pixels, %s is %s", left.c_str(), leftSize.c_str(),
                               right.c_str(), sizeText(pair.right.width, pair.right.height).c_str()));
-  if (pair.left.width < smallestSide || pair.left.height < smallestSide)
-    throw UnusableFile(format("the pictures are too small: %s pixels, the least is %s", leftSize.c_str(),
-                              sizeText(smallestSide, smallestSide).c_str()));
+  checkLeastSize(pair);
   return pair;
+}
+
+Pair readFrame(const std::string& left, const std::string& right) {
+  return right.empty() ? readSideBySide(left) : readPair(left, right);
 }
 
 Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path) {

@@ -18,6 +18,9 @@ struct Pair {
 // Two pictures of one size that the matcher can work on.
 Pair readPair(const std::string& left, const std::string& right);
 
+// The same, or where `right` is empty both from the left file, which holds them side by side.
+Pair readFrame(const std::string& left, const std::string& right);
+
 // An empty path means no mask.
 Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path);
 

@@ -347,7 +347,7 @@ Pair fittingPair(const Road& road, Pair pair, StageTimes& times) {
 void work(const Road& road, NadirRoad& handle, const std::string& left, const std::string& right, StageTimes& times,
           PairResult& result) {
   const RoadOptions& options = road.options;
-  Pair pair = fittingPair(road, times.measure("reading", [&] { return readPair(left, right); }), times);
+  Pair pair = fittingPair(road, times.measure("reading", [&] { return readFrame(left, right); }), times);
   if (!options.disparity.empty()) result.given = givenDisparities(options, pair);
   const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
   NadirFrame frame = frameOf(pair, mask);

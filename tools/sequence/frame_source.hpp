@@ -10,38 +10,48 @@ namespace nadir::tool {
 class FrameSource {
  public:
   // left   a folder with pictures of equal names in its folders left and right; `right` is empty then.
-  //        Or a pattern with one number in it as printf writes them, cam0/%06d.png, and `right` another.
+  //        Or a folder of the left camera's pictures; a glob of them, left/*.png; a pattern with one number in it as
+  //        printf writes them, cam0/%06d.png. `right` names those of the right camera in one of these ways, and those
+  //        of one number are a pair.
+  // sideBySide  every picture that `left` names holds both, left | right; `right` is empty.
   // Frames are those that the left camera has, in the order of the numbers in their names. In a folder the number
-  // stands at the end of the name; pictures without one are no frames. Throws where there is none.
-  FrameSource(const std::string& left, const std::string& right);
+  // stands at the end of the name, in what a glob matches it is the last one; pictures without one are no frames.
+  // Throws where there is none.
+  FrameSource(const std::string& left, const std::string& right, bool sideBySide);
 
   static bool isSequence(const std::string& left);
 
   size_t size() const { return frames_.size(); }
   uint64_t number(size_t frame) const { return frames_[frame].number; }
   const std::string& name(size_t frame) const { return frames_[frame].name; }  // of its files, without extension
-  std::string left(size_t frame) const { return left_.path(frames_[frame]); }
-  std::string right(size_t frame) const { return right_.path(frames_[frame]); }
+  std::string left(size_t frame) const;
+  std::string right(size_t frame) const;  // empty where the left file holds both
 
  private:
+  // One picture of a camera.
   struct Frame {
     uint64_t number;
     std::string name, extension;
+    std::string right;  // the right camera's file, in its folder; empty where it has the left one's name
   };
 
   // What stands around a frame's number in the names of one camera's files.
-  struct Names {
+  struct Pattern {
     std::string folder, before, after;
-    unsigned digits = 0;
-    bool numbered = false;
-    std::string path(const Frame& frame) const;
+    unsigned digits;
+    std::string file(uint64_t number) const;
   };
 
-  static Names parsePattern(const std::string& pattern);
-  void listFolder(const std::string& folder);
-  void listPattern();
+  static Pattern parsePattern(const std::string& pattern);
+  static std::vector<Frame> framesOfFolder(const std::string& folder);
+  static std::vector<Frame> framesOfGlob(const std::string& folder, const std::string& glob);
+  static std::vector<Frame> framesOfPattern(const Pattern& pattern);
+  static std::vector<Frame> framesOf(const std::string& argument, std::string& folder);
 
-  Names left_, right_;
+  void findRight(const std::string& left, const std::string& right);
+
+  std::string leftFolder_, rightFolder_;
+  bool sideBySide_;
   std::vector<Frame> frames_;
 };
 

@@ -213,7 +213,7 @@ class SequenceRun {
 
   std::optional<Pair> readable(size_t frame) const {
     try {
-      return readPair(source_.left(frame), source_.right(frame));
+      return readFrame(source_.left(frame), source_.right(frame));
     } catch (const UnusableFile&) {
       return {};
     }

@@ -114,7 +114,8 @@ NadirTrackSettings usualTracking() {
 }
 
 std::string settingsText(const Road& road, const SequenceRule& rule, const FrameSource& source, TimeUnit times) {
-  const FirstPair first{absolutePath(source.left(0)), absolutePath(source.right(0))};
+  const std::string left = source.left(0), right = source.right(0);
+  const FirstPair first{absolutePath(left), absolutePath(right.empty() ? left : right)};
   Json json = settingsJson(road, rule, first, markOfMask(road.options.mask), times);
   if (road.calibration) json["calibration"] = calibrationJson(*road.calibration);  // else the pictures are rectified
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
