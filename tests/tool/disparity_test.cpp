@@ -320,22 +320,6 @@ TEST_F(Disparity, SharesAddUp) {
 
 // ---- scaled down ----
 
-// Every pixel is the mean of those in its block of 2 x 2 that are not 0.
-Picture halfOf(const Picture& full) {
-  Picture half = picture(full.width / 2, full.height / 2, 16, {});
-  for (uint32_t y = 0; y < half.height; ++y)
-    for (uint32_t x = 0; x < half.width; ++x) {
-      uint32_t sum = 0, count = 0;
-      for (uint32_t i = 0; i < 4; ++i) {
-        const uint32_t value = full.at(2 * x + i % 2, 2 * y + i / 2);
-        sum += value;
-        count += value != 0;
-      }
-      half.samples.push_back(static_cast<uint16_t>(count ? (sum + count / 2) / count : 0));
-    }
-  return half;
-}
-
 Picture withHole(Picture full) {
   for (uint32_t y = 33; y < 60; ++y)
     for (uint32_t x = 51; x < 70; ++x) full.samples[y * full.width + x] = 0;
@@ -357,10 +341,10 @@ class ScaledDown : public Disparity {
 TEST_F(ScaledDown, IsTheDisparityOfHalvedPicturesOfAnySize) {
   ASSERT_EQ(folder.run({"synth", ".", "--size", "323x203"}).status, 0);
   for (const std::string name : {"left", "right"}) {
-    const Picture full = withHole(readPng(folder.path(name + ".png"))), half = halfOf(full);
+    const Picture full = withHole(readPng(folder.path(name + ".png"))), half = halved(full);
     writePng(folder.path(name + ".png"), full);
     writePng(folder.path(name + "-2.png"), half);
-    writePng(folder.path(name + "-4.png"), halfOf(half));
+    writePng(folder.path(name + "-4.png"), halved(half));
   }
   for (const std::string n : {"2", "4"}) {
     const std::vector<uint16_t> expected = disparity({}, "left-" + n + ".png", "right-" + n + ".png");

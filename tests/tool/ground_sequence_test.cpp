@@ -715,6 +715,8 @@ const std::vector<Setting> settings = {
     {"--range", "244", "range_px is "},
     {"--tallest", "3450", "range_px is "},
     {"--mask", "m.png", "mask is null there and given here"},
+    {"--scale-down", "2", "camera/focal_px is "},
+    {"--half", "", "camera/focal_px is "},
     {"--raw", "", "post_processing is true there and false here"},
     {"--fps", "11", "fps is 10.0 there and 11.0 here"},
     {"--times", "ms", "times is \"frames\" there and \"ms\" here"},

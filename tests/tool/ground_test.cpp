@@ -289,5 +289,77 @@ TEST_F(Ground, RefusesWithoutLeavingAnything) {
   refuse({"left.png", "right.png", "--write", "all"}, "cannot write result/points.ply", 20000);
 }
 
+// ---- scaled down ----
+
+class GroundScaledDown : public StraightDown {
+ protected:
+  // A pair with a mask and an area, and the same of half the size.
+  GroundScaledDown() {
+    std::filesystem::create_directory(folder.path("half"));
+    shiftRight(20);
+    Picture mask = picture(width, height, 8, std::vector<uint16_t>(width * height));
+    for (uint32_t y = 0; y < height; ++y) mask.samples[y * width + 81] = 255;
+    Picture half = picture(width / 2, height / 2, 8, std::vector<uint16_t>(width * height / 4));
+    for (uint32_t y = 0; y < half.height; ++y) half.samples[y * half.width + 40] = 255;
+    writePng(folder.path("mask.png"), mask);
+    writePng(folder.path("half/mask.png"), half);
+    for (const std::string name : {"left.png", "right.png"})
+      writePng(folder.path("half/" + name), halved(readPng(folder.path(name))));
+    writeFile(folder.path("areas.toml"), area("[21, 10], [100, 10], [100, 71], [21, 71]"));
+    writeFile(folder.path("half/areas.toml"), area("[10, 5], [50, 5], [50, 35], [10, 35]"));
+    writeFile(folder.path("half/c.toml"),
+              "baseline_mm = 200\nfocal_px = 50\nprincipal_x_px = 29.5\nprincipal_y_px = 19.5\nwidth_px = 60\n"
+              "height_px = 40\nheight_mm = 1500\ntilt_deg = 0\ncolumn_shift_px = 0.5\n"
+              "[map]\nwidth_cells = 40\nheight_cells = 30\ncell_mm = 50\n");
+    writeFile(folder.path("c.toml"), camera("column_shift_px = 1\n"));
+  }
+
+  static std::string area(const std::string& corners) { return "[[area]]\nname = \"a\"\npixels = [" + corners + "]\n"; }
+};
+
+TEST_F(GroundScaledDown, IsTheGroundOfHalvedPicturesAndTheirCamera) {
+  ASSERT_EQ(folder
+                .run({"ground", "half/left.png", "half/right.png", "--camera", "half/c.toml", "--mask", "half/mask.png",
+                      "--areas", "half/areas.toml", "-o", "expected"})
+                .status,
+            0);
+  for (const std::vector<std::string>& option : {std::vector<std::string>{"--scale-down", "2"}, {"--half"}}) {
+    std::vector<std::string> options = {"--mask", "mask.png", "--areas", "areas.toml"};
+    options.insert(options.end(), option.begin(), option.end());
+    const Outcome outcome = ground(options);
+    EXPECT_NE(outcome.err.find("nadir: both pictures are scaled down to 60 x 40 pixels (--scale-down 2)\n"),
+              std::string::npos)
+        << outcome.err;
+    for (const char* file : {"elevation.png", "regions.png", "disparity.png", "regions.picture.png", "summary.json"})
+      EXPECT_EQ(readFile(folder.path(std::string("result/") + file)),
+                readFile(folder.path(std::string("expected/") + file)))
+          << file;
+  }
+}
+
+// The tallest things are 20000 / 300 pixels from the left picture to the right.
+TEST_F(GroundScaledDown, AutomaticallyUntilTheRangeFits) {
+  std::vector<uint16_t> samples;
+  for (uint32_t i = 0; i < 320 * 80; ++i) samples.push_back(noise(i % 320, i / 320));
+  for (const char* name : {"left.png", "right.png"}) writePng(folder.path(name), picture(320, 80, 16, samples));
+  Bytes wide = camera();
+  writeFile(folder.path("c.toml"), wide.replace(wide.find("width_px = 120"), 14, "width_px = 320"));
+  const auto isScaled = [this](const std::string& range, const std::string& tallest) {
+    const Outcome outcome = ground({"--scale-down", "auto", "--range", range, "--tallest", tallest});
+    return outcome.err.find("scaled down to 160 x 40 pixels (--scale-down 2)") != std::string::npos;
+  };
+  EXPECT_TRUE(isScaled("61", "1200"));
+  EXPECT_FALSE(isScaled("61", "1100"));
+  EXPECT_FALSE(isScaled("122", "1200"));
+  EXPECT_FALSE(isScaled("auto", "1200"));
+}
+
+TEST_F(GroundScaledDown, NotWithDisparitiesThatAreGiven) {
+  const Outcome outcome = folder.run(
+      {"ground", "left.png", "right.png", "--camera", "c.toml", "-o", "result", "--disparity", "left.png", "--half"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "nadir: --scale-down is for pairs that are matched, not for --disparity\n");
+}
+
 }  // namespace
 }  // namespace nadir::test

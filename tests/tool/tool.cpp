@@ -76,6 +76,21 @@ Picture picture(uint32_t width, uint32_t height, uint32_t bits, std::vector<uint
   return {width, height, 1, bits, std::move(samples), {}};
 }
 
+Picture halved(const Picture& full) {
+  Picture half = picture(full.width / 2, full.height / 2, 16, {});
+  for (uint32_t y = 0; y < half.height; ++y)
+    for (uint32_t x = 0; x < half.width; ++x) {
+      uint32_t sum = 0, count = 0;
+      for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t value = full.at(2 * x + i % 2, 2 * y + i / 2);
+        sum += value;
+        count += value != 0;
+      }
+      half.samples.push_back(static_cast<uint16_t>(count ? (sum + count / 2) / count : 0));
+    }
+  return half;
+}
+
 Picture mirrored(Picture picture) {
   for (auto row = picture.samples.begin(); row != picture.samples.end(); row += picture.width)
     std::reverse(row, row + picture.width);

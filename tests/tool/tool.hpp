@@ -21,6 +21,7 @@ struct Picture {
 
 Picture picture(uint32_t width, uint32_t height, uint32_t bits, std::vector<uint16_t> samples);
 Picture mirrored(Picture picture);
+Picture halved(const Picture& full);  // every pixel the mean of those in its block of 2 x 2 that are not 0
 
 Bytes pgm(const Picture& picture);   // of three channels: PPM
 Bytes bmp(const Picture& picture);   // one channel of 8 bits, stored as three

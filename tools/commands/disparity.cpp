@@ -49,10 +49,10 @@ Pair readInputs(const DisparityOptions& options, StageTimes& times) {
   return pair;
 }
 
-void scaleDown(Pair& pair, uint32_t scaleDown, StageTimes& times) {
+void scalePairDown(Pair& pair, uint32_t scaleDown, StageTimes& times) {
   if (scaleDown == 1) return;
   times.measure("halving", [&] { pair = scaledDown(std::move(pair), scaleDown); });
-  say(scaleDownSentence(pair, scaleDown));
+  say(scaleDownSentence({pair.left.width, pair.left.height}, scaleDown));
 }
 
 TextChunks texts(const DisparityOptions& options) {
@@ -132,8 +132,8 @@ void run(DisparityOptions options) {
   StageTimes times;
   Pair pair = readInputs(options, times);
   if (options.scaleDown == automaticScaleDown) options.scaleDown = scaleDownForWidth(pair.left.width);
-  scaleDown(pair, options.scaleDown, times);
-  const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
+  scalePairDown(pair, options.scaleDown, times);
+  const Grid<uint8_t> mask = readMaskFor({pair.left.width, pair.left.height}, options.mask);
   const Matching result = matched(pair, mask, options.match, times);
   std::vector<std::string> inputs = options.calibration.files;
   inputs.insert(inputs.end(), {options.left, options.right, options.mask});

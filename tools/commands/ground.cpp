@@ -131,6 +131,7 @@ Road toldRoad(const RoadOptions& options) {
   Road road = roadOf(options);
   if (road.calibration)
     for (const std::string& remark : road.calibration->remarks) say(remark);
+  if (road.options.scaleDown > 1) say(scaleDownSentence(road));
   return road;
 }
 
@@ -327,6 +328,10 @@ void addMatchOptions(CLI::App& command, RoadOptions& options) {
                 "8-bit grey picture of that view's size: pixels that are not 0 are left out (default: none)")
       ->excludes(given);
   addRawOption(command, options.match.noPostprocessing)->excludes(given);
+  addScaleDownOption(command, options.scaleDown,
+                     "Make both pictures N times smaller first: 2, 4, 8 and so on; auto, until --range suffices for "
+                     "things of --tallest. Areas in pixels and the mask stay those of the pictures as they are; all "
+                     "that is written is of the smaller ones (default: 1)");
 }
 
 }  // namespace

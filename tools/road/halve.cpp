@@ -27,6 +27,27 @@ Grid<uint16_t> halved(const Grid<uint16_t>& picture) {
   return half;
 }
 
+// A block's middle, 0.5 from its first pixel's, becomes a pixel's.
+Camera halved(Camera camera) {
+  camera.widthPx /= 2;
+  camera.heightPx /= 2;
+  camera.focalPx /= 2;
+  camera.principalXPx = (camera.principalXPx - 0.5) / 2;
+  camera.principalYPx = (camera.principalYPx - 0.5) / 2;
+  camera.columnShiftPx /= 2;
+  return camera;
+}
+
+Grid<uint8_t> halvedMask(const Grid<uint8_t>& mask) {
+  Grid<uint8_t> half(mask.width / 2, mask.height / 2);
+  for (uint32_t y = 0; y < half.height; ++y) {
+    const uint8_t *top = mask.row(2 * y), *bottom = mask.row(2 * y + 1);
+    for (uint32_t x = 0; x < half.width; ++x)
+      half.at(x, y) = top[2 * x] || top[2 * x + 1] || bottom[2 * x] || bottom[2 * x + 1];
+  }
+  return half;
+}
+
 uint32_t scaleDownForWidth(uint32_t width) {
   uint32_t scaleDown = 1;
   while (width / scaleDown > mostColumns) scaleDown *= 2;
@@ -43,9 +64,9 @@ Pair scaledDown(Pair pair, uint32_t scaleDown) {
   return pair;
 }
 
-std::string scaleDownSentence(const Pair& pair, uint32_t scaleDown) {
+std::string scaleDownSentence(const PictureSize& size, uint32_t scaleDown) {
   return format("both pictures are scaled down to %s pixels (--scale-down %u)",
-                sizeText(pair.left.width, pair.left.height).c_str(), scaleDown);
+                sizeText(size.width, size.height).c_str(), scaleDown);
 }
 
 }  // namespace nadir::tool

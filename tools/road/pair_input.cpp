@@ -51,12 +51,12 @@ Pair readFrame(const std::string& left, const std::string& right) {
   return right.empty() ? readSideBySide(left) : readPair(left, right);
 }
 
-Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path) {
+Grid<uint8_t> readMaskFor(const PictureSize& size, const std::string& path) {
   if (path.empty()) return {};
   Grid<uint8_t> mask = readMask(path);
-  if (!sameSize(mask, pair.left))
+  if (mask.width != size.width || mask.height != size.height)
     throw Error(format("the mask %s is %s pixels, the disparity picture %s", path.c_str(),
-                       sizeText(mask.width, mask.height).c_str(), sizeText(pair.left.width, pair.left.height).c_str()));
+                       sizeText(mask.width, mask.height).c_str(), sizeText(size.width, size.height).c_str()));
   return mask;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "lab/grid.hpp"
+#include "tools/camera/rectification.hpp"
 
 namespace nadir::tool {
 
@@ -21,7 +22,7 @@ Pair readPair(const std::string& left, const std::string& right);
 // The same, or where `right` is empty both from the left file, which holds them side by side.
 Pair readFrame(const std::string& left, const std::string& right);
 
-// An empty path means no mask.
-Grid<uint8_t> readMaskFor(const Pair& pair, const std::string& path);
+// Of pictures of this size. An empty path means no mask.
+Grid<uint8_t> readMaskFor(const PictureSize& size, const std::string& path);
 
 }  // namespace nadir::tool

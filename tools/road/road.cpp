@@ -49,10 +49,21 @@ Camera cameraFor(const RoadOptions& options) {
   return camera;
 }
 
+// Pixels become those of the pictures that are measured.
+void scaleAreaDown(Area& area, uint32_t scaleDown) {
+  const auto scaled = [n = static_cast<double>(scaleDown)](int32_t place) {
+    return static_cast<int32_t>(std::floor(place / n));
+  };
+  if (area.unit != AreaUnit::pixels) return;
+  for (Point_s32& corner : area.corners) corner = {scaled(corner.x), scaled(corner.y)};
+}
+
 std::vector<Area> readAllAreas(const RoadOptions& options) {
   if (options.noRegions) return {};
-  const std::vector<Area> ofCamera = readAreasOfCamera(options.camera);
-  return options.areas.empty() ? ofCamera : readAreas(options.areas, ofCamera);
+  std::vector<Area> areas = readAreasOfCamera(options.camera);
+  if (!options.areas.empty()) areas = readAreas(options.areas, areas);
+  for (Area& area : areas) scaleAreaDown(area, options.scaleDown);
+  return areas;
 }
 
 // ---- the way to rectified pictures ----
@@ -71,11 +82,11 @@ void setRectifier(const RoadOptions& options, Road& road) {
 }
 
 void checkSize(const Pair& pair, const Road& road) {
-  const Camera& camera = road.camera;
-  if (pair.left.width == camera.widthPx && pair.left.height == camera.heightPx) return;
+  const PictureSize& taken = road.taken;
+  if (pair.left.width == taken.width && pair.left.height == taken.height) return;
   throw UnusableFile(format("the pictures are %s pixels, but the camera of %s takes pictures of %s",
                             sizeText(pair.left.width, pair.left.height).c_str(), road.options.camera.c_str(),
-                            sizeText(camera.widthPx, camera.heightPx).c_str()));
+                            sizeText(taken.width, taken.height).c_str()));
 }
 
 // ---- the library's records ----
@@ -126,6 +137,32 @@ NadirSettings settingsRecord(const RoadOptions& options, const NadirCamera& came
   setRules(options, s);
   if (options.match.range == automaticRange) s.range = rangeFor(tallestMm(options), camera, s);
   return s;
+}
+
+// ---- smaller pictures ----
+
+// Whether things of the tallest are nearer than the range, somewhere over the map. The longest range is told of what
+// none reaches, too, but half a picture needs half of it.
+bool exceedsRange(const Camera& camera, uint32_t range, const RoadOptions& options) {
+  if (range == NADIR_RANGE_244) return exceedsRange(halved(camera), NADIR_RANGE_122, options);
+  const NadirCamera record = cameraRecord(camera);
+  NadirSettings settings;
+  nadir_settings_fill(&settings, &record);
+  return rangeFor(tallestMm(options), record, settings) > range;
+}
+
+void setScaleDown(Road& road) {
+  RoadOptions& options = road.options;
+  if (options.scaleDown != 1 && !options.disparity.empty())
+    throw Error("--scale-down is for pairs that are matched, not for --disparity");
+  const bool automatic = options.scaleDown == automaticScaleDown;
+  const uint32_t range = options.match.range == automaticRange ? NADIR_RANGE_244 : options.match.range;
+  const uint32_t most = automatic ? largestScaleDown : options.scaleDown;
+  road.taken = {road.camera.widthPx, road.camera.heightPx};
+  for (options.scaleDown = 1; options.scaleDown < most; options.scaleDown *= 2) {
+    if (automatic && !exceedsRange(road.camera, range, options)) break;
+    road.camera = halved(road.camera);
+  }
 }
 
 std::vector<NadirArea> areaRecords(const std::vector<Area>& areas) {
@@ -211,6 +248,12 @@ WatchedArea watchedArea(const NadirRoad& road, const Area& area, uint32_t index)
 }
 
 // ---- frames ----
+
+Grid<uint8_t> maskOf(const Road& road) {
+  Grid<uint8_t> mask = readMaskFor(road.taken, road.options.mask);
+  for (uint32_t n = 1; n < road.options.scaleDown; n *= 2) mask = halvedMask(mask);
+  return mask;
+}
 
 Grid<float> givenDisparities(const RoadOptions& options, const Pair& pair) {
   Grid<float> disparity = readDisparity(options.disparity, options.disparityScale, SGM_DISP_SCALE);
@@ -316,12 +359,13 @@ ResultHandle newResult(const NadirRoad& road) {
 
 // The areas are read too, so that a mistake in the last one does not wait for the matcher.
 Road roadOf(const RoadOptions& options) {
-  Road road{options, cameraFor(options), {}, {}, {}, {}, {}, {}};
+  Road road{options, {}, cameraFor(options), {}, {}, {}, {}, {}, {}};
   setRectifier(options, road);
+  setScaleDown(road);
   checkMap(road.camera, options);
   checkHoles(road.camera, options);
   const NadirCamera camera = cameraRecord(road.camera);
-  const std::vector<Area> areas = readAllAreas(options);
+  const std::vector<Area> areas = readAllAreas(road.options);
   road.settings = settingsRecord(options, camera);
   checkHeights(areas, road.settings);
   road.handle = made(camera, road.settings, areas);
@@ -336,11 +380,17 @@ std::string rangeSentence(const Road& road) {
                 road.settings.range, tallestMm(road.options));
 }
 
+std::string scaleDownSentence(const Road& road) {
+  return scaleDownSentence({road.camera.widthPx, road.camera.heightPx}, road.options.scaleDown);
+}
+
 RoadHandle copyOf(const Road& road) { return made(cameraRecord(road.camera), road.settings, areasOf(road)); }
 
 Pair fittingPair(const Road& road, Pair pair, StageTimes& times) {
   if (road.rectifier) times.measure("rectifying", [&] { pair = road.rectifier->rectified(pair); });
   checkSize(pair, road);
+  if (road.options.scaleDown > 1)
+    times.measure("halving", [&] { pair = scaledDown(std::move(pair), road.options.scaleDown); });
   return pair;
 }
 
@@ -349,7 +399,7 @@ void work(const Road& road, NadirRoad& handle, const std::string& left, const st
   const RoadOptions& options = road.options;
   Pair pair = fittingPair(road, times.measure("reading", [&] { return readFrame(left, right); }), times);
   if (!options.disparity.empty()) result.given = givenDisparities(options, pair);
-  const Grid<uint8_t> mask = readMaskFor(pair, options.mask);
+  const Grid<uint8_t> mask = maskOf(road);
   NadirFrame frame = frameOf(pair, mask);
   give(frame, result.given);
   if (!result.memory) result.memory = newResult(handle);

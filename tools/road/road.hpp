@@ -13,6 +13,7 @@
 #include "tools/camera/areas_file.hpp"
 #include "tools/camera/calibration.hpp"
 #include "tools/camera/camera.hpp"
+#include "tools/road/halve.hpp"
 #include "tools/road/match_options.hpp"
 #include "tools/road/pair_input.hpp"
 #include "tools/road/pair_rectifier.hpp"
@@ -31,6 +32,7 @@ struct RoadOptions {
   std::string camera, mask, disparity, areas;
   CalibrationOptions calibration;  // no files: the camera file's own, or the pictures are rectified
   double disparityScale = 0;       // of the given disparities; 0: what their file says
+  uint32_t scaleDown = 1;          // of the pictures; automatic: until the range fits
   MatchOptions match = matchOptionsOfMaps();
   std::string preset;               // empty for none; what is given here stands above what it holds
   std::optional<double> tallestMm;  // above the ground: what an automatic range must measure
@@ -62,7 +64,8 @@ struct WatchedArea {
 // What is the same for every pair of a camera: read and checked once.
 struct Road {
   RoadOptions options;
-  Camera camera;
+  PictureSize taken;  // the size that pictures have before they are scaled down
+  Camera camera;      // of the pictures that are measured
   NadirSettings settings;
   RoadHandle handle;
   StereoCtx context;  // of the measured view and the map
@@ -75,8 +78,9 @@ struct Road {
 
 Road roadOf(const RoadOptions& options);
 
-// What an automatic range has come to.
+// What an automatic range has come to, and what the pictures have.
 std::string rangeSentence(const Road& road);
+std::string scaleDownSentence(const Road& road);
 
 NadirFrame frameOf(const Pair& pair, const Grid<uint8_t>& mask);
 ResultHandle newResult(const NadirRoad& road);
@@ -84,7 +88,8 @@ ResultHandle newResult(const NadirRoad& road);
 // Another road of the same kind, for another thread.
 RoadHandle copyOf(const Road& road);
 
-// The pair as the road takes it, rectified where it has a calibration. Throws where it is not of the camera's size.
+// The pair as the road takes it, rectified where it has a calibration, and scaled down. Throws where it is not of the
+// size that the camera file says.
 Pair fittingPair(const Road& road, Pair pair, StageTimes& times);
 
 // What came of a pair.

@@ -197,10 +197,10 @@ class SequenceRun {
   void checkMask() const {
     if (road_.options.mask.empty()) return;
     const Grid<uint8_t> mask = readMask(road_.options.mask);
-    if (mask.width != road_.camera.widthPx || mask.height != road_.camera.heightPx)
+    if (mask.width != road_.taken.width || mask.height != road_.taken.height)
       throw Error(format("the mask %s is %s pixels, but the camera of %s takes pictures of %s",
                          road_.options.mask.c_str(), sizeText(mask.width, mask.height).c_str(),
-                         road_.options.camera.c_str(), sizeText(road_.camera.widthPx, road_.camera.heightPx).c_str()));
+                         road_.options.camera.c_str(), sizeText(road_.taken.width, road_.taken.height).c_str()));
   }
 
   // The first frame that can be read tells.
