@@ -1,6 +1,7 @@
 // Tests of nadir level: the mount of rendered floors, the camera file that it goes into, and pictures without a floor.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "tests/tool/tool.hpp"
@@ -107,6 +108,27 @@ TEST_F(Level, AFileWithoutAMountGetsOneAboveItsFirstTable) {
   EXPECT_EQ(text.find(optics), 0u);
   EXPECT_EQ(text.find("height_mm = "), std::string(optics).size());
   EXPECT_EQ(text.substr(text.find("\n[map]")), map);
+}
+
+TEST_F(Level, TheMapIsLaidOverWhatIsSeen) {
+  render("floor");
+  writeFile(folder.path("c.toml"), std::string(optics) + map);
+  const Outcome o = level("c.toml", {"--write", "--lay-map"});
+  ASSERT_EQ(o.status, 0) << o.err;
+  EXPECT_NE(o.out.find("and the map into c.toml"), std::string::npos) << o.out;
+  const std::string text = readFile(folder.path("c.toml"));
+  EXPECT_NE(text.find("\n[map] # of the hall\noffset_"), std::string::npos) << text;
+  EXPECT_NE(numberAfter(text, "cell_mm ="), 100);
+  ASSERT_EQ(folder.run({"ground", "floor/left.png", "floor/right.png", "--camera", "c.toml", "-o", "out"}).status, 0);
+  const Picture heights = readPng(folder.path("out/elevation.png"));
+  const auto seen = heights.samples.size() - std::count(heights.samples.begin(), heights.samples.end(), 0);
+  EXPECT_GT(seen * 2, heights.samples.size()) << "more than half of such a map is seen";
+}
+
+TEST_F(Level, AMapIsOnlyLaidWhereItIsWritten) {
+  const Outcome o = level("c.toml", {"--lay-map"});
+  EXPECT_EQ(o.status, 2);
+  EXPECT_NE(o.err.find("--write"), std::string::npos) << o.err;
 }
 
 TEST_F(Level, ThePictureShowsWhatWasTaken) {

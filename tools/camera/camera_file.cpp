@@ -28,8 +28,6 @@ std::string shortest(double value) {
 
 // ---- reading ----
 
-std::string fullName(const CameraKey& key) { return (*key.table ? std::string(key.table) + "." : "") + key.name; }
-
 void readValue(const toml::node& node, const CameraKey& key, Camera& camera, Mistakes& mistakes) {
   const bool wanted = isCount(key) ? node.is_integer() : node.is_number();
   if (!wanted)
@@ -107,6 +105,8 @@ std::string lineFor(const Camera& camera, const CameraKey& key) {
 }
 
 }  // namespace
+
+std::string fullName(const CameraKey& key) { return (*key.table ? std::string(key.table) + "." : "") + key.name; }
 
 const std::vector<CameraKey>& cameraKeys() {
   static const std::vector<CameraKey> keys = {

@@ -26,6 +26,9 @@ struct CameraKey {
 // The keys stand in the file's order.
 const std::vector<CameraKey>& cameraKeys();
 
+// With its table: "height_mm", "map.cell_mm".
+std::string fullName(const CameraKey& key);
+
 // True where the value is a whole number.
 bool isCount(const CameraKey& key);
 

@@ -2,7 +2,7 @@
 #include "tools/camera/mount_text.hpp"
 
 #include <algorithm>
-#include <vector>
+#include <string_view>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
@@ -39,9 +39,18 @@ void replaceValue(std::string& line, std::string value) {
 
 bool asksFor(const std::string& line, const std::string& name) { return line.rfind("# " + name + " =", 0) == 0; }
 
-void insert(std::vector<std::string>& lines, const std::string& name, const std::string& line) {
+void insertBelowHead(std::vector<std::string>& lines, const std::string& table, const std::string& line) {
+  const std::string head = "[" + table + "]";
+  auto place =
+      std::find_if(lines.begin(), lines.end(), [&](const std::string& other) { return other.rfind(head, 0) == 0; });
+  if (place == lines.end()) throw Error("the camera file has no line that begins with " + head);
+  lines.insert(std::next(place), line);
+}
+
+void insert(std::vector<std::string>& lines, const CameraKey& key, const std::string& line) {
   for (std::string& other : lines)
-    if (asksFor(other, name)) return void(other = line);
+    if (asksFor(other, key.name)) return void(other = line);
+  if (*key.table) return insertBelowHead(lines, key.table, line);
   const auto isBlank = [](const std::string& other) { return other.find_first_not_of(" \t\r\n") == std::string::npos; };
   const auto isTable = [](const std::string& other) {
     return !other.empty() && other[std::min(other.find_first_not_of(" \t"), other.size() - 1)] == '[';
@@ -53,32 +62,36 @@ void insert(std::vector<std::string>& lines, const std::string& name, const std:
 
 const CameraKey& keyNamed(const std::string& name) {
   for (const CameraKey& key : cameraKeys())
-    if (name == key.name) return key;
+    if (name == fullName(key)) return key;
   throw Error("no key " + name);
 }
 
-void set(std::vector<std::string>& lines, const toml::table& top, const char* name, double value) {
-  const CameraKey& key = keyNamed(name);
-  const std::string mistake = mistakeIn(value, key);
-  if (!mistake.empty()) throw Error(format("%s: %s", name, mistake.c_str()));
-  const std::string number = format(*name == 'h' ? "%.1f" : "%.3f", value);
-  if (const toml::node* node = top.get(name))
-    replaceValue(lines.at(lineOf(*node) - 1), number);
+std::string digitsOf(double value, const CameraKey& key) {
+  const std::string_view name = key.name;
+  const bool isAngle = name.size() > 4 && name.substr(name.size() - 4) == "_deg";
+  return format("%.*f", isCount(key) ? 0 : isAngle ? 3 : 1, value);
+}
+
+void set(std::vector<std::string>& lines, const toml::table& top, const NewNumber& number) {
+  const CameraKey& key = keyNamed(number.name);
+  const std::string mistake = mistakeIn(number.value, key);
+  if (!mistake.empty()) throw Error(format("%s: %s", number.name.c_str(), mistake.c_str()));
+  const std::string digits = digitsOf(number.value, key);
+  if (const toml::node* node = top.at_path(number.name).node())
+    replaceValue(lines.at(lineOf(*node) - 1), digits);
   else
-    insert(lines, name, format("%-26s  # %s\n", format("%s = %s", name, number.c_str()).c_str(), key.meaning));
+    insert(lines, key, format("%-26s  # %s\n", format("%s = %s", key.name, digits.c_str()).c_str(), key.meaning));
 }
 
 }  // namespace
 
 // Lines that are inserted move those below, which the parser has counted: what is there is replaced first.
-std::string textWithMount(const std::string& text, const std::string& path, const MountNumbers& mount) {
+std::string textWithNumbers(const std::string& text, const std::string& path, const std::vector<NewNumber>& numbers) {
   const toml::table top = parseToml(text, path);
   std::vector<std::string> lines = linesOf(text);
-  const std::pair<const char*, std::optional<double>> numbers[] = {
-      {"height_mm", mount.heightMm}, {"tilt_deg", mount.tiltDeg}, {"pan_deg", mount.panDeg}};
   for (const bool there : {true, false})
-    for (const auto& [name, value] : numbers)
-      if (value && top.contains(name) == there) set(lines, top, name, *value);
+    for (const NewNumber& number : numbers)
+      if (bool(top.at_path(number.name)) == there) set(lines, top, number);
   std::string whole;
   for (const std::string& line : lines) whole += line;
   return whole;

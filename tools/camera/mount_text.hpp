@@ -1,20 +1,21 @@
-// A camera file with another mount: what people wrote around it stays as it is.
+// A camera file with another mount or map: what people wrote around it stays as it is.
 #pragma once
 
-#include <optional>
 #include <string>
+#include <vector>
 
 namespace nadir::tool {
 
-// What is absent stays as the file has it.
-struct MountNumbers {
-  std::optional<double> heightMm, tiltDeg, panDeg;
+// A key of the camera file, with its table: "height_mm", "map.cell_mm".
+struct NewNumber {
+  std::string name;
+  double value;
 };
 
 // The text of a camera file with these numbers in it: in the place of those that are there, or of the comments that ask
-// for them, else above the first table. All else, comments too, is kept to the byte.
+// for them, else above the first table or below the head of their own. All else, comments too, is kept to the byte.
 //
 // path  for the messages alone
-std::string textWithMount(const std::string& text, const std::string& path, const MountNumbers& mount);
+std::string textWithNumbers(const std::string& text, const std::string& path, const std::vector<NewNumber>& numbers);
 
 }  // namespace nadir::tool

@@ -12,6 +12,7 @@
 #include "tools/commands/options.hpp"
 #include "tools/draw/canvas.hpp"
 #include "tools/files/encodings.hpp"
+#include "tools/plan/plan.hpp"
 #include "tools/report/json_parts.hpp"
 #include "tools/road/levelling.hpp"
 
@@ -23,7 +24,7 @@ struct LevelOptions {
   std::vector<std::string> pictures;
   std::string picture;
   RoadOptions road;
-  bool write = false, json = false;
+  bool write = false, layMap = false, json = false;
 };
 
 std::vector<PairFiles> pairsIn(const std::vector<std::string>& pictures) {
@@ -115,24 +116,45 @@ void tellWithoutFloor(const Levelling& found) {
              pairs.front().left.c_str(), pairs.size() > 1 ? " and the others" : ""));
 }
 
-Bytes newCameraText(const std::string& camera, const NadirLevelled& mount) {
-  MountNumbers numbers{mount.height_mm, mount.tilt_deg, {}};
-  if (!std::isnan(mount.pan_deg)) numbers.panDeg = mount.pan_deg;
-  return bytesOf(textWithMount(readText(camera), camera, numbers));
+Bytes newCameraText(const LevelOptions& options, const NadirLevelled& mount, const Camera& camera) {
+  std::vector<NewNumber> numbers = {{"height_mm", mount.height_mm}, {"tilt_deg", mount.tilt_deg}};
+  if (!std::isnan(mount.pan_deg)) numbers.push_back({"pan_deg", mount.pan_deg});
+  if (options.layMap)
+    numbers.insert(numbers.end(), {{"map.width_cells", double(camera.mapWidthCells)},
+                                   {"map.height_cells", double(camera.mapHeightCells)},
+                                   {"map.cell_mm", double(camera.cellMm)},
+                                   {"map.offset_x_mm", camera.mapOffsetXMm},
+                                   {"map.offset_y_mm", camera.mapOffsetYMm}});
+  const std::string& path = options.road.camera;
+  return bytesOf(textWithNumbers(readText(path), path, numbers));
+}
+
+// The file's camera with the mount that was found and, if that is asked for, a map over the ground that it sees well.
+Camera newCamera(const LevelOptions& options, const NadirLevelled& mount) {
+  Camera camera = readCameraBeforeMount(options.road.camera);
+  camera.heightMm = mount.height_mm;
+  camera.tiltDeg = mount.tilt_deg;
+  if (!std::isnan(mount.pan_deg)) camera.panDeg = mount.pan_deg;
+  if (!options.layMap) return camera;
+  camera.cellMm = camera.mapWidthCells = camera.mapHeightCells = unknownCount;
+  constexpr double usualTallestMm = 2000;  // it bears on the range alone
+  return planOf(camera, usualTallestMm).camera;
 }
 
 void writeOutputs(const LevelOptions& options, const NadirLevelled& mount, const Levelling& found) {
   std::vector<std::string> inputs = options.pictures;
   if (!options.write) inputs.push_back(options.road.camera);
   OutputFiles files(inputs);
-  if (options.write) files.write(options.road.camera, newCameraText(options.road.camera, mount));
+  if (options.write) files.write(options.road.camera, newCameraText(options, mount, newCamera(options, mount)));
   if (!options.picture.empty()) files.write(options.picture, encodePng(drawn(found), {}));
   files.commit();
 }
 
 std::string writtenSentence(const LevelOptions& options) {
   std::string text;
-  if (options.write) text += format("wrote height_mm, tilt_deg and pan_deg into %s\n", options.road.camera.c_str());
+  if (options.write)
+    text += format("wrote height_mm, tilt_deg%s pan_deg%s into %s\n", options.layMap ? "," : " and",
+                   options.layMap ? " and the map" : "", options.road.camera.c_str());
   if (!options.picture.empty())
     text += format("wrote %s: green is the floor that was taken, red what was left out\n", options.picture.c_str());
   return text.empty() ? "" : "\n" + text;
@@ -170,6 +192,11 @@ void addLevelCommand(CLI::App& app) {
       ->type_name("FILE");
   command->add_flag("--write", options->write,
                     "Put height_mm, tilt_deg and pan_deg into the camera file; all else in it stays, comments too");
+  command
+      ->add_flag("--lay-map", options->layMap,
+                 "Lay the map out anew over the ground that both pictures show well from there; with --write it goes "
+                 "into the camera file, too")
+      ->needs("--write");
   command
       ->add_option("-o,--output", options->picture,
                    "Picture of what was taken for the floor, and of what was left out, in the last pair that has one")
