@@ -1,5 +1,6 @@
 // How the program speaks with whoever types: help, mistyped words, settings in a file, silence, completion.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -109,6 +110,51 @@ TEST_F(Manners, JsonOfASearchHoldsItsBest) {
   makePair();
   const std::string json = printed({"tune", ".", "--trials", "2", "--json"});
   EXPECT_NE(json.find("\"best\": {\n    \"uniqueness\": "), std::string::npos) << json;
+}
+
+TEST_F(Manners, JsonOfASceneHoldsItsMeasures) {
+  const std::string json = printed({"synth", ".", "--size", "96x64", "--json"});
+  EXPECT_GT(numberAfter(json, "\"largest_disparity_px\""), numberAfter(json, "\"least_disparity_px\""));
+}
+
+TEST_F(Manners, JsonOfStagesSaysWhichAreTheSame) {
+  const std::string json = printed({"verify", "--json"});
+  EXPECT_NE(json.find("\"same\": true"), std::string::npos);
+  EXPECT_EQ(json.find("\"same\": false"), std::string::npos);
+}
+
+// ---- standard input and output ----
+
+TEST_F(Manners, ADashIsStandardInputAndOutput) {
+  makePair();
+  printed({"disparity", "left.png", "right.png", "-o", "d.png", "--no-preview"});
+  const std::string command =
+      "cd '" + folder.path("") + "' && '" + toolPath() + "' disparity - right.png -o - < left.png > piped.png 2> table";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(readFile(folder.path("piped.png")), readFile(folder.path("d.png")));
+  EXPECT_NE(readFile(folder.path("table")).find("with a value"), std::string::npos)
+      << "tables make room for the result";
+}
+
+// It is asked for the camera, its areas and its lenses.
+TEST_F(Manners, ACameraFileMayComeThroughAPipe) {
+  makePair();
+  printed({"ground", "left.png", "right.png", "--camera", "camera.toml", "-o", "plain", "--write", "map"});
+  const std::string command = "cd '" + folder.path("") +
+                              "' && mkfifo pipe && { cat camera.toml > pipe & } && timeout 20 '" + toolPath() +
+                              "' ground left.png right.png --camera pipe -o piped --write map -q";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  EXPECT_EQ(readFile(folder.path("piped/elevation.png")), readFile(folder.path("plain/elevation.png")));
+}
+
+TEST_F(Manners, AFullStandardOutputLeavesNothing) {
+  makePair();
+  const auto before = folder.names();
+  const std::string command = "cd '" + folder.path("") + "' && '" + toolPath() +
+                              "' disparity left.png right.png -o - --preview p.png > /dev/full 2> /dev/null";
+  const int status = std::system(command.c_str());
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+  EXPECT_EQ(folder.names(), before);
 }
 
 // ---- settings in a file ----

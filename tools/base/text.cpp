@@ -58,6 +58,7 @@ std::string shownOn(int stream, std::string text) {
 namespace {
 
 bool silent = false;
+bool isOutputTaken = false;
 
 }  // namespace
 
@@ -65,9 +66,12 @@ void silence() { silent = true; }
 
 bool isSilent() { return silent; }
 
+void giveUpStandardOutput() { isOutputTaken = true; }
+
 void print(const std::string& text) {
   if (silent) return;
-  if (std::fputs(shownOn(STDOUT_FILENO, text).c_str(), stdout) < 0 || std::fflush(stdout) != 0)
+  std::FILE* const stream = isOutputTaken ? stderr : stdout;
+  if (std::fputs(shownOn(fileno(stream), text).c_str(), stream) < 0 || std::fflush(stream) != 0)
     throw Error("cannot write to standard output");
 }
 

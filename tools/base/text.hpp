@@ -34,6 +34,9 @@ std::string shownOn(int stream, std::string text);
 void silence();
 bool isSilent();
 
+// Standard output is a result's: from now on print() writes to standard error.
+void giveUpStandardOutput();
+
 // Writes to standard output and throws where that fails (a full disk behind a redirection).
 void print(const std::string& text);
 

@@ -67,16 +67,18 @@ TextChunks texts(const DisparityOptions& options) {
   return texts;
 }
 
+// Empty where none is written.
 std::string previewName(const DisparityOptions& options) {
   if (!options.preview.empty()) return options.preview;
+  if (options.noPreview || options.output == standardStream) return "";
   return std::filesystem::path(options.output).replace_extension(".preview.png").string();
 }
 
 Bytes encodedDisparity(const DisparityOptions& options, const Grid<uint16_t>& disparity) {
   const std::string ending = endingOf(options.output);
-  if (ending == ".png") return encodePng(disparity, texts(options));
-  const Grid<float> pixels = unpacked(disparity, SGM_DISP_SCALE);
-  return ending == ".pfm" ? encodePfm(pixels) : encodeNpy(pixels);
+  if (ending == ".pfm") return encodePfm(unpacked(disparity, SGM_DISP_SCALE));
+  if (ending == ".npy") return encodeNpy(unpacked(disparity, SGM_DISP_SCALE));
+  return encodePng(disparity, texts(options));
 }
 
 void writeOutputs(const DisparityOptions& options, const Grid<uint16_t>& disparity, OutputFiles& files) {
@@ -85,7 +87,7 @@ void writeOutputs(const DisparityOptions& options, const Grid<uint16_t>& dispari
     return encodeDisparityPlot(pixels, usualRange(pixels));
   };
   std::vector<Encoding> encodings = {{options.output, [&] { return encodedDisparity(options, disparity); }}};
-  if (!options.noPreview) encodings.push_back({previewName(options), preview});
+  if (!previewName(options).empty()) encodings.push_back({previewName(options), preview});
   writeAll(encodings, files);
   files.commit();
 }
@@ -139,9 +141,7 @@ void run(DisparityOptions options) {
   inputs.insert(inputs.end(), {options.left, options.right, options.mask});
   OutputFiles files(inputs);
   times.measure("writing", [&] { writeOutputs(options, result.disparity, files); });
-  print(options.json
-            ? json(result)
-            : table(result, times) + writtenLine(options.output, options.noPreview ? "" : previewName(options)));
+  print(options.json ? json(result) : table(result, times) + writtenLine(options.output, previewName(options)));
   const Warnings warnings = result.warnings;
   tell(warnings);
   if (options.strict) throwIfAny(warnings);
@@ -164,7 +164,8 @@ void addDisparityCommand(CLI::App& app) {
   command
       ->add_option("-o,--output", options->output,
                    "Receives the disparities: a 16-bit grey PNG of pixels x 16, 0 for none; or, by its ending, "
-                   "floating-point pixels as .pfm (infinity for none) or .npy (NaN for none)")
+                   "floating-point pixels as .pfm (infinity for none) or .npy (NaN for none); - is standard output, "
+                   "a PNG without a preview")
       ->required()
       ->check(endingIn({".png", ".pfm", ".npy"}))
       ->type_name("FILE");

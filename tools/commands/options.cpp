@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tools/base/in_order.hpp"
+#include "tools/files/files.hpp"
 #include "tools/pictures/formats.hpp"
 #include "tools/road/halve.hpp"
 
@@ -50,7 +51,7 @@ std::string helpWith(std::string help, const std::string& range, const std::stri
 
 CLI::Validator endingIn(std::vector<std::string> endings) {
   const auto mistake = [endings](const std::string& name) {
-    if (name.empty()) return std::string();  // which is told better where it is written
+    if (name.empty() || name == standardStream) return std::string();  // the first is told better where it is written
     std::string known;
     for (const std::string& ending : endings) {
       if (endingOf(name) == ending) return std::string();

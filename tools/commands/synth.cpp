@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "lab/scene/ready_scenes.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/progress.hpp"
 #include "tools/base/statistics.hpp"
 #include "tools/base/text.hpp"
@@ -22,7 +23,7 @@ struct SynthOptions {
   SynthSettings settings;
   SequenceSettings sequence;
   View grid = View::left;
-  bool focalGiven = false, noTruthPictures = false;
+  bool focalGiven = false, noTruthPictures = false, json = false;
 };
 
 Rendering render(const SynthSettings& settings) {
@@ -34,30 +35,53 @@ Rendering render(const SynthSettings& settings) {
   return r;
 }
 
-std::string report(const SynthSettings& settings, const Rendering& r) {
+struct SceneFigures {
+  double leastDisparity, largestDisparity, occludedPercent;
+  size_t objects;
+  double tallestMm;
+};
+
+SceneFigures figuresOf(const Rendering& r) {
   const std::vector<double>& disparities = r.leftTruth.disparity.pixels;
   const std::vector<uint8_t>& occluded = r.leftTruth.occluded.pixels;
   const auto [least, most] = std::minmax_element(disparities.begin(), disparities.end());
   const auto hidden = static_cast<size_t>(std::count(occluded.begin(), occluded.end(), 1));
+  return {*least, *most, percentOf(hidden, occluded.size()), r.scene.objects.size() - 1, r.scene.tallest};
+}
+
+std::string report(const SynthSettings& settings, const SceneFigures& figures) {
   Table table;
   table.heading(
       settings.scene + ", left picture, " + sizeText(settings.camera.width, settings.camera.height) + " pixels", "");
-  table.line("least disparity", *least, *least > 0 ? "pixels" : "pixels, there is sky");
-  table.line("largest disparity", *most, "pixels (nadir disparity finds 2 to 61)");
-  table.line("occluded", percentOf(hidden, occluded.size()), "% are not in the right picture");
-  table.line("objects", static_cast<double>(r.scene.objects.size() - 1), "", 0);
-  table.line("tallest", r.scene.tallest, "mm", 0);
+  table.line("least disparity", figures.leastDisparity, figures.leastDisparity > 0 ? "pixels" : "pixels, there is sky");
+  table.line("largest disparity", figures.largestDisparity, "pixels (nadir disparity finds 2 to 61)");
+  table.line("occluded", figures.occludedPercent, "% are not in the right picture");
+  table.line("objects", static_cast<double>(figures.objects), "", 0);
+  table.line("tallest", figures.tallestMm, "mm", 0);
   return table.text();
 }
 
-void writePair(const std::string& folder, const SynthSettings& settings) {
+std::string json(const SynthSettings& settings, const SceneFigures& figures) {
+  const Json all = {{"scene", settings.scene},
+                    {"least_disparity_px", significantNumber(figures.leastDisparity)},
+                    {"largest_disparity_px", significantNumber(figures.largestDisparity)},
+                    {"occluded_percent", significantNumber(figures.occludedPercent)},
+                    {"objects", figures.objects},
+                    {"tallest_mm", significantNumber(figures.tallestMm)}};
+  return all.dump(2) + "\n";
+}
+
+void writePair(const std::string& folder, const SynthSettings& settings, bool asJson) {
   const Rendering rendering = render(settings);
   OutputFiles files;
   files.makeFolder(folder);
   for (const auto& group : {synthPictures(settings, rendering), synthTruth(rendering), synthTexts(settings, rendering)})
     for (const NamedFile& file : group) files.write(folder + "/" + file.name, file.bytes);
   files.commit();
-  print(report(settings, rendering) + writtenLine("the pair and its truth into " + folder, folder + "/left.png"));
+  const SceneFigures figures = figuresOf(rendering);
+  print(asJson
+            ? json(settings, figures)
+            : report(settings, figures) + writtenLine("the pair and its truth into " + folder, folder + "/left.png"));
 }
 
 void run(SynthOptions& options) {
@@ -70,7 +94,7 @@ void run(SynthOptions& options) {
   if (isSequence)
     writeSequence(options.folder, settings, options.sequence);
   else
-    writePair(options.folder, settings);
+    writePair(options.folder, settings, options.json);
 }
 
 // ---- the command line ----
@@ -169,6 +193,7 @@ void addSynthCommand(CLI::App& app) {
                     "Give both pictures a disc without data (0), right of and below the centre");
   addSequenceOptions(*command, *options);
   addCameraOptions(*command, *options);
+  addJsonOption(*command, options->json, "of a pair")->excludes(command->get_option("--frames"));
   command->footer(
       sceneList() +
       "\nThe world: millimetres, the origin in the centre of the camera of --grid, z straight down. Tilt and pan 0\n"

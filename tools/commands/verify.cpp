@@ -8,8 +8,10 @@
 
 #include "lab/verify/verify.hpp"
 #include "tools/base/error.hpp"
+#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/commands/commands.hpp"
+#include "tools/commands/options.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/chunks.hpp"
 
@@ -18,7 +20,7 @@ namespace nadir::tool {
 namespace {
 
 struct VerifyOptions {
-  bool printHashes = false;
+  bool printHashes = false, json = false;
   std::string against;
 };
 
@@ -51,6 +53,17 @@ std::string linesOf(const verify::Findings& findings, const verify::Table& table
   return text;
 }
 
+std::string jsonOf(const verify::Findings& findings) {
+  Json stages = Json::array();
+  for (const verify::Finding& f : findings) {
+    const Json wanted = f.wanted ? Json(format("%016llx", static_cast<unsigned long long>(*f.wanted))) : Json();
+    const std::string got = format("%016llx", static_cast<unsigned long long>(f.got));
+    stages.push_back({{"stage", f.stage}, {"same", f.same()}, {"got", got}, {"wanted", wanted}});
+  }
+  const Json all = {{"kernels", nadir_simd_level()}, {"software", software()}, {"stages", stages}};
+  return all.dump(2) + "\n";
+}
+
 // A table of another version says nothing against the processor.
 std::string sameSoFar(const verify::Findings& findings, const verify::Table& table) {
   const auto isSame = [](const verify::Finding& f) { return f.same(); };
@@ -68,12 +81,12 @@ void run(const VerifyOptions& options) {
   const verify::Table hashes = hashesOf(verify::allStages(), verify::renderedMaterial());
   if (options.printHashes) return print(tableText(hashes));
   const verify::Findings findings = compared(hashes, table);
-  print(linesOf(findings, table));
+  print(options.json ? jsonOf(findings) : linesOf(findings, table));
   const std::string judged = format("%s kernels, %s: ", nadir_simd_level(), software().c_str());
   if (anyDiffers(findings)) throw Error(judged + "this processor's results DIFFER");
   if (!isVerified(findings, table)) throw Error(judged + sameSoFar(findings, table), someNotCompared);
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  print(judged + format("all %zu stages are the same, %.1f s\n", findings.size(), seconds));
+  if (!options.json) print(judged + format("all %zu stages are the same, %.1f s\n", findings.size(), seconds));
 }
 
 }  // namespace
@@ -89,6 +102,7 @@ void addVerifyCommand(CLI::App& app) {
                    "Compare with hashes that --print-hashes has written elsewhere (default: those built in)")
       ->excludes(prints)
       ->type_name("FILE");
+  addJsonOption(*command, options->json, "a hash is 16 hexadecimal digits")->excludes(prints);
   command->footer(
       "Renders a small scene and runs every stage of the library on it, in about a second. A hash of each stage's\n"
       "results is compared with the one built into the program, on which x86-64, armv7, aarch64 and s390x agree. A\n"

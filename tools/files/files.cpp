@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <map>
+#include <mutex>
 
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
@@ -26,10 +28,40 @@ struct stat statusOf(const FileDescriptor& file, const std::string& path) {
   throw UnusableFile(format("cannot use %s: it is larger than %zu bytes", path.c_str(), limit));
 }
 
+int openedNumber(const std::string& path) {
+  if (path == standardStream) return fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+}
+
+// A pipe gives its bytes once, but a camera file is asked for its camera, its areas and its lenses: what came through a
+// pipe stays.
+class Piped {
+ public:
+  const Bytes* find(const std::string& path) {
+    const std::lock_guard<std::mutex> guard(lock_);
+    const auto found = bytes_.find(path);
+    return found == bytes_.end() ? nullptr : &found->second;
+  }
+
+  void keep(const std::string& path, const Bytes& bytes) {
+    const std::lock_guard<std::mutex> guard(lock_);
+    bytes_.emplace(path, bytes);
+  }
+
+ private:
+  std::mutex lock_;
+  std::map<std::string, Bytes> bytes_;
+};
+
+Piped& piped() {
+  static Piped all;
+  return all;
+}
+
 }  // namespace
 
 FileDescriptor openedToRead(const std::string& path) {
-  FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+  FileDescriptor file(openedNumber(path));
   if (file.number < 0) throw fileError("read", path, errno);
   const mode_t mode = statusOf(file, path).st_mode;
   if (S_ISDIR(mode)) throw fileError("read", path, EISDIR);
@@ -39,8 +71,10 @@ FileDescriptor openedToRead(const std::string& path) {
 
 // The file's size saves the growing, and one byte more tells its end. A pipe has none to tell, and grows.
 Bytes readFile(const std::string& path, size_t limit) {
+  if (const Bytes* before = piped().find(path)) return *before;
   const FileDescriptor file = openedToRead(path);
-  const auto told = static_cast<uint64_t>(std::max<off_t>(statusOf(file, path).st_size, 0));
+  const struct stat status = statusOf(file, path);
+  const auto told = static_cast<uint64_t>(std::max<off_t>(status.st_size, 0));
   if (told > limit) refuseSize(path, limit);
   Bytes bytes(static_cast<size_t>(told) + 1);
   size_t filled = 0;
@@ -51,6 +85,7 @@ Bytes readFile(const std::string& path, size_t limit) {
     if (filled == bytes.size()) bytes.resize(std::min(limit + 1, filled + std::max<size_t>(filled, 1 << 16)));
   }
   bytes.resize(filled);
+  if (!S_ISREG(status.st_mode) || path == standardStream) piped().keep(path, bytes);
   return bytes;
 }
 

@@ -126,6 +126,11 @@ void OutputFiles::makeFolder(const std::string& path) {
 }
 
 void OutputFiles::write(const std::string& path, const Bytes& bytes) {
+  if (path == standardStream) {
+    giveUpStandardOutput();
+    standardOutput_.insert(standardOutput_.end(), bytes.begin(), bytes.end());
+    return;
+  }
   if (path.empty()) throw Error("the name of an output is empty");
   std::error_code unknown;
   const std::string target = endOfLinks(path, unknown).string();
@@ -140,7 +145,11 @@ void OutputFiles::write(const std::string& path, const Bytes& bytes) {
   fill(std::move(file), bytes, path);
 }
 
+// A reader who has left is noticed before a file has its name.
 void OutputFiles::commit() {
+  if (std::fwrite(standardOutput_.data(), 1, standardOutput_.size(), stdout) != standardOutput_.size() ||
+      std::fflush(stdout) != 0)
+    throw Error("cannot write to standard output");
   for (const File& file : files_) sync(file.temporary.name(), O_WRONLY, file.target);
   for (File& file : files_) file.predecessor = keptPredecessor(file.target);
   for (File& file : files_) file.temporary.rename(file.target);

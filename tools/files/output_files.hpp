@@ -36,6 +36,7 @@ class OutputFiles {
 
   // Makes a folder unless it exists; its parent must exist.
   void makeFolder(const std::string& path);
+  // "-" is standard output, which gets no tables then.
   void write(const std::string& target, const Bytes& bytes);
   void commit();
 
@@ -54,6 +55,7 @@ class OutputFiles {
   InterruptDelay untilAllIsDone_;
   std::list<File> files_;
   std::vector<std::string> newFolders_;
+  Bytes standardOutput_;
   bool committed_ = false;
 };
 
