@@ -194,7 +194,7 @@ std::string mistakeIn(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 // Where the file of --config says what is wrong.
-std::string placeOf(const std::string& sentence, const Configured& line) {
+std::string placeInConfig(const std::string& sentence, const Configured& line) {
   const auto place = line.places.find(sentence.substr(0, sentence.find(':')));
   return place == line.places.end() ? "" : " (" + place->second + ")";
 }
@@ -207,7 +207,7 @@ int answer(const CLI::App& app, const Configured& line, const CLI::ParseError& e
     return 0;
   }
   const std::string mistake = mistakeIn(app, error);
-  return complain(mistake + placeOf(mistake, line) + "; see " + fullName(commandIn(app)) + " --help", misused);
+  return complain(mistake + placeInConfig(mistake, line) + "; see " + fullName(commandIn(app)) + " --help", misused);
 }
 
 int run(int argc, char** argv) {

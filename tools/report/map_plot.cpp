@@ -29,8 +29,8 @@ Grid<T> enlarged(const Grid<T>& cells, uint32_t factor) {
 }
 
 template <class T>
-uint32_t pixelsOfACell(const Grid<T>& cells, uint32_t smallestSide) {
-  return std::max(1u, smallestSide / std::max(cells.width, cells.height));
+uint32_t pixelsOfACell(const Grid<T>& cells, uint32_t leastSide) {
+  return std::max(1u, leastSide / std::max(cells.width, cells.height));
 }
 
 Grid<Rgb> withMargins(const Grid<Rgb>& inner) {
@@ -81,15 +81,15 @@ MapPlot withAxes(const Grid<Rgb>& inner, Rect size, const MapPlace& place, uint3
 }  // namespace
 
 MapPlot drawMap(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range,
-                uint32_t smallestSide) {
-  const uint32_t factor = pixelsOfACell(heights, smallestSide);
+                uint32_t leastSide) {
+  const uint32_t factor = pixelsOfACell(heights, leastSide);
   const Grid<float> pixels = enlarged(heights, factor);
   const Rect size{0, 0, pixels.width, pixels.height};
   return withAxes(plot(pixels, {range.first, range.second, turbo, "mm"}), size, place, factor);
 }
 
-MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t smallestSide) {
-  const uint32_t factor = pixelsOfACell(cells, smallestSide);
+MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t leastSide) {
+  const uint32_t factor = pixelsOfACell(cells, leastSide);
   const Grid<Rgb> pixels = enlarged(cells, factor);
   return withAxes(pixels, {0, 0, pixels.width, pixels.height}, place, factor);
 }

@@ -22,12 +22,11 @@ struct MapPlot {
 // Heights in mm, NaN for unseen. Where the place is not known, there are no axes.
 //
 // range         the heights at the two ends of the colours, mm.
-// smallestSide  of the map's larger side, pixels: small maps are drawn with several pixels a cell.
-MapPlot drawMap(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range,
-                uint32_t smallestSide);
+// leastSide     of the map's larger side, pixels: small maps are drawn with several pixels a cell.
+MapPlot drawMap(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range, uint32_t leastSide);
 
 // The same of cells that have their colours already, and no scale.
-MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t smallestSide);
+MapPlot drawColouredMap(const Grid<Rgb>& cells, const MapPlace& place, uint32_t leastSide);
 
 Bytes encodeMapPlot(const Grid<float>& heights, const MapPlace& place, std::pair<double, double> range);
 
