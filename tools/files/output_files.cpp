@@ -145,11 +145,15 @@ void OutputFiles::write(const std::string& path, const Bytes& bytes) {
   fill(std::move(file), bytes, path);
 }
 
+void OutputFiles::fillStandardOutput() const {
+  if (standardOutput_.empty()) return;
+  const size_t written = std::fwrite(standardOutput_.data(), 1, standardOutput_.size(), stdout);
+  if (written != standardOutput_.size() || std::fflush(stdout) != 0) throw Error("cannot write to standard output");
+}
+
 // A reader who has left is noticed before a file has its name.
 void OutputFiles::commit() {
-  if (std::fwrite(standardOutput_.data(), 1, standardOutput_.size(), stdout) != standardOutput_.size() ||
-      std::fflush(stdout) != 0)
-    throw Error("cannot write to standard output");
+  fillStandardOutput();
   for (const File& file : files_) sync(file.temporary.name(), O_WRONLY, file.target);
   for (File& file : files_) file.predecessor = keptPredecessor(file.target);
   for (File& file : files_) file.temporary.rename(file.target);

@@ -49,6 +49,7 @@ class OutputFiles {
   };
 
   static void putBack(const File& file);
+  void fillStandardOutput() const;
   void syncFolders() const;
 
   std::shared_ptr<const FileMarks> inputs_;
