@@ -115,7 +115,7 @@ void addCommonOptions(CLI::App& app) {
   }
 }
 
-// These two speak of the other commands.
+// These speak of the other commands.
 void addCommandsAboutCommands(CLI::App& app) {
   app.add_subcommand("help", "Explain a command, as its --help does: nadir help ground.")->set_help_flag();
   app.add_subcommand("config",

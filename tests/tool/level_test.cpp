@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 
 #include "tests/tool/tool.hpp"
 
@@ -197,7 +198,8 @@ TEST_F(Level, InputsAreNotReplaced) {
   render("floor");
   const std::string camera = std::string(optics) + map;
   writeFile(folder.path("c.toml"), camera);
-  EXPECT_EQ(level("c.toml", {"-o", "c.toml"}).status, 1);
+  std::filesystem::create_symlink("c.toml", folder.path("look.png"));
+  EXPECT_EQ(level("c.toml", {"-o", "look.png"}).status, 1);
   EXPECT_EQ(level("c.toml", {"--write", "-o", "floor/left.png"}).status, 1);
   EXPECT_EQ(readFile(folder.path("c.toml")), camera);
 }

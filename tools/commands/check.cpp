@@ -65,7 +65,8 @@ void report(const CheckedPair& pair, const CheckOptions& options) {
   if (options.json)
     print(checkJson(pair).dump(2) + "\n");
   else
-    print(verdictSentence(pair) + "\n" + checkTable(pair));
+    print(verdictSentence(pair) + "\n" + checkTable(pair) +
+          (options.output.empty() ? "" : writtenLine(options.output)));
 }
 
 void run(const CheckOptions& options) {
@@ -82,18 +83,6 @@ void run(const CheckOptions& options) {
   throwUnlessGood(pair.checkup);
 }
 
-void addRangeOption(CLI::App& command, uint32_t& range) {
-  std::vector<std::string> words;
-  for (const Word& word : rangeWordsOfPairs()) words.emplace_back(word.word);
-  const auto choose = [&range](const std::string& word) { range = numberOf(rangeWordsOfPairs(), word); };
-  command
-      .add_option_function<std::string>("--range", choose,
-                                        "Largest disparity that will be searched, pixels: 61, 122 or 244; what is "
-                                        "nearer is beyond the range (default: 61)")
-      ->check(CLI::IsMember(words).description(""))
-      ->type_name("RANGE");
-}
-
 }  // namespace
 
 void addCheckCommand(CLI::App& app) {
@@ -103,8 +92,11 @@ void addCheckCommand(CLI::App& app) {
   command->add_option("RIGHT", options->right, "Right picture")->required();
   command->add_option("--camera", options->camera, "Camera file; pictures must have its size (default: none)")
       ->type_name("FILE");
-  addRangeOption(*command, options->range);
-  command->add_flag("--json", options->json, "Print JSON alone: docs/check.schema.json describes it");
+  addWord(*command, "--range", rangeWordsOfPairs(), options->range,
+          "Largest disparity that will be searched, pixels: 61, 122 or 244; what is nearer is beyond the range "
+          "(default: {default})",
+          "PIXELS");
+  addJsonOption(*command, options->json, "docs/check.schema.json describes it");
   command
       ->add_option("-o,--output", options->output,
                    "PNG that receives the row offsets in colours over the right picture (default: none)")

@@ -209,7 +209,7 @@ void addEvaluateCommand(CLI::App& app) {
       ->needs(plot)
       ->type_name("NAME");
   addStrictOption(*command, options->strict);
-  command->add_flag("--json", options->json, "Print a JSON object; shares are fractions of 1, errors in pixels or mm");
+  addJsonOption(*command, options->json, "shares are fractions of 1, errors in pixels or mm");
   command->footer(
       "density is the share of the pixels with a known truth that have a value; bad-N is the share of the\n"
       "pixels with both whose error exceeds N pixels; an error is disparity - truth. Heights below 1 mm count as\n"

@@ -198,13 +198,15 @@ void addLevelCommand(CLI::App& app) {
                  "into the camera file, too")
       ->needs("--write");
   command
-      ->add_option("-o,--output", options->picture,
-                   "Picture of what was taken for the floor, and of what was left out, in the last pair that has one")
+      ->add_option(
+          "-o,--output", options->picture,
+          "Picture of what was taken for the floor, and of what was left out, in the last pair that has one, PNG")
+      ->check(endingIn({".png"}))
       ->type_name("FILE");
   addCalibrationOptions(*command, options->road.calibration,
                         "Calibration of pictures that are not rectified, as for nadir rectify");
   addRange(*command, options->road.match);
-  command->add_flag("--json", options->json, "Print the numbers as JSON");
+  addJsonOption(*command, options->json, "its members say their units");
   command->footer(
       "The floor is the plane that most of the picture lies on. What stands on it is left out, but the less there is, "
       "the\n"

@@ -130,7 +130,7 @@ void addPlanCommand(CLI::App& app) {
   camera->excludes(see)->excludes(command->get_option("--height"))->excludes(command->get_option("--size"));
   addNumber(*command, "--tallest", options->tallestMm, numberFrom(0, 65534),
             "Height of the tallest things, {range} (default: {default})", "MM");
-  command->add_flag("--json", options->json, "Print a JSON object instead of the table");
+  addJsonOption(*command, options->json, "docs/plan.md lists its members");
   command
       ->add_option(
           "-o,--output", options->folder,
