@@ -49,9 +49,10 @@ def seed_files(options):
             "settings": [[settings, settings]]}
 
 
-def calibrations():
+def foreign():
     """What other programs write, which ours cannot make."""
-    return {"calibration": [[path.read_bytes()] for path in sorted((ROOT / "tests/fuzz/corpus/calibration").glob("seed-*"))]}
+    return {target: [[path.read_bytes()] for path in sorted((ROOT / "tests/fuzz/corpus" / target).glob("seed-*"))]
+            for target in ("calibration", "index")}
 
 
 def enlarged(options, target, small):
@@ -72,7 +73,7 @@ def plant(folder, number, content):
 
 def plant_seeds(options):
     seeds = {target: [[path.read_bytes() for path in paths] for paths in given] for target, given in seed_files(options).items()}
-    for target, given in {**seeds, **calibrations()}.items():
+    for target, given in {**seeds, **foreign()}.items():
         for number, files in enumerate(given):
             plant(options.work / "corpus" / target, number, BETWEEN.join(files))
         plant(options.work / "large" / target, 0, enlarged(options, target, BETWEEN.join(given[0])))

@@ -22,6 +22,7 @@
 #include "tools/pictures/formats.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/pictures/png.hpp"
+#include "tools/sequence/frame_index.hpp"
 #include "tools/sequence/settings_difference.hpp"
 
 namespace nadir::test {
@@ -261,6 +262,15 @@ void readTrackFiles(const std::string& bytes, Fingerprint& print) {
   add(print, trackTable(areas) + trackJson(areas));
 }
 
+// Rows of which some may name the camera file.
+void readIndex(const std::string& bytes, Fingerprint& print) {
+  for (const IndexRow& row : indexRows(files().write("index.csv", bytes), files().path("camera.toml"))) {
+    require(!row.left.empty() && !row.time.empty(), "a row of an index");
+    for (const char digit : row.time) require(digit >= '0' && digit <= '9', "a time of an index");
+    for (const std::string& field : {row.left, row.right, row.time}) add(print, field);
+  }
+}
+
 Grid<uint16_t> fewLabels() {
   Grid<uint16_t> labels(12, 8);
   for (size_t i = 0; i < labels.pixels.size(); ++i) labels.pixels[i] = static_cast<uint16_t>(i / 4 % 3);
@@ -316,7 +326,7 @@ const std::vector<Reader>& readers() {
       {"camera", answerOf<readCameraText>},        {"areas", answerOf<readAreasText>},
       {"calibration", answerOf<readCalibrations>}, {"log", answerOf<readFrameLog>},
       {"tracks", answerOf<readTrackFiles>},        {"regions", answerOf<readRegionFiles>},
-      {"settings", answerOf<readSettings>}};
+      {"settings", answerOf<readSettings>},        {"index", answerOf<readIndex>}};
   return all;
 }
 

@@ -722,15 +722,17 @@ const std::vector<Setting> settings = {
     {"--times", "ms", "times is \"frames\" there and \"ms\" here"},
     {"--average", "3", "average_frames is 10 there and 3 here"},
     {"--track-noise", "21", "track/noise_mm is "},
+    {"--frames", "0:3", "frames is missing there and given here"},
     {"--no-maps", "", "maps is true there and false here"},
     {"--write", "map", "averages is true there and false here"},
 };
 
 // The results of a sequence do not depend on these. It refuses the two that give disparities, the two about a
-// calibration's numbers show in those, and --side-by-side in which files are read.
-const std::set<std::string> noSettings = {"--json",    "--config", "--quiet",       "--help",      "--output",
-                                          "--threads", "--resume", "--unit-mm",     "--disparity", "--disparity-scale",
-                                          "--strict",  "--lens",   "--side-by-side"};
+// calibration's numbers show in those, and --side-by-side in which files are read. With --join they are those of the
+// parts.
+const std::set<std::string> noSettings = {"--json",    "--config", "--quiet",        "--help",      "--output",
+                                          "--threads", "--resume", "--unit-mm",      "--disparity", "--disparity-scale",
+                                          "--strict",  "--lens",   "--side-by-side", "--join"};
 
 // Of a camera file's pictures, which are rectified: it changes nothing.
 std::string calibrationOf(const std::string& camera) {

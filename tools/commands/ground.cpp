@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -168,7 +169,7 @@ void runOnSequence(const GroundOptions& options) {
     throw Error("--write average needs map too: a resumed run makes its first means of the maps that are there");
   if (!options.road.disparity.empty()) throw Error("--disparity is for one pair, not for a sequence");
   const Road road = toldRoad(options.road);
-  groundSequence(FrameSource(options.left, options.right, options.sideBySide), road, sequence);
+  groundSequence(FrameSource(options.left, options.right, options.sideBySide, options.road.camera), road, sequence);
 }
 
 void run(const GroundOptions& options, bool sequenceAsked) {
@@ -179,7 +180,7 @@ void run(const GroundOptions& options, bool sequenceAsked) {
     throw Error("there is no file or folder " + options.left);
   if (sequenceAsked)
     throw Error(options.left +
-                " is one picture: --fps, --times, --average, --track-noise, --threads, --resume "
+                " is one picture: --fps, --times, --average, --track-noise, --frames, --join, --threads, --resume "
                 "and --no-maps are for sequences");
   runOnPair(options);
 }
@@ -189,7 +190,8 @@ void addInputs(CLI::App& command, GroundOptions& options) {
       .add_option("LEFT", options.left,
                   "Left picture, rectified, as for nadir disparity. Or of a sequence: a folder that holds the pictures "
                   "in left and right, each with its frame's number at the end of its name (others are left out); a "
-                  "folder of the left camera's; a glob in quotes, 'left/*.png'; a pattern, left/%06d.png")
+                  "folder of the left camera's; a glob in quotes, 'left/*.png'; a pattern, left/%06d.png; an index, a "
+                  ".csv whose rows name left, right, time and camera")
       ->required();
   command.add_option("RIGHT", options.right,
                      "Right picture of the same size, or the folder, glob or pattern of the right ones: those with "
@@ -277,6 +279,28 @@ void addWriteOption(CLI::App& command, std::string& words) {
   command.add_option("--write", words, help)->check(CLI::Validator(mistakeInProducts, ""))->type_name("WORDS");
 }
 
+// Throws where the text is no FROM:TO.
+FrameRange frameRange(const std::string& text) {
+  FrameRange range{};
+  const char* end = text.data() + text.size();
+  const auto from = std::from_chars(text.data(), end, range.begin);
+  const bool parted = from.ec == std::errc() && from.ptr != end && *from.ptr == ':';
+  const auto to = parted ? std::from_chars(from.ptr + 1, end, range.end) : from;
+  if (!parted || to.ec != std::errc() || to.ptr != end || range.end < range.begin)
+    throw CLI::ValidationError("--frames", text + " is not FROM:TO with whole numbers, FROM no larger than TO");
+  return range;
+}
+
+CLI::Option* addFramesOption(CLI::App& command, std::optional<FrameRange>& range) {
+  const auto choose = [&range](const std::string& text) { range = frameRange(text); };
+  return command
+      .add_option_function<std::string>("--frames", choose,
+                                        "Work on these alone, counted from 0 in their order, TO left out: a part of a "
+                                        "run, for --join. Averages begin with what they hold in the whole run; heights "
+                                        "are not followed (default: all frames)")
+      ->type_name("FROM:TO");
+}
+
 // Returns whether one of them is given.
 std::function<bool()> addSequenceOptions(CLI::App& command, GroundOptions& ofCommand) {
   SequenceOptions& options = ofCommand.sequence;
@@ -294,6 +318,13 @@ std::function<bool()> addSequenceOptions(CLI::App& command, GroundOptions& ofCom
   number("--track-noise", rule.track.noise_mm, numberFrom(0.1, 10000),
          "How uncertain a frame's height in an area is at least, standard deviation, {range} (default: {default})",
          "MM");
+  all.push_back(addFramesOption(command, rule.range));
+  all.push_back(command
+                    .add_option("--join", options.join,
+                                "Map nothing: join the lines of the runs with --frames that FOLDER's folders hold, "
+                                "without a gap from the first frame on, and follow heights through them")
+                    ->excludes(all.back())
+                    ->type_name("FOLDER"));
   all.push_back(addThreadsOption(command, options.threads,
                                  "Frames worked on at a time, {range} (default: one for each processor)"));
   all.push_back(command.add_flag("--resume", options.resume, "Go on where an interrupted run has ended, or begin"));
@@ -373,7 +404,8 @@ void addGroundCommand(CLI::App& app) {
       "  run.json                always: every setting in force, which --resume compares\n"
       "Killed at any time, or when the power is cut, a sequence keeps what frames.jsonl tells of, and --resume goes "
       "on\n"
-      "there. A picture has at most 2^25 pixels and a file 256 MiB; SECURITY.md has all limits.\n"
+      "there. Runs with --frames into folders of one folder may be done anywhere, and --join makes one of them.\n"
+      "A picture has at most 2^25 pixels and a file 256 MiB; SECURITY.md has all limits.\n"
       "\nExit status: 0 done; 3 done, but not all of it can be relied on: a frame that could not be used was named "
       "and\n"
       "skipped, or with --strict there was a warning; 1 failed, 2 wrong usage, 130 a sequence ended by Ctrl-C.\n"
@@ -400,6 +432,7 @@ void addGroundCommand(CLI::App& app) {
       "  nadir ground walk --camera walk/camera.toml -o result --fps 15 --resume\n"
       "  nadir ground cam0 cam1 --camera camera.toml -o result\n"
       "  nadir ground 'shots/*_left.png' 'shots/*_right.png' --camera camera.toml -o result\n"
+      "  nadir ground recording.csv --camera camera.toml -o parts/b --frames 1000:2000\n"
       "  nadir ground recording --side-by-side --camera camera.toml -o result");
   command->callback([options, sequenceAsked] { run(*options, sequenceAsked()); });
 }

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "tools/base/error.hpp"
-#include "tools/base/json_value.hpp"
 #include "tools/base/text.hpp"
 #include "tools/files/file_error.hpp"
 #include "tools/files/files.hpp"
@@ -84,7 +83,7 @@ void FrameLog::append(const std::string& lines) {
   }
 }
 
-uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use) {
+uintmax_t forEachLine(const std::string& path, const std::function<void(const Json&)>& use) {
   if (!std::filesystem::exists(path)) return 0;
   Lines lines(path);
   uintmax_t whole = 0;
@@ -92,7 +91,7 @@ uintmax_t forEachLine(const std::string& path, const std::function<void(const nl
   try {
     for (std::string line; lines.next(line); whole += line.size() + 1, ++number) {
       checkNesting(line);
-      use(nlohmann::json::parse(line));
+      use(Json::parse(line));
     }
   } catch (const nlohmann::json::exception&) {
     throw UnusableFile(format("cannot use %s: line %u is not what nadir writes there", path.c_str(), number));

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "tools/base/json_value.hpp"
 #include "tools/files/descriptor.hpp"
 
 namespace nadir::tool {
@@ -31,6 +31,6 @@ class FrameLog {
 // Calls use(object) for every line of a log, one after the other; a file that does not exist has none. A last line
 // without its line break was being written when its run ended: it does not count. Throws where a line is no
 // JSON, or lacks what use() asks of it. Returns the bytes of all lines that count.
-uintmax_t forEachLine(const std::string& path, const std::function<void(const nlohmann::json&)>& use);
+uintmax_t forEachLine(const std::string& path, const std::function<void(const Json&)>& use);
 
 }  // namespace nadir::tool

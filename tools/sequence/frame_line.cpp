@@ -7,13 +7,6 @@ namespace nadir::tool {
 
 namespace {
 
-// Tenths of a millimetre are below what a track knows; null says that nothing is tracked.
-void addTrack(Json& json, const NadirTrack& track) {
-  json["tracked_mm"] = track.active ? roundedNumber(track.height_mm, 10) : Json();
-  json["tracked_mm_per_s"] = track.active ? roundedNumber(track.rate_mm_per_s, 10) : Json();
-  json["tracked_deviation_mm"] = track.active ? roundedNumber(track.deviation_mm, 10) : Json();
-}
-
 Json watchedJson(const WatchedArea& area, const NadirOccupancy& o, const NadirTrack& track) {
   Json json = {{"name", area.area.name},
                {"seen_cells", o.seen_cells},
@@ -27,7 +20,14 @@ Json watchedJson(const WatchedArea& area, const NadirOccupancy& o, const NadirTr
 
 }  // namespace
 
-std::string frameLine(const FrameReport& report, const Road& road) {
+// Tenths of a millimetre are below what a track knows; null says that nothing is tracked.
+void addTrack(Json& area, const NadirTrack& track) {
+  area["tracked_mm"] = track.active ? roundedNumber(track.height_mm, 10) : Json();
+  area["tracked_mm_per_s"] = track.active ? roundedNumber(track.rate_mm_per_s, 10) : Json();
+  area["tracked_deviation_mm"] = track.active ? roundedNumber(track.deviation_mm, 10) : Json();
+}
+
+Json frameLine(const FrameReport& report, const Road& road) {
   const NadirFindings& found = report.findings;
   Json json = {{"schema", resultSchema},
                {"frame", report.number},
@@ -46,7 +46,9 @@ std::string frameLine(const FrameReport& report, const Road& road) {
     json["regions"].push_back(regionJson(found.regions[i], road.context));
   for (size_t i = 0; i < report.tracks.size(); ++i)
     json["areas"].push_back(watchedJson(road.areas[i], found.areas[i], report.tracks[i]));
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  return json;
 }
+
+std::string lineText(const Json& line) { return line.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n"; }
 
 }  // namespace nadir::tool

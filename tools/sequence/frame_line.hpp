@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/base/json_value.hpp"
 #include "tools/base/warnings.hpp"
 #include "tools/road/road.hpp"
 
@@ -22,6 +23,12 @@ struct FrameReport {
   std::vector<NadirTrack> tracks;  // of the areas
 };
 
-std::string frameLine(const FrameReport& report, const Road& road);
+// Puts what is tracked into an area of a line.
+void addTrack(Json& area, const NadirTrack& track);
+
+Json frameLine(const FrameReport& report, const Road& road);
+
+// As it stands in the file, with its line break.
+std::string lineText(const Json& line);
 
 }  // namespace nadir::tool

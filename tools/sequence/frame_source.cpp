@@ -11,6 +11,7 @@
 #include "tools/base/error.hpp"
 #include "tools/base/text.hpp"
 #include "tools/pictures/formats.hpp"
+#include "tools/sequence/frame_index.hpp"
 
 namespace nadir::tool {
 
@@ -72,10 +73,19 @@ void bringInOrder(std::vector<Frame>& frames, const std::string& argument) {
 }  // namespace
 
 bool FrameSource::isSequence(const std::string& left) {
-  return fs::is_directory(left) || ((left.find('%') != std::string::npos || isGlob(left)) && !fs::exists(left));
+  return fs::is_directory(left) || isIndex(left) ||
+         ((left.find('%') != std::string::npos || isGlob(left)) && !fs::exists(left));
 }
 
-FrameSource::FrameSource(const std::string& left, const std::string& right, bool sideBySide) : sideBySide_(sideBySide) {
+FrameSource::FrameSource(const std::string& left, const std::string& right, bool sideBySide, const std::string& camera)
+    : sideBySide_(sideBySide) {
+  if (isIndex(left)) {
+    if (!right.empty()) throw Error("the index " + left + " names the right pictures too: name nothing beside it");
+    leftFolder_ = rightFolder_ = folderOf(left);
+    frames_ = framesOfIndex(left, camera, sideBySide);
+    bringInOrder(frames_, left);
+    return;
+  }
   const bool holdsFolders = !sideBySide && right.empty() && fs::is_directory(left);
   if (holdsFolders && !fs::is_directory(left + "/left"))
     throw Error("there is no folder left in " + left +
@@ -88,14 +98,12 @@ FrameSource::FrameSource(const std::string& left, const std::string& right, bool
     findRight(left, right);
 }
 
-std::string FrameSource::left(size_t frame) const {
-  return leftFolder_ + frames_[frame].name + frames_[frame].extension;
-}
+std::string FrameSource::left(size_t frame) const { return (fs::path(leftFolder_) / frames_[frame].left).string(); }
 
 std::string FrameSource::right(size_t frame) const {
   if (sideBySide_) return "";
   const Frame& f = frames_[frame];
-  return rightFolder_ + (f.right.empty() ? f.name + f.extension : f.right);
+  return (fs::path(rightFolder_) / (f.right.empty() ? f.left : f.right)).string();
 }
 
 std::string FrameSource::Pattern::file(uint64_t number) const {
@@ -115,7 +123,7 @@ std::vector<FrameSource::Frame> FrameSource::framesOfFolder(const std::string& f
   for (const fs::path& file : filesIn(folder)) {
     const std::string name = file.stem().string(), digits = digitsAtEnd(name);
     if (hasPictureEnding(file.string()) && !digits.empty())
-      frames.push_back({numberOf(digits), name, file.extension().string(), ""});
+      frames.push_back({numberOf(digits), name, file.string(), ""});
   }
   if (frames.empty())
     throw Error("there is no frame in " + folder + ": none of the pictures in it has a number at the end of its name");
@@ -127,7 +135,7 @@ std::vector<FrameSource::Frame> FrameSource::framesOfGlob(const std::string& fol
   for (const fs::path& file : filesIn(folder)) {
     const std::string name = file.stem().string(), digits = lastDigits(name);
     if (fnmatch(glob.c_str(), file.c_str(), FNM_PERIOD) == 0 && hasPictureEnding(file.string()) && !digits.empty())
-      frames.push_back({numberOf(digits), name, file.extension().string(), ""});
+      frames.push_back({numberOf(digits), name, file.string(), ""});
   }
   return frames;
 }
@@ -142,7 +150,20 @@ std::vector<FrameSource::Frame> FrameSource::framesOfPattern(const Pattern& patt
     const std::string digits = file.substr(pattern.before.size(), file.size() - around);
     if (!isNumber(digits)) continue;
     const uint64_t number = numberOf(digits);
-    if (pattern.file(number) == file) frames.push_back({number, path.stem().string(), path.extension().string(), ""});
+    if (pattern.file(number) == file) frames.push_back({number, path.stem().string(), file, ""});
+  }
+  return frames;
+}
+
+// A row's time is its frame's name too, because no two of a camera share one; files of several folders may.
+std::vector<FrameSource::Frame> FrameSource::framesOfIndex(const std::string& path, const std::string& camera,
+                                                           bool sideBySide) {
+  std::vector<Frame> frames;
+  for (IndexRow& row : indexRows(path, camera)) {
+    if (!sideBySide && row.right.empty())
+      throw Error("the index " + path + " names no right picture beside " + row.left +
+                  ": --side-by-side where each picture holds both");
+    frames.push_back({numberOf(row.time), row.time, std::move(row.left), std::move(row.right)});
   }
   return frames;
 }
@@ -173,8 +194,7 @@ void FrameSource::findRight(const std::string& left, const std::string& right) {
     if (other == others.end() || other->number != frame.number)
       throw Error(format("frame %s of %s has no right picture: none in %s has its number", frame.name.c_str(),
                          left.c_str(), right.c_str()));
-    frame.right = other->name + other->extension;
-    if (frame.right == frame.name + frame.extension) frame.right.clear();
+    if (other->left != frame.left) frame.right = other->left;
   }
 }
 

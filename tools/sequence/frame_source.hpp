@@ -13,11 +13,13 @@ class FrameSource {
   //        Or a folder of the left camera's pictures; a glob of them, left/*.png; a pattern with one number in it as
   //        printf writes them, cam0/%06d.png. `right` names those of the right camera in one of these ways, and those
   //        of one number are a pair.
+  //        Or an index, whose rows name the pairs; `right` is empty then. Its times are the frames' numbers and names.
   // sideBySide  every picture that `left` names holds both, left | right; `right` is empty.
+  // camera  the camera file: of an index the rows that name another one are left out.
   // Frames are those that the left camera has, in the order of the numbers in their names. In a folder the number
   // stands at the end of the name, in what a glob matches it is the last one; pictures without one are no frames.
   // Throws where there is none.
-  FrameSource(const std::string& left, const std::string& right, bool sideBySide);
+  FrameSource(const std::string& left, const std::string& right, bool sideBySide, const std::string& camera);
 
   static bool isSequence(const std::string& left);
 
@@ -31,8 +33,8 @@ class FrameSource {
   // One picture of a camera.
   struct Frame {
     uint64_t number;
-    std::string name, extension;
-    std::string right;  // the right camera's file, in its folder; empty where it has the left one's name
+    std::string name;
+    std::string left, right;  // files, in the cameras' folders; no right one where it is called as the left one
   };
 
   // What stands around a frame's number in the names of one camera's files.
@@ -46,6 +48,7 @@ class FrameSource {
   static std::vector<Frame> framesOfFolder(const std::string& folder);
   static std::vector<Frame> framesOfGlob(const std::string& folder, const std::string& glob);
   static std::vector<Frame> framesOfPattern(const Pattern& pattern);
+  static std::vector<Frame> framesOfIndex(const std::string& path, const std::string& camera, bool sideBySide);
   static std::vector<Frame> framesOf(const std::string& argument, std::string& folder);
 
   void findRight(const std::string& left, const std::string& right);

@@ -4,8 +4,10 @@
 #include <nadir/nadir.h>
 
 #include <cmath>
+#include <deque>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 #include "tools/base/background.hpp"
 #include "tools/base/error.hpp"
@@ -48,17 +50,21 @@ struct Written {
 };
 
 // What a log tells of an area's height.
-double measuredIn(const nlohmann::json& area, const char* key) {
-  const nlohmann::json& height = area.at(key);
+double measuredIn(const Json& area, const char* key) {
+  const Json& height = area.at(key);
   return height.is_null() ? std::nan("") : height.get<double>();
 }
 
-TrackerHandle trackerOf(const Road& road, const SequenceRule& rule) {
-  NadirTrackSettings settings = rule.track;
-  if (rule.products.count(Product::average) == 0) settings.average_frames = 0;
+TrackerHandle trackerOf(const Road& road, NadirTrackSettings settings, bool averages) {
+  if (!averages) settings.average_frames = 0;
   NadirTracker* tracker = nullptr;
   expect(nadir_tracker_create(road.handle.get(), &settings, &tracker, nullptr));
   return TrackerHandle(tracker);
+}
+
+FrameRange rangeWithin(const FrameSource& source, const FrameRange& range) {
+  if (range.end <= source.size()) return range;
+  throw Error(format("there are %zu frames, and none up to %zu", source.size(), range.end));
 }
 
 class SequenceRun {
@@ -67,10 +73,11 @@ class SequenceRun {
       : source_(source),
         road_(road),
         options_(options),
+        range_(rangeWithin(source, options.rule.range.value_or(FrameRange{0, source.size()}))),
         times_(options.rule.times, timesBegunWith(), source),
         inputs_(marksOfInputs()),
         lanes_(road),
-        tracker_(trackerOf(road, options.rule)) {}
+        tracker_(trackerOf(road, options.rule.track, writes(Product::average))) {}
 
   void go() {
     begin();
@@ -79,23 +86,29 @@ class SequenceRun {
     if (!times_.sentence().empty()) say(times_.sentence());
     if (road_.options.match.range == automaticRange) say(rangeSentence(road_));
     tell(times_.warnings());
-    work(log);
+    if (joins())
+      join(log);
+    else
+      work(log);
     print(options_.json ? json() : table());
-    if (done_ < source_.size())
-      throw Error(format("interrupted after %zu of %zu frames; the same command with --resume goes on there", done_,
-                         source_.size()),
+    if (done_ < range_.end)
+      throw Error(format("interrupted after %zu of %zu frames; the same command with --resume goes on there",
+                         framesDone(), framesWanted()),
                   interrupted);
     if (skipped_ > 0)
-      throw Error(format("%zu of %zu frames were skipped; %s says why", skipped_, done_, logPath().c_str()),
+      throw Error(format("%zu of %zu frames were skipped; %s says why", skipped_, framesDone(), logPath().c_str()),
                   notAllReliable);
     if (options_.strict && warned_ > 0)
-      throw Error(format("%zu of %zu frames have warnings; %s tells them", warned_, done_, logPath().c_str()),
+      throw Error(format("%zu of %zu frames have warnings; %s tells them", warned_, framesDone(), logPath().c_str()),
                   notAllReliable);
     if (options_.strict) throwIfAny(times_.warnings());
   }
 
  private:
-  bool writes(Product product) const { return options_.rule.products.count(product) > 0; }
+  bool joins() const { return !options_.join.empty(); }
+  bool writes(Product product) const { return !joins() && options_.rule.products.count(product) > 0; }
+  size_t framesDone() const { return done_ - range_.begin; }
+  size_t framesWanted() const { return range_.end - range_.begin; }
   std::string settingsPath() const { return options_.folder + "/run.json"; }
   std::string logPath() const { return options_.folder + "/frames.jsonl"; }
   std::string mapPath(const char* kind, size_t frame) const {
@@ -125,14 +138,14 @@ class SequenceRun {
   // Whatever the user names is read; a map must not take its place.
   std::shared_ptr<const FileMarks> marksOfInputs() const {
     std::vector<std::string> inputs = {road_.options.camera, road_.options.areas, road_.options.mask};
-    for (size_t frame = 0; frame < source_.size(); ++frame)
+    for (size_t frame = range_.begin; frame < range_.end && !joins(); ++frame)
       inputs.insert(inputs.end(), {source_.left(frame), source_.right(frame)});
     return std::make_shared<const FileMarks>(inputs);
   }
 
   void checkOutputs() const {
     for (const char* kind : {"elevation", "average"})
-      for (size_t frame = 0; frame < source_.size() && fs::exists(options_.folder + "/" + kind); ++frame)
+      for (size_t frame = range_.begin; frame < range_.end && fs::exists(options_.folder + "/" + kind); ++frame)
         if (inputs_->hold(mapPath(kind, frame)))
           throw Error("the output " + mapPath(kind, frame) + " is one of the inputs");
   }
@@ -143,6 +156,7 @@ class SequenceRun {
     checkCamera();
     const std::string settings = settingsText(road_, options_.rule, source_, times_.unit());
     checkOutputs();
+    if (joins()) takeParts(runParts(options_.join, settings));
     OutputFiles files(inputs_);
     files.makeFolder(options_.folder);
     lock_.emplace(options_.folder);
@@ -172,11 +186,14 @@ class SequenceRun {
 
   // A new run has nothing to take up.
   void takeUp(const FrameLog& log) {
-    const uintmax_t whole = forEachLine(logPath(), [this](const nlohmann::json& line) { readBack(line); });
+    const uintmax_t whole = forEachLine(logPath(), [this](const Json& line) { readBack(line); });
     for (const Measured& measured : measured_) checkMaps(measured.frame);
     log.cutOff(whole);
     const size_t begin = windowBegin();
-    for (const Measured& measured : measured_) replay(measured, measured.frame >= begin);
+    warmUp();
+    for (const Measured& measured : measured_)
+      replay(measured,
+             measured.frame >= begin ? readElevation(mapPath("elevation", measured.frame)) : Grid<uint16_t>());
     measured_.clear();
   }
 
@@ -206,7 +223,7 @@ class SequenceRun {
   // The first frame that can be read tells.
   void checkCamera() const {
     std::optional<Pair> pair;
-    for (size_t frame = 0; frame < source_.size() && !pair; ++frame) pair = readable(frame);
+    for (size_t frame = range_.begin; frame < source_.size() && !pair; ++frame) pair = readable(frame);
     StageTimes untold;
     if (pair) fittingPair(road_, std::move(*pair), untold);
   }
@@ -225,9 +242,9 @@ class SequenceRun {
     std::vector<double> highestMm, pieceMm;
   };
 
-  void readBack(const nlohmann::json& line) {
+  void readBack(const Json& line) {
     const auto number = wholeNumberIn<uint64_t>(line.at("frame"), 0, UINT64_MAX);
-    if (done_ >= source_.size() || number != source_.number(done_))
+    if (done_ >= range_.end || number != source_.number(done_))
       throw Error("cannot resume: " + logPath() + " tells of other frames");
     const bool damaged = line.contains("error");
     skipped_ += damaged;
@@ -250,20 +267,84 @@ class SequenceRun {
     return begin < measured_.size() ? measured_[begin].frame : done_;
   }
 
-  void replay(const Measured& measured, bool inWindow) {
+  // heights  its map, empty where no average needs it.
+  void replay(const Measured& measured, const Grid<uint16_t>& heights) {
     NadirMeasurement m{};
     m.size = sizeof m;
     m.time_ns = nanosecondsOf(measured.frame);
     m.area_count = static_cast<uint32_t>(measured.highestMm.size());
     m.highest_mm = measured.highestMm.data();
     m.piece_mm = measured.pieceMm.data();
-    Grid<uint16_t> heights;
-    if (inWindow) heights = readElevation(mapPath("elevation", measured.frame));
     if (!heights.pixels.empty())
       m.heights = {heights.pixels.data(), heights.width * sizeof(uint16_t), heights.width, heights.height};
     const NadirStatus status = nadir_tracker_replay(tracker_.get(), &m);
     if (status == NADIR_FOREIGN_RESULT) throw Error("the maps of the frames differ in size");
     if (status != NADIR_OK) throw Error("cannot resume: a height that " + logPath() + " tells is none of this program");
+  }
+
+  // ---- frames before the range ----
+
+  // Means of the range's first frames are those of a run over all frames only where the last maps before it have their
+  // part in them. How many frames that takes depends on how many of them are damaged.
+  void warmUp() {
+    const size_t window = writes(Product::average) ? options_.rule.track.average_frames - 1 : 0;
+    if (measured_.size() >= window) return;
+    std::deque<std::pair<size_t, Grid<uint16_t>>> maps;
+    const auto frameBefore = [this](uint64_t steps) { return range_.begin - 1 - static_cast<size_t>(steps); };
+    const auto heightsBefore = [&](uint64_t steps) { return heightsOf(frameBefore(steps)); };
+    inOrder(0, range_.begin, options_.threads, heightsBefore, [&](uint64_t steps, Grid<uint16_t> heights) {
+      if (!heights.pixels.empty()) maps.emplace_front(frameBefore(steps), std::move(heights));
+      return maps.size() + measured_.size() < window;
+    });
+    const std::vector<double> unknown(road_.areas.size(), std::nan(""));
+    for (const auto& [frame, heights] : maps) replay({frame, unknown, unknown}, heights);
+  }
+
+  // Empty where the frame is damaged.
+  Grid<uint16_t> heightsOf(size_t frame) {
+    Worked worked = workOn(frame);
+    if (!worked.lane) return {};
+    Grid<uint16_t> heights = gridOf<uint16_t>(worked.lane->result.findings.heights);
+    lanes_.giveBack(std::move(worked.lane));
+    return heights;
+  }
+
+  // ---- lines of other runs ----
+
+  // They may reach less far than the frames.
+  void takeParts(std::vector<RunPart> parts) {
+    parts_ = std::move(parts);
+    range_ = rangeWithin(source_, {0, parts_.empty() ? 0 : parts_.back().range.end});
+  }
+
+  // A part knows nothing of the frames before it, so that heights are followed here.
+  void join(FrameLog& log) {
+    Progress progress("joining", "frames", framesWanted(), Progress::Elsewhere::lines, framesDone());
+    const InterruptWatch watch;
+    FrameWriter files(log, inputs_);
+    for (const RunPart& part : parts_) {
+      if (watch.requested()) break;
+      if (done_ < part.range.end) joinPart(part, files, progress);
+    }
+    files.flush();
+  }
+
+  void joinPart(const RunPart& part, FrameWriter& files, Progress& progress) {
+    size_t frame = part.range.begin;
+    forEachLine(part.folder + "/frames.jsonl", [&](Json line) {
+      if (frame++ < done_) return;
+      readBack(line);
+      if (!measured_.empty()) putTracksIn(line);
+      measured_.clear();
+      files.append(lineText(line));
+      progress.advance();
+    });
+    if (done_ != part.range.end) throw Error("cannot join " + part.folder + ": it does not have all of its frames");
+  }
+
+  void putTracksIn(Json& line) {
+    replay(measured_.back(), {});
+    for (size_t i = 0; i < road_.areas.size(); ++i) addTrack(line["areas"][i], trackIn(static_cast<uint32_t>(i)));
   }
 
   // ---- frame by frame ----
@@ -286,12 +367,12 @@ class SequenceRun {
 
   // What was done before an error is written all the same.
   void work(FrameLog& log) {
-    Progress progress("mapping", "frames", source_.size(), Progress::Elsewhere::lines, done_);
+    Progress progress("mapping", "frames", framesWanted(), Progress::Elsewhere::lines, framesDone());
     const InterruptWatch watch;
     FrameWriter files(log, inputs_);
     Background<Written> writer(options_.threads, [&](Written& written) {
       if (written.report.error.empty()) writeMaps(written, files);
-      files.append(frameLine(written.report, road_));
+      files.append(lineText(frameLine(written.report, road_)));
       if (written.lane) lanes_.giveBack(std::move(written.lane));
     });
     const auto workOn = [this](uint64_t frame) { return this->workOn(frame); };
@@ -310,7 +391,7 @@ class SequenceRun {
 
   template <class Work>
   void workThrough(Work workOn, Background<Written>& writer, Progress& progress, const InterruptWatch& watch) {
-    inOrder(done_, source_.size(), options_.threads, workOn, [&](uint64_t frame, Worked worked) {
+    inOrder(done_, range_.end, options_.threads, workOn, [&](uint64_t frame, Worked worked) {
       if (watch.requested()) return false;
       if (!worked.error.empty()) progress.say("frame " + source_.name(frame) + " is skipped: " + worked.error);
       for (const Warning& warning : worked.warnings)
@@ -347,7 +428,8 @@ class SequenceRun {
     if (!report.error.empty()) return report;
     report.findings = worked.lane->result.findings;
     expect(nadir_tracker_step(tracker_.get(), worked.lane->result.memory.get(), nanosecondsOf(frame)));
-    for (uint32_t i = 0; i < report.findings.area_count; ++i) report.tracks.push_back(trackIn(i));
+    for (uint32_t i = 0; i < report.findings.area_count; ++i)
+      report.tracks.push_back(options_.rule.range ? NadirTrack{} : trackIn(i));  // followed where lines are joined
     return report;
   }
 
@@ -369,7 +451,7 @@ class SequenceRun {
 
   std::string table() const {
     Table table;
-    table.line("frames", static_cast<double>(done_), format("of %zu", source_.size()), 0);
+    table.line("frames", static_cast<double>(framesDone()), format("of %zu", source_.size()), 0);
     table.line("skipped", static_cast<double>(skipped_), "", 0);
     if (warned_ > 0) table.line("with warnings", static_cast<double>(warned_), "", 0);
     return table.text() + writtenLine(logPath() + (writes(Product::map) ? " and a map of every frame" : ""));
@@ -377,20 +459,22 @@ class SequenceRun {
 
   std::string json() const {
     const Json counts = {
-        {"frames", done_}, {"frames_in_all", source_.size()}, {"skipped", skipped_}, {"with_warnings", warned_}};
+        {"frames", framesDone()}, {"frames_in_all", source_.size()}, {"skipped", skipped_}, {"with_warnings", warned_}};
     return counts.dump(2) + "\n";
   }
 
   const FrameSource& source_;
   const Road& road_;
   const SequenceOptions& options_;
+  FrameRange range_;
   const FrameTimes times_;
   const std::shared_ptr<const FileMarks> inputs_;
   std::optional<FolderLock> lock_;
   Lanes lanes_;
   TrackerHandle tracker_;
+  std::vector<RunPart> parts_;      // whose lines are joined
   std::vector<Measured> measured_;  // by the frames of an earlier run, until they are taken up
-  size_t done_ = 0, skipped_ = 0, warned_ = 0;
+  size_t done_ = range_.begin, skipped_ = 0, warned_ = 0;
 };
 
 }  // namespace

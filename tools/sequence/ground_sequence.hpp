@@ -14,6 +14,7 @@ struct SequenceOptions {
   SequenceRule rule;
   unsigned threads = 1;
   bool resume = false;
+  std::string join;     // folder of runs over ranges, whose lines are taken; empty: the frames are worked on
   bool json = false;    // prints an object, no table
   bool strict = false;  // warnings make the exit status notAllReliable
 };

@@ -117,6 +117,7 @@ std::string settingsText(const Road& road, const SequenceRule& rule, const Frame
   const std::string left = source.left(0), right = source.right(0);
   const FirstPair first{absolutePath(left), absolutePath(right.empty() ? left : right)};
   Json json = settingsJson(road, rule, first, markOfMask(road.options.mask), times);
+  if (rule.range) json["frames"] = {rule.range->begin, rule.range->end};
   if (road.calibration) json["calibration"] = calibrationJson(*road.calibration);  // else the pictures are rectified
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

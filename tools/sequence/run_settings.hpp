@@ -8,6 +8,7 @@
 #include "tools/road/road.hpp"
 #include "tools/sequence/frame_source.hpp"
 #include "tools/sequence/frame_times.hpp"
+#include "tools/sequence/run_parts.hpp"
 
 namespace nadir::tool {
 
@@ -17,7 +18,8 @@ NadirTrackSettings usualTracking();
 struct SequenceRule {
   TimeRule times;
   NadirTrackSettings track = usualTracking();
-  Products products;  // beside frames.jsonl
+  Products products;                // beside frames.jsonl
+  std::optional<FrameRange> range;  // none: all frames
 };
 
 // Reads the mask, if there is one.

@@ -10,8 +10,8 @@ namespace {
 using Json = nlohmann::ordered_json;  // the camera before what follows from it
 
 // JSON Patch (RFC 6902) calls the place behind a list's end "-".
-Json::json_pointer firstDifference(const Json& earlier, const Json& now) {
-  Json::json_pointer place(Json::diff(earlier, now).front().at("path").get<std::string>());
+Json::json_pointer firstDifference(const Json& earlier, const Json& patch) {
+  Json::json_pointer place(patch.front().at("path").get<std::string>());
   if (place.back() != "-") return place;
   place.pop_back();
   return place / earlier[place].size();
@@ -39,9 +39,10 @@ std::string otherVersion(const std::string& there, const std::string& here) {
 
 std::string settingsDifference(const std::string& there, const std::string& here) {
   const Json earlier = Json::parse(there, nullptr, false), now = Json::parse(here, nullptr, false);
-  if (earlier == now) return "";
   if (!earlier.is_object()) return "it is no JSON object";
-  const Json::json_pointer place = firstDifference(earlier, now);
+  const Json patch = Json::diff(earlier, now);
+  if (patch.empty()) return "";  // members may stand in another order
+  const Json::json_pointer place = firstDifference(earlier, patch);
   return place.to_string().substr(1) + " is " + valueAt(earlier, place) + " there and " + valueAt(now, place) + " here";
 }
 
