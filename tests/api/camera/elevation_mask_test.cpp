@@ -12,6 +12,7 @@
 
 #include "tests/models/camera.hpp"
 #include "tests/models/geometry.hpp"
+#include "tests/support/cameras.hpp"
 #include "tests/support/floats.hpp"
 #include "tests/support/guarded.hpp"
 #include "tests/support/polygons.hpp"
@@ -63,7 +64,7 @@ Result createMask(const Shape& polygon, const StereoCtx& ctx, const Values& valu
   return {status, bytes.values()};
 }
 
-Bytes untouched(const StereoCtx& ctx) {
+Bytes untouchedMask(const StereoCtx& ctx) {
   return Bytes(size_t{ctx.mapParams.width} * ctx.mapParams.height, untouchedCell);
 }
 
@@ -101,7 +102,7 @@ Shape projected(const Shape& polygon, const StereoCtx& ctx, float h) {
 
 Result expectedMask(const Shape& polygon, const StereoCtx& ctx, const Values& values) {
   std::vector<uint16_t> samples = samplesOf(polygon, values);
-  if (samples.empty()) return {0, untouched(ctx)};
+  if (samples.empty()) return {0, untouchedMask(ctx)};
   std::sort(samples.begin(), samples.end());
   const Shape world = projected(polygon, ctx, samples[(samples.size() - 1) / 2]);
   const ElevMapParams& map = ctx.mapParams;
@@ -320,7 +321,7 @@ void expectNoHeight(const Shape& polygon, const Values& values) {
   const StereoCtx ctx = plainContext(6);
   const Result r = createMask(polygon, ctx, values);
   EXPECT_EQ(r.status, 0);
-  EXPECT_EQ(untouched(ctx), r.mask);
+  EXPECT_EQ(untouchedMask(ctx), r.mask);
 }
 
 TEST(ElevationMask, OfAnImageWithoutValuesIsRefused) { expectNoHeight(unitSegment, constant(4, 4, 0)); }
@@ -461,8 +462,6 @@ TEST_F(ElevationMaskArguments, InputsStayAsTheyWere) {
 }
 
 // ---- everything together ----
-
-const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 void expectDefinition(const Shape& polygon, const StereoCtx& ctx, const Values& values) {
   const Result wanted = expectedMask(polygon, ctx, values), got = createMask(polygon, ctx, values);

@@ -8,13 +8,12 @@
 #include <tuple>
 
 #include "tests/models/camera.hpp"
+#include "tests/support/cameras.hpp"
 #include "tests/support/floats.hpp"
 #include "tests/support/integers.hpp"
 
 namespace nadir::test {
 namespace {
-
-const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 
 auto xyz(const Point3_s32& p) { return std::make_tuple(p.x, p.y, p.z); }
 auto xy(const Point_s32& p) { return std::make_tuple(p.x, p.y); }
@@ -40,7 +39,7 @@ TrafoParams anyTrafo(lab::Random& random) {
   return trafo;
 }
 
-Point3_s32 anyPoint3(lab::Random& random, int32_t range) {
+Point3_s32 anyFixedPoint3(lab::Random& random, int32_t range) {
   return {random.between(-range, range), random.between(-range, range), random.between(-range, range)};
 }
 
@@ -192,7 +191,7 @@ TEST(FixedWorldToCamera, IsTheRoundedFloatTransform) {
   lab::Random random(102);
   for (int round = 0; round < 1000; round++) {
     const TrafoParams trafo = anyTrafo(random);
-    const Point3_s32 world = anyPoint3(random, 100000);
+    const Point3_s32 world = anyFixedPoint3(random, 100000);
     Point3_s32 cam;
     ip_world2cam_s32(&cam, &world, &trafo);
     ASSERT_EQ(xyz(cam), xyz(counts(model::world2cam(widened(world), widenedExternal(trafo)))));
@@ -205,7 +204,7 @@ TEST(FixedWorldToCamera, IsNearTheUnroundedOrientation) {
   for (int round = 0; round < 300; round++) {
     const Orientation o = {2000, anyWithin(random, 80), anyWithin(random, 80)};
     const TrafoParams trafo = tilted(o.tilt, o.pan);
-    const Point3_s32 world = anyPoint3(random, 80000);
+    const Point3_s32 world = anyFixedPoint3(random, 80000);
     Point3_s32 cam;
     ip_world2cam_s32(&cam, &world, &trafo);
     const Point3_f32 exact = model::world2cam(widened(world), model::externalCalib(o)), got = widened(cam);
@@ -236,7 +235,7 @@ TEST(FixedWorldToImage, IsTheRoundedFloatTransform) {
   lab::Random random(104);
   for (int round = 0; round < 1000; round++) {
     const TrafoParams trafo = anyTrafo(random);
-    const Point3_s32 world = anyPoint3(random, 50000);
+    const Point3_s32 world = anyFixedPoint3(random, 50000);
     const Point3_f32 cam = model::world2cam(widened(world), widenedExternal(trafo));
     ASSERT_EQ(xy(image(world, trafo)), xy(counts(model::cam2img(cam, model::internalCalib(trafo.intParams)))));
   }

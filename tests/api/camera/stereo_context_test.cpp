@@ -6,14 +6,14 @@
 #include <cstring>
 
 #include "tests/models/camera.hpp"
+#include "tests/support/cameras.hpp"
 #include "tests/support/floats.hpp"
 
 namespace nadir::test {
 namespace {
 
-const IntCalibParams usualLens = {100 * 256, 250 * 256, 160 * 16, 120 * 16};
 const Orientation lookingDown = {2000, 0, 0};
-const Orientation tilted = {1800, 40, -15};
+const Orientation tiltedMount = {1800, 40, -15};
 
 StereoCtx context(const Orientation& orientation, const ElevMapParams& map = {100, 50, 20, 40}) {
   StereoCtx ctx;
@@ -29,47 +29,47 @@ Point_f32 lowerLeft(const ExtCalib& e, const ElevMapParams& map, float h) {
   return out;
 }
 
-const ExtCalib straightDown = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
+const ExtCalib downward = {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0}};
 
 // ---- the context ----
 
 TEST(StereoInit, CopiesItsInputs) {
   const ElevMapParams map = {101, 52, 23, 44};
-  const StereoCtx ctx = context(tilted, map);
+  const StereoCtx ctx = context(tiltedMount, map);
   EXPECT_EQ(std::memcmp(&usualLens, &ctx.intParams, sizeof usualLens), 0);
-  EXPECT_EQ(floats(ctx.orientation), floats(tilted));
+  EXPECT_EQ(floats(ctx.orientation), floats(tiltedMount));
   EXPECT_EQ(std::memcmp(&map, &ctx.mapParams, sizeof map), 0);
 }
 
 TEST(StereoInit, MakesTheCalibrations) {
-  const StereoCtx ctx = context(tilted);
+  const StereoCtx ctx = context(tiltedMount);
   EXPECT_EQ(floats(ctx.intCalib), floats(model::internalCalib(usualLens)));
-  EXPECT_EQ(floats(ctx.extCalib), floats(model::externalCalib(tilted)));
+  EXPECT_EQ(floats(ctx.extCalib), floats(model::externalCalib(tiltedMount)));
 }
 
 TEST(StereoInit, AnchorsTheMapOnTheGround) {
   const ElevMapParams map = {100, 50, 20, 40};
-  const StereoCtx ctx = context(tilted, map);
-  EXPECT_EQ(floats(ctx.lowerLeft), floats(lowerLeft(model::externalCalib(tilted), map, tilted.height)));
+  const StereoCtx ctx = context(tiltedMount, map);
+  EXPECT_EQ(floats(ctx.lowerLeft), floats(lowerLeft(model::externalCalib(tiltedMount), map, tiltedMount.height)));
 }
 
 // ---- the map's corner ----
 
 TEST(MapCorner, UsesTheHalfExtentAlongXOnBothAxes) {
-  EXPECT_EQ(floats(lowerLeft(straightDown, {100, 50, 20, 40}, 2000)), floats(Point_f32{-1000, -1000}));
+  EXPECT_EQ(floats(lowerLeft(downward, {100, 50, 20, 40}, 2000)), floats(Point_f32{-1000, -1000}));
 }
 
 TEST(MapCorner, HalvesAnOddWidthBeforeItMultiplies) {
-  EXPECT_EQ(floats(lowerLeft(straightDown, {5, 5, 100, 100}, 2000)), floats(Point_f32{-200, -200}));
+  EXPECT_EQ(floats(lowerLeft(downward, {5, 5, 100, 100}, 2000)), floats(Point_f32{-200, -200}));
 }
 
 TEST(MapCorner, OfAMapOneCellWideIsUnderThePrincipalPoint) {
-  EXPECT_EQ(floats(lowerLeft(straightDown, {1, 9, 100, 100}, 2000)), floats(Point_f32{0, 0}));
+  EXPECT_EQ(floats(lowerLeft(downward, {1, 9, 100, 100}, 2000)), floats(Point_f32{0, 0}));
 }
 
 TEST(MapCorner, HoldsTheLargestMap) {
   // 32767 * 65535 fits 31 bits and becomes the nearest float.
-  EXPECT_EQ(floats(lowerLeft(straightDown, {65535, 65535, 65535, 65535}, 2000)),
+  EXPECT_EQ(floats(lowerLeft(downward, {65535, 65535, 65535, 65535}, 2000)),
             floats(Point_f32{-2147385345.0f, -2147385345.0f}));
 }
 
@@ -137,7 +137,7 @@ TEST(WorldAndMap, HaveTheBitsOfTheDocumentedFormulas) {
 
 class StereoWrappers : public testing::Test {
  protected:
-  const StereoCtx ctx = context(tilted);
+  const StereoCtx ctx = context(tiltedMount);
   const ExtCalib& ext = ctx.extCalib;
   const IntCalib& calib = ctx.intCalib;
   const Point3_f32 point = {123.5f, -456.25f, 789};

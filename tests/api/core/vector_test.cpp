@@ -16,17 +16,17 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr uint8_t untouched = 0xA7;
+constexpr uint8_t untouchedByte = 0xA7;
 
 struct Type {
   uint32_t code, bytes;
 };
-constexpr Type types[] = {{VECTOR_TYPE_U8, 1},  {VECTOR_TYPE_U16, 2}, {VECTOR_TYPE_U32, 4}, {VECTOR_TYPE_S8, 1},
-                          {VECTOR_TYPE_S16, 2}, {VECTOR_TYPE_S32, 4}, {VECTOR_TYPE_WORD, 4}};
+constexpr Type elementTypes[] = {{VECTOR_TYPE_U8, 1},  {VECTOR_TYPE_U16, 2}, {VECTOR_TYPE_U32, 4}, {VECTOR_TYPE_S8, 1},
+                                 {VECTOR_TYPE_S16, 2}, {VECTOR_TYPE_S32, 4}, {VECTOR_TYPE_WORD, 4}};
 
 // A vector over marked memory that ends at a guard page.
 struct Marked {
-  Marked(uint32_t type, uint32_t bytes) : memory(Bytes(bytes, untouched)) {
+  Marked(uint32_t type, uint32_t bytes) : memory(Bytes(bytes, untouchedByte)) {
     EXPECT_EQ(Vector_Init(&vector, type, memory.data(), bytes), 1u);
   }
 
@@ -36,7 +36,7 @@ struct Marked {
 
 // The bytes of `count` elements of this value in the processor's order, then marks.
 Bytes filled(const Type& type, uint32_t value, uint32_t count, uint32_t bytes) {
-  Bytes out(bytes, untouched);
+  Bytes out(bytes, untouchedByte);
   const uint8_t value8 = static_cast<uint8_t>(value);
   const uint16_t value16 = static_cast<uint16_t>(value);
   const void* element = type.bytes == 1 ? &value8 : type.bytes == 2 ? static_cast<const void*>(&value16) : &value;
@@ -63,7 +63,7 @@ template <class Call>
 // ---- Vector_Init ----
 
 TEST(VectorInit, HoldsAsManyWholeElementsAsThereAreBytesFor) {
-  for (const Type& type : types) {
+  for (const Type& type : elementTypes) {
     for (uint32_t bytes = 0; bytes <= 20; ++bytes) {
       Vector vector{7, 7, 7, nullptr};
       uint8_t memory[20];
@@ -83,7 +83,7 @@ TEST(VectorInit, CountsBytesIn32Bits) {
 
 TEST(VectorInit, LeavesTheMemoryAsItWas) {
   const Marked marked(VECTOR_TYPE_U32, 64);
-  EXPECT_EQ(marked.memory.values(), Bytes(64, untouched));
+  EXPECT_EQ(marked.memory.values(), Bytes(64, untouchedByte));
 }
 
 TEST(VectorInit, RefusesOtherTypes) {
@@ -113,7 +113,7 @@ TEST(VectorClear, OfAnEmptyVectorSucceeds) {
 // ---- Vector_Fill ----
 
 TEST(VectorFill, WritesTheLowBitsOfTheValueIntoExactlyTheFirstElements) {
-  for (const Type& type : types) {
+  for (const Type& type : elementTypes) {
     for (const uint32_t value : {0u, 1u, 0x1FFu, 0x12345u, 0x89ABCDEFu, 0xFFFFFFFFu, 0xFFFF0000u, 0x100u}) {
       if (type.code == VECTOR_TYPE_WORD && value != 0) continue;
       for (uint32_t count = 0; count <= 9; ++count) {
@@ -141,7 +141,7 @@ TEST(VectorFill, WithANegativeCountLeavesAnEmptyVectorEmpty) {
   Marked marked(VECTOR_TYPE_S32, 16);
   EXPECT_EQ(Vector_Fill(&marked.vector, 5, -1), 1u);
   EXPECT_EQ(marked.vector.count, 0u);
-  EXPECT_EQ(marked.memory.values(), Bytes(16, untouched));
+  EXPECT_EQ(marked.memory.values(), Bytes(16, untouchedByte));
 }
 
 TEST(VectorFill, SetsASmallerCount) {

@@ -593,7 +593,7 @@ TEST(PolygonDistance, CountsTheClosingEdge) {
   EXPECT_EQ(distance({{0, 0}, {100, 0}, {100, 100}, {0, 100}}, {1, 50}), 1.0f);
 }
 
-TEST(PolygonDistance, OfNoVerticesIsTheLargestFloat) { EXPECT_EQ(distance({}, {0, 0}), 3.4028235e38f); }
+TEST(PolygonDistance, OfNoVerticesIsTheLargestFloat) { EXPECT_EQ(distance(ShapeF{}, {0, 0}), 3.4028235e38f); }
 
 TEST(PolygonDistance, OfOneVertexIsToThatVertex) { EXPECT_EQ(distance({{3, 4}}, {0, 0}), 25.0f); }
 

@@ -14,12 +14,12 @@ namespace {
 const std::vector<int32_t> morphOps{MORPH_ERODE, MORPH_DILATE, MORPH_OPEN, MORPH_CLOSE, MORPH_CLEAN};
 
 template <class T>
-using Pixels = std::vector<T>;
+using PixelsOf = std::vector<T>;
 
 // The one inner pixel that a filter makes of nine; a fourth column for the median, which has none for three.
 template <class T, class Filter>
-T filteredCentre(Pixels<T> nine, Filter filter) {
-  Pixels<T> pixels(12);
+T filteredCentre(PixelsOf<T> nine, Filter filter) {
+  PixelsOf<T> pixels(12);
   for (size_t i = 0; i < 9; ++i) pixels[i / 3 * 4 + i % 3] = nine[i];
   const Image<T> src(4, 3, pixels);
   Image<T> dst(4, 3, marks<T>(12));
@@ -28,16 +28,16 @@ T filteredCentre(Pixels<T> nine, Filter filter) {
 }
 
 template <class T>
-T medianOf(Pixels<T> nine) {
+T medianOf(PixelsOf<T> nine) {
   return filteredCentre(nine, [](const Img* src, Img* dst) { return IP_Median3x3(src, dst); });
 }
 
-uint16_t maximumOf(Pixels<uint16_t> nine) {
+uint16_t maximumOf(PixelsOf<uint16_t> nine) {
   return filteredCentre(nine, [](const Img* src, Img* dst) { return IP_Maximum3x3(src, dst); });
 }
 
 template <class T>
-T morphed(Pixels<T> nine, int32_t op) {
+T morphed(PixelsOf<T> nine, int32_t op) {
   return filteredCentre(nine, [op](const Img* src, Img* dst) { return IP_Morph3x3(src, dst, op); });
 }
 
@@ -46,10 +46,10 @@ Image<T> marked(uint32_t width, uint32_t height) {
   return Image<T>(width, height, marks<T>(size_t{width} * height));
 }
 
-// Pixels as disparity images have them: every draw mixes holes, few values and any values in another proportion.
+// PixelsOf as disparity images have them: every draw mixes holes, few values and any values in another proportion.
 template <class T>
-Pixels<T> holeyPixels(lab::Random& random, size_t count) {
-  Pixels<T> out = anyPixels<T>(random, count);
+PixelsOf<T> holeyPixels(lab::Random& random, size_t count) {
+  PixelsOf<T> out = anyPixels<T>(random, count);
   const uint32_t holes = random.below(4), few = random.below(4);
   for (T& v : out) {
     if (random.below(4) < few) v = static_cast<T>(random.between(1, 5));
@@ -82,7 +82,7 @@ TYPED_TEST_SUITE(MedianOf, MedianTypes, TypeName);
 
 TEST(Median3x3, IsTheFifthOfNineValuesInAnyOrder) {
   lab::Random random(9);
-  Pixels<uint16_t> nine{1, 2, 3, 4, 5, 6, 7, 8, 9};
+  PixelsOf<uint16_t> nine{1, 2, 3, 4, 5, 6, 7, 8, 9};
   for (int round = 0; round < 200; ++round) {
     EXPECT_EQ(medianOf(nine), 5);
     for (uint32_t i = 8; i > 0; --i) std::swap(nine[i], nine[random.below(i + 1)]);
@@ -152,7 +152,7 @@ TYPED_TEST(MedianOf, LeavesTheBorderAlone) {
   const Image<TypeParam> src(8, 5);
   Image<TypeParam> dst = marked<TypeParam>(8, 5);
   EXPECT_EQ(IP_Median3x3(src, dst), 1u);
-  Pixels<TypeParam> wanted = marks<TypeParam>(40);
+  PixelsOf<TypeParam> wanted = marks<TypeParam>(40);
   for (size_t y = 1; y < 4; ++y) std::fill_n(wanted.begin() + static_cast<long>(y * 8 + 1), 6, TypeParam{0});
   EXPECT_TRUE(holds(dst, wanted));
 }
@@ -188,7 +188,7 @@ TEST(Maximum3x3, KeepsAPixelLargerThanItsNeighbours) { EXPECT_EQ(maximumOf({1, 2
 
 TEST(Maximum3x3, LooksAtEveryNeighbour) {
   for (size_t i = 0; i < 9; ++i) {
-    Pixels<uint16_t> nine(9, 1);
+    PixelsOf<uint16_t> nine(9, 1);
     nine[i] = 2;
     EXPECT_EQ(maximumOf(nine), 2) << i;
   }
@@ -214,7 +214,7 @@ TEST(Maximum3x3, LeavesTheBorderAlone) {
   const Image<uint16_t> src(7, 5);
   Image<uint16_t> dst = marked<uint16_t>(7, 5);
   EXPECT_EQ(IP_Maximum3x3(src, dst), 1u);
-  Pixels<uint16_t> wanted = marks<uint16_t>(35);
+  PixelsOf<uint16_t> wanted = marks<uint16_t>(35);
   for (size_t y = 1; y < 4; ++y) std::fill_n(wanted.begin() + static_cast<long>(y * 7 + 1), 5, uint16_t{0});
   EXPECT_TRUE(holds(dst, wanted));
 }
@@ -250,7 +250,7 @@ TYPED_TEST(Morph3x3Of, ErodeKeepsTheMinimumAtThePixelItself) {
 
 TYPED_TEST(Morph3x3Of, ErodeTakesTheMinimumOfThePixelAndAllNeighbours) {
   for (size_t i = 0; i < 9; ++i) {
-    Pixels<TypeParam> nine(9, 20);
+    PixelsOf<TypeParam> nine(9, 20);
     nine[i] = 7;
     EXPECT_EQ(morphed(nine, MORPH_ERODE), 7) << i;
   }
@@ -258,7 +258,7 @@ TYPED_TEST(Morph3x3Of, ErodeTakesTheMinimumOfThePixelAndAllNeighbours) {
 
 TYPED_TEST(Morph3x3Of, ErodeClearsAPixelThatTouchesAnyZero) {
   for (size_t i : {0u, 1u, 2u, 3u, 5u, 6u, 7u, 8u}) {
-    Pixels<TypeParam> nine{20, 20, 20, 20, 10, 20, 20, 20, 20};
+    PixelsOf<TypeParam> nine{20, 20, 20, 20, 10, 20, 20, 20, 20};
     nine[i] = 0;
     EXPECT_EQ(morphed(nine, MORPH_ERODE), 0) << i;
   }
@@ -270,7 +270,7 @@ TYPED_TEST(Morph3x3Of, ErodeKeepsAZeroPixelAmongData) {
 
 TYPED_TEST(Morph3x3Of, DilateTakesTheMaximumOfThePixelAndAllNeighbours) {
   for (size_t i = 0; i < 9; ++i) {
-    Pixels<TypeParam> nine(9, 20);
+    PixelsOf<TypeParam> nine(9, 20);
     nine[i] = 200;
     EXPECT_EQ(morphed(nine, MORPH_DILATE), 200) << i;
   }
@@ -281,7 +281,7 @@ TYPED_TEST(Morph3x3Of, DilateFillsAZeroPixelWithTheLargestNeighbour) {
 }
 
 TYPED_TEST(Morph3x3Of, DilateKeepsAZeroPixelAmongZeros) {
-  EXPECT_EQ(morphed<TypeParam>(Pixels<TypeParam>(9, 0), MORPH_DILATE), 0);
+  EXPECT_EQ(morphed<TypeParam>(PixelsOf<TypeParam>(9, 0), MORPH_DILATE), 0);
 }
 
 TYPED_TEST(Morph3x3Of, CleanClearsADataPixelWithThreeDataNeighbours) {
@@ -307,7 +307,7 @@ TYPED_TEST(Morph3x3Of, CleanFillsAHoleFromAboveLeftWhereNothingElseIsData) {
 // Takes the preferred donor away again and again: below right, below, below left, right, left, above right, above,
 // above left.
 TYPED_TEST(Morph3x3Of, CleanFillsAHoleByTheFixedOrderOfNeighbours) {
-  Pixels<TypeParam> nine{18, 17, 16, 15, 0, 14, 13, 12, 11};
+  PixelsOf<TypeParam> nine{18, 17, 16, 15, 0, 14, 13, 12, 11};
   for (size_t donor : {8u, 7u, 6u, 5u, 3u, 2u, 1u, 0u}) {
     EXPECT_EQ(morphed(nine, MORPH_CLEAN), nine[donor]);
     nine[donor] = 0;
@@ -315,13 +315,13 @@ TYPED_TEST(Morph3x3Of, CleanFillsAHoleByTheFixedOrderOfNeighbours) {
 }
 
 TYPED_TEST(Morph3x3Of, CleanKeepsAHoleAmongHoles) {
-  EXPECT_EQ(morphed<TypeParam>(Pixels<TypeParam>(9, 0), MORPH_CLEAN), 0);
+  EXPECT_EQ(morphed<TypeParam>(PixelsOf<TypeParam>(9, 0), MORPH_CLEAN), 0);
 }
 
 TYPED_TEST(Morph3x3Of, ComparesAsUnsigned) {
   const TypeParam half = static_cast<TypeParam>(TypeParam{1} << (sizeof(TypeParam) * 8 - 1));
   const TypeParam below = static_cast<TypeParam>(half - 1);
-  const Pixels<TypeParam> nine{half, half, half, half, below, half, half, half, half};
+  const PixelsOf<TypeParam> nine{half, half, half, half, below, half, half, half, half};
   EXPECT_EQ(morphed(nine, MORPH_ERODE), below);
   EXPECT_EQ(morphed(nine, MORPH_DILATE), half);
 }
@@ -342,10 +342,10 @@ void expectMorph(const model::Picture<T>& picture, int32_t op, Guard side = Guar
 
 TYPED_TEST(Morph3x3Of, OpenErodesThenDilates) {
   // A block of 4 x 4 shrinks to its 2 x 2 heart of 5, 6, 6, 7 minima and grows back; the lone pixel is gone.
-  const Pixels<TypeParam> block{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 6, 6, 5, 0, 8, 0,
-                                0, 5, 6, 6, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
-  const Pixels<TypeParam> wanted{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0,
-                                 0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  const PixelsOf<TypeParam> block{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 6, 6, 5, 0, 8, 0,
+                                  0, 5, 6, 6, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+  const PixelsOf<TypeParam> wanted{0, 0, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0,
+                                   0, 5, 5, 5, 5, 0, 0, 0, 0, 5, 5, 5, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
   const Image<TypeParam> src(8, 6, block);
   Image<TypeParam> dst = marked<TypeParam>(8, 6);
   EXPECT_EQ(IP_Morph3x3(src, dst, MORPH_OPEN), 1u);
@@ -354,8 +354,8 @@ TYPED_TEST(Morph3x3Of, OpenErodesThenDilates) {
 
 TYPED_TEST(Morph3x3Of, CloseDilatesThenErodes) {
   // A hole amid data takes the smallest of the maxima around it.
-  const Pixels<TypeParam> holed{4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 0, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 9};
-  Pixels<TypeParam> wanted(25, 4);
+  const PixelsOf<TypeParam> holed{4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 0, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 9};
+  PixelsOf<TypeParam> wanted(25, 4);
   wanted[24] = 9;
   const Image<TypeParam> src(5, 5, holed);
   Image<TypeParam> dst = marked<TypeParam>(5, 5);
@@ -364,11 +364,11 @@ TYPED_TEST(Morph3x3Of, CloseDilatesThenErodes) {
 }
 
 TYPED_TEST(Morph3x3Of, NumbersItsOperationsAsDocumented) {
-  const Pixels<TypeParam> nine{20, 30, 20, 20, 10, 20, 20, 20, 20};
+  const PixelsOf<TypeParam> nine{20, 30, 20, 20, 10, 20, 20, 20, 20};
   EXPECT_EQ(morphed(nine, 0), 10);
   EXPECT_EQ(morphed(nine, 1), 30);
   EXPECT_EQ(morphed(nine, 4), 10);
-  const model::Picture<TypeParam> picture{6, 5, Pixels<TypeParam>(30, 3)};
+  const model::Picture<TypeParam> picture{6, 5, PixelsOf<TypeParam>(30, 3)};
   expectMorph(picture, 2);
   expectMorph(picture, 3);
 }
@@ -395,7 +395,7 @@ TYPED_TEST(Morph3x3Of, IsRightForEveryArrangementOfHoles) {
 
 TYPED_TEST(Morph3x3Of, CopiesTheBorderForEveryOperation) {
   lab::Random random(7);
-  const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, 35);
+  const PixelsOf<TypeParam> pixels = holeyPixels<TypeParam>(random, 35);
   const Image<TypeParam> src(7, 5, pixels);
   for (int32_t op : morphOps) {
     SCOPED_TRACE(op);
@@ -414,7 +414,7 @@ TYPED_TEST(Morph3x3Of, CopiesImagesWithoutAnInside) {
     for (int32_t op : morphOps) {
       SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", operation " << op);
       lab::Random random(3);
-      const Pixels<TypeParam> pixels = holeyPixels<TypeParam>(random, size.width * size.height);
+      const PixelsOf<TypeParam> pixels = holeyPixels<TypeParam>(random, size.width * size.height);
       const Image<TypeParam> src(size.width, size.height, pixels);
       Image<TypeParam> dst = marked<TypeParam>(size.width, size.height);
       EXPECT_EQ(IP_Morph3x3(src, dst, op), 1u);

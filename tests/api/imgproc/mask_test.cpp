@@ -35,8 +35,8 @@ std::vector<T> masked(std::initializer_list<T> row, std::initializer_list<uint8_
 template <class T>
 class MaskOf : public ::testing::Test {};
 
-using Types = ::testing::Types<uint8_t, uint16_t>;
-TYPED_TEST_SUITE(MaskOf, Types, TypeName);
+using MaskedTypes = ::testing::Types<uint8_t, uint16_t>;
+TYPED_TEST_SUITE(MaskOf, MaskedTypes, TypeName);
 
 TYPED_TEST(MaskOf, Mode0KeepsPixelsWhereTheMaskIsSet) {
   EXPECT_EQ(masked<TypeParam>({7, 8, 9, 10}, {0, 1, 128, 255}, MASK_KEEP_SET), (std::vector<TypeParam>{0, 8, 9, 10}));
@@ -168,12 +168,12 @@ namespace {
 
 // A mask of 6 zero bytes under MASK_KEEP_SET clears everything, so that a write would show.
 template <class S, class M, class D>
-void expectRefused(const Image<S>& src, const Image<M>& mask, Image<D>& dst) {
+void expectRefusedMask(const Image<S>& src, const Image<M>& mask, Image<D>& dst) {
   EXPECT_TRUE(refuses(dst, [&] { return IP_Mask(src, mask, dst, MASK_KEEP_SET); }));
 }
 
 template <class T>
-Image<T> marked(uint32_t width, uint32_t height) {
+Image<T> markedForMask(uint32_t width, uint32_t height) {
   return Image<T>(width, height, marks<T>(size_t{width} * height));
 }
 
@@ -182,11 +182,11 @@ Image<T> marked(uint32_t width, uint32_t height) {
 TEST(Mask, RefusesEveryOtherTypeOfImage) {
   for (uint32_t type : typesOtherThan({IMG_TYPE_U8, IMG_TYPE_U16})) {
     SCOPED_TRACE(type);
-    Image<uint32_t> src = marked<uint32_t>(3, 2), dst = marked<uint32_t>(3, 2);
+    Image<uint32_t> src = markedForMask<uint32_t>(3, 2), dst = markedForMask<uint32_t>(3, 2);
     src.retype(type);
     dst.retype(type);
     const Image<uint8_t> mask(3, 2);
-    expectRefused(src, mask, dst);
+    expectRefusedMask(src, mask, dst);
     EXPECT_TRUE(refuses(dst, [&] { return IP_Mask_I(dst, mask, MASK_KEEP_SET); }));
   }
 }
@@ -196,48 +196,48 @@ TEST(Mask, RefusesEveryOtherTypeOfMask) {
     SCOPED_TRACE(type);
     Image<uint32_t> mask(3, 2);
     mask.retype(type);
-    const Image<uint16_t> src = marked<uint16_t>(3, 2);
-    Image<uint16_t> dst = marked<uint16_t>(3, 2);
-    expectRefused(src, mask, dst);
+    const Image<uint16_t> src = markedForMask<uint16_t>(3, 2);
+    Image<uint16_t> dst = markedForMask<uint16_t>(3, 2);
+    expectRefusedMask(src, mask, dst);
     EXPECT_TRUE(refuses(dst, [&] { return IP_Mask_I(dst, mask, MASK_KEEP_SET); }));
   }
 }
 
 TEST(Mask, RefusesImagesOfDifferentType) {
-  const Image<uint8_t> bytes = marked<uint8_t>(3, 2), mask(3, 2);
-  const Image<uint16_t> words = marked<uint16_t>(3, 2);
-  Image<uint16_t> wordsOut = marked<uint16_t>(3, 2);
-  Image<uint8_t> bytesOut = marked<uint8_t>(3, 2);
-  expectRefused(bytes, mask, wordsOut);
-  expectRefused(words, mask, bytesOut);
+  const Image<uint8_t> bytes = markedForMask<uint8_t>(3, 2), mask(3, 2);
+  const Image<uint16_t> words = markedForMask<uint16_t>(3, 2);
+  Image<uint16_t> wordsOut = markedForMask<uint16_t>(3, 2);
+  Image<uint8_t> bytesOut = markedForMask<uint8_t>(3, 2);
+  expectRefusedMask(bytes, mask, wordsOut);
+  expectRefusedMask(words, mask, bytesOut);
 }
 
 TEST(Mask, RefusesImagesOfDifferentWidth) {
-  const Image<uint8_t> src = marked<uint8_t>(4, 2), mask(4, 2);
-  Image<uint8_t> dst = marked<uint8_t>(3, 2);
-  expectRefused(src, mask, dst);
+  const Image<uint8_t> src = markedForMask<uint8_t>(4, 2), mask(4, 2);
+  Image<uint8_t> dst = markedForMask<uint8_t>(3, 2);
+  expectRefusedMask(src, mask, dst);
 }
 
 TEST(Mask, RefusesImagesOfDifferentHeight) {
-  const Image<uint8_t> src = marked<uint8_t>(3, 3), mask(3, 3);
-  Image<uint8_t> dst = marked<uint8_t>(3, 2);
-  expectRefused(src, mask, dst);
+  const Image<uint8_t> src = markedForMask<uint8_t>(3, 3), mask(3, 3);
+  Image<uint8_t> dst = markedForMask<uint8_t>(3, 2);
+  expectRefusedMask(src, mask, dst);
 }
 
 TEST(Mask, RefusesWidthAndHeightExchanged) {
-  const Image<uint8_t> src = marked<uint8_t>(2, 3), mask(3, 2);
-  Image<uint8_t> dst = marked<uint8_t>(3, 2);
-  expectRefused(src, mask, dst);
+  const Image<uint8_t> src = markedForMask<uint8_t>(2, 3), mask(3, 2);
+  Image<uint8_t> dst = markedForMask<uint8_t>(3, 2);
+  expectRefusedMask(src, mask, dst);
 }
 
 TEST(Mask, RefusesANullSource) {
   const Image<uint8_t> mask(3, 2);
-  Image<uint8_t> dst = marked<uint8_t>(3, 2);
+  Image<uint8_t> dst = markedForMask<uint8_t>(3, 2);
   EXPECT_TRUE(refuses(dst, [&] { return IP_Mask(nullptr, mask, dst, MASK_KEEP_SET); }));
 }
 
 TEST(Mask, RefusesANullMask) {
-  const Image<uint8_t> src = marked<uint8_t>(3, 2);
+  const Image<uint8_t> src = markedForMask<uint8_t>(3, 2);
   Image<uint8_t> dst(3, 2, std::vector<uint8_t>(6, 9));
   EXPECT_TRUE(refuses(dst, [&] { return IP_Mask(src, nullptr, dst, MASK_KEEP_SET); }));
 }
@@ -253,7 +253,7 @@ TEST(Mask, InPlaceRefusesANullImage) {
 }
 
 TEST(Mask, InPlaceRefusesANullMask) {
-  Image<uint8_t> image = marked<uint8_t>(3, 2);
+  Image<uint8_t> image = markedForMask<uint8_t>(3, 2);
   EXPECT_TRUE(refuses(image, [&] { return IP_Mask_I(image, nullptr, MASK_KEEP_SET); }));
 }
 

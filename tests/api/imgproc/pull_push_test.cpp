@@ -14,13 +14,13 @@ namespace {
 using Pixels = std::vector<uint16_t>;
 using model::Picture16;
 
-Image<uint16_t> marked(uint32_t width, uint32_t height) {
+Image<uint16_t> markedPicture(uint32_t width, uint32_t height) {
   return Image<uint16_t>(width, height, marks<uint16_t>(size_t{width} * height));
 }
 
 Pixels filled(uint32_t width, uint32_t height, const Pixels& pixels) {
   const Image<uint16_t> src(width, height, pixels);
-  Image<uint16_t> dst = marked(width, height);
+  Image<uint16_t> dst = markedPicture(width, height);
   EXPECT_EQ(IP_PullPush(src, dst), 1);
   return dst.pixels();
 }
@@ -40,7 +40,7 @@ Pixels holeyPixels(lab::Random& random, uint32_t width, uint32_t height) {
   return pixels;
 }
 
-std::vector<Size> sizes() {
+std::vector<Size> filledSizes() {
   std::vector<Size> all{{2, 200}, {200, 2}, {3, 127}, {127, 3}, {64, 64}, {65, 63}, {63, 65}, {100, 31}};
   for (uint32_t width = 2; width <= 40; ++width)
     for (uint32_t height = 2; height <= 12; ++height) all.push_back({width, height});
@@ -97,7 +97,7 @@ TEST(PullPush, StopsWhereOneSideIs1) {
 // ---- properties ----
 
 TEST(PullPush, ReturnsAnImageWithoutHolesUnchanged) {
-  forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
+  forEachSize(filledSizes(), [](Size size, Guard side, lab::Random& random) {
     Pixels pixels = anyPixels<uint16_t>(random, size.width * size.height);
     std::replace(pixels.begin(), pixels.end(), uint16_t{0}, uint16_t{9});
     const Image<uint16_t> src(size.width, size.height, pixels, side);
@@ -115,7 +115,7 @@ TEST(PullPush, ReturnsAnImageOfHolesAsHoles) {
 }
 
 TEST(PullPush, NeverChangesAPixelThatIsNoHole) {
-  forEachSize(sizes(), [](Size size, Guard, lab::Random& random) {
+  forEachSize(filledSizes(), [](Size size, Guard, lab::Random& random) {
     const Pixels pixels = holeyPixels(random, size.width, size.height);
     const Pixels result = filled(size.width, size.height, pixels);
     for (size_t i = 0; i < pixels.size(); ++i) {
@@ -127,7 +127,7 @@ TEST(PullPush, NeverChangesAPixelThatIsNoHole) {
 }
 
 TEST(PullPush, IsExactForEverySizeAndInPlace) {
-  forEachSize(sizes(), [](Size size, Guard side, lab::Random& random) {
+  forEachSize(filledSizes(), [](Size size, Guard side, lab::Random& random) {
     const Picture16 picture{size.width, size.height, holeyPixels(random, size.width, size.height)};
     const Pixels wanted = model::pullPush(picture).pixels;
     const Image<uint16_t> src(size.width, size.height, picture.pixels, side);
@@ -193,7 +193,7 @@ TEST(PullPush, RefusesAnImageWhoseSmallerSideIs4096) {
 namespace {
 
 template <class S, class D>
-void expectRefused(const Image<S>& src, Image<D>& dst) {
+void expectRefusedFill(const Image<S>& src, Image<D>& dst) {
   EXPECT_TRUE(refuses(dst, [&] { return static_cast<uint32_t>(IP_PullPush(src, dst)); }));
 }
 
@@ -207,8 +207,8 @@ TEST(PullPush, RefusesASideOf1OrNone) {
   for (const Size size : tooSmall) {
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
     const Image<uint16_t> src(size.width, size.height);
-    Image<uint16_t> dst = marked(size.width, size.height);
-    expectRefused(src, dst);
+    Image<uint16_t> dst = markedPicture(size.width, size.height);
+    expectRefusedFill(src, dst);
   }
 }
 
@@ -218,7 +218,7 @@ TEST(PullPush, RefusesEveryOtherType) {
     Image<uint32_t> src(6, 5), dst(6, 5, marks<uint32_t>(30));
     src.retype(type);
     dst.retype(type);
-    expectRefused(src, dst);
+    expectRefusedFill(src, dst);
   }
 }
 
@@ -227,9 +227,9 @@ TEST(PullPush, RefusesImagesOfDifferentType) {
     SCOPED_TRACE(type);
     Image<uint32_t> other(6, 5, marks<uint32_t>(30));
     other.retype(type);
-    Image<uint16_t> image = marked(6, 5);
-    expectRefused(other, image);
-    expectRefused(image, other);
+    Image<uint16_t> image = markedPicture(6, 5);
+    expectRefusedFill(other, image);
+    expectRefusedFill(image, other);
   }
 }
 
@@ -237,18 +237,18 @@ TEST(PullPush, RefusesImagesOfDifferentSize) {
   const Image<uint16_t> src(6, 5);
   for (const Size size : {Size{7, 5}, Size{5, 5}, Size{6, 6}, Size{6, 4}, Size{5, 6}, Size{15, 2}}) {
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height);
-    Image<uint16_t> dst = marked(size.width, size.height);
-    expectRefused(src, dst);
+    Image<uint16_t> dst = markedPicture(size.width, size.height);
+    expectRefusedFill(src, dst);
   }
 }
 
 TEST(PullPush, RefusesANullSource) {
-  Image<uint16_t> dst = marked(6, 5);
+  Image<uint16_t> dst = markedPicture(6, 5);
   EXPECT_TRUE(refuses(dst, [&] { return static_cast<uint32_t>(IP_PullPush(nullptr, dst)); }));
 }
 
 TEST(PullPush, RefusesANullDestination) {
-  const Image<uint16_t> src = marked(6, 5);
+  const Image<uint16_t> src = markedPicture(6, 5);
   EXPECT_TRUE(refuses(src, [&] { return static_cast<uint32_t>(IP_PullPush(src, nullptr)); }));
 }
 
@@ -256,10 +256,10 @@ TEST(PullPush, RefusesANullDestination) {
 
 TEST(PullPushInMemory, FillsAsTheAllocatingCallDoes) {
   lab::Random random(5);
-  for (const Size size : sizes()) {
+  for (const Size size : filledSizes()) {
     const Pixels pixels = holeyPixels(random, size.width, size.height);
     const Image<uint16_t> src(size.width, size.height, pixels);
-    Image<uint16_t> dst = marked(size.width, size.height);
+    Image<uint16_t> dst = markedPicture(size.width, size.height);
     const size_t bytes = nadir_pull_push_bytes(static_cast<uint16_t>(size.width), static_cast<uint16_t>(size.height));
     const Guarded<uint16_t> memory(Pixels(bytes / 2, 0xA7A7));
     EXPECT_EQ(nadir_pull_push(src, dst, memory.data(), bytes), 1);
@@ -269,7 +269,7 @@ TEST(PullPushInMemory, FillsAsTheAllocatingCallDoes) {
 
 TEST(PullPushInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   const Image<uint16_t> src(20, 9, Pixels(180, 3));
-  Image<uint16_t> dst = marked(20, 9);
+  Image<uint16_t> dst = markedPicture(20, 9);
   const size_t bytes = nadir_pull_push_bytes(20, 9);
   Pixels memory(bytes / 2 + 1);
   EXPECT_EQ(nadir_pull_push(src, dst, memory.data(), bytes - 1), 0);
@@ -280,7 +280,7 @@ TEST(PullPushInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
 
 TEST(PullPushInMemory, WrongImagesAreRefusedWithNothingWritten) {
   const Image<uint16_t> src(20, 9, Pixels(180, 3));
-  Image<uint16_t> dst = marked(20, 9), narrower = marked(19, 9);
+  Image<uint16_t> dst = markedPicture(20, 9), narrower = markedPicture(19, 9);
   const size_t bytes = nadir_pull_push_bytes(20, 9);
   Pixels memory(bytes / 2);
   EXPECT_EQ(nadir_pull_push(nullptr, dst, memory.data(), bytes), 0);

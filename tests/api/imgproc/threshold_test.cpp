@@ -10,8 +10,8 @@
 namespace nadir::test {
 namespace {
 
-const std::vector<uint32_t> modes{THRESH_ZERO_BELOW, THRESH_KEEP_ABOVE, THRESH_ZERO_EQUAL, THRESH_KEEP_BELOW,
-                                  THRESH_ZERO_ABOVE};
+const std::vector<uint32_t> thresholdModes{THRESH_ZERO_BELOW, THRESH_KEEP_ABOVE, THRESH_ZERO_EQUAL, THRESH_KEEP_BELOW,
+                                           THRESH_ZERO_ABOVE};
 const std::vector<int32_t> rangeModes{THRESH_ZERO_INSIDE, THRESH_ZERO_OUTSIDE};
 const std::vector<uint32_t> otherModes{5, 6, 7, 8, 255, 256, 0x10000, 0x80000000u, 0xFFFFFFFFu};
 const std::vector<int32_t> otherRangeModes{0, 1, 2, 3, 4, 7, 8, -1, 261, 0x10005, -2147483647 - 1};
@@ -39,7 +39,7 @@ constexpr uint32_t zeroing = THRESH_KEEP_ABOVE;
 constexpr int32_t rangeZeroing = THRESH_ZERO_INSIDE;
 
 template <class T>
-Image<T> marked(uint32_t width, uint32_t height) {
+Image<T> markedForThreshold(uint32_t width, uint32_t height) {
   return Image<T>(width, height, marks<T>(size_t{width} * height));
 }
 
@@ -178,7 +178,7 @@ TYPED_TEST(ThresholdOf, OneThresholdIsExactForEverySizeAndMode) {
     const auto pixels = closePixels<TypeParam>(random, size.width * size.height);
     const Image<TypeParam> src(size.width, size.height, pixels, side);
     Image<TypeParam> dst(size.width, size.height, side), inPlace(size.width, size.height, side);
-    for (uint32_t mode : modes) {
+    for (uint32_t mode : thresholdModes) {
       const uint32_t word = anyWord(random);
       SCOPED_TRACE(testing::Message() << "mode " << mode << ", threshold " << word);
       std::vector<TypeParam> wanted = pixels;
@@ -248,7 +248,7 @@ TYPED_TEST(ThresholdOf, WalksEachImageWithItsOwnRowStride) {
 
 TEST(Threshold, AcceptsAnImageWithoutRowsForEveryMode) {
   Image<uint16_t> src(5, 0), dst(5, 0);
-  for (uint32_t mode : modes) EXPECT_EQ(IP_Threshold(src, dst, 100, mode), 1u) << mode;
+  for (uint32_t mode : thresholdModes) EXPECT_EQ(IP_Threshold(src, dst, 100, mode), 1u) << mode;
 }
 
 TEST(Threshold, AcceptsAnImageWithoutColumns) {
@@ -280,7 +280,7 @@ TEST(Threshold, ChecksTypeAndModeAlsoWithoutRows) {
 TEST(Threshold, RefusesEveryOtherMode) {
   for (uint32_t mode : otherModes) {
     SCOPED_TRACE(mode);
-    Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = marked<uint16_t>(3, 2);
+    Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = markedForThreshold<uint16_t>(3, 2);
     EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, above, mode); }));
     EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold_I(dst, above, mode); }));
   }
@@ -289,7 +289,7 @@ TEST(Threshold, RefusesEveryOtherMode) {
 TEST(ThresholdRange, RefusesEveryOtherMode) {
   for (int32_t mode : otherRangeModes) {
     SCOPED_TRACE(mode);
-    Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = marked<uint16_t>(3, 2);
+    Image<uint16_t> src(3, 2, U16(6, 0x40)), dst = markedForThreshold<uint16_t>(3, 2);
     EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, rangeBegin, rangeEnd, mode); }));
     EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange_I(dst, rangeBegin, rangeEnd, mode); }));
   }
@@ -298,7 +298,7 @@ TEST(ThresholdRange, RefusesEveryOtherMode) {
 TEST(Threshold, RefusesEveryOtherType) {
   for (uint32_t type : typesOtherThan({IMG_TYPE_U16, IMG_TYPE_S16})) {
     SCOPED_TRACE(type);
-    Image<uint32_t> src = marked<uint32_t>(3, 2), dst = marked<uint32_t>(3, 2);
+    Image<uint32_t> src = markedForThreshold<uint32_t>(3, 2), dst = markedForThreshold<uint32_t>(3, 2);
     src.retype(type);
     dst.retype(type);
     EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(src, dst, above, zeroing); }));
@@ -309,7 +309,7 @@ TEST(Threshold, RefusesEveryOtherType) {
 TEST(ThresholdRange, RefusesEveryOtherType) {
   for (uint32_t type : typesOtherThan({IMG_TYPE_U16, IMG_TYPE_S16})) {
     SCOPED_TRACE(type);
-    Image<uint32_t> src = marked<uint32_t>(3, 2), dst = marked<uint32_t>(3, 2);
+    Image<uint32_t> src = markedForThreshold<uint32_t>(3, 2), dst = markedForThreshold<uint32_t>(3, 2);
     src.retype(type);
     dst.retype(type);
     EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(src, dst, rangeBegin, rangeEnd, rangeZeroing); }));
@@ -329,30 +329,30 @@ void expectBothRefuse(const Image<S>& src, Image<D>& dst) {
 
 TEST(Threshold, RefusesImagesOfDifferentType) {
   const Image<int16_t> src(3, 2);
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   expectBothRefuse(src, dst);
 }
 
 TEST(Threshold, RefusesImagesOfDifferentWidth) {
   const Image<uint16_t> src(4, 2);
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   expectBothRefuse(src, dst);
 }
 
 TEST(Threshold, RefusesImagesOfDifferentHeight) {
   const Image<uint16_t> src(3, 3);
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   expectBothRefuse(src, dst);
 }
 
 TEST(Threshold, RefusesWidthAndHeightExchanged) {
   const Image<uint16_t> src(2, 3);
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   expectBothRefuse(src, dst);
 }
 
 TEST(Threshold, RefusesANullSource) {
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   EXPECT_TRUE(refuses(dst, [&] { return IP_Threshold(nullptr, dst, above, zeroing); }));
 }
 
@@ -364,7 +364,7 @@ TEST(Threshold, RefusesANullDestination) {
 TEST(Threshold, RefusesANullImageInPlace) { EXPECT_EQ(IP_Threshold_I(nullptr, above, zeroing), 0u); }
 
 TEST(ThresholdRange, RefusesANullSource) {
-  Image<uint16_t> dst = marked<uint16_t>(3, 2);
+  Image<uint16_t> dst = markedForThreshold<uint16_t>(3, 2);
   EXPECT_TRUE(refuses(dst, [&] { return IP_ThresholdRange(nullptr, dst, rangeBegin, rangeEnd, rangeZeroing); }));
 }
 

@@ -20,7 +20,7 @@ namespace {
 
 using model::Region;
 using model::Words;
-using Picture = model::Picture<uint16_t>;
+using HeightPicture = model::Picture<uint16_t>;
 
 constexpr Rect_s32 wholeImage{0, 0, 0, 0};
 
@@ -30,25 +30,25 @@ struct Close {
 using FinderPtr = std::unique_ptr<CompFinder, Close>;
 
 // The record is large: one for all tests, at a guard page.
-ComponentList& list() {
+ComponentList& foundComponents() {
   static const Guarded<ComponentList> record(1);
   return record[0];
 }
 
 // The slices of the pools follow each other in the order of the labels.
 ::testing::AssertionResult slicesFollow(const ComponentEntry& entry, size_t offset) {
-  if (entry.positions == list().positionPool + offset && entry.values == list().valuePool + offset &&
-      entry.contour == list().contourPool + offset)
+  if (entry.positions == foundComponents().positionPool + offset &&
+      entry.values == foundComponents().valuePool + offset && entry.contour == foundComponents().contourPool + offset)
     return ::testing::AssertionSuccess();
   return ::testing::AssertionFailure() << "slices do not begin at " << offset;
 }
 
 void expectList(const std::vector<Region>& want) {
-  ASSERT_EQ(list().count, want.size());
+  ASSERT_EQ(foundComponents().count, want.size());
   size_t offset = 0;
   for (uint32_t i = 0; i < want.size(); ++i) {
     SCOPED_TRACE("component " + std::to_string(i + 1));
-    const ComponentEntry& entry = list().entries[i];
+    const ComponentEntry& entry = foundComponents().entries[i];
     ASSERT_EQ(entry.label, i + 1);
     ASSERT_TRUE(slicesFollow(entry, offset));
     ASSERT_TRUE(sameRegion(want[i], entry));
@@ -59,27 +59,27 @@ void expectList(const std::vector<Region>& want) {
 
 class Finder {
  public:
-  int32_t find(const Picture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
+  int32_t find(const HeightPicture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
     const auto src = imageOf(picture, side);
-    list().count = 0xFFFFFFFF;
-    const int32_t status = IP_CompFinder_ProcessAoi(get(), src, &aoi, &list());
+    foundComponents().count = 0xFFFFFFFF;
+    const int32_t status = IP_CompFinder_ProcessAoi(get(), src, &aoi, &foundComponents());
     EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
     return status;
   }
-  int32_t find(const Picture& picture) {
+  int32_t find(const HeightPicture& picture) {
     const auto src = imageOf(picture, Guard::behind);
-    list().count = 0xFFFFFFFF;
-    return IP_CompFinder_Process(get(), src, &list());
+    foundComponents().count = 0xFFFFFFFF;
+    return IP_CompFinder_Process(get(), src, &foundComponents());
   }
 
-  void expectModel(const Picture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
+  void expectModel(const HeightPicture& picture, const Rect_s32& aoi, Guard side = Guard::behind) {
     ASSERT_EQ(find(picture, aoi, side), 1);
     expectList(model::componentList(picture, aoi));
     if (::testing::Test::HasFailure()) {
       ADD_FAILURE() << "area " << aoi.x0 << " " << aoi.y0 << " " << aoi.x1 << " " << aoi.y1 << " of " << text(picture);
     }
   }
-  void expectModel(const Picture& picture) {
+  void expectModel(const HeightPicture& picture) {
     ASSERT_EQ(find(picture), 1);
     expectList(model::componentList(picture, wholeImage));
     if (::testing::Test::HasFailure()) ADD_FAILURE() << text(picture);
@@ -94,8 +94,8 @@ class Finder {
 // Components as pictures: '.' for none, '1' or 'a' for a pixel of the first one, the letter for its contour.
 std::vector<std::string> drawing(uint32_t width, uint32_t height) {
   std::vector<std::string> rows(height, std::string(width, '.'));
-  for (uint32_t l = 0; l < list().count; ++l) {
-    const ComponentEntry& entry = list().entries[l];
+  for (uint32_t l = 0; l < foundComponents().count; ++l) {
+    const ComponentEntry& entry = foundComponents().entries[l];
     const auto at = [&](uint32_t i) -> char& { return rows[entry.positions[i].y][entry.positions[i].x]; };
     for (uint32_t i = 0; i < entry.pixelCount; ++i) at(i) = static_cast<char>('1' + l);
     for (uint32_t i = 0; i < entry.contourCount; ++i) at(entry.contour[i]) = static_cast<char>('a' + l);
@@ -110,8 +110,8 @@ Rows foundIn(const Rows& rows, const Rect_s32& aoi = wholeImage) {
   return drawing(static_cast<uint32_t>(rows[0].size()), static_cast<uint32_t>(rows.size()));
 }
 
-Picture dust(uint32_t width, uint32_t height) {
-  Picture picture = constant<uint16_t>(width, height, 0);
+HeightPicture dust(uint32_t width, uint32_t height) {
+  HeightPicture picture = constant<uint16_t>(width, height, 0);
   for (uint32_t y = 0; y < height; y += 2) {
     for (uint32_t x = 0; x < width; x += 2) picture.at(x, y) = static_cast<uint16_t>(1 + x + y);
   }
@@ -119,13 +119,13 @@ Picture dust(uint32_t width, uint32_t height) {
 }
 
 // There are as many runs as rows of 256 columns can have, 128 in each.
-Picture fence(uint32_t height) {
-  Picture picture = constant<uint16_t>(256, height, 0);
+HeightPicture fence(uint32_t height) {
+  HeightPicture picture = constant<uint16_t>(256, height, 0);
   for (size_t i = 0; i < picture.pixels.size(); i += 2) picture.pixels[i] = static_cast<uint16_t>(1 + i);
   return picture;
 }
 
-Picture anyPicture(lab::Random& random, uint32_t width, uint32_t height) {
+HeightPicture anyPicture(lab::Random& random, uint32_t width, uint32_t height) {
   return valued<uint16_t>(random, anyShape(random, width, height), 0);
 }
 
@@ -149,17 +149,17 @@ Rect_s32 anyArea(lab::Random& random, uint32_t width, uint32_t height) {
 // Answers 0 with a count of 0, and changes nothing else of the list.
 ::testing::AssertionResult refuses(const Img* src) {
   const Finder finder;
-  std::memset(&list(), 0xA7, sizeof(ComponentList));
+  std::memset(&foundComponents(), 0xA7, sizeof(ComponentList));
   std::vector<uint8_t> want(sizeof(ComponentList), 0xA7);
-  std::memset(want.data() + offsetof(ComponentList, count), 0, sizeof list().count);
+  std::memset(want.data() + offsetof(ComponentList, count), 0, sizeof foundComponents().count);
   const Rect_s32 aoi{0, 0, 2, 2};
   for (const bool whole : {true, false}) {
-    list().count = 5;
-    const int32_t status = whole ? IP_CompFinder_Process(finder.get(), src, &list())
-                                 : IP_CompFinder_ProcessAoi(finder.get(), src, &aoi, &list());
+    foundComponents().count = 5;
+    const int32_t status = whole ? IP_CompFinder_Process(finder.get(), src, &foundComponents())
+                                 : IP_CompFinder_ProcessAoi(finder.get(), src, &aoi, &foundComponents());
     if (status != 0) return ::testing::AssertionFailure() << "not refused";
-    if (list().count != 0) return ::testing::AssertionFailure() << "count " << list().count;
-    if (std::memcmp(want.data(), &list(), sizeof(ComponentList)) != 0)
+    if (foundComponents().count != 0) return ::testing::AssertionFailure() << "count " << foundComponents().count;
+    if (std::memcmp(want.data(), &foundComponents(), sizeof(ComponentList)) != 0)
       return ::testing::AssertionFailure() << "wrote more than the count";
   }
   return ::testing::AssertionSuccess();
@@ -170,7 +170,7 @@ Rect_s32 anyArea(lab::Random& random, uint32_t width, uint32_t height) {
 // ---- what is one component ----
 
 TEST(ComponentFinder, ListsPositionsValuesAndBoxInRasterOrder) {
-  const Picture picture{4, 2, {0, 7, 0, 0, 6, 5, 0, 0}};
+  const HeightPicture picture{4, 2, {0, 7, 0, 0, 6, 5, 0, 0}};
   EXPECT_EQ(Finder().find(picture), 1);
   Region want;
   want.add(1, 0, 7);
@@ -182,7 +182,7 @@ TEST(ComponentFinder, ListsPositionsValuesAndBoxInRasterOrder) {
 
 TEST(ComponentFinder, FindsNothingInAnEmptyImage) {
   EXPECT_EQ(Finder().find(constant<uint16_t>(5, 4, 0)), 1);
-  EXPECT_EQ(list().count, 0u);
+  EXPECT_EQ(foundComponents().count, 0u);
 }
 
 TEST(ComponentFinder, JoinsPixelsThatTouchAtACorner) {
@@ -201,18 +201,18 @@ TEST(ComponentFinder, TakesAnyValueButZero) {
 
 TEST(ComponentFinder, FillsThePoolsWithTheLargestImage) {
   lab::Random random(3);
-  Picture picture{256, 256, random.values<uint16_t>(65536, 65535)};
+  HeightPicture picture{256, 256, random.values<uint16_t>(65536, 65535)};
   for (uint16_t& value : picture.pixels) ++value;
   Finder().expectModel(picture);
-  EXPECT_EQ(list().entries[0].pixelCount, 65536u);
+  EXPECT_EQ(foundComponents().entries[0].pixelCount, 65536u);
 }
 
 // ---- the last column ----
 
 TEST(ComponentFinder, KeepsRunsThatEndInTheLastColumn) {
   EXPECT_EQ(foundIn({".###"}), (Rows{".aaa"}));
-  EXPECT_EQ(list().entries[0].xMin, 1);
-  EXPECT_EQ(list().entries[0].xEnd, 4);
+  EXPECT_EQ(foundComponents().entries[0].xMin, 1);
+  EXPECT_EQ(foundComponents().entries[0].xEnd, 4);
   EXPECT_EQ(foundIn({"..##"}), (Rows{"..aa"}));
 }
 
@@ -233,7 +233,7 @@ TEST(ComponentFinder, MeansTheLastColumnOfTheArea) {
 TEST(ComponentContour, IsAllButTheInside) {
   EXPECT_EQ(foundIn({".....", ".###.", ".###.", ".###.", "....."}),
             (Rows{".....", ".aaa.", ".a1a.", ".aaa.", "....."}));
-  const ComponentEntry& entry = list().entries[0];
+  const ComponentEntry& entry = foundComponents().entries[0];
   EXPECT_EQ(entry.pixelCount, 9u);
   EXPECT_EQ(entry.contourCount, 8u);
   EXPECT_EQ(boxOf(entry), (std::vector<int32_t>{1, 1, 4, 4}));
@@ -288,7 +288,7 @@ TEST(ComponentArea, OutsideTheImageHasNoComponents) {
                              Rect_s32{-9, -9, -5, -5}, Rect_s32{65536, 0, 65538, 2}, Rect_s32{INT32_MIN, 0, -1, 2},
                              Rect_s32{2, 0, INT32_MAX, 2}}) {
     EXPECT_EQ(foundIn(rows, aoi), none) << aoi.x0 << " " << aoi.y0 << " " << aoi.x1 << " " << aoi.y1;
-    EXPECT_EQ(list().count, 0u);
+    EXPECT_EQ(foundComponents().count, 0u);
   }
 }
 
@@ -318,9 +318,9 @@ TEST(ComponentFinderRefuses, OtherSizesWhateverTheArea) {
   const Finder finder;
   Image<uint16_t> src(257, 4);
   const Rect_s32 inside{0, 0, 4, 4};
-  list().count = 5;
-  EXPECT_EQ(IP_CompFinder_ProcessAoi(finder.get(), src, &inside, &list()), 0);
-  EXPECT_EQ(list().count, 0u);
+  foundComponents().count = 5;
+  EXPECT_EQ(IP_CompFinder_ProcessAoi(finder.get(), src, &inside, &foundComponents()), 0);
+  EXPECT_EQ(foundComponents().count, 0u);
 }
 
 // ---- against the model, all with one finder ----
@@ -338,7 +338,7 @@ TEST(ComponentFinderModel, AgreesOnEveryImageOf3By5Pixels) {
 TEST(ComponentFinderModel, AgreesOnEveryAreaOfAnImage) {
   Finder finder;
   lab::Random random(5);
-  const Picture picture = valued<uint16_t>(random, noise(random, 6, 5, 70), 0);
+  const HeightPicture picture = valued<uint16_t>(random, noise(random, 6, 5, 70), 0);
   for (int32_t x0 = -1; x0 <= 7; ++x0)
     for (int32_t y0 = -1; y0 <= 6; ++y0)
       for (int32_t x1 = -1; x1 <= 7; ++x1)
@@ -380,35 +380,35 @@ TEST(ComponentFinderModel, AgreesOnNoiseOfEveryDensity) {
 // ---- the most there can be ----
 
 TEST(ComponentFinderLimits, Finds16383Components) {
-  Picture picture = dust(256, 256);
+  HeightPicture picture = dust(256, 256);
   picture.at(100, 100) = 0;
   Finder().expectModel(picture);
-  EXPECT_EQ(list().count, 16383u);
+  EXPECT_EQ(foundComponents().count, 16383u);
 }
 
 TEST(ComponentFinderLimits, Finds16384Components) {
   Finder().expectModel(dust(256, 256));
-  EXPECT_EQ(list().count, 16384u);
+  EXPECT_EQ(foundComponents().count, 16384u);
 }
 
 TEST(ComponentFinderLimits, Holds16384RunsOf128Components) {
   Finder().expectModel(fence(128));
-  EXPECT_EQ(list().count, 128u);
+  EXPECT_EQ(foundComponents().count, 128u);
 }
 
 TEST(ComponentFinderLimits, Holds16384RunsOf16381Components) {
   // Dust, with one of its pixels moved to where it joins four others.
-  Picture picture = dust(256, 256);
+  HeightPicture picture = dust(256, 256);
   picture.at(100, 100) = 0;
   picture.at(101, 101) = 1;
   Finder().expectModel(picture);
-  EXPECT_EQ(list().count, 16384u - 3);
+  EXPECT_EQ(foundComponents().count, 16384u - 3);
 }
 
 namespace {
 
 // More than 16384 runs, in every second row and in all rows, regular and not.
-std::vector<Picture> manyRuns() {
+std::vector<HeightPicture> manyRuns() {
   lab::Random random(9);
   return {fence(129), fence(256), valued<uint16_t>(random, noise(random, 256, 256, 40), 0),
           valued<uint16_t>(random, maze(random, 256, 256, 30), 0)};
@@ -418,15 +418,15 @@ std::vector<Picture> manyRuns() {
 
 TEST(ComponentFinderLimits, HoldsMoreRunsThanThereCanBeComponents) {
   Finder finder;
-  for (const Picture& picture : manyRuns()) finder.expectModel(picture);
+  for (const HeightPicture& picture : manyRuns()) finder.expectModel(picture);
 }
 
 TEST(ComponentFinderLimits, IsRightAgainAfterThem) {
   Finder finder;
   lab::Random random(4);
-  std::vector<Picture> largest = manyRuns();
+  std::vector<HeightPicture> largest = manyRuns();
   largest.push_back(dust(256, 256));
-  for (const Picture& picture : largest) {
+  for (const HeightPicture& picture : largest) {
     finder.find(picture);
     finder.expectModel(anyPicture(random, 200, 90));
     finder.find(picture);
@@ -442,7 +442,7 @@ TEST(ComponentFinderAgain, IsAsGoodAsNew) {
     Finder finder;
     for (int i = 0; i < 5; ++i) {
       const Extent size = anyExtent(random, 256);
-      const Picture picture = anyPicture(random, size.width, size.height);
+      const HeightPicture picture = anyPicture(random, size.width, size.height);
       const Rect_s32 aoi = anyArea(random, size.width, size.height);
       finder.expectModel(picture, aoi);
       Finder().expectModel(picture, aoi);
@@ -458,7 +458,7 @@ TEST(ComponentFinderAgain, IsRightAfterARefusedImage) {
   otherBits.retype(IMG_TYPE_U16 | IMG_TYPE_S16);
   for (Image<uint16_t>* refused : {&large, &otherType, &otherBits}) {
     finder.expectModel(anyPicture(random, 120, 120));
-    EXPECT_EQ(IP_CompFinder_Process(finder.get(), *refused, &list()), 0);
+    EXPECT_EQ(IP_CompFinder_Process(finder.get(), *refused, &foundComponents()), 0);
     finder.expectModel(anyPicture(random, 100, 130));
   }
 }

@@ -20,12 +20,13 @@ namespace {
 
 using model::Region;
 using model::Words;
-using Picture = model::Picture<uint16_t>;
+using HeightPicture = model::Picture<uint16_t>;
 
-constexpr int32_t largest = std::numeric_limits<int32_t>::max(), smallest = std::numeric_limits<int32_t>::min();
+constexpr int32_t largestHeight = std::numeric_limits<int32_t>::max(),
+                  smallestHeight = std::numeric_limits<int32_t>::min();
 
 // The record is large: one for all tests, at a guard page.
-RegionList& list() {
+RegionList& foundRegions() {
   static const Guarded<RegionList> record(1);
   return record[0];
 }
@@ -49,16 +50,16 @@ Fresh observeFreshState() {
   Img_Init(&map, 2, 2, IMG_TYPE_U16, pixels.data());
   ImgC_Init(&elevation, 2, 2, IMG_TYPE_U16, heights.data());
   ImgC_Init(&tooWide, 129, 1, IMG_TYPE_U16, heights.data());
-  list().count = 7;
+  foundRegions().count = 7;
   out.mapBeforeInit = IP_RGE_CreateLabelMap(&map);
-  out.listBeforeInit = IP_RGE_CreateRegionList(&list());
-  out.countBeforeInit = list().count;
+  out.listBeforeInit = IP_RGE_CreateRegionList(&foundRegions());
+  out.countBeforeInit = foundRegions().count;
   out.init = IP_RGE_Init();
   out.mapAfterInit = IP_RGE_CreateLabelMap(&map);
   out.refused = IP_RGE_Process(nullptr, nullptr) + IP_RGE_Process(&tooWide, nullptr);
   out.mapAfterRefused = IP_RGE_CreateLabelMap(&map);
-  IP_RGE_CreateRegionList(&list());
-  out.countAfterRefused = list().count;
+  IP_RGE_CreateRegionList(&foundRegions());
+  out.countAfterRefused = foundRegions().count;
   out.wroteUnprocessed = pixels != Words(4, 0xA7A7);
   const RgeParams noRows{0, 2, 2, 9, 0, 0};
   IP_RGE_Process(&elevation, &noRows);
@@ -74,12 +75,12 @@ const Fresh fresh = observeFreshState();
 class Processed {
  public:
   // Null parameters where `params` is null.
-  Processed(const Picture& picture, const RgeParams* params, Guard side = Guard::behind)
+  Processed(const HeightPicture& picture, const RgeParams* params, Guard side = Guard::behind)
       : picture_(picture), elevation_(imageOf(picture, side)) {
     const ImgC image = elevation_.readOnly();
     EXPECT_EQ(IP_RGE_Process(&image, params), 1);
   }
-  Processed(const Picture& picture, const RgeParams& params, Guard side = Guard::behind)
+  Processed(const HeightPicture& picture, const RgeParams& params, Guard side = Guard::behind)
       : Processed(picture, &params, side) {}
   ~Processed() { EXPECT_EQ(elevation_.pixels(), picture_.pixels) << "wrote into its source"; }
   Processed(const Processed&) = delete;
@@ -88,17 +89,17 @@ class Processed {
   Words labels(Guard side = Guard::behind) const { return labels(picture_.width, picture_.height, side); }
 
   static Words labels(uint32_t width, uint32_t height, Guard side = Guard::behind) {
-    auto map = imageOf(Picture{width, height, marks<uint16_t>(size_t{width} * height)}, side);
+    auto map = imageOf(HeightPicture{width, height, marks<uint16_t>(size_t{width} * height)}, side);
     EXPECT_EQ(IP_RGE_CreateLabelMap(map), 1);
     return map.pixels();
   }
 
  private:
-  Picture picture_;
+  HeightPicture picture_;
   Image<uint16_t> elevation_;
 };
 
-Words labelsOf(const Picture& picture, const RgeParams& params) { return Processed(picture, params).labels(); }
+Words labelsOf(const HeightPicture& picture, const RgeParams& params) { return Processed(picture, params).labels(); }
 
 // Labels of a picture in the top left of a larger map of zeros.
 Words inLargerMap(const Words& labels, uint32_t width, uint32_t mapWidth, uint32_t mapHeight) {
@@ -108,26 +109,26 @@ Words inLargerMap(const Words& labels, uint32_t width, uint32_t mapWidth, uint32
 }
 
 // Whole, with the slices of the pools following each other in the order of the labels.
-void expectList(const std::vector<Region>& want) {
-  list().count = 0xFFFFFFFF;
-  ASSERT_EQ(IP_RGE_CreateRegionList(&list()), 1);
-  ASSERT_EQ(list().count, want.size());
+void expectRegionList(const std::vector<Region>& want) {
+  foundRegions().count = 0xFFFFFFFF;
+  ASSERT_EQ(IP_RGE_CreateRegionList(&foundRegions()), 1);
+  ASSERT_EQ(foundRegions().count, want.size());
   size_t offset = 0;
   for (uint32_t i = 0; i < want.size(); ++i) {
     SCOPED_TRACE("region " + std::to_string(i + 1));
-    const RegionEntry& entry = list().entries[i];
+    const RegionEntry& entry = foundRegions().entries[i];
     ASSERT_EQ(entry.label, i + 1);
-    ASSERT_EQ(entry.positions, list().positionPool + offset);
-    ASSERT_EQ(entry.values, list().valuePool + offset);
+    ASSERT_EQ(entry.positions, foundRegions().positionPool + offset);
+    ASSERT_EQ(entry.values, foundRegions().valuePool + offset);
     ASSERT_TRUE(sameRegion(want[i], entry));
     offset += entry.pixelCount;
   }
 }
 
-void expectModel(const Picture& picture, const RgeParams& params, Guard side = Guard::behind) {
+void expectModel(const HeightPicture& picture, const RgeParams& params, Guard side = Guard::behind) {
   const Processed processed(picture, params, side);
   EXPECT_TRUE(same(model::low16(model::elevationLabels(picture, params)), processed.labels(side)));
-  expectList(model::elevationRegions(picture, params));
+  expectRegionList(model::elevationRegions(picture, params));
   if (::testing::Test::HasFailure()) {
     ADD_FAILURE() << "area " << params.x0 << " " << params.y0 << " " << params.x1 << " " << params.y1 << ", step "
                   << params.maxStep << ", above " << params.minValue << ", " << text(picture);
@@ -135,15 +136,15 @@ void expectModel(const Picture& picture, const RgeParams& params, Guard side = G
 }
 
 // Nothing of a processed map has changed.
-void expectResultsOf(const Picture& picture, const RgeParams& params) {
+void expectResultsOf(const HeightPicture& picture, const RgeParams& params) {
   EXPECT_TRUE(
       same(model::low16(model::elevationLabels(picture, params)), Processed::labels(picture.width, picture.height)));
-  expectList(model::elevationRegions(picture, params));
+  expectRegionList(model::elevationRegions(picture, params));
 }
 
 // Every cell differs from its neighbours by more than 1.
-Picture noTwoAlike() {
-  Picture picture = constant<uint16_t>(128, 128, 0);
+HeightPicture noTwoAlike() {
+  HeightPicture picture = constant<uint16_t>(128, 128, 0);
   for (uint32_t i = 0; i < picture.pixels.size(); ++i)
     picture.pixels[i] = static_cast<uint16_t>(10 + (i % 2) * 10 + (i / 128 % 2) * 20);
   return picture;
@@ -222,19 +223,19 @@ TEST_F(ElevationRegions, ReachIntoTheLastColumnAndRow) {
 }
 
 TEST_F(ElevationRegions, AreSingleCellsWithANegativeStep) {
-  for (const int32_t step : {-1, smallest}) {
+  for (const int32_t step : {-1, smallestHeight}) {
     EXPECT_EQ(labelsOf({2, 2, {5, 5, 5, 5}}, wholeMap(step)), (Words{1, 2, 3, 4})) << step;
   }
 }
 
 TEST_F(ElevationRegions, IncludeHolesWithANegativeSmallestValue) {
-  for (const int32_t bound : {-1, smallest}) {
+  for (const int32_t bound : {-1, smallestHeight}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({0, 0, 3, 0}), wholeMap(2, bound)), (Words{1, 1, 2, 3})) << bound;
   }
 }
 
 TEST_F(ElevationRegions, AreNoneAboveTheLargestHeight) {
-  for (const int32_t bound : {65535, 65536, largest}) {
+  for (const int32_t bound : {65535, 65536, largestHeight}) {
     EXPECT_EQ(labelsOf(row<uint16_t>({65535, 1}), wholeMap(9, bound)), Words(2, 0)) << bound;
   }
 }
@@ -243,7 +244,7 @@ TEST_F(ElevationRegions, CompareUnsignedHeights) {
   EXPECT_EQ(labelsOf(row<uint16_t>({0x7FFF, 0x8000, 0xFFFF, 1}), wholeMap(1)), (Words{1, 1, 2, 3}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(65533)), (Words{1, 2}));
   EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(65534)), (Words{1, 1}));
-  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(largest)), (Words{1, 1}));
+  EXPECT_EQ(labelsOf(row<uint16_t>({1, 65535}), wholeMap(largestHeight)), (Words{1, 1}));
 }
 
 TEST_F(ElevationRegions, AreListedWithCellsHeightsAndBox) {
@@ -255,28 +256,28 @@ TEST_F(ElevationRegions, AreListedWithCellsHeightsAndBox) {
   low.add(1, 1, 6);
   high.add(3, 0, 9);
   high.add(3, 1, 9);
-  expectList({low, high});
-  EXPECT_EQ(boxOf(list().entries[0]), (std::vector<int32_t>{0, 0, 3, 2}));
+  expectRegionList({low, high});
+  EXPECT_EQ(boxOf(foundRegions().entries[0]), (std::vector<int32_t>{0, 0, 3, 2}));
 }
 
 TEST_F(ElevationRegions, AreNoneInAnEmptyMap) {
   const Processed processed(constant<uint16_t>(5, 4, 0), wholeMap(3));
   EXPECT_EQ(processed.labels(), Words(20, 0));
-  expectList({});
+  expectRegionList({});
 }
 
 TEST_F(ElevationRegions, AreNoneInAMapWithoutCells) {
   for (const Extent size : {Extent{0, 3}, Extent{3, 0}, Extent{0, 0}}) {
-    const Processed processed(Picture{size.width, size.height, {}}, wholeMap(3));
+    const Processed processed(HeightPicture{size.width, size.height, {}}, wholeMap(3));
     EXPECT_EQ(Processed::labels(4, 4), Words(16, 0));
-    expectList({});
+    expectRegionList({});
   }
 }
 
 // ---- areas of interest ----
 
 TEST_F(ElevationArea, CutsRegions) {
-  const Picture picture = drawn({"##.##", "##.##", "#####"});
+  const HeightPicture picture = drawn({"##.##", "##.##", "#####"});
   EXPECT_EQ(labelsOf(picture, {0, 0, 5, 2, 0, 0}), (Words{1, 1, 0, 2, 2, 1, 1, 0, 2, 2, 0, 0, 0, 0, 0}));
   EXPECT_EQ(labelsOf(picture, {1, 1, 4, 3, 0, 0}), (Words{0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 0, 1, 1, 1, 0}));
 }
@@ -287,7 +288,8 @@ TEST_F(ElevationArea, OfZerosMeansTheWholeMap) {
 
 TEST_F(ElevationArea, IsClampedToTheMap) {
   EXPECT_EQ(labelsOf(drawn({"#.#"}), {-5, -5, 99, 99, 0, 0}), (Words{1, 0, 2}));
-  EXPECT_EQ(labelsOf(drawn({"#.#"}), {smallest, smallest, largest, largest, 0, 0}), (Words{1, 0, 2}));
+  EXPECT_EQ(labelsOf(drawn({"#.#"}), {smallestHeight, smallestHeight, largestHeight, largestHeight, 0, 0}),
+            (Words{1, 0, 2}));
 }
 
 TEST_F(ElevationArea, WithoutRowsOrColumnsHasNoRegions) {
@@ -300,7 +302,7 @@ TEST_F(ElevationArea, WithoutRowsOrColumnsHasNoRegions) {
     const Processed before(drawn({"#.#"}), wholeMap(0));  // so that there is something to replace
     const Processed processed(constant<uint16_t>(3, 3, 5), area);
     EXPECT_EQ(processed.labels(), Words(9, 0));
-    expectList({});
+    expectRegionList({});
   }
 }
 
@@ -366,20 +368,20 @@ TEST_F(ElevationState, CountsAMapWithAnEmptyAreaAsProcessed) {
 }
 
 TEST_F(ElevationState, KeepsItsResultsForAnyNumberOfExtractions) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const Processed processed(picture, wholeMap(0));
   for (int i = 0; i < 3; ++i) expectResultsOf(picture, wholeMap(0));
 }
 
 TEST_F(ElevationState, KeepsItsResultsWhenMadeReadyAgain) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const Processed processed(picture, wholeMap(0));
   EXPECT_EQ(IP_RGE_Init(), 1);
   expectResultsOf(picture, wholeMap(0));
 }
 
 TEST_F(ElevationState, NeedsThePixelsButNotTheDescriptor) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const auto elevation = imageOf(picture, Guard::behind);
   ImgC descriptor = elevation.readOnly();
   const RgeParams params = wholeMap(0);
@@ -404,7 +406,7 @@ TEST_F(ElevationState, IsReplacedByTheNextProcessing) {
 TEST_F(ElevationState, OfOneProcessingPlaysNoPartInTheNext) {
   inRounds(200, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128), otherSize = anyExtent(random, 128);
-    const Picture picture = anyTerrain(random, size.width, size.height);
+    const HeightPicture picture = anyTerrain(random, size.width, size.height);
     const RgeParams params = wholeMap(random.between(0, 3));
     expectModel(anyTerrain(random, otherSize.width, otherSize.height), wholeMap(random.between(0, 3)));
     expectModel(picture, params);
@@ -414,7 +416,7 @@ TEST_F(ElevationState, OfOneProcessingPlaysNoPartInTheNext) {
 // ---- refused maps ----
 
 TEST_F(ElevationRegionsRefuse, AMissingMapAndKeepTheResults) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const Processed processed(picture, wholeMap(0));
   const RgeParams params = wholeMap(3);
   EXPECT_EQ(IP_RGE_Process(nullptr, &params), 0);
@@ -423,7 +425,7 @@ TEST_F(ElevationRegionsRefuse, AMissingMapAndKeepTheResults) {
 }
 
 TEST_F(ElevationRegionsRefuse, OtherTypesAndKeepTheResults) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const Processed processed(picture, wholeMap(0));
   Image<uint32_t> other(4, 4, marks<uint32_t>(16));
   for (const uint32_t type : typesOtherThan({IMG_TYPE_U16})) {
@@ -435,7 +437,7 @@ TEST_F(ElevationRegionsRefuse, OtherTypesAndKeepTheResults) {
 }
 
 TEST_F(ElevationRegionsRefuse, LargerMapsAndKeepTheResults) {
-  const Picture picture = drawn({"#.#", "###", ".#."});
+  const HeightPicture picture = drawn({"#.#", "###", ".#."});
   const Processed processed(picture, wholeMap(0));
   const RgeParams inside{0, 0, 4, 4, 0, 0};
   uint16_t pixel = 0;
@@ -451,20 +453,20 @@ TEST_F(ElevationRegionsRefuse, LargerMapsAndKeepTheResults) {
 
 namespace {
 
-int32_t anyStep(lab::Random& random) {
-  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largest, -1};
+int32_t anyHeightStep(lab::Random& random) {
+  const int32_t steps[] = {0, 1, 2, random.between(0, 20), random.between(0, 65535), largestHeight, -1};
   return steps[random.below(7)];
 }
 
-int32_t anyBound(lab::Random& random, const Picture& picture) {
+int32_t anyBound(lab::Random& random, const HeightPicture& picture) {
   const uint16_t some = picture.pixels[random.below(static_cast<uint32_t>(picture.pixels.size()))];
   const int32_t bounds[] = {0, 0, some, some - 1, random.between(-5, 70000)};
   return bounds[random.below(5)];
 }
 
-RgeParams anyParams(lab::Random& random, const Picture& picture) {
+RgeParams anyParams(lab::Random& random, const HeightPicture& picture) {
   const int32_t w = static_cast<int32_t>(picture.width), h = static_cast<int32_t>(picture.height);
-  RgeParams params{0, 0, 0, 0, anyStep(random), anyBound(random, picture)};
+  RgeParams params{0, 0, 0, 0, anyHeightStep(random), anyBound(random, picture)};
   switch (random.below(6)) {
     case 0: {
       const int32_t x0 = random.between(0, w - 1), y0 = random.between(0, h - 1);
@@ -487,12 +489,12 @@ RgeParams anyParams(lab::Random& random, const Picture& picture) {
 }  // namespace
 
 TEST_F(ElevationModel, AgreesOnEveryImageOf4By4Cells) {
-  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), wholeMap(largest)); });
+  forEachCode(1u << 16, [&](uint32_t bits) { expectModel(ofBits(4, 4, bits), wholeMap(largestHeight)); });
 }
 
 TEST_F(ElevationModel, AgreesOnEveryRelief) {
   // Nine cells of three heights, the highest one step above the middle and two above the lowest.
-  Picture picture = constant<uint16_t>(3, 3, 0);
+  HeightPicture picture = constant<uint16_t>(3, 3, 0);
   forEachCode(19683, [&](uint32_t code) {
     for (uint32_t i = 0, rest = code; i < 9; ++i, rest /= 3) picture.pixels[i] = static_cast<uint16_t>(4 + rest % 3);
     expectModel(picture, wholeMap(1));
@@ -502,7 +504,7 @@ TEST_F(ElevationModel, AgreesOnEveryRelief) {
 
 TEST_F(ElevationModel, AgreesOnEveryAreaOfAMap) {
   lab::Random random(5);
-  const Picture picture = anyHeights(random, 6, 5);
+  const HeightPicture picture = anyHeights(random, 6, 5);
   for (int32_t x0 = -1; x0 <= 7; ++x0)
     for (int32_t y0 = -1; y0 <= 6; ++y0)
       for (int32_t x1 = -1; x1 <= 7; ++x1)
@@ -512,7 +514,7 @@ TEST_F(ElevationModel, AgreesOnEveryAreaOfAMap) {
 TEST_F(ElevationModel, AgreesOnTerrainOfEveryKind) {
   inRounds(10000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 128);
-    const Picture picture = anyTerrain(random, size.width, size.height);
+    const HeightPicture picture = anyTerrain(random, size.width, size.height);
     expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
@@ -520,28 +522,28 @@ TEST_F(ElevationModel, AgreesOnTerrainOfEveryKind) {
 TEST_F(ElevationModel, AgreesOnAnyValues) {
   inRounds(2000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
-    const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
+    const HeightPicture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
     expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeTerrain) {
   inRounds(40, [](lab::Random& random) {
-    const Picture picture = anyTerrain(random, 128, 128);
+    const HeightPicture picture = anyTerrain(random, 128, 128);
     expectModel(picture, anyParams(random, picture), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesOnFullSizeShapes) {
   inRounds(40, [](lab::Random& random) {
-    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(largest), anySide(random));
+    expectModel(valued<uint16_t>(random, anyShape(random, 128, 128), 0), wholeMap(largestHeight), anySide(random));
   });
 }
 
 TEST_F(ElevationModel, AgreesInLargerMaps) {
   inRounds(500, [](lab::Random& random) {
     const Extent size = anyExtent(random, 40);
-    const Picture picture = anyTerrain(random, size.width, size.height);
+    const HeightPicture picture = anyTerrain(random, size.width, size.height);
     const RgeParams params = anyParams(random, picture);
     const Processed processed(picture, params);
     const uint32_t width = size.width + random.below(9), height = size.height + random.below(9);
@@ -553,29 +555,29 @@ TEST_F(ElevationModel, AgreesInLargerMaps) {
 // ---- the most there can be ----
 
 TEST_F(ElevationLimits, Holds16383Regions) {
-  Picture picture = noTwoAlike();
+  HeightPicture picture = noTwoAlike();
   picture.at(77, 99) = 0;
   expectModel(picture, wholeMap(1));
-  EXPECT_EQ(list().count, 16383u);
+  EXPECT_EQ(foundRegions().count, 16383u);
 }
 
 TEST_F(ElevationLimits, Holds16384RunsOf16383Regions) {
-  Picture picture = noTwoAlike();
+  HeightPicture picture = noTwoAlike();
   picture.at(77, 98) = picture.at(77, 99) = 1000;
   expectModel(picture, wholeMap(1));
-  EXPECT_EQ(list().count, 16383u);
+  EXPECT_EQ(foundRegions().count, 16383u);
 }
 
 TEST_F(ElevationLimits, Holds16384RunsOf128Regions) {
-  Picture picture = noTwoAlike();
+  HeightPicture picture = noTwoAlike();
   for (uint32_t i = 0; i < picture.pixels.size(); ++i) picture.pixels[i] = static_cast<uint16_t>(10 + (i % 2) * 10);
   expectModel(picture, wholeMap(1));
-  EXPECT_EQ(list().count, 128u);
+  EXPECT_EQ(foundRegions().count, 128u);
 }
 
 TEST_F(ElevationLimits, Holds16384RegionsOfOneCell) {
   expectModel(noTwoAlike(), wholeMap(1));
-  EXPECT_EQ(list().count, 16384u);
+  EXPECT_EQ(foundRegions().count, 16384u);
 }
 
 TEST_F(ElevationLimits, IsRightAgainAfterThem) {
@@ -606,12 +608,12 @@ class State {
 };
 
 Words labelsIn(NadirElevationRegions* state, uint32_t width, uint32_t height) {
-  auto map = imageOf(Picture{width, height, marks<uint16_t>(size_t{width} * height)});
+  auto map = imageOf(HeightPicture{width, height, marks<uint16_t>(size_t{width} * height)});
   EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 1);
   return map.pixels();
 }
 
-Picture steppedPicture(lab::Random& random, uint32_t width, uint32_t height) {
+HeightPicture steppedPicture(lab::Random& random, uint32_t width, uint32_t height) {
   return {width, height, random.values<uint16_t>(size_t{width} * height, 12)};
 }
 
@@ -620,7 +622,7 @@ TEST(ElevationRegionsState, FindsWhatTheSharedStateFinds) {
   for (const Guard side : {Guard::behind, Guard::before}) {
     const State state(side);
     for (const uint32_t width : {1u, 20u, 128u}) {
-      const Picture picture = steppedPicture(random, width, 40);
+      const HeightPicture picture = steppedPicture(random, width, 40);
       const RgeParams params = wholeMap(2, 3);
       const Processed shared(picture, params);
       const auto elevation = imageOf(picture);
@@ -628,8 +630,8 @@ TEST(ElevationRegionsState, FindsWhatTheSharedStateFinds) {
       EXPECT_EQ(nadir_elevation_regions_process(state, &image, &params), 1);
       const Words labels = shared.labels();
       EXPECT_EQ(labelsIn(state, width, 40), labels);
-      EXPECT_EQ(nadir_elevation_regions_list(state, &list()), 1);
-      EXPECT_EQ(list().count, *std::max_element(labels.begin(), labels.end()));
+      EXPECT_EQ(nadir_elevation_regions_list(state, &foundRegions()), 1);
+      EXPECT_EQ(foundRegions().count, *std::max_element(labels.begin(), labels.end()));
     }
   }
 }
@@ -637,7 +639,7 @@ TEST(ElevationRegionsState, FindsWhatTheSharedStateFinds) {
 TEST(ElevationRegionsState, TwoStatesKnowNothingOfEachOther) {
   lab::Random random(12);
   const State one, other;
-  const Picture first = steppedPicture(random, 30, 20), second = steppedPicture(random, 30, 20);
+  const HeightPicture first = steppedPicture(random, 30, 20), second = steppedPicture(random, 30, 20);
   const auto firstImage = imageOf(first), secondImage = imageOf(second);
   const ImgC a = firstImage.readOnly(), b = secondImage.readOnly();
   const RgeParams params = wholeMap(1, 2);
@@ -650,20 +652,20 @@ TEST(ElevationRegionsState, TwoStatesKnowNothingOfEachOther) {
 
 TEST(ElevationRegionsState, HoldsNothingBeforeAMapWasProcessed) {
   const State state;
-  auto map = imageOf(Picture{4, 4, marks<uint16_t>(16)});
+  auto map = imageOf(HeightPicture{4, 4, marks<uint16_t>(16)});
   EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 0);
   EXPECT_EQ(map.pixels(), marks<uint16_t>(16));
-  list().count = 7;
-  EXPECT_EQ(nadir_elevation_regions_list(state, &list()), 1);
-  EXPECT_EQ(list().count, 0u);
+  foundRegions().count = 7;
+  EXPECT_EQ(nadir_elevation_regions_list(state, &foundRegions()), 1);
+  EXPECT_EQ(foundRegions().count, 0u);
 }
 
 TEST(ElevationRegionsState, CountsAMapWithoutRowsAsProcessed) {
   const State state;
-  const auto elevation = imageOf(Picture{3, 0, {}});
+  const auto elevation = imageOf(HeightPicture{3, 0, {}});
   const ImgC image = elevation.readOnly();
   EXPECT_EQ(nadir_elevation_regions_process(state, &image, nullptr), 1);
-  auto map = imageOf(Picture{3, 0, {}});
+  auto map = imageOf(HeightPicture{3, 0, {}});
   EXPECT_EQ(nadir_elevation_regions_label_map(state, map), 1);
 }
 
@@ -680,13 +682,13 @@ TEST(ElevationRegionsState, NullPointersAreRefused) {
   const State state;
   const auto elevation = imageOf(constant<uint16_t>(4, 4, 9));
   const ImgC image = elevation.readOnly();
-  auto map = imageOf(Picture{4, 4, marks<uint16_t>(16)});
+  auto map = imageOf(HeightPicture{4, 4, marks<uint16_t>(16)});
   EXPECT_EQ(nadir_elevation_regions_process(nullptr, &image, nullptr), 0);
   EXPECT_EQ(nadir_elevation_regions_process(state, nullptr, nullptr), 0);
   EXPECT_EQ(nadir_elevation_regions_process(state, &image, nullptr), 1);
   EXPECT_EQ(nadir_elevation_regions_label_map(nullptr, map), 0);
   EXPECT_EQ(nadir_elevation_regions_label_map(state, nullptr), 0);
-  EXPECT_EQ(nadir_elevation_regions_list(nullptr, &list()), 0);
+  EXPECT_EQ(nadir_elevation_regions_list(nullptr, &foundRegions()), 0);
   EXPECT_EQ(nadir_elevation_regions_list(state, nullptr), 0);
 }
 

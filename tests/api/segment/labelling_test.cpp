@@ -102,7 +102,7 @@ Sizes sizesOf(const Picture<T>& picture, int32_t threshold) {
 Sizes sizesOf(const std::vector<std::string>& rows) { return sizesOf(drawn(rows), 0); }
 
 // Answers 0 and leaves everything as it was.
-::testing::AssertionResult refuses(const Img* src) {
+::testing::AssertionResult labellingRefuses(const Img* src) {
   Labeller labeller;
   const Img map = labeller.map;
   const Vector sizes = labeller.sizes;
@@ -291,7 +291,7 @@ TEST(Labelling, RefusesSizesOutside1To128) {
   for (const auto& size : sizes) {
     Img src;
     Img_Init(&src, size[0], size[1], IMG_TYPE_U16, &pixel);
-    EXPECT_TRUE(refuses(&src)) << size[0] << " x " << size[1];
+    EXPECT_TRUE(labellingRefuses(&src)) << size[0] << " x " << size[1];
   }
 }
 
@@ -299,7 +299,7 @@ TEST(Labelling, RefusesOtherTypes) {
   Image<uint32_t> src(4, 4);
   for (const uint32_t type : typesOtherThan({IMG_TYPE_U16, IMG_TYPE_S16})) {
     src.retype(type);
-    EXPECT_TRUE(refuses(src)) << type;
+    EXPECT_TRUE(labellingRefuses(src)) << type;
   }
 }
 

@@ -15,20 +15,20 @@ namespace nadir::test {
 namespace {
 
 using model::Words;
-using Picture = model::Picture<uint16_t>;
+using HeightPicture = model::Picture<uint16_t>;
 
 constexpr int32_t largest = std::numeric_limits<int32_t>::max(), smallest = std::numeric_limits<int32_t>::min();
 
-Words labelsOf(const Picture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
+Words labelsOf(const HeightPicture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
   const auto src = imageOf(picture, side);
-  auto labels = imageOf(Picture{picture.width, picture.height, marks<uint16_t>(picture.pixels.size())}, side);
+  auto labels = imageOf(HeightPicture{picture.width, picture.height, marks<uint16_t>(picture.pixels.size())}, side);
   const int32_t params[] = {threshold, maxStep};
   EXPECT_EQ(IP_RGrow_Process(src, params, labels), 1);
   EXPECT_EQ(src.pixels(), picture.pixels) << "wrote into its source";
   return labels.pixels();
 }
 
-void expectModel(const Picture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
+void expectModel(const HeightPicture& picture, int32_t threshold, int32_t maxStep, Guard side = Guard::behind) {
   EXPECT_TRUE(same(model::grown(picture, threshold, maxStep), labelsOf(picture, threshold, maxStep, side)));
   if (::testing::Test::HasFailure())
     ADD_FAILURE() << "threshold " << threshold << ", step " << maxStep << ", " << text(picture);
@@ -39,15 +39,15 @@ int32_t anyStep(lab::Random& random) {
   return steps[random.below(6)];
 }
 
-int32_t anyThreshold(lab::Random& random, const Picture& picture) {
+int32_t anyThreshold(lab::Random& random, const HeightPicture& picture) {
   const uint16_t some = picture.pixels[random.below(static_cast<uint32_t>(picture.pixels.size()))];
   const int32_t thresholds[] = {0, 0, some, some - (some > 0), random.between(0, 70000)};
   return thresholds[random.below(5)];
 }
 
 // Neighbours, corners included, always differ: every pixel is a region of its own.
-Picture noTwoAlike(uint32_t width, uint32_t height) {
-  Picture picture = constant<uint16_t>(width, height, 0);
+HeightPicture noTwoAlike(uint32_t width, uint32_t height) {
+  HeightPicture picture = constant<uint16_t>(width, height, 0);
   for (uint32_t y = 0; y < height; ++y) {
     for (uint32_t x = 0; x < width; ++x) picture.at(x, y) = static_cast<uint16_t>(10 + 10 * (x % 2) + 20 * (y % 2));
   }
@@ -131,7 +131,7 @@ TEST(RegionGrowing, TakesEveryPixelWithANegativeThreshold) {
 TEST(RegionGrowing, MayLabelTheImageItself) {
   inRounds(300, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
-    const Picture picture = anyTerrain(random, size.width, size.height);
+    const HeightPicture picture = anyTerrain(random, size.width, size.height);
     auto image = imageOf(picture, anySide(random));
     const int32_t params[] = {anyThreshold(random, picture), anyStep(random)};
     EXPECT_EQ(IP_RGrow_Process(image, params, image), 1);
@@ -206,7 +206,7 @@ TEST(RegionGrowingModel, AgreesOnEveryImageOf4By4Pixels) {
 
 TEST(RegionGrowingModel, AgreesOnEveryRelief) {
   // Nine pixels of three heights, the highest one step above the middle and two above the lowest.
-  Picture picture = constant<uint16_t>(3, 3, 0);
+  HeightPicture picture = constant<uint16_t>(3, 3, 0);
   forEachCode(19683, [&](uint32_t code) {
     for (uint32_t i = 0, rest = code; i < 9; ++i, rest /= 3) picture.pixels[i] = static_cast<uint16_t>(4 + rest % 3);
     expectModel(picture, 0, 1);
@@ -217,7 +217,7 @@ TEST(RegionGrowingModel, AgreesOnEveryRelief) {
 TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {
   inRounds(8000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 150);
-    const Picture picture = anyTerrain(random, size.width, size.height);
+    const HeightPicture picture = anyTerrain(random, size.width, size.height);
     expectModel(picture, anyThreshold(random, picture), anyStep(random), anySide(random));
   });
 }
@@ -225,7 +225,7 @@ TEST(RegionGrowingModel, AgreesOnTerrainOfEveryKind) {
 TEST(RegionGrowingModel, AgreesOnAnyValues) {
   inRounds(2000, [](lab::Random& random) {
     const Extent size = anyExtent(random, 60);
-    const Picture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
+    const HeightPicture picture{size.width, size.height, anyPixels<uint16_t>(random, size_t{size.width} * size.height)};
     expectModel(picture, random.between(-1, 65535), random.between(-1, 65535), anySide(random));
   });
 }
@@ -242,9 +242,9 @@ TEST(RegionGrowingModel, AgreesOnOneRegionThatFillsALargeImage) { expectModel(co
 TEST(RegionGrowingInMemory, GrowsAsTheAllocatingCallDoes) {
   lab::Random random(7);
   for (const uint32_t width : {1u, 13u, 40u}) {
-    const Picture picture{width, 9, random.values<uint16_t>(width * 9, 40)};
+    const HeightPicture picture{width, 9, random.values<uint16_t>(width * 9, 40)};
     const auto src = imageOf(picture);
-    auto labels = imageOf(Picture{width, 9, marks<uint16_t>(width * 9)});
+    auto labels = imageOf(HeightPicture{width, 9, marks<uint16_t>(width * 9)});
     const int32_t params[] = {5, 4};
     const size_t bytes = nadir_region_growing_bytes(width, 9);
     const Guarded<uint32_t> memory(std::vector<uint32_t>(bytes / 4, 0xA7A7A7A7));
@@ -255,7 +255,8 @@ TEST(RegionGrowingInMemory, GrowsAsTheAllocatingCallDoes) {
 
 TEST(RegionGrowingInMemory, WrongArgumentsAreRefusedWithNothingWritten) {
   const auto src = imageOf(constant<uint16_t>(20, 9, 3));
-  auto labels = imageOf(Picture{20, 9, marks<uint16_t>(180)}), narrower = imageOf(Picture{19, 9, marks<uint16_t>(171)});
+  auto labels = imageOf(HeightPicture{20, 9, marks<uint16_t>(180)}),
+       narrower = imageOf(HeightPicture{19, 9, marks<uint16_t>(171)});
   const int32_t params[] = {0, 1};
   const size_t bytes = nadir_region_growing_bytes(20, 9);
   std::vector<uint32_t> memory(bytes / 4);
@@ -269,7 +270,7 @@ TEST(RegionGrowingInMemory, WrongArgumentsAreRefusedWithNothingWritten) {
 
 TEST(RegionGrowingInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   const auto src = imageOf(constant<uint16_t>(20, 9, 3));
-  auto labels = imageOf(Picture{20, 9, marks<uint16_t>(180)});
+  auto labels = imageOf(HeightPicture{20, 9, marks<uint16_t>(180)});
   const int32_t params[] = {0, 1};
   const size_t bytes = nadir_region_growing_bytes(20, 9);
   std::vector<uint32_t> memory(bytes / 4 + 1);

@@ -13,18 +13,18 @@
 namespace nadir::test {
 namespace {
 
-using Picture = model::Picture<uint16_t>;
+using HeightPicture = model::Picture<uint16_t>;
 
 constexpr size_t limit = 64 * 1024;
 
-Picture filled(const Shape& shape) {
-  Picture picture{shape.width, shape.height, {}};
+HeightPicture filled(const Shape& shape) {
+  HeightPicture picture{shape.width, shape.height, {}};
   for (const uint8_t inside : shape.pixels) picture.pixels.push_back(inside ? uint16_t{100} : uint16_t{0});
   return picture;
 }
 
 // One region; one long path; as much to merge as there can be; all the small pieces there can be.
-std::vector<Picture> hardPictures(uint32_t width, uint32_t height) {
+std::vector<HeightPicture> hardPictures(uint32_t width, uint32_t height) {
   lab::Random random(1);
   return {constant<uint16_t>(width, height, 100),
           filled(spiral(width, height)),
@@ -40,7 +40,7 @@ std::vector<Picture> hardPictures(uint32_t width, uint32_t height) {
 template <class Call>
 size_t mostStackOf(uint32_t width, uint32_t height, Call call) {
   size_t most = 0;
-  for (const Picture& picture : hardPictures(width, height)) {
+  for (const HeightPicture& picture : hardPictures(width, height)) {
     auto src = imageOf(picture, Guard::behind);
     int32_t status = 0;
     most = std::max(most, stackOf([&] { status = call(src.img); }));

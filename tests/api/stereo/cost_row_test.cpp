@@ -14,12 +14,12 @@ using model::Bytes;
 using model::Codes;
 using model::Variant;
 
-constexpr uint32_t rows = 9, innerRow = 4;
+constexpr uint32_t numRows = 9, innerRow = 4;
 constexpr uint32_t stride = 64;
 constexpr uint8_t garbage = 0xEE;
 
 struct Row {
-  uint32_t height = rows;
+  uint32_t height = numRows;
   uint32_t row = innerRow;
   Guard side = Guard::behind;
 };
@@ -108,14 +108,14 @@ TEST_P(CostRow, TwoInvalidPixelsCost24ThoughTheirCodesAreEqual) {
 
 TEST_P(CostRow, BorderRowsAre24) {
   const Codes equal(40, 0x00F00F);
-  for (const uint32_t border : {0u, 1u, rows - 2, rows - 1}) {
-    EXPECT_TRUE(same(Bytes(40 * stride, 24), row(equal, equal, 64, {rows, border}))) << border;
+  for (const uint32_t border : {0u, 1u, numRows - 2, numRows - 1}) {
+    EXPECT_TRUE(same(Bytes(40 * stride, 24), row(equal, equal, 64, {numRows, border}))) << border;
   }
 }
 
 TEST_P(CostRow, RowsBetweenTheBordersAreComputed) {
   const Codes equal(40, 0x00F00F);
-  for (uint32_t y = 2; y + 2 < rows; ++y) EXPECT_EQ(row(equal, equal, 64, {rows, y})[2 * stride], 0) << y;
+  for (uint32_t y = 2; y + 2 < numRows; ++y) EXPECT_EQ(row(equal, equal, 64, {numRows, y})[2 * stride], 0) << y;
 }
 
 TEST_P(CostRow, PicturesBelowFiveRowsAre24Everywhere) {
@@ -179,10 +179,10 @@ TEST_P(CostRow, EqualsTheModelForCensusCodesOfEveryWidth) {
   for (uint32_t width = 3; width <= 140; ++width) {
     lab::Random random(width);
     const Codes first = censusCodes(random, width), ref = censusCodes(random, width);
-    const uint32_t y = random.below(rows);
-    const Bytes want = model::costRow(first, ref, rows, 64, y, GetParam());
-    EXPECT_TRUE(same(want, row(first, ref, 64, {rows, y, Guard::behind}))) << width;
-    EXPECT_TRUE(same(want, row(first, ref, 64, {rows, y, Guard::before}))) << width;
+    const uint32_t y = random.below(numRows);
+    const Bytes want = model::costRow(first, ref, numRows, 64, y, GetParam());
+    EXPECT_TRUE(same(want, row(first, ref, 64, {numRows, y, Guard::behind}))) << width;
+    EXPECT_TRUE(same(want, row(first, ref, 64, {numRows, y, Guard::before}))) << width;
   }
 }
 
@@ -190,7 +190,7 @@ TEST_P(CostRow, EqualsTheModelForCodesWithAnyTopByte) {
   for (uint32_t width = 3; width <= 140; ++width) {
     lab::Random random(1000 + width);
     const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
-    const Bytes want = model::costRow(first, ref, rows, 64, innerRow, GetParam());
+    const Bytes want = model::costRow(first, ref, numRows, 64, innerRow, GetParam());
     EXPECT_TRUE(same(want, row(first, ref))) << width;
   }
 }
@@ -200,7 +200,7 @@ TEST_P(CostRow, EqualsTheModelForEveryNumberOfDisparities) {
     for (const uint32_t width : {3u, 5u, 20u, 64u, 71u}) {
       lab::Random random(2000 + numDisparities * 100 + width);
       const Codes first = anyCodes(random, width), ref = anyCodes(random, width);
-      const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, GetParam());
+      const Bytes want = model::costRow(first, ref, numRows, numDisparities, innerRow, GetParam());
       EXPECT_TRUE(same(want, row(first, ref, numDisparities))) << numDisparities << " at " << width;
     }
   }
@@ -222,7 +222,7 @@ TEST(CostRowScalar, TakesMoreThan64Disparities) {
   for (const uint32_t numDisparities : {65u, 100u, 128u, 256u}) {
     lab::Random random(numDisparities);
     const Codes first = censusCodes(random, 140), ref = censusCodes(random, 140);
-    const Bytes want = model::costRow(first, ref, rows, numDisparities, innerRow, Variant::scalar);
+    const Bytes want = model::costRow(first, ref, numRows, numDisparities, innerRow, Variant::scalar);
     EXPECT_TRUE(same(want, costRow(Variant::scalar, first, ref, numDisparities))) << numDisparities;
   }
 }

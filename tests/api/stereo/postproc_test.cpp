@@ -13,7 +13,7 @@ namespace {
 using model::Bytes;
 using model::Words;
 
-constexpr uint16_t garbage = 0xA7A7;
+constexpr uint16_t oldDisparity = 0xA7A7;
 
 struct Cleaned {
   uint32_t status;
@@ -22,7 +22,7 @@ struct Cleaned {
 
 Cleaned postproc(const Words& disparity, const Bytes& mask, uint32_t width, uint32_t height,
                  Guard side = Guard::behind) {
-  const Guarded<uint16_t> in(disparity, side), out(Words(disparity.size(), garbage), side);
+  const Guarded<uint16_t> in(disparity, side), out(Words(disparity.size(), oldDisparity), side);
   const Guarded<uint8_t> masked(mask, side);
   const uint32_t status = IP_SgmPostproc(in.data(), masked.data(), out.data(), width, height);
   return {status, out.values()};
@@ -44,16 +44,16 @@ Input randomInput(uint32_t width, uint32_t height) {
 }
 
 TEST(SgmPostproc, NullPointersFail) {
-  Words disparity(25, 100), result(25, garbage);
+  Words disparity(25, 100), result(25, oldDisparity);
   Bytes mask(25, 0);
   EXPECT_EQ(IP_SgmPostproc(nullptr, mask.data(), result.data(), 5, 5), 0u);
   EXPECT_EQ(IP_SgmPostproc(disparity.data(), nullptr, result.data(), 5, 5), 0u);
   EXPECT_EQ(IP_SgmPostproc(disparity.data(), mask.data(), nullptr, 5, 5), 0u);
-  EXPECT_TRUE(same(Words(25, garbage), result));
+  EXPECT_TRUE(same(Words(25, oldDisparity), result));
 }
 
 TEST(SgmPostproc, NullPointersFailForImagesWithoutPixelsToo) {
-  uint16_t pixel = garbage;
+  uint16_t pixel = oldDisparity;
   uint8_t mask = 0;
   EXPECT_EQ(IP_SgmPostproc(nullptr, &mask, &pixel, 0, 0), 0u);
   EXPECT_EQ(IP_SgmPostproc(&pixel, nullptr, &pixel, 0, 0), 0u);
@@ -188,7 +188,7 @@ TEST(SgmPostproc, EqualsTheModelForEveryHeight) {
 // ---- in memory of the caller's ----
 
 Cleaned postprocInMemory(const Input& in, uint16_t width, uint16_t height, void* memory, size_t bytes) {
-  Words result(in.disparity.size(), garbage);
+  Words result(in.disparity.size(), oldDisparity);
   const uint32_t status =
       nadir_sgm_postproc(in.disparity.data(), in.mask.data(), result.data(), width, height, memory, bytes);
   return {status, result};
@@ -199,7 +199,7 @@ TEST(SgmPostprocInMemory, CleansAsTheAllocatingCallDoes) {
     const Input in = randomInput(width, 11);
     const size_t bytes = nadir_sgm_postproc_bytes(width, 11);
     for (const Guard side : {Guard::behind, Guard::before}) {
-      const Guarded<uint16_t> memory(Words(bytes / 2, garbage), side);
+      const Guarded<uint16_t> memory(Words(bytes / 2, oldDisparity), side);
       const Cleaned got = postprocInMemory(in, width, 11, memory.data(), bytes);
       EXPECT_EQ(got.status, 1u);
       EXPECT_TRUE(same(postproc(in.disparity, in.mask, width, 11).result, got.result)) << width;
@@ -210,11 +210,11 @@ TEST(SgmPostprocInMemory, CleansAsTheAllocatingCallDoes) {
 TEST(SgmPostprocInMemory, NullPointersFailWithNothingWritten) {
   const Input in = randomInput(5, 5);
   const size_t bytes = nadir_sgm_postproc_bytes(5, 5);
-  Words result(25, garbage), memory(bytes / 2);
+  Words result(25, oldDisparity), memory(bytes / 2);
   EXPECT_EQ(nadir_sgm_postproc(nullptr, in.mask.data(), result.data(), 5, 5, memory.data(), bytes), 0u);
   EXPECT_EQ(nadir_sgm_postproc(in.disparity.data(), nullptr, result.data(), 5, 5, memory.data(), bytes), 0u);
   EXPECT_EQ(nadir_sgm_postproc(in.disparity.data(), in.mask.data(), nullptr, 5, 5, memory.data(), bytes), 0u);
-  EXPECT_TRUE(same(Words(25, garbage), result));
+  EXPECT_TRUE(same(Words(25, oldDisparity), result));
 }
 
 TEST(SgmPostprocInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
@@ -225,7 +225,7 @@ TEST(SgmPostprocInMemory, MemoryThatDoesNotServeIsRefusedWithNothingWritten) {
   for (const Cleaned& got : {postprocInMemory(in, 20, 9, memory.data(), bytes - 1),
                              postprocInMemory(in, 20, 9, odd, bytes), postprocInMemory(in, 20, 9, nullptr, bytes)}) {
     EXPECT_EQ(got.status, 0u);
-    EXPECT_EQ(got.result, Words(in.disparity.size(), garbage));
+    EXPECT_EQ(got.result, Words(in.disparity.size(), oldDisparity));
   }
 }
 

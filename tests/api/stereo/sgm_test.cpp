@@ -18,8 +18,8 @@ using model::Codes;
 using model::Words;
 
 constexpr uint32_t searched = 64;
-constexpr uint8_t garbage = 0xA7;
-constexpr uint16_t garbageWord = 0xA7A7;
+constexpr uint8_t oldByte = 0xA7;
+constexpr uint16_t oldWord = 0xA7A7;
 
 struct Pair {
   uint32_t width, height;
@@ -59,7 +59,7 @@ Pair randomPair(uint32_t width, uint32_t height, uint64_t seed) {
 Words full(const Pair& pair, uint32_t ratio, SgmDebugData* debug = nullptr, Guard side = Guard::behind,
            uint32_t numDisparities = searched) {
   const Guarded<uint32_t> first(pair.first, side), ref(pair.ref, side);
-  const Guarded<uint16_t> image(pair.image, side), out(Words(pair.pixels(), garbageWord), side);
+  const Guarded<uint16_t> image(pair.image, side), out(Words(pair.pixels(), oldWord), side);
   const SgmParams params{numDisparities, ratio};
   IP_SgmFull(first.data(), ref.data(), image.data(), pair.width, pair.height, &params, out.data(), debug);
   return out.values();
@@ -68,7 +68,7 @@ Words full(const Pair& pair, uint32_t ratio, SgmDebugData* debug = nullptr, Guar
 Bytes distinct(const Pair& pair, SgmDebugData* debug = nullptr, Guard side = Guard::behind) {
   const Guarded<uint32_t> first(pair.first, side), ref(pair.ref, side);
   const Guarded<uint16_t> image(pair.image, side);
-  const Guarded<uint8_t> out(Bytes(pair.pixels(), garbage), side);
+  const Guarded<uint8_t> out(Bytes(pair.pixels(), oldByte), side);
   IP_Sgm(first.data(), ref.data(), image.data(), pair.width, pair.height, out.data(), debug);
   return out.values();
 }
@@ -116,7 +116,7 @@ class Debug {
   SgmDebugData record;
 
  private:
-  static void fill(uint8_t* block, size_t bytes) { std::memset(block, garbage, bytes); }
+  static void fill(uint8_t* block, size_t bytes) { std::memset(block, oldByte, bytes); }
   static Bytes take(const uint8_t* block, size_t bytes) { return Bytes(block, block + bytes); }
 };
 
@@ -198,7 +198,7 @@ void expectModel(const Pair& pair, uint32_t ratio, Guard side) {
   const Debug ofDistinct(pair.width, pair.height);
   record = ofDistinct.record;
   EXPECT_TRUE(same(want.distinctiveness, distinct(pair, &record, side)));
-  want.contents.peaks.assign(pair.pixels(), garbage);
+  want.contents.peaks.assign(pair.pixels(), oldByte);
   expectSame(want.contents, ofDistinct.contents(pair.pixels()));
 }
 
@@ -408,7 +408,7 @@ TEST(Sgm, PeakMapIsNotTouched) {
   const Pair pair = groundPair(50, 6, 1);
   Debug debug(pair.width, pair.height);
   distinct(pair, &debug.record);
-  EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), debug.contents(pair.pixels()).peaks));
+  EXPECT_TRUE(same(Bytes(pair.pixels(), oldByte), debug.contents(pair.pixels()).peaks));
 }
 
 // ---- what does not count ----
@@ -487,8 +487,8 @@ TEST(SgmDebug, P2MapsTooSmallForTheImageAreNotFilled) {
   EXPECT_TRUE(same(want, full(pair, 10, &ofFull.record)));
   distinct(pair, &ofDistinct.record);
   for (size_t dir = 0; dir < 4; ++dir) {
-    EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), ofFull.contents(pair.pixels()).p2[dir])) << dir;
-    EXPECT_TRUE(same(Bytes(pair.pixels(), garbage), ofDistinct.contents(pair.pixels()).p2[dir])) << dir;
+    EXPECT_TRUE(same(Bytes(pair.pixels(), oldByte), ofFull.contents(pair.pixels()).p2[dir])) << dir;
+    EXPECT_TRUE(same(Bytes(pair.pixels(), oldByte), ofDistinct.contents(pair.pixels()).p2[dir])) << dir;
   }
 }
 
@@ -499,7 +499,7 @@ TEST(SgmDebug, P2MapsTooSmallForTheImageDoNotKeepTheVolumesFromBeingFilled) {
   full(pair, 10, &exact.record);
   full(pair, 10, &small.record);
   Contents want = exact.contents(pair.pixels());
-  for (Bytes& map : want.p2) map.assign(pair.pixels(), garbage);
+  for (Bytes& map : want.p2) map.assign(pair.pixels(), oldByte);
   expectSame(want, small.contents(pair.pixels()));
 }
 
@@ -509,10 +509,10 @@ TEST(SgmDebug, LargerRecordIsFilledFromItsStartAndNotBehindTheImage) {
   full(pair, 10, &exact.record);
   full(pair, 10, &large.record);
   Contents want = exact.contents(pair.pixels());
-  want.costs.resize(40 * 9 * searched, garbage);
-  want.sums.resize(40 * 9 * searched, garbage);
-  want.peaks.resize(40 * 9, garbage);
-  for (Bytes& map : want.p2) map.resize(40 * 9, garbage);
+  want.costs.resize(40 * 9 * searched, oldByte);
+  want.sums.resize(40 * 9 * searched, oldByte);
+  want.peaks.resize(40 * 9, oldByte);
+  for (Bytes& map : want.p2) map.resize(40 * 9, oldByte);
   expectSame(want, large.contents(40 * 9));
 }
 
@@ -535,16 +535,16 @@ TEST(SgmDebug, RecordItselfIsNotChanged) {
 TEST(SgmRefused, HeightZeroWritesNothing) {
   const Pair pair = groundPair(40, 6, 1);
   const SgmParams params{searched, 10};
-  Words disparity(40, garbageWord);
-  Bytes map(40, garbage);
+  Words disparity(40, oldWord);
+  Bytes map(40, oldByte);
   Debug debug(40, 6);
   for (SgmDebugData* record : {static_cast<SgmDebugData*>(nullptr), &debug.record}) {
     IP_SgmFull(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 0, &params, disparity.data(), record);
     IP_Sgm(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 0, map.data(), record);
   }
-  EXPECT_TRUE(same(Words(40, garbageWord), disparity));
-  EXPECT_TRUE(same(Bytes(40, garbage), map));
-  const Bytes volume(pair.pixels() * searched, garbage), plane(pair.pixels(), garbage);
+  EXPECT_TRUE(same(Words(40, oldWord), disparity));
+  EXPECT_TRUE(same(Bytes(40, oldByte), map));
+  const Bytes volume(pair.pixels() * searched, oldByte), plane(pair.pixels(), oldByte);
   expectSame({volume, volume, plane, {plane, plane, plane, plane}}, debug.contents(pair.pixels()));
 }
 
@@ -588,8 +588,8 @@ struct Given {
 
 // The memory ends, or begins, at a guard page, full of what a frame before might have left.
 Given fullInMemory(const Pair& pair, size_t bytes, Guard side = Guard::behind, uint32_t numDisparities = searched) {
-  const Guarded<uint8_t> memory(Bytes(bytes, garbage), side);
-  Words out(pair.pixels(), garbageWord);
+  const Guarded<uint8_t> memory(Bytes(bytes, oldByte), side);
+  Words out(pair.pixels(), oldWord);
   const SgmParams params{numDisparities, 10};
   const int32_t status = nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), pair.width, pair.height,
                                         &params, out.data(), nullptr, memory.data(), bytes);
@@ -611,8 +611,8 @@ TEST(SgmFullInMemory, AddressesOfAnyKindServe) {
   const Pair pair = groundPair(40, 9, 3);
   const SgmParams params{searched, 10};
   for (size_t offset = 0; offset < 64; ++offset) {
-    const Guarded<uint8_t> memory(Bytes(nadir_sgm_bytes(40) + offset, garbage));
-    Words out(pair.pixels(), garbageWord);
+    const Guarded<uint8_t> memory(Bytes(nadir_sgm_bytes(40) + offset, oldByte));
+    Words out(pair.pixels(), oldWord);
     nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 9, &params, out.data(), nullptr,
                    memory.data() + offset, nadir_sgm_bytes(40));
     EXPECT_TRUE(same(full(pair, 10), out)) << offset;
@@ -624,18 +624,18 @@ TEST(SgmFullInMemory, TooLittleMemoryIsRefusedWithNothingWritten) {
   for (const size_t bytes : {size_t{0}, size_t{1}, nadir_sgm_bytes(40) - 1}) {
     const Given got = fullInMemory(pair, bytes);
     EXPECT_EQ(got.status, 0) << bytes;
-    EXPECT_EQ(got.disparity, Words(pair.pixels(), garbageWord)) << bytes;
+    EXPECT_EQ(got.disparity, Words(pair.pixels(), oldWord)) << bytes;
   }
 }
 
 TEST(SgmFullInMemory, NoMemoryIsRefusedWithNothingWritten) {
   const Pair pair = groundPair(40, 9, 3);
-  Words out(pair.pixels(), garbageWord);
+  Words out(pair.pixels(), oldWord);
   const SgmParams params{searched, 10};
   EXPECT_EQ(nadir_sgm_full(pair.first.data(), pair.ref.data(), pair.image.data(), 40, 9, &params, out.data(), nullptr,
                            nullptr, nadir_sgm_bytes(40)),
             0);
-  EXPECT_EQ(out, Words(pair.pixels(), garbageWord));
+  EXPECT_EQ(out, Words(pair.pixels(), oldWord));
 }
 
 TEST(SgmFullInMemory, OtherNumbersOfDisparitiesAndNarrowPicturesAreRefused) {
@@ -643,7 +643,7 @@ TEST(SgmFullInMemory, OtherNumbersOfDisparitiesAndNarrowPicturesAreRefused) {
   for (const uint32_t number : {0u, 63u, 65u, 128u}) {
     const Given got = fullInMemory(pair, nadir_sgm_bytes(40), Guard::behind, number);
     EXPECT_EQ(got.status, 0) << number;
-    EXPECT_EQ(got.disparity, Words(pair.pixels(), garbageWord)) << number;
+    EXPECT_EQ(got.disparity, Words(pair.pixels(), oldWord)) << number;
   }
   EXPECT_EQ(fullInMemory(narrow, nadir_sgm_bytes(40)).status, 0);
 }
