@@ -1,4 +1,4 @@
-// nadir camera import: from a calibration to a camera file.
+// nadir camera import: from a calibration to a camera file; nadir camera show: what one holds.
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -6,6 +6,8 @@
 #include "tools/base/text.hpp"
 #include "tools/commands/calibration_options.hpp"
 #include "tools/commands/commands.hpp"
+#include "tools/commands/options.hpp"
+#include "tools/report/setup_json.hpp"
 
 namespace nadir::tool {
 
@@ -46,13 +48,27 @@ void run(const CameraOptions& options) {
   print(importReport(imported, calibration ? &*calibration : nullptr, options.output));
 }
 
-}  // namespace
+struct ShowOptions {
+  std::string camera;
+  bool json = false;
+};
 
-void addCameraCommand(CLI::App& app) {
+void show(const ShowOptions& options) {
+  const Json json = cameraFileJson(options.camera);
+  print(options.json ? json.dump(2) + "\n" : cameraText(readCameraBeforeMount(options.camera)));
+}
+
+void addShowCommand(CLI::App& camera) {
+  auto options = std::make_shared<ShowOptions>();
+  CLI::App* command = camera.add_subcommand("show", "Read a camera file and print what it holds.");
+  command->add_option("CAMERA", options->camera, "Camera file; its height_mm and tilt_deg may be missing")->required();
+  addJsonOption(*command, options->json, "its numbers, null for a mount that is missing; its areas and lenses");
+  command->callback([options] { show(*options); });
+}
+
+void addImportCommand(CLI::App& camera) {
   auto options = std::make_shared<CameraOptions>();
-  CLI::App* camera = app.add_subcommand("camera", "Make a camera file.");
-  camera->require_subcommand(1);
-  CLI::App* command = camera->add_subcommand("import", "Make a camera file from a calibration or from plain numbers.");
+  CLI::App* command = camera.add_subcommand("import", "Make a camera file from a calibration or from plain numbers.");
   command->add_option(
       "CALIBRATION", options->calibration.files,
       "OpenCV's stereo calibration, one file or the two of its samples, YAML or XML; two ROS camera_info "
@@ -70,6 +86,15 @@ void addCameraCommand(CLI::App& app) {
       "      --width-px 640 --height-px 480 --height-mm 1200 --tilt-deg -35 -o camera.toml\n"
       "nadir rectify makes the camera file together with the rectified pictures.");
   command->callback([options] { run(*options); });
+}
+
+}  // namespace
+
+void addCameraCommand(CLI::App& app) {
+  CLI::App* camera = app.add_subcommand("camera", "Make a camera file, or read one.");
+  camera->require_subcommand(1);
+  addImportCommand(*camera);
+  addShowCommand(*camera);
 }
 
 }  // namespace nadir::tool

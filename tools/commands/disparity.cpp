@@ -21,6 +21,7 @@
 #include "tools/pictures/formats.hpp"
 #include "tools/pictures/png.hpp"
 #include "tools/report/json_parts.hpp"
+#include "tools/report/setup_json.hpp"
 #include "tools/road/halve.hpp"
 #include "tools/road/road.hpp"
 
@@ -30,7 +31,7 @@ namespace {
 
 struct DisparityOptions {
   std::string left, right, output, preview, mask;
-  bool noPreview = false, strict = false, json = false;
+  bool noPreview = false, strict = false, json = false, dryRun = false;
   uint32_t scaleDown = 1;
   MatchOptions match;
   CalibrationOptions calibration;
@@ -131,6 +132,7 @@ std::string json(const Matching& result) {
 }
 
 void run(DisparityOptions options) {
+  if (options.dryRun) return print(setupJson(matchSettings(options.match)).dump(2) + "\n");
   StageTimes times;
   Pair pair = readInputs(options, times);
   if (options.scaleDown == automaticScaleDown) options.scaleDown = scaleDownForWidth(pair.left.width);
@@ -192,6 +194,7 @@ void addDisparityCommand(CLI::App& app) {
   addRawOption(*command, options->match.noPostprocessing);
   addStrictOption(*command, options->strict);
   addJsonOption(*command, options->json, "shares are fractions of 1");
+  addDryRunOption(*command, options->dryRun, "the settings");
   addScaleDownOption(*command, options->scaleDown,
                      "Make both pictures N times smaller first: 2, 4, 8 and so on; auto, until they have at most 1280 "
                      "columns. 0 stays no data, and an odd last row or column is left out; disparities are those of "

@@ -28,6 +28,7 @@
 #include "tools/report/ply.hpp"
 #include "tools/report/products.hpp"
 #include "tools/report/region_plot.hpp"
+#include "tools/report/setup_json.hpp"
 #include "tools/road/presets.hpp"
 #include "tools/road/road.hpp"
 #include "tools/road/timed_stages.hpp"
@@ -40,7 +41,7 @@ namespace {
 struct GroundOptions {
   RoadOptions road;
   std::string left, right, folder, write;
-  bool sideBySide = false, strict = false, noMaps = false, json = false;
+  bool sideBySide = false, strict = false, noMaps = false, json = false, dryRun = false;
   SequenceOptions sequence;
 };
 
@@ -173,6 +174,7 @@ void runOnSequence(const GroundOptions& options) {
 }
 
 void run(const GroundOptions& options, bool sequenceAsked) {
+  if (options.dryRun) return print(setupJson(roadOf(options.road)).dump(2) + "\n");
   if (options.sideBySide && !options.right.empty())
     throw Error("with --side-by-side " + options.left + " holds both pictures of each pair: name no second one");
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
@@ -378,6 +380,7 @@ void addGroundCommand(CLI::App& app) {
   addMatchOptions(*command, options->road);
   addStrictOption(*command, options->strict);
   addJsonOption(*command, options->json, "of a pair it is summary.json");
+  addDryRunOption(*command, options->dryRun, "the camera, the settings, areas and rectifiers");
   addWriteOption(*command, options->write);
   const std::function<bool()> sequenceAsked = addSequenceOptions(*command, *options);
   command->footer(

@@ -114,6 +114,12 @@ CLI::Option* addJsonOption(CLI::App& command, bool& json, const std::string& rem
   return command.add_flag("--json", json, "Print a JSON object instead of the table; " + remark);
 }
 
+CLI::Option* addDryRunOption(CLI::App& command, bool& dryRun, const std::string& what) {
+  return command.add_flag(
+      "--dry-run", dryRun,
+      "Read no pictures and write nothing: print what the library would be given, as JSON: " + what);
+}
+
 CLI::Option* addStrictOption(CLI::App& command, bool& strict) {
   return command.add_flag("--strict", strict,
                           "End with status 3 where there is any warning; the results are written all the same");

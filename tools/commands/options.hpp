@@ -69,6 +69,9 @@ CLI::Option* addScaleOption(CLI::App& command, double& scale);
 // remark  about its units.
 CLI::Option* addJsonOption(CLI::App& command, bool& json, const std::string& remark);
 
+// Nothing is read but what the settings need, and nothing is written.
+CLI::Option* addDryRunOption(CLI::App& command, bool& dryRun, const std::string& what);
+
 CLI::Option* addStrictOption(CLI::App& command, bool& strict);
 
 // Sets the default, a thread for each processor, too.

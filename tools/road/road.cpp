@@ -427,14 +427,18 @@ Warnings warningsOf(const NadirFindings& findings) {
   return warnings;
 }
 
+NadirSettings matchSettings(const MatchOptions& options) {
+  NadirSettings settings = withOptions(usualSettings(), options);
+  settings.until = NADIR_UNTIL_MATCH;
+  return settings;
+}
+
 Matching matched(const Pair& pair, const Grid<uint8_t>& mask, const MatchOptions& options, StageTimes& times) {
   NadirCamera camera{};
   camera.size = sizeof camera;
   camera.width_px = pair.left.width;
   camera.height_px = pair.left.height;
-  NadirSettings settings = withOptions(usualSettings(), options);
-  settings.until = NADIR_UNTIL_MATCH;
-  const RoadHandle road = made(camera, settings, {});
+  const RoadHandle road = made(camera, matchSettings(options), {});
   const ResultHandle result = newResult(*road);
   const NadirFindings findings = process(*road, frameOf(pair, mask), *result, times);
   return {gridOf<uint16_t>(findings.disparity), *findings.pixels, warningsOf(findings)};

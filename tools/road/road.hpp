@@ -118,6 +118,7 @@ struct Matching {
   NadirPixelCounts counts;
   Warnings warnings;
 };
+NadirSettings matchSettings(const MatchOptions& options);
 Matching matched(const Pair& pair, const Grid<uint8_t>& mask, const MatchOptions& options, StageTimes& times);
 
 // The frame's warnings, for people and programs.
