@@ -128,7 +128,7 @@ NadirStatus nadir_rectifier_source(const NadirRectifier* rectifier, uint32_t col
                                    double* sourceY) {
   if (!rectifier || !sourceX || !sourceY) return NADIR_NULL_POINTER;
   if (column >= rectifier->width || row >= rectifier->height) return NADIR_NOTHING_FOUND;
-  Place source{};
+  PlanePoint source{};
   if (!findSource(rectifier->map.row(rectifier->width, row), column, source)) return NADIR_NOTHING_FOUND;
   *sourceX = source.x;
   *sourceY = source.y;

@@ -23,7 +23,7 @@ Coefficients coefficientsOf(const NadirLens& lens) {
 double cubic(double a, double b, double c, double s) { return 1 + s * (a + s * (b + s * c)); }
 double cubicSlope(double a, double b, double c, double s) { return a + s * (2 * b + s * (3 * c)); }
 
-Place brown(const Coefficients& c, const Place& ray) {
+PlanePoint brown(const Coefficients& c, const PlanePoint& ray) {
   const double x = ray.x, y = ray.y, squared = x * x + y * y, both = 2 * x * y;
   const double g = cubic(c.k1, c.k2, c.k3, squared) / cubic(c.k4, c.k5, c.k6, squared);
   return {x * g + c.p1 * both + c.p2 * (squared + 2 * x * x) + squared * (c.s1 + squared * c.s2),
@@ -32,7 +32,7 @@ Place brown(const Coefficients& c, const Place& ray) {
 
 double angleOf(double r) { return directionDeg(r, 1) * degree; }
 
-Place fisheye(const double* k, const Place& ray) {
+PlanePoint fisheye(const double* k, const PlanePoint& ray) {
   const double r = std::sqrt(ray.x * ray.x + ray.y * ray.y);
   if (r == 0) return ray;
   const double t = angleOf(r), squared = t * t;
@@ -84,7 +84,7 @@ LensModel::LensModel(const NadirLens& lens) : lens_(lens), largestSquared_(std::
   largestSquared_ = largest * largest;
 }
 
-Place LensModel::bent(const Place& ray) const {
+PlanePoint LensModel::bent(const PlanePoint& ray) const {
   switch (lens_.model) {
     case NADIR_LENS_BROWN: return brown(coefficientsOf(lens_), ray);
     case NADIR_LENS_FISHEYE: return fisheye(lens_.coefficients, ray);
@@ -92,8 +92,8 @@ Place LensModel::bent(const Place& ray) const {
   }
 }
 
-Place LensModel::source(const Place& ray) const {
-  const Place at = bent(ray);
+PlanePoint LensModel::source(const PlanePoint& ray) const {
+  const PlanePoint at = bent(ray);
   return {lens_.focal_x_px * at.x + lens_.principal_x_px, lens_.focal_y_px * at.y + lens_.principal_y_px};
 }
 

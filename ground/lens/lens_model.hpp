@@ -6,7 +6,7 @@
 namespace nadir::ground {
 
 // A place on a picture, in pixels, or where a ray meets the plane at distance 1.
-struct Place {
+struct PlanePoint {
   double x, y;
 };
 
@@ -16,12 +16,12 @@ class LensModel {
   explicit LensModel(const NadirLens& lens);
 
   // False where the ray (x, y, 1) comes from nowhere.
-  bool shows(const Place& ray) const { return ray.x * ray.x + ray.y * ray.y < largestSquared_; }
+  bool shows(const PlanePoint& ray) const { return ray.x * ray.x + ray.y * ray.y < largestSquared_; }
 
-  Place source(const Place& ray) const;
+  PlanePoint source(const PlanePoint& ray) const;
 
  private:
-  Place bent(const Place& ray) const;
+  PlanePoint bent(const PlanePoint& ray) const;
 
   NadirLens lens_;
   double largestSquared_;  // of a ray's distance from the axis: from here on the lens turns back

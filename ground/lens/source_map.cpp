@@ -34,9 +34,9 @@ constexpr Source nowhere = {0, beyondPicture, beyondPicture};
 
 Source sourceAt(const LensModel& model, const NadirLens& lens, const Vector3& ray) {
   if (!(ray.z > 0)) return nowhere;
-  const Place onPlane = {ray.x / ray.z, ray.y / ray.z};
+  const PlanePoint onPlane = {ray.x / ray.z, ray.y / ray.z};
   if (!model.shows(onPlane)) return nowhere;
-  const Place place = model.source(onPlane);
+  const PlanePoint place = model.source(onPlane);
   const Step x = stepAt(place.x, lens.width_px), y = stepAt(place.y, lens.height_px);
   if (x.part == beyondPicture || y.part == beyondPicture) return nowhere;
   return {y.first << 16 | x.first, x.part, y.part};
@@ -65,7 +65,7 @@ void fill(const SourceMap& map, const NadirLens& lens, const NadirRectifiedView&
     }
 }
 
-bool findSource(const Sources& sources, uint32_t i, Place& source) {
+bool findSource(const Sources& sources, uint32_t i, PlanePoint& source) {
   if (sources.across[i] == beyondPicture) return false;
   const double across = sources.across[i], down = sources.down[i];
   source = {(sources.corner[i] & 0xFFFF) + across / sourceParts, (sources.corner[i] >> 16) + down / sourceParts};

@@ -27,6 +27,6 @@ SourceMap sourceMap(Arena& arena, const NadirRectifiedView& view);
 void fill(const SourceMap& map, const NadirLens& lens, const NadirRectifiedView& view);
 
 // False where pixel i comes from nowhere.
-bool findSource(const Sources& sources, uint32_t i, Place& source);
+bool findSource(const Sources& sources, uint32_t i, PlanePoint& source);
 
 }  // namespace nadir::ground

@@ -28,7 +28,7 @@ Vector3 middleRay(const NadirLens& lens) {
           ((lens.height_px - 1.0) / 2 - lens.principal_y_px) / lens.focal_y_px, 1};
 }
 
-NadirRectifiedView viewOf(const NadirLens& size, const Turn& turn, double focal, const Place& principal) {
+NadirRectifiedView viewOf(const NadirLens& size, const Turn& turn, double focal, const PlanePoint& principal) {
   NadirRectifiedView view{};
   view.size = sizeof view;
   view.width_px = size.width_px;
@@ -40,7 +40,7 @@ NadirRectifiedView viewOf(const NadirLens& size, const Turn& turn, double focal,
   return view;
 }
 
-bool isOutOfReach(const Place& principal) {
+bool isOutOfReach(const PlanePoint& principal) {
   constexpr double farthestPx = 1e6;  // as NadirCamera's principal point
   return !(std::fabs(principal.x) <= farthestPx && std::fabs(principal.y) <= farthestPx);
 }
@@ -49,8 +49,8 @@ Judgement laidOut(const NadirLens& left, const NadirLens& right, const Turns& tu
   const Vector3 a = turns.left * middleRay(left), b = turns.right * middleRay(right);
   if (!(a.z > 0 && b.z > 0)) return {NADIR_BAD_CAMERA, "rotation"};
   const double focal = smallestFocal(left, right);
-  const Place principal = {(left.width_px - 1.0) / 2 - focal * (a.x / a.z + b.x / b.z) / 2,
-                           (left.height_px - 1.0) / 2 - focal * (a.y / a.z + b.y / b.z) / 2};
+  const PlanePoint principal = {(left.width_px - 1.0) / 2 - focal * (a.x / a.z + b.x / b.z) / 2,
+                                (left.height_px - 1.0) / 2 - focal * (a.y / a.z + b.y / b.z) / 2};
   if (isOutOfReach(principal)) return {NADIR_BAD_CAMERA, "rotation"};
   views.left = viewOf(left, turns.left, focal, principal);
   views.right = viewOf(left, turns.right, focal, principal);

@@ -3,7 +3,8 @@
 
 Every folder may include itself and the rooms that the table names, all of which stand above it in the table: arrows lead
 downward only, so a change can break only what lies above it. A folder inside of a room belongs to it unless it is a room
-of its own. What is included is named by its path from the project's root, from src/ for the library's own sources.
+of its own. What is included is named by its path from the project's root, from src/ for the library's own sources. Two
+headers below one folder have no type of the same name.
 """
 import os
 import re
@@ -93,7 +94,11 @@ EXCEPTIONS = {
 
 LARGEST_FOLDER = 30  # sources in one folder outside of tests/: more of them are a hall in which nothing is found
 
+# Below these a name is one type in all headers: two would be linked as if they were the same.
+ONE_NAMESPACE = ("ground", "lab", "tools")
+
 INCLUDE = re.compile(r'\s*#\s*include\s*(["<])([^">]+)[">]')
+TYPE = re.compile(r"(?:struct|union|enum class|enum|class) (\w+)[^;(]*\{")
 
 
 def sources(root):
@@ -146,9 +151,24 @@ def complaints(root):
     for folder, inside in sizes.items():
         if len(inside) > LARGEST_FOLDER and not folder.startswith("tests/"):
             found.append(f"{folder}: {len(inside)} sources, more than {LARGEST_FOLDER}")
+    found += types_of_two_headers(root)
     for exception in sorted(EXCEPTIONS.keys() - needed):
         found.append("tests/layout/layout.py: nobody needs the exception that {} includes {}".format(*exception))
     return found
+
+
+def types_of_two_headers(root):
+    """A sentence for each name that is a type in one header and another one in a second."""
+    homes = {}
+    for path in sources(root):
+        top = path.split(os.sep)[0]
+        if top not in ONE_NAMESPACE or not path.endswith(".hpp"):
+            continue
+        with open(os.path.join(root, path), encoding="utf-8") as file:
+            names = {found.group(1) for found in map(TYPE.match, file) if found}
+        for name in names:
+            homes.setdefault((top, name), []).append(path)
+    return [f"{paths[1]}: {paths[0]} has a type called {name}, too" for (_, name), paths in sorted(homes.items()) if paths[1:]]
 
 
 def upward_rules():
@@ -168,6 +188,8 @@ PLANTS = {  # what is planted, and the words that must answer
     "a bare name": ({"tools/draw/a.cpp": '#include "b.hpp"\n', "tools/draw/b.hpp": ""}, "is no path from"),
     "a folder that nobody knows": ({"common/a.hpp": ""}, "has no room for it"),
     "a hall": ({f"lab/a{i}.hpp": "" for i in range(LARGEST_FOLDER + 1)}, "more than"),
+    "one name for two types": ({"ground/lens/a.hpp": "struct Place {\n", "ground/check/b.hpp": "struct Place {\n"},
+                               "has a type called Place, too"),
     "an exception without need": ({"lab/a.hpp": ""}, "nobody needs the exception that tests/models includes tests/support/integers.hpp"),
 }
 
