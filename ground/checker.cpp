@@ -218,7 +218,7 @@ Depths depthsOf(const NadirRowOffset* offsets, size_t count) {
   }
   const auto n = static_cast<double>(count);
   const double variance = dd / n - d / n * (d / n), perRow = (dy - d * y / n) / (yy - y * y / n + 1);
-  return {d / n, std::sqrt(variance > 0 ? variance : 0), perRow};
+  return {d / n, std::sqrt(aboveZero(variance)), perRow};
 }
 
 constexpr double unknown = NAN;
@@ -310,8 +310,7 @@ NadirStatus nadir_checker_create(uint32_t width, uint32_t height, NadirChecker**
   const Judgement j = judged(width, height);
   if (fault) *fault = {sizeof *fault, 0, 0, 0, j.field};
   if (j.status) return j.status;
-  const size_t bytes = nadir_checker_bytes(width, height);
-  void* block = bytes ? std::malloc(bytes) : nullptr;
+  void* block = std::malloc(nadir_checker_bytes(width, height));
   if (!block) return NADIR_NO_MEMORY;
   Arena arena(block);
   *checker = checkerIn(arena, width, height);

@@ -38,7 +38,9 @@
  *
  * A polynomial that was fitted to what a picture shows turns back somewhere outside of it: farther from the axis points
  * come nearer to it again, and would be seen a second time where they do not belong. From the smallest r on at which
- * the distance from the axis (r g, or the fisheye's polynomial) does not grow any more, rays come from nowhere.
+ * the distance from the axis (r g, or the fisheye's polynomial) does not grow any more, rays come from nowhere. That r
+ * is searched for up to 4095, 89.986 degrees from the axis: from there on rays come from nowhere in any case, but for
+ * those of NADIR_LENS_NONE.
  */
 #ifndef NADIR_RECTIFY_H
 #define NADIR_RECTIFY_H
@@ -95,8 +97,8 @@ NADIR_API NadirStatus nadir_rectified_views(const NadirLens* left, const NadirLe
                                             const double translation_mm[3], NadirRectifiedView* left_view,
                                             NadirRectifiedView* right_view, double* baseline_mm, NadirFault* fault);
 
-/* The bytes of a rectifier: 6 for each pixel of the view and less than a thousand more. 0 where the view's size is out
- * of range. */
+/* The bytes of a rectifier: 6 for each pixel of the view and less than a thousand more. 0 where the view is null or a
+ * number of it out of range; its rotation is not looked at. */
 NADIR_API size_t nadir_rectifier_bytes(const NadirRectifiedView* view);
 
 /* Makes a rectifier.

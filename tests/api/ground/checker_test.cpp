@@ -111,6 +111,31 @@ TEST(Checker, PicturesOfDifferentThingsAreUnrectified) {
   EXPECT_EQ(verdictOf(narrow), "unrectified");
 }
 
+// Neither the gain nor the other picture says so.
+TEST(Checker, OneBadlyExposedPictureIsEnough) {
+  const auto spoilt = [](const lab::Intensities& picture, uint16_t value, uint32_t columns) {
+    lab::Intensities out = picture;
+    for (uint32_t y = 0; y < out.height; ++y) std::fill_n(out.row(y), columns, value);
+    return out;
+  };
+  const lab::Intensities &left = good().left, &right = good().right;
+  const uint32_t most = width * 2 / 3, some = width / 8;
+  EXPECT_EQ(verdictOf({spoilt(left, 0, most), right}), "exposure") << "what has no data counts as dark";
+  EXPECT_EQ(verdictOf({left, spoilt(right, 0, most)}), "exposure");
+  EXPECT_EQ(verdictOf({spoilt(left, 4095, some), right}), "exposure") << "a lamp";
+  EXPECT_EQ(verdictOf({left, spoilt(right, 4095, some)}), "exposure");
+}
+
+TEST(Checker, TextureThatDrownsInNoiseIsNone) {
+  const auto drowned = [](const lab::Intensities& p, uint64_t seed) {
+    return lab::noisy(lab::faded(p, 0.12), 80, seed);
+  };
+  const lab::Intensities left = drowned(good().left, 1), right = drowned(good().right, 2);
+  EXPECT_EQ(verdictOf({left, right}), "textureless");
+  EXPECT_EQ(verdictOf({left, good().right}), "textureless");
+  EXPECT_EQ(verdictOf({good().left, right}), "textureless");
+}
+
 // ---- numbers ----
 
 void expectRows(const NadirCheckup& c, double left, double middle, double right, double top, double bottom) {
@@ -181,6 +206,45 @@ TEST(Checker, DisparitiesAskForARange) {
   EXPECT_GT(checkup(near).nearer, 0.5);
   EXPECT_EQ(verdictOf(near, NADIR_RANGE_122), "good");
   EXPECT_EQ(verdictOf(near, NADIR_RANGE_244), "good");
+}
+
+// Random pixels, the left picture's so many columns further right than the right one's.
+PicturePair textured(uint32_t columns, uint32_t rows, uint32_t disparity) {
+  lab::Random random(7);
+  PicturePair pair{lab::Intensities(columns, rows), lab::Intensities(columns, rows)};
+  for (uint32_t y = 0; y < rows; ++y) {
+    const auto texture = random.values<uint16_t>(columns + disparity, 3000);
+    for (uint32_t x = 0; x < columns; ++x) {
+      pair.left.at(x, y) = static_cast<uint16_t>(500 + texture[x]);
+      pair.right.at(x, y) = static_cast<uint16_t>(500 + texture[x + disparity]);
+    }
+  }
+  return pair;
+}
+
+TEST(Checker, ARangeHoldsHalfAPixelMoreThanItsNumber) {
+  const NadirCheckup last = checkup(textured(width, height, 61)), first = checkup(textured(width, height, 62));
+  EXPECT_NEAR(last.largest_disparity_px, 61, 0.1);
+  EXPECT_EQ(last.range, uint32_t{NADIR_RANGE_61});
+  EXPECT_EQ(last.nearer, 0);
+  EXPECT_NEAR(first.least_disparity_px, 62, 0.1);
+  EXPECT_EQ(first.range, uint32_t{NADIR_RANGE_122});
+  EXPECT_EQ(first.nearer, 1);
+}
+
+TEST(Checker, WhatNoRangeHoldsIsTold) {
+  const PicturePair near = textured(1100, 128, 280);
+  const NadirCheckup c = checkup(near, NADIR_RANGE_244);
+  EXPECT_NEAR(c.largest_disparity_px, 280, 1);
+  EXPECT_EQ(c.range, 0u);
+  EXPECT_GT(c.nearer, 0.98);
+}
+
+TEST(Checker, TheGainIsThatOfWhatIsNotClipped) {
+  const NadirCheckup c = checkup({good().left, lab::amplified(good().right, 2.4)});
+  EXPECT_GT(c.clipped_right, 0.2);
+  EXPECT_NEAR(c.gain, 2.4, 0.1);
+  EXPECT_NEAR(checkup({lab::amplified(good().left, 2.4), good().right}).gain, 1 / 2.4, 0.02);
 }
 
 TEST(Checker, AlignedRowsAreMatchedAsWellAsGoodOnes) {

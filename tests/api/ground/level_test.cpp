@@ -273,6 +273,19 @@ TEST(Level, AFloorThatIntensitiesDoNotShowIsNone) {
   EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_NOTHING_FOUND);
 }
 
+// Moved along their rows such pictures stay what they are.
+TEST(Level, RowsOfOneBrightnessHoldNoFloor) {
+  const Pair& pair = usualFloor();
+  const Bench bench(pair.camera);
+  NadirFrame frame = frameOf(pair.left, pair.right);
+  ASSERT_EQ(nadir_road_process(bench.road.get(), &frame, bench.result.get()), NADIR_OK);
+  std::vector<uint16_t> stripes(pair.left.pixels.size());
+  for (size_t i = 0; i < stripes.size(); ++i)
+    stripes[i] = static_cast<uint16_t>(900 + i / pair.left.width * 7919 % 1000);
+  frame.left = frame.right = stripes.data();
+  EXPECT_EQ(nadir_level_add(bench.level.get(), &frame, bench.result.get()), NADIR_NOTHING_FOUND);
+}
+
 // ---- floors that are told by their disparities ----
 
 // Both pictures of a plane whose disparity changes from row to row, out of waves that can be read at any place.
@@ -349,6 +362,35 @@ TEST(Level, PicturesWithoutNoiseGiveThePlaneItself) {
   EXPECT_NEAR(found.plane[0], 0, 2e-5);
   EXPECT_NEAR(found.plane[1], 0.05, 2e-5);
   EXPECT_NEAR(found.plane[2], 12, 0.01);
+}
+
+// Far away a floor's disparities are what the columns are shifted by, or less.
+TEST(Level, AFloorMayReachBeyondDisparityZero) {
+  const Waves floor(0.1, -0.1 * 161, 0);
+  const Bench bench(floor.pair.camera);
+  ASSERT_EQ(floor.add(bench, [](uint32_t, uint32_t y, float d) { return y >= 160 ? d + 0.3f : noDisparity; }),
+            NADIR_OK);
+  const NadirLevelled found = bench.read();
+  EXPECT_NEAR(found.plane[1], 0.1, 1e-4);
+  EXPECT_NEAR(found.plane[2], -0.1 * 161, 0.01);
+}
+
+TEST(Level, AFloorHasHardlyAnythingBelowIt) {
+  const Waves floor(0.03, 20, 20);
+  const auto added = [&floor](uint32_t below) {
+    const Bench bench(floor.pair.camera);
+    return floor.add(bench, [below](uint32_t x, uint32_t, float d) { return x < below ? d / 2 : d; });
+  };
+  EXPECT_EQ(added(Waves::width / 16), NADIR_OK);
+  EXPECT_EQ(added(Waves::width / 4), NADIR_NOTHING_FOUND);
+}
+
+// The height under the camera is certain and the tilt is not.
+TEST(Level, AStripAcrossThePictureDoesNotTellTheTilt) {
+  const Waves floor(0, 20, 250);
+  const Bench bench(floor.pair.camera);
+  const auto strip = [](uint32_t, uint32_t y, float d) { return y >= 144 && y < 176 ? d : noDisparity; };
+  EXPECT_EQ(floor.add(bench, strip), NADIR_NOTHING_FOUND);
 }
 
 // A corner or a strip says nothing certain of a whole plane.
@@ -452,6 +494,8 @@ TEST(Level, ArgumentsAreChecked) {
   EXPECT_EQ(refused([](NadirFrame& f) { f.left = nullptr; }), NADIR_BAD_FRAME);
   EXPECT_EQ(refused([](NadirFrame& f) { f.right = nullptr; }), NADIR_BAD_FRAME);
   EXPECT_EQ(refused([](NadirFrame& f) { --f.left_stride; }), NADIR_BAD_FRAME);
+  EXPECT_EQ(refused([](NadirFrame& f) { f.left_stride = SIZE_MAX; }), NADIR_BAD_FRAME);
+  EXPECT_EQ(refused([](NadirFrame& f) { --f.right_stride; }), NADIR_BAD_FRAME);
   EXPECT_EQ(refused([](NadirFrame& f) { f.right_stride = SIZE_MAX; }), NADIR_BAD_FRAME);
   NadirPlane taken{};
   EXPECT_EQ(nadir_level_taken(level, &taken), NADIR_NOTHING_FOUND);

@@ -76,6 +76,84 @@ TEST(Rectifier, SourcesFollowTheFormulas) {
   }
 }
 
+// ---- where lenses turn back ----
+
+// How far from the axis a ray (r, 0, 1) comes to lie by the even terms of a lens.
+double modelledReach(const NadirLens& lens, double r) {
+  NadirLens even = lens;
+  if (lens.model == NADIR_LENS_BROWN)
+    for (const int odd : {2, 3, 8, 9, 10, 11}) even.coefficients[odd] = 0;
+  return modelled(even, r, 0).x;
+}
+
+// The first r at which the distance from the axis does not grow any more, to a ten-thousandth.
+double modelledTurn(const NadirLens& lens) {
+  constexpr double step = 1e-4;
+  double r = step;
+  while (modelledReach(lens, r + step) > modelledReach(lens, r)) r += step;
+  return r;
+}
+
+NadirLens lensWith(uint32_t model, std::initializer_list<double> coefficients) {
+  NadirLens lens = lab::emptyRecord<NadirLens>();
+  lens.width_px = 60001;
+  lens.height_px = 401;
+  lens.model = model;
+  lens.focal_x_px = lens.focal_y_px = 4000;
+  lens.principal_x_px = 30000;
+  lens.principal_y_px = 200;
+  std::copy(coefficients.begin(), coefficients.end(), lens.coefficients);
+  return lens;
+}
+
+// One row of rays (u / focal, 0, 1).
+NadirRectifiedView rayRow(uint32_t rays, double focal) {
+  NadirRectifiedView view = lab::emptyRecord<NadirRectifiedView>();
+  view.width_px = rays;
+  view.height_px = 5;
+  view.rotation[0] = view.rotation[4] = view.rotation[8] = 1;
+  view.focal_px = focal;
+  view.principal_y_px = 2;
+  return view;
+}
+
+// The rays of the row that come from somewhere, from the axis to where none does any more.
+uint32_t raysSeen(const lab::Rectifier& rectifier, uint32_t rays) {
+  uint32_t last = 0;
+  double x = 0, y = 0;
+  for (uint32_t u = 0; u < rays; ++u)
+    if (nadir_rectifier_source(rectifier.get(), u, 2, &x, &y) == NADIR_OK) last = u + 1;
+  return last;
+}
+
+TEST(Rectifier, NothingComesFromWhereALensTurnsBack) {
+  constexpr uint32_t rays = 4000;
+  constexpr double focal = 1000;
+  for (const NadirLens& lens :
+       {lensWith(NADIR_LENS_FISHEYE, {-0.3}), lensWith(NADIR_LENS_FISHEYE, {0.1, -0.2}),
+        lensWith(NADIR_LENS_FISHEYE, {-0.1, 0.1, -0.09}), lensWith(NADIR_LENS_FISHEYE, {-0.05, -0.04, 0.1, -0.06}),
+        lensWith(NADIR_LENS_BROWN, {-0.3}), lensWith(NADIR_LENS_BROWN, {0.1, -0.15, 0.001, -0.001}),
+        lensWith(NADIR_LENS_BROWN, {0.1, 0.05, 0, 0, -0.06}),
+        lensWith(NADIR_LENS_BROWN, {0, 0, 0, 0, 0, 0.7, 0.1, 0.03}),
+        lensWith(NADIR_LENS_BROWN, {0.2, -0.1, 0, 0, 0.02, 0.3, 0.1, 0.05, 1e-3, 0, 1e-3})}) {
+    const double turn = modelledTurn(lens);
+    ASSERT_GT(turn, 0.5);
+    ASSERT_LT(turn, rays / focal);
+    EXPECT_NEAR(raysSeen(lab::Rectifier(lens, rayRow(rays, focal)), rays), focal * turn, 1.5) << turn;
+  }
+}
+
+TEST(Rectifier, RaysAlongThePictureComeFromNowhereIfTheyAreBent) {
+  constexpr uint32_t rays = 5000;
+  NadirLens lens = lensWith(NADIR_LENS_BROWN, {});
+  lens.focal_x_px = lens.focal_y_px = 1;
+  EXPECT_EQ(raysSeen(lab::Rectifier(lens, rayRow(rays, 1)), rays), 4095u);
+  lens.model = NADIR_LENS_FISHEYE;
+  EXPECT_EQ(raysSeen(lab::Rectifier(lens, rayRow(rays, 1)), rays), 4095u);
+  lens.model = NADIR_LENS_NONE;
+  EXPECT_EQ(raysSeen(lab::Rectifier(lens, rayRow(rays, 1)), rays), rays);
+}
+
 // ---- views without a turn, whose sources are easily said ----
 
 NadirLens plainLens(uint32_t w = width, uint32_t h = height) {
@@ -391,6 +469,20 @@ TEST(RectifiedViews, PrincipalPointsStayInReach) {
   far.principal_x_px = -6e5;
   expectNoViews(viewsOf(far, far, straight, translation), "rotation");
   expectNoViews(viewsOf(below, below, straight, translation), "rotation");
+  const double nod[] = {1,
+                        0,
+                        0,
+                        0,
+                        -0.17364817766693041,
+                        -0.98480775301220802,
+                        0,
+                        0.98480775301220802,
+                        -0.17364817766693041};  // by 100 degrees
+  const double toTheRight[] = {-100, 0, 0};
+  NadirLens up = plainLens();
+  up.focal_x_px = up.focal_y_px = 1e6;
+  up.principal_y_px = -5.77e5;
+  expectNoViews(viewsOf(up, up, nod, toTheRight), "rotation");
 }
 
 // ---- what is refused ----
