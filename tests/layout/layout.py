@@ -62,6 +62,7 @@ ROOMS = {
                       " tools/tune",
     "tools": "include/nadir lab tools/base tools/files tools/pictures tools/commands",
     # everything that runs them
+    "python/wheel": "",
     "examples": "include/nadir",
     "tests/models": "include/nadir lab",
     "tests/support": "include/nadir lab src/simd tests/models",
