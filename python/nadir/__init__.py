@@ -3,6 +3,13 @@
 The package calls the shared libraries libnadir and libnadirground, and runs the program `nadir` for what they do not
 do; nothing is worked out twice, so all results have the same bits as the program's.
 """
-from ._errors import Error, ProgramError
+from ._camera import Area, Camera
+from ._errors import Error, ProgramError, ResultWarning
+from ._findings import GroundPlane, Occupancy, PixelCounts, Region, Share, Trust, Warning  # pylint: disable=redefined-builtin
+from ._libraries import version
+from ._match import match
+from ._rectifier import Rectifier
+from ._road import Result, Road
 
-__all__ = ["Error", "ProgramError"]
+__all__ = ["Area", "Camera", "Error", "GroundPlane", "Occupancy", "PixelCounts", "ProgramError", "Rectifier", "Region", "Result",
+           "ResultWarning", "Road", "Share", "Trust", "Warning", "match", "version"]

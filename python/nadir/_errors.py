@@ -27,3 +27,7 @@ class ProgramError(Error):
     def __init__(self, sentence: str, status: int, output: str = "") -> None:
         super().__init__(sentence, status)
         self.output = output
+
+
+class ResultWarning(UserWarning):
+    """Says why a result may not be relied on; docs/trust.md explains each."""

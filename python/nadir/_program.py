@@ -4,19 +4,24 @@ from __future__ import annotations
 import json as _json
 import os
 import subprocess
-from typing import Any, Union
+from typing import Any, SupportsFloat, Union
 
 from ._errors import ProgramError
 from ._places import program_path
 
-Argument = Union[str, int, float, "os.PathLike[str]"]
+Argument = Union[str, SupportsFloat, "os.PathLike[str]"]
+
+
+def number_of(value: Any) -> str:
+    """A number, numpy's too, in as many digits as tell it from all others."""
+    return str(value.__index__()) if hasattr(value, "__index__") else repr(float(value))
 
 
 def words_of(argument: Argument) -> str:
-    """An argument as the command line has it; a float in as many digits as tell it from all others."""
+    """An argument as the command line has it."""
     if isinstance(argument, os.PathLike):
         return os.fspath(argument)
-    return repr(argument) if isinstance(argument, float) else str(argument)
+    return argument if isinstance(argument, str) else number_of(argument)
 
 
 def run(*arguments: Argument) -> str:
