@@ -32,16 +32,16 @@ std::string xml() {
          "</opencv_storage>\n";
 }
 
-std::string camera(const std::string& model, const std::string& coefficients, const std::string& focal) {
+std::string kalibrCamera(const std::string& model, const std::string& coefficients, const std::string& focal) {
   return "  camera_model: pinhole\n  distortion_coeffs: [" + coefficients + "]\n  distortion_model: " + model +
          "\n  intrinsics: [" + focal + ", " + focal + ", 320, 240]\n  resolution: [640, 480]\n";
 }
 
 std::string chain(const std::string& translation) {
-  return "cam0:\n" + camera("radtan", "-0.2, 0.06, 0.0008, -0.0005", "600") +
+  return "cam0:\n" + kalibrCamera("radtan", "-0.2, 0.06, 0.0008, -0.0005", "600") +
          "cam1:\n  T_cn_cnm1:\n  - [1.0, 0.0, 0.0, " + translation +
          "]\n  - [0.0, 1.0, 0.0, 0.0]\n  - [0.0, 0.0, 1.0, 0.0]\n  - [0.0, 0.0, 0.0, 1.0]\n" +
-         camera("equi", "0.01, 0, 0, 0", "610");
+         kalibrCamera("equi", "0.01, 0, 0, 0", "610");
 }
 
 const std::string plain =
@@ -60,12 +60,6 @@ std::string ros(const std::string& model, const std::string& coefficients, const
          "1]}\ndistortion_model: " +
          model + "\ndistortion_coefficients: {data: [" + coefficients + "]}\nrectification_matrix: {data: [" +
          noRotation + "]}\nprojection_matrix: {data: [600, 0, 320, " + shift + ", 0, 600, 240, 0, 0, 0, 1, 0]}\n";
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-  const size_t place = text.find(from);
-  EXPECT_NE(place, std::string::npos) << from;
-  return text.replace(place, from.size(), to);
 }
 
 class Calibration : public testing::Test {
@@ -108,11 +102,6 @@ class Calibration : public testing::Test {
 };
 
 const std::vector<std::string> inMetres = {"--unit-mm", "1000", "--width-px", "640", "--height-px", "480"};
-
-std::vector<std::string> with(std::vector<std::string> files, const std::vector<std::string>& options) {
-  files.insert(files.end(), options.begin(), options.end());
-  return files;
-}
 
 TEST_F(Calibration, OpenCvInTwoFilesInEitherOrder) {
   writeFile(folder.path("in.yml"), lenses);

@@ -43,12 +43,6 @@ std::string ros(const char* name, const std::string& projection) {
 const char* const rosLeft = "600, 0, 320.5, 0, 0, 600, 240.25, 0, 0, 0, 1, 0";
 const char* const rosRight = "600, 0, 310.5, -72, 0, 600, 240.25, 0, 0, 0, 1, 0";
 
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-  const size_t place = text.find(from);
-  EXPECT_NE(place, std::string::npos) << from;
-  return text.replace(place, from.size(), to);
-}
-
 class CameraImport : public testing::Test {
  protected:
   Outcome import(std::vector<std::string> arguments) {

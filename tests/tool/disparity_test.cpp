@@ -119,14 +119,6 @@ TEST_F(Disparity, TextsTellHowToReadIt) {
 
 // ---- kinds of output ----
 
-float floatAt(const Bytes& bytes, size_t at) {
-  uint32_t bits = 0;
-  for (size_t i = 4; i-- > 0;) bits = bits << 8 | static_cast<uint8_t>(bytes[at + i]);
-  float number;
-  std::memcpy(&number, &bits, sizeof number);
-  return number;
-}
-
 TEST_F(Disparity, NpyHoldsPixelsFromTheTopDown) {
   const std::vector<uint16_t> sixteenths = disparity({});
   ASSERT_EQ(folder.run({"disparity", "left.png", "right.png", "-o", "d.npy", "--no-preview"}).status, 0);

@@ -121,14 +121,6 @@ TEST_F(Ground, OffsetMovesTheMap) {
   EXPECT_EQ(map().at(18, 23), 500);
 }
 
-float floatAt(const Bytes& bytes, size_t place) {
-  uint32_t bits = 0;
-  for (size_t i = 0; i < 4; ++i) bits |= uint32_t{static_cast<uint8_t>(bytes[place + i])} << 8 * i;
-  float value;
-  std::memcpy(&value, &bits, sizeof value);
-  return value;
-}
-
 TEST_F(Ground, PointsAsPly) {
   give([](uint32_t x, uint32_t y) { return static_cast<uint16_t>(y == 10 && x > 1 && x < 5 ? 320 : 0); });
   ground({"--disparity", "d.png", "--write", "points"});

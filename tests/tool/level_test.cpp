@@ -25,11 +25,6 @@ const char* const map =
     "height_cells = 64\n"
     "cell_mm = 100\n";
 
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-  text.replace(text.find(from), from.size(), to);
-  return text;
-}
-
 class Level : public testing::Test {
  protected:
   void render(const std::string& name, const std::string& scene = "empty-floor") {

@@ -12,11 +12,6 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-Arguments with(Arguments arguments, const Arguments& more) {
-  arguments.insert(arguments.end(), more.begin(), more.end());
-  return arguments;
-}
-
 void expectMisused(const Arguments& arguments, const std::string& sentence) {
   const Folder folder;
   const Outcome outcome = folder.run(arguments);

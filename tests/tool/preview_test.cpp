@@ -45,7 +45,7 @@ Picture withTexts(Picture p, const std::map<std::string, std::string>& texts) {
 const std::map<std::string, std::string> placeOfAMap = {
     {"nadir:cell-mm", "50"}, {"nadir:left-mm", "-100.000"}, {"nadir:top-mm", "200.000"}};
 
-Picture map(const std::string& units, std::vector<uint16_t> cells) {
+Picture mapPicture(const std::string& units, std::vector<uint16_t> cells) {
   std::map<std::string, std::string> texts = placeOfAMap;
   texts["nadir:units"] = units;
   return withTexts(picture(4, 2, 16, std::move(cells)), texts);
@@ -66,7 +66,7 @@ TEST_F(PreviewCommand, DisparitiesAreToldByTheirTextOrByTheScale) {
 }
 
 TEST_F(PreviewCommand, ElevationMapsHaveTheColoursOfTheirHeights) {
-  write("map.png", map("mm", {0, 100, 100, 900, 900, 900, 500, 500}));
+  write("map.png", mapPicture("mm", {0, 100, 100, 900, 900, 900, 500, 500}));
   const Picture drawn = preview("map.png", {"--range", "100", "900"});
   const auto colour = [&](uint32_t column, uint32_t row) {
     return colourAt(drawn, left + column * cell + cell / 2, top + row * cell + cell / 2);
@@ -86,7 +86,7 @@ TEST_F(PreviewCommand, AMapIsDrawnAsGroundDrawsIt) {
 }
 
 TEST_F(PreviewCommand, AMapThatDoesNotSayWhereItLiesHasNoAxes) {
-  Picture placeless = map("mm", {1, 2, 3, 4, 5, 6, 7, 8});
+  Picture placeless = mapPicture("mm", {1, 2, 3, 4, 5, 6, 7, 8});
   write("placed.png", placeless);
   placeless.text.erase("nadir:left-mm");
   write("placeless.png", placeless);
@@ -99,7 +99,7 @@ TEST_F(PreviewCommand, AMapThatDoesNotSayWhereItLiesHasNoAxes) {
 }
 
 TEST_F(PreviewCommand, EveryRegionHasAColour) {
-  write("regions.png", map("region", {0, 1, 1, 2, 0, 1, 3, 2}));
+  write("regions.png", mapPicture("region", {0, 1, 1, 2, 0, 1, 3, 2}));
   const Picture drawn = preview("regions.png");
   const auto colour = [&](uint32_t column, uint32_t row) {
     return colourAt(drawn, left + column * regionCell + 3, top + row * regionCell + 3);
@@ -149,10 +149,10 @@ TEST_F(PreviewCommand, WhatDoesNotFitIsRefused) {
                 "heights and regions, and grey pictures");
   write("i.png", picture(2, 2, 8, {1, 2, 3, 4}));
   expectRefused("i.png", {"--scale", "16"}, "--scale is for disparities, but i.png holds intensities: leave it out");
-  write("m.png", map("mm", {1, 2, 3, 4, 5, 6, 7, 8}));
+  write("m.png", mapPicture("mm", {1, 2, 3, 4, 5, 6, 7, 8}));
   expectRefused("m.png", {"--scale", "16"},
                 "--scale is for disparities, but m.png holds an elevation map: leave it out");
-  write("r.png", map("region", {1, 2, 3, 4, 5, 6, 7, 8}));
+  write("r.png", mapPicture("region", {1, 2, 3, 4, 5, 6, 7, 8}));
   expectRefused("r.png", {"--range", "1", "2"},
                 "--range is for measurements, but r.png holds a map of regions: leave it out");
 }

@@ -192,14 +192,14 @@ TEST_F(Regions, TableSaysTheSame) {
 
 // ---- pictures ----
 
-using Colour = std::array<uint16_t, 3>;
+using Samples = std::array<uint16_t, 3>;
 
-Colour colourAt(const Picture& picture, uint32_t x, uint32_t y) {
+Samples samplesAt(const Picture& picture, uint32_t x, uint32_t y) {
   const auto* first = picture.samples.data() + 3 * (size_t{y} * picture.width + x);
   return {first[0], first[1], first[2]};
 }
 
-bool isGrey(const Colour& c) { return c[0] == c[1] && c[1] == c[2]; }
+bool isGrey(const Samples& c) { return c[0] == c[1] && c[1] == c[2]; }
 
 TEST_F(Regions, PictureColoursWhatBelongsToThem) {
   giveTwoBlocks();
@@ -209,10 +209,10 @@ TEST_F(Regions, PictureColoursWhatBelongsToThem) {
   ASSERT_EQ(picture.height, height);
   int grey = 0;  // signs cover a part of the blocks
   for (uint32_t y = 25; y < 55; ++y)
-    for (uint32_t x = 40; x < 70; ++x) grey += isGrey(colourAt(picture, x, y));
+    for (uint32_t x = 40; x < 70; ++x) grey += isGrey(samplesAt(picture, x, y));
   EXPECT_LT(grey, 200);
   for (uint32_t y = 0; y < height; ++y)
-    for (uint32_t x = 0; x < 40; ++x) ASSERT_TRUE(isGrey(colourAt(picture, x, y))) << x << ", " << y;
+    for (uint32_t x = 0; x < 40; ++x) ASSERT_TRUE(isGrey(samplesAt(picture, x, y))) << x << ", " << y;
 }
 
 TEST_F(Regions, MapPictureOutlinesThem) {
@@ -226,7 +226,7 @@ TEST_F(Regions, MapPictureOutlinesThem) {
   int outlined = 0;
   for (uint32_t y = 0; y < with.height; ++y)
     for (uint32_t x = 0; x < with.width; ++x)
-      outlined += colourAt(with, x, y) == Colour{255, 255, 255} && colourAt(without, x, y) != Colour{255, 255, 255};
+      outlined += samplesAt(with, x, y) == Samples{255, 255, 255} && samplesAt(without, x, y) != Samples{255, 255, 255};
   EXPECT_GT(outlined, 4 * 6 * 16) << "16 pixels a cell, four sides of six cells";
 }
 

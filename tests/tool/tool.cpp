@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <limits>
@@ -208,6 +209,25 @@ std::vector<std::string> Folder::names() const {
   for (const auto& entry : fs::recursive_directory_iterator(root_)) names.push_back(entry.path().filename().string());
   std::sort(names.begin(), names.end());
   return names;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  const size_t place = text.find(from);
+  EXPECT_NE(place, std::string::npos) << from;
+  return text.replace(place, from.size(), to);
+}
+
+float floatAt(const Bytes& bytes, size_t place) {
+  uint32_t bits = 0;
+  for (size_t i = 4; i-- > 0;) bits = bits << 8 | static_cast<uint8_t>(bytes[place + i]);
+  float number;
+  std::memcpy(&number, &bits, sizeof number);
+  return number;
+}
+
+std::vector<std::string> with(std::vector<std::string> arguments, const std::vector<std::string>& more) {
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
 }
 
 // The process.

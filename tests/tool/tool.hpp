@@ -34,6 +34,14 @@ void writePng(const std::string& path, const Picture& picture);
 Bytes readFile(const std::string& path);
 void writeFile(const std::string& path, const Bytes& bytes);
 
+// A text with its first FROM exchanged, which fails the test where there is none.
+std::string replaced(std::string text, const std::string& from, const std::string& to);
+
+// The little-endian float that begins at a byte.
+float floatAt(const Bytes& bytes, size_t place);
+
+std::vector<std::string> with(std::vector<std::string> arguments, const std::vector<std::string>& more);
+
 struct Outcome {
   int status;
   std::string out, err;
