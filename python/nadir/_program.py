@@ -4,7 +4,11 @@ from __future__ import annotations
 import json as _json
 import os
 import subprocess
+<<<<<<< HEAD
 from typing import Any, SupportsFloat, Union
+=======
+from typing import Any, Optional, Union
+>>>>>>> 1c9bb67 (Map recordings in partitions, on all processors or a Dask cluster)
 
 from ._errors import ProgramError
 from ._places import program_path
@@ -24,13 +28,13 @@ def words_of(argument: Argument) -> str:
     return argument if isinstance(argument, str) else number_of(argument)
 
 
-def run(*arguments: Argument) -> str:
-    """What the program prints when it is run with these arguments.
+def run(*arguments: Argument, folder: Optional[str] = None) -> str:
+    """What the program prints when it is run with these arguments, in `folder` (here).
 
     Raises ProgramError with the program's own sentence unless it ends with status 0.
     """
     ran = subprocess.run([program_path(), *map(words_of, arguments)], stdin=subprocess.DEVNULL, capture_output=True,
-                         encoding="utf-8", errors="replace", check=False)
+                         encoding="utf-8", errors="replace", check=False, cwd=folder)
     if ran.returncode != 0:
         raise ProgramError(ran.stderr.strip() or f"nadir ended with status {ran.returncode}", ran.returncode, ran.stdout)
     return ran.stdout

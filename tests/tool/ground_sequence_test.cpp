@@ -732,7 +732,7 @@ const std::vector<Setting> settings = {
 // parts.
 const std::set<std::string> noSettings = {"--json",    "--config", "--quiet",        "--help",      "--output",
                                           "--threads", "--resume", "--unit-mm",      "--disparity", "--disparity-scale",
-                                          "--strict",  "--lens",   "--side-by-side", "--join"};
+                                          "--strict",  "--lens",   "--side-by-side", "--join",      "--dry-run"};
 
 // Of a camera file's pictures, which are rectified: it changes nothing.
 std::string calibrationOf(const std::string& camera) {
