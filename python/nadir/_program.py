@@ -4,11 +4,7 @@ from __future__ import annotations
 import json as _json
 import os
 import subprocess
-<<<<<<< HEAD
-from typing import Any, SupportsFloat, Union
-=======
-from typing import Any, Optional, Union
->>>>>>> 1c9bb67 (Map recordings in partitions, on all processors or a Dask cluster)
+from typing import Any, Optional, SupportsFloat, Union
 
 from ._errors import ProgramError
 from ._places import program_path

@@ -17,6 +17,7 @@ import dataclasses
 import os
 from typing import Any, Dict, List, Optional, Sequence, Tuple, Union
 
+from .. import _program
 from .._errors import Error
 from ._cuts import Cut, cuts_in, cuts_of, usual_size
 from ._index import cameras_in
@@ -96,7 +97,7 @@ def words_of(settings: Dict[str, Any]) -> List[str]:
             words.append(option)
         elif value is not None and value is not False:
             values = value if isinstance(value, (list, tuple)) else [value]
-            words += [option, *(os.fspath(v) if isinstance(v, os.PathLike) else str(v) for v in values)]
+            words += [option, *map(_program.words_of, values)]
     return words
 
 
