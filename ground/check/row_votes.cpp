@@ -8,21 +8,23 @@ namespace {
 // What many planes explain as well is explained by the one that asks for least.
 constexpr double reluctance = 1e-4;  // share of the picture per row
 
-uint32_t partAt(const LookPair& pair, uint32_t x, uint32_t y) {
-  const auto down = static_cast<uint32_t>(uint64_t{y} * partsDown / pair.height);
-  return down * partsAcross + static_cast<uint32_t>(uint64_t{x} * partsAcross / pair.width);
+// Where a part begins of a side that is cut into so many.
+uint32_t beginOf(uint32_t part, uint32_t parts, uint32_t side) { return (part * side + parts - 1) / parts; }
+
+float densityIn(const LookPair& pair, uint32_t left, uint32_t right, uint32_t top, uint32_t bottom) {
+  uint32_t matched = 0;
+  for (uint32_t y = top; y < bottom; ++y)
+    for (uint32_t x = left; x < right; ++x) matched += pair.disparity[size_t{y} * pair.width + x] != 0;
+  return static_cast<float>(matched) / static_cast<float>((right - left) * (bottom - top));
 }
 
 void takeDensities(const LookPair& pair, float (&share)[partCount]) {
-  uint32_t matched[partCount] = {}, pixels[partCount] = {};
-  for (uint32_t y = 0; y < pair.height; ++y)
-    for (uint32_t x = 0; x < pair.width; ++x) {
-      const uint32_t part = partAt(pair, x, y);
-      matched[part] += pair.disparity[size_t{y} * pair.width + x] != 0;
-      ++pixels[part];
-    }
-  for (uint32_t part = 0; part < partCount; ++part)
-    share[part] = static_cast<float>(matched[part]) / static_cast<float>(pixels[part]);
+  for (uint32_t part = 0; part < partCount; ++part) {
+    const uint32_t column = part % partsAcross, row = part / partsAcross;
+    share[part] =
+        densityIn(pair, beginOf(column, partsAcross, pair.width), beginOf(column + 1, partsAcross, pair.width),
+                  beginOf(row, partsDown, pair.height), beginOf(row + 1, partsDown, pair.height));
+  }
 }
 
 Place placeOfPart(uint32_t part, double aspect) {

@@ -195,6 +195,14 @@ TEST(Checker, BlurAndNoiseAreWhatWasAdded) {
   EXPECT_GT(c.texture_left, 100);
 }
 
+TEST(Checker, NoiseAloneHasNoBlur) {
+  const lab::Intensities wall(width, height, uint16_t{1700});
+  const NadirCheckup c = checkup({lab::noisy(wall, 20, 1), lab::noisy(wall, 20, 2)});
+  EXPECT_TRUE(std::isnan(c.blur_left_px) && std::isnan(c.blur_right_px));
+  EXPECT_NEAR(c.noise_left, 20, 2);
+  EXPECT_LT(c.texture_right, 8);
+}
+
 TEST(Checker, DisparitiesAskForARange) {
   const NadirCheckup c = checkup(good());
   EXPECT_GT(c.least_disparity_px, 8);

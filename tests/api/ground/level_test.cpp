@@ -208,11 +208,15 @@ TEST(Level, APairWithoutFloorChangesNothing) {
   lab::Random random(1);
   noise.left.pixels = random.values<uint16_t>(noise.left.pixels.size(), 4000);
   noise.right.pixels = random.values<uint16_t>(noise.right.pixels.size(), 4000);
-  EXPECT_EQ(bench.add(noise), NADIR_NOTHING_FOUND);
-  const NadirLevelled after = bench.read();
-  EXPECT_EQ(after.height_mm, before.height_mm);
-  EXPECT_EQ(after.pairs, 1u);
-  EXPECT_EQ(after.floor_share, 0);
+  Pair flat = usualFloor();
+  std::fill(flat.left.pixels.begin(), flat.left.pixels.end(), uint16_t{900});
+  for (const Pair& other : {noise, flat}) {
+    EXPECT_EQ(bench.add(other), NADIR_NOTHING_FOUND);
+    const NadirLevelled after = bench.read();
+    EXPECT_EQ(after.height_mm, before.height_mm);
+    EXPECT_EQ(after.pairs, 1u);
+    EXPECT_EQ(after.floor_share, 0);
+  }
 }
 
 // ---- what is no floor ----
