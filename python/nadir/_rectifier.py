@@ -4,6 +4,7 @@ from __future__ import annotations
 import ctypes
 import os
 import tempfile
+from dataclasses import replace
 from typing import Any, Mapping, Optional, Tuple
 
 import numpy as np
@@ -53,7 +54,7 @@ class Rectifier:
             raise ValueError("the camera has no lenses, and no calibration is given: nothing says how to rectify")
         with tempfile.TemporaryDirectory() as folder:
             path = os.path.join(folder, "camera.toml")
-            _mounted(camera).write(path)
+            mounted(camera).write(path)
             files = ["--calibration", *[checked_path(file) for file in calibration]] if calibration else []
             words = [f"--{name}={value}" for name, value in (("unit-mm", unit_mm), ("lens", lens)) if value is not None]
             told = _program.json("ground", "left", "right", "-o", "folder", "--no-regions", "--dry-run", "--camera", path,
@@ -82,7 +83,6 @@ class Rectifier:
         return first.process(left), second.process(right)
 
 
-def _mounted(camera: Camera) -> Camera:
+def mounted(camera: Camera) -> Camera:
     """Any mount will do where none is needed."""
-    from dataclasses import replace
     return replace(camera, height_mm=camera.height_mm or 1000.0, tilt_deg=camera.tilt_deg or 0.0)

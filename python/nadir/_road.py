@@ -7,7 +7,7 @@ import tempfile
 import threading
 from dataclasses import replace
 from functools import cached_property
-from typing import Any, List, Optional, Sequence, Tuple
+from typing import Any, List, NamedTuple, Optional, Sequence, Tuple
 
 import numpy as np
 
@@ -58,6 +58,14 @@ def area_records(areas: Sequence[Area]) -> Tuple[Any, List[Any]]:
     return (records.Area * len(entries))(*entries), corners
 
 
+class Prepared(NamedTuple):
+    """A frame as the library takes it, and the arrays that it leads to."""
+
+    record: records.Frame
+    arrays: Tuple[Any, ...]
+    given: Optional[arrays.AnyArray]
+
+
 class Road:
     """The road of a camera: from a pair of pictures to heights above the ground and what stands there.
 
@@ -92,23 +100,24 @@ class Road:
             camera, settings = replace(camera, areas=(*camera.areas, *checked_areas(areas))), {**settings, "areas": None}
         elif areas is not None:
             settings["areas"] = checked_path(areas)
+        self.camera = camera
         told = setup_of(camera, _setup.words_of(OPTIONS, settings))
         self.areas: Tuple[Area, ...] = tuple(area_of(area) for area in told["areas"])
-        self._camera = camera_record(told["camera"])
+        self._record = camera_record(told["camera"])
         self._settings = records.filled(records.Settings, told["settings"])
         self._rectifiers = told["rectifier"] and Rectifier.told(told["rectifier"])
-        self._handle = self._made()
-        self._lock = threading.RLock()
+        self.handle = self._made()
+        self.lock = threading.RLock()
 
     def _made(self) -> Handle:
         entries, _corners = area_records(self.areas)
         fault = records.sized(records.Fault)
-        return made("road", ctypes.byref(self._camera), ctypes.byref(self._settings), entries, len(entries), fault=fault)
+        return made("road", ctypes.byref(self._record), ctypes.byref(self._settings), entries, len(entries), fault=fault)
 
     @property
     def shape(self) -> Tuple[int, int]:
         """Of the rectified pictures: (height, width)."""
-        return self._camera.height_px, self._camera.width_px
+        return self._record.height_px, self._record.width_px
 
     def process(self, left: Any = None, right: Any = None, *, mask: Any = None, disparity: Any = None) -> Result:
         """Works on a frame.
@@ -122,6 +131,10 @@ class Road:
 
         Raises TypeError and ValueError for arrays of another type or shape, and Error where the library refuses them.
         """
+        return self.processed(self.prepared(left, right, mask, disparity))
+
+    def prepared(self, left: Any = None, right: Any = None, mask: Any = None, disparity: Any = None) -> Prepared:
+        """What a frame's arguments come to, for `processed`."""
         given = None if disparity is None else arrays.disparities_of(disparity, self.shape)
         masked = None if mask is None else arrays.mask_of(mask, self.shape)
         frame = records.sized(records.Frame)
@@ -132,13 +145,14 @@ class Road:
             frame = frame_of(arrays.of_shape("left", left, self.shape), right, masked)
         if given is not None:
             frame.disparity, frame.disparity_stride = arrays.address(given), given.strides[0]
-        return self._processed(frame, given)
+        return Prepared(frame, (left, right, masked), given)
 
-    def _processed(self, frame: records.Frame, given: Optional[arrays.AnyArray]) -> Result:
-        with self._lock:
-            memory = made("result", self._handle.pointer)
-            expect(ground().nadir_road_process(self._handle.pointer, ctypes.byref(frame), memory.pointer))
-        return Result(self, memory, given)
+    def processed(self, frame: Prepared) -> Result:
+        """Works on a frame that is prepared."""
+        with self.lock:
+            memory = made("result", self.handle.pointer)
+            expect(ground().nadir_road_process(self.handle.pointer, ctypes.byref(frame.record), memory.pointer))
+        return Result(self, memory, frame.given)
 
 
 class Result:
@@ -157,25 +171,25 @@ class Result:
     """
 
     def __init__(self, road: Road, memory: Handle, given: Optional[arrays.AnyArray]) -> None:
-        self._road, self._memory, self._given = road, memory, given
+        self._road, self.memory, self._given = road, memory, given
         self._found = records.sized(records.Findings)
         expect(ground().nadir_result_read(memory.pointer, ctypes.byref(self._found)))
 
     @cached_property
     def disparity_raw(self) -> Optional[arrays.Shorts]:
-        return arrays.lent(self._memory, self._found.disparity, "uint16") if self._found.disparity.data else None
+        return arrays.lent(self.memory, self._found.disparity, "uint16") if self._found.disparity.data else None
 
     @cached_property
     def elevation_raw(self) -> arrays.Shorts:
-        return arrays.lent(self._memory, self._found.heights, "uint16")
+        return arrays.lent(self.memory, self._found.heights, "uint16")
 
     @cached_property
     def point_counts(self) -> arrays.AnyArray:
-        return arrays.lent(self._memory, self._found.point_counts, "uint32")
+        return arrays.lent(self.memory, self._found.point_counts, "uint32")
 
     @cached_property
     def labels(self) -> Optional[arrays.Shorts]:
-        return arrays.lent(self._memory, self._found.labels, "uint16") if self._found.labels.data else None
+        return arrays.lent(self.memory, self._found.labels, "uint16") if self._found.labels.data else None
 
     @cached_property
     def disparity(self) -> arrays.Floats:
@@ -220,18 +234,18 @@ class Result:
         """The points of the frame, row by row, as a structured array of x_mm, y_mm, z_mm (float32, world),
         disparity_px (float32), column, row and cell (uint32; of the map, 2^32 - 1 beside it)."""
         points, count = np.empty(self._found.points, POINT), ctypes.c_size_t()
-        with self._road._lock:
-            expect(ground().nadir_road_points(self._road._handle.pointer, ctypes.byref(self._frame()),
-                                              self._memory.pointer, arrays.address(points), len(points),
+        with self._road.lock:
+            expect(ground().nadir_road_points(self._road.handle.pointer, ctypes.byref(self._frame()),
+                                              self.memory.pointer, arrays.address(points), len(points),
                                               ctypes.byref(count)))
         return points
 
     def ground_plane(self) -> Optional[findings.GroundPlane]:
         """The ground as the points show it, or None where a tenth of them do not agree on one."""
         plane = records.sized(records.GroundPlane)
-        with self._road._lock:
-            status = ground().nadir_road_ground_plane(self._road._handle.pointer, ctypes.byref(self._frame()),
-                                                      self._memory.pointer, ctypes.byref(plane))
+        with self._road.lock:
+            status = ground().nadir_road_ground_plane(self._road.handle.pointer, ctypes.byref(self._frame()),
+                                                      self.memory.pointer, ctypes.byref(plane))
         if status == NOTHING_FOUND:
             return None
         expect(status)

@@ -66,6 +66,8 @@ TEST_F(Setup, ADryRunTellsTheSettingsInForceAndWritesNothing) {
   EXPECT_EQ(setup["settings"]["min_area_m2"], 0.049999999999999996);  // two thirds of 30 cells, to the last bit
   EXPECT_EQ(setup["settings"]["check"], 1);
   EXPECT_EQ(setup["areas"][0]["name"], "door");
+  EXPECT_EQ(setup["track"]["average_frames"], 10);
+  EXPECT_EQ(setup["track"]["disparity_px"], 0.15);
   EXPECT_TRUE(setup["rectifier"].is_null());
   EXPECT_EQ(folder.names(), std::vector<std::string>{"c.toml"});
 }

@@ -173,8 +173,14 @@ void runOnSequence(const GroundOptions& options) {
   groundSequence(FrameSource(options.left, options.right, options.sideBySide, options.road.camera), road, sequence);
 }
 
+void printSetup(const GroundOptions& options) {
+  Json setup = setupJson(roadOf(options.road));
+  setup["track"] = setupJson(options.sequence.rule.track);
+  print(setup.dump(2) + "\n");
+}
+
 void run(const GroundOptions& options, bool sequenceAsked) {
-  if (options.dryRun) return print(setupJson(roadOf(options.road)).dump(2) + "\n");
+  if (options.dryRun) return printSetup(options);
   if (options.sideBySide && !options.right.empty())
     throw Error("with --side-by-side " + options.left + " holds both pictures of each pair: name no second one");
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
@@ -380,7 +386,8 @@ void addGroundCommand(CLI::App& app) {
   addMatchOptions(*command, options->road);
   addStrictOption(*command, options->strict);
   addJsonOption(*command, options->json, "of a pair it is summary.json");
-  addDryRunOption(*command, options->dryRun, "the camera, the settings, areas and rectifiers");
+  addDryRunOption(*command, options->dryRun,
+                  "the camera, the settings, areas, rectifiers and what tracks are made with");
   addWriteOption(*command, options->write);
   const std::function<bool()> sequenceAsked = addSequenceOptions(*command, *options);
   command->footer(

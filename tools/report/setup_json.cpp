@@ -90,6 +90,14 @@ Json setupJson(const NadirSettings& s) {
           {"dip_mm", s.dip_mm}};
 }
 
+Json setupJson(const NadirTrackSettings& s) {
+  return {{"average_frames", s.average_frames},
+          {"noise_mm", s.noise_mm},
+          {"acceleration_mm_per_s2", s.acceleration_mm_per_s2},
+          {"patience_s", s.patience_s},
+          {"disparity_px", s.disparity_px}};
+}
+
 Json setupJson(const Road& road) {
   std::vector<Area> areas;
   for (const WatchedArea& watched : road.areas) areas.push_back(watched.area);

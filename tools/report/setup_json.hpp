@@ -15,6 +15,8 @@ Json cameraFileJson(const std::string& path);
 // Members by their names in the library's records, words as the library's numbers.
 Json setupJson(const NadirSettings& settings);
 
+Json setupJson(const NadirTrackSettings& settings);
+
 // The camera, the settings, all areas, and what rectifiers are made of, null where pictures are rectified.
 Json setupJson(const Road& road);
 
