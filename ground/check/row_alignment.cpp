@@ -20,21 +20,21 @@ constexpr double enough = 0.75, better = 1.1;
 // A pair that is off by five rows at an edge settles after two rounds.
 constexpr int corrections = 3;
 
-void take(const RowAlignmentMemory& m, const Trial& trial, const uint16_t* left, const uint16_t* right,
-          LookPair& look) {
-  look = m.look;
-  look.first = trial.exchanged ? right : left;
-  look.reference = trial.exchanged ? left : right;
-  takeCodes(look);
+LookPair takePair(const RowAlignmentMemory& m, const Trial& trial, const uint16_t* left, const uint16_t* right) {
+  LookPair pair = m.look;
+  pair.first = trial.exchanged ? right : left;
+  pair.reference = trial.exchanged ? left : right;
+  takeCodes(pair);
+  return pair;
 }
 
-// The reference as the field moves it. Returns the number of errors that remain before the field is corrected.
-size_t look(const RowAlignmentMemory& m, const LookPair& pair, const Trial& trial, const RowField& field) {
+// Lists the errors that remain with the reference as the field moves it.
+size_t listErrors(const RowAlignmentMemory& m, const LookPair& pair, const Trial& trial, const RowField& field) {
   moveRows(pair.reference, pair.width, pair.height, field, m.moved);
   LookPair moved = pair;
   moved.reference = m.moved;
   takeCodes(moved);
-  nadir::ground::look(moved, 0, trial.columns);
+  look(moved, 0, trial.columns);
   return listErrors(moved, trial.columns, m.errors);
 }
 
@@ -49,7 +49,7 @@ void exchange(RowField& field, RowError* errors, size_t count) {
 
 // What a trial comes to: nothing needs to be voted for where nearly all is matched without.
 Vote outcome(const RowAlignmentMemory& m, const LookPair& pair, const Trial& trial, double& matched) {
-  ground::look(pair, 0, trial.columns);
+  look(pair, 0, trial.columns);
   matched = matchedShare(pair);
   return matched >= enough ? Vote{{}, matched} : vote(pair, trial.columns, *m.densities);
 }
@@ -58,8 +58,7 @@ Trial bestTrial(const RowAlignmentMemory& m, const uint16_t* left, const uint16_
   Trial best = trials[0];
   double most = 0;
   for (const Trial& trial : trials) {
-    LookPair pair;
-    take(m, trial, left, right, pair);
+    const LookPair pair = takePair(m, trial, left, right);
     double matched = 0;
     const Vote vote = outcome(m, pair, trial, matched);
     if (&trial == trials) result.matched = matched;
@@ -83,13 +82,12 @@ RowAlignmentMemory rowAlignmentMemory(Arena& arena, uint32_t width, uint32_t hei
 RowAlignment rowAlignment(RowAlignmentMemory& m, const uint16_t* left, const uint16_t* right) {
   RowAlignment result{};
   const Trial trial = bestTrial(m, left, right, result);
-  LookPair pair;
-  take(m, trial, left, right, pair);
+  const LookPair pair = takePair(m, trial, left, right);
   for (int i = 0; i < corrections; ++i) {
-    result.errors = look(m, pair, trial, result.field);
+    result.errors = listErrors(m, pair, trial, result.field);
     if (result.errors >= leastErrors) correct(result.field, m.errors, result.errors);
   }
-  result.errors = look(m, pair, trial, result.field);
+  result.errors = listErrors(m, pair, trial, result.field);
   result.matchedAligned = matchedShare(pair);
   if (trial.exchanged) exchange(result.field, m.errors, result.errors);
   return result;

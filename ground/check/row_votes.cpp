@@ -50,7 +50,7 @@ double shareOf(const RowField& plane, const Densities& densities, const Place (&
   return sum / partCount;
 }
 
-int32_t size(int32_t rows) { return rows < 0 ? -rows : rows; }
+int32_t absolute(int32_t rows) { return rows < 0 ? -rows : rows; }
 
 Vote elected(const Densities& densities, double aspect) {
   Place places[partCount];
@@ -63,7 +63,7 @@ Vote elected(const Densities& densities, double aspect) {
       for (int32_t down = -far; down <= far; ++down) {
         const RowField plane{{double(shift), double(across), double(down)}};
         const double share = shareOf(plane, densities, places);
-        const double score = share - reluctance * (size(shift) + size(across) + size(down));
+        const double score = share - reluctance * (absolute(shift) + absolute(across) + absolute(down));
         if (score > most) most = score, best = {plane, share};
       }
   return best;

@@ -98,8 +98,8 @@ typedef struct NadirCheckup {
 
 typedef struct NadirChecker NadirChecker;
 
-/* The bytes of a checker; 0 for a size that nadir_checker_create would refuse. About 7 bytes for a pixel and 20 for one
- * of the halved pictures. */
+/* The bytes of a checker; 0 for a size that nadir_checker_create would refuse. About 4 bytes for each pixel, 16 for
+ * each one of a halved picture, 300 for each column of that, and 264000 more. */
 NADIR_API size_t nadir_checker_bytes(uint32_t width_px, uint32_t height_px);
 
 /* Makes a checker for pictures of a size: sides of 64 to 65535 pixels and at most 2^25 pixels in all, else

@@ -70,10 +70,12 @@ NADIR_API void nadir_level_destroy(NadirLevel* level); /* null is accepted */
  * result  of a road with the camera's size and settings
  *
  * NADIR_NOTHING_FOUND where there is no floor: less than two fifths of what has a disparity lies on one plane, or what
- * does (a fifth at least) scatters about it as what only crosses it; something lies below it; or the parts of the
- * picture do not agree on it to a hundredth of its height and half a degree. The level is then as it was before, but
- * for nadir_level_taken and floor_share. NADIR_FOREIGN_RESULT for results of another road, NADIR_BAD_FRAME where a
- * picture is missing or where the bits or a stride are out of range. */
+ * does (18 in a hundred at least) scatters about it as what only crosses it; something lies below it; or the parts of
+ * the picture do not agree on it to a hundredth of its height and half a degree. The level is then as it was before,
+ * but for nadir_level_taken and floor_share. It stays as it was altogether where no frame was processed into the
+ * result, or one whose disparities were given and `frame` has none: NADIR_NOTHING_FOUND, too. NADIR_FOREIGN_RESULT for
+ * results of another size or with other settings, NADIR_BAD_FRAME where a picture is missing or where the bits or a
+ * stride are out of range. */
 NADIR_API NadirStatus nadir_level_add(NadirLevel* level, const NadirFrame* frame, const NadirResult* result);
 
 /* Says what all pairs so far tell, the more certain ones more. Where they differ by more than their deviations, the

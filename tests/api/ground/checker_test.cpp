@@ -374,6 +374,18 @@ TEST(Checker, VerdictsHaveNames) {
   EXPECT_EQ(nadir_verdict_advice(NADIR_VERDICTS), nullptr);
 }
 
+TEST(Checker, BytesAreAboutWhatTheHeaderSays) {
+  struct Case {
+    double width, height, halved;  // each side, so often
+  };
+  for (const Case& c : {Case{64, 64, 1}, Case{640, 480, 2}, Case{3840, 2160, 8}, Case{65535, 64, 2}}) {
+    const double small = std::floor(c.width / c.halved);
+    const double said = 4 * c.width * c.height + 16 * small * (c.height / c.halved) + 300 * small + 264000;
+    const auto bytes = static_cast<double>(nadir_checker_bytes(uint32_t(c.width), uint32_t(c.height)));
+    EXPECT_NEAR(bytes, said, 0.03 * said) << c.width;
+  }
+}
+
 TEST(Checker, SizesThatAreRefused) {
   struct Case {
     uint32_t width, height;
