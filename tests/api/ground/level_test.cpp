@@ -2,6 +2,7 @@
 #include <nadir/level.h>
 
 #include <algorithm>
+#include <complex>
 #include <map>
 
 #include "lab/road.hpp"
@@ -307,11 +308,13 @@ struct Waves {
     pair.camera.width_px = width;
     pair.camera.height_px = height;
     pair.camera.principal_y_px = 159.5;
-    for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t y = 0; y < height; ++y) {
+      const std::vector<double> left = row(0, y), right = row(at(y), y);
       for (uint32_t x = 0; x < width; ++x) {
-        pair.left.pixels.push_back(pixel(x, y, noise * random.between(-100, 100) / 100));
-        pair.right.pixels.push_back(pixel(x + at(y), y, noise * random.between(-100, 100) / 100));
+        pair.left.pixels.push_back(static_cast<uint16_t>(left[x] + noise * random.between(-100, 100) / 100));
+        pair.right.pixels.push_back(static_cast<uint16_t>(right[x] + noise * random.between(-100, 100) / 100));
       }
+    }
     pair.left.width = pair.right.width = width;
     pair.left.height = pair.right.height = height;
   }
@@ -335,10 +338,15 @@ struct Waves {
   Pair pair{};
 
  private:
-  uint16_t pixel(double x, uint32_t y, double noise) const {
-    double sum = 2000 + noise;
-    for (const double(&wave)[3] : waves_) sum += 90 * std::sin(wave[0] * x + wave[1] * y + wave[2]);
-    return static_cast<uint16_t>(sum);
+  // Pixels from `begin` on. Each wave is turned from pixel to pixel, which is faster than a sine of each.
+  std::vector<double> row(double begin, uint32_t y) const {
+    std::vector<double> pixels(width, 2000);
+    for (const double(&wave)[3] : waves_) {
+      const std::complex<double> turn = std::polar(1.0, wave[0]);
+      std::complex<double> at = std::polar(90.0, wave[0] * begin + wave[1] * y + wave[2]);
+      for (double& pixel : pixels) pixel += at.imag(), at *= turn;
+    }
+    return pixels;
   }
 
   double perRow_, first_;

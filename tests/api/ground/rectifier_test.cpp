@@ -88,9 +88,10 @@ double modelledReach(const NadirLens& lens, double r) {
 
 // The first r at which the distance from the axis does not grow any more.
 double modelledTurn(const NadirLens& lens) {
-  constexpr double step = 1e-5;
-  double r = step;
-  while (modelledReach(lens, r + step) > modelledReach(lens, r)) r += step;
+  const auto grows = [&lens](double r) { return modelledReach(lens, r + 1e-6) > modelledReach(lens, r); };
+  double step = 1e-3, r = step;
+  while (grows(r)) r += step;
+  for (; step > 1e-6; step /= 2) r += grows(r) ? step : -step;
   return r;
 }
 
