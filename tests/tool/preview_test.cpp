@@ -140,6 +140,33 @@ TEST_F(PreviewCommand, IntensitiesAreStretched) {
   }
 }
 
+TEST_F(PreviewCommand, NumbersComeAsTheyAreRead) {
+  const auto numbers = [&](const std::string& file) {
+    EXPECT_EQ(folder.run({"preview", file, "-o", "n.npy"}).status, 0);
+    const Bytes npy = readFile(folder.path("n.npy"));
+    EXPECT_EQ((npy.find('\n') + 1) % 64, 0u);
+    return std::pair<Bytes, Bytes>(npy.substr(10, 15), npy.substr(npy.find('\n') + 1));
+  };
+  const auto is = [](const std::string& type, const std::string& bytes) {
+    return std::pair<Bytes, Bytes>(Bytes("{'descr': '" + type + "'"), Bytes(bytes));
+  };
+  write("8.png", picture(2, 2, 8, {0, 2, 3, 255}));
+  EXPECT_EQ(numbers("8.png"), is("|u1", "\x01\x02\x03\xff"));
+  write("16.png", picture(2, 1, 16, {0, 0x1234}));
+  EXPECT_EQ(numbers("16.png"), is("<u2", std::string("\0\0\x34\x12", 4)));
+  write("regions.png", map("region", {0, 1, 1, 2, 0, 1, 3, 0x102}));
+  EXPECT_EQ(numbers("regions.png"), is("<u2", std::string("\0\0\1\0\1\0\2\0\0\0\1\0\3\0\2\1", 16)));
+  const std::string none("\0\0\xc0\x7f", 4), one("\0\0\x80\x3f", 4);
+  write("disparities.png", withTexts(picture(2, 1, 16, {0, 16}), {{"nadir:scale", "16"}}));
+  EXPECT_EQ(numbers("disparities.png"), is("<f4", none + one));
+  write("map.png", map("mm", {0, 1, 1, 1, 1, 1, 1, 1}));
+  EXPECT_EQ(numbers("map.png"), is("<f4", none + one + one + one + one + one + one + one));
+  Picture colours = picture(2, 1, 8, {90, 90, 90, 7, 7, 7});
+  colours.channels = 3;
+  write("colours.png", colours);
+  EXPECT_EQ(numbers("colours.png"), is("|u1", "\x5a\x07"));
+}
+
 TEST_F(PreviewCommand, WhatDoesNotFitIsRefused) {
   Picture colours = picture(2, 2, 8, std::vector<uint16_t>(12, 90));
   colours.channels = 3;
@@ -155,6 +182,9 @@ TEST_F(PreviewCommand, WhatDoesNotFitIsRefused) {
   write("r.png", mapPicture("region", {1, 2, 3, 4, 5, 6, 7, 8}));
   expectRefused("r.png", {"--range", "1", "2"},
                 "--range is for measurements, but r.png holds a map of regions: leave it out");
+  const Outcome outcome = folder.run({"preview", "m.png", "--range", "1", "2", "-o", "m.npy"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "nadir: --range is for colours, but m.npy receives numbers: leave it out\n");
 }
 
 }  // namespace

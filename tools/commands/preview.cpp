@@ -1,5 +1,7 @@
-// nadir preview: what a picture holds, disparities, heights, regions or intensities, where people can see it.
+// nadir preview: what a picture holds, disparities, heights, regions or intensities, where people can see it or as
+// numbers.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -11,7 +13,9 @@
 #include "tools/draw/disparity_plot.hpp"
 #include "tools/draw/plot.hpp"
 #include "tools/files/output_files.hpp"
+#include "tools/pictures/arrays.hpp"
 #include "tools/pictures/chunks.hpp"
+#include "tools/pictures/formats.hpp"
 #include "tools/pictures/pictures.hpp"
 #include "tools/report/map_plot.hpp"
 #include "tools/report/region_plot.hpp"
@@ -62,27 +66,47 @@ Bytes intensityPreview(const PreviewOptions& options) {
 
 Bytes regionPreview(const PreviewOptions& options) { return encodeLabelMap(readLabels(options.input)); }
 
-// How a kind of picture is drawn.
+Bytes disparityNumbers(const PreviewOptions& options) {
+  return encodeNpy(readDisparity(options.input, options.scale, 16));
+}
+
+Bytes heightNumbers(const PreviewOptions& options) { return encodeNpy(readHeights(options.input).heights); }
+
+Bytes regionNumbers(const PreviewOptions& options) { return encodeNpy(readLabels(options.input).labels); }
+
+Bytes intensityNumbers(const PreviewOptions& options) {
+  const GreyPicture grey = readGrey(options.input);
+  if (grey.bits == 16) return encodeNpy(grey.pixels);
+  Grid<uint8_t> narrow(grey.pixels.width, grey.pixels.height);
+  std::transform(grey.pixels.pixels.begin(), grey.pixels.pixels.end(), narrow.pixels.begin(),
+                 [](uint16_t level) { return static_cast<uint8_t>(level); });
+  return encodeNpy(narrow);
+}
+
+// How a kind of picture is drawn, and written as numbers.
 struct Drawing {
   const char* what;  // it holds, in a sentence
   bool hasRange;
   Bytes (*draw)(const PreviewOptions&);
+  Bytes (*numbers)(const PreviewOptions&);
 };
 
 Drawing drawingOf(PictureKind kind) {
   switch (kind) {
-    case PictureKind::disparities: return {"disparities", true, disparityPreview};
-    case PictureKind::elevationMap: return {"an elevation map", true, mapPreview};
-    case PictureKind::heights: return {"heights", true, heightPreview};
-    case PictureKind::regionMap: return {"a map of regions", false, regionPreview};
-    default: return {"intensities", true, intensityPreview};
+    case PictureKind::disparities: return {"disparities", true, disparityPreview, disparityNumbers};
+    case PictureKind::elevationMap: return {"an elevation map", true, mapPreview, heightNumbers};
+    case PictureKind::heights: return {"heights", true, heightPreview, heightNumbers};
+    case PictureKind::regionMap: return {"a map of regions", false, regionPreview, regionNumbers};
+    default: return {"intensities", true, intensityPreview, intensityNumbers};
   }
 }
+
+bool numbersWanted(const PreviewOptions& options) { return endingOf(options.output) == ".npy"; }
 
 // Files from elsewhere do not say that they hold disparities; --scale does.
 PictureKind shownKind(const PreviewOptions& options) {
   const PictureKind own = pictureKind(options.input);
-  if (own == PictureKind::colours)
+  if (own == PictureKind::colours && !numbersWanted(options))
     throw Error(options.input +
                 " is in colours, which can be looked at as they are: nadir preview draws disparities, maps of heights "
                 "and regions, and grey pictures");
@@ -98,11 +122,13 @@ void run(const PreviewOptions& options) {
   if (options.scale > 0 && kind != PictureKind::disparities)
     throw Error(
         format("--scale is for disparities, but %s holds %s: leave it out", options.input.c_str(), drawing.what));
+  if (!options.range.empty() && numbersWanted(options))
+    throw Error("--range is for colours, but " + options.output + " receives numbers: leave it out");
   if (!options.range.empty() && !drawing.hasRange)
     throw Error(
         format("--range is for measurements, but %s holds %s: leave it out", options.input.c_str(), drawing.what));
   OutputFiles files({options.input});
-  files.write(options.output, drawing.draw(options));
+  files.write(options.output, numbersWanted(options) ? drawing.numbers(options) : drawing.draw(options));
   files.commit();
   print(format("wrote %s: %s\n", options.output.c_str(), drawing.what));
 }
@@ -120,9 +146,13 @@ void addPreviewCommand(CLI::App& app) {
                    "Grey picture; its own texts tell what it holds, and one without any holds intensities, or "
                    "disparities where --scale is given")
       ->required();
-  command->add_option("-o,--output", options->output, "PNG that receives the preview")
+  command
+      ->add_option(
+          "-o,--output", options->output,
+          "PNG that receives the preview; or NPY that receives the numbers: pixels and mm (nan where there is none), "
+          "numbers of regions, intensities of 8 or 16 bits")
       ->required()
-      ->check(endingIn({".png"}))
+      ->check(endingIn({".png", ".npy"}))
       ->type_name("FILE");
   command
       ->add_option("--range", options->range,
@@ -135,7 +165,8 @@ void addPreviewCommand(CLI::App& app) {
   command->footer(
       "Examples, the truth in the colours of a result, and a map:\n"
       "  nadir preview disparity_gt.png --scale 256 --range 6 52 -o truth.preview.png\n"
-      "  nadir preview result/elevation.png -o map.png");
+      "  nadir preview result/elevation.png -o map.png\n"
+      "  nadir preview left.jpg -o left.npy");
   command->callback([options] { run(*options); });
 }
 

@@ -1,4 +1,4 @@
-// Floating-point numbers of a picture as files that other programs read: PFM and NumPy's NPY.
+// The numbers of a picture as files that other programs read: PFM and NumPy's NPY.
 #pragma once
 
 #include "lab/grid.hpp"
@@ -15,5 +15,7 @@ Bytes encodePfm(const Grid<float>& numbers);
 // Version 1.0, little endian, rows from the top down; NaN where there is no value
 // (https://numpy.org/doc/stable/reference/generated/numpy.lib.format.html).
 Bytes encodeNpy(const Grid<float>& numbers);
+Bytes encodeNpy(const Grid<uint16_t>& numbers);
+Bytes encodeNpy(const Grid<uint8_t>& numbers);
 
 }  // namespace nadir::tool
