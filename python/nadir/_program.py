@@ -24,8 +24,8 @@ def words_of(argument: Argument) -> str:
     return argument if isinstance(argument, str) else number_of(argument)
 
 
-def run(*arguments: Argument, folder: Optional[str] = None) -> str:
-    """What the program prints when it is run with these arguments, in `folder` (here).
+def told(*arguments: Argument, folder: Optional[str] = None) -> subprocess.CompletedProcess[str]:
+    """What the program says when it is run with these arguments, in `folder` (here).
 
     Raises ProgramError with the program's own sentence unless it ends with status 0.
     """
@@ -33,7 +33,12 @@ def run(*arguments: Argument, folder: Optional[str] = None) -> str:
                          encoding="utf-8", errors="replace", check=False, cwd=folder)
     if ran.returncode != 0:
         raise ProgramError(ran.stderr.strip() or f"nadir ended with status {ran.returncode}", ran.returncode, ran.stdout)
-    return ran.stdout
+    return ran
+
+
+def run(*arguments: Argument, folder: Optional[str] = None) -> str:
+    """What the program prints then."""
+    return told(*arguments, folder=folder).stdout
 
 
 def json(*arguments: Argument) -> Any:
