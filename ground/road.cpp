@@ -132,7 +132,9 @@ NadirStatus nadir_road_create(const NadirCamera* camera, const NadirSettings* se
   if (!camera || !settings || !road || (areaCount > 0 && !areas)) return told({NADIR_NULL_POINTER}, fault);
   *road = nullptr;
   if (const Judgement j = judged(*camera, *settings); j.status) return told(j, fault);
-  return told(made(*camera, *settings, areas, shapeOf(*camera, *settings, areaCount), *road), fault);
+  Shape shape = shapeOf(*camera, *settings, areaCount);
+  shape.settings = settingsHash(*settings);
+  return told(made(*camera, *settings, areas, shape, *road), fault);
 }
 
 NadirStatus nadir_road_range(const NadirCamera* camera, const NadirSettings* settings, double tallestMm,

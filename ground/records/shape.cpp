@@ -43,6 +43,15 @@ Shape shapeOf(const NadirCamera& camera, const NadirSettings& settings, uint32_t
   return shape;
 }
 
+// FNV-1a over the record, which has no gaps.
+uint64_t settingsHash(const NadirSettings& settings) {
+  static_assert(sizeof(NadirSettings) == 10 * sizeof(uint32_t) + 6 * sizeof(double), "no byte is left to chance");
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&settings);
+  uint64_t hash = 0xcbf29ce484222325U;
+  for (size_t i = 0; i < sizeof settings; ++i) hash = (hash ^ bytes[i]) * 0x100000001b3U;
+  return hash;
+}
+
 bool areEqual(const Shape& a, const Shape& b) { return std::memcmp(&a, &b, sizeof(Shape)) == 0; }
 
 }  // namespace nadir::ground

@@ -13,6 +13,7 @@ struct Shape {
   uint32_t areas;     // 0 where the road ends before them
   uint32_t regions;   // at most this many stand on a map
   uint32_t fillable;  // cells of the largest hole that is filled
+  uint64_t settings;  // their hash; a road sets it, to which nothing that was found with others is of use
 
   uint64_t pixels() const { return uint64_t{width} * height; }
   uint64_t cells() const { return uint64_t{mapWidth} * mapHeight; }
@@ -22,6 +23,8 @@ struct Shape {
 
 // Of a camera and settings that were found good.
 Shape shapeOf(const NadirCamera& camera, const NadirSettings& settings, uint32_t areaCount);
+
+uint64_t settingsHash(const NadirSettings& settings);
 
 bool areEqual(const Shape& a, const Shape& b);
 

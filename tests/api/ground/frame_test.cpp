@@ -662,6 +662,18 @@ TEST_F(RefusedFrames, ResultsOfOtherSettings) {
   EXPECT_EQ(nadir_road_process(road_.get(), &frame, other.get()), NADIR_FOREIGN_RESULT);
 }
 
+// What was matched with other settings is of no use to this road.
+TEST_F(RefusedFrames, ResultsOfOtherSettingsOfMatching) {
+  NadirSettings settings = defaultSettings(smallCamera());
+  settings.uniqueness += 1;
+  const Result other = makeResult(makeRoad(smallCamera(), settings));
+  const NadirFrame frame = frameOfPair(pair_);
+  EXPECT_EQ(nadir_road_process(road_.get(), &frame, other.get()), NADIR_FOREIGN_RESULT);
+  settings.uniqueness -= 1;
+  settings.percentile = 50;
+  EXPECT_EQ(nadir_road_process(makeRoad(smallCamera(), settings).get(), &frame, other.get()), NADIR_FOREIGN_RESULT);
+}
+
 TEST_F(RefusedFrames, ResultsOfAnotherNumberOfAreas) {
   const std::vector<int32_t> corners = {-100, -100, 100, -100, 0, 100};
   const Result other = makeResult(makeRoad(smallCamera(), defaultSettings(smallCamera()), {areaOf(corners)}));
