@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "tests/tool/json.hpp"
+#include "tests/tool/schema.hpp"
 #include "tests/tool/tool.hpp"
 
 namespace nadir::test {
@@ -130,6 +130,23 @@ TEST_F(Plan, NumbersAndTheirCameraFileGiveTheSame) {
   const std::string drawing = readFile(folder.path("p/plan.svg"));
   EXPECT_EQ(drawing.rfind("<svg ", 0), 0u);
   EXPECT_NE(drawing.find("From above"), std::string::npos);
+}
+
+// A ground that ends with the pictures, one that reaches the horizon, and things that are nowhere measured.
+TEST_F(Plan, ItsJsonFitsTheSchema) {
+  std::vector<std::string> numbers = {"--focal", "500", "--baseline", "120", "--height", "3000"};
+  const std::vector<std::string> further = {"--tilt", "-30", "--tilt", "-80", "--tilt", "0"};
+  std::vector<Json> plans;
+  for (size_t i = 0; i < further.size(); i += 2) {
+    std::vector<std::string> arguments = numbers;
+    arguments.insert(arguments.end(), {further[i], further[i + 1], "--tallest", i == 4 ? "2999" : "2000"});
+    plans.push_back(planned(arguments));
+  }
+  EXPECT_TRUE(plans[1]["ground"]["reaches_horizon"].get<bool>());
+  EXPECT_TRUE(plans[2]["tallest_from_mm"].is_null());
+  plans.push_back(extended(plans[0]));
+  for (const std::string& mistake : mistakes(NADIR_PLAN_SCHEMA, plans)) EXPECT_EQ(mistake, "");
+  expectMisfits(NADIR_PLAN_SCHEMA, spoilt(plans[0]));
 }
 
 TEST_F(Plan, WhatCannotBePlannedIsRefused) {

@@ -130,7 +130,7 @@ void addPlanCommand(CLI::App& app) {
   camera->excludes(see)->excludes(command->get_option("--height"))->excludes(command->get_option("--size"));
   addNumber(*command, "--tallest", options->tallestMm, numberFrom(0, 65534),
             "Height of the tallest things, {range} (default: {default})", "MM");
-  addJsonOption(*command, options->json, "docs/plan.md lists its members");
+  addJsonOption(*command, options->json, "docs/plan.schema.json describes it");
   command
       ->add_option(
           "-o,--output", options->folder,
