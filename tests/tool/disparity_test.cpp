@@ -288,6 +288,18 @@ TEST_F(Disparity, MaskedPixelsHaveNoValueOnTheWantedGrid) {
     }
 }
 
+TEST_F(Disparity, BothPicturesMayStandSideBySide) {
+  Picture both = picture(2 * width, height, 16, {});
+  for (uint32_t y = 0; y < height; ++y)
+    for (uint32_t x = 0; x < 2 * width; ++x) both.samples.push_back(x < width ? left.at(x, y) : right.at(x - width, y));
+  writePng(folder.path("both.png"), both);
+  const Outcome outcome = folder.run({"disparity", "both.png", "--side-by-side", "-o", "b.png"});
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(readPng(folder.path("b.png")).samples, disparity({}));
+  EXPECT_EQ(folder.run({"disparity", "both.png", "-o", "b.png"}).err,
+            "nadir: a right picture is needed beside both.png, or --side-by-side where it holds both\n");
+}
+
 TEST_F(Disparity, HigherUniquenessRejectsMore) {
   double last = 101;
   for (const char* uniqueness : {"0", "64", "128"}) {

@@ -3,11 +3,15 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 
+#include "tests/tool/schema.hpp"
 #include "tests/tool/tool.hpp"
 
 namespace nadir::test {
 namespace {
+
+namespace fs = std::filesystem;
 
 // The rectified principal points lie 2 columns right and 1 row below the lenses': a pixel comes from there.
 const char* const moved =
@@ -201,6 +205,96 @@ TEST_F(Rectify, SequencesAreRectifiedFrameByFrameAndResumedWithTheSameCalibratio
   EXPECT_EQ(readPng(folder.path("s/elevation/l2.png")).samples, readPng(folder.path("g/elevation.png")).samples);
   EXPECT_NE(run({"--resume"}).err.find("calibration is"), std::string::npos);
   EXPECT_EQ(run({"--calibration", "c.yml", "--resume"}).status, 0);
+}
+
+// Where the rectified picture shows nothing, the matcher is to know: in 8 bits 0 is black unless a file says otherwise.
+TEST_F(Rectify, WhatHasNoDataIn8BitsIsNoneForOtherCommands) {
+  make(8);
+  ASSERT_EQ(rectify({}).status, 0);
+  EXPECT_EQ(readPng(folder.path("out/left.png")).text.at("nadir:no-value"), "0");
+  ASSERT_EQ(rectify({}).status, 0);
+  ASSERT_EQ(folder.run({"rectify", "out/left.png", "out/right.png", "--calibration", "c.yml", "-o", "twice"}).status,
+            0);
+  const Picture once = readPng(folder.path("out/left.png")), twice = readPng(folder.path("twice/left.png"));
+  EXPECT_EQ(once.at(3, 0), 0);
+  EXPECT_EQ(twice.at(5, 1), 0) << "moved, and not black";
+  EXPECT_EQ(twice.at(10, 5), once.at(8, 4));
+}
+
+TEST_F(Rectify, FoldersGlobsAndPatternsAreRectifiedFrameByFrame) {
+  make(16);
+  ASSERT_EQ(rectify({"--unit-mm", "1", "--height-mm", "1200", "--tilt-deg", "-35"}).status, 0);
+  for (const char* camera : {"cam0", "cam1"}) {
+    fs::create_directory(folder.path(camera));
+    for (const char* frame : {"1", "2"}) writePng(folder.path(std::string(camera) + "/f" + frame + ".png"), ramp(16));
+  }
+  const auto run = [this](const std::string& left, const std::string& right, const std::string& out) {
+    return folder.run({"rectify", left, right, "--calibration", "c.yml", "-o", out}).status;
+  };
+  ASSERT_EQ(run("cam0", "cam1", "a"), 0);
+  ASSERT_EQ(run("cam0/*.png", "cam1/*.png", "b"), 0);
+  ASSERT_EQ(run("cam0/f%d.png", "cam1/f%d.png", "c"), 0);
+  const Bytes expected = readFile(folder.path("out/left.png"));
+  for (const char* frame : {"a/left/f1.png", "a/right/f2.png", "b/left/f2.png", "b/right/f1.png", "c/left/f1.png"})
+    EXPECT_EQ(readFile(folder.path(frame)), expected) << frame;
+  EXPECT_EQ(folder.run({"ground", "a", "--camera", "out/camera.toml", "-o", "g"}).status, 0) << "takes what was made";
+}
+
+TEST_F(Rectify, FramesAreNamedSoThatTheirNumbersAreFoundAgain) {
+  make(16);
+  for (const char* side : {"left", "right"}) writePng(folder.path(std::string("shot_07_") + side + ".png"), ramp(16));
+  ASSERT_EQ(folder.run({"rectify", "shot_*_left.png", "shot_*_right.png", "--calibration", "c.yml", "-o", "o"}).status,
+            0);
+  EXPECT_EQ(readPng(folder.path("o/left/7.png")).samples, readPng(folder.path("o/right/7.png")).samples);
+}
+
+TEST_F(Rectify, PicturesSideBySide) {
+  make(16);
+  ASSERT_EQ(rectify({}).status, 0);
+  Picture both = picture(80, 30, 16, {});
+  for (uint32_t y = 0; y < 30; ++y)
+    for (uint32_t x = 0; x < 80; ++x) both.samples.push_back(ramp(16).at(x % 40, y));
+  writePng(folder.path("both.png"), both);
+  ASSERT_EQ(folder.run({"rectify", "both.png", "--side-by-side", "--calibration", "c.yml", "-o", "o"}).status, 0);
+  for (const char* name : {"/left.png", "/right.png"})
+    EXPECT_EQ(readFile(folder.path(std::string("o") + name)), readFile(folder.path(std::string("out") + name)));
+  EXPECT_EQ(folder.run({"rectify", "both.png", "--calibration", "c.yml", "-o", "o"}).err,
+            "nadir: a right picture is needed beside both.png, or --side-by-side where it holds both\n");
+}
+
+TEST_F(Rectify, AFrameThatCannotBeUsedIsNamedAndLeftOut) {
+  make(16);
+  for (const char* camera : {"cam0", "cam1"}) {
+    fs::create_directory(folder.path(camera));
+    for (const char* frame : {"1", "2"}) writePng(folder.path(std::string(camera) + "/f" + frame + ".png"), ramp(16));
+  }
+  writeFile(folder.path("cam1/f2.png"), "no picture");
+  const Outcome outcome = folder.run({"rectify", "cam0", "cam1", "--calibration", "c.yml", "-o", "o"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_NE(outcome.err.find("frame cam0/f2.png is skipped: cannot use cam1/f2.png"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("1 of 2 frames were skipped\n"), std::string::npos) << outcome.err;
+  EXPECT_TRUE(fs::exists(folder.path("o/left/f1.png")));
+  EXPECT_FALSE(fs::exists(folder.path("o/left/f2.png")));
+}
+
+TEST_F(Rectify, ItsJsonAndThatOfAnImportFitTheSchema) {
+  make(16);
+  const Json pair = parseJson(rectify({"--json"}).out);
+  const Json file =
+      parseJson(folder.run({"camera", "import", "c.yml", "--unit-mm", "1", "--json", "-o", "c.toml"}).out);
+  Json more = extended(pair);
+  more["taken_from"].erase("surprise");  // its members are words
+  for (const std::string& mistake : mistakes(NADIR_IMPORT_SCHEMA, {pair, file, more})) EXPECT_EQ(mistake, "");
+  EXPECT_NEAR(pair["left_without_data_share"], 0.0825, 0.001);
+  EXPECT_EQ(pair["pairs"], 1);
+  EXPECT_EQ(pair["missing"], (Json{"baseline_mm", "height_mm", "tilt_deg"}));
+  EXPECT_EQ(file["taken"]["baseline_mm"], 120);
+  EXPECT_EQ(file["camera_file"], "c.toml");
+  Json good = pair;
+  for (const char* optional : {"pairs", "skipped", "left_without_data_share", "right_without_data_share"})
+    good.erase(optional);
+  good["taken"] = good["taken_from"] = Json::object();
+  expectMisfits(NADIR_IMPORT_SCHEMA, spoilt(good));
 }
 
 // ---- a real pair with lenses ----

@@ -139,6 +139,25 @@ void addForceOption(CLI::App& command, bool& force) {
   command.add_flag("--force", force, "Replace a camera file that was edited");
 }
 
+Json importJson(const ImportedCamera& imported, const Calibration* calibration, const std::string& path) {
+  Json taken = Json::object(), from = Json::object(), missing = Json::array();
+  for (const CameraKey& key : cameraKeys())
+    if (isKnown(imported.camera, key)) {
+      const double value = valueOf(imported.camera, key);
+      taken[key.name] = isCount(key) ? Json(static_cast<uint64_t>(value)) : Json(value);
+      from[key.name] = originOf(imported, key);
+    } else {
+      missing.push_back(key.name);
+    }
+  return {{"schema", 1},
+          {"camera_file", path},
+          {"taken", taken},
+          {"taken_from", from},
+          {"missing", missing},
+          {"remarks", calibration ? Json(calibration->remarks) : Json::array()},
+          {"unused", calibration ? Json(calibration->unused) : Json::array()}};
+}
+
 std::string importReport(const ImportedCamera& imported, const Calibration* calibration, const std::string& path) {
   Table table;
   table.heading("taken", "");

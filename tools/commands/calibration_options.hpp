@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/base/json_value.hpp"
 #include "tools/camera/rectification.hpp"
 #include "tools/files/output_files.hpp"
 
@@ -41,7 +42,8 @@ void checkImported(const Camera& camera, bool baselineMayBeUnknown);
 void writeCamera(const std::string& path, const Camera& camera, bool force, OutputFiles& files);
 void addForceOption(CLI::App& command, bool& force);
 
-// What was taken from where, and what is still missing.
+// What was taken from where, and what is still missing; for programs, then for people.
+Json importJson(const ImportedCamera& imported, const Calibration* calibration, const std::string& path);
 std::string importReport(const ImportedCamera& imported, const Calibration* calibration, const std::string& path);
 
 }  // namespace nadir::tool

@@ -17,7 +17,7 @@ struct CameraOptions {
   CalibrationOptions calibration;
   KeyOptions keys;
   std::string output;
-  bool force = false;
+  bool force = false, json = false;
 };
 
 PictureSize givenSize(const KeyOptions& keys) {
@@ -45,7 +45,9 @@ void run(const CameraOptions& options) {
   OutputFiles files(options.calibration.files);
   writeCamera(options.output, imported.camera, options.force, files);
   files.commit();
-  print(importReport(imported, calibration ? &*calibration : nullptr, options.output));
+  const Calibration* source = calibration ? &*calibration : nullptr;
+  print(options.json ? importJson(imported, source, options.output).dump(2) + "\n"
+                     : importReport(imported, source, options.output) + writtenLine(options.output));
 }
 
 struct ShowOptions {
@@ -77,6 +79,7 @@ void addImportCommand(CLI::App& camera) {
   command->add_option("-o,--output", options->output, "Camera file to write")->required()->type_name("FILE");
   addUnitAndLens(*command, options->calibration);
   addForceOption(*command, options->force);
+  addJsonOption(*command, options->json, "docs/import.schema.json describes it");
   options->keys.addTo(*command, false);
   command->footer(
       "Every key of the camera file is an option, too, and goes before what the calibration says. Examples:\n"

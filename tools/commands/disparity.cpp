@@ -31,7 +31,7 @@ namespace {
 
 struct DisparityOptions {
   std::string left, right, output, preview, mask;
-  bool noPreview = false, strict = false, json = false, dryRun = false;
+  bool sideBySide = false, noPreview = false, strict = false, json = false, dryRun = false;
   uint32_t scaleDown = 1;
   MatchOptions match;
   CalibrationOptions calibration;
@@ -45,7 +45,7 @@ void rectify(const CalibrationOptions& options, Pair& pair) {
 }
 
 Pair readInputs(const DisparityOptions& options, StageTimes& times) {
-  Pair pair = times.measure("reading", [&] { return readPair(options.left, options.right); });
+  Pair pair = times.measure("reading", [&] { return readFrame(options.left, options.right); });
   if (!options.calibration.files.empty()) times.measure("rectifying", [&] { rectify(options.calibration, pair); });
   return pair;
 }
@@ -133,6 +133,7 @@ std::string json(const Matching& result) {
 
 void run(DisparityOptions options) {
   if (options.dryRun) return print(setupJson(matchSettings(options.match)).dump(2) + "\n");
+  checkPairNames(options.left, options.right, options.sideBySide);
   StageTimes times;
   Pair pair = readInputs(options, times);
   if (options.scaleDown == automaticScaleDown) options.scaleDown = scaleDownForWidth(pair.left.width);
@@ -161,8 +162,8 @@ void addDisparityCommand(CLI::App& app) {
                    "taken as they are, best in the range of a 12-bit camera (0 to 4095), and 0 means no data; 8-bit "
                    "values are multiplied by 16, black included (it becomes 1)")
       ->required();
-  command->add_option("RIGHT", options->right, "Right picture of the same size; points in it lie further left")
-      ->required();
+  command->add_option("RIGHT", options->right, "Right picture of the same size; points in it lie further left");
+  addSideBySideOption(*command, options->sideBySide, "LEFT holds both pictures in one, left | right");
   command
       ->add_option("-o,--output", options->output,
                    "Receives the disparities: a 16-bit grey PNG of pixels x 16, 0 for none; or, by its ending, "

@@ -138,8 +138,7 @@ Road toldRoad(const RoadOptions& options) {
 }
 
 void runOnPair(const GroundOptions& options) {
-  if (options.right.empty() && !options.sideBySide)
-    throw Error("a right picture is needed beside " + options.left + ", or --side-by-side where it holds both");
+  checkPairNames(options.left, options.right, options.sideBySide);
   checkProducts(options);
   StageTimes times;
   const Road road = toldRoad(options.road);
@@ -181,8 +180,7 @@ void printSetup(const GroundOptions& options) {
 
 void run(const GroundOptions& options, bool sequenceAsked) {
   if (options.dryRun) return printSetup(options);
-  if (options.sideBySide && !options.right.empty())
-    throw Error("with --side-by-side " + options.left + " holds both pictures of each pair: name no second one");
+  if (options.sideBySide) checkPairNames(options.left, options.right, true);
   if (FrameSource::isSequence(options.left)) return runOnSequence(options);
   if (options.right.empty() && !std::filesystem::exists(options.left))
     throw Error("there is no file or folder " + options.left);
@@ -204,9 +202,9 @@ void addInputs(CLI::App& command, GroundOptions& options) {
   command.add_option("RIGHT", options.right,
                      "Right picture of the same size, or the folder, glob or pattern of the right ones: those with "
                      "the number of a left one");
-  command.add_flag("--side-by-side", options.sideBySide,
-                   "LEFT holds both pictures of a pair in one, left | right, or is a folder, a glob or a pattern of "
-                   "such");
+  addSideBySideOption(command, options.sideBySide,
+                      "LEFT holds both pictures of a pair in one, left | right, or is a folder, a glob or a pattern of "
+                      "such");
   command.add_option("--camera", options.road.camera, "Camera file; nadir camera import makes one")
       ->required()
       ->type_name("FILE");

@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/files/files.hpp"
 #include "tools/pictures/formats.hpp"
@@ -60,6 +61,17 @@ CLI::Validator endingIn(std::vector<std::string> endings) {
     return "\"" + name + "\" does not end as a file that can be written there: " + known;
   };
   return {mistake, ""};
+}
+
+CLI::Option* addSideBySideOption(CLI::App& command, bool& sideBySide, const char* help) {
+  return command.add_flag("--side-by-side", sideBySide, help);
+}
+
+void checkPairNames(const std::string& left, const std::string& right, bool sideBySide) {
+  if (sideBySide && !right.empty())
+    throw Error("with --side-by-side " + left + " holds both pictures of each pair: name no second one");
+  if (!sideBySide && right.empty())
+    throw Error("a right picture is needed beside " + left + ", or --side-by-side where it holds both");
 }
 
 CLI::Option* addUniquenessOption(CLI::App& command, std::optional<uint32_t>& uniqueness, const char* help) {

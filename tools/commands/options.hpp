@@ -72,6 +72,10 @@ CLI::Option* addJsonOption(CLI::App& command, bool& json, const std::string& rem
 // Nothing is read but what the settings need, and nothing is written.
 CLI::Option* addDryRunOption(CLI::App& command, bool& dryRun, const std::string& what);
 
+// --side-by-side, and who names pictures so that they cannot be a pair is told.
+CLI::Option* addSideBySideOption(CLI::App& command, bool& sideBySide, const char* help);
+void checkPairNames(const std::string& left, const std::string& right, bool sideBySide);
+
 CLI::Option* addStrictOption(CLI::App& command, bool& strict);
 
 // Sets the default, a thread for each processor, too.

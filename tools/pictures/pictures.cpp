@@ -69,11 +69,14 @@ Grid<uint16_t> scaledGrid(Raster raster, uint32_t factor, uint32_t least) {
   return grid;
 }
 
+// What 0 becomes: of 8 bits it is a measurement, unless the picture says of itself that it stands for none.
+uint32_t blackOf(const Raster& raster) { return raster.bits == 8 && raster.text.count(chunks::noValue) == 0 ? 1 : 0; }
+
 // Samples of 8 bits times `factor`.
 Grid<uint16_t> greyGrid(Raster raster, uint32_t factorOf8Bits) {
   if (raster.channels == 1 && raster.bits == 16) return gridOf(std::move(raster));
   const uint32_t factor = raster.bits == 8 ? factorOf8Bits : 1;
-  const uint32_t black = raster.bits == 8 ? 1 : 0;
+  const uint32_t black = blackOf(raster);
   if (raster.channels == 1) return scaledGrid(std::move(raster), factor, black);
   Grid<uint16_t> picture(raster.width, raster.height);
   const uint16_t* in = raster.samples.data();

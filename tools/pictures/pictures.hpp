@@ -16,8 +16,9 @@ using lab::Grid;
 
 // A picture for the matcher. 16-bit grey values stay as they are, 0 meaning "no data". 8-bit values are multiplied by
 // 16, because the matcher's penalties follow intensity steps of a 12-bit camera; their 0 becomes 1, since black is a
-// measurement there (and a border that is black all over is rejected for having no texture). Colours become luminance
-// with the weights of ITU-R BT.601.
+// measurement there (and a border that is black all over is rejected for having no texture), but in a PNG whose text
+// nadir:no-value says otherwise, as in those of nadir rectify. Colours become luminance with the weights of ITU-R
+// BT.601.
 Grid<uint16_t> readIntensity(const std::string& path);
 
 // A picture in its own depth; black of 8 bits becomes 1 there, too.

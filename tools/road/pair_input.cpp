@@ -25,8 +25,9 @@ void checkLeastSize(const Pair& pair) {
                               sizeText(smallestSide, smallestSide).c_str()));
 }
 
-Pair readSideBySide(const std::string& path) {
-  const Grid<uint16_t> both = readIntensity(path);
+}  // namespace
+
+Pair halvesOf(const Grid<uint16_t>& both, const std::string& path) {
   if (both.width % 2 != 0)
     throw UnusableFile(format("%s does not hold two pictures side by side: it has %u columns, an odd number",
                               path.c_str(), both.width));
@@ -34,8 +35,6 @@ Pair readSideBySide(const std::string& path) {
   checkLeastSize(pair);
   return pair;
 }
-
-}  // namespace
 
 Pair readPair(const std::string& left, const std::string& right) {
   const Pair pair{readIntensity(left), readIntensity(right)};
@@ -48,7 +47,7 @@ Pair readPair(const std::string& left, const std::string& right) {
 }
 
 Pair readFrame(const std::string& left, const std::string& right) {
-  return right.empty() ? readSideBySide(left) : readPair(left, right);
+  return right.empty() ? halvesOf(readIntensity(left), left) : readPair(left, right);
 }
 
 Grid<uint8_t> readMaskFor(const PictureSize& size, const std::string& path) {

@@ -22,6 +22,9 @@ Pair readPair(const std::string& left, const std::string& right);
 // The same, or where `right` is empty both from the left file, which holds them side by side.
 Pair readFrame(const std::string& left, const std::string& right);
 
+// Both halves of a picture that holds two side by side; the path is for messages.
+Pair halvesOf(const Grid<uint16_t>& both, const std::string& path);
+
 // Of pictures of this size. An empty path means no mask.
 Grid<uint8_t> readMaskFor(const PictureSize& size, const std::string& path);
 
