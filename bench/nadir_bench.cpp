@@ -34,6 +34,7 @@ Works worksOf(const lab::TexturedPair& pair) {
   addGroundWorks(road, pair);
   addRectifyWorks(road, pair);
   addCheckWorks(road, pair);
+  addLevelWorks(road, pair);
   return road;
 }
 

@@ -15,6 +15,7 @@ Works allWorks(const lab::TexturedPair& pair) {
   addGroundWorks(works, pair);
   addRectifyWorks(works, pair);
   addCheckWorks(works, pair);
+  addLevelWorks(works, pair);
   return works;
 }
 

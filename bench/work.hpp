@@ -27,6 +27,7 @@ void addStereoWorks(Works& works, const lab::TexturedPair& pair);
 void addGroundWorks(Works& works, const lab::TexturedPair& pair);
 void addRectifyWorks(Works& works, const lab::TexturedPair& pair);
 void addCheckWorks(Works& works, const lab::TexturedPair& pair);
+void addLevelWorks(Works& works, const lab::TexturedPair& pair);
 
 Works allWorks(const lab::TexturedPair& pair);
 

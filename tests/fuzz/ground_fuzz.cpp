@@ -1,6 +1,7 @@
 // Any numbers as the records of libnadirground, any bytes as its pictures and saved states: bad ones are refused, good
 // ones are worked on within the buffers, and what is found agrees with itself at every level.
 #include <nadir/ground.h>
+#include <nadir/level.h>
 
 #include <cstring>
 #include <memory>
@@ -247,6 +248,28 @@ void fuzzTracker(Input& in, const lab::Road& road) {
   nadir_tracker_destroy(tracker);
 }
 
+// Whatever was matched or given, there is a floor with numbers or none.
+void fuzzLevel(Input& in, const lab::Road& road, const NadirCamera& camera, Frame frame) {
+  NadirLevel* level = nullptr;
+  const bool can = nadir_level_bytes(road.road()) > 0;
+  expect("a level", can ? NADIR_OK : NADIR_BAD_SETTING, nadir_level_create(road.road(), &level));
+  if (!can) return;
+  fillPictures(in, camera, frame);
+  if (in.below(8) == 0) frame.record.left_stride = in.below(8);
+  const NadirStatus added = nadir_level_add(level, &frame.record, road.result());
+  expect("added", true, added == NADIR_OK || added == NADIR_NOTHING_FOUND || added == NADIR_BAD_FRAME);
+  NadirLevelled mount = lab::emptyRecord<NadirLevelled>();
+  expect("read", added == NADIR_OK ? NADIR_OK : NADIR_NOTHING_FOUND, nadir_level_read(level, &mount));
+  if (added == NADIR_OK) expect("a mount", true, mount.height_mm > 0 && mount.height_deviation_mm >= 0);
+  NadirPlane taken;
+  const NadirStatus shown = nadir_level_taken(level, &taken);
+  expect("taken", added == NADIR_BAD_FRAME ? NADIR_NOTHING_FOUND : NADIR_OK, shown);
+  const auto* marks = static_cast<const uint8_t*>(taken.data);
+  for (size_t i = 0; shown == NADIR_OK && i < size_t{taken.width} * taken.height; ++i)
+    expect("a mark", true, marks[i] <= NADIR_LEVEL_TAKEN);
+  nadir_level_destroy(level);
+}
+
 void fuzzRoad(Input& in) {
   const Areas areas = anyAreas(in);
   const lab::RoadPlan plan{anyCamera(in), anySettings(in), areas.records};
@@ -265,6 +288,7 @@ void fuzzRoad(Input& in) {
     const std::unique_ptr<Frame> frame = anyFrame(in, plan.camera);
     if (in.below(8) == 0) expectRefusal(in, road, *frame);
     expectSameEverywhere(road, plan, frame->record);
+    if (in.below(4) == 0) fuzzLevel(in, road, plan.camera, *frame);
   }
   fuzzTracker(in, road);
 }
@@ -302,6 +326,19 @@ void expectSameRectified(Input& in, const lab::Rectifier& rectifier, const Nadir
     setCpu(level);
     expect("rectified", true, want == rectifier.rectified(picture, lens.width_px));
   }
+}
+
+void fuzzViews(Input& in) {
+  const NadirLens left = anyLens(in), right = anyLens(in);
+  double rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1}, translation[3] = {-100, 0, 0}, baseline = 0;
+  for (uint32_t n = in.below(3); n > 0; --n) rotation[in.below(9)] = anyNumber(in, -1, 1);
+  for (uint32_t n = in.below(3); n > 0; --n) translation[in.below(3)] = anyNumber(in, -200, 200);
+  auto leftView = lab::emptyRecord<NadirRectifiedView>(), rightView = leftView;
+  NadirFault fault = lab::emptyRecord<NadirFault>();
+  const NadirStatus status =
+      nadir_rectified_views(&left, &right, rotation, translation, &leftView, &rightView, &baseline, &fault);
+  expect("views or a field", status == NADIR_OK, fault.field == nullptr);
+  expect("a baseline", true, status != NADIR_OK || baseline > 0);
 }
 
 void fuzzRectifier(Input& in) {
@@ -359,6 +396,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input in(data, size);
   fuzzRoad(in);
   fuzzRectifier(in);
+  fuzzViews(in);
   fuzzChecker(in);
   return 0;
 }
