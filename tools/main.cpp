@@ -117,11 +117,10 @@ void addCommonOptions(CLI::App& app) {
 
 // These speak of the other commands.
 void addCommandsAboutCommands(CLI::App& app) {
-  app.add_subcommand("help", "Explain a command, as its --help does: nadir help ground.")->set_help_flag();
+  app.add_subcommand("help", "Explain a command, as its --help does: nadir help ground.");
   app.add_subcommand("config",
                      "Print every option of a command with the value in force, as a file for --config: nadir config "
-                     "ground --for people.")
-      ->set_help_flag();
+                     "ground --for people.");
   CLI::App* command =
       app.add_subcommand("completion", "Print a script by which a shell completes commands and options.");
   command->add_option("SHELL", "bash, zsh or fish; the script's first line says where it belongs")
@@ -145,6 +144,7 @@ void askForSettings(CLI::App& app) {
 Arguments asked(CLI::App& app, Arguments arguments) {
   if (arguments.empty() || (arguments[0] != "help" && arguments[0] != "config")) return arguments;
   const bool forHelp = arguments[0] == "help";
+  if (arguments.size() == 2 && arguments[1] == "--help") return arguments;
   if (!forHelp && arguments.size() == 1) throw Error("name a command: nadir config ground", misused);
   arguments.erase(arguments.begin());
   if (forHelp) arguments.emplace_back("--help");
@@ -200,7 +200,8 @@ std::string placeInConfig(const std::string& sentence, const Configured& line) {
 }
 
 int answer(const CLI::App& app, const Configured& line, const CLI::ParseError& error) {
-  if (error.get_exit_code() == 0) {
+  const bool unknownCommand = !app.remaining(true).empty() && commandIn(app).get_require_subcommand_min() > 0;
+  if (error.get_exit_code() == 0 && !unknownCommand) {
     std::ostringstream text;
     app.exit(error, text, text);
     print(text.str());

@@ -45,6 +45,28 @@ TEST_F(Manners, HelpOfACommandIsItsHelp) {
   EXPECT_EQ(printed({"help"}), printed({"--help"}));
 }
 
+TEST_F(Manners, HelpOfWhatIsNoCommandIsAMistake) {
+  const std::string wrong = "nadir: there is no command \"gruond\"; did you mean ground?; see nadir --help\n";
+  EXPECT_EQ(mistake({"help", "gruond"}), wrong);
+  EXPECT_EQ(mistake({"gruond", "--help"}), wrong);
+}
+
+TEST_F(Manners, CommandsAboutCommandsHaveAHelp) {
+  for (const char* command : {"help", "config", "completion"})
+    EXPECT_EQ(printed({"help", command}), printed({command, "--help"})) << command;
+  EXPECT_NE(printed({"help", "config"}).find("nadir config ground --for people"), std::string::npos);
+}
+
+TEST_F(Manners, APictureIsNoText) {
+  makePair();
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"plan", "--camera", "left.png"},
+        {"camera", "import", "left.png", "-o", "c.toml"},
+        {"verify", "--config", "left.png"},
+        {"ground", "left.png", "right.png", "--camera", "camera.toml", "--areas", "left.png", "-o", "g"}})
+    EXPECT_EQ(mistake(command, 1), "nadir: cannot use left.png: it is no text file\n") << command[0];
+}
+
 TEST_F(Manners, ShortVersionIsTheVersion) { EXPECT_EQ(printed({"-V"}), printed({"--version"})); }
 
 TEST_F(Manners, NoLineOfAHelpsOptionsIsWiderThan100Columns) {

@@ -35,16 +35,16 @@ TEST(Options, AScaleOrToleranceIsAPositiveNumber) {
   for (const auto& [arguments, command] : options)
     for (const std::string text : {"nan", "inf", "-1", "0", "1e400", "many"})
       expectMisused(with(arguments, {text}),
-                    arguments.back() + ": " + text + " is not a number from 1e-06 to 1e+06; see " + command);
+                    arguments.back() + ": " + text + " is not a number from 1e-06 to 1000000; see " + command);
 }
 
 TEST(Options, ColoursHaveAFiniteRange) {
   const Arguments preview = {"preview", "d.png", "-o", "p.png", "--range"};
   expectMisused(with(preview, {"-inf", "inf"}),
-                "--range: -inf is not a number from -1e+06 to 1e+06; see nadir preview");
+                "--range: -inf is not a number from -1000000 to 1000000; see nadir preview");
   expectMisused(with(preview, {"1e300", "1e308"}),
-                "--range: 1e300 is not a number from -1e+06 to 1e+06; see nadir preview");
-  expectMisused(with(preview, {"0", "nan"}), "--range: nan is not a number from -1e+06 to 1e+06; see nadir preview");
+                "--range: 1e300 is not a number from -1000000 to 1000000; see nadir preview");
+  expectMisused(with(preview, {"0", "nan"}), "--range: nan is not a number from -1000000 to 1000000; see nadir preview");
 }
 
 TEST(Options, AWholeNumberHasDigitsAlone) {

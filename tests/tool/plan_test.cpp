@@ -154,6 +154,10 @@ TEST_F(Plan, WhatCannotBePlannedIsRefused) {
                 "--tallest 2700 is not below the camera, --height 2600; hang it higher");
   expectRefused({"plan", "--focal", "500", "--baseline", "0.1", "--height", "9000", "--tilt", "-30"}, 1,
                 "no ground is seen with 2 pixels of disparity: hang the cameras lower, or farther apart");
+  expectRefused({"plan", "--fov", "65", "--baseline", "120", "--height", "3000", "--tilt", "89.9"}, 1,
+                "with a tilt of 89.9 degrees the ground lies too far off for a map: turn the cameras down");
+  expectRefused({"plan", "--see", "1000000x1000000", "--height", "2600"}, 1,
+                "no camera at 2600 mm sees things of 2000 mm on 1000000 x 1000000 mm; hang it higher, or see less");
   expectRefused({"plan", "--focal", "500", "--height", "9000", "--tilt", "-30"}, 2,
                 "--baseline: is needed, or a camera file (--camera); see nadir plan --help");
   expectRefused({"plan", "--see", "3000", "--height", "2600"}, 2,

@@ -146,7 +146,7 @@ class Reader {
   std::vector<Area> areas_;
 };
 
-toml::table parseFile(const std::string& path) { return parseToml(readText(path), path); }
+toml::table parseFile(const std::string& path) { return parseToml(readTypedText(path), path); }
 
 }  // namespace
 

@@ -69,7 +69,7 @@ Calibration calibrationIn(const CalibrationItems& first, const CalibrationItems*
 
 }  // namespace
 
-CalibrationFile readCalibrationFile(const std::string& path) { return {path, readText(path)}; }
+CalibrationFile readCalibrationFile(const std::string& path) { return {path, readTypedText(path)}; }
 
 Calibration parsedCalibration(const std::vector<CalibrationFile>& files, const CalibrationOptions& options) {
   const CalibrationItems first = calibrationItems(files.at(0));

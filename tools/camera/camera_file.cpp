@@ -159,9 +159,9 @@ std::string mistakeIn(double value, const CameraKey& key) {
 
 Camera parseCamera(const std::string& text, const std::string& path) { return parsed(text, path, Mount::needed); }
 
-Camera readCamera(const std::string& path) { return parseCamera(readText(path), path); }
+Camera readCamera(const std::string& path) { return parseCamera(readTypedText(path), path); }
 
-Camera readCameraBeforeMount(const std::string& path) { return parsed(readText(path), path, Mount::mayLack); }
+Camera readCameraBeforeMount(const std::string& path) { return parsed(readTypedText(path), path, Mount::mayLack); }
 
 std::string cameraText(const Camera& camera) {
   std::string text =

@@ -158,7 +158,7 @@ Configured configured(const CLI::App& app, const Arguments& arguments) {
   const std::string path = fileNamed(arguments);
   if (path.empty()) return {arguments, {}};
   Reader reader(path, arguments);
-  reader.read(app, parseToml(readText(path), path), 0);
+  reader.read(app, parseToml(readTypedText(path), path), 0);
   Configured result = reader.end();
   result.arguments.insert(result.arguments.begin(), arguments.begin(), arguments.end());
   return result;

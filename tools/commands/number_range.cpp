@@ -8,7 +8,7 @@
 namespace nadir::tool {
 
 NumberRange numberFrom(double low, double high) {
-  const std::string words = format("%g to %g", low, high);
+  const std::string words = format("%.10g to %.10g", low, high);
   const auto mistake = [low, high, words](const std::string& text) {
     double number = 0;
     const bool decimal = text.find_first_not_of("0123456789+-.eE") == std::string::npos;

@@ -94,4 +94,10 @@ std::string readText(const std::string& path, size_t limit) {
   return std::string(bytes.begin(), bytes.end());
 }
 
+std::string readTypedText(const std::string& path) {
+  std::string text = readText(path);
+  if (text.find('\0') != std::string::npos) throw UnusableFile("cannot use " + path + ": it is no text file");
+  return text;
+}
+
 }  // namespace nadir::tool

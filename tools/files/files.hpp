@@ -28,4 +28,7 @@ FileDescriptor openedToRead(const std::string& path);
 Bytes readFile(const std::string& path, size_t limit = largestFile);
 std::string readText(const std::string& path, size_t limit = largestText);
 
+// The same of what somebody typed, or a program for people; throws where there are bytes that no such text has.
+std::string readTypedText(const std::string& path);
+
 }  // namespace nadir::tool

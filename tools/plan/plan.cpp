@@ -132,7 +132,11 @@ uint32_t rangeFor(const Camera& camera, double tallestMm) {
   NadirSettings settings;
   nadir_settings_fill(&settings, &record);
   uint32_t range = settings.range;
-  expect(nadir_road_range(&record, &settings, tallestMm, &range));
+  const NadirStatus status = nadir_road_range(&record, &settings, tallestMm, &range);
+  if (status == NADIR_BAD_CAMERA)
+    throw Error(format("with a tilt of %g degrees the ground lies too far off for a map: turn the cameras down",
+                       camera.tiltDeg));
+  expect(status);
   return range;
 }
 

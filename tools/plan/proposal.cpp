@@ -99,7 +99,7 @@ Candidate chosenFor(const Wish& wish) {
       if (candidate && (!nearest || candidate->coarseness < nearest->coarseness)) nearest = candidate;
     }
   if (!nearest)
-    throw Error(format("no camera at %g mm sees things of %g mm on %g x %g mm; hang it higher, or see less",
+    throw Error(format("no camera at %g mm sees things of %g mm on %.0f x %.0f mm; hang it higher, or see less",
                        wish.heightMm, wish.tallestMm, wish.widthMm, wish.depthMm));
   return *nearest;
 }
