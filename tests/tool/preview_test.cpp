@@ -154,12 +154,12 @@ TEST_F(PreviewCommand, NumbersComeAsTheyAreRead) {
   EXPECT_EQ(numbers("8.png"), is("|u1", "\x01\x02\x03\xff"));
   write("16.png", picture(2, 1, 16, {0, 0x1234}));
   EXPECT_EQ(numbers("16.png"), is("<u2", std::string("\0\0\x34\x12", 4)));
-  write("regions.png", map("region", {0, 1, 1, 2, 0, 1, 3, 0x102}));
+  write("regions.png", mapPicture("region", {0, 1, 1, 2, 0, 1, 3, 0x102}));
   EXPECT_EQ(numbers("regions.png"), is("<u2", std::string("\0\0\1\0\1\0\2\0\0\0\1\0\3\0\2\1", 16)));
   const std::string none("\0\0\xc0\x7f", 4), one("\0\0\x80\x3f", 4);
   write("disparities.png", withTexts(picture(2, 1, 16, {0, 16}), {{"nadir:scale", "16"}}));
   EXPECT_EQ(numbers("disparities.png"), is("<f4", none + one));
-  write("map.png", map("mm", {0, 1, 1, 1, 1, 1, 1, 1}));
+  write("map.png", mapPicture("mm", {0, 1, 1, 1, 1, 1, 1, 1}));
   EXPECT_EQ(numbers("map.png"), is("<f4", none + one + one + one + one + one + one + one));
   Picture colours = picture(2, 1, 8, {90, 90, 90, 7, 7, 7});
   colours.channels = 3;
