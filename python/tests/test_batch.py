@@ -1,4 +1,5 @@
 """Batches: whatever the cuts and whatever is killed, joined lines are those of the program's own run."""
+import concurrent.futures
 import contextlib
 import fcntl
 import filecmp
@@ -206,12 +207,14 @@ class OneMachine(Batches):
         self.whole("--no-maps")
         command = [sys.executable, "-m", "nadir.batch", "s", "--camera", "camera.toml", "-o", "b", "--partition", "7",
                    "--", "--areas", "areas.toml", "--average", "3", "--no-maps"]
-        for parts in (1, 3, 6):
-            batch = subprocess.Popen(command, start_new_session=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        for parts, kill in ((1, signal.SIGKILL), (3, signal.SIGINT), (6, signal.SIGKILL)):
+            batch = subprocess.Popen(command, start_new_session=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                     preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
             while batch.poll() is None and len(glob.glob("b/parts/*")) < parts:
                 time.sleep(0.01)
-            os.killpg(batch.pid, signal.SIGKILL)
+            os.killpg(batch.pid, kill)
             batch.communicate()
+            self.assertEqual(batch.returncode, 130 if kill == signal.SIGINT else -kill)
             self.assertLess(len(glob.glob("b/parts/*")), 9, "it was killed too late to tell anything")
         self.assertEqual(subprocess.run(command, check=False, capture_output=True).returncode, 0)
         self.assert_whole()
@@ -227,6 +230,22 @@ class OneMachine(Batches):
         self.run_batch(attempts=1)
         self.assertGreater(time.monotonic() - begun, 0.25)
         self.assert_whole()
+
+    def test_does_nothing_where_that_program_made_the_partition(self):
+        self.recording(3)
+        self.run_batch()
+        recording = _work.Recording(os.getcwd(), ("nowhere",), "camera.toml", "b", ())
+        cut, = _cuts.cuts_in("b/parts")
+        os.rename(os.path.join("b/parts", cut.name), os.path.join("b/working", cut.name))
+        other = os.open(os.path.join("b/working", cut.name), os.O_RDONLY)
+        fcntl.flock(other, fcntl.LOCK_EX)
+
+        def finish():
+            _work.give_name(recording, cut)
+            os.close(other)
+
+        threading.Timer(0.2, finish).start()
+        self.assertEqual(_work.work_on(recording, cut, _work.Patience(1, 0)), "")
 
     def test_a_fault_that_passes_is_tried_again(self):
         self.recording(6)
@@ -304,7 +323,35 @@ class Shell(Batches):
         self.assertIn("nowhere.toml", err)
 
 
+class LosesWorkers:
+    """A client whose first tasks are lost with their workers."""
+
+    def __init__(self, lost):
+        self.lost = lost
+
+    def nthreads(self):
+        return {"here": 1}
+
+    def get_executor(self, **_):
+        client = self
+
+        class Executor(concurrent.futures.ThreadPoolExecutor):
+            def submit(self, function, *arguments):
+                client.lost -= 1
+                return super().submit(*((os.stat, "nowhere") if client.lost >= 0 else (function, *arguments)))
+
+        return Executor(1)
+
+
 class Cluster(Batches):
+    def test_partitions_whose_workers_are_lost_are_tried_again_until_they_are_given_up(self):
+        self.recording(4)
+        self.whole()
+        with self.assertRaisesRegex(nadir.Error, "2 partitions were given up.*a worker was lost.*nowhere"):
+            self.run_batch(client=LosesWorkers(6), partition=2)
+        self.run_batch(client=LosesWorkers(4), partition=2)
+        self.assert_whole()
+
     def test_a_worker_that_is_killed_changes_nothing(self):
         import distributed
         self.recording(400)

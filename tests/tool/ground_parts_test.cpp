@@ -87,7 +87,7 @@ class GroundParts : public testing::Test {
   Folder folder;
 };
 
-// Those at 4 and 7 stand at borders, and an average that begins behind them has to reach back further.
+// Damaged frames stand before borders, so that averages that begin behind them have to reach back further.
 TEST_F(GroundParts, JoinedPartsAreTheWholeRunWhateverTheirSizes) {
   for (const int frame : {8, 9, 6, 4}) damage(frame);
   EXPECT_EQ(ground("whole").status, 3);

@@ -172,11 +172,11 @@ def joined(batch: Batch) -> Dict[str, Any]:
 
 
 def fate(task: "concurrent.futures.Future[str]") -> Tuple[str, bool]:
-    """Why a partition is not there, or ""; and whether that is because its worker was lost, again and again."""
+    """Why a partition is not there, or ""; and whether that is because its worker was lost."""
     try:
         return task.result(), False
     except Exception as error:  # whatever the client says of its cluster
-        return f"a worker was lost: {error!r}", True
+        return f"a worker was lost: {type(error).__name__}: {error}", True
 
 
 def work_through(executor: concurrent.futures.Executor, batches: List[Batch], patience: Patience, shown: bool) -> None:
@@ -195,11 +195,11 @@ def work_through(executor: concurrent.futures.Executor, batches: List[Batch], pa
                 if not reason:
                     progress.advance(cut.frames)
                 elif is_lost and attempt < patience.attempts:
-                    progress.say(f"{reason}; it is tried again")
+                    progress.say(f"{cut}: {reason}; they are tried again")
                     tasks[executor.submit(work_on, recording, cut, patience)] = (recording, cut, attempt + 1)
                 else:
-                    progress.say(f"given up: {reason}")
-                    given_up.append(reason)
+                    given_up.append(f"{cut}: {reason}")
+                    progress.say("given up: " + given_up[-1])
     finally:
         for task in tasks:
             task.cancel()

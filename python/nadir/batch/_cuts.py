@@ -18,6 +18,9 @@ class Cut:
     def frames(self) -> int:
         return self.end - self.begin
 
+    def __str__(self) -> str:
+        return f"frames {self.begin} to {self.end - 1}"
+
     @property
     def name(self) -> str:
         """Names in their order are cuts in theirs."""

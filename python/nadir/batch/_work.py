@@ -15,6 +15,7 @@ from ._cuts import Cut
 
 SKIPPED_FRAMES = 3  # the program's exit status where all is done, but not all of it can be relied on
 WRONG_USAGE = 2
+INTERRUPTED = 130
 
 
 @dataclasses.dataclass(frozen=True)
@@ -95,6 +96,8 @@ def work_once(recording: Recording, cut: Cut) -> None:
     working = os.path.join(recording.out, "working", cut.name)
     os.makedirs(recording.path("working", cut.name), exist_ok=True)
     wait_for_lock(recording.path("working", cut.name))
+    if os.path.isdir(recording.path("parts", cut.name)):  # whoever had the lock made it
+        return
     ended(recording, "-o", working, "--frames", f"{cut.begin}:{cut.end}")
     give_name(recording, cut)
 
@@ -102,7 +105,8 @@ def work_once(recording: Recording, cut: Cut) -> None:
 def work_on(recording: Recording, cut: Cut, patience: Patience) -> str:
     """Makes a partition. Returns why that was not possible, or "" where it is there.
 
-    What was done of it before, here or on another machine, stays.
+    What was done of it before, here or on another machine, stays. Raises InterruptedError where a signal has ended the
+    program: then this worker is about to end, too.
     """
     for attempt in range(patience.attempts):
         try:
@@ -110,8 +114,11 @@ def work_on(recording: Recording, cut: Cut, patience: Patience) -> str:
             return ""
         except (Error, OSError) as error:
             reason = str(error).strip().splitlines()[-1] if str(error).strip() else repr(error)
-            if getattr(error, "status", None) == WRONG_USAGE:
+            status = getattr(error, "status", None)
+            if status == INTERRUPTED:
+                raise InterruptedError(reason) from None
+            if status == WRONG_USAGE:
                 break
         if attempt + 1 < patience.attempts:
             patience.wait(attempt)
-    return f"frames {cut.begin} to {cut.end - 1}: {reason}"
+    return reason
