@@ -21,6 +21,7 @@ CALLS = {
     "nadir_road_create": (c_int32, POINTER(records.Camera), POINTER(records.Settings), POINTER(records.Area), c_uint32,
                           _NEW, _FAULT),
     "nadir_road_destroy": (None, _HANDLE),
+    "nadir_road_context": (c_int32, _HANDLE, c_void_p),
     "nadir_road_area": (c_int32, _HANDLE, c_uint32, POINTER(records.PlacedArea)),
     "nadir_result_create": (c_int32, _HANDLE, _NEW),
     "nadir_result_destroy": (None, _HANDLE),

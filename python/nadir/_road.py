@@ -119,6 +119,20 @@ class Road:
         """Of the rectified pictures: (height, width)."""
         return self._record.height_px, self._record.width_px
 
+    @cached_property
+    def map_corner_mm(self) -> Tuple[float, float]:
+        """World x and y where the map's first cell begins; docs/coordinates.md draws it."""
+        context = (ctypes.c_float * 27)()  # StereoCtx, whose lowerLeft lies behind 64 bytes
+        expect(ground().nadir_road_context(self.handle.pointer, context))
+        return context[16], context[17]
+
+    def area_outline_mm(self, index: int) -> arrays.AnyArray:
+        """The corners on the ground of one of `areas`: int32 (corners, 2), world x and y."""
+        placed = records.sized(records.PlacedArea)
+        expect(ground().nadir_road_area(self.handle.pointer, index, ctypes.byref(placed)))
+        corners = (ctypes.c_int32 * (2 * placed.corner_count)).from_address(placed.ground_mm)
+        return np.array(corners, np.int32).reshape(-1, 2)
+
     def process(self, left: Any = None, right: Any = None, *, mask: Any = None, disparity: Any = None) -> Result:
         """Works on a frame.
 
@@ -159,6 +173,7 @@ class Result:
     """What a frame gave. Its arrays lie in its own memory, cannot be written to, and keep it alive.
 
     Attributes:
+        road: whose it is.
         disparity_raw: uint16 (height, width), 1/16 pixel, 0 for none; None where disparities were given.
         elevation_raw: uint16 (map height, map width), mm above the ground, 0 for unseen.
         point_counts: uint32 (map height, map width), the points over each cell.
@@ -171,7 +186,7 @@ class Result:
     """
 
     def __init__(self, road: Road, memory: Handle, given: Optional[arrays.AnyArray]) -> None:
-        self._road, self.memory, self._given = road, memory, given
+        self.road, self.memory, self._given = road, memory, given
         self._found = records.sized(records.Findings)
         expect(ground().nadir_result_read(memory.pointer, ctypes.byref(self._found)))
 
@@ -210,7 +225,7 @@ class Result:
 
     @cached_property
     def areas(self) -> List[findings.Occupancy]:
-        return findings.areas_in(self._found, tuple(area.name for area in self._road.areas))
+        return findings.areas_in(self._found, tuple(area.name for area in self.road.areas))
 
     @cached_property
     def warnings(self) -> List[findings.Warning]:
@@ -234,8 +249,8 @@ class Result:
         """The points of the frame, row by row, as a structured array of x_mm, y_mm, z_mm (float32, world),
         disparity_px (float32), column, row and cell (uint32; of the map, 2^32 - 1 beside it)."""
         points, count = np.empty(self._found.points, POINT), ctypes.c_size_t()
-        with self._road.lock:
-            expect(ground().nadir_road_points(self._road.handle.pointer, ctypes.byref(self._frame()),
+        with self.road.lock:
+            expect(ground().nadir_road_points(self.road.handle.pointer, ctypes.byref(self._frame()),
                                               self.memory.pointer, arrays.address(points), len(points),
                                               ctypes.byref(count)))
         return points
@@ -243,8 +258,8 @@ class Result:
     def ground_plane(self) -> Optional[findings.GroundPlane]:
         """The ground as the points show it, or None where a tenth of them do not agree on one."""
         plane = records.sized(records.GroundPlane)
-        with self._road.lock:
-            status = ground().nadir_road_ground_plane(self._road.handle.pointer, ctypes.byref(self._frame()),
+        with self.road.lock:
+            status = ground().nadir_road_ground_plane(self.road.handle.pointer, ctypes.byref(self._frame()),
                                                       self.memory.pointer, ctypes.byref(plane))
         if status == NOTHING_FOUND:
             return None
