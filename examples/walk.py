@@ -45,7 +45,7 @@ nadir.plot.regions(result, axes=second).set_title("regions")
 figure.savefig(os.path.join(out, "regions.png"))
 
 # %% A walk: people go to and fro through areas of interest, ten frames a second
-frames, fps = 30, 10
+frames, fps = 24, 10
 walk = nadir.synth(os.path.join(out, "frames"), frames=frames, fps=fps, size=(160, 120), no_truth_pictures=True, resume=True)
 road = nadir.Road(walk.camera, areas=walk.path("areas.toml"))
 tracker = nadir.Tracker(road)
