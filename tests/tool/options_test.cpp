@@ -44,7 +44,8 @@ TEST(Options, ColoursHaveAFiniteRange) {
                 "--range: -inf is not a number from -1000000 to 1000000; see nadir preview");
   expectMisused(with(preview, {"1e300", "1e308"}),
                 "--range: 1e300 is not a number from -1000000 to 1000000; see nadir preview");
-  expectMisused(with(preview, {"0", "nan"}), "--range: nan is not a number from -1000000 to 1000000; see nadir preview");
+  expectMisused(with(preview, {"0", "nan"}),
+                "--range: nan is not a number from -1000000 to 1000000; see nadir preview");
 }
 
 TEST(Options, AWholeNumberHasDigitsAlone) {
