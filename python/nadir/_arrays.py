@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import os
-from typing import Any, Tuple
+from typing import Any, Set, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -16,20 +16,20 @@ AnyArray = npt.NDArray[Any]
 
 SIDES = (5, 65535)  # of a picture, pixels
 MOST_PIXELS = 2**25
+NONE = np.float32(np.nan)
 
 
-def checked(name: str, array: Any, types: Tuple[str, ...]) -> AnyArray:
-    """The argument as a two-dimensional array of one of the types, in this processor's order of bytes."""
-    if isinstance(array, (str, bytes, os.PathLike)):
-        raise TypeError(f"{name} is {type(array).__name__}, but must be an array: read the picture first")
-    if isinstance(array, np.ma.MaskedArray):
-        raise TypeError(f"{name} is a masked array, whose mask would be lost: fill it first")
-    try:
-        taken = np.asarray(array)
-    except ValueError as fault:
-        raise TypeError(f"{name} is {type(array).__name__}, which makes no array: {fault}") from fault
-    if taken.dtype.newbyteorder("=") not in [np.dtype(one) for one in types]:
-        raise TypeError(f"{name} is an array of {taken.dtype}, but must be of {' or '.join(types)}")
+# The types that are taken, in either order of bytes.
+PICTURES, MASKS, DISPARITIES = ({kind for one in types for kind in (np.dtype(one), np.dtype(one).newbyteorder("S"))}
+                                for types in (("uint8", "uint16"), ("uint8", "bool"), ("float32",)))
+
+
+def checked(name: str, array: Any, types: Set[np.dtype[Any]]) -> AnyArray:
+    """The argument as a two-dimensional array of one of the types."""
+    taken: AnyArray = array if type(array) is np.ndarray else made_array(name, array)
+    if taken.dtype not in types:
+        wanted = " or ".join(sorted({one.name for one in types}, key=lambda one: (len(one), one)))
+        raise TypeError(f"{name} is an array of {taken.dtype}, but must be of {wanted}")
     if taken.ndim != 2:
         raise ValueError(f"{name} has the shape {taken.shape}, but must have two dimensions: (height, width)")
     height, width = taken.shape
@@ -37,6 +37,18 @@ def checked(name: str, array: Any, types: Tuple[str, ...]) -> AnyArray:
         raise ValueError(f"{name} has the shape {taken.shape}, but each side must be {SIDES[0]} to {SIDES[1]}, "
                          f"and at most {MOST_PIXELS} pixels in all")
     return taken
+
+
+def made_array(name: str, array: Any) -> AnyArray:
+    """What numpy makes of something else."""
+    if isinstance(array, (str, bytes, os.PathLike)):
+        raise TypeError(f"{name} is {type(array).__name__}, but must be an array: read the picture first")
+    if isinstance(array, np.ma.MaskedArray):
+        raise TypeError(f"{name} is a masked array, whose mask would be lost: fill it first")
+    try:
+        return np.asarray(array)
+    except ValueError as fault:
+        raise TypeError(f"{name} is {type(array).__name__}, which makes no array: {fault}") from fault
 
 
 def in_rows(array: AnyArray) -> AnyArray:
@@ -48,7 +60,7 @@ def in_rows(array: AnyArray) -> AnyArray:
 
 
 def picture(name: str, array: Any) -> AnyArray:
-    return in_rows(checked(name, array, ("uint8", "uint16")))
+    return in_rows(checked(name, array, PICTURES))
 
 
 def pair(left: Any, right: Any) -> Tuple[AnyArray, AnyArray]:
@@ -69,11 +81,11 @@ def of_shape(name: str, array: AnyArray, shape: Tuple[int, ...]) -> AnyArray:
 
 def mask_of(array: Any, shape: Tuple[int, ...]) -> AnyArray:
     """Bytes, those that are not 0 masked."""
-    return in_rows(of_shape("mask", checked("mask", array, ("uint8", "bool")), shape))
+    return in_rows(of_shape("mask", checked("mask", array, MASKS), shape))
 
 
 def disparities_of(array: Any, shape: Tuple[int, ...]) -> AnyArray:
-    return in_rows(of_shape("disparity", checked("disparity", array, ("float32",)), shape))
+    return in_rows(of_shape("disparity", checked("disparity", array, DISPARITIES), shape))
 
 
 def address(array: AnyArray) -> int:
@@ -98,13 +110,14 @@ def lent(owner: Handle, plane: records.Plane, kind: Any) -> AnyArray:
 
 def pixels_of(raw: Shorts) -> Floats:
     """Disparities of 1/16 pixel in pixels, nan for none."""
-    pixels = np.multiply(raw, np.float32(1 / 16), dtype=np.float32)
-    np.putmask(pixels, raw == 0, np.float32(np.nan))
+    pixels = raw.astype(np.float32)
+    np.multiply(pixels, np.float32(1 / 16), out=pixels)
+    np.copyto(pixels, NONE, where=np.equal(raw, 0))
     return pixels
 
 
 def heights_of(raw: Shorts) -> Floats:
     """Heights in mm, nan for what is unseen."""
     heights = raw.astype(np.float32)
-    np.putmask(heights, raw == 0, np.float32(np.nan))
+    np.copyto(heights, NONE, where=np.equal(raw, 0))
     return heights

@@ -26,13 +26,16 @@ class Matcher:
         self.road: Handle = made("road", ctypes.byref(camera), ctypes.byref(settings), None, 0, fault=fault)
         self.result: Handle = made("result", self.road.pointer)
         self.findings = records.sized(records.Findings)
+        self.lent: Optional[arrays.Shorts] = None
 
     def disparities(self, frame: records.Frame) -> arrays.Shorts:
         """They hold until the next frame."""
         library, result = ground(), self.result.pointer
         expect(library.nadir_road_process(self.road.pointer, ctypes.byref(frame), result))
         expect(library.nadir_result_read(result, ctypes.byref(self.findings)))
-        return arrays.lent(self.result, self.findings.disparity, "uint16")
+        if self.lent is None or arrays.address(self.lent) != self.findings.disparity.data:
+            self.lent = arrays.lent(self.result, self.findings.disparity, "uint16")
+        return self.lent
 
 
 class Matchers(threading.local):
@@ -41,10 +44,11 @@ class Matchers(threading.local):
     def __init__(self) -> None:
         self.known: List[Tuple[Any, Matcher]] = []
 
-    def matcher(self, words: Tuple[str, ...], shape: Tuple[int, ...]) -> Matcher:
-        if not self.known or self.known[0][0] != (words, shape):
-            self.known = []
-            self.known = [((words, shape), Matcher(words, shape))]
+    def matcher(self, options: Tuple[Any, ...], shape: Tuple[int, ...]) -> Matcher:
+        if not self.known or self.known[0][0] != (options, shape):
+            words = _setup.words_of(OPTIONS, dict(zip(OPTIONS, options)))
+            self.known = []  # so that there is never memory for two
+            self.known = [((options, shape), Matcher(words, shape))]
         return self.known[0][1]
 
 
@@ -102,9 +106,9 @@ def match(left: Any, right: Any, *, mask: Any = None, raw: bool = False, grid: O
     first, second = arrays.pair(left, right)
     masked = None if mask is None else arrays.mask_of(mask, first.shape)
     options = (grid, uniqueness, check, support, refine, range, no_postproc)
-    words = _setup.words_of(OPTIONS, dict(zip(OPTIONS, options)))
-    matcher = MATCHERS.matcher(words, first.shape)
+    matcher = MATCHERS.matcher(options, first.shape)
     found = matcher.disparities(frame_of(first, second, masked))
-    for warning in warnings_in(matcher.findings):
-        warnings.warn(sentence_of(warning), ResultWarning, stacklevel=2)
+    if matcher.findings.warning_count:
+        for warning in warnings_in(matcher.findings):
+            warnings.warn(sentence_of(warning), ResultWarning, stacklevel=2)
     return found.copy() if raw else arrays.pixels_of(found)

@@ -1,6 +1,7 @@
 """What nobody should pass, and ten thousand calls: exceptions instead of crashes, references and memory as before."""
 import ctypes
 import gc
+import os
 import sys
 import unittest
 import warnings
@@ -119,6 +120,7 @@ class Hostile(unittest.TestCase):
                 self.assertIn(fault.errno, (7, 36), settings)
 
 
+@unittest.skipIf("asan" in os.environ.get("LD_PRELOAD", ""), "a sanitizer keeps memory of its own")
 class Steady(unittest.TestCase):
     """References, Python's blocks and the process's memory are after many calls what they were before."""
 

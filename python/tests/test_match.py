@@ -119,7 +119,7 @@ class Match(unittest.TestCase):
                 nadir.match(left, second)
             with self.subTest(said), self.assertRaises(kind):
                 nadir.match(second, right)
-        for mask, kind, said in [(left, TypeError, "uint8 or bool"), (np.zeros((5, 5), bool), ValueError, r"\(5, 5\)")]:
+        for mask, kind, said in [(left, TypeError, "bool or uint8"), (np.zeros((5, 5), bool), ValueError, r"\(5, 5\)")]:
             with self.assertRaisesRegex(kind, said):
                 nadir.match(left, right, mask=mask)
 
