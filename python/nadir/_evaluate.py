@@ -13,7 +13,7 @@ import numpy.typing as npt
 
 from . import _program
 from . import _setup
-from ._arrays import checked
+from ._arrays import DISPARITIES, checked
 from ._camera import Path, checked_path
 from ._errors import ResultWarning
 from ._pictures import write_disparity
@@ -166,7 +166,7 @@ def _file_of(name: str, judged: Any, scale: str, options: Dict[str, Any], folder
     if options[scale] is not None:
         raise ValueError(f"{scale} is for files, but {name} is an array, of pixels")
     path = os.path.join(folder, name + ".pgm")
-    write_disparity(path, checked(name, judged, ("float32",)))
+    write_disparity(path, checked(name, judged, DISPARITIES))
     options[scale] = 256
     return path
 
