@@ -15,17 +15,14 @@ import make
 EVERYWHERE = re.compile(r"lib(c|m|gcc_s|stdc\+\+|pthread)\.so\.\d|ld-linux.*\.so\.\d")
 PIP, = glob.glob("/usr/share/python-wheels/pip-*.whl")  # which `python3 -m venv` would take seconds to unpack
 
-# What a user does; it prints the environment's folder for each library and program that was used from there.
+EXAMPLE = os.path.join(make.ROOT, "examples", "regions.py")
+# What a user does; then it prints the libraries and the program that were in use.
 USE = """
-import ctypes, re, sys
-from nadir import _places, _program
-for library in _places.LIBRARIES:
-    ctypes.CDLL(_places.library_path(library))
-_program.run("synth", "scene", "--size", "64x64", "--quiet")
-_program.run("verify", "--quiet")
+import re, runpy, sys
+from nadir import _places
+runpy.run_path(sys.argv[1])
 with open("/proc/self/maps") as maps:
-    used = set(re.findall(r"/\\S*libnadir\\S*", maps.read())) | {_places.program_path()}
-print(*sorted(used), sep="\\n")
+    print(*sorted(set(re.findall(r"/\\S*libnadir\\S*", maps.read()))), _places.program_path(), sep="\\n")
 """
 
 
@@ -79,11 +76,15 @@ class Wheel(unittest.TestCase):
         subprocess.run([sys.executable, "-m", "venv", "--without-pip", "--system-site-packages", home], check=True)
         subprocess.run([python, os.path.join(PIP, "pip"), "install", "--quiet", "--no-index", "--no-deps", self.path],
                        check=True, env=clean)
-        ran = subprocess.run([python, "-c", USE], cwd=self.folder.name, env=clean, stdout=subprocess.PIPE, text=True,
+        ran = subprocess.run([python, "-c", USE, EXAMPLE], cwd=self.folder.name, env=clean, stdout=subprocess.PIPE, text=True,
                              check=True)
         installed, = glob.glob(os.path.join(home, "lib", "python3*", "site-packages", "nadir", "_platform"))
-        self.assertEqual(ran.stdout.split(), [os.path.join(installed, name)
-                                              for name in ("libnadir.so.0", "libnadirground.so.0", "nadir")])
+        *regions, library, road_library, program = ran.stdout.splitlines()
+        self.assertEqual([library, road_library, program],
+                         [os.path.join(installed, name) for name in ("libnadir.so.0", "libnadirground.so.0", "nadir")])
+        self.assertEqual(len(regions), 6)
+        for number, region in enumerate(regions, 1):
+            self.assertRegex(region, rf"^Region\(label={number}, cells=\d+, highest_mm=\d+, ")
 
 
 if __name__ == "__main__":
