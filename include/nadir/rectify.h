@@ -82,7 +82,7 @@ typedef struct NadirRectifier NadirRectifier;
 /* Finds the views of a rectified pair where a calibration has none.
  *
  * rotation, translation_mm  from the left camera to the right one: x_right = rotation * x_left + translation
- * baseline_mm               receives the translation's length
+ * baseline_mm               receives the translation's length, which is more than 0 and at most 1e6
  *
  * Each camera is turned by half of the rotation between them, and then both by the smallest rotation that lays the
  * baseline along the rows (J.-Y. Bouguet, "Camera calibration toolbox", 2004); square roots are all that it takes. Both
@@ -92,7 +92,8 @@ typedef struct NadirRectifier NadirRectifier;
  *
  * NADIR_BAD_CAMERA where a number is out of range, where the right camera is not on the right (more than 60 degrees
  * from the picture's right after the first turn; the fault names `translation_mm`), or where the cameras look apart so
- * that a middle is not seen (`rotation`). Of the right lens's members the fault's `area` is 1, else 0. */
+ * that a middle is not seen or the principal point would lie more than 1e6 pixels away (`rotation`). Of the right
+ * lens's members the fault's `area` is 1, else 0. */
 NADIR_API NadirStatus nadir_rectified_views(const NadirLens* left, const NadirLens* right, const double rotation[9],
                                             const double translation_mm[3], NadirRectifiedView* left_view,
                                             NadirRectifiedView* right_view, double* baseline_mm, NadirFault* fault);
