@@ -9,6 +9,7 @@
 #include "lab/scene/ready_scenes.hpp"
 #include "lab/scene/render.hpp"
 #include "tests/api/ground/roads.hpp"
+#include "tests/support/rounds.hpp"
 
 namespace nadir::test {
 namespace {
@@ -188,6 +189,20 @@ TEST(Level, PairsThatAgreeMakeItMoreCertain) {
   EXPECT_EQ(four.pairs, 4u);
   EXPECT_LT(four.height_deviation_mm, 0.8 * one.height_deviation_mm);
   EXPECT_NEAR(four.height_mm, one.height_mm, 1e-6 * one.height_mm);
+}
+
+// One picture's noise alone may take two planes further apart than most noise does, but not that of every second.
+TEST(Level, PairsThatDifferByChanceMakeItMoreCertain) {
+  const Pair first = rendered("empty-floor", usual, 1, 0, 60);
+  const double alone = levelled(first).height_deviation_mm;
+  int tried = 0, certain = 0;
+  for (uint32_t frame = 1; frame <= 8; frame += everyRound, ++tried) {
+    const Bench bench(first.camera);
+    ASSERT_EQ(bench.add(first), NADIR_OK);
+    ASSERT_EQ(bench.add(rendered("empty-floor", usual, 1, frame, 60)), NADIR_OK);
+    certain += bench.read().height_deviation_mm < 0.85 * alone;
+  }
+  EXPECT_GE(2 * certain, tried);
 }
 
 TEST(Level, PairsThatContradictEachOtherMakeItLessCertain) {
