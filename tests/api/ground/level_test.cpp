@@ -226,6 +226,7 @@ TEST(Level, APairWithoutFloorChangesNothing) {
   noise.right.pixels = random.values<uint16_t>(noise.right.pixels.size(), 4000);
   Pair flat = usualFloor();
   std::fill(flat.left.pixels.begin(), flat.left.pixels.end(), uint16_t{900});
+  flat.right = flat.left;
   for (const Pair& other : {noise, flat}) {
     EXPECT_EQ(bench.add(other), NADIR_NOTHING_FOUND);
     const NadirLevelled after = bench.read();
