@@ -57,6 +57,11 @@ TEST_F(Manners, CommandsAboutCommandsHaveAHelp) {
   EXPECT_NE(printed({"help", "config"}).find("nadir config ground --for people"), std::string::npos);
 }
 
+TEST_F(Manners, WordsThatAreTakenAreToldInTheirOrder) {
+  EXPECT_EQ(mistake({"disparity", "l.png", "r.png", "-o", "d.png", "--range", "300"}),
+            "nadir: --range: 300 not in {61,122,244}; see nadir disparity --help\n");
+}
+
 TEST_F(Manners, APictureIsNoText) {
   makePair();
   for (const std::vector<std::string>& command :

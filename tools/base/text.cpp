@@ -76,7 +76,8 @@ void print(const std::string& text) {
 }
 
 std::string writtenLine(const std::string& what, const std::string& picture) {
-  return "\nwrote " + (what == "-" ? "standard output" : what) + (picture.empty() ? "" : "; look at " + picture) + "\n";
+  return "\nwrote " + (what == "-" ? "to standard output" : what) + (picture.empty() ? "" : "; look at " + picture) +
+         "\n";
 }
 
 void say(const std::string& sentence) { std::fprintf(stderr, "nadir: %s\n", shownOn(STDERR_FILENO, sentence).c_str()); }

@@ -153,8 +153,10 @@ void writeOutputs(const LevelOptions& options, const NadirLevelled& mount, const
 std::string writtenSentence(const LevelOptions& options) {
   std::string text;
   if (options.write)
-    text += format("wrote height_mm, tilt_deg%s pan_deg%s into %s\n", options.layMap ? "," : " and",
-                   options.layMap ? " and the map" : "", options.road.camera.c_str());
+    text +=
+        format("wrote height_mm, tilt_deg%s pan_deg%s into %s\n", options.layMap ? "," : " and",
+               options.layMap ? " and the map" : "",
+               options.road.camera == standardStream ? "what went to standard output" : options.road.camera.c_str());
   if (!options.picture.empty())
     text += format("wrote %s: green is the floor that was taken, red what was left out\n", options.picture.c_str());
   return text.empty() ? "" : "\n" + text;

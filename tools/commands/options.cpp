@@ -1,8 +1,6 @@
 // The names, ranges and units of the options that several commands have.
 #include "tools/commands/options.hpp"
 
-#include <set>
-
 #include "tools/base/error.hpp"
 #include "tools/base/in_order.hpp"
 #include "tools/files/files.hpp"
@@ -18,9 +16,9 @@ void replaceIn(std::string& text, const std::string& mark, const std::string& wo
   if (place != std::string::npos) text.replace(place, mark.size(), words);
 }
 
-std::set<std::string> wordsOf(const Words& words) {
-  std::set<std::string> all;
-  for (const Word& word : words) all.insert(word.word);
+std::vector<std::string> wordsOf(const Words& words) {
+  std::vector<std::string> all;
+  for (const Word& word : words) all.emplace_back(word.word);
   return all;
 }
 
