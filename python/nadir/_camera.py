@@ -64,6 +64,14 @@ class Camera:
     mount that nobody knows yet is None: such a camera can be levelled and written, but makes no road. Another camera is
     made by `dataclasses.replace(camera, height_mm=2600)`.
 
+    >>> camera = Camera(baseline_mm=120, focal_px=610, principal_x_px=319.5, principal_y_px=239.5, width_px=640,
+    ...                 height_px=480, height_mm=2600, tilt_deg=-30)
+    >>> folder = tempfile.TemporaryDirectory()
+    >>> path = os.path.join(folder.name, "camera.toml")
+    >>> camera.write(path)
+    >>> Camera.read(path) == camera
+    True
+
     Attributes:
         areas: its areas of interest.
         lenses: what the tables left_lens, right_lens and pose say; None where pictures are rectified already.

@@ -60,6 +60,14 @@ def level(camera: Camera, pairs: Iterable[Tuple[Any, Any]], *,
     Raises:
         Error: no pair shows a floor.
         TypeError, ValueError: arrays of another type or shape than the camera's.
+
+    >>> import numpy as np
+    >>> texture = np.random.default_rng(1).integers(200, 4000, (120, 200), dtype=np.uint16)
+    >>> camera = Camera(baseline_mm=100, focal_px=200, principal_x_px=79.5, principal_y_px=59.5, width_px=160,
+    ...                 height_px=120)
+    >>> found = level(camera, [(texture[:, :160], texture[:, 20:180])])  # 20 px everywhere: 1000 mm, straight down
+    >>> round(found.height_mm), abs(found.tilt_deg) < 0.1
+    (1000, True)
     """
     taken = list(pairs)
     if range != "auto" and range not in RANGES:

@@ -44,6 +44,16 @@ class Rectifier:
         unit_mm, lens: as for `Camera.imported`.
 
     Raises Error with the program's sentence.
+
+    >>> lens = {"model": "plumb-bob", "focal_x_px": 120, "focal_y_px": 120, "principal_x_px": 79.5,
+    ...         "principal_y_px": 59.5, "k1": -0.1}
+    >>> pose = {"rotation": [1, 0, 0, 0, 1, 0, 0, 0, 1], "translation_mm": [-100, 0, 0]}
+    >>> camera = Camera(baseline_mm=100, focal_px=120, principal_x_px=79.5, principal_y_px=59.5, width_px=160,
+    ...                 height_px=120, lenses={"left_lens": lens, "right_lens": lens, "pose": pose})
+    >>> bent = np.full((120, 160), 1000, np.uint16)
+    >>> left, right = Rectifier(camera).process(bent, bent)
+    >>> left.shape, int(left[60, 80])
+    ((120, 160), 1000)
     """
 
     def __init__(self, camera: Camera, *calibration: Path, unit_mm: Optional[float] = None,

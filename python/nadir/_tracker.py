@@ -35,6 +35,20 @@ class Tracker:
         track_noise: how uncertain a frame's height is at least, standard deviation, mm.
 
     What is None is as in `nadir ground --help`. Raises Error with the program's sentence for a number out of range.
+
+    >>> import numpy as np
+    >>> from nadir import Area, Camera
+    >>> camera = Camera(baseline_mm=100, focal_px=200, principal_x_px=79.5, principal_y_px=59.5, width_px=160,
+    ...                 height_px=120, height_mm=1000, tilt_deg=0, map_width_cells=32, map_height_cells=32, cell_mm=20,
+    ...                 areas=(Area("middle", pixels=((40, 30), (120, 30), (120, 90), (40, 90))),))
+    >>> road = Road(camera)
+    >>> tracker = Tracker(road, average=2)
+    >>> disparity = np.full((120, 160), 20, np.float32)  # the ground, 1000 mm away
+    >>> disparity[50:70, 60:100] = 25  # and what stands 200 mm high on it
+    >>> for frame in range(3):
+    ...     tracker.step(road.process(disparity=disparity), time_ns=frame * 10**8)
+    >>> [round(track.height_mm) for track in tracker.tracks()]
+    [200]
     """
 
     def __init__(self, road: Road, *, average: Optional[int] = None, track_noise: Optional[float] = None) -> None:

@@ -15,10 +15,11 @@ class Tracker(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         walk = scene.path("walk")
-        _program.run("synth", walk, "--frames", FRAMES, "--fps", RATE, "--size", "160x120", "--height", 3500)
+        _program.run("synth", walk, "--frames", FRAMES, "--fps", RATE, "--size", "160x120", "--height", 3500,
+                     "--no-truth-pictures")
         _program.run("ground", walk, "--camera", f"{walk}/camera.toml", "--areas", f"{walk}/areas.toml", "-o",
                      scene.path("walked"), "--fps", RATE, "--average", 5, "--track-noise", 3.5)
-        cls.pairs = [[scene.read_png(f"{walk}/{side}/{frame:06}.png") for side in ("left", "right")]
+        cls.pairs = [[nadir.read(f"{walk}/{side}/{frame:06}.png") for side in ("left", "right")]
                      for frame in range(FRAMES)]
         with open(scene.path("walked/frames.jsonl"), encoding="utf-8") as file:
             cls.lines = [json.loads(line) for line in file]
