@@ -13,6 +13,11 @@ Path = Union[str, "os.PathLike[str]"]
 Corner = Tuple[int, int]
 
 
+def quoted(value: Any) -> str:
+    """Numbers, lists and texts as TOML has them, which is as JSON has them, but for letters in two halves."""
+    return json.dumps(value, ensure_ascii=False)
+
+
 @dataclass(frozen=True)
 class Area:
     """An area of interest: a polygon of 3 to 100 corners.
@@ -37,7 +42,7 @@ class Area:
 
     def toml(self) -> str:
         corners = "pixels" if self.pixels else "ground_mm"
-        lines = ["[[area]]", f"name = {json.dumps(self.name)}",
+        lines = ["[[area]]", f"name = {quoted(self.name)}",
                  f"{corners} = {json.dumps([list(corner) for corner in getattr(self, corners)])}"]
         lines += [f"{name} = {height}" for name, height in (("min_height_mm", self.min_height_mm),
                                                             ("max_height_mm", self.max_height_mm)) if height]
@@ -132,11 +137,12 @@ class Camera:
         """
         numbers = {field.name: getattr(self, field.name) for field in fields(self)
                    if field.name not in ("areas", "lenses")}
+        others = "".join("\n" + text for text in [_lens_tables(self.lenses), *[area.toml() for area in self.areas]]
+                         if text).encode()
         force_words = ["--force"] if force else []
         _program.run("camera", "import", "-o", checked_path(path), *force_words, *_options(_by_option(numbers)))
-        others = "".join("\n" + text for text in [_lens_tables(self.lenses), *[area.toml() for area in self.areas]] if text)
         if others:
-            with open(path, "a", encoding="utf-8") as file:
+            with open(path, "ab") as file:
                 file.write(others)
 
 
@@ -173,6 +179,6 @@ def _options(values: Mapping[str, Any]) -> List[str]:
 
 
 def _lens_tables(lenses: Optional[Mapping[str, Mapping[str, Any]]]) -> str:
-    tables = ["\n".join([f"[{table}]", *[f"{key} = {json.dumps(value)}" for key, value in keys.items()]]) + "\n"
+    tables = ["\n".join([f"[{table}]", *[f"{key} = {quoted(value)}" for key, value in keys.items()]]) + "\n"
               for table, keys in (lenses or {}).items()]
     return "\n".join(tables)

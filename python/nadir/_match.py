@@ -69,7 +69,7 @@ def frame_of(left: arrays.AnyArray, right: arrays.AnyArray, mask: Optional[array
 def match(left: Any, right: Any, *, mask: Any = None, raw: bool = False, grid: Optional[str] = None,
           uniqueness: Optional[int] = None, check: Optional[str] = None, support: Optional[int] = None,
           refine: Optional[str] = None, range: Union[int, str, None] = None,  # pylint: disable=redefined-builtin
-          no_postproc: bool = False) -> Any:
+          no_postproc: bool = False) -> arrays.AnyArray:
     """Matches a rectified pair.
 
     Args:
@@ -111,4 +111,6 @@ def match(left: Any, right: Any, *, mask: Any = None, raw: bool = False, grid: O
     if matcher.findings.warning_count:
         for warning in warnings_in(matcher.findings):
             warnings.warn(sentence_of(warning), ResultWarning, stacklevel=2)
-    return found.copy() if raw else arrays.pixels_of(found)
+    if raw:
+        return found.copy()
+    return arrays.pixels_of(found)

@@ -17,7 +17,7 @@ LENSES = {"left_lens": {"model": "plumb-bob", "focal_x_px": 600.0, "focal_y_px":
           "right_lens": {"model": "fisheye", "focal_x_px": 610.0, "focal_y_px": 610.0, "principal_x_px": 320.0,
                          "principal_y_px": 240.0, "k1": 0.01},
           "pose": {"rotation": [1.0, 0, 0, 0, 1, 0, 0, 0, 1], "translation_mm": [-120.0, 0, 0]}}
-AREAS = (Area('the "door"', pixels=((220, 90), (410, 90), (450, 300))),
+AREAS = (Area('the "door"\\\n\u00fc\U0001f6aa', pixels=((220, 90), (410, 90), (450, 300))),
          Area("table", ground_mm=((-500, -1200), (500, -1200), (500, -400)), min_height_mm=300, max_height_mm=2200))
 
 

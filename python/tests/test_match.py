@@ -7,7 +7,7 @@ import numpy as np
 
 import nadir
 import scene
-from nadir import _program
+from nadir import _arrays, _program
 
 OPTIONS = [{}, {"check": "flip"}, {"check": "both", "support": 12, "uniqueness": 20}, {"refine": "none", "no_postproc": True},
            {"grid": "right", "range": 122}]
@@ -66,6 +66,12 @@ class Match(unittest.TestCase):
                 self.assertEqual(nadir.match(first, second).tobytes(), expected)
         left.flags.writeable = right.flags.writeable = False
         self.assertEqual(nadir.match(left, right).tobytes(), expected)
+
+    def test_rows_apart_are_not_copied(self):
+        wide = np.zeros((40, 100), np.uint16)
+        for given, taken_as_it_is in [(wide, True), (wide[::2, 30:60], True), (wide[:, ::2], False), (wide[::-1], False),
+                                      (wide.T, False), (np.broadcast_to(wide[0], (40, 100)), False)]:
+            self.assertEqual(_arrays.in_rows(given) is given, taken_as_it_is)
 
     def test_results_are_their_own(self):
         left, right = scene.pair()
