@@ -132,7 +132,7 @@ def evaluate(picture: Judged, truth: Judged, *, scale: Optional[float] = None, t
 
     Args:
         picture: a file of disparities or heights, or the folder of `nadir ground`; or disparities, float32 (height,
-            width) in pixels, nan for none, which are judged in steps of 1/256 pixel.
+            width) in pixels, nan for none, which are judged in steps of 1/256 pixel (and none is what that rounds to 0).
         truth: the same of the true ones; or the folder of `nadir.synth`.
 
     The others are the options of `nadir evaluate`.
