@@ -365,9 +365,9 @@ NadirPlane anyPlane(Input& in, const std::vector<uint16_t>& picture, uint32_t wi
   return plane;
 }
 
-// Whatever the pictures are there is one verdict, the same at every level.
+// Whatever the pictures are there is one verdict, the same at the highest level as at the lowest.
 void fuzzChecker(Input& in) {
-  if (in.below(16) != 7) return;  // it takes as long as a hundred small frames, and inputs that are spent say 0
+  if (in.below(256) != 7) return;  // it takes as long as some hundred small frames
   const uint32_t width = 64 + in.below(9), height = 64 + in.below(5);
   const auto left = in.values<uint16_t>(size_t{width} * height);
   const auto right = in.below(4) == 0 ? left : in.values<uint16_t>(size_t{width} * height);
@@ -378,7 +378,8 @@ void fuzzChecker(Input& in) {
   pair.right = anyPlane(in, right, width, height);
   const lab::Checker checker(width, height);
   uint64_t want = 0;
-  for (const unsigned level : cumulativeLevels()) {
+  const std::vector<unsigned> all = cumulativeLevels();
+  for (const unsigned level : {all.front(), all.back()}) {
     setCpu(level);
     NadirCheckup checkup = lab::emptyRecord<NadirCheckup>();
     lab::Fingerprint hash;
