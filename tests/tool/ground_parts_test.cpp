@@ -2,47 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 
-#include "tests/tool/schema.hpp"
+#include "tests/tool/ground_sequence.hpp"
 
 namespace nadir::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int rendered = 6, frames = 14;
+constexpr int length = 14;
 
-std::string number(int frame) {
-  const std::string digits = std::to_string(frame);
-  return std::string(6 - digits.size(), '0') + digits;
-}
-
-std::vector<Json> linesIn(const std::string& text) {
-  std::vector<Json> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(parseJson(line));
-  return lines;
-}
-
-class GroundParts : public testing::Test {
+class GroundParts : public GroundSequence {
  protected:
-  // The rendered frames over and over, under numbers of their own.
-  GroundParts() {
-    EXPECT_EQ(folder
-                  .run({"synth", "s", "--frames", std::to_string(rendered), "--size", "160x120", "--no-truth-pictures",
-                        "--height", "3500"})
-                  .status,
-              0);
-    for (const std::string side : {"left", "right"})
-      for (int frame = rendered; frame < frames; ++frame)
-        fs::create_symlink(number(frame % rendered) + ".png", folder.path("s/" + side + "/" + number(frame) + ".png"));
-  }
+  GroundParts() { lengthen(length); }
 
   Outcome ground(const std::string& output, std::vector<std::string> more = {}, const std::string& source = "s") {
-    std::vector<std::string> all = {"ground",       source, "--camera", "s/camera.toml", "--areas",
-                                    "s/areas.toml", "-o",   output,     "--average",     "4"};
-    all.insert(all.end(), more.begin(), more.end());
+    std::vector<std::string> all = arguments(output, std::move(more));
+    all[1] = source;
     return folder.run(all);
   }
 
@@ -67,7 +43,7 @@ class GroundParts : public testing::Test {
         maps += text(part + "/" + kind + entry.path().filename().string()) ==
                 text("whole/" + kind + entry.path().filename().string());
     size_t mapped = 0;
-    for (const Json& line : linesIn(text(part + "/frames.jsonl"))) mapped += !line.contains("error");
+    for (const Json& line : lines(part)) mapped += !line.contains("error");
     EXPECT_EQ(maps, 2 * mapped) << part;
   }
 
@@ -78,23 +54,22 @@ class GroundParts : public testing::Test {
     EXPECT_EQ(text(parts + "-joined/run.json"), text("whole/run.json")) << parts;
   }
 
+  // The link, not what it leads to.
   void damage(int frame) {
     const std::string file = folder.path("s/left/" + number(frame) + ".png"), bytes = readFile(file);
-    fs::remove(file);  // it may be a link
+    fs::remove(file);
     writeFile(file, bytes.substr(0, 900));
   }
-
-  Folder folder;
 };
 
 // Damaged frames stand before borders, so that averages that begin behind them have to reach back further.
 TEST_F(GroundParts, JoinedPartsAreTheWholeRunWhateverTheirSizes) {
   for (const int frame : {8, 9, 6, 4}) damage(frame);
   EXPECT_EQ(ground("whole").status, 3);
-  for (const int size : {1, 5, 7, frames}) {
+  for (const int size : {1, 5, length}) {
     const std::string parts = "of-" + std::to_string(size);
-    for (int from = 0; from < frames; from += size)
-      expectPartOfWhole(work(parts, from, std::min(from + size, frames), {"--threads", std::to_string(1 + from % 3)}));
+    for (int from = 0; from < length; from += size)
+      expectPartOfWhole(work(parts, from, std::min(from + size, length), {"--threads", std::to_string(1 + from % 3)}));
     expectJoinIsWhole(parts, 3);
   }
   EXPECT_NE(text("whole/frames.jsonl").find("\"tracked_mm\":1"), std::string::npos) << "nothing was tracked";
@@ -102,20 +77,20 @@ TEST_F(GroundParts, JoinedPartsAreTheWholeRunWhateverTheirSizes) {
 
 TEST_F(GroundParts, APartThatWasInterruptedGoesOnToTheSame) {
   ground("whole");
-  const std::string part = work("parts", 5, frames), log = folder.path(part + "/frames.jsonl");
+  const std::string part = work("parts", 5, length), log = folder.path(part + "/frames.jsonl");
   const std::string whole = readFile(log);
   for (const size_t bytes : {size_t{0}, whole.find('\n') + 1, whole.size() / 2}) {
     writeFile(log, whole.substr(0, bytes));
-    for (int frame = frames - 3; frame < frames; ++frame)
+    for (int frame = length - 3; frame < length; ++frame)
       fs::remove(folder.path(part + "/average/" + number(frame) + ".png"));
-    EXPECT_EQ(ground(part, {"--frames", range(5, frames), "--resume"}).status, 0);
+    EXPECT_EQ(ground(part, {"--frames", range(5, length), "--resume"}).status, 0);
     EXPECT_EQ(readFile(log), whole);
     expectPartOfWhole(part);
   }
-  const Outcome other = ground(part, {"--frames", range(5, frames - 1), "--resume"});
+  const Outcome other = ground(part, {"--frames", range(5, length - 1), "--resume"});
   EXPECT_NE(other.err.find("tells of other settings: frames"), std::string::npos) << other.err;
   writeFile(folder.path(part + "/run.json"), readJson(folder.path(part + "/run.json")).dump());
-  EXPECT_EQ(ground(part, {"--frames", range(5, frames), "--resume"}).status, 0) << "members in another order";
+  EXPECT_EQ(ground(part, {"--frames", range(5, length), "--resume"}).status, 0) << "members in another order";
   EXPECT_NE(ground(part, {"--resume"}).err.find("tells of other settings: frames is given there and missing here"),
             std::string::npos);
 }
@@ -123,15 +98,15 @@ TEST_F(GroundParts, APartThatWasInterruptedGoesOnToTheSame) {
 TEST_F(GroundParts, JoiningGoesUpToAGapAndOnWhenItIsFilled) {
   ground("whole", {"--write", "map"});
   work("parts", 0, 3, {"--write", "map"});
-  work("parts", 8, frames, {"--write", "map"});
+  work("parts", 8, length, {"--write", "map"});
   const auto join = [this] {
     return ground("parts-joined", {"--write", "map", "--join", "parts", "--resume", "--json"});
   };
   const Json first = parseJson(join().out);
   EXPECT_EQ(first["frames"], 3);
-  EXPECT_EQ(first["frames_in_all"], frames);
+  EXPECT_EQ(first["frames_in_all"], length);
   work("parts", 3, 8, {"--write", "map"});
-  EXPECT_EQ(parseJson(join().out)["frames"], frames);
+  EXPECT_EQ(parseJson(join().out)["frames"], length);
   EXPECT_EQ(text("parts-joined/frames.jsonl"), text("whole/frames.jsonl"));
   EXPECT_EQ(text("parts-joined/run.json"), text("whole/run.json"));
   const std::string log = folder.path("parts-joined/frames.jsonl"), whole = readFile(log);
@@ -145,7 +120,7 @@ TEST_F(GroundParts, WithoutPartsTheFramesAreCountedAlone) {
   const Outcome outcome = ground("joined", {"--join", "parts", "--json"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(parseJson(outcome.out)["frames"], 0);
-  EXPECT_EQ(parseJson(outcome.out)["frames_in_all"], frames);
+  EXPECT_EQ(parseJson(outcome.out)["frames_in_all"], length);
 }
 
 TEST_F(GroundParts, WhatCannotBeJoinedIsRefused) {
@@ -208,13 +183,13 @@ TEST_F(GroundParts, RangesThatAreNoneAreRefused) {
 
 TEST_F(GroundParts, APartFollowsNoHeightsAndFitsItsSchemas) {
   const std::string part = work("parts", 2, 6);
-  const std::vector<Json> lines = linesIn(text(part + "/frames.jsonl"));
-  ASSERT_EQ(lines.size(), 4u);
-  EXPECT_EQ(lines[0]["frame"], 2);
-  EXPECT_EQ(lines[0]["time_s"], 0.2);
-  for (const Json& line : lines)
+  const std::vector<Json> told = lines(part);
+  ASSERT_EQ(told.size(), 4u);
+  EXPECT_EQ(told[0]["frame"], 2);
+  EXPECT_EQ(told[0]["time_s"], 0.2);
+  for (const Json& line : told)
     for (const Json& area : line["areas"]) EXPECT_TRUE(area["tracked_mm"].is_null());
-  EXPECT_EQ(mistakes(NADIR_FRAMES_SCHEMA, lines), std::vector<std::string>(4));
+  EXPECT_EQ(mistakes(NADIR_FRAMES_SCHEMA, told), std::vector<std::string>(4));
   const Json run = readJson(folder.path(part + "/run.json"));
   EXPECT_EQ(run["frames"], parseJson("[2, 6]"));
   EXPECT_EQ(mistakes(NADIR_RUN_SCHEMA, {run}), std::vector<std::string>(1));
@@ -227,7 +202,7 @@ class GroundIndex : public GroundParts {
   // A row for every frame, in another order, with its time as its file's name has it.
   static std::string rows(const std::string& camera) {
     std::string all;
-    for (int frame = frames; frame-- > 0;)
+    for (int frame = length; frame-- > 0;)
       all += "left/" + number(frame) + ".png,right/" + number(frame) + ".png," + number(frame) + camera + "\n";
     return all;
   }
@@ -267,11 +242,11 @@ TEST_F(GroundIndex, TakesWhatSpreadsheetsWrite) {
                 "0040,\"x, y\",\"right/000001.png\",\"left/a \"\"b\"\", 1.png\"");
   const Outcome outcome = ground("r", {"--times", "ms", "--no-maps"}, "s/i.csv");
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  const std::vector<Json> lines = linesIn(text("r/frames.jsonl"));
-  ASSERT_EQ(lines.size(), 2u);
-  EXPECT_EQ(lines[1]["frame"], 40);
-  EXPECT_EQ(lines[1]["name"], "0040");
-  EXPECT_EQ(lines[1]["time_s"], 0.033);
+  const std::vector<Json> told = lines("r");
+  ASSERT_EQ(told.size(), 2u);
+  EXPECT_EQ(told[1]["frame"], 40);
+  EXPECT_EQ(told[1]["name"], "0040");
+  EXPECT_EQ(told[1]["time_s"], 0.033);
 }
 
 TEST_F(GroundIndex, EachCameraHasItsRows) {
@@ -284,10 +259,10 @@ TEST_F(GroundIndex, EachCameraHasItsRows) {
   const auto names = [this](const std::string& camera, const std::string& output) {
     EXPECT_EQ(folder.run({"ground", "s/i.csv", "--camera", camera, "-o", output, "--no-maps"}).status, 0);
     std::vector<std::string> all;
-    for (const Json& line : linesIn(text(output + "/frames.jsonl"))) all.push_back(line["name"]);
+    for (const Json& line : lines(output)) all.push_back(line["name"]);
     return all;
   };
-  EXPECT_EQ(names("./s/../s/camera.toml", "a").size(), size_t{frames + 1});
+  EXPECT_EQ(names("./s/../s/camera.toml", "a").size(), size_t{length + 1});
   EXPECT_EQ(names("cameras/b.toml", "b"), (std::vector<std::string>{"000002", "000077"}));
 }
 
