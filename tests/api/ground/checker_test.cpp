@@ -21,12 +21,13 @@ using lab::PicturePair;
 
 constexpr uint32_t width = 160, height = 120;
 
-PicturePair rendered(uint32_t columns, uint32_t rows, double baseline) {
+PicturePair rendered(uint32_t columns, uint32_t rows, double baseline, double tilt = 0) {
   scene::CameraSettings camera;
   camera.width = columns;
   camera.height = rows;
   camera.focal = 0.78 * columns;
   camera.baseline = baseline;
+  camera.tilt = tilt;
   const scene::Rig rig = scene::makeRig(camera);
   const scene::Scene scene = scene::makeScene("boxes", rig, 1);
   scene::Sensor sensor;
@@ -109,6 +110,16 @@ TEST(Checker, PicturesOfDifferentThingsAreUnrectified) {
   PicturePair narrow = rendered(64, 64, 60);
   narrow.right = lab::turned(narrow.left, 180);
   EXPECT_EQ(verdictOf(narrow), "unrectified");
+}
+
+// What grows down the picture is scaled by a turn, and what has relief is bent.
+TEST(Checker, ATurnOfAGroundAheadIsATurn) {
+  const PicturePair ahead = rendered(width, height, 500, -50);
+  const double turns[] = {3, -3, 1, -1};
+  for (size_t i = 0; i < 4; i += everyRound) {
+    EXPECT_EQ(verdictOf({lab::turned(ahead.left, turns[i]), ahead.right}), "turned") << turns[i];
+    EXPECT_EQ(verdictOf({ahead.left, lab::turned(ahead.right, turns[i])}), "turned") << turns[i];
+  }
 }
 
 // Neither the gain nor the other picture says so.
