@@ -21,7 +21,7 @@ using lab::PicturePair;
 
 constexpr uint32_t width = 160, height = 120;
 
-PicturePair rendered(uint32_t columns, uint32_t rows, double baseline, double tilt = 0) {
+PicturePair rendered(uint32_t columns, uint32_t rows, double baseline, double tilt = scene::CameraSettings().tilt) {
   scene::CameraSettings camera;
   camera.width = columns;
   camera.height = rows;
