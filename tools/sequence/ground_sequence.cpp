@@ -288,7 +288,7 @@ class SequenceRun {
   // part in them. How many frames that takes depends on how many of them are damaged.
   void warmUp() {
     const size_t window = writes(Product::average) ? options_.rule.track.average_frames - 1 : 0;
-    if (measured_.size() >= window) return;
+    if (measured_.size() >= window || done_ == range_.end) return;
     std::deque<std::pair<size_t, Grid<uint16_t>>> maps;
     const auto frameBefore = [this](uint64_t steps) { return range_.begin - 1 - static_cast<size_t>(steps); };
     const auto heightsBefore = [&](uint64_t steps) { return heightsOf(frameBefore(steps)); };
