@@ -6,6 +6,8 @@ import threading
 import warnings
 from typing import Any, List, Optional, Tuple, Union
 
+import numpy as np
+
 from . import _arrays as arrays
 from . import _records as records
 from . import _setup
@@ -26,16 +28,17 @@ class Matcher:
         self.road: Handle = made("road", ctypes.byref(camera), ctypes.byref(settings), None, 0, fault=fault)
         self.result: Handle = made("result", self.road.pointer)
         self.findings = records.sized(records.Findings)
-        self.lent: Optional[arrays.Shorts] = None
+        self.lent: Tuple[Optional[int], arrays.Shorts] = (None, np.empty((0, 0), np.uint16))
 
     def disparities(self, frame: records.Frame) -> arrays.Shorts:
         """They hold until the next frame."""
         library, result = ground(), self.result.pointer
         expect(library.nadir_road_process(self.road.pointer, ctypes.byref(frame), result))
         expect(library.nadir_result_read(result, ctypes.byref(self.findings)))
-        if self.lent is None or arrays.address(self.lent) != self.findings.disparity.data:
-            self.lent = arrays.lent(self.result, self.findings.disparity, "uint16")
-        return self.lent
+        plane = self.findings.disparity
+        if self.lent[0] != plane.data:
+            self.lent = plane.data, arrays.lent(self.result, plane, "uint16")
+        return self.lent[1]
 
 
 class Matchers(threading.local):
