@@ -34,6 +34,29 @@ nadir_optimise_lightly(nadir_test_headers)
 # longer than testing.
 set(NADIR_TEST_PROGRAMS "" CACHE PATH "A build without sanitizers, whose test programs run on what this build made")
 
+# To the compiler the sources of such a test program are headers, in which fixtures without linkage are suspicious, and
+# names of one hide those of another. An interface's options come behind those of nadir_flags.
+add_library(nadir_whole_rooms INTERFACE)
+target_compile_options(nadir_whole_rooms INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage> -Wno-shadow)
+
+# nadir_compile_whole(TARGET SOURCE...): those of a folder are compiled as one, a dozen at most, where NADIR_WHOLE_ROOMS
+# asks for it: GoogleTest's templates are compiled once for all of them.
+function(nadir_compile_whole target)
+  if(NOT NADIR_WHOLE_ROOMS)
+    return()
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  target_link_libraries(${target} PRIVATE nadir_whole_rooms)
+  set(number 0)
+  foreach(source IN LISTS ARGN)
+    get_filename_component(folder ${source} DIRECTORY)
+    get_filename_component(room ${folder} NAME)
+    math(EXPR dozen "${number} / 12")
+    math(EXPR number "${number} + 1")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${room}_${dozen})
+  endforeach()
+endfunction()
+
 # The environment in which another build's program tests what this one made: the shared libraries, with the sanitizer's
 # own before them all, or the program.
 function(nadir_borrowing_environment kind variable)

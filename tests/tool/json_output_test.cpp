@@ -59,7 +59,9 @@ bool tellsItsUnit(const std::string& name) {
 
 // `name` is that of the member, or of the list, in which a value stands; those of shares are told by their object.
 void expectUnits(const Json& json, const std::string& name) {
-  if (json.is_number()) EXPECT_TRUE(tellsItsUnit(name) || hasNoUnit(name)) << name;
+  if (json.is_number()) {
+    EXPECT_TRUE(tellsItsUnit(name) || hasNoUnit(name)) << name;
+  }
   if (json.is_array())
     for (const Json& item : json) expectUnits(item, name);
   if (!json.is_object() || name == "shares") return;

@@ -7,14 +7,14 @@
 namespace nadir::test {
 namespace {
 
-const char* const optics =
+const char* const opticsLines =
     "baseline_mm = 120\nfocal_px = 600.1\nprincipal_x_px = 320\nprincipal_y_px = 240\nwidth_px = 640\nheight_px = "
     "480\n";
 const char* const mount = "height_mm = 2500\ntilt_deg = -20\n";
-const char* const map = "[map]\nwidth_cells = 64\nheight_cells = 64\ncell_mm = 50\n";
-const char* const area =
+const char* const mapLines = "[map]\nwidth_cells = 64\nheight_cells = 64\ncell_mm = 50\n";
+const char* const areaLines =
     "[[area]]\nname = \"door\"\npixels = [[220, 200], [410, 200], [410, 300]]\nmin_height_mm = 300\n";
-const char* const lenses =
+const char* const lensLines =
     "[left_lens]\nmodel = \"plumb-bob\"\nfocal_x_px = 600\nfocal_y_px = 600\nprincipal_x_px = 320\n"
     "principal_y_px = 240\nk1 = -0.2\n[right_lens]\nmodel = \"fisheye\"\nfocal_x_px = 610\nfocal_y_px = 610\n"
     "principal_x_px = 320\nprincipal_y_px = 240\nk1 = 0.01\n"
@@ -38,7 +38,7 @@ class Setup : public testing::Test {
 };
 
 TEST_F(Setup, ShowTellsWhatACameraFileHolds) {
-  writeFile(folder.path("c.toml"), std::string(optics) + map + area + lenses);
+  writeFile(folder.path("c.toml"), std::string(opticsLines) + mapLines + areaLines + lensLines);
   const Json camera = told({"camera", "show", "c.toml", "--json"});
   EXPECT_EQ(camera["focal_px"], 600.1);
   EXPECT_TRUE(camera["height_mm"].is_null());
@@ -53,14 +53,14 @@ TEST_F(Setup, ShowTellsWhatACameraFileHolds) {
 }
 
 TEST_F(Setup, ShowWithoutJsonIsACameraFile) {
-  writeFile(folder.path("c.toml"), std::string(optics) + mount + map);
+  writeFile(folder.path("c.toml"), std::string(opticsLines) + mount + mapLines);
   const Outcome shown = folder.run({"camera", "show", "c.toml"});
   writeFile(folder.path("d.toml"), shown.out);
   EXPECT_EQ(told({"camera", "show", "c.toml", "--json"}), told({"camera", "show", "d.toml", "--json"}));
 }
 
 TEST_F(Setup, ADryRunTellsTheSettingsInForceAndWritesNothing) {
-  const Json setup = ofGround(std::string(optics) + mount + map + area, {"--for", "people"});
+  const Json setup = ofGround(std::string(opticsLines) + mount + mapLines + areaLines, {"--for", "people"});
   EXPECT_EQ(setup["settings"]["uniqueness"], 40);
   EXPECT_EQ(setup["settings"]["min_height_mm"], 300);
   EXPECT_EQ(setup["settings"]["min_area_m2"], 0.049999999999999996);  // two thirds of 30 cells, to the last bit
@@ -73,7 +73,8 @@ TEST_F(Setup, ADryRunTellsTheSettingsInForceAndWritesNothing) {
 }
 
 TEST_F(Setup, ADryRunTellsWhatRectifiersAreMadeOf) {
-  const Json rectifier = ofGround(std::string(optics) + mount + map + lenses, {"--check", "none"})["rectifier"];
+  const Json rectifier =
+      ofGround(std::string(opticsLines) + mount + mapLines + lensLines, {"--check", "none"})["rectifier"];
   EXPECT_EQ(rectifier["left"]["lens"]["coefficients"][0], -0.2);
   EXPECT_EQ(rectifier["right"]["lens"]["model"], 2);
   EXPECT_EQ(rectifier["left"]["view"]["focal_px"], 600.1);
@@ -81,7 +82,7 @@ TEST_F(Setup, ADryRunTellsWhatRectifiersAreMadeOf) {
 }
 
 TEST_F(Setup, ADryRunRefusesWhatTheRunWould) {
-  writeFile(folder.path("c.toml"), std::string(optics) + map);
+  writeFile(folder.path("c.toml"), std::string(opticsLines) + mapLines);
   const Outcome outcome = folder.run({"ground", "l.png", "r.png", "--camera", "c.toml", "-o", "out", "--dry-run"});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_NE(outcome.err.find("height_mm"), std::string::npos) << outcome.err;

@@ -10,7 +10,7 @@
 namespace nadir::test {
 namespace {
 
-Outcome synth(const Folder& folder, const std::string& name, std::vector<std::string> options) {
+Outcome renderedSequence(const Folder& folder, const std::string& name, std::vector<std::string> options) {
   options.insert(options.begin(), {"synth", name, "--size", "64x64"});
   return folder.run(options);
 }
@@ -29,7 +29,7 @@ std::vector<std::string> lines(const std::string& text) {
 
 TEST(SynthSequence, NumbersEveryKindOfPicture) {
   const Folder folder;
-  ASSERT_EQ(synth(folder, "s", {"--frames", "3"}).status, 0);
+  ASSERT_EQ(renderedSequence(folder, "s", {"--frames", "3"}).status, 0);
   std::vector<std::string> expected = {"s", "areas.toml", "camera.toml", "scene.json", "truth.jsonl"};
   for (const std::string& name : series) {
     expected.push_back(name);
@@ -44,8 +44,8 @@ TEST(SynthSequence, NumbersEveryKindOfPicture) {
 
 TEST(SynthSequence, FirstFrameIsThePair) {
   const Folder folder;
-  synth(folder, "s", {"--frames", "1", "--seed", "4"});
-  synth(folder, "p", {"--scene", "walkers", "--seed", "4"});
+  renderedSequence(folder, "s", {"--frames", "1", "--seed", "4"});
+  renderedSequence(folder, "p", {"--scene", "walkers", "--seed", "4"});
   for (const std::string& name : series)
     EXPECT_EQ(readFile(folder.path("s/" + name + "/000000.png")), readFile(folder.path("p/" + name + ".png"))) << name;
   for (const char* name : {"camera.toml", "scene.json"})
@@ -54,8 +54,8 @@ TEST(SynthSequence, FirstFrameIsThePair) {
 
 TEST(SynthSequence, ThreadsDoNotMatter) {
   const Folder folder;
-  synth(folder, "one", {"--frames", "5", "--threads", "1"});
-  synth(folder, "many", {"--frames", "5", "--threads", "7"});
+  renderedSequence(folder, "one", {"--frames", "5", "--threads", "1"});
+  renderedSequence(folder, "many", {"--frames", "5", "--threads", "7"});
   for (const std::string& name : series)
     for (int frame = 0; frame < 5; ++frame) {
       const std::string file = "/" + name + "/00000" + std::to_string(frame) + ".png";
@@ -66,7 +66,7 @@ TEST(SynthSequence, ThreadsDoNotMatter) {
 
 TEST(SynthSequence, TruthTellsTimePlaceAndHeight) {
   const Folder folder;
-  synth(folder, "s", {"--frames", "4", "--fps", "20", "--no-truth-pictures"});
+  renderedSequence(folder, "s", {"--frames", "4", "--fps", "20", "--no-truth-pictures"});
   const std::vector<std::string> truth = lines(readFile(folder.path("s/truth.jsonl")));
   ASSERT_EQ(truth.size(), 4u);
   for (int frame = 0; frame < 4; ++frame) {
@@ -83,7 +83,7 @@ TEST(SynthSequence, TruthTellsTimePlaceAndHeight) {
 // The heights that the pictures show are those of truth.jsonl.
 TEST(SynthSequence, TruthAgreesWithTheMap) {
   const Folder folder;
-  synth(folder, "s", {"--frames", "8", "--fps", "4"});
+  renderedSequence(folder, "s", {"--frames", "8", "--fps", "4"});
   const std::vector<std::string> truth = lines(readFile(folder.path("s/truth.jsonl")));
   ASSERT_EQ(truth.size(), 8u);
   for (int frame = 0; frame < 8; ++frame) {
@@ -100,14 +100,15 @@ TEST(SynthSequence, TruthAgreesWithTheMap) {
 
 TEST(SynthSequence, LeavesOutThePicturesOfTheTruth) {
   const Folder folder;
-  synth(folder, "s", {"--frames", "1", "--no-truth-pictures"});
+  renderedSequence(folder, "s", {"--frames", "1", "--no-truth-pictures"});
   EXPECT_EQ(folder.names(), (std::vector<std::string>{"000000.png", "000000.png", "areas.toml", "camera.toml", "left",
                                                       "right", "s", "scene.json", "truth.jsonl"}));
 }
 
 TEST(SynthSequence, TellsHowFarItIs) {
   const Folder folder;
-  const std::vector<std::string> told = lines(synth(folder, "s", {"--frames", "20", "--no-truth-pictures"}).err);
+  const std::vector<std::string> told =
+      lines(renderedSequence(folder, "s", {"--frames", "20", "--no-truth-pictures"}).err);
   ASSERT_EQ(told.size(), 10u) << "a line after every tenth";
   EXPECT_EQ(told[0].rfind("rendering 2 of 20 frames, ", 0), 0u) << told[0];
   EXPECT_EQ(told[9].rfind("rendering 20 of 20 frames, ", 0), 0u) << told[9];
@@ -115,8 +116,8 @@ TEST(SynthSequence, TellsHowFarItIs) {
 
 TEST(SynthSequence, RefusesToMixSequences) {
   const Folder folder;
-  synth(folder, "s", {"--frames", "2", "--no-truth-pictures"});
-  const Outcome again = synth(folder, "s", {"--frames", "1", "--no-truth-pictures"});
+  renderedSequence(folder, "s", {"--frames", "2", "--no-truth-pictures"});
+  const Outcome again = renderedSequence(folder, "s", {"--frames", "1", "--no-truth-pictures"});
   EXPECT_EQ(again.status, 1);
   EXPECT_NE(again.err.find("s holds a sequence already"), std::string::npos) << again.err;
   EXPECT_EQ(lines(readFile(folder.path("s/truth.jsonl"))).size(), 2u);
@@ -128,7 +129,7 @@ TEST(SynthSequence, RefusesOptionsOfASequenceForAPair) {
                                                  {"--no-truth-pictures"},
                                                  {"--frames", "0"},
                                                  {"--frames", "2", "--fps", "0"}})
-    EXPECT_EQ(synth(folder, "s", option).status, 2) << option[0];
+    EXPECT_EQ(renderedSequence(folder, "s", option).status, 2) << option[0];
   EXPECT_TRUE(folder.names().empty());
 }
 

@@ -138,7 +138,7 @@ TEST_F(SynthRegions, TellTheCellsThatThePictureShows) {
 }
 
 // Twice the area of a, b and p, with a sign.
-double side(const Json& a, const Json& b, double x, double y) {
+double sideOfEdge(const Json& a, const Json& b, double x, double y) {
   const double ax = a[0], ay = a[1], bx = b[0], by = b[1];
   return (bx - ax) * (y - ay) - (by - ay) * (x - ax);
 }
@@ -146,7 +146,7 @@ double side(const Json& a, const Json& b, double x, double y) {
 // The corners go round in one direction.
 bool isInside(const Json& corners, double x, double y) {
   for (size_t i = 0; i < 4; ++i)
-    if (side(corners[i], corners[(i + 1) % 4], x, y) < 0) return false;
+    if (sideOfEdge(corners[i], corners[(i + 1) % 4], x, y) < 0) return false;
   return true;
 }
 
