@@ -69,7 +69,7 @@ TEST_F(Manners, APictureIsNoText) {
         {"camera", "import", "left.png", "-o", "c.toml"},
         {"verify", "--config", "left.png"},
         {"ground", "left.png", "right.png", "--camera", "camera.toml", "--areas", "left.png", "-o", "g"}})
-    EXPECT_EQ(mistake(command, 1), "nadir: cannot use left.png: it is no text file\n") << command[0];
+    EXPECT_EQ(mistake(command, 1), "nadir: left.png:3: a byte is 0: this is no text file\n") << command[0];
 }
 
 TEST_F(Manners, ShortVersionIsTheVersion) { EXPECT_EQ(printed({"-V"}), printed({"--version"})); }

@@ -96,8 +96,10 @@ std::string readText(const std::string& path, size_t limit) {
 
 std::string readTypedText(const std::string& path) {
   std::string text = readText(path);
-  if (text.find('\0') != std::string::npos) throw UnusableFile("cannot use " + path + ": it is no text file");
-  return text;
+  const size_t zero = text.find('\0');
+  if (zero == std::string::npos) return text;
+  const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
+  throw UnusableFile(path + ":" + std::to_string(line) + ": a byte is 0: this is no text file");
 }
 
 }  // namespace nadir::tool

@@ -196,7 +196,7 @@ TEST(Level, PairsThatDifferByChanceMakeItMoreCertain) {
   const Pair first = rendered("empty-floor", usual, 1, 0, 60);
   const double alone = levelled(first).height_deviation_mm;
   int tried = 0, certain = 0;
-  for (uint32_t frame = 1; frame <= 8; frame += everyRound, ++tried) {
+  for (uint32_t frame = 1; frame <= 8; frame += static_cast<uint32_t>(everyRound), ++tried) {
     const Bench bench(first.camera);
     ASSERT_EQ(bench.add(first), NADIR_OK);
     ASSERT_EQ(bench.add(rendered("empty-floor", usual, 1, frame, 60)), NADIR_OK);
