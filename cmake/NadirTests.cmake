@@ -57,8 +57,8 @@ function(nadir_compile_whole target)
   endforeach()
 endfunction()
 
-# The environment in which another build's program tests what this one made: the shared libraries, with the sanitizer's
-# own before them all, or the program.
+# The environment in which another build's program, or Python, tests what this one made: the shared libraries, with the
+# sanitizer's own before them all, or the program.
 function(nadir_borrowing_environment kind variable)
   if(kind STREQUAL "ON_LIBRARIES")
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
