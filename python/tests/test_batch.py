@@ -356,8 +356,8 @@ class Cluster(Batches):
         import distributed
         self.recording(400)
         self.whole("--no-maps")
-        with distributed.LocalCluster(n_workers=2, threads_per_worker=1, host="127.0.0.1", dashboard_address=None, local_directory=self.folder,
-                                      silence_logs=50) as cluster, distributed.Client(cluster) as client:
+        with distributed.LocalCluster(n_workers=2, threads_per_worker=1, host="127.0.0.1", dashboard_address=None,
+                                      local_directory=self.folder, silence_logs=50) as cluster, distributed.Client(cluster) as client:
             pids = list(client.run(os.getpid).values())
 
             def kill_one():
