@@ -262,19 +262,19 @@ TEST_F(Rectify, PicturesSideBySide) {
             "nadir: a right picture is needed beside both.png, or --side-by-side where it holds both\n");
 }
 
-TEST_F(Rectify, AFrameThatCannotBeUsedIsNamedAndLeftOut) {
+TEST_F(Rectify, AFirstFrameThatCannotBeUsedIsNamedAndLeftOut) {
   make(16);
   for (const char* camera : {"cam0", "cam1"}) {
     fs::create_directory(folder.path(camera));
     for (const char* frame : {"1", "2"}) writePng(folder.path(std::string(camera) + "/f" + frame + ".png"), ramp(16));
   }
-  writeFile(folder.path("cam1/f2.png"), "no picture");
+  writeFile(folder.path("cam1/f1.png"), "no picture");
   const Outcome outcome = folder.run({"rectify", "cam0", "cam1", "--calibration", "c.yml", "-o", "o"});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_NE(outcome.err.find("frame cam0/f2.png is skipped: cannot use cam1/f2.png"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("frame cam0/f1.png is skipped: cannot use cam1/f1.png"), std::string::npos) << outcome.err;
   EXPECT_NE(outcome.err.find("1 of 2 frames were skipped\n"), std::string::npos) << outcome.err;
-  EXPECT_TRUE(fs::exists(folder.path("o/left/f1.png")));
-  EXPECT_FALSE(fs::exists(folder.path("o/left/f2.png")));
+  EXPECT_TRUE(fs::exists(folder.path("o/left/f2.png")));
+  EXPECT_FALSE(fs::exists(folder.path("o/left/f1.png")));
 }
 
 TEST_F(Rectify, ItsJsonAndThatOfAnImportFitTheSchema) {

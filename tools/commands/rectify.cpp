@@ -108,7 +108,7 @@ class Rectifying {
   }
 
   void run() {
-    const Input first = readInput(frames_.front());
+    const Input first = firstUsable();
     complete(calibration_, {first.pair.left.width, first.pair.left.height});
     const PairRectifier rectifier(calibration_);
     imported_ = cameraOf(calibration_);
@@ -123,6 +123,17 @@ class Rectifying {
  private:
   bool isSequence() const { return FrameSource::isSequence(options_.left); }
   std::string cameraPath() const { return options_.folder + "/camera.toml"; }
+
+  // Those before it are named when their turn comes.
+  Input firstUsable() const {
+    for (size_t i = 0; i + 1 < frames_.size(); ++i) {
+      try {
+        return readInput(frames_[i]);
+      } catch (const UnusableFile&) {
+      }
+    }
+    return readInput(frames_.back());
+  }
 
   void rectifyOne(const Input& input, const PairRectifier& rectifier) {
     OutputFiles files(inputs_);
